@@ -1,0 +1,29 @@
+# Warnings are errors everywhere; sanitizers by preset; ccache where it is installed.
+find_program(FERROWYN_CCACHE ccache)
+if(FERROWYN_CCACHE)
+  # The two sloppiness flags are what lets ccache serve precompiled headers.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${FERROWYN_CCACHE})
+  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
+endif()
+
+add_library(ferrowyn_compiler INTERFACE)
+target_compile_features(ferrowyn_compiler INTERFACE cxx_std_20)
+target_compile_options(ferrowyn_compiler INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_include_directories(ferrowyn_compiler INTERFACE ${CMAKE_SOURCE_DIR}/src)
+
+if(FERROWYN_SANITIZE)
+  add_compile_options(-fsanitize=${FERROWYN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${FERROWYN_SANITIZE})
+endif()
+
+find_program(FERROWYN_LLD ld.lld)
+if(FERROWYN_LLD)
+  add_link_options(-fuse-ld=lld)
+endif()
+
+# ferrowyn_library(<name> SOURCES … [PUBLIC …] [PRIVATE …]): one target a folder, with its links said explicitly.
+function(ferrowyn_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC ferrowyn_compiler ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+endfunction()

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+
+namespace ferrowyn {
+
+/// The window server's number of a window; the identity of a window throughout the program.
+using WindowId = std::uint32_t;
+
+/// A process identifier. Positive for a real process; adapters may hand out other values for window owners whose
+/// process the desktop does not tell (the logic only compares them).
+using Pid = std::int32_t;
+
+}  // namespace ferrowyn

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/accessibility_status.h"
+#include "core/app_window.h"
+#include "core/favourite_applications.h"
+#include "core/published.h"
+#include "core/session_settings.h"
+#include "core/subscription.h"
+
+namespace ferrowyn {
+
+class IconProvider;
+
+/// Everything the panel shows during one switching session: rows, selection, query, and whether it is pinned open.
+/// One instance for the program's life, owned by the switcher controller. Main thread.
+class SwitcherViewModel {
+public:
+    /// One displayed row.
+    struct Row {
+        AppWindow window;
+        /// Character positions in the window's display title that matched the query; empty without a query.
+        std::vector<std::int32_t> highlightedTitleIndices;
+        /// True for the first row and wherever the process differs from the previous row's.
+        bool startsGroup = false;
+        /// How many rows of the whole list belong to the same process.
+        int groupSize = 0;
+        bool isFavourite = false;
+        friend bool operator==(const Row&, const Row&) = default;
+    };
+
+    /// Delivers a task later on the main thread's loop.
+    using Post = std::function<void(std::function<void()>)>;
+    using FrontmostPid = std::function<std::optional<Pid>()>;
+
+    /// The icon provider is only handed on to the views. All references outlive the view model.
+    SwitcherViewModel(SessionSettings settings, IconProvider& iconProvider, const FavouriteApplications& favourites,
+                      FrontmostPid frontmostPID, Post post);
+
+    /// Follows the window list, the trust status and the settings. Called once. The sources may outlive this object
+    /// or not: subscriptions end with either.
+    void bind(const Published<std::vector<AppWindow>>& windows, const Published<AccessibilityStatus>& status);
+
+    void beginSession(bool reverse);
+    void endSession();
+    [[nodiscard]] bool isInSession() const { return sessionWindows_.has_value(); }
+
+    [[nodiscard]] std::optional<AppWindow> selectedWindow() const;
+    void move(int step);
+    void moveVertical(int step);
+    void moveToEdge(bool first);
+    /// False, and nothing changes, when there is no row with this ordinal (counted from 1).
+    [[nodiscard]] bool selectIndex(int ordinal);
+    /// Selects the first row of this window; nothing changes when there is none.
+    void select(WindowId id);
+    void insertText(std::string_view text);
+    void deleteBackward();
+    void clearQuery();
+    void rebuildRows(bool preservingSelection);
+
+    /// The number of rows that start a group.
+    [[nodiscard]] int groupCount() const;
+
+    /// The rows and the selection with which a session would begin now, for drawing its first frame ahead of the key
+    /// press. Changes nothing. During a session: what is shown.
+    struct Preview {
+        std::vector<Row> rows;
+        int selectedIndex = 0;
+    };
+    [[nodiscard]] Preview previewSession(bool reverse) const;
+
+    Published<std::vector<Row>> rows;
+    Published<int> selectedIndex{0};
+    /// Exactly as typed. UTF-8.
+    Published<std::string> query;
+    Published<bool> isPinned{false};
+    Published<bool> isAccessibilityTrusted{false};
+    /// Goes up by one at every session start.
+    Published<int> sessionToken{0};
+
+    [[nodiscard]] IconProvider& iconProvider() const { return iconProvider_; }
+    [[nodiscard]] const FavouriteApplications& favourites() const { return favourites_; }
+    [[nodiscard]] const SessionSettings& settings() const { return settings_; }
+
+private:
+    SessionSettings settings_;
+    IconProvider& iconProvider_;
+    const FavouriteApplications& favourites_;
+    FrontmostPid frontmostPID_;
+    Post post_;
+
+    std::vector<AppWindow> allWindows_;
+    std::optional<Pid> sessionFrontmostPID_;
+    std::optional<std::vector<AppWindow>> sessionWindows_;
+    std::vector<Subscription> cancellables_;
+};
+
+}  // namespace ferrowyn

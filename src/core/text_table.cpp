@@ -1,0 +1,55 @@
+#include "core/text_table.h"
+
+namespace ferrowyn {
+
+std::string_view TextTable::modifierKey(SwitcherModifier modifier) const {
+    switch (modifier) {
+        case SwitcherModifier::option:
+            return optionKey;
+        case SwitcherModifier::command:
+            return commandKey;
+        case SwitcherModifier::control:
+            return controlKey;
+    }
+    return optionKey;
+}
+
+std::string_view TextTable::commandKeyDuringSession(SwitcherModifier trigger) const {
+    return trigger == SwitcherModifier::control ? sessionCommandKeyWithControlTrigger : sessionCommandKey;
+}
+
+const TextTable& macTexts() {
+    static const TextTable table{
+        .optionKey = "⌥",
+        .commandKey = "⌘",
+        .controlKey = "⌃",
+        .sessionCommandKey = "⌘",
+        .sessionCommandKeyWithControlTrigger = "⌘",
+        .keySeparator = "",
+        .tabKey = "⇥",
+        .permissionTitle = "Accessibility access is required",
+        .permissionExplanation = "Ferrowyn cannot list or focus other apps' windows without it.",
+        .permissionButton = "Open System Settings",
+        .otherSpaceBadge = "Other Space",
+    };
+    return table;
+}
+
+const TextTable& linuxTexts() {
+    static const TextTable table{
+        .optionKey = "Alt",
+        .commandKey = "Super",
+        .controlKey = "Ctrl",
+        .sessionCommandKey = "Ctrl",
+        .sessionCommandKeyWithControlTrigger = "Super",
+        .keySeparator = "+",
+        .tabKey = "Tab",
+        .permissionTitle = "A window manager is required",
+        .permissionExplanation = "Ferrowyn cannot list or focus other apps' windows without one.",
+        .permissionButton = "Open Setup",
+        .otherSpaceBadge = "Other Space",
+    };
+    return table;
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/switcher_modifier.h"
+#include "platform/main_loop.h"
+
+namespace ferrowyn {
+
+/// One event as a tap sees it. Valid only while the callback runs.
+class TapEvent {
+public:
+    enum class Type : std::uint32_t {
+        keyDown = 10,
+        keyUp = 11,
+        flagsChanged = 12,
+        disabledByTimeout = 0xFFFFFFFE,
+        disabledByUserInput = 0xFFFFFFFF,
+    };
+
+    virtual ~TapEvent() = default;
+
+    [[nodiscard]] virtual Type type() const = 0;
+    /// Bits of `event_flags`; others may be set and mean nothing here.
+    [[nodiscard]] virtual std::uint64_t flags() const = 0;
+    /// The physical key, as an ANSI virtual key code; a key without one has a code of 128 or above. Key events only.
+    [[nodiscard]] virtual std::uint16_t keyCode() const = 0;
+    /// The text the key would type with these modifier flags instead of the event's own; the event's own when
+    /// nothing is given. UTF-16, may be empty, may hold control characters. Key-down events only.
+    [[nodiscard]] virtual std::u16string text(std::optional<std::uint64_t> withFlags) const = 0;
+};
+
+/// What becomes of an event.
+struct TapVerdict {
+    /// The event does not reach the application in front.
+    bool isSwallowed = false;
+    /// The event asks for a session, which the main thread will open or not. A tap that must seize the keyboard for a
+    /// session holds back the events that follow until `setSessionOpen` tells it which.
+    bool requestsSession = false;
+    friend bool operator==(const TapVerdict&, const TapVerdict&) = default;
+};
+
+/// The tap thread's event loop. Made on that thread, stopped from any.
+class TapRunLoop {
+public:
+    virtual ~TapRunLoop() = default;
+
+    /// Handles events for up to `slice`; returns earlier when it was stopped. Tap thread.
+    virtual void runFor(Seconds slice) = 0;
+    /// Makes `runFor` return soon. From any thread.
+    virtual void stop() = 0;
+};
+
+/// An installed keyboard tap. Thread-safe; destroying it removes it.
+class EventTap {
+public:
+    virtual ~EventTap() = default;
+
+    virtual void setEnabled(bool enabled) = 0;
+    /// False after the system disabled the tap, until it is enabled again.
+    [[nodiscard]] virtual bool isEnabled() const = 0;
+    /// The tap delivers nothing any more, for good, and gives back whatever of the keyboard it holds.
+    virtual void invalidate() = 0;
+
+    /// Which modifier opens the switcher. A tap that sees every key may ignore it; one that must register its keys
+    /// registers these.
+    virtual void setTrigger(SwitcherModifier modifier) = 0;
+    /// A session opened, ended, or was asked for and not opened. A tap that must seize the keyboard holds it only
+    /// from the trigger to the end of the session; one that filters every event may ignore it.
+    virtual void setSessionOpen(bool isOpen) = 0;
+};
+
+/// The run-loop source of a tap: attaching it to the tap thread's loop makes the events come.
+class TapRunLoopSource {
+public:
+    virtual ~TapRunLoopSource() = default;
+
+    /// Tap thread.
+    virtual void addTo(TapRunLoop& loop) = 0;
+    /// From any thread.
+    virtual void removeFrom(TapRunLoop& loop) = 0;
+};
+
+/// A running thread; destroying it joins it, so the body must be able to end by then.
+class TapThread {
+public:
+    virtual ~TapThread() = default;
+};
+
+/// Makes event taps, and the thread that serves one.
+class EventTaps {
+public:
+    virtual ~EventTaps() = default;
+
+    /// Called on the tap thread; must not block.
+    using Callback = std::function<TapVerdict(const TapEvent&)>;
+
+    /// The mask of event types: bit n set asks for type n.
+    static constexpr std::uint64_t keyboardMask = 0x1C00;
+
+    /// Installs a session-wide, filtering tap ahead of all others, disabled at first; null when the system refuses.
+    /// Main thread.
+    [[nodiscard]] virtual std::shared_ptr<EventTap> create(std::uint64_t mask, SwitcherModifier trigger,
+                                                           Callback callback) = 0;
+    /// Null when it cannot be made. Main thread.
+    [[nodiscard]] virtual std::shared_ptr<TapRunLoopSource> createSource(const std::shared_ptr<EventTap>& tap) = 0;
+    /// The loop of the calling thread. Tap thread.
+    [[nodiscard]] virtual std::shared_ptr<TapRunLoop> currentRunLoop() = 0;
+    /// Starts a thread with this name at the highest quality of service. Main thread.
+    [[nodiscard]] virtual std::unique_ptr<TapThread> startThread(std::string_view name, std::function<void()> body) = 0;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "core/subscription.h"
+
+namespace ferrowyn {
+
+/// Durations are seconds in double precision.
+using Seconds = std::chrono::duration<double>;
+/// A moment on the main loop's clock, which never goes backward and says nothing about the calendar.
+using TimePoint = std::chrono::time_point<std::chrono::steady_clock, Seconds>;
+
+/// The main thread's event loop, and the program's only source of time.
+class MainLoop {
+public:
+    using Task = std::function<void()>;
+
+    virtual ~MainLoop() = default;
+
+    /// Main thread.
+    [[nodiscard]] virtual TimePoint now() const = 0;
+
+    /// Runs the task on the main thread, after every task posted before it. From any thread; never waits, and never
+    /// runs the task before it returns.
+    virtual void post(Task task) = 0;
+
+    /// Runs the task once after `delay`; dropping the token cancels it. Main thread.
+    [[nodiscard]] virtual Subscription after(Seconds delay, Task task) = 0;
+
+    /// Runs the task again and again, first after `interval`; dropping the token, also from the task itself, ends it.
+    /// Main thread. It keeps running while menus are tracked.
+    [[nodiscard]] virtual Subscription every(Seconds interval, Task task) = 0;
+
+    /// For assertions. From any thread.
+    [[nodiscard]] virtual bool isMainThread() const = 0;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "core/geometry.h"
+
+namespace ferrowyn {
+
+/// One screen. Coordinates are points, and grow upward as far as `Screens`, `Pointer` and `Panel` are concerned: the
+/// origin is the lower left corner of the whole desktop's primary screen.
+struct Screen {
+    Rect frame;
+    /// The frame without the desktop's panels and docks.
+    Rect visibleFrame;
+    friend bool operator==(const Screen&, const Screen&) = default;
+};
+
+/// The screens as they are now. Main thread; answers from what the adapter has been told, without a round trip.
+class Screens {
+public:
+    virtual ~Screens() = default;
+
+    [[nodiscard]] virtual std::vector<Screen> all() const = 0;
+    /// The screen with the keyboard focus, else the primary one; nothing when there is no screen at all.
+    [[nodiscard]] virtual std::optional<Screen> main() const = 0;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+
+#include "core/subscription.h"
+
+namespace ferrowyn {
+
+/// Whether this process may read and drive other applications' windows and capture the keyboard. Main thread; nothing
+/// here waits.
+class Trust {
+public:
+    virtual ~Trust() = default;
+
+    [[nodiscard]] virtual bool isTrusted() const = 0;
+    /// Asks with the system's prompt, where the system has one, and answers as `isTrusted` does.
+    virtual bool requestWithPrompt() = 0;
+    /// Another program holds the keyboard for itself, so that the trigger cannot be seen.
+    [[nodiscard]] virtual bool isSecureInputActive() const = 0;
+
+    /// A hint that the answer may have changed, or be about to; not every change is hinted at.
+    [[nodiscard]] virtual Subscription observeChanges(std::function<void()> handler) = 0;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,85 @@
+#include "platform/user_defaults.h"
+
+#include <charconv>
+
+namespace ferrowyn {
+
+namespace {
+
+template <typename Number>
+Number parsedNumber(const std::string& text) {
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc{} && end == text.data() + text.size() ? number : Number{};
+}
+
+}  // namespace
+
+std::optional<std::string> UserDefaults::string(std::string_view key) const {
+    const auto stored = value(key);
+    if (const auto* text = stored ? std::get_if<std::string>(&*stored) : nullptr) {
+        return *text;
+    }
+    return std::nullopt;
+}
+
+bool UserDefaults::boolean(std::string_view key) const {
+    const auto stored = value(key);
+    if (!stored) {
+        return false;
+    }
+    if (const auto* flag = std::get_if<bool>(&*stored)) {
+        return *flag;
+    }
+    if (const auto* number = std::get_if<std::int64_t>(&*stored)) {
+        return *number != 0;
+    }
+    if (const auto* text = std::get_if<std::string>(&*stored)) {
+        return *text == "true" || *text == "YES" || *text == "yes" || *text == "1";
+    }
+    return false;
+}
+
+std::int64_t UserDefaults::integer(std::string_view key) const {
+    const auto stored = value(key);
+    if (!stored) {
+        return 0;
+    }
+    if (const auto* number = std::get_if<std::int64_t>(&*stored)) {
+        return *number;
+    }
+    if (const auto* real = std::get_if<double>(&*stored)) {
+        return static_cast<std::int64_t>(*real);
+    }
+    if (const auto* flag = std::get_if<bool>(&*stored)) {
+        return *flag ? 1 : 0;
+    }
+    if (const auto* text = std::get_if<std::string>(&*stored)) {
+        return parsedNumber<std::int64_t>(*text);
+    }
+    return 0;
+}
+
+double UserDefaults::real(std::string_view key) const {
+    const auto stored = value(key);
+    if (!stored) {
+        return 0;
+    }
+    if (const auto* real = std::get_if<double>(&*stored)) {
+        return *real;
+    }
+    if (const auto* text = std::get_if<std::string>(&*stored)) {
+        return parsedNumber<double>(*text);
+    }
+    return static_cast<double>(integer(key));
+}
+
+std::optional<std::vector<std::string>> UserDefaults::stringArray(std::string_view key) const {
+    const auto stored = value(key);
+    if (const auto* list = stored ? std::get_if<std::vector<std::string>>(&*stored) : nullptr) {
+        return *list;
+    }
+    return std::nullopt;
+}
+
+}  // namespace ferrowyn

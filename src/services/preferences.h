@@ -1,0 +1,60 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "core/published.h"
+#include "core/session_settings.h"
+#include "core/switcher_layout.h"
+#include "core/switcher_modifier.h"
+
+namespace ferrowyn {
+
+class UserDefaults;
+
+/// The user's settings. Each is read once at construction and written to the store at every assignment, after the
+/// subscribers were told. Main thread. The defaults store outlives this object.
+class Preferences {
+public:
+    /// One setting: a published value whose assignment is also stored.
+    template <typename Value>
+    class Setting {
+    public:
+        using Store = std::function<void(const Value&)>;
+
+        Setting(Value initial, Store store) : published_(std::move(initial)), store_(std::move(store)) {}
+
+        [[nodiscard]] const Value& get() const { return published_.get(); }
+        [[nodiscard]] const Published<Value>& published() const { return published_; }
+        void set(Value value) {
+            published_.set(std::move(value));
+            store_(published_.get());
+        }
+
+    private:
+        Published<Value> published_;
+        Store store_;
+    };
+
+    explicit Preferences(UserDefaults& defaults);
+
+private:
+    UserDefaults& defaults_;
+
+public:
+    Setting<SwitcherModifier> modifier;
+    Setting<bool> includeMinimized;
+    Setting<bool> includeOtherSpaces;
+    Setting<bool> showShortcutHints;
+    Setting<bool> confirmOnModifierRelease;
+    /// Clamped to 4 … 16 when it is read; whoever assigns keeps it there.
+    Setting<int> maximumVisibleRows;
+    Setting<SwitcherLayout> layout;
+    Setting<bool> showActiveAppWindowsFirst;
+    Setting<bool> favouritesFirst;
+    Setting<bool> automaticUpdateChecks;
+
+    [[nodiscard]] SessionSettings sessionSettings() const;
+};
+
+}  // namespace ferrowyn
