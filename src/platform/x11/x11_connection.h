@@ -1,0 +1,38 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace ferrowyn {
+
+/// One connection to the X server, closed when this is destroyed. Each thread that talks to the server has its own, so
+/// that none waits for another's replies.
+class X11Connection {
+public:
+    /// Null when there is no server to connect to. `display` as in DISPLAY; null for the environment's.
+    [[nodiscard]] static std::unique_ptr<X11Connection> open(const char* display = nullptr);
+    ~X11Connection();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+
+    [[nodiscard]] xcb_connection_t* get() const { return connection_; }
+    [[nodiscard]] xcb_screen_t* screen() const { return screen_; }
+    [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+    [[nodiscard]] int fileDescriptor() const { return xcb_get_file_descriptor(connection_); }
+    /// False once the connection is lost; it never comes back.
+    [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
+
+    /// The atoms of these names, in their order, all asked for before the first answer is read: one round trip.
+    [[nodiscard]] std::vector<xcb_atom_t> internAtoms(const std::vector<std::string_view>& names) const;
+
+private:
+    X11Connection(xcb_connection_t* connection, xcb_screen_t* screen) : connection_(connection), screen_(screen) {}
+
+    xcb_connection_t* connection_;
+    xcb_screen_t* screen_;
+};
+
+}  // namespace ferrowyn
