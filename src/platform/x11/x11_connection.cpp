@@ -30,7 +30,7 @@ std::vector<xcb_atom_t> X11Connection::internAtoms(const std::vector<std::string
     atoms.reserve(names.size());
     for (const auto cookie : cookies) {
         const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
-        atoms.push_back(reply ? reply->atom : XCB_ATOM_NONE);
+        atoms.push_back(reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
     }
     return atoms;
 }
