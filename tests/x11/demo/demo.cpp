@@ -49,8 +49,8 @@ private:
     }
 
     void picture(const std::string& name) {
-        char number[8];
-        std::snprintf(number, sizeof number, "%02d", ++pictureCount_);
+        ++pictureCount_;
+        const std::string number = (pictureCount_ < 10 ? "0" : "") + std::to_string(pictureCount_);
         desk_.desktop.screenshot(pictures_ + "/" + number + "-" + name + ".png");
     }
 
