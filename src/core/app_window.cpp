@@ -1,8 +1,13 @@
 #include "core/app_window.h"
 
+#include "core/text.h"
+
 namespace ferrowyn {
 
-std::string AppWindow::displayTitle() const { return title.empty() ? appName : title; }  // replaced with the text module
+std::string_view AppWindow::displayTitleView() const {
+    const std::string_view trimmed = text::trimmingWhitespaceAndNewlines(title);
+    return trimmed.empty() ? std::string_view(appName) : trimmed;
+}
 
 }  // namespace ferrowyn
 

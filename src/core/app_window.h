@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/ax_element_ref.h"
 #include "core/geometry.h"
@@ -39,7 +40,9 @@ struct AppWindow {
     std::optional<std::string> bundleURL;
 
     /// The title without surrounding white space and newlines, or the application's name when nothing is left.
-    [[nodiscard]] std::string displayTitle() const;
+    [[nodiscard]] std::string displayTitle() const { return std::string(displayTitleView()); }
+    /// The same without a copy: a view into this value's own fields.
+    [[nodiscard]] std::string_view displayTitleView() const;
 
     /// Deliberately narrower than all fields: a window that merely moved, or whose application changed its focused
     /// window, is the same to whoever decides whether a refreshed list must be published.

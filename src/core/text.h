@@ -1,0 +1,38 @@
+#pragma once
+
+#include <compare>
+#include <string>
+#include <string_view>
+
+/// Questions about UTF-8 text that need Unicode's tables. Pure functions; any thread. Bytes that are no UTF-8 count as
+/// characters that are in none of the sets asked about; text from outside is repaired on its way in
+/// (`text_encoding.h`). Positions and lengths are bytes unless a name says characters.
+namespace ferrowyn::text {
+
+[[nodiscard]] bool isAscii(std::string_view text);
+
+/// Full Unicode lower casing, independent of the user's language: İ becomes i with a dot above, a sigma that ends a
+/// word becomes ς.
+[[nodiscard]] std::string lowercased(std::string_view text);
+/// Full Unicode upper casing, independent of the user's language: ß becomes SS.
+[[nodiscard]] std::string uppercased(std::string_view text);
+
+/// Whether one user-perceived character, combining marks included, is upper case: it has the property, or lower casing
+/// changes it and upper casing does not.
+[[nodiscard]] bool isUppercase(std::string_view character);
+[[nodiscard]] bool isLowercase(std::string_view character);
+
+/// Without leading and trailing spaces of any kind and tabs; newlines stay. A view into the argument.
+[[nodiscard]] std::string_view trimmingWhitespace(std::string_view text);
+/// Without leading and trailing spaces, tabs and newlines of any kind. A view into the argument.
+[[nodiscard]] std::string_view trimmingWhitespaceAndNewlines(std::string_view text);
+
+/// Whether the scalar is a control or a format character, which keys like Escape or arrows may carry instead of text.
+[[nodiscard]] bool isControlCharacter(char32_t scalar);
+[[nodiscard]] bool containsControlCharacter(std::string_view text);
+
+/// The order in which a person expects names in a list: case is ignored, digit runs are numbers ("Window 2" before
+/// "Window 10"), letters follow the user's language.
+[[nodiscard]] std::weak_ordering localizedStandardCompare(std::string_view a, std::string_view b);
+
+}  // namespace ferrowyn::text

@@ -1,0 +1,62 @@
+#include "core/text_encoding.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace ferrowyn::text {
+namespace {
+
+TEST(TextEncoding, TellsValidUtf8) {
+    for (const auto* const valid : {"", "plain", "é", "漢字", "👍", "\uFFFD"}) {
+        EXPECT_TRUE(isValidUtf8(valid)) << valid;
+    }
+    // A lone trail byte, a cut sequence, an overlong form, a surrogate, a value beyond Unicode.
+    for (const auto* const invalid : {"\x80", "\xC3", "a\xE6\xBC", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) {
+        EXPECT_FALSE(isValidUtf8(invalid));
+    }
+}
+
+TEST(TextEncoding, RepairsIllFormedSequencesAndKeepsTheRest) {
+    EXPECT_EQ(repairedUtf8("Résumé"), "Résumé");
+    EXPECT_EQ(repairedUtf8("caf\xE9 noir"), "caf\uFFFD noir");
+    EXPECT_EQ(repairedUtf8("\xE6\xBC!"), "\uFFFD!");
+    EXPECT_EQ(repairedUtf8("\xFF\xFE"), "\uFFFD\uFFFD");
+    EXPECT_EQ(repairedUtf8("end\xF0\x9F\x91"), "end\uFFFD");
+}
+
+TEST(TextEncoding, WhatIsRepairedIsValid) {
+    for (int first = 0; first < 256; ++first) {
+        for (int second = 0; second < 256; ++second) {
+            const std::string bytes{static_cast<char>(first), static_cast<char>(second), 'x'};
+            EXPECT_TRUE(isValidUtf8(repairedUtf8(bytes))) << first << ' ' << second;
+        }
+    }
+}
+
+TEST(TextEncoding, ConvertsUtf16BothWays) {
+    EXPECT_EQ(utf8FromUtf16(u"aé漢👍"), "aé漢👍");
+    EXPECT_EQ(utf16FromUtf8("aé漢👍"), u"aé漢👍");
+    EXPECT_EQ(utf8FromUtf16(u""), "");
+    EXPECT_EQ(utf16FromUtf8(""), u"");
+}
+
+TEST(TextEncoding, UnpairedSurrogatesAndIllFormedBytesBecomeReplacementCharacters) {
+    EXPECT_EQ(utf8FromUtf16(std::u16string{u'a', char16_t{0xD83D}}), "a\uFFFD");
+    EXPECT_EQ(utf8FromUtf16(std::u16string{char16_t{0xDC4D}, u'a'}), "\uFFFDa");
+    EXPECT_EQ(utf8FromUtf16(std::u16string{char16_t{0xD83D}, u'a'}), "\uFFFDa");
+    EXPECT_EQ(utf16FromUtf8("a\xFFz"), u"a\uFFFDz");
+}
+
+TEST(TextEncoding, CutsBeforeAScalarNeverInsideOne) {
+    EXPECT_EQ(prefixOfBytes("abc", 3), "abc");
+    EXPECT_EQ(prefixOfBytes("abc", 2), "ab");
+    EXPECT_EQ(prefixOfBytes("aéb", 2), "a");
+    EXPECT_EQ(prefixOfBytes("aéb", 3), "aé");
+    EXPECT_EQ(prefixOfBytes("👍👍", 7), "👍");
+    EXPECT_EQ(prefixOfBytes("👍", 3), "");
+    EXPECT_EQ(prefixOfBytes("abc", 0), "");
+}
+
+}  // namespace
+}  // namespace ferrowyn::text
