@@ -158,6 +158,12 @@ void HotKeyMonitor::reenable(std::string_view reason) {
     tap_->setEnabled(true);
 }
 
+/// Main thread, where periods end. It keeps no hold on the period, which may end while the monitor works.
+HotKeyMonitor* HotKeyMonitor::monitorIn(const std::weak_ptr<Period>& period) {
+    const auto current = period.lock();
+    return current ? &current->monitor : nullptr;
+}
+
 EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
     return [state = state_, &mainLoop = mainLoop_, period = std::weak_ptr<Period>(period_)](const TapEvent& event) {
         if (period.expired()) {
@@ -167,8 +173,8 @@ EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
         if (type == TapEvent::Type::disabledByTimeout || type == TapEvent::Type::disabledByUserInput) {
             state->noteTapDisabled();
             mainLoop.post([period, byTimeout = type == TapEvent::Type::disabledByTimeout] {
-                if (const auto current = period.lock()) {
-                    current->monitor.handleTapDisabled(byTimeout);
+                if (auto* const monitor = monitorIn(period)) {
+                    monitor->handleTapDisabled(byTimeout);
                 }
             });
             return TapVerdict{};
@@ -180,8 +186,8 @@ EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
             verdict.requestsSession =
                 !snapshot.isSwitcherVisible && std::holds_alternative<command::Invoke>(*decision.command);
             mainLoop.post([period, command = std::move(*decision.command), asks = verdict.requestsSession] {
-                if (const auto current = period.lock()) {
-                    current->monitor.deliver(command, asks);
+                if (auto* const monitor = monitorIn(period)) {
+                    monitor->deliver(command, asks);
                 }
             });
         }

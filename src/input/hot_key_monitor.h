@@ -53,6 +53,8 @@ private:
     };
     static constexpr int maximumRetries = 4;
 
+    /// The monitor, while that period lasts.
+    [[nodiscard]] static HotKeyMonitor* monitorIn(const std::weak_ptr<Period>& period);
     [[nodiscard]] EventTaps::Callback makeTapCallback() const;
     void startThread();
     void startHealthTimer();
