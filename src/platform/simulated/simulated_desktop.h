@@ -6,23 +6,34 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "core/app_window.h"
-#include "platform/log.h"
+#include "core/ax_element_ref.h"
+#include "core/switcher_modifier.h"
+#include "platform/event_tap.h"
+#include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "platform/screens.h"
+#include "platform/simulated/simulated_app_spec.h"
+#include "platform/simulated/simulated_log.h"
+#include "platform/simulated/simulated_panel.h"
+#include "platform/simulated/simulated_tap_event.h"
+#include "platform/simulated/simulated_window_spec.h"
 #include "platform/user_defaults.h"
-#include "platform/window_inventory.h"
-#include "platform/workspace.h"
 
 namespace ferrowyn {
 
 /// A deterministic desktop with a virtual clock: it implements the platform interfaces (`platform()`) and, separately,
 /// this control interface, with which a test or the simulator plays the user, the applications and the system. Nothing
-/// happens but in the calling thread, inside `advance` or one of the calls below; only the tap thread is real.
+/// happens but in the calling thread, inside `advance` or one of the calls below; only the tap thread is real. What the
+/// user and the applications do is announced inside the call that does it; what the program asks of them through
+/// `WindowControl` is announced when the loop settles.
 class SimulatedDesktop {
 public:
+    /// The program's own process.
+    static constexpr Pid ownPid = 4242;
+
     SimulatedDesktop();
     ~SimulatedDesktop();
     SimulatedDesktop(const SimulatedDesktop&) = delete;
@@ -45,31 +56,8 @@ public:
     [[nodiscard]] std::size_t heldBackgroundWorkCount() const;
 
     // --- applications and windows -----------------------------------------------------------------------------------
-    struct AppSpec {
-        Pid pid = 0;
-        std::optional<std::string> bundleIdentifier;
-        std::optional<std::string> localizedName;
-        std::optional<std::string> bundleURL;
-        ActivationPolicy activationPolicy = ActivationPolicy::regular;
-    };
-    struct WindowSpec {
-        WindowId id = 0;
-        Pid pid = 0;
-        std::string title;
-        std::optional<std::string> subrole = "AXStandardWindow";
-        Rect frame{100, 100, 800, 600};
-        bool isMinimized = false;
-        bool isFullScreen = false;
-        bool isOnActiveSpace = true;
-        /// What the window server says, or keeps to itself.
-        std::optional<double> alpha = 1.0;
-        std::optional<std::int64_t> layer = 0;
-        std::optional<Rect> serverBounds;  ///< the frame when absent
-        bool isListedByWindowServer = true;
-        bool isListedByAccessibility = true;
-        bool hasWindowNumber = true;
-        bool hasAccessibilityFrame = true;
-    };
+    using AppSpec = SimulatedAppSpec;
+    using WindowSpec = SimulatedWindowSpec;
 
     /// Launches with the workspace notification, unless `silently` (it was running before, or nobody was told).
     void launch(const AppSpec& app, bool silently = false);
@@ -84,7 +72,9 @@ public:
     void focusWindow(WindowId id);
     /// Changes the stacking order, front-most first, telling nobody.
     void restack(const std::vector<WindowId>& frontToBack);
+    /// Another application is in front from now on, and nobody is told.
     void setFrontmost(std::optional<Pid> pid);
+    /// Told as the workspace and the application tell it.
     void setHidden(Pid pid, bool isHidden);
     [[nodiscard]] bool isHidden(Pid pid) const;
     [[nodiscard]] std::optional<Pid> frontmostPid() const;
@@ -104,19 +94,21 @@ public:
     /// The notifications registered with each application's observer: per window id, in registration order.
     [[nodiscard]] std::vector<std::string> windowNotifications(WindowId id) const;
     [[nodiscard]] std::vector<std::string> applicationNotifications(Pid pid) const;
-    /// Delivers any notification by name, as an application would.
+    /// Delivers any notification by name to the application's observers, registered or not.
     void notify(Pid pid, std::string_view notification);
-    /// Notifications queued before the observer went, delivered after it.
+    /// Notifications queued before the observers went, delivered after it: once to each that is detached or destroyed.
     void notifyLate(Pid pid, std::string_view notification);
     [[nodiscard]] std::size_t liveObserverCount() const;
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
+    void setOpeningUrlsFails(bool fails);
 
     /// Every call of `WindowControl` and `Workspace::open`, in order, as "raise 7", "activate 100", "open <url>",
     /// "timeout 7 0.5", "focusedWindow 100 7", "unhide 100", "unminimize 7", "main 7", "focused 7", "frontmost 100".
     [[nodiscard]] std::vector<std::string> takeControlCalls();
 
-    // --- trust and secure input ---------------------------------------------------------------------------------------
-    /// `announced`: with the system's change notification.
+    // --- trust and secure input
+    // ---------------------------------------------------------------------------------------
+    /// Trusted at first. `announced`: with the system's change notification.
     void setTrusted(bool isTrusted, bool announced = false);
     void announceTrustChange();
     [[nodiscard]] int trustPromptCount() const;
@@ -124,13 +116,7 @@ public:
     void becomeActiveApplication();
 
     // --- the keyboard ----------------------------------------------------------------------------------------------
-    struct Key {
-        std::uint16_t keyCode = 0;
-        std::uint64_t flags = 0;
-        /// What the key types with its own flags, and with Shift alone or none.
-        std::u16string text;
-        std::u16string textWithReducedFlags;
-    };
+    using Key = SimulatedKey;
     /// Each delivers one event to the enabled tap, in the calling thread, and returns whether the application in
     /// front got it. With no enabled tap it always does. The posted command runs when the loop settles.
     bool keyDown(const Key& key);
@@ -140,6 +126,8 @@ public:
     void disableTapByUserInput();
     /// Disables it without telling.
     void disableTapSilently();
+    /// What the tap said about the last event that it was asked about.
+    [[nodiscard]] TapVerdict lastTapVerdict() const;
     [[nodiscard]] bool tapIsInstalled() const;
     [[nodiscard]] bool tapIsEnabled() const;
     [[nodiscard]] int tapCreationCount() const;
@@ -150,22 +138,17 @@ public:
     [[nodiscard]] std::optional<SwitcherModifier> tapTrigger() const;
     [[nodiscard]] std::string tapThreadName() const;
 
-    // --- screens, pointer, panel --------------------------------------------------------------------------------------
+    // --- screens, pointer, panel
+    // --------------------------------------------------------------------------------------
     void setScreens(std::vector<Screen> screens, std::optional<std::size_t> mainIndex = 0);
     void movePointer(Point location);
     void clickElsewhere();
-    struct PanelState {
-        bool isVisible = false;
-        Rect frame;
-        int orderFrontCount = 0;
-        int layoutCount = 0;
-        int prepareCount = 0;
-        /// Every call in order: "setFrame x y w h", "layOutContent", "orderFront", "orderFrontRegardless", "orderOut".
-        std::vector<std::string> calls;
-    };
+    using PanelState = SimulatedPanelState;
     [[nodiscard]] const PanelState& panel() const;
 
-    // --- icons, defaults, log -------------------------------------------------------------------------------------------
+    // --- icons, defaults, log
+    // -------------------------------------------------------------------------------------------
+    /// Files and processes have an icon until they are said to have none.
     void setFileHasIcon(std::string path, bool hasIcon);
     void setProcessHasIcon(Pid pid, bool hasIcon);
     /// "file <path>", "process <pid>", "generic <name>".
@@ -174,12 +157,7 @@ public:
     /// Every value written to the store, in order, with its key.
     [[nodiscard]] const std::vector<std::pair<std::string, DefaultsValue>>& storedValues() const;
 
-    struct LogLine {
-        LogLevel level = LogLevel::standard;
-        std::string category;
-        std::string message;
-        friend bool operator==(const LogLine&, const LogLine&) = default;
-    };
+    using LogLine = SimulatedLogLine;
     [[nodiscard]] std::vector<LogLine> takeLog();
 
 private:

@@ -1,0 +1,31 @@
+# Debian packages by purpose; sourced by the two commands.
+
+# What compiles and links the program.
+build_packages=(
+  build-essential ca-certificates ccache cmake lld ninja-build pkg-config
+  libfmt-dev libicu-dev libsystemd-dev nlohmann-json3-dev qt6-base-dev libqt6svg6-dev libgl-dev
+  libxcb1-dev libxcb-damage0-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-randr0-dev
+  libxcb-render0-dev libxcb-res0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-sync-dev libxcb-xfixes0-dev
+  libxcb-xinput-dev libxcb-xkb-dev libxcb-xtest0-dev libxkbcommon-dev libxkbcommon-x11-dev
+)
+
+# What the program finds on any desktop and a bare machine lacks.
+runtime_packages=(
+  adwaita-icon-theme hicolor-icon-theme libqt6svg6 qt6-qpa-plugins
+  fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-color-emoji fonts-noto-core
+)
+
+# The private desktop that ./run makes where there is no display.
+demo_packages=(
+  dbus dbus-bin dbus-daemon mousepad openbox pcmanfm x11-apps xterm xvfb
+)
+
+# The private desktops of the tests.
+test_packages=(
+  at-spi2-core libbenchmark-dev libgmock-dev libgtest-dev python3
+  dbus dbus-bin dbus-daemon i3-wm icewm kwin-x11 metacity mutter openbox picom xfwm4 xfconf
+  x11-utils x11-xkb-utils x11-xserver-utils xinput xterm xvfb xkb-data
+)
+
+# The further checks of ./test --full.
+full_packages=(clang clang-format clang-tidy libclang-rt-14-dev)

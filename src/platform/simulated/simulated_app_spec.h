@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/identifiers.h"
+#include "platform/workspace.h"
+
+namespace ferrowyn {
+
+/// An application as a test launches it.
+struct SimulatedAppSpec {
+    Pid pid = 0;
+    std::optional<std::string> bundleIdentifier;
+    std::optional<std::string> localizedName;
+    std::optional<std::string> bundleURL;
+    ActivationPolicy activationPolicy = ActivationPolicy::regular;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "platform/main_loop.h"
+
+namespace ferrowyn {
+
+/// A main loop whose clock stands still until a test lets time pass. The thread that made it is the main thread, except
+/// while it plays a worker. It starts at zero and counts whole nanoseconds, so that ten steps of 0.05 s make 0.5 s.
+class SimulatedMainLoop final : public MainLoop {
+public:
+    SimulatedMainLoop();
+
+    [[nodiscard]] TimePoint now() const override;
+    void post(Task task) override;
+    [[nodiscard]] Subscription after(Seconds delay, Task task) override;
+    [[nodiscard]] Subscription every(Seconds interval, Task task) override;
+    [[nodiscard]] bool isMainThread() const override;
+
+    /// Runs every task and timer that falls due, each at its own moment. What is posted runs before a timer of the same
+    /// moment, timers of one moment in the order in which they were set.
+    void advance(Seconds duration);
+    /// Runs what is due now.
+    void settle();
+    [[nodiscard]] std::size_t pendingTimerCount() const;
+
+    /// What to run when nothing else is due at this moment; it answers whether it did anything.
+    void setIdleWork(std::function<bool()> idleWork);
+    /// Runs the work in this thread as if it were a worker: for as long as it runs, this is not the main thread.
+    void runAsWorker(const std::function<void()>& work);
+
+private:
+    using Nanoseconds = std::int64_t;
+    struct Timer {
+        Task task;
+        Nanoseconds interval = 0;  ///< 0 for a timer that fires once
+    };
+    /// Held weakly by the tokens, which may outlive the loop.
+    struct Timers {
+        std::map<std::pair<Nanoseconds, std::uint64_t>, std::shared_ptr<Timer>> waiting;
+        std::uint64_t lastNumber = 0;
+    };
+
+    [[nodiscard]] Subscription schedule(Nanoseconds delay, Nanoseconds interval, Task task);
+    bool runOnePosted();
+    bool runOneTimer(Nanoseconds limit);
+
+    std::thread::id mainThread_;
+    bool isPlayingWorker_ = false;
+    bool isRunning_ = false;
+    Nanoseconds now_ = 0;
+    std::function<bool()> idleWork_;
+    std::shared_ptr<Timers> timers_ = std::make_shared<Timers>();
+    std::mutex postedLock_;
+    std::deque<Task> posted_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/subject.h"
+#include "platform/pointer.h"
+
+namespace ferrowyn {
+
+class SimulatedPointer final : public Pointer {
+public:
+    [[nodiscard]] Point location() const override { return location_; }
+    [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override {
+        return clicks_.subscribe([handler = std::move(handler)](const Click&) { handler(); });
+    }
+
+    void move(Point location) { location_ = location; }
+    void clickElsewhere() { clicks_.send({}); }
+
+private:
+    struct Click {};
+
+    Point location_;
+    Subject<Click> clicks_;
+};
+
+}  // namespace ferrowyn

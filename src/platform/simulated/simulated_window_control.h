@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/simulated/simulated_windows.h"
+#include "platform/window_control.h"
+
+namespace ferrowyn {
+
+/// Writes every call down and carries it out as a cooperative application would, unless it is hung or plays dead.
+class SimulatedWindowControl final : public WindowControl {
+public:
+    SimulatedWindowControl(SimulatedWindowModel& model, SimulatedWindows& windows, std::vector<std::string>& calls)
+        : model_(model), windows_(windows), calls_(calls) {}
+
+    [[nodiscard]] bool isHidden(Pid pid) const override;
+    void unhide(Pid pid) override;
+    void activate(Pid pid) override;
+    [[nodiscard]] bool isActive(Pid pid) const override;
+    void setMessagingTimeout(Pid pid, Seconds timeout) override;
+    void setMessagingTimeout(const AXElementRef& window, Seconds timeout) override;
+    void unminimize(const AXElementRef& window) override;
+    void raise(const AXElementRef& window) override;
+    void setMain(const AXElementRef& window) override;
+    void setFocused(const AXElementRef& window) override;
+    void setFocusedWindow(Pid pid, const AXElementRef& window) override;
+    void setFrontmost(Pid pid) override;
+    [[nodiscard]] std::optional<bool> isMain(const AXElementRef& window) const override;
+    [[nodiscard]] std::optional<bool> isFocused(const AXElementRef& window) const override;
+    [[nodiscard]] std::vector<AXElementRef> windowElements(Pid pid) const override;
+    [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
+
+private:
+    [[nodiscard]] bool obeys(Pid pid) const;
+    /// The window behind the element, when its application does what it is asked.
+    [[nodiscard]] SimulatedWindowSpec* obedientWindow(const AXElementRef& element);
+    void focus(const AXElementRef& element);
+
+    SimulatedWindowModel& model_;
+    SimulatedWindows& windows_;
+    std::vector<std::string>& calls_;
+};
+
+}  // namespace ferrowyn

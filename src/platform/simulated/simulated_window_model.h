@@ -1,0 +1,49 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "core/ax_element_ref.h"
+#include "core/identifiers.h"
+#include "platform/simulated/simulated_app_spec.h"
+#include "platform/simulated/simulated_window_spec.h"
+#include "platform/workspace.h"
+
+namespace ferrowyn {
+
+/// What the simulated desktop consists of at one moment: a value, so that a reading can keep a copy of it.
+struct SimulatedWindowModel {
+    struct App {
+        SimulatedAppSpec spec;
+        bool isHidden = false;
+        bool isHung = false;
+        bool ignoresActivation = false;
+        bool isUnobservable = false;
+        std::optional<WindowId> focusedWindow;
+
+        /// Whether a request to raise, focus or show something is carried out.
+        [[nodiscard]] bool obeys() const { return !isHung && !ignoresActivation; }
+        [[nodiscard]] RunningApplication describe(bool isTerminated = false) const;
+    };
+
+    /// In the order in which they were launched.
+    std::vector<App> apps;
+    /// Front-most first.
+    std::vector<SimulatedWindowSpec> windows;
+    std::optional<Pid> frontmost;
+    bool windowServerAnswers = true;
+    bool hasWindowNumberLookup = true;
+
+    [[nodiscard]] App* app(Pid pid);
+    [[nodiscard]] const App* app(Pid pid) const;
+    [[nodiscard]] SimulatedWindowSpec* window(WindowId id);
+    [[nodiscard]] const SimulatedWindowSpec* window(WindowId id) const;
+    void moveToFront(WindowId id);
+    /// The application's front-most window.
+    [[nodiscard]] std::optional<WindowId> topWindowOf(Pid pid) const;
+
+    /// What the element-to-window-number lookup answers.
+    [[nodiscard]] std::optional<WindowId> lookUpNumber(const SimulatedWindowSpec& window) const;
+};
+
+}  // namespace ferrowyn

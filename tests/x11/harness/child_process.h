@@ -1,0 +1,71 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/x11/harness/deadline.h"
+
+namespace ferrowyn::x11test {
+
+/// A program that the test started, in a process group of its own, ended with the whole group when this is destroyed.
+/// Its standard error (and output) goes to a pseudo-terminal, so that a program that talks only to a person talks here.
+class ChildProcess {
+public:
+    struct Options {
+        std::vector<std::string> command;
+        /// Set on top of this process's environment; an empty value unsets.
+        std::map<std::string, std::string> environment;
+        /// Inherited by the child under the same number, for programs that report through one.
+        std::optional<int> inheritedDescriptor;
+    };
+
+    explicit ChildProcess(const Options& options);
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    [[nodiscard]] pid_t pid() const { return pid_; }
+    [[nodiscard]] bool isRunning();
+    /// All that the program has written until now.
+    [[nodiscard]] std::string output();
+    /// Waits until the output holds the text; false at the deadline or when the program ended without writing it.
+    [[nodiscard]] bool waitForOutput(const std::string& text, milliseconds budget = patience);
+    /// Waits until the predicate holds, looking again each time something was written.
+    [[nodiscard]] bool waitUntilOutput(const std::function<bool()>& predicate, milliseconds budget = patience);
+    /// Forgets what has been written until now, so that a wait is for something new.
+    void discardOutput();
+    void signal(int number) const;
+    /// The exit status (128 + the signal's number when one ended it); nothing at the deadline.
+    [[nodiscard]] std::optional<int> waitForExit(milliseconds budget = patience);
+
+private:
+    void readAvailable(int timeoutMilliseconds);
+
+    pid_t pid_ = -1;
+    int terminal_ = -1;
+    std::string output_;
+    std::optional<int> status_;
+};
+
+/// A folder that goes away with this object.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+    /// Writes a file below the folder, with the folders above it.
+    void write(const std::string& relativePath, const std::string& content) const;
+
+private:
+    std::string path_;
+};
+
+}  // namespace ferrowyn::x11test

@@ -1,0 +1,36 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/x11/harness/private_x_server.h"
+#include "tests/x11/harness/test_desktop.h"
+#include "tests/x11/harness/test_input.h"
+#include "tests/x11/harness/test_window.h"
+#include "tests/x11/harness/window_manager_process.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+/// The managers with which the program is tested are worth a test of their own: when one does not start here, this
+/// says so instead of the tests that need it.
+class ManagerTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(ManagerTest, StartsManagesWindowsAndActivatesOnRequest) {
+    const PrivateXServer server;
+    const WindowManagerProcess manager(server, GetParam());
+    TestDesktop desktop(server.display());
+    const TestWindow first(server.display(), {.title = "First"});
+    ASSERT_TRUE(desktop.waitForActiveWindow(first.id())) << "waited for the first window to become active";
+    const TestWindow second(server.display(), {.title = "Second", .x = 300});
+    ASSERT_TRUE(desktop.waitUntil([&] { return desktop.clientList().size() == 2; })) << "waited for both to be listed";
+    desktop.activate(second.id());
+    ASSERT_TRUE(desktop.waitForActiveWindow(second.id())) << "waited for the second window to become active";
+    desktop.activate(first.id());
+    EXPECT_TRUE(desktop.waitForActiveWindow(first.id())) << "waited for the first window to become active again";
+}
+
+INSTANTIATE_TEST_SUITE_P(Managers, ManagerTest,
+                         testing::Values("openbox", "xfwm4", "icewm", "metacity", "i3", "kwin_x11", "mutter"),
+                         [](const auto& instance) { return std::string(instance.param); });
+
+}  // namespace
+}  // namespace ferrowyn::x11test

@@ -1,0 +1,79 @@
+#include "tests/x11/harness/private_x_server.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#include <stdexcept>
+
+namespace ferrowyn::x11test {
+
+namespace {
+
+/// The server writes its display number, and a newline, once it accepts connections.
+std::string readDisplayNumber(int descriptor) {
+    const Deadline deadline(patience);
+    std::string text;
+    while (text.empty() || text.back() != '\n') {
+        pollfd waiting{descriptor, POLLIN, 0};
+        std::array<char, 16> buffer{};
+        if (poll(&waiting, 1, deadline.remainingMilliseconds()) <= 0) {
+            throw std::runtime_error("waited for Xvfb to say its display number");
+        }
+        const auto length = read(descriptor, buffer.data(), buffer.size());
+        if (length <= 0) {
+            throw std::runtime_error("Xvfb ended before it was ready");
+        }
+        text.append(buffer.data(), static_cast<std::size_t>(length));
+    }
+    text.pop_back();
+    return text;
+}
+
+}  // namespace
+
+PrivateXServer::PrivateXServer(const std::vector<std::string>& screens,
+                               const std::vector<std::string>& extraArguments) {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) {
+        throw std::runtime_error("no pipe for Xvfb");
+    }
+    ChildProcess::Options options;
+    options.command = {"Xvfb", "-displayfd", std::to_string(ends[1]), "-nolisten", "tcp", "-noreset", "-ac"};
+    options.inheritedDescriptor = ends[1];
+    for (std::size_t screen = 0; screen < screens.size(); ++screen) {
+        options.command.insert(options.command.end(), {"-screen", std::to_string(screen), screens[screen]});
+    }
+    if (screens.size() > 1) {
+        options.command.emplace_back("+xinerama");
+    }
+    options.command.insert(options.command.end(), extraArguments.begin(), extraArguments.end());
+    process_ = std::make_unique<ChildProcess>(options);
+    close(ends[1]);
+    display_ = ":" + readDisplayNumber(ends[0]);
+    close(ends[0]);
+}
+
+std::map<std::string, std::string> PrivateXServer::clientEnvironment() const {
+    const std::string& home = home_.path();
+    return {
+        {"DISPLAY", display_},
+        {"HOME", home},
+        {"XDG_CONFIG_HOME", home + "/.config"},
+        {"XDG_CACHE_HOME", home + "/.cache"},
+        {"XDG_DATA_HOME", home + "/.local/share"},
+        {"XDG_RUNTIME_DIR", home},
+        {"XDG_SESSION_TYPE", "x11"},
+        {"WAYLAND_DISPLAY", ""},
+        {"XAUTHORITY", ""},
+        {"DBUS_SESSION_BUS_ADDRESS", ""},
+        {"XDG_CURRENT_DESKTOP", ""},
+        {"DESKTOP_SESSION", ""},
+        {"GSETTINGS_BACKEND", "memory"},
+        {"NO_AT_BRIDGE", "1"},
+        {"LANG", "C.UTF-8"},
+        {"LC_ALL", "C.UTF-8"},
+    };
+}
+
+}  // namespace ferrowyn::x11test

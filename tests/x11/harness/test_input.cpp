@@ -1,0 +1,77 @@
+#include "tests/x11/harness/test_input.h"
+
+#include <xcb/xtest.h>
+
+#include <stdexcept>
+
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn::x11test {
+
+TestInput::TestInput(const std::string& display) {
+    connection_ = xcb_connect(display.c_str(), nullptr);
+    if (xcb_connection_has_error(connection_) != 0) {
+        xcb_disconnect(connection_);
+        throw std::runtime_error("no X server at " + display);
+    }
+    root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+}
+
+TestInput::~TestInput() {
+    xcb_disconnect(connection_);
+}
+
+void TestInput::send(std::uint8_t type, std::uint8_t detail, int x, int y) {
+    xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME, root_, static_cast<std::int16_t>(x),
+                        static_cast<std::int16_t>(y), 0);
+    xcb_flush(connection_);
+}
+
+void TestInput::press(std::uint8_t keyCode) {
+    send(XCB_KEY_PRESS, keyCode);
+}
+void TestInput::release(std::uint8_t keyCode) {
+    send(XCB_KEY_RELEASE, keyCode);
+}
+
+void TestInput::tap(std::uint8_t keyCode) {
+    press(keyCode);
+    release(keyCode);
+}
+
+void TestInput::chord(std::initializer_list<std::uint8_t> keyCodes) {
+    for (const auto keyCode : keyCodes) {
+        press(keyCode);
+    }
+    for (auto keyCode = keyCodes.end(); keyCode != keyCodes.begin();) {
+        release(*--keyCode);
+    }
+}
+
+void TestInput::releaseAll() {
+    const XcbReply<xcb_query_keymap_reply_t> keys(
+        xcb_query_keymap_reply(connection_, xcb_query_keymap(connection_), nullptr));
+    for (unsigned keyCode = 8; keys && keyCode < 256; ++keyCode) {
+        if ((keys->keys[keyCode / 8] >> (keyCode % 8) & 1U) != 0) {
+            release(static_cast<std::uint8_t>(keyCode));
+        }
+    }
+}
+
+void TestInput::movePointer(int x, int y) {
+    send(XCB_MOTION_NOTIFY, 0, x, y);
+}
+void TestInput::pressButton(std::uint8_t button) {
+    send(XCB_BUTTON_PRESS, button);
+}
+void TestInput::releaseButton(std::uint8_t button) {
+    send(XCB_BUTTON_RELEASE, button);
+}
+
+void TestInput::click(int x, int y, std::uint8_t button) {
+    movePointer(x, y);
+    pressButton(button);
+    releaseButton(button);
+}
+
+}  // namespace ferrowyn::x11test
