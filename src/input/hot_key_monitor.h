@@ -1,16 +1,25 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "core/published.h"
+#include "core/subscription.h"
 #include "core/switcher_command.h"
 #include "core/switcher_modifier.h"
 #include "input/tap_state.h"
+#include "platform/event_tap.h"
+#include "platform/main_loop.h"
 
 namespace ferrowyn {
 
 struct Platform;
+class Log;
+class TapThreadContext;
+class Trust;
 
 /// The program's only source of keyboard input. Main thread, except for the tap callback, which runs on the tap thread
 /// and touches nothing but `TapState`.
@@ -37,9 +46,44 @@ public:
     [[nodiscard]] TapState& state() { return *state_; }
 
 private:
+    /// Stands for one running period of the monitor. The tap's posted work holds it weakly: what a tap sent before it
+    /// was stopped reaches nobody, even when another one has been started by then.
+    struct Period {
+        HotKeyMonitor& monitor;
+    };
+    static constexpr int maximumRetries = 4;
+
+    [[nodiscard]] EventTaps::Callback makeTapCallback() const;
+    void startThread();
+    void startHealthTimer();
+    void checkHealth();
+    void reenable(std::string_view reason);
+    void deliver(const SwitcherCommand& command, bool requestsSession);
+    void handleTapDisabled(bool byTimeout);
+    void handleTimeout();
+    void stopAndFail(Failure failure);
+    void removeTap();
+
+    MainLoop& mainLoop_;
+    Log& log_;
+    Trust& trust_;
+    EventTaps& eventTaps_;
+
     Published<bool> isRunning_{false};
     /// Shared with the tap thread's callback, which may still be running while the monitor goes.
     std::shared_ptr<TapState> state_ = std::make_shared<TapState>();
+    std::shared_ptr<EventTap> tap_;
+    std::shared_ptr<TapRunLoopSource> runLoopSource_;
+    std::unique_ptr<TapThread> thread_;
+    std::shared_ptr<TapRunLoop> threadRunLoop_;
+    std::shared_ptr<TapThreadContext> threadContext_;
+    Subscription healthTimer_;
+    int consecutiveDisables_ = 0;
+    /// Absent when the tap has not timed out since it was started.
+    std::optional<TimePoint> lastDisableTime_;
+    /// The pending re-enabling after each timeout of a row.
+    std::array<Subscription, maximumRetries> retries_;
+    std::shared_ptr<Period> period_;
 };
 
 }  // namespace ferrowyn

@@ -6,6 +6,7 @@
 
 #include "core/geometry.h"
 
+class QImage;
 class QWidget;
 
 namespace ferrowyn {
@@ -22,6 +23,17 @@ public:
     /// Makes the widget show what the model holds right now, without waiting for the loop: called before the panel is
     /// shown, so that the very first frame is right.
     virtual void synchronize() = 0;
+
+    /// Whether a compositor blends the panel with what is behind it: translucent with round corners, else opaque with
+    /// square ones. Opaque at first. The host says so whenever it changes.
+    virtual void setTranslucent(bool isTranslucent) = 0;
+
+    /// Draws into the whole image, at the image's device pixel ratio, what the widget would show in its first frame if
+    /// a session began now. Changes nothing else; nothing is drawn where `widget` is null.
+    virtual void renderPreview(QImage& target) = 0;
+    /// Whether the first frame of what the model holds right now is the picture that `renderPreview` drew last. Cheap:
+    /// only what that picture shows is compared.
+    [[nodiscard]] virtual bool matchesPreview() const = 0;
 };
 
 /// The floating window of the switcher: borderless, non-activating (it becomes neither key nor main window, so keys

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string_view>
+#include <deque>
 #include <vector>
 
 #include "core/accessibility_status.h"
@@ -35,7 +35,11 @@ public:
     void openAccessibilitySettings();
 
 private:
+    /// The system needs a moment until its answer follows its own notification.
+    void scheduleRefresh();
     void restartBackstopTimer();
+    void startSecureInputPolling();
+    void readSecureInput();
 
     MainLoop& mainLoop_;
     Log& log_;
@@ -47,7 +51,8 @@ private:
     Subscription backstopTimer_;
     Subscription secureInputTimer_;
     std::vector<Subscription> observers_;
-    std::vector<Subscription> pendingRefreshes_;
+    /// Oldest first.
+    std::deque<Subscription> pendingRefreshes_;
 };
 
 }  // namespace ferrowyn

@@ -7,6 +7,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -117,16 +118,22 @@ void ChildProcess::discardOutput() {
 }
 
 bool ChildProcess::waitForOutput(const std::string& text, milliseconds budget) {
+    return waitUntilOutput([&] { return output_.find(text) != std::string::npos; }, budget);
+}
+
+bool ChildProcess::waitUntilOutput(const std::function<bool()>& predicate, milliseconds budget) {
     const Deadline deadline(budget);
-    while (output_.find(text) == std::string::npos) {
-        const bool wasRunning = isRunning();
-        // A pseudo-terminal does not say that its other side ended in a way that poll could wait for.
-        readAvailable(wasRunning ? std::min(deadline.remainingMilliseconds(), 50) : 0);
-        if ((!wasRunning || deadline.hasPassed()) && output_.find(text) == std::string::npos) {
+    while (true) {
+        readAvailable(0);
+        if (predicate()) {
+            return true;
+        }
+        if (!isRunning() || deadline.hasPassed()) {
             return false;
         }
+        // A pseudo-terminal does not say that its other side ended in a way that poll could wait for.
+        readAvailable(std::min(deadline.remainingMilliseconds(), 50));
     }
-    return true;
 }
 
 void ChildProcess::signal(int number) const {

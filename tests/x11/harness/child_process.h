@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -34,6 +35,8 @@ public:
     [[nodiscard]] std::string output();
     /// Waits until the output holds the text; false at the deadline or when the program ended without writing it.
     [[nodiscard]] bool waitForOutput(const std::string& text, milliseconds budget = patience);
+    /// Waits until the predicate holds, looking again each time something was written.
+    [[nodiscard]] bool waitUntilOutput(const std::function<bool()>& predicate, milliseconds budget = patience);
     /// Forgets what has been written until now, so that a wait is for something new.
     void discardOutput();
     void signal(int number) const;

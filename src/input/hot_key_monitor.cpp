@@ -1,0 +1,254 @@
+#include "input/hot_key_monitor.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <utility>
+#include <variant>
+
+#include "input/key_classifier.h"
+#include "input/tap_thread.h"
+#include "platform/log.h"
+#include "platform/platform.h"
+#include "platform/trust.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view category = "input";
+constexpr std::string_view threadName = "com.larkmoor.event-tap";
+constexpr Seconds threadStartTimeout{1.0};
+constexpr Seconds healthInterval{3.0};
+/// A tap that stayed enabled for longer than this has recovered: the next timeout is the first of a new row.
+constexpr Seconds quietPeriod{30.0};
+constexpr Seconds firstRetryDelay{0.25};
+
+SwitcherModifier modifierWithMask(std::uint64_t mask) {
+    const auto* const found = std::find_if(allSwitcherModifiers.begin(), allSwitcherModifiers.end(),
+                                           [mask](SwitcherModifier modifier) { return flagMask(modifier) == mask; });
+    return found == allSwitcherModifiers.end() ? SwitcherModifier::command : *found;
+}
+
+}  // namespace
+
+HotKeyMonitor::HotKeyMonitor(const Platform& platform, SwitcherModifier modifier)
+    : mainLoop_(platform.mainLoop), log_(platform.log), trust_(platform.trust), eventTaps_(platform.eventTaps) {
+    state_->setModifier(modifier);
+}
+
+HotKeyMonitor::~HotKeyMonitor() {
+    assert(mainLoop_.isMainThread());
+    removeTap();
+}
+
+bool HotKeyMonitor::start() {
+    assert(mainLoop_.isMainThread());
+    if (isRunning_.get()) {
+        return true;
+    }
+    if (!trust_.isTrusted()) {
+        log_.write(LogLevel::error, category, "Cannot install event tap without Accessibility trust");
+        return false;
+    }
+    period_ = std::make_shared<Period>(Period{*this});
+    auto tap = eventTaps_.create(EventTaps::keyboardMask, modifierWithMask(state_->snapshot().modifierFlag),
+                                 makeTapCallback());
+    if (tap == nullptr) {
+        period_.reset();
+        log_.write(LogLevel::error, category, "CGEvent.tapCreate failed");
+        return false;
+    }
+    tap_ = std::move(tap);
+    consecutiveDisables_ = 0;
+    lastDisableTime_.reset();
+    state_->setTapPort(tap_);
+    // A session can be open already: the menu opens one without the keyboard.
+    if (state_->snapshot().isSwitcherVisible) {
+        state_->passSessionOn();
+    }
+    startThread();
+    startHealthTimer();
+    isRunning_.set(true);
+    log_.write(LogLevel::standard, category, "Event tap installed");
+    return true;
+}
+
+void HotKeyMonitor::stop() {
+    assert(mainLoop_.isMainThread());
+    if (!isRunning_.get()) {
+        return;
+    }
+    isRunning_.set(false);
+    removeTap();
+    log_.write(LogLevel::standard, category, "Event tap removed");
+}
+
+void HotKeyMonitor::removeTap() {
+    period_.reset();
+    healthTimer_.reset();
+    for (auto& retry : retries_) {
+        retry.reset();
+    }
+    state_->noteStop();
+    // While the tap is still known: whatever it holds of the keyboard goes back before it is taken down.
+    state_->passSessionOn();
+    if (tap_ != nullptr) {
+        tap_->setEnabled(false);
+    }
+    if (threadRunLoop_ == nullptr && threadContext_ != nullptr) {
+        // The thread was too slow for `start` to wait for; by now it may have a loop that must be woken.
+        threadRunLoop_ = threadContext_->waitForRunLoop(Seconds::zero());
+    }
+    if (threadRunLoop_ != nullptr && runLoopSource_ != nullptr) {
+        runLoopSource_->removeFrom(*threadRunLoop_);
+        threadRunLoop_->stop();
+    }
+    if (tap_ != nullptr) {
+        tap_->invalidate();
+    }
+    state_->setTapPort(nullptr);
+    thread_.reset();
+    threadContext_.reset();
+    threadRunLoop_.reset();
+    runLoopSource_.reset();
+    tap_.reset();
+}
+
+void HotKeyMonitor::startThread() {
+    runLoopSource_ = eventTaps_.createSource(tap_);
+    if (runLoopSource_ == nullptr) {
+        log_.write(LogLevel::error, category, "CFMachPortCreateRunLoopSource failed");
+        return;
+    }
+    threadContext_ = std::make_shared<TapThreadContext>(tap_, runLoopSource_);
+    state_->setKeepRunning(true);
+    thread_ = eventTaps_.startThread(threadName, [&eventTaps = eventTaps_, context = threadContext_, state = state_] {
+        runTapThread(eventTaps, *context, *state);
+    });
+    threadRunLoop_ = threadContext_->waitForRunLoop(threadStartTimeout);
+}
+
+void HotKeyMonitor::startHealthTimer() {
+    healthTimer_ = mainLoop_.every(healthInterval, [this] { checkHealth(); });
+}
+
+void HotKeyMonitor::checkHealth() {
+    assert(mainLoop_.isMainThread());
+    if (tap_ == nullptr || !isRunning_.get()) {
+        return;
+    }
+    if (!trust_.isTrusted()) {
+        log_.write(LogLevel::standard, category, "Accessibility trust lost; stopping the event tap");
+        stopAndFail(Failure::trustRevoked);
+    } else if (!tap_->isEnabled()) {
+        reenable("periodic check");
+    } else if (!lastDisableTime_ || mainLoop_.now() - *lastDisableTime_ > quietPeriod) {
+        consecutiveDisables_ = 0;
+    }
+}
+
+void HotKeyMonitor::reenable(std::string_view reason) {
+    if (!isRunning_.get() || tap_ == nullptr || !trust_.isTrusted() || tap_->isEnabled()) {
+        return;
+    }
+    log_.write(LogLevel::standard, category, fmt::format("Re-enabling event tap ({})", reason));
+    tap_->setEnabled(true);
+}
+
+EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
+    return [state = state_, &mainLoop = mainLoop_, period = std::weak_ptr<Period>(period_)](const TapEvent& event) {
+        if (period.expired()) {
+            return TapVerdict{};
+        }
+        const auto type = event.type();
+        if (type == TapEvent::Type::disabledByTimeout || type == TapEvent::Type::disabledByUserInput) {
+            state->noteTapDisabled();
+            mainLoop.post([period, byTimeout = type == TapEvent::Type::disabledByTimeout] {
+                if (const auto current = period.lock()) {
+                    current->monitor.handleTapDisabled(byTimeout);
+                }
+            });
+            return TapVerdict{};
+        }
+        const auto snapshot = state->snapshot();
+        auto decision = classify(event, snapshot);
+        TapVerdict verdict{.isSwallowed = decision.kind == KeyDecision::Kind::swallow};
+        if (decision.command) {
+            verdict.requestsSession =
+                !snapshot.isSwitcherVisible && std::holds_alternative<command::Invoke>(*decision.command);
+            mainLoop.post([period, command = std::move(*decision.command), asks = verdict.requestsSession] {
+                if (const auto current = period.lock()) {
+                    current->monitor.deliver(command, asks);
+                }
+            });
+        }
+        return verdict;
+    };
+}
+
+void HotKeyMonitor::deliver(const SwitcherCommand& command, bool requestsSession) {
+    assert(mainLoop_.isMainThread());
+    // The owner may stop or even destroy the monitor while it handles the command.
+    const auto state = state_;
+    const bool wasOpen = state->snapshot().isSwitcherVisible;
+    if (const auto callback = onCommand) {
+        callback(command);
+    }
+    const bool hasOpened = !wasOpen && state->snapshot().isSwitcherVisible;
+    // Whoever opens a session tells the tap. In every other case, such as missing trust or a session that was open
+    // by the time the request arrived, a tap that holds events back for this request would wait in vain.
+    if (requestsSession && !hasOpened) {
+        state->passSessionOn();
+    }
+}
+
+void HotKeyMonitor::handleTapDisabled(bool byTimeout) {
+    assert(mainLoop_.isMainThread());
+    if (!isRunning_.get()) {
+        return;
+    }
+    state_->setReenableRequested(false);
+    const std::weak_ptr<Period> period = period_;
+    if (const auto callback = onTapDisabled) {
+        callback();
+    }
+    if (period.expired()) {
+        return;
+    }
+    // The tap thread has forgotten the session, and whoever listens has ended it; now the tap hears of it too.
+    state_->passSessionOn();
+    if (byTimeout) {
+        handleTimeout();
+    } else {
+        reenable("user-input transition");
+    }
+}
+
+void HotKeyMonitor::handleTimeout() {
+    ++consecutiveDisables_;
+    lastDisableTime_ = mainLoop_.now();
+    if (consecutiveDisables_ > maximumRetries) {
+        log_.write(LogLevel::error, category,
+                   "Event tap timed out repeatedly; abandoning it to keep the keyboard usable");
+        stopAndFail(Failure::repeatedTimeouts);
+        return;
+    }
+    const Seconds delay = firstRetryDelay * std::exp2(consecutiveDisables_ - 1);
+    log_.write(LogLevel::standard, category,
+               fmt::format("Event tap timed out ({}); retrying in {:f}s", consecutiveDisables_, delay.count()));
+    retries_.at(static_cast<std::size_t>(consecutiveDisables_ - 1)) =
+        mainLoop_.after(delay, [this] { reenable("timeout backoff"); });
+}
+
+void HotKeyMonitor::stopAndFail(Failure failure) {
+    stop();
+    // A copy: the owner may answer by destroying the monitor.
+    if (const auto callback = onTapFailed) {
+        callback(failure);
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "core/geometry.h"
+#include "core/switcher_layout.h"
+#include "platform/screens.h"
+
+/// How large the switcher's panel is and where it goes. Pure functions; points, y growing upward.
+namespace ferrowyn::panel_geometry {
+
+/// What the panel's size depends on apart from its rows.
+struct Style {
+    SwitcherLayout layout = SwitcherLayout::list;
+    int maximumVisibleRows = 0;
+    bool showsHints = false;
+};
+
+/// What of the rows the panel's size depends on.
+struct RowShape {
+    SwitcherLayout layout = SwitcherLayout::list;
+    int rowCount = 0;
+    /// Rows that start a group.
+    int groupCount = 0;
+    friend bool operator==(const RowShape&, const RowShape&) = default;
+};
+
+[[nodiscard]] double contentWidth(SwitcherLayout layout);
+/// The height for this many rows, or of the state that stands for none.
+[[nodiscard]] double contentHeight(const Style& style, int rowCount, int groupCount);
+/// The tallest that the panel can become with this style.
+[[nodiscard]] double fullHeight(const Style& style);
+
+/// The screen for the panel: the one under the pointer, else the main one, else the first, else an empty one.
+[[nodiscard]] Screen chooseScreen(const std::vector<Screen>& screens, const std::optional<Screen>& main,
+                                  const Point& pointer);
+
+struct Placement {
+    Rect frame;
+    /// The edge that stays put for the whole session.
+    double topY = 0;
+    friend bool operator==(const Placement&, const Placement&) = default;
+};
+
+/// Where a session opens: as if the panel had its full height, a little above the middle. What does not fit between
+/// the margins is cut off at the lower edge, where the rows scroll, so that the search field is always on the screen.
+[[nodiscard]] Placement placement(const Rect& visibleFrame, const Size& content, double fullHeight);
+
+/// The frame for new content during a session, hanging from its top edge; vertically centred without one.
+[[nodiscard]] Rect refittedFrame(const Rect& visibleFrame, const Size& content, std::optional<double> topY);
+
+}  // namespace ferrowyn::panel_geometry

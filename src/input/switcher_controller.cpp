@@ -1,0 +1,144 @@
+#include "input/switcher_controller.h"
+
+#include <cassert>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "input/hot_key_monitor.h"
+#include "input/switcher_panel.h"
+#include "input/window_activator.h"
+#include "inventory/window_index.h"
+#include "platform/log.h"
+#include "platform/main_loop.h"
+#include "platform/panel.h"
+#include "platform/platform.h"
+#include "platform/pointer.h"
+#include "platform/screens.h"
+#include "services/accessibility_authorizer.h"
+#include "services/favourites_store.h"
+#include "services/preferences.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view category = "ui";
+/// Longer than anybody looks at a list; it only guards against a modifier release that got lost.
+constexpr Seconds watchdogInterval{30.0};
+
+}  // namespace
+
+SwitcherController::SwitcherController(const Platform& platform, Parts parts, const SwitcherContentFactory& makeContent)
+    : mainLoop_(platform.mainLoop),
+      log_(platform.log),
+      pointerDevice_(platform.pointer),
+      screens_(platform.screens),
+      panel_(std::move(parts.panel)),
+      viewModel_(std::move(parts.viewModel)),
+      preferences_(parts.preferences),
+      favourites_(parts.favourites),
+      windowIndex_(parts.windowIndex),
+      activator_(std::move(parts.activator)),
+      authorizer_(parts.authorizer),
+      hotKeyMonitor_(parts.hotKeyMonitor) {
+    installContent(makeContent);
+    subscribe(platform);
+    clickMonitor_ = platform.pointer.observeClicksElsewhere([this] {
+        if (isVisible_) {
+            dismiss();
+        }
+    });
+}
+
+SwitcherController::~SwitcherController() = default;
+
+void SwitcherController::show(bool reverse) {
+    assert(mainLoop_.isMainThread());
+    if (authorizer_.status().get() != AccessibilityStatus::trusted) {
+        authorizer_.requestTrust();
+        return;
+    }
+    viewModel_->beginSession(reverse);
+    armPointerGate();
+    panel_->show(panel_geometry::placement(visibleFrame(), currentContentSize(), panel_geometry::fullHeight(style())));
+    isVisible_ = true;
+    auto& state = hotKeyMonitor_.state();
+    state.setSwitcherVisible(true);
+    state.setHoldModeActive(preferences_.confirmOnModifierRelease.get());
+    // Only now: what the tap held back for this session is classified with both flags.
+    state.passSessionOn();
+    rearmWatchdog();
+    windowIndex_.scheduleRefresh();
+}
+
+void SwitcherController::showFromMenu() {
+    show(false);
+    viewModel_->isPinned.set(true);
+    if (!viewModel_->rows.get().empty()) {
+        viewModel_->selectedIndex.set(0);
+    }
+}
+
+void SwitcherController::dismiss() {
+    assert(mainLoop_.isMainThread());
+    watchdogTimer_.reset();
+    auto& state = hotKeyMonitor_.state();
+    state.setSwitcherVisible(false);
+    state.setHoldModeActive(false);
+    state.passSessionOn();
+    panel_->hide();
+    if (isVisible_) {
+        isVisible_ = false;
+        viewModel_->endSession();
+        schedulePreparation();
+    }
+}
+
+void SwitcherController::confirm() {
+    const auto window = viewModel_->selectedWindow();
+    // Gone before the activation starts, so that the panel neither covers the window nor takes its focus.
+    dismiss();
+    if (window) {
+        activator_->activate(*window);
+    }
+}
+
+void SwitcherController::noteActivated(const AppWindow& window) {
+    windowIndex_.noteActivated(window.id);
+}
+
+void SwitcherController::cycleLayout() {
+    preferences_.layout.set(nextLayout(preferences_.layout.get()));
+}
+
+void SwitcherController::toggleFavouriteOfSelection() {
+    if (const auto window = viewModel_->selectedWindow()) {
+        favourites_.toggle(*window);
+        viewModel_->rebuildRows(true);
+    }
+}
+
+void SwitcherController::armPointerGate() {
+    pointer_.arm(pointerDevice_.location());
+}
+
+void SwitcherController::rearmWatchdog() {
+    watchdogTimer_.reset();
+    if (isVisible_) {
+        watchdogTimer_ = mainLoop_.after(watchdogInterval, [this] { watchdogFired(); });
+    }
+}
+
+void SwitcherController::watchdogFired() {
+    if (isVisible_) {
+        log_.write(LogLevel::standard, category, "Switcher idle watchdog fired; dismissing");
+        dismiss();
+    }
+}
+
+void SwitcherController::setHoldMode(bool isPinned) {
+    hotKeyMonitor_.state().setHoldModeActive(!isPinned && preferences_.confirmOnModifierRelease.get());
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,133 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/accessibility_status.h"
+#include "core/app_window.h"
+#include "core/geometry.h"
+#include "core/subscription.h"
+#include "core/switcher_command.h"
+#include "core/switcher_view_model.h"
+#include "input/panel_geometry.h"
+#include "input/pointer_activity_gate.h"
+#include "input/switcher_content.h"
+
+namespace ferrowyn {
+
+struct Platform;
+class AccessibilityAuthorizer;
+class FavouritesStore;
+class HotKeyMonitor;
+class Log;
+class MainLoop;
+class Pointer;
+class Preferences;
+class Screens;
+class SwitcherPanel;
+class WindowActivator;
+class WindowIndex;
+
+/// Runs one switching session at a time: opens the panel, carries out the commands of the keyboard and of the panel's
+/// content, tells the tap what is on the screen, and hands the chosen window to the activator. Main thread.
+class SwitcherController {
+public:
+    /// What the controller is made of and what it works with. The referenced services outlive it.
+    struct Parts {
+        std::unique_ptr<SwitcherPanel> panel;
+        /// Bound to its sources already.
+        std::unique_ptr<SwitcherViewModel> viewModel;
+        std::unique_ptr<WindowActivator> activator;
+        Preferences& preferences;
+        FavouritesStore& favourites;
+        WindowIndex& windowIndex;
+        AccessibilityAuthorizer& authorizer;
+        HotKeyMonitor& hotKeyMonitor;
+    };
+
+    SwitcherController(const Platform& platform, Parts parts, const SwitcherContentFactory& makeContent);
+    ~SwitcherController();
+    SwitcherController(const SwitcherController&) = delete;
+    SwitcherController& operator=(const SwitcherController&) = delete;
+
+    void handle(const SwitcherCommand& command);
+    /// Opens a session.
+    void show(bool reverse);
+    /// Opens a session that stays open, with the first row selected.
+    void showFromMenu();
+    /// Closes the panel and ends the session; harmless when nothing is shown.
+    void dismiss();
+    /// Closes the panel and switches to the selected window, if there is one.
+    void confirm();
+
+    [[nodiscard]] bool isVisible() const { return isVisible_; }
+    [[nodiscard]] SwitcherViewModel& viewModel() { return *viewModel_; }
+    [[nodiscard]] WindowActivator& activator() { return *activator_; }
+    /// Where the activator's results go.
+    void noteActivated(const AppWindow& window);
+
+private:
+    struct CommandHandler;
+
+    void installContent(const SwitcherContentFactory& makeContent);
+    void subscribe(const Platform& platform);
+    void subscribeToShape();
+    void subscribeToWhatNextSessionShows(const Platform& platform);
+
+    // What the panel's content reports.
+    void activateClicked(const AppWindow& window);
+    void hover(int index);
+    void toggleFavouriteOf(const AppWindow& window);
+    void requestPermissions();
+
+    void cycleLayout();
+    void toggleFavouriteOfSelection();
+    void armPointerGate();
+    void rearmWatchdog();
+    void watchdogFired();
+    void setHoldMode(bool isPinned);
+
+    [[nodiscard]] panel_geometry::Style style() const;
+    [[nodiscard]] Size contentSize(int rowCount, int groupCount) const;
+    [[nodiscard]] Size currentContentSize() const;
+    [[nodiscard]] Rect visibleFrame() const;
+    [[nodiscard]] panel_geometry::RowShape rowShape() const;
+    void refit();
+    /// Both run their work once, in a task of its own, however often they are asked meanwhile.
+    void scheduleRefit();
+    void schedulePreparation();
+    void prepareNextSession();
+
+    MainLoop& mainLoop_;
+    Log& log_;
+    Pointer& pointerDevice_;
+    Screens& screens_;
+
+    std::unique_ptr<SwitcherPanel> panel_;
+    std::unique_ptr<SwitcherViewModel> viewModel_;
+    Preferences& preferences_;
+    FavouritesStore& favourites_;
+    WindowIndex& windowIndex_;
+    std::unique_ptr<WindowActivator> activator_;
+    AccessibilityAuthorizer& authorizer_;
+    HotKeyMonitor& hotKeyMonitor_;
+
+    Subscription watchdogTimer_;
+    PointerActivityGate pointer_;
+    bool isVisible_ = false;
+    std::optional<panel_geometry::RowShape> lastShape_;
+    bool isRefitScheduled_ = false;
+    bool isPreparationScheduled_ = false;
+
+    /// What posted tasks and the panel's content hold of this controller; the content belongs to the platform's panel,
+    /// which outlives it.
+    struct Self {
+        SwitcherController& controller;
+    };
+    std::shared_ptr<Self> self_ = std::make_shared<Self>(Self{*this});
+    Subscription clickMonitor_;
+    std::vector<Subscription> cancellables_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,145 @@
+#include "input/window_activator.h"
+
+#include <fmt/format.h>
+
+#include <cassert>
+#include <string_view>
+#include <utility>
+
+#include "platform/log.h"
+#include "platform/platform.h"
+#include "platform/window_control.h"
+#include "platform/workspace.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view category = "activation";
+/// An unresponsive application must not hold up the main thread for long.
+constexpr Seconds messagingTimeout{0.5};
+constexpr Seconds lookPause{0.12};
+constexpr int maximumLooks = 5;
+constexpr double delayGrowth = 1.8;
+
+}  // namespace
+
+WindowActivator::WindowActivator(const Platform& platform)
+    : mainLoop_(platform.mainLoop),
+      log_(platform.log),
+      workspace_(platform.workspace),
+      control_(platform.windowControl) {}
+
+void WindowActivator::activate(const AppWindow& window) {
+    assert(mainLoop_.isMainThread());
+    pause_.reset();
+    activation_.reset();
+
+    const auto application = workspace_.runningApplication(window.pid);
+    if (!application || application->isTerminated) {
+        log_.write(LogLevel::error, category, fmt::format("pid {} is gone", window.pid));
+        return;
+    }
+    activation_.emplace(Activation{.window = window,
+                                   .applicationName = application->localizedName.value_or(window.appName),
+                                   .element = window.axElement});
+    control_.setMessagingTimeout(window.pid, messagingTimeout);
+    if (activation_->element) {
+        raiseFirst();
+    } else {
+        control_.activate(window.pid);
+        lookUpElement();
+    }
+}
+
+void WindowActivator::lookUpElement() {
+    ++activation_->looks;
+    activation_->element = findElement();
+    if (activation_->element) {
+        raiseFirst();
+    } else if (activation_->looks < maximumLooks) {
+        pause_ = mainLoop_.after(lookPause, [this] { lookUpElement(); });
+    } else {
+        log_.write(LogLevel::standard, category,
+                   fmt::format("No AX element for window {}; activated its app only", activation_->window.id));
+        finish();
+    }
+}
+
+std::optional<AXElementRef> WindowActivator::findElement() const {
+    for (const auto& element : control_.windowElements(activation_->window.pid)) {
+        if (control_.windowNumber(element) == activation_->window.id) {
+            return element;
+        }
+    }
+    return std::nullopt;
+}
+
+void WindowActivator::raiseFirst() {
+    const auto& window = activation_->window;
+    control_.setMessagingTimeout(*activation_->element, messagingTimeout);
+    if (control_.isHidden(window.pid)) {
+        control_.unhide(window.pid);
+    }
+    if (window.isMinimized) {
+        control_.unminimize(*activation_->element);
+    }
+    raise();
+    scheduleVerification();
+}
+
+/// Raised, main and focused inside its application first, so that activating the application brings this window
+/// forward and not the application's own idea of its front window; frontmost last.
+void WindowActivator::raise() {
+    const Pid pid = activation_->window.pid;
+    const auto& element = *activation_->element;
+    control_.raise(element);
+    control_.setMain(element);
+    control_.setFocused(element);
+    control_.setFocusedWindow(pid, element);
+    control_.activate(pid);
+    control_.setFrontmost(pid);
+}
+
+void WindowActivator::scheduleVerification() {
+    pause_ = mainLoop_.after(activation_->delay, [this] { verify(); });
+}
+
+void WindowActivator::verify() {
+    ++activation_->checks;
+    if (isConfirmed()) {
+        log_.write(LogLevel::debug, category,
+                   fmt::format("Window {} active after {} check(s)", activation_->window.id, activation_->checks));
+        finish();
+        return;
+    }
+    if (activation_->checks >= maximumAttempts) {
+        log_.write(LogLevel::standard, category,
+                   fmt::format("Could not confirm activation of window {} in {}", activation_->window.id,
+                               activation_->applicationName));
+        finish();
+        return;
+    }
+    raise();
+    activation_->delay *= delayGrowth;
+    scheduleVerification();
+}
+
+/// What cannot be read does not confirm anything: an application that does not answer is worth another try.
+bool WindowActivator::isConfirmed() const {
+    const auto& element = *activation_->element;
+    return control_.isActive(activation_->window.pid) && control_.isMain(element).value_or(false) &&
+           control_.isFocused(element).value_or(false);
+}
+
+void WindowActivator::finish() {
+    // Idle before the owner hears of it: it may ask for the next activation, or destroy the activator.
+    const AppWindow window = std::move(activation_->window);
+    activation_.reset();
+    pause_.reset();
+    if (const auto callback = onActivated) {
+        callback(window);
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "core/app_window.h"
+#include "core/subscription.h"
+#include "platform/main_loop.h"
+
+namespace ferrowyn {
+
+struct Platform;
+class Log;
+class WindowControl;
+class Workspace;
+
+/// Brings one chosen window to the front and gives it the keyboard, then checks with growing pauses whether that
+/// happened, and tries again when it did not. One activation at a time: a new one ends the previous one silently. Main
+/// thread; between its steps the loop runs.
+class WindowActivator {
+public:
+    static constexpr int maximumAttempts = 4;
+    static constexpr Seconds initialVerificationDelay{0.12};
+
+    explicit WindowActivator(const Platform& platform);
+    WindowActivator(const WindowActivator&) = delete;
+    WindowActivator& operator=(const WindowActivator&) = delete;
+
+    /// The requests to raise the window are on their way when it returns; the rest follows on the main loop.
+    void activate(const AppWindow& window);
+
+    /// The user switched to this window, whether or not its activation could be confirmed. Set by the owner.
+    std::function<void(const AppWindow&)> onActivated;
+
+private:
+    struct Activation {
+        AppWindow window;
+        std::string applicationName;
+        /// The window's element: given with the window, or looked up.
+        std::optional<AXElementRef> element;
+        int looks = 0;
+        int checks = 0;
+        Seconds delay = initialVerificationDelay;
+    };
+
+    void lookUpElement();
+    void raiseFirst();
+    void raise();
+    void scheduleVerification();
+    void verify();
+    [[nodiscard]] std::optional<AXElementRef> findElement() const;
+    [[nodiscard]] bool isConfirmed() const;
+    void finish();
+
+    MainLoop& mainLoop_;
+    Log& log_;
+    Workspace& workspace_;
+    WindowControl& control_;
+    /// The running activation; absent when idle.
+    std::optional<Activation> activation_;
+    /// The pause that the running activation is in; dropping it is what cancels an activation.
+    Subscription pause_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ferrowyn {
+
+/// One application as its desktop file describes it.
+struct DesktopEntry {
+    /// The desktop-file id without ".desktop": "org.gnome.Terminal".
+    std::string id;
+    /// The file's absolute path.
+    std::string path;
+    /// The name in the user's language.
+    std::string name;
+    /// An icon name of the theme, or an absolute path; may be empty.
+    std::string icon;
+    std::string startupWmClass;
+    /// The file name of the program that Exec starts, without folders, "env" and its variables; may be empty.
+    std::string executable;
+    /// The entry counts as deleted.
+    bool isHidden = false;
+    /// Not for menus, but still the description of its windows.
+    bool noDisplay = false;
+
+    friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
+};
+
+/// The keys suffixes of a locale ("de_AT.UTF-8@euro"), best first: "de_AT@euro", "de_AT", "de@euro", "de". Empty for
+/// the C locale.
+[[nodiscard]] std::vector<std::string> localeVariants(std::string_view locale);
+
+/// Reads the text of a desktop file; nothing when it does not describe an application with a name. `id` and `path` are
+/// left empty.
+[[nodiscard]] std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
+                                                            const std::vector<std::string>& locales);
+
+}  // namespace ferrowyn

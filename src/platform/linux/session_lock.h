@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/subject.h"
+#include "core/subscription.h"
+
+namespace ferrowyn {
+
+class MainLoop;
+
+/// Whether the session is locked, from the login manager and the screen saver over D-Bus. Main thread; the buses are
+/// spoken to on a thread of its own, because even connecting to one waits for it. Without a bus the session counts as
+/// never locked.
+class SessionLock {
+public:
+    /// D-Bus addresses; nothing where there is no such bus.
+    struct Buses {
+        std::optional<std::string> system;
+        std::optional<std::string> session;
+        /// Only addresses that exist: looking further would start a bus of our own.
+        [[nodiscard]] static Buses fromEnvironment();
+    };
+
+    /// Starts listening at once.
+    explicit SessionLock(MainLoop& mainLoop, const Buses& buses = Buses::fromEnvironment());
+    ~SessionLock();
+    SessionLock(const SessionLock&) = delete;
+    SessionLock& operator=(const SessionLock&) = delete;
+
+    [[nodiscard]] bool isLocked() const { return isLocked_; }
+    /// Told of each change, with the new state.
+    [[nodiscard]] Subscription observe(std::function<void(bool isLocked)> handler) const;
+
+private:
+    class Thread;
+
+    void setLocked(bool isLocked);
+
+    bool isLocked_ = false;
+    Subject<bool> changes_;
+    /// Dies with this object, for those that must notice on the main thread.
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    std::unique_ptr<Thread> thread_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,82 @@
+#include "platform/qt/qt_background_work.h"
+
+#include <QThread>
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace ferrowyn {
+
+namespace {
+
+/// Workers mostly wait for other programs, so there may be more of them than processors.
+constexpr int fewestThreads = 4;
+
+/// One call of `concurrentPerform`. Shared, because a helper may still be leaving when the caller has returned.
+class SharedIterations {
+public:
+    SharedIterations(std::size_t count, const std::function<void(std::size_t)>& iteration)
+        : count_(count), iteration_(iteration) {}
+
+    /// Takes iterations until none is left.
+    void work() {
+        for (auto index = next_++; index < count_; index = next_++) {
+            iteration_(index);
+            const std::scoped_lock lock(mutex_);
+            if (++endedCount_ == count_) {
+                allEnded_.notify_all();
+            }
+        }
+    }
+
+    void waitForAll() {
+        std::unique_lock lock(mutex_);
+        allEnded_.wait(lock, [this] { return endedCount_ == count_; });
+    }
+
+private:
+    const std::size_t count_;
+    /// The caller's; only used for iterations that the caller waits for.
+    const std::function<void(std::size_t)>& iteration_;
+    std::atomic<std::size_t> next_{0};
+    std::mutex mutex_;
+    std::condition_variable allEnded_;
+    std::size_t endedCount_ = 0;
+};
+
+}  // namespace
+
+QtBackgroundWork::QtBackgroundWork() {
+    pool_.setObjectName("ferrowyn-work");
+    pool_.setMaxThreadCount(std::max(fewestThreads, QThread::idealThreadCount()));
+}
+
+QtBackgroundWork::~QtBackgroundWork() {
+    pool_.clear();
+    pool_.waitForDone();
+}
+
+void QtBackgroundWork::run(std::function<void()> work) {
+    pool_.start(std::move(work));
+}
+
+void QtBackgroundWork::concurrentPerform(std::size_t count, const std::function<void(std::size_t)>& iteration) {
+    if (count == 0) {
+        return;
+    }
+    const auto shared = std::make_shared<SharedIterations>(count, iteration);
+    // Only threads that are free right now help: the caller takes part itself, so it ends even when there is none, and
+    // two callers at once cannot wait for each other.
+    for (std::size_t helper = 1; helper < count; ++helper) {
+        if (!pool_.tryStart([shared] { shared->work(); })) {
+            break;
+        }
+    }
+    shared->work();
+    shared->waitForAll();
+}
+
+}  // namespace ferrowyn

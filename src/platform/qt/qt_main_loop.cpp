@@ -1,0 +1,145 @@
+#include "platform/qt/qt_main_loop.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+#include <QTimerEvent>
+#include <algorithm>
+#include <cassert>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <unordered_map>
+#include <utility>
+
+namespace ferrowyn {
+
+namespace {
+
+QEvent::Type postedTaskType() {
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
+}
+
+class PostedTask final : public QEvent {
+public:
+    explicit PostedTask(MainLoop::Task task) : QEvent(postedTaskType()), task_(std::move(task)) {}
+    void run() const { task_(); }
+
+private:
+    MainLoop::Task task_;
+};
+
+/// Rounded up, so that a timer is never early, and kept in the range that a timer can take (24 days).
+std::chrono::milliseconds wholeMilliseconds(Seconds duration) {
+    constexpr double longest = std::numeric_limits<int>::max();
+    return std::chrono::milliseconds(static_cast<int>(std::clamp(std::ceil(duration.count() * 1000.0), 0.0, longest)));
+}
+
+}  // namespace
+
+/// Receives posted tasks. Qt keeps events of one priority and receiver in order and drops those of a receiver that is
+/// gone.
+class QtMainLoop::PostedTasks final : public QObject {
+public:
+    void add(Task task) {
+        // Ahead of whatever else waits: a key press must not queue behind repaints.
+        QCoreApplication::postEvent(this, new PostedTask(std::move(task)), Qt::HighEventPriority);
+    }
+
+    bool event(QEvent* event) override {
+        if (event->type() != postedTaskType()) {
+            return QObject::event(event);
+        }
+        static_cast<const PostedTask*>(event)->run();
+        return true;
+    }
+};
+
+/// All timers, on one receiver.
+class QtMainLoop::Timers final : public QObject {
+public:
+    enum class Repeats { no, yes };
+
+    int start(Seconds interval, Qt::TimerType type, Repeats repeats, Task task) {
+        const int id = startTimer(wholeMilliseconds(interval), type);
+        entries_.emplace(id, std::make_shared<const Entry>(Entry{std::move(task), repeats}));
+        return id;
+    }
+
+    void cancel(int id, const std::weak_ptr<const void>& entry) {
+        // A one-shot timer's id may have been handed out again since it fired.
+        const auto found = entries_.find(id);
+        if (found != entries_.end() && found->second == entry.lock()) {
+            killTimer(id);
+            entries_.erase(found);
+        }
+    }
+
+    [[nodiscard]] std::weak_ptr<const void> entry(int id) const { return entries_.at(id); }
+    [[nodiscard]] std::size_t count() const { return entries_.size(); }
+
+protected:
+    void timerEvent(QTimerEvent* event) override {
+        const auto found = entries_.find(event->timerId());
+        if (found == entries_.end()) {
+            return;
+        }
+        // Held here because the task may drop its own token.
+        const auto entry = found->second;
+        if (entry->repeats == Repeats::no) {
+            killTimer(event->timerId());
+            entries_.erase(found);
+        }
+        entry->task();
+    }
+
+private:
+    struct Entry {
+        Task task;
+        Repeats repeats;
+    };
+    std::unordered_map<int, std::shared_ptr<const Entry>> entries_;
+};
+
+QtMainLoop::QtMainLoop() : postedTasks_(std::make_unique<PostedTasks>()), timers_(std::make_shared<Timers>()) {}
+
+QtMainLoop::~QtMainLoop() = default;
+
+TimePoint QtMainLoop::now() const {
+    return std::chrono::steady_clock::now();
+}
+
+void QtMainLoop::post(Task task) {
+    postedTasks_->add(std::move(task));
+}
+
+Subscription QtMainLoop::after(Seconds delay, Task task) {
+    assert(isMainThread());
+    return token(timers_->start(delay, Qt::PreciseTimer, Timers::Repeats::no, std::move(task)));
+}
+
+Subscription QtMainLoop::every(Seconds interval, Task task) {
+    assert(isMainThread());
+    // Slow periodic work may be up to 5 % off, so that the timers of the whole program wake it up together.
+    const auto type = interval >= Seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer;
+    return token(timers_->start(interval, type, Timers::Repeats::yes, std::move(task)));
+}
+
+Subscription QtMainLoop::token(int timerId) {
+    return Subscription([timers = std::weak_ptr<Timers>(timers_), timerId, entry = timers_->entry(timerId)] {
+        if (const auto alive = timers.lock()) {
+            alive->cancel(timerId, entry);
+        }
+    });
+}
+
+bool QtMainLoop::isMainThread() const {
+    return std::this_thread::get_id() == mainThread_;
+}
+
+std::size_t QtMainLoop::pendingTimerCount() const {
+    return timers_->count();
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,79 @@
+#include "tests/x11/switching_fixture.h"
+
+namespace ferrowyn::x11test {
+
+SwitchingFixture::SwitchingFixture(const std::string& managerName, const Options& options)
+    : server(options.screens),
+      manager(std::make_unique<WindowManagerProcess>(server, managerName)),
+      desktop(server.display()),
+      input(server.display()),
+      programOptions_(options.program) {}
+
+TestWindow& SwitchingFixture::openWindow(const TestWindow::Options& options) {
+    windows.push_back(std::make_unique<TestWindow>(server.display(), options));
+    return *windows.back();
+}
+
+void SwitchingFixture::openWindows(int count) {
+    for (int ordinal = 1; ordinal <= count; ++ordinal) {
+        const auto& opened = openWindow({.title = "Window " + std::to_string(windows.size() + 1),
+                                         .x = 40 + 30 * (ordinal % 20),
+                                         .y = 60 + 20 * (ordinal % 20),
+                                         .colour = 0x335577U + static_cast<unsigned>(ordinal) * 0x10305U});
+        if (!desktop.waitForActiveWindow(opened.id(), milliseconds{1000})) {
+            // Not every manager focuses a window that opens behind the user's back.
+            desktop.activate(opened.id());
+            ASSERT_TRUE(desktop.waitForActiveWindow(opened.id())) << "waited for window " << ordinal << " to be active";
+        }
+    }
+}
+
+void SwitchingFixture::startProgram(std::optional<std::size_t> listed) {
+    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, programOptions_);
+    ASSERT_TRUE(program->waitUntilActive()) << "waited for the services; it said: " << program->process().output();
+    if (!windows.empty()) {
+        ASSERT_TRUE(program->waitForList(listed.value_or(windows.size()), desktop.activeWindow()))
+            << "waited for the window list; it said: " << program->process().output();
+    }
+}
+
+void SwitchingFixture::use(xcb_window_t window) {
+    desktop.activate(window);
+    ASSERT_TRUE(desktop.waitForActiveWindow(window)) << "waited for window " << window << " to be active";
+    ASSERT_TRUE(program->waitForFirst(window)) << "waited for window " << window << " to lead the list";
+}
+
+void SwitchingFixture::hold(int times) {
+    input.press(key::leftAlt);
+    for (int time = 0; time < times; ++time) {
+        input.tap(key::tab);
+    }
+    ASSERT_TRUE(desktop.waitForPanel(true)) << "waited for the panel; it said: " << program->process().output();
+}
+
+void SwitchingFixture::holdBackward() {
+    input.press(key::leftAlt);
+    input.press(key::leftShift);
+    input.tap(key::tab);
+    input.release(key::leftShift);
+    ASSERT_TRUE(desktop.waitForPanel(true)) << "waited for the panel";
+}
+
+void SwitchingFixture::letGo() {
+    input.release(key::leftAlt);
+}
+
+void SwitchingFixture::expectSwitchTo(xcb_window_t window) {
+    EXPECT_TRUE(desktop.waitForActiveWindow(window))
+        << "waited for window " << window << ", but " << desktop.activeWindow() << " is active";
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    EXPECT_TRUE(program->waitForFirst(window)) << "waited for window " << window << " to lead the list";
+}
+
+void SwitchingFixture::expectQuiet() {
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    EXPECT_TRUE(desktop.waitUntil([&] { return !desktop.anyKeyIsDown(); }, milliseconds{2000})) << "a key stayed down";
+    EXPECT_TRUE(desktop.keyboardIsFree()) << "a grab was left behind";
+}
+
+}  // namespace ferrowyn::x11test

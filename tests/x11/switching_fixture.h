@@ -1,0 +1,62 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/x11/harness/ferrowyn_program.h"
+#include "tests/x11/harness/private_x_server.h"
+#include "tests/x11/harness/test_desktop.h"
+#include "tests/x11/harness/test_input.h"
+#include "tests/x11/harness/test_window.h"
+#include "tests/x11/harness/window_manager_process.h"
+
+namespace ferrowyn::x11test {
+
+/// A private desktop with a real window manager, on which the real program switches between real windows.
+class SwitchingFixture {
+public:
+    struct Options {
+        std::vector<std::string> screens{"1280x800x24"};
+        FerrowynProgram::Options program;
+    };
+
+    explicit SwitchingFixture(const std::string& manager) : SwitchingFixture(manager, Options{}) {}
+    SwitchingFixture(const std::string& manager, const Options& options);
+
+    PrivateXServer server;
+    std::unique_ptr<WindowManagerProcess> manager;
+    TestDesktop desktop;
+    TestInput input;
+    std::vector<std::unique_ptr<TestWindow>> windows;
+    std::unique_ptr<FerrowynProgram> program;
+
+    /// Opens windows "Window 1" … one after the other, each active in its turn, so that the last one opened is the most
+    /// recently used one.
+    void openWindows(int count);
+    TestWindow& openWindow(const TestWindow::Options& options);
+    /// Starts the program and waits until it lists `listed` windows (all that were opened, when not given).
+    void startProgram(std::optional<std::size_t> listed = std::nullopt);
+    /// The `ordinal`-th window opened, counted from 1.
+    [[nodiscard]] xcb_window_t window(std::size_t ordinal) const { return windows.at(ordinal - 1)->id(); }
+
+    /// Makes the window the active one as a pager would, and waits until the program's list has it in front.
+    void use(xcb_window_t window);
+    /// Holds Alt, taps Tab `times`, and waits for the panel; Alt stays down.
+    void hold(int times = 1);
+    void holdBackward();
+    void letGo();
+    /// Waits until this window is active and the panel is gone, and the program's list has it in front.
+    void expectSwitchTo(xcb_window_t window);
+    /// Nothing is left over: no panel, no key down, no grab.
+    void expectQuiet();
+
+private:
+    FerrowynProgram::Options programOptions_;
+};
+
+}  // namespace ferrowyn::x11test
