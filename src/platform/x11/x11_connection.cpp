@@ -18,7 +18,9 @@ std::unique_ptr<X11Connection> X11Connection::open(const char* display) {
     return std::unique_ptr<X11Connection>(new X11Connection(connection, screens.data));
 }
 
-X11Connection::~X11Connection() { xcb_disconnect(connection_); }
+X11Connection::~X11Connection() {
+    xcb_disconnect(connection_);
+}
 
 std::vector<xcb_atom_t> X11Connection::internAtoms(const std::vector<std::string_view>& names) const {
     std::vector<xcb_intern_atom_cookie_t> cookies;

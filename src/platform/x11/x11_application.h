@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/application.h"
+#include "platform/x11/x11_desktop_model.h"
+
+namespace ferrowyn {
+
+class X11Application final : public Application {
+public:
+    /// The model outlives this.
+    explicit X11Application(const X11DesktopModel& model) : model_(model) {}
+
+    [[nodiscard]] Pid ownPid() const override;
+    [[nodiscard]] Subscription observeDidBecomeActive(std::function<void()> handler) override;
+
+private:
+    const X11DesktopModel& model_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,89 @@
+#include "platform/x11/x11_application_directory.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include "platform/x11/x11_owners.h"
+#include "platform/x11/x11_text.h"
+
+namespace ferrowyn {
+namespace {
+
+/// Identities are strings that other programs choose; more of them than this is not worth remembering.
+constexpr std::size_t maximumKnown = 1024;
+
+std::string processName(Pid pid) {
+    if (pid >= X11Owners::firstStandIn) {
+        return {};
+    }
+    std::ifstream file("/proc/" + std::to_string(pid) + "/comm");
+    std::string name;
+    std::getline(file, name);
+    return textFromProperty(name, X11TextEncoding::utf8, false);
+}
+
+/// The window that speaks for its application: of the ones a user switches to the one made first, so that an
+/// application whose windows name themselves differently does not change its name with the stacking order.
+const X11WindowFacts& spokesman(const std::vector<const X11WindowFacts*>& windows) {
+    const auto rank = [](const X11WindowFacts* window) {
+        return std::pair(window->kind != X11WindowKind::normal || window->skipsTaskbar, window->id);
+    };
+    return **std::ranges::min_element(windows, {}, rank);
+}
+
+}  // namespace
+
+void X11ApplicationDirectory::forgetAll() {
+    const std::scoped_lock lock(mutex_);
+    known_.clear();
+}
+
+RunningApplication X11ApplicationDirectory::describe(Pid pid, const std::vector<const X11WindowFacts*>& windows) const {
+    const auto& identity = spokesman(windows).identity;
+    RunningApplication application;
+    application.pid = pid;
+    // Programs that only put up panels, desktops and tray windows take part in the desktop without being switched to.
+    const bool hasOrdinaryWindow =
+        std::ranges::any_of(windows, [](const X11WindowFacts* window) { return !window->isDesktopElement(); });
+    application.activationPolicy = hasOrdinaryWindow ? ActivationPolicy::regular : ActivationPolicy::accessory;
+    if (auto entry = installed(identity)) {
+        application.bundleIdentifier = std::move(entry->identifier);
+        application.bundleURL = std::move(entry->desktopFilePath);
+        if (!entry->localizedName.empty()) {
+            application.localizedName = std::move(entry->localizedName);
+        }
+    }
+    if (!application.localizedName) {
+        std::string name = !identity.wmClassName.empty() ? identity.wmClassName : identity.wmClassInstance;
+        if (name.empty()) {
+            name = processName(pid);
+        }
+        if (!name.empty()) {
+            application.localizedName = std::move(name);
+        }
+    }
+    return application;
+}
+
+std::optional<X11InstalledApplication> X11ApplicationDirectory::installed(
+    const X11ApplicationIdentity& identity) const {
+    // NUL cannot occur in a property's text, so it separates the parts without a doubt.
+    const std::string separator(1, '\0');
+    const auto key = identity.gtkApplicationId + separator + identity.kdeDesktopFile + separator +
+                     identity.wmClassInstance + separator + identity.wmClassName;
+    {
+        const std::scoped_lock lock(mutex_);
+        if (const auto found = known_.find(key); found != known_.end()) {
+            return found->second;
+        }
+    }
+    auto entry = lookup_ ? lookup_(identity) : std::nullopt;
+    const std::scoped_lock lock(mutex_);
+    if (known_.size() >= maximumKnown) {
+        known_.clear();
+    }
+    known_.emplace(key, entry);
+    return entry;
+}
+
+}  // namespace ferrowyn

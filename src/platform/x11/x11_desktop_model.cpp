@@ -1,0 +1,207 @@
+#include "platform/x11/x11_desktop_model.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ferrowyn {
+
+void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunning,
+                            std::vector<X11WindowFacts> changedWindows) {
+    Announcements announcements;
+    std::unordered_set<Pid> knownProcesses;
+    for (const auto& [id, window] : windows_) {
+        knownProcesses.insert(window.pid);
+    }
+    const bool managerChanged =
+        std::exchange(isWindowManagerRunning_, isWindowManagerRunning) != isWindowManagerRunning;
+    supportsRestacking_ = root.supportsRestacking;
+
+    std::vector<xcb_window_t> created;
+    for (auto& window : changedWindows) {
+        if (!windows_.contains(window.id)) {
+            created.push_back(window.id);
+        }
+        update(std::move(window), announcements);
+    }
+    // A manager that is being replaced publishes no list for a moment; the windows are still there.
+    if (root.stacking) {
+        order_.assign(root.stacking->rbegin(), root.stacking->rend());
+        removeUnlisted(announcements);
+    }
+    announceLaunchesAndWindows(created, std::move(knownProcesses), announcements);
+    if (std::exchange(currentDesktop_, root.currentDesktop) != root.currentDesktop) {
+        announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::activeSpaceDidChange, std::nullopt});
+    }
+    activeWindow_ = root.activeWindow;
+    if (expectedActive_ == activeWindow_) {
+        expectedActive_.reset();
+    }
+    reportActive(announcements);
+
+    send(announcements);
+    if (managerChanged) {
+        windowManagerChanges_.send(isWindowManagerRunning);
+    }
+}
+
+void X11DesktopModel::update(X11WindowFacts window, Announcements& announcements) {
+    const auto known = windows_.find(window.id);
+    if (known == windows_.end()) {
+        windows_.emplace(window.id, std::move(window));
+        return;
+    }
+    const auto old = std::exchange(known->second, std::move(window));
+    const auto& now = known->second;
+    if (old.isHidden != now.isHidden) {
+        announcements.notifications.push_back(
+            {now.pid, now.id, now.isHidden ? "AXWindowMiniaturized" : "AXWindowDeminiaturized"});
+    }
+    // Moving to another desktop, and becoming something else, change which windows belong to the active Space.
+    if (old.desktop != now.desktop || old.isFullScreen != now.isFullScreen || old.kind != now.kind ||
+        old.skipsTaskbar != now.skipsTaskbar || old.opacity != now.opacity || old.identity != now.identity) {
+        announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::activeSpaceDidChange, std::nullopt});
+    }
+}
+
+void X11DesktopModel::removeUnlisted(Announcements& announcements) {
+    const std::unordered_set<xcb_window_t> listed(order_.begin(), order_.end());
+    std::unordered_map<Pid, std::vector<X11WindowFacts>> removed;
+    for (auto entry = windows_.begin(); entry != windows_.end();) {
+        if (listed.contains(entry->first)) {
+            ++entry;
+            continue;
+        }
+        announcements.notifications.push_back({entry->second.pid, entry->first, "AXUIElementDestroyed"});
+        history_.forget(entry->first);
+        removed[entry->second.pid].push_back(std::move(entry->second));
+        entry = windows_.erase(entry);
+    }
+    for (const auto& [pid, windows] : removed) {
+        if (!factsOf(pid).empty()) {
+            continue;
+        }
+        std::vector<const X11WindowFacts*> last;
+        std::ranges::transform(windows, std::back_inserter(last), [](const auto& window) { return &window; });
+        auto application = directory_.describe(pid, last);
+        application.isTerminated = true;
+        announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didTerminate, std::move(application)});
+    }
+}
+
+void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>& created,
+                                                 std::unordered_set<Pid> knownProcesses,
+                                                 Announcements& announcements) const {
+    for (const auto window : created) {
+        const auto* const facts = find(window);
+        if (facts == nullptr) {
+            continue;
+        }
+        if (knownProcesses.insert(facts->pid).second) {
+            announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didLaunch, runningApplication(facts->pid)});
+        } else if (!facts->isDesktopElement()) {
+            announcements.notifications.push_back({facts->pid, std::nullopt, "AXWindowCreated"});
+        }
+    }
+}
+
+void X11DesktopModel::reportActive(Announcements& announcements) {
+    const auto* const active = find(activeWindow_);
+    if (active == nullptr || expectedActive_ || activeWindow_ == reportedActive_) {
+        return;
+    }
+    reportedActive_ = activeWindow_;
+    history_.note(active->pid, active->id);
+    if (std::exchange(reportedPid_, active->pid) != active->pid) {
+        announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didActivate, runningApplication(active->pid)});
+        announcements.notifications.push_back({active->pid, std::nullopt, "AXApplicationActivated"});
+    }
+    announcements.notifications.push_back({active->pid, std::nullopt, "AXMainWindowChanged"});
+    announcements.notifications.push_back({active->pid, std::nullopt, "AXFocusedWindowChanged"});
+}
+
+void X11DesktopModel::stopExpectingActive() {
+    if (!expectedActive_) {
+        return;
+    }
+    expectedActive_.reset();
+    Announcements announcements;
+    reportActive(announcements);
+    send(announcements);
+}
+
+void X11DesktopModel::noteTitleChanged(xcb_window_t window) {
+    if (const auto* const facts = find(window)) {
+        notifications_.send({facts->pid, window, "AXTitleChanged"});
+    }
+}
+
+void X11DesktopModel::send(const Announcements& announcements) const {
+    for (const auto& event : announcements.workspaceEvents) {
+        workspaceEvents_.send(event);
+    }
+    for (const auto& notification : announcements.notifications) {
+        notifications_.send(notification);
+    }
+}
+
+std::vector<xcb_window_t> X11DesktopModel::order() const {
+    std::vector<xcb_window_t> order;
+    order.reserve(order_.size());
+    for (const auto window : order_) {
+        if (const auto* const facts = find(window); facts != nullptr && !facts->isDesktopElement()) {
+            order.push_back(window);
+        }
+    }
+    return order;
+}
+
+const X11WindowFacts* X11DesktopModel::find(xcb_window_t window) const {
+    const auto found = windows_.find(window);
+    return found == windows_.end() ? nullptr : &found->second;
+}
+
+std::vector<xcb_window_t> X11DesktopModel::windowsOf(Pid pid) const {
+    auto windows = order();
+    std::erase_if(windows, [&](xcb_window_t window) { return find(window)->pid != pid; });
+    return windows;
+}
+
+std::vector<const X11WindowFacts*> X11DesktopModel::factsOf(Pid pid) const {
+    std::vector<const X11WindowFacts*> facts;
+    for (const auto& [id, window] : windows_) {
+        if (window.pid == pid) {
+            facts.push_back(&window);
+        }
+    }
+    return facts;
+}
+
+std::vector<RunningApplication> X11DesktopModel::runningApplications() const {
+    std::unordered_map<Pid, std::vector<const X11WindowFacts*>> windowsByPid;
+    for (const auto& [id, window] : windows_) {
+        windowsByPid[window.pid].push_back(&window);
+    }
+    std::vector<RunningApplication> applications;
+    applications.reserve(windowsByPid.size());
+    for (const auto& [pid, windows] : windowsByPid) {
+        applications.push_back(directory_.describe(pid, windows));
+    }
+    std::ranges::sort(applications, {}, &RunningApplication::pid);
+    return applications;
+}
+
+std::optional<RunningApplication> X11DesktopModel::runningApplication(Pid pid) const {
+    const auto windows = factsOf(pid);
+    return windows.empty() ? std::nullopt : std::optional(directory_.describe(pid, windows));
+}
+
+std::optional<Pid> X11DesktopModel::frontmostPid() const {
+    if (const auto* const active = find(activeWindow_)) {
+        return active->pid;
+    }
+    const auto* const last = find(reportedActive_);
+    const bool isStillInUse = last != nullptr && !last->isHidden && last->isOnDesktop(currentDesktop_);
+    return isStillInUse ? std::optional(last->pid) : std::nullopt;
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "core/subject.h"
+#include "platform/workspace.h"
+#include "platform/x11/x11_accessibility_notification.h"
+#include "platform/x11/x11_application_directory.h"
+#include "platform/x11/x11_focus_history.h"
+#include "platform/x11/x11_root_facts.h"
+#include "platform/x11/x11_window_facts.h"
+
+namespace ferrowyn {
+
+/// The desktop as the main thread knows it: kept up to date by the monitor, asked without a round trip. Each update is
+/// compared with what was known, and the differences are announced in the terms of the logic. Main thread; knows
+/// nothing of connections.
+class X11DesktopModel {
+public:
+    /// Both outlive the model.
+    X11DesktopModel(const X11ApplicationDirectory& directory, X11FocusHistory& history)
+        : directory_(directory), history_(history) {}
+
+    /// A newer state: the root, and the facts of the windows that are new or have changed.
+    void apply(const X11RootFacts& root, bool isWindowManagerRunning, std::vector<X11WindowFacts> changedWindows);
+    void noteTitleChanged(xcb_window_t window);
+
+    /// An activation of this window is under way. What else becomes active on the way there (the window that a manager
+    /// focuses first when it switches desktops) is not the user's choice and is announced only if it stays.
+    void expectActive(xcb_window_t window) { expectedActive_ = window; }
+    void stopExpectingActive();
+
+    [[nodiscard]] bool isWindowManagerRunning() const { return isWindowManagerRunning_; }
+    [[nodiscard]] bool supportsRestacking() const { return supportsRestacking_; }
+    [[nodiscard]] std::optional<std::uint32_t> currentDesktop() const { return currentDesktop_; }
+    /// None while the manager says that no window is.
+    [[nodiscard]] xcb_window_t activeWindow() const { return activeWindow_; }
+    /// Front-most first, without desktop elements.
+    [[nodiscard]] std::vector<xcb_window_t> order() const;
+    [[nodiscard]] const X11WindowFacts* find(xcb_window_t window) const;
+    /// Front-most first, without desktop elements.
+    [[nodiscard]] std::vector<xcb_window_t> windowsOf(Pid pid) const;
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() const;
+    [[nodiscard]] std::optional<RunningApplication> runningApplication(Pid pid) const;
+    /// The application of the active window, or of the last one, as long as that is still there to be used: a passing
+    /// None does not take the front from it.
+    [[nodiscard]] std::optional<Pid> frontmostPid() const;
+    [[nodiscard]] std::optional<xcb_window_t> lastActiveOf(Pid pid) const { return history_.lastActiveOf(pid); }
+
+    [[nodiscard]] const Subject<WorkspaceEvent>& workspaceEvents() const { return workspaceEvents_; }
+    [[nodiscard]] const Subject<X11AccessibilityNotification>& notifications() const { return notifications_; }
+    /// The window manager came or went; the value is whether it runs.
+    [[nodiscard]] const Subject<bool>& windowManagerChanges() const { return windowManagerChanges_; }
+
+private:
+    /// What an update brought, collected first and announced when the model is whole again.
+    struct Announcements {
+        std::vector<WorkspaceEvent> workspaceEvents;
+        std::vector<X11AccessibilityNotification> notifications;
+    };
+
+    void removeUnlisted(Announcements& announcements);
+    void update(X11WindowFacts window, Announcements& announcements);
+    void announceLaunchesAndWindows(const std::vector<xcb_window_t>& created, std::unordered_set<Pid> knownProcesses,
+                                    Announcements& announcements) const;
+    void reportActive(Announcements& announcements);
+    void send(const Announcements& announcements) const;
+    [[nodiscard]] std::vector<const X11WindowFacts*> factsOf(Pid pid) const;
+
+    const X11ApplicationDirectory& directory_;
+    X11FocusHistory& history_;
+
+    bool isWindowManagerRunning_ = false;
+    bool supportsRestacking_ = false;
+    std::optional<std::uint32_t> currentDesktop_;
+    xcb_window_t activeWindow_ = XCB_WINDOW_NONE;
+    xcb_window_t reportedActive_ = XCB_WINDOW_NONE;
+    std::optional<Pid> reportedPid_;
+    std::optional<xcb_window_t> expectedActive_;
+    /// Front-most first, desktop elements included.
+    std::vector<xcb_window_t> order_;
+    std::unordered_map<xcb_window_t, X11WindowFacts> windows_;
+
+    Subject<WorkspaceEvent> workspaceEvents_;
+    Subject<X11AccessibilityNotification> notifications_;
+    Subject<bool> windowManagerChanges_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,186 @@
+#include "platform/x11/x11_desktop_monitor.h"
+
+#include <xcb/randr.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <utility>
+
+#include "platform/x11/x11_property.h"
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+namespace {
+
+/// Longer than any manager takes for an activation, shorter than a user takes for the next.
+constexpr Seconds activationGrace = std::chrono::milliseconds(300);
+
+constexpr std::uint8_t sentEventBit = 0x80;
+
+}  // namespace
+
+X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Connection> connection,
+                                     const X11Atoms& atoms, const X11ApplicationDirectory& directory,
+                                     X11FocusHistory& history, std::function<void()> onConnectionLost)
+    : mainLoop_(mainLoop),
+      atoms_(atoms),
+      model_(directory, history),
+      connection_(
+          std::move(connection), [this](const xcb_generic_event_t& event) { handleEvent(event); },
+          std::move(onConnectionLost)),
+      owners_(connection_.connection()) {
+    subscribeToRoot();
+    readFirstTime();
+}
+
+void X11DesktopMonitor::subscribeToRoot() {
+    auto* const xcb = connection_.get();
+    const std::uint32_t rootMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(xcb, connection_.root(), XCB_CW_EVENT_MASK, &rootMask);
+
+    clockWindow_ = xcb_generate_id(xcb);
+    const std::array<std::uint32_t, 2> values{1, XCB_EVENT_MASK_PROPERTY_CHANGE};
+    xcb_create_window(xcb, 0, clockWindow_, connection_.root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values.data());
+    xcb_change_property(xcb, XCB_PROP_MODE_APPEND, clockWindow_, atoms_.netWmName, atoms_.utf8String, 8, 0, nullptr);
+
+    const auto* const randr = xcb_get_extension_data(xcb, &xcb_randr_id);
+    hasRandr_ = randr != nullptr && randr->present != 0;
+    if (hasRandr_) {
+        randrFirstEvent_ = randr->first_event;
+        xcb_randr_select_input(xcb, connection_.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE);
+    }
+}
+
+void X11DesktopMonitor::readFirstTime() {
+    const auto root = X11RootRequests(connection_.get(), connection_.root(), atoms_).collect(connection_.get(), atoms_);
+    const auto check = requestManagerCheck(root);
+    const auto windows = windowsToRead(root);
+    subscribeToWindows(windows);
+    auto answer = X11WindowBatch(connection_.get(), root, atoms_, owners_, windows,
+                                 X11WindowBatch::Fallbacks::atOnceWithoutTitles)
+                      .collect();
+    model_.apply(root, collectManagerCheck(root, check), std::move(answer.windows));
+}
+
+void X11DesktopMonitor::handleEvent(const xcb_generic_event_t& event) {
+    const auto type = static_cast<std::uint8_t>(event.response_type & ~sentEventBit);
+    if (type == XCB_PROPERTY_NOTIFY) {
+        handleProperty(reinterpret_cast<const xcb_property_notify_event_t&>(event));
+    } else if (type == XCB_DESTROY_NOTIFY) {
+        // The manager's own window is the only one whose end is listened to: the manager has gone.
+        isRootChanged_ = true;
+        readAgain();
+    } else if (hasRandr_ && (type == randrFirstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                             type == randrFirstEvent_ + XCB_RANDR_NOTIFY)) {
+        screenChanges_.send(true);
+    }
+    // Errors are of windows that vanished before a request reached them: nothing to do.
+}
+
+void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event) {
+    latestServerTime_ = std::max(event.time, xcb_timestamp_t{1});
+    if (event.window == connection_.root()) {
+        const std::array relevant{atoms_.netClientListStacking, atoms_.netClientList,        atoms_.netActiveWindow,
+                                  atoms_.netCurrentDesktop,     atoms_.netSupportingWmCheck, atoms_.netSupported};
+        if (std::ranges::find(relevant, event.atom) != relevant.end()) {
+            isRootChanged_ = true;
+            readAgain();
+        }
+        return;
+    }
+    if (event.atom == atoms_.netWmName || event.atom == XCB_ATOM_WM_NAME) {
+        model_.noteTitleChanged(event.window);
+        return;
+    }
+    const std::array relevant{atoms_.netWmState,
+                              atoms_.wmState,
+                              atoms_.netWmDesktop,
+                              atoms_.netWmWindowType,
+                              atoms_.netWmPid,
+                              atoms_.netWmWindowOpacity,
+                              atoms_.gtkApplicationId,
+                              atoms_.kdeDesktopFile,
+                              xcb_atom_t{XCB_ATOM_WM_CLASS},
+                              xcb_atom_t{XCB_ATOM_WM_TRANSIENT_FOR}};
+    if (event.window != clockWindow_ && std::ranges::find(relevant, event.atom) != relevant.end()) {
+        changedWindows_.insert(event.window);
+        readAgain();
+    }
+}
+
+void X11DesktopMonitor::readAgain() {
+    if (isReading_ || !(isRootChanged_ || !changedWindows_.empty())) {
+        return;
+    }
+    isReading_ = true;
+    isRootChanged_ = false;
+    const X11RootRequests requests(connection_.get(), connection_.root(), atoms_);
+    connection_.whenAnswered([this, requests] { readWindows(requests.collect(connection_.get(), atoms_)); });
+}
+
+void X11DesktopMonitor::readWindows(const X11RootFacts& root) {
+    const auto check = requestManagerCheck(root);
+    const auto windows = windowsToRead(root);
+    subscribeToWindows(windows);
+    auto batch = std::make_shared<X11WindowBatch>(connection_.get(), root, atoms_, owners_, windows,
+                                                  X11WindowBatch::Fallbacks::atOnceWithoutTitles);
+    connection_.whenAnswered([this, root, check, batch] {
+        auto answer = batch->collect();
+        isReading_ = false;
+        model_.apply(root, collectManagerCheck(root, check), std::move(answer.windows));
+        readAgain();
+    });
+}
+
+std::vector<xcb_window_t> X11DesktopMonitor::windowsToRead(const X11RootFacts& root) {
+    const auto changed = std::exchange(changedWindows_, {});
+    std::vector<xcb_window_t> windows;
+    if (!root.stacking) {
+        std::ranges::copy_if(changed, std::back_inserter(windows),
+                             [&](xcb_window_t window) { return model_.find(window) != nullptr; });
+        return windows;
+    }
+    std::unordered_set<xcb_window_t> listed;
+    for (const auto window : *root.stacking) {
+        if (listed.insert(window).second && (changed.contains(window) || model_.find(window) == nullptr)) {
+            windows.push_back(window);
+        }
+    }
+    std::erase_if(subscribed_, [&](xcb_window_t window) { return !listed.contains(window); });
+    return windows;
+}
+
+void X11DesktopMonitor::subscribeToWindows(const std::vector<xcb_window_t>& windows) {
+    // Before they are read, so that no change falls between the two.
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    for (const auto window : windows) {
+        if (subscribed_.insert(window).second) {
+            xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &mask);
+        }
+    }
+}
+
+xcb_get_property_cookie_t X11DesktopMonitor::requestManagerCheck(const X11RootFacts& root) {
+    if (root.supportingWmCheck != XCB_WINDOW_NONE) {
+        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(connection_.get(), root.supportingWmCheck, XCB_CW_EVENT_MASK, &mask);
+    }
+    return xcb_get_property(connection_.get(), 0, root.supportingWmCheck, atoms_.netSupportingWmCheck, XCB_ATOM_WINDOW,
+                            0, 1);
+}
+
+bool X11DesktopMonitor::collectManagerCheck(const X11RootFacts& root, xcb_get_property_cookie_t cookie) {
+    // A manager that was killed leaves its property on the root; the window it names is gone, or another's.
+    const auto claimed = X11Property::collect(connection_.get(), cookie).item(XCB_ATOM_WINDOW);
+    return root.supportingWmCheck != XCB_WINDOW_NONE && claimed == root.supportingWmCheck;
+}
+
+void X11DesktopMonitor::expectActive(xcb_window_t window) {
+    model_.expectActive(window);
+    expectation_ = mainLoop_.after(activationGrace, [this] { model_.stopExpectingActive(); });
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+#include "core/subscription.h"
+#include "platform/main_loop.h"
+#include "platform/x11/x11_atoms.h"
+#include "platform/x11/x11_desktop_model.h"
+#include "platform/x11/x11_event_connection.h"
+#include "platform/x11/x11_owners.h"
+#include "platform/x11/x11_window_batch.h"
+
+namespace ferrowyn {
+
+/// Listens to the window manager and to the listed windows, and keeps the model up to date. Main thread. After the
+/// first reading, which waits, nothing here waits for the server: changes mark what is to be read again, one reading is
+/// under way at a time, and what changes meanwhile is read next. A manager that is replaced is simply read again.
+class X11DesktopMonitor {
+public:
+    /// The references outlive the monitor. The first reading is done when this returns.
+    X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Connection> connection, const X11Atoms& atoms,
+                      const X11ApplicationDirectory& directory, X11FocusHistory& history,
+                      std::function<void()> onConnectionLost);
+    X11DesktopMonitor(const X11DesktopMonitor&) = delete;
+    X11DesktopMonitor& operator=(const X11DesktopMonitor&) = delete;
+
+    [[nodiscard]] const X11DesktopModel& model() const { return model_; }
+    /// For requests that need no answer, and for readings that may wait.
+    [[nodiscard]] X11EventConnection& connection() { return connection_; }
+
+    /// See `X11DesktopModel::expectActive`; ends by itself after a moment.
+    void expectActive(xcb_window_t window);
+
+    /// The server's time at the latest event seen here; never 0.
+    [[nodiscard]] xcb_timestamp_t latestServerTime() const { return latestServerTime_; }
+
+    /// The arrangement of the screens changed.
+    [[nodiscard]] const Subject<bool>& screenChanges() const { return screenChanges_; }
+
+private:
+    void subscribeToRoot();
+    void readFirstTime();
+    void handleEvent(const xcb_generic_event_t& event);
+    void handleProperty(const xcb_property_notify_event_t& event);
+    void readAgain();
+    void readWindows(const X11RootFacts& root);
+    void subscribeToWindows(const std::vector<xcb_window_t>& windows);
+    [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
+    [[nodiscard]] xcb_get_property_cookie_t requestManagerCheck(const X11RootFacts& root);
+    [[nodiscard]] bool collectManagerCheck(const X11RootFacts& root, xcb_get_property_cookie_t cookie);
+
+    MainLoop& mainLoop_;
+    const X11Atoms& atoms_;
+    X11DesktopModel model_;
+    X11EventConnection connection_;
+    X11Owners owners_;
+    /// Never shown; a change to it makes the server tell its time.
+    xcb_window_t clockWindow_ = XCB_WINDOW_NONE;
+    xcb_timestamp_t latestServerTime_ = 1;
+    std::uint8_t randrFirstEvent_ = 0;
+    bool hasRandr_ = false;
+
+    std::unordered_set<xcb_window_t> subscribed_;
+    std::unordered_set<xcb_window_t> changedWindows_;
+    bool isRootChanged_ = false;
+    bool isReading_ = false;
+    Subscription expectation_;
+    Subject<bool> screenChanges_;
+};
+
+}  // namespace ferrowyn

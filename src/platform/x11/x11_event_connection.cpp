@@ -1,0 +1,90 @@
+#include "platform/x11/x11_event_connection.h"
+
+#include <xcb/xcbext.h>
+
+#include <QAbstractEventDispatcher>
+#include <utility>
+
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+
+X11EventConnection::X11EventConnection(std::unique_ptr<X11Connection> connection, EventHandler onEvent,
+                                       std::function<void()> onConnectionLost)
+    : connection_(std::move(connection)),
+      onEvent_(std::move(onEvent)),
+      onConnectionLost_(std::move(onConnectionLost)),
+      notifier_(connection_->fileDescriptor(), QSocketNotifier::Read) {
+    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { drain(); });
+    // xcb may read events off the socket while it writes. The socket is silent about those, so they are looked for
+    // before the loop goes to sleep.
+    beforeWaiting_ = QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                                      &notifier_, [this] { drain(); });
+}
+
+X11EventConnection::~X11EventConnection() {
+    QObject::disconnect(beforeWaiting_);
+}
+
+void X11EventConnection::whenAnswered(std::function<void()> callback) {
+    // Answers come in the order of the requests: when this one, the cheapest there is, is there, so are the others.
+    fences_.push_back({xcb_get_input_focus(get()).sequence, std::move(callback)});
+    flush();
+}
+
+void X11EventConnection::flush() {
+    xcb_flush(get());
+}
+
+void X11EventConnection::drain() {
+    if (isDraining_ || !notifier_.isEnabled()) {
+        return;
+    }
+    isDraining_ = true;
+    bool hasProgress = true;
+    while (hasProgress) {
+        hasProgress = false;
+        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(get())}) {
+            hasProgress = true;
+            onEvent_(*event);
+        }
+        hasProgress = deliverAnswered() || hasProgress;
+    }
+    isDraining_ = false;
+    if (!connection_->isAlive()) {
+        noticeLoss();
+    }
+}
+
+bool X11EventConnection::deliverAnswered() {
+    bool hasDelivered = false;
+    while (!fences_.empty()) {
+        void* reply = nullptr;
+        xcb_generic_error_t* error = nullptr;
+        if (xcb_poll_for_reply(get(), fences_.front().sequence, &reply, &error) == 0) {
+            break;
+        }
+        const XcbReply<void> ownedReply(reply);
+        const XcbReply<xcb_generic_error_t> ownedError(error);
+        if (!connection_->isAlive()) {
+            fences_.clear();
+            break;
+        }
+        const auto callback = std::move(fences_.front().callback);
+        fences_.pop_front();
+        hasDelivered = true;
+        callback();
+    }
+    return hasDelivered;
+}
+
+void X11EventConnection::noticeLoss() {
+    // A dead socket is readable for ever; listening on would spin.
+    notifier_.setEnabled(false);
+    fences_.clear();
+    if (const auto handler = std::exchange(onConnectionLost_, nullptr)) {
+        handler();
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <deque>
+#include <functional>
+#include <memory>
+
+#include "platform/x11/x11_connection.h"
+
+namespace ferrowyn {
+
+/// The connection whose events arrive on the main loop. Main thread; it never waits for the server: what needs an
+/// answer sends its requests and is called back when the answers have come.
+class X11EventConnection {
+public:
+    using EventHandler = std::function<void(const xcb_generic_event_t&)>;
+
+    X11EventConnection(std::unique_ptr<X11Connection> connection, EventHandler onEvent,
+                       std::function<void()> onConnectionLost);
+    ~X11EventConnection();
+    X11EventConnection(const X11EventConnection&) = delete;
+    X11EventConnection& operator=(const X11EventConnection&) = delete;
+
+    [[nodiscard]] X11Connection& connection() { return *connection_; }
+    [[nodiscard]] xcb_connection_t* get() const { return connection_->get(); }
+    [[nodiscard]] xcb_window_t root() const { return connection_->root(); }
+
+    /// Calls back once everything sent so far is answered, so that collecting those answers does not wait. Dropped
+    /// when the connection is lost.
+    void whenAnswered(std::function<void()> callback);
+
+    /// Puts what was sent on its way now.
+    void flush();
+
+private:
+    struct Fence {
+        unsigned int sequence = 0;
+        std::function<void()> callback;
+    };
+
+    void drain();
+    bool deliverAnswered();
+    void noticeLoss();
+
+    std::unique_ptr<X11Connection> connection_;
+    EventHandler onEvent_;
+    std::function<void()> onConnectionLost_;
+    std::deque<Fence> fences_;
+    bool isDraining_ = false;
+    /// What belongs to the toolkit's loop comes last, so that it goes first.
+    QSocketNotifier notifier_;
+    QMetaObject::Connection beforeWaiting_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,108 @@
+#include "platform/x11/x11_inventory_reading.h"
+
+#include <utility>
+
+#include "platform/x11/x11_element.h"
+
+namespace ferrowyn {
+
+X11InventoryReading::X11InventoryReading(X11DesktopSnapshot snapshot, double scale,
+                                         const X11ApplicationDirectory& directory, const X11FocusHistory& history)
+    : snapshot_(std::move(snapshot)), scale_(scale), history_(history) {
+    std::vector<Pid> order;
+    for (const auto& window : snapshot_.windows) {
+        auto& windows = windowsByPid_[window.pid];
+        if (windows.empty()) {
+            order.push_back(window.pid);
+        }
+        windows.push_back(&window);
+    }
+    applications_.reserve(order.size());
+    for (const auto pid : order) {
+        applications_.push_back(directory.describe(pid, windowsByPid_.at(pid)));
+    }
+}
+
+std::optional<Rect> X11InventoryReading::frameInPoints(const X11WindowFacts& window) const {
+    if (!window.frame) {
+        return std::nullopt;
+    }
+    const auto& frame = *window.frame;
+    return Rect{frame.x / scale_, frame.y / scale_, frame.width / scale_, frame.height / scale_};
+}
+
+std::optional<std::vector<WindowServerEntry>> X11InventoryReading::windowList() const {
+    if (!snapshot_.isValid) {
+        return std::nullopt;
+    }
+    std::unordered_map<Pid, const RunningApplication*> applications;
+    for (const auto& application : applications_) {
+        applications.emplace(application.pid, &application);
+    }
+    std::vector<WindowServerEntry> entries;
+    entries.reserve(snapshot_.windows.size());
+    for (const auto& window : snapshot_.windows) {
+        if (window.isDesktopElement()) {
+            continue;
+        }
+        entries.push_back({.id = window.id,
+                           .ownerName = applications.at(window.pid)->localizedName,
+                           .isOnScreen = isOnScreen(window, snapshot_.root.currentDesktop),
+                           .bounds = frameInPoints(window),
+                           .alpha = window.opacity,
+                           .layer = layerOf(window),
+                           .ownerPid = window.pid});
+    }
+    return entries;
+}
+
+std::unordered_set<WindowId> X11InventoryReading::onScreenWindowIds() const {
+    std::unordered_set<WindowId> ids;
+    if (!snapshot_.isValid) {
+        return ids;
+    }
+    for (const auto& window : snapshot_.windows) {
+        if (!window.isDesktopElement() && isOnScreen(window, snapshot_.root.currentDesktop)) {
+            ids.insert(window.id);
+        }
+    }
+    return ids;
+}
+
+std::vector<RunningApplication> X11InventoryReading::runningApplications() const {
+    return applications_;
+}
+
+std::optional<AccessibleApplication> X11InventoryReading::windowsOf(Pid pid, Seconds /*messagingTimeout*/) const {
+    const auto found = windowsByPid_.find(pid);
+    if (found == windowsByPid_.end()) {
+        return std::nullopt;
+    }
+    AccessibleApplication application;
+    // The reading is younger than the history where the two differ about the active application.
+    auto focused = history_.lastActiveOf(pid);
+    for (const auto* const window : found->second) {
+        if (window->isDesktopElement()) {
+            continue;
+        }
+        if (window->id == snapshot_.root.activeWindow) {
+            focused = window->id;
+        }
+        const auto frame = frameInPoints(*window);
+        application.windows.push_back(
+            {.element = X11Element::make(window->id),
+             .windowNumber = window->id,
+             .subrole = subroleOf(*window),
+             .title = window->title,
+             .isMinimized = window->isHidden,
+             .isFullScreen = window->isFullScreen,
+             .position = frame ? std::optional(Point{frame->x, frame->y}) : std::nullopt,
+             .size = frame ? std::optional(Size{frame->width, frame->height}) : std::nullopt});
+    }
+    if (focused) {
+        application.focusedWindow = X11Element::make(*focused);
+    }
+    return application;
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,78 @@
+#include "platform/x11/x11_trust.h"
+
+#include <fmt/format.h>
+#include <xcb/xinput.h>
+
+#include <utility>
+
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+
+X11Trust::X11Trust(const X11DesktopModel& model, const X11InputContext& context, SessionLockState sessionLock,
+                   std::string missingInput, Log& log)
+    : model_(model),
+      context_(context),
+      sessionLock_(std::move(sessionLock)),
+      missingInput_(std::move(missingInput)),
+      log_(log) {
+    if (!missingInput_.empty()) {
+        log_.write(LogLevel::error, "permissions", missingInput_);
+    }
+    managerSubscription_ = model_.windowManagerChanges().subscribe([this](bool isRunning) {
+        log_.write(LogLevel::standard, "permissions",
+                   isRunning ? "A window manager is running" : "The window manager has gone; waiting for one");
+        changes_.send(true);
+    });
+    lockSubscription_ = sessionLock_.observe([this] { changes_.send(true); });
+}
+
+bool X11Trust::isTrusted() const {
+    return missingInput_.empty() && model_.isWindowManagerRunning();
+}
+
+bool X11Trust::requestWithPrompt() {
+    if (!missingInput_.empty()) {
+        log_.write(LogLevel::error, "permissions", missingInput_);
+    }
+    if (!model_.isWindowManagerRunning()) {
+        log_.write(LogLevel::standard, "permissions",
+                   "No window manager with the extended window-manager hints is running; start one, and switching "
+                   "becomes available");
+    }
+    return isTrusted();
+}
+
+bool X11Trust::isSecureInputActive() const {
+    const bool isHeld = context_.isKeyboardHeldElsewhere.load();
+    if (isHeld && context_.requestKeyboardProbe) {
+        // The holder does not tell when it lets go. Asking again while it holds on has no side effect.
+        context_.requestKeyboardProbe();
+    }
+    return isHeld || sessionLock_.isLocked();
+}
+
+Subscription X11Trust::observeChanges(std::function<void()> handler) {
+    return changes_.subscribe([told = std::move(handler)](bool) { told(); });
+}
+
+std::string missingInputExtension(xcb_connection_t* connection) {
+    constexpr std::uint16_t neededMajor = 2;
+    constexpr std::uint16_t neededMinor = 2;
+    const auto* const extension = xcb_get_extension_data(connection, &xcb_input_id);
+    if (extension == nullptr || extension->present == 0) {
+        return "This X server has no XInput extension; Ferrowyn needs XInput 2.2 to see its shortcut";
+    }
+    const XcbReply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+        connection, xcb_input_xi_query_version(connection, neededMajor, neededMinor), nullptr));
+    if (version == nullptr) {
+        return "This X server has no XInput 2; Ferrowyn needs XInput 2.2 to see its shortcut";
+    }
+    if (std::pair(version->major_version, version->minor_version) < std::pair(neededMajor, neededMinor)) {
+        return fmt::format("This X server has XInput {}.{}; Ferrowyn needs XInput 2.2 to see its shortcut",
+                           version->major_version, version->minor_version);
+    }
+    return {};
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/subject.h"
+#include "platform/log.h"
+#include "platform/trust.h"
+#include "platform/x11/x11_desktop_model.h"
+#include "platform/x11/x11_input_context.h"
+
+namespace ferrowyn {
+
+/// On X11 nobody grants access; what the program needs is there or it is not: a window manager that follows the
+/// extended conventions, and an input extension that lets one client see the trigger before the manager. Main thread.
+class X11Trust final : public Trust {
+public:
+    /// Whether the session is locked, and word of every change of that.
+    struct SessionLockState {
+        std::function<bool()> isLocked = [] { return false; };
+        std::function<Subscription(std::function<void()>)> observe = [](const auto&) { return Subscription(); };
+    };
+
+    /// `missingInput` names what the server lacks of the input extension; empty when it lacks nothing. All references
+    /// outlive this.
+    X11Trust(const X11DesktopModel& model, const X11InputContext& context, SessionLockState sessionLock,
+             std::string missingInput, Log& log);
+
+    [[nodiscard]] bool isTrusted() const override;
+    /// There is no prompt: the log says what is missing.
+    bool requestWithPrompt() override;
+    [[nodiscard]] bool isSecureInputActive() const override;
+    [[nodiscard]] Subscription observeChanges(std::function<void()> handler) override;
+
+private:
+    const X11DesktopModel& model_;
+    const X11InputContext& context_;
+    SessionLockState sessionLock_;
+    std::string missingInput_;
+    Log& log_;
+    Subject<bool> changes_;
+    Subscription managerSubscription_;
+    Subscription lockSubscription_;
+};
+
+/// What this server's XInput lacks for the tap, in words for the log; empty when it lacks nothing. One round trip.
+[[nodiscard]] std::string missingInputExtension(xcb_connection_t* connection);
+
+}  // namespace ferrowyn

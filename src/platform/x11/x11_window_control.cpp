@@ -1,0 +1,132 @@
+#include "platform/x11/x11_window_control.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/x11/x11_element.h"
+
+namespace ferrowyn {
+namespace {
+
+/// Who asks, as the conventions number it: a pager acts for the user, so managers do not second-guess it.
+constexpr std::uint32_t sourcePager = 2;
+
+}  // namespace
+
+void X11WindowControl::raise(const AXElementRef& window) {
+    const auto id = X11Element::windowOf(window);
+    if (!id) {
+        return;
+    }
+    const auto* const facts = monitor_.model().find(*id);
+    if (requested_ == id && facts != nullptr && facts->isHidden) {
+        // The first request did not restore it: this manager goes by the older convention, by which a window is
+        // restored by mapping it.
+        xcb_map_window(monitor_.connection().get(), *id);
+    }
+    requestActivation(*id);
+}
+
+void X11WindowControl::activate(Pid pid) {
+    if (isOwnedBy(requested_, pid)) {
+        return;  // its window is on its way; the application's own idea of its front window must not overtake it
+    }
+    auto window = monitor_.model().lastActiveOf(pid);
+    if (!window) {
+        const auto windows = monitor_.model().windowsOf(pid);
+        if (windows.empty()) {
+            log_.write(LogLevel::debug, "activation", "The application has no window to activate");
+            return;
+        }
+        window = windows.front();
+    }
+    requestActivation(*window);
+}
+
+void X11WindowControl::requestActivation(xcb_window_t window) {
+    requested_ = window;
+    monitor_.expectActive(window);
+    const auto& model = monitor_.model();
+    const auto* const facts = model.find(window);
+    if (facts != nullptr && facts->desktop && !facts->isOnDesktop(model.currentDesktop())) {
+        // Left to themselves some managers bring the window here instead of taking the user there.
+        sendToManager(monitor_.connection().root(), atoms_.netCurrentDesktop, {*facts->desktop, userTime(), 0, 0, 0});
+    }
+    sendToManager(window, atoms_.netActiveWindow, {sourcePager, userTime(), model.activeWindow(), 0, 0});
+    monitor_.connection().flush();
+}
+
+void X11WindowControl::setFrontmost(Pid pid) {
+    if (isOwnedBy(requested_, pid)) {
+        stackAbove(*requested_);
+        monitor_.connection().flush();
+    }
+}
+
+void X11WindowControl::stackAbove(xcb_window_t window) {
+    if (monitor_.model().supportsRestacking()) {
+        sendToManager(window, atoms_.netRestackWindow, {sourcePager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE, 0, 0});
+        return;
+    }
+    const std::uint32_t mode = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(monitor_.connection().get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
+}
+
+void X11WindowControl::sendToManager(xcb_window_t window, xcb_atom_t message,
+                                     const std::array<std::uint32_t, 5>& data) {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = message;
+    std::ranges::copy(data, event.data.data32);
+    xcb_send_event(monitor_.connection().get(), 0, monitor_.connection().root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&event));
+}
+
+xcb_timestamp_t X11WindowControl::userTime() const {
+    // Before the user's first key there is none; managers distrust 0, so the latest time the server told stands in.
+    const auto time = context_.lastUserTime.load();
+    return time != 0 ? time : monitor_.latestServerTime();
+}
+
+bool X11WindowControl::isOwnedBy(std::optional<xcb_window_t> window, Pid pid) const {
+    const auto* const facts = window ? monitor_.model().find(*window) : nullptr;
+    return facts != nullptr && facts->pid == pid;
+}
+
+bool X11WindowControl::isActive(Pid pid) const {
+    return isOwnedBy(monitor_.model().activeWindow(), pid);
+}
+
+std::optional<bool> X11WindowControl::isMain(const AXElementRef& window) const {
+    const auto id = X11Element::windowOf(window);
+    const auto* const facts = id ? monitor_.model().find(*id) : nullptr;
+    if (facts == nullptr) {
+        return std::nullopt;
+    }
+    return monitor_.model().activeWindow() == *id || monitor_.model().lastActiveOf(facts->pid) == *id;
+}
+
+std::optional<bool> X11WindowControl::isFocused(const AXElementRef& window) const {
+    const auto id = X11Element::windowOf(window);
+    if (!id || monitor_.model().find(*id) == nullptr) {
+        return std::nullopt;
+    }
+    return monitor_.model().activeWindow() == *id;
+}
+
+std::vector<AXElementRef> X11WindowControl::windowElements(Pid pid) const {
+    std::vector<AXElementRef> elements;
+    for (const auto window : monitor_.model().windowsOf(pid)) {
+        elements.push_back(X11Element::make(window));
+    }
+    return elements;
+}
+
+std::optional<WindowId> X11WindowControl::windowNumber(const AXElementRef& window) const {
+    return X11Element::windowOf(window);
+}
+
+}  // namespace ferrowyn

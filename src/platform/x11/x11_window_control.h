@@ -1,0 +1,65 @@
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "platform/log.h"
+#include "platform/window_control.h"
+#include "platform/x11/x11_desktop_monitor.h"
+#include "platform/x11/x11_input_context.h"
+
+namespace ferrowyn {
+
+/// Asks the window manager to activate windows, as a pager does. One request does what takes other desktops eight: the
+/// manager restores, raises and focuses the window together. So `raise` sends it at once, `setFrontmost` adds the
+/// stacking for managers that focus without raising, and the steps between find their work done. Main thread; nothing
+/// here waits for an answer.
+class X11WindowControl final : public WindowControl {
+public:
+    /// All references outlive this.
+    X11WindowControl(X11DesktopMonitor& monitor, const X11Atoms& atoms, const X11InputContext& context, Log& log)
+        : monitor_(monitor), atoms_(atoms), context_(context), log_(log) {}
+
+    /// Applications as a whole cannot be hidden here. All of one's windows being minimised is not that: the user
+    /// minimised each, and restoring one must not bring back the others.
+    [[nodiscard]] bool isHidden(Pid /*pid*/) const override { return false; }
+    void unhide(Pid /*pid*/) override {}
+
+    /// Activates the application's last active window, or its front-most one, unless one of its windows is on its way.
+    void activate(Pid pid) override;
+    [[nodiscard]] bool isActive(Pid pid) const override;
+
+    /// Requests to the manager are never waited for.
+    void setMessagingTimeout(Pid /*pid*/, Seconds /*timeout*/) override {}
+    void setMessagingTimeout(const AXElementRef& /*window*/, Seconds /*timeout*/) override {}
+
+    /// Activation restores a minimised window; see `raise` for managers with which it does not.
+    void unminimize(const AXElementRef& /*window*/) override {}
+    void raise(const AXElementRef& window) override;
+    void setMain(const AXElementRef& /*window*/) override {}
+    void setFocused(const AXElementRef& /*window*/) override {}
+    void setFocusedWindow(Pid /*pid*/, const AXElementRef& /*window*/) override {}
+    void setFrontmost(Pid pid) override;
+
+    [[nodiscard]] std::optional<bool> isMain(const AXElementRef& window) const override;
+    [[nodiscard]] std::optional<bool> isFocused(const AXElementRef& window) const override;
+
+    [[nodiscard]] std::vector<AXElementRef> windowElements(Pid pid) const override;
+    [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
+
+private:
+    void requestActivation(xcb_window_t window);
+    void stackAbove(xcb_window_t window);
+    void sendToManager(xcb_window_t window, xcb_atom_t message, const std::array<std::uint32_t, 5>& data);
+    [[nodiscard]] xcb_timestamp_t userTime() const;
+    [[nodiscard]] bool isOwnedBy(std::optional<xcb_window_t> window, Pid pid) const;
+
+    X11DesktopMonitor& monitor_;
+    const X11Atoms& atoms_;
+    const X11InputContext& context_;
+    Log& log_;
+    /// The window that was last asked for.
+    std::optional<xcb_window_t> requested_;
+};
+
+}  // namespace ferrowyn
