@@ -18,7 +18,7 @@ constexpr std::uint64_t hidingFlags = event_flags::control | event_flags::option
 }  // namespace
 
 void TapRig::QuietLog::write(LogLevel level, std::string_view category, std::string_view message) {
-    if (level == LogLevel::error) {
+    if (level >= LogLevel::standard) {
         std::cerr << category << ": " << message << '\n';
     }
 }
