@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QColor>
+
+/// How readable one colour is on another. Pure functions; any thread.
+namespace ferrowyn::contrast {
+
+/// What is seen where `top`, which may be translucent, lies on the opaque `ground`.
+[[nodiscard]] QColor blended(const QColor& top, const QColor& ground);
+/// 1 (the same) to 21 (black on white), as the accessibility guidelines for web content define it. Opaque colours.
+[[nodiscard]] double ratio(const QColor& a, const QColor& b);
+/// The colour made darker, no more than needed, until `text` reaches the ratio on it.
+[[nodiscard]] QColor darkenedFor(const QColor& ground, const QColor& text, double minimumRatio);
+
+}  // namespace ferrowyn::contrast

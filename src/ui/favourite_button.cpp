@@ -1,0 +1,20 @@
+#include "ui/favourite_button.h"
+
+#include "core/window_presentation.h"
+
+namespace ferrowyn {
+
+Rect FavouriteButton::hitArea(const Rect& rect) {
+    constexpr double reach = 5;
+    return {rect.x - reach, rect.y - reach, rect.width + 2 * reach, rect.height + 2 * reach};
+}
+
+void FavouriteButton::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    const QColor outline = isSelected ? context.theme.selectionText : context.theme.textSecondary;
+    // Yellow alone is lost on some accents; on the selection it is the bright one of the dark theme.
+    const QColor star = isSelected ? QColor(0xFF, 0xD6, 0x0A) : context.theme.favourite;
+    context.symbols.paint(painter, WindowPresentation::favouriteSymbol(isFavourite), rect.midX(), rect.midY(), size,
+                          isFavourite ? star : outline);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <vector>
+
+#include "core/window_presentation.h"
+#include "ui/paint_context.h"
+
+class QPainter;
+
+namespace ferrowyn {
+
+/// The strip of key hints below the rows. A plain value.
+struct FooterView {
+    std::vector<WindowPresentation::ShortcutHint> hints;
+
+    void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
+};
+
+}  // namespace ferrowyn

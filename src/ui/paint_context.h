@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QRectF>
+
+#include "core/geometry.h"
+#include "core/text_table.h"
+#include "ui/icon_images.h"
+#include "ui/symbol_images.h"
+#include "ui/text_lines.h"
+#include "ui/theme.h"
+
+namespace ferrowyn {
+
+/// What the parts of the panel paint with. The caches belong to the view and live as long as it does. Main thread.
+struct PaintContext {
+    const Theme& theme;
+    const TextTable& texts;
+    TextLines& lines;
+    SymbolImages& symbols;
+    IconImages& icons;
+    double devicePixelRatio = 1;
+};
+
+[[nodiscard]] inline QRectF toQt(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
+[[nodiscard]] inline Rect fromQt(const QRectF& rect) { return {rect.x(), rect.y(), rect.width(), rect.height()}; }
+
+}  // namespace ferrowyn
