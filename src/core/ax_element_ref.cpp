@@ -2,6 +2,8 @@
 
 namespace ferrowyn {
 
-std::string AXElementRef::description() const { return "AXElementRef(" + std::to_string(hash()) + ")"; }
+std::string AXElementRef::description() const {
+    return "AXElementRef(" + std::to_string(hash()) + ")";
+}
 
 }  // namespace ferrowyn

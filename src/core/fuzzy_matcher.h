@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/app_window.h"
+#include "core/character_codes.h"
 
 /// Scores how well a typed query matches a text. Pure functions on UTF-8; positions count user-perceived characters.
 /// Any thread.
@@ -20,11 +22,33 @@ struct Match {
     friend bool operator==(const Match&, const Match&) = default;
 };
 
+/// A query prepared for matching it with many texts.
+class Query {
+public:
+    explicit Query(std::string_view query);
+
+    [[nodiscard]] bool isEmpty() const { return characters_.size() == 0; }
+    /// The characters of the lowercased query.
+    [[nodiscard]] const CharacterCodes& characters() const { return characters_; }
+    /// The same when all of them are ASCII characters: no other query can match an ASCII text.
+    [[nodiscard]] const std::optional<std::string>& asciiCharacters() const { return asciiCharacters_; }
+
+private:
+    CharacterCodes characters_;
+    std::optional<std::string> asciiCharacters_;
+};
+
 /// Nothing when the query's characters do not occur in the text in their order.
 [[nodiscard]] std::optional<Match> match(std::string_view query, std::string_view text);
 
-/// The score of a window by its title, its application's name, or both together.
+/// The score of a window by its title, its application's name, or both together. The indices are those in whichever
+/// of the three scored best.
 [[nodiscard]] std::optional<Match> match(std::string_view query, const AppWindow& window);
+
+/// The same score, for many windows in a row. Replaces `titleIndices` by the positions in the window's display title
+/// that match the query by itself; empty when it does not.
+[[nodiscard]] std::optional<std::int64_t> score(const Query& query, const AppWindow& window,
+                                                std::vector<std::int32_t>& titleIndices);
 
 /// Position 0 and every position after a word separator.
 [[nodiscard]] std::vector<std::int32_t> wordStartIndices(std::string_view text);

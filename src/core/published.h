@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <utility>
 
 #include "core/subject.h"
@@ -15,32 +16,42 @@ class Published {
 public:
     using Handler = std::function<void(const Value&)>;
 
-    Published() = default;
-    explicit Published(Value initial) : value_(std::move(initial)) {}
+    Published() : Published(Value{}) {}
+    explicit Published(Value initial) : value_(std::make_shared<Value>(std::move(initial))) {}
     Published(const Published&) = delete;
     Published& operator=(const Published&) = delete;
 
-    [[nodiscard]] const Value& get() const { return value_; }
+    [[nodiscard]] const Value& get() const { return *value_; }
 
     /// Stores the value and tells the subscribers, also when it equals the old one: whether an equal value is worth
     /// publishing is for the owner to say.
-    void set(Value value) {
-        value_ = std::move(value);
-        // Subscribers get a copy: one of them may assign again while the others are still being told.
-        const Value delivered = value_;
-        subject_.send(delivered);
+    void set(Value value) { exchange(value); }
+
+    /// The same, and hands back the value that was there, whose memory may serve for the next one. A value that is
+    /// still being delivered is not handed back; the argument is unspecified then.
+    void exchange(Value& value) {
+        // A subscriber may assign again, or destroy this object, while it and others are still being told: each
+        // delivery keeps its own value alive and unchanged. Only a delivery shares the value.
+        if (value_.use_count() > 1) {
+            value_ = std::make_shared<Value>(std::move(value));
+        } else {
+            std::swap(*value_, value);
+        }
+        const std::shared_ptr<const Value> delivered = value_;
+        subject_.send(*delivered);
     }
 
     /// Publishes only a value that differs from the current one.
     void setIfChanged(Value value) {
-        if (!(value == value_)) {
+        if (!(value == *value_)) {
             set(std::move(value));
         }
     }
 
     /// Delivers the current value at once and every later one.
     [[nodiscard]] Subscription subscribe(Handler handler) const {
-        handler(value_);
+        const std::shared_ptr<const Value> delivered = value_;
+        handler(*delivered);
         return subject_.subscribe(std::move(handler));
     }
 
@@ -50,7 +61,7 @@ public:
     }
 
 private:
-    Value value_{};
+    std::shared_ptr<Value> value_;
     Subject<Value> subject_;
 };
 

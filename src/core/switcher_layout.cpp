@@ -49,7 +49,9 @@ std::string_view title(SwitcherLayout layout) {
     return "List";
 }
 
-int columns(SwitcherLayout layout) { return layout == SwitcherLayout::grid ? gridColumns : 1; }
+int columns(SwitcherLayout layout) {
+    return layout == SwitcherLayout::grid ? gridColumns : 1;
+}
 
 int lineCount(SwitcherLayout layout, int items) {
     return items < 1 ? 0 : dividedRoundingUp(items, columns(layout));

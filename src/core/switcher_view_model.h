@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,7 @@
 namespace ferrowyn {
 
 class IconProvider;
+class SwitcherRowBuilder;
 
 /// Everything the panel shows during one switching session: rows, selection, query, and whether it is pinned open.
 /// One instance for the program's life, owned by the switcher controller. Main thread.
@@ -42,6 +44,9 @@ public:
     /// The icon provider is only handed on to the views. All references outlive the view model.
     SwitcherViewModel(SessionSettings settings, IconProvider& iconProvider, const FavouriteApplications& favourites,
                       FrontmostPid frontmostPID, Post post);
+    SwitcherViewModel(const SwitcherViewModel&) = delete;
+    SwitcherViewModel& operator=(const SwitcherViewModel&) = delete;
+    ~SwitcherViewModel();
 
     /// Follows the window list, the trust status and the settings. Called once. The sources may outlive this object
     /// or not: subscriptions end with either.
@@ -89,16 +94,27 @@ public:
     [[nodiscard]] const SessionSettings& settings() const { return settings_; }
 
 private:
+    /// Asks for a rebuild in a later turn of the loop: the setting's other subscribers are told first.
+    void rebuildRowsLater();
+    void moveBy(std::int64_t step);
+    [[nodiscard]] int rowCount() const { return static_cast<int>(rows.get().size()); }
+    [[nodiscard]] std::optional<WindowId> selectedWindowId() const;
+
     SessionSettings settings_;
     IconProvider& iconProvider_;
     const FavouriteApplications& favourites_;
     FrontmostPid frontmostPID_;
     Post post_;
+    std::unique_ptr<SwitcherRowBuilder> rowBuilder_;
+    /// The rows published before the present ones, for their memory.
+    std::vector<Row> retiredRows_;
 
     std::vector<AppWindow> allWindows_;
     std::optional<Pid> sessionFrontmostPID_;
     std::optional<std::vector<AppWindow>> sessionWindows_;
     std::vector<Subscription> cancellables_;
+    /// Posted tasks hold it weakly: one that the loop runs after this object is gone must find that out.
+    std::shared_ptr<SwitcherViewModel*> self_ = std::make_shared<SwitcherViewModel*>(this);
 };
 
 }  // namespace ferrowyn

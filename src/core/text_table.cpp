@@ -45,7 +45,11 @@ const TextTable& linuxTexts() {
         .keySeparator = "+",
         .tabKey = "Tab",
         .permissionTitle = "A window manager is required",
-        .permissionExplanation = "Ferrowyn cannot list or focus other apps' windows without one.",
+        // The user meets this text in two states, so it names the way out of both.
+        .permissionExplanation =
+            "Ferrowyn cannot list or focus other apps' windows without an EWMH window manager and "
+            "XInput 2.2. Start a window manager or update the X server; Ferrowyn then goes on by "
+            "itself.",
         .permissionButton = "Open Setup",
         .otherSpaceBadge = "Other Space",
     };

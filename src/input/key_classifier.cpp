@@ -34,7 +34,9 @@ constexpr std::uint16_t upArrow = 126;
 /// How many lines Page Up and Page Down move.
 constexpr int linesPerPage = 4;
 
-KeyDecision passed() { return {}; }
+KeyDecision passed() {
+    return {};
+}
 
 KeyDecision swallowed(std::optional<SwitcherCommand> command = std::nullopt) {
     return {KeyDecision::Kind::swallow, std::move(command)};
@@ -45,7 +47,8 @@ bool isHeld(std::uint64_t flags, const TapState::Snapshot& state) {
 }
 
 bool isTrigger(std::uint16_t keyCode, std::uint64_t flags, const TapState::Snapshot& state) {
-    // Beside Tab the system's own switcher listens to Command and the key above Tab; taking its place means taking both.
+    // Beside Tab the system's own switcher listens to Command and the key above Tab; taking its place means taking
+    // both.
     const bool isTriggerKey =
         keyCode == key::tab || (keyCode == key::grave && state.modifierFlag == event_flags::command);
     return isTriggerKey && isHeld(flags, state);
@@ -142,8 +145,8 @@ KeyDecision classify(const TapEvent& event, const TapState::Snapshot& state) {
 std::optional<std::string> typedText(const TapEvent& event) {
     constexpr std::uint64_t textChangingFlags = event_flags::control | event_flags::option | event_flags::command;
     const std::uint64_t flags = event.flags();
-    const std::u16string units = (flags & textChangingFlags) != 0 ? event.text(flags & event_flags::shift)
-                                                                  : event.text(std::nullopt);
+    const std::u16string units =
+        (flags & textChangingFlags) != 0 ? event.text(flags & event_flags::shift) : event.text(std::nullopt);
     if (units.empty()) {
         return std::nullopt;
     }

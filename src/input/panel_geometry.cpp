@@ -23,7 +23,9 @@ constexpr double screenMargin = 12;
 /// The eye rests above the middle of a screen.
 constexpr double raisedShare = 0.08;
 
-double hintsPart(const Style& style) { return style.showsHints ? hintsHeight : 0; }
+double hintsPart(const Style& style) {
+    return style.showsHints ? hintsHeight : 0;
+}
 
 double heightOfLines(const Style& style, int lines, int headers) {
     const bool isGrid = style.layout == SwitcherLayout::grid;
@@ -33,7 +35,9 @@ double heightOfLines(const Style& style, int lines, int headers) {
     return lineHeight * lines + spacing * std::max(lines - 1, 0) + headersPart + chromeHeight + hintsPart(style);
 }
 
-double heightBetweenMargins(const Rect& visibleFrame) { return visibleFrame.height - 2 * screenMargin; }
+double heightBetweenMargins(const Rect& visibleFrame) {
+    return visibleFrame.height - 2 * screenMargin;
+}
 
 Rect hangingFrame(const Rect& visibleFrame, const Size& content, double topY) {
     // Without any screen there is nothing to fit into.
@@ -45,7 +49,9 @@ Rect hangingFrame(const Rect& visibleFrame, const Size& content, double topY) {
 
 }  // namespace
 
-double contentWidth(SwitcherLayout layout) { return layout == SwitcherLayout::grid ? gridWidth : listWidth; }
+double contentWidth(SwitcherLayout layout) {
+    return layout == SwitcherLayout::grid ? gridWidth : listWidth;
+}
 
 double contentHeight(const Style& style, int rowCount, int groupCount) {
     if (rowCount < 1) {

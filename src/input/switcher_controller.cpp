@@ -61,8 +61,7 @@ void SwitcherController::show(bool reverse) {
     }
     viewModel_->beginSession(reverse);
     armPointerGate();
-    panel_->show(
-        panel_geometry::placement(visibleFrame(), currentContentSize(), panel_geometry::fullHeight(style())));
+    panel_->show(panel_geometry::placement(visibleFrame(), currentContentSize(), panel_geometry::fullHeight(style())));
     isVisible_ = true;
     auto& state = hotKeyMonitor_.state();
     state.setSwitcherVisible(true);
@@ -105,9 +104,13 @@ void SwitcherController::confirm() {
     }
 }
 
-void SwitcherController::noteActivated(const AppWindow& window) { windowIndex_.noteActivated(window.id); }
+void SwitcherController::noteActivated(const AppWindow& window) {
+    windowIndex_.noteActivated(window.id);
+}
 
-void SwitcherController::cycleLayout() { preferences_.layout.set(nextLayout(preferences_.layout.get())); }
+void SwitcherController::cycleLayout() {
+    preferences_.layout.set(nextLayout(preferences_.layout.get()));
+}
 
 void SwitcherController::toggleFavouriteOfSelection() {
     if (const auto window = viewModel_->selectedWindow()) {
@@ -116,7 +119,9 @@ void SwitcherController::toggleFavouriteOfSelection() {
     }
 }
 
-void SwitcherController::armPointerGate() { pointer_.arm(pointerDevice_.location()); }
+void SwitcherController::armPointerGate() {
+    pointer_.arm(pointerDevice_.location());
+}
 
 void SwitcherController::rearmWatchdog() {
     watchdogTimer_.reset();

@@ -21,7 +21,9 @@ void SwitcherPanel::install(std::unique_ptr<PanelContent> content) {
     panel_.orderOut();
 }
 
-void SwitcherPanel::prepare(const Rect& frame) { panel_.prepare(frame); }
+void SwitcherPanel::prepare(const Rect& frame) {
+    panel_.prepare(frame);
+}
 
 void SwitcherPanel::show(const panel_geometry::Placement& placement) {
     sessionTopY_ = placement.topY;

@@ -17,7 +17,9 @@ constexpr Seconds runSlice{1.0};
 TapThreadContext::TapThreadContext(std::shared_ptr<EventTap> tap, std::shared_ptr<TapRunLoopSource> source)
     : tap_(std::move(tap)), source_(std::move(source)) {}
 
-void TapThreadContext::announce(std::shared_ptr<TapRunLoop> runLoop) { promise_.set_value(std::move(runLoop)); }
+void TapThreadContext::announce(std::shared_ptr<TapRunLoop> runLoop) {
+    promise_.set_value(std::move(runLoop));
+}
 
 std::shared_ptr<TapRunLoop> TapThreadContext::waitForRunLoop(Seconds timeout) const {
     if (runLoop_.wait_for(timeout) != std::future_status::ready) {

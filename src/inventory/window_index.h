@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -7,16 +8,24 @@
 #include "core/app_window.h"
 #include "core/published.h"
 #include "core/subscription.h"
+#include "inventory/window_enumerator.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
 
 struct Platform;
+struct WindowChange;
+class RecencyTracker;
+class WindowObservationCenter;
 
-/// The single source of the window list that the rest of the program shows, in switcher order. Main thread.
+/// The single source of the window list that the rest of the program shows, in switcher order. Main thread; only the
+/// snapshots are taken on workers, one at a time, and none of them outlasts `stop` with any effect.
 class WindowIndex {
 public:
     explicit WindowIndex(const Platform& platform);
+    /// For tests, which want to see, or to be, the parts.
+    WindowIndex(const Platform& platform, std::unique_ptr<RecencyTracker> recency,
+                std::unique_ptr<WindowObservationCenter> observation);
     ~WindowIndex();
     WindowIndex(const WindowIndex&) = delete;
     WindowIndex& operator=(const WindowIndex&) = delete;
@@ -25,7 +34,9 @@ public:
     /// When the last refresh pass completed; nothing before the first.
     [[nodiscard]] const Published<std::optional<TimePoint>>& lastRefresh() const { return lastRefresh_; }
 
+    /// Begins the observation, and the first refresh without delay.
     void start();
+    /// Ends the observation and empties the list. What is known of recency stays.
     void stop();
     /// Refresh passes until no further one is asked for; returns at once.
     void refresh();
@@ -35,10 +46,34 @@ public:
     void noteActivated(WindowId id);
 
     static constexpr Seconds coalescingInterval{0.12};
+    /// How long the application of a focus change may take to say which window that is. The main thread waits for it.
+    static constexpr Seconds focusedWindowTimeout{0.1};
 
 private:
+    void handle(const WindowChange& change);
+    void beginPass();
+    void finishPass(std::uint64_t generation, WindowEnumerator::Snapshot snapshot);
+    void apply(WindowEnumerator::Snapshot snapshot);
+    [[nodiscard]] std::vector<AppWindow> carryingOver(WindowEnumerator::Snapshot snapshot) const;
+
+    MainLoop& mainLoop_;
+    BackgroundWork& backgroundWork_;
+    Log& log_;
+    const WindowInventory& windowInventory_;
     Published<std::vector<AppWindow>> windows_;
     Published<std::optional<TimePoint>> lastRefresh_;
+    WindowEnumerator enumerator_;
+    std::unique_ptr<RecencyTracker> recency_;
+    std::unique_ptr<WindowObservationCenter> observation_;
+    bool isEnumerating_ = false;
+    bool needsAnotherPass_ = false;
+    bool isStarted_ = false;
+    /// Counts the stops: work that was begun before the last one has no effect any more.
+    std::uint64_t generation_ = 0;
+    Subscription coalescedRefresh_;
+    Subscription changes_;
+    /// Held weakly by what waits on the loop or on a worker, and looked at on the main thread only.
+    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
 };
 
 }  // namespace ferrowyn

@@ -53,7 +53,7 @@ std::vector<icu::UnicodeString> charactersOf(const std::string& text) {
     std::vector<icu::UnicodeString> result;
     for (auto start = breaks->first(), end = breaks->next(); end != icu::BreakIterator::DONE;
          start = end, end = breaks->next()) {
-        result.push_back(units.tempSubStringBetween(start, end));
+        result.emplace_back(units, start, end - start);
     }
     return result;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -49,10 +50,10 @@ private:
     void foldersChanged();
 
     MainLoop& mainLoop_;
-    XdgFolders folders_;
+    std::vector<std::filesystem::path> folders_;
     std::vector<std::string> locales_;
     mutable std::mutex mutex_;
-    /// Null until asked for; guarded by `mutex_`, as is `generation_`.
+    /// Null until asked for; guarded by `mutex_`.
     mutable std::shared_ptr<const DesktopEntryIndex> index_;
     Subject<bool> changes_;
     Subscription pendingChange_;

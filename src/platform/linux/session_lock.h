@@ -11,7 +11,6 @@
 namespace ferrowyn {
 
 class MainLoop;
-class SessionLockListener;
 
 /// Whether the session is locked, from the login manager and the screen saver over D-Bus. Main thread; the buses are
 /// spoken to on a thread of its own, because even connecting to one waits for it. Without a bus the session counts as
@@ -37,11 +36,15 @@ public:
     [[nodiscard]] Subscription observe(std::function<void(bool isLocked)> handler) const;
 
 private:
+    class Thread;
+
     void setLocked(bool isLocked);
 
     bool isLocked_ = false;
     Subject<bool> changes_;
-    std::unique_ptr<SessionLockListener> listener_;
+    /// Dies with this object, for those that must notice on the main thread.
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    std::unique_ptr<Thread> thread_;
 };
 
 }  // namespace ferrowyn

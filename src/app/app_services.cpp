@@ -1,0 +1,151 @@
+#include "app/app_services.h"
+
+#include <cassert>
+#include <functional>
+#include <string_view>
+#include <utility>
+
+#include "core/switcher_view_model.h"
+#include "input/switcher_controller.h"
+#include "input/switcher_panel.h"
+#include "input/window_activator.h"
+#include "platform/log.h"
+#include "platform/main_loop.h"
+#include "platform/platform.h"
+#include "platform/workspace.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view inputCategory = "input";
+constexpr std::string_view permissionsCategory = "permissions";
+constexpr Seconds tapRetryDelay{1.0};
+
+}  // namespace
+
+AppServices::AppServices(const Platform& platform, const SwitcherContentFactory& makeContent,
+                         std::unique_ptr<Preferences> preferences)
+    : platform_(platform),
+      preferences_(preferences ? std::move(preferences) : std::make_unique<Preferences>(platform.userDefaults)),
+      authorizer_(platform),
+      iconProvider_(platform.icons, platform.workspace),
+      windowIndex_(platform),
+      hotKeyMonitor_(platform, preferences_->modifier.get()),
+      favourites_(platform.userDefaults, platform.workspace),
+      switcher_(makeSwitcher(makeContent)) {
+    wireHotKeyMonitor();
+    followTrust();
+}
+
+AppServices::~AppServices() = default;
+
+std::unique_ptr<SwitcherController> AppServices::makeSwitcher(const SwitcherContentFactory& makeContent) {
+    auto viewModel = std::make_unique<SwitcherViewModel>(
+        preferences_->sessionSettings(), iconProvider_, favourites_,
+        [&workspace = platform_.workspace] { return workspace.frontmostPid(); },
+        [&mainLoop = platform_.mainLoop](std::function<void()> task) { mainLoop.post(std::move(task)); });
+    viewModel->bind(windowIndex_.windows(), authorizer_.status());
+    auto switcher = std::make_unique<SwitcherController>(
+        platform_,
+        SwitcherController::Parts{.panel = std::make_unique<SwitcherPanel>(platform_.panel),
+                                  .viewModel = std::move(viewModel),
+                                  .activator = std::make_unique<WindowActivator>(platform_),
+                                  .preferences = *preferences_,
+                                  .favourites = favourites_,
+                                  .windowIndex = windowIndex_,
+                                  .authorizer = authorizer_,
+                                  .hotKeyMonitor = hotKeyMonitor_},
+        makeContent);
+    // The activator is the controller's own, so that it never reports to one that is gone.
+    switcher->activator().onActivated = [controller = switcher.get()](const AppWindow& window) {
+        controller->noteActivated(window);
+    };
+    return switcher;
+}
+
+/// The monitor is a member and calls nobody while it is destroyed: its hooks never outlive this object.
+void AppServices::wireHotKeyMonitor() {
+    hotKeyMonitor_.onCommand = [this](const SwitcherCommand& command) { switcher_->handle(command); };
+    hotKeyMonitor_.onTapDisabled = [this] { switcher_->dismiss(); };
+    hotKeyMonitor_.onTapFailed = [this](HotKeyMonitor::Failure failure) { handleTapFailure(failure); };
+}
+
+void AppServices::handleTapFailure(HotKeyMonitor::Failure failure) {
+    switcher_->dismiss();
+    inputFailure_.set(failure);
+    switch (failure) {
+        case HotKeyMonitor::Failure::repeatedTimeouts:
+            platform_.log.write(LogLevel::error, inputCategory, "Global shortcut disabled after repeated tap timeouts");
+            break;
+        case HotKeyMonitor::Failure::trustRevoked:
+            // The changed status suspends everything else that needs trust.
+            authorizer_.refresh();
+            break;
+    }
+}
+
+void AppServices::followTrust() {
+    trustSubscription_ = authorizer_.status().subscribe(
+        [this, last = std::optional<AccessibilityStatus>()](AccessibilityStatus status) mutable {
+            if (std::exchange(last, status) == status) {
+                return;
+            }
+            if (status == AccessibilityStatus::trusted) {
+                activate();
+            } else {
+                suspend();
+            }
+        });
+}
+
+void AppServices::activate() {
+    assert(platform_.mainLoop.isMainThread());
+    if (isActive_) {
+        return;
+    }
+    isActive_ = true;
+    inputFailure_.set(std::nullopt);
+    windowIndex_.start();
+    if (!hotKeyMonitor_.start()) {
+        platform_.log.write(LogLevel::error, inputCategory, "Event tap refused despite trust; retrying");
+        tapRetry_ = platform_.mainLoop.after(tapRetryDelay, [this] {
+            if (isActive_) {
+                hotKeyMonitor_.start();
+            }
+        });
+    }
+    platform_.log.write(LogLevel::standard, permissionsCategory, "Services active");
+}
+
+void AppServices::suspend() {
+    assert(platform_.mainLoop.isMainThread());
+    if (!isActive_) {
+        return;
+    }
+    isActive_ = false;
+    switcher_->dismiss();
+    hotKeyMonitor_.stop();
+    windowIndex_.stop();
+    iconProvider_.removeAll();
+    platform_.log.write(LogLevel::standard, permissionsCategory, "Services suspended — Accessibility trust missing");
+}
+
+void AppServices::retryInput() {
+    inputFailure_.set(std::nullopt);
+    if (authorizer_.status().get() != AccessibilityStatus::trusted) {
+        authorizer_.openAccessibilitySettings();
+        return;
+    }
+    hotKeyMonitor_.stop();
+    if (!hotKeyMonitor_.start()) {
+        inputFailure_.set(HotKeyMonitor::Failure::trustRevoked);
+    }
+}
+
+void AppServices::terminate() {
+    hotKeyMonitor_.stop();
+    windowIndex_.stop();
+}
+
+}  // namespace ferrowyn

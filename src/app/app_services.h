@@ -1,0 +1,76 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "core/published.h"
+#include "core/subscription.h"
+#include "input/hot_key_monitor.h"
+#include "input/switcher_content.h"
+#include "inventory/window_index.h"
+#include "services/accessibility_authorizer.h"
+#include "services/favourites_store.h"
+#include "services/icon_provider.h"
+#include "services/preferences.h"
+
+namespace ferrowyn {
+
+struct Platform;
+class SwitcherController;
+
+/// Owns every long-lived service, wires them to each other, and starts or suspends those that need Accessibility trust.
+/// Main thread. The platform outlives it.
+class AppServices {
+public:
+    /// New preferences are made over the platform's store when none are given. With trust given already, the services
+    /// are active when this returns.
+    AppServices(const Platform& platform, const SwitcherContentFactory& makeContent,
+                std::unique_ptr<Preferences> preferences = nullptr);
+    ~AppServices();
+    AppServices(const AppServices&) = delete;
+    AppServices& operator=(const AppServices&) = delete;
+
+    /// Starts the services that need trust.
+    void activate();
+    void suspend();
+    /// Brings the keyboard shortcut back after a failure, or shows the user where trust is given.
+    void retryInput();
+    /// The program quits: gives the keyboard back, then ends the observation of windows.
+    void terminate();
+
+    [[nodiscard]] bool isActive() const { return isActive_; }
+    /// Why the global shortcut is off; nothing while it works or has not failed.
+    [[nodiscard]] const Published<std::optional<HotKeyMonitor::Failure>>& inputFailure() const { return inputFailure_; }
+
+    [[nodiscard]] Preferences& preferences() { return *preferences_; }
+    [[nodiscard]] AccessibilityAuthorizer& authorizer() { return authorizer_; }
+    [[nodiscard]] IconProvider& iconProvider() { return iconProvider_; }
+    [[nodiscard]] WindowIndex& windowIndex() { return windowIndex_; }
+    [[nodiscard]] HotKeyMonitor& hotKeyMonitor() { return hotKeyMonitor_; }
+    [[nodiscard]] FavouritesStore& favourites() { return favourites_; }
+    [[nodiscard]] SwitcherController& switcher() { return *switcher_; }
+
+private:
+    [[nodiscard]] std::unique_ptr<SwitcherController> makeSwitcher(const SwitcherContentFactory& makeContent);
+    void wireHotKeyMonitor();
+    void handleTapFailure(HotKeyMonitor::Failure failure);
+    void followTrust();
+
+    const Platform& platform_;
+    Published<std::optional<HotKeyMonitor::Failure>> inputFailure_;
+    bool isActive_ = false;
+
+    // In the order in which they are built: each may use those above it.
+    std::unique_ptr<Preferences> preferences_;
+    AccessibilityAuthorizer authorizer_;
+    IconProvider iconProvider_;
+    WindowIndex windowIndex_;
+    HotKeyMonitor hotKeyMonitor_;
+    FavouritesStore favourites_;
+    std::unique_ptr<SwitcherController> switcher_;
+
+    Subscription tapRetry_;
+    Subscription trustSubscription_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,311 @@
+#include "core/fuzzy_matcher.h"
+
+#include <algorithm>
+#include <array>
+
+#include "core/plain_ascii.h"
+#include "core/prepared_text.h"
+#include "core/prepared_text_cache.h"
+#include "core/text.h"
+#include "core/word_separators.h"
+
+namespace ferrowyn::FuzzyMatcher {
+
+namespace {
+
+// What a match is worth. Sums stay far inside 64 bits: texts are shorter than 4 GiB.
+constexpr std::int64_t lateStartCost = 2;
+constexpr std::int64_t greatestLateStartCost = 30;
+constexpr std::int64_t consecutiveBonus = 30;
+constexpr std::int64_t skippedCharacterCost = 3;
+constexpr std::int64_t wordStartBonus = 25;
+constexpr std::int64_t humpBonus = 20;
+constexpr std::int64_t exactCharacterBonus = 1;
+constexpr std::int64_t wholeTextBonus = 1000;
+constexpr std::int64_t prefixBonus = 400;
+constexpr std::int64_t wholeWordsBonus = 200;
+constexpr std::int64_t charactersPerLengthPenalty = 8;
+/// Prefers the window whose title matches over one whose application's name matches as well.
+constexpr std::int64_t titleBonus = 10;
+
+using Positions = std::vector<std::int32_t>;
+
+constexpr auto asciiSeparators = [] {
+    std::array<bool, 0x80> table{};
+    for (const char32_t separator : wordSeparators) {
+        if (separator < table.size()) {
+            table[separator] = true;
+        }
+    }
+    return table;
+}();
+
+/// A text in which every byte is a character, with a query that can match it. Answers straight from the bytes.
+class AsciiTexts {
+public:
+    static constexpr std::size_t notFound = std::string_view::npos;
+
+    AsciiTexts(std::string_view query, std::string_view text) : query_(query), text_(text) {}
+
+    [[nodiscard]] std::size_t queryLength() const { return query_.size(); }
+    [[nodiscard]] std::size_t characterCount() const { return text_.size(); }
+    [[nodiscard]] std::size_t lowercasedCount() const { return text_.size(); }
+    [[nodiscard]] std::size_t find(std::size_t queryPosition, std::size_t from) const {
+        return plain_ascii::findIgnoringCase(text_, from, query_[queryPosition]);
+    }
+    [[nodiscard]] bool areEqual(std::size_t position, std::size_t queryPosition) const {
+        return plain_ascii::lower(text_[position]) == query_[queryPosition];
+    }
+    [[nodiscard]] bool startsWord(std::size_t position) const {
+        return position == 0 || asciiSeparators[static_cast<unsigned char>(text_[position - 1])];
+    }
+    [[nodiscard]] bool isHump(std::size_t position) const {
+        return position > 0 && plain_ascii::isUpper(text_[position]) && plain_ascii::isLower(text_[position - 1]);
+    }
+    [[nodiscard]] bool isLowercaseForm(std::size_t position) const { return !plain_ascii::isUpper(text_[position]); }
+
+private:
+    std::string_view query_;
+    std::string_view text_;
+};
+
+/// The same for any text.
+class PreparedTexts {
+public:
+    static constexpr std::size_t notFound = CharacterCodes::notFound;
+
+    PreparedTexts(const CharacterCodes& query, const PreparedText& text) : query_(query), text_(text) {}
+
+    [[nodiscard]] std::size_t queryLength() const { return query_.size(); }
+    [[nodiscard]] std::size_t characterCount() const { return text_.characterCount(); }
+    [[nodiscard]] std::size_t lowercasedCount() const { return text_.lowercased().size(); }
+    [[nodiscard]] std::size_t find(std::size_t queryPosition, std::size_t from) const {
+        return text_.lowercased().find(query_, queryPosition, from);
+    }
+    [[nodiscard]] bool areEqual(std::size_t position, std::size_t queryPosition) const {
+        return text_.lowercased().areEqual(position, query_, queryPosition);
+    }
+    [[nodiscard]] bool startsWord(std::size_t position) const { return text_.startsWord(position); }
+    [[nodiscard]] bool isHump(std::size_t position) const { return text_.isHump(position); }
+    [[nodiscard]] bool isLowercaseForm(std::size_t position) const { return text_.isLowercaseForm(position); }
+
+private:
+    const CharacterCodes& query_;
+    const PreparedText& text_;
+};
+
+/// Takes the first place of each character of the query after the one before, and never goes back: false as soon as one
+/// has no place.
+template <typename Texts>
+bool findPositions(const Texts& texts, Positions& positions) {
+    positions.clear();
+    if (texts.characterCount() < texts.queryLength()) {
+        return false;
+    }
+    std::size_t from = 0;
+    for (std::size_t i = 0; i < texts.queryLength(); ++i) {
+        const std::size_t position = texts.find(i, from);
+        if (position == Texts::notFound) {
+            positions.clear();
+            return false;
+        }
+        positions.push_back(static_cast<std::int32_t>(position));
+        from = position + 1;
+    }
+    return true;
+}
+
+template <typename Texts>
+bool standsAt(const Texts& texts, std::size_t start) {
+    for (std::size_t i = 0; i < texts.queryLength(); ++i) {
+        if (!texts.areEqual(start + i, i)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Whether the whole query stands together from the start of a word on.
+template <typename Texts>
+bool standsAtAWordStart(const Texts& texts, std::size_t firstPosition) {
+    // Only places of the query's first character can be the start; the scan has found the first of them already.
+    for (std::size_t start = firstPosition; start != Texts::notFound; start = texts.find(0, start + 1)) {
+        if (start + texts.queryLength() > texts.lowercasedCount()) {
+            return false;
+        }
+        if (start < texts.characterCount() && texts.startsWord(start) && standsAt(texts, start)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+template <typename Texts>
+std::int64_t bonusForTheWhole(const Texts& texts, const Positions& positions) {
+    // The scan takes first places, so a query with which the text begins is found at the beginning, and a query as long
+    // as the text is the text.
+    if (static_cast<std::size_t>(positions.back()) + 1 == texts.queryLength()) {
+        return texts.lowercasedCount() == texts.queryLength() ? wholeTextBonus : prefixBonus;
+    }
+    return standsAtAWordStart(texts, static_cast<std::size_t>(positions.front())) ? wholeWordsBonus : 0;
+}
+
+template <typename Texts>
+std::int64_t scoreOf(const Texts& texts, const Positions& positions) {
+    std::int64_t score = -std::min(lateStartCost * positions.front(), greatestLateStartCost);
+    std::int64_t previous = positions.front() - 1;
+    for (const std::int64_t position : positions) {
+        if (position != positions.front()) {
+            const std::int64_t skipped = position - previous - 1;
+            score += skipped == 0 ? consecutiveBonus : -skippedCharacterCost * skipped;
+        }
+        const auto place = static_cast<std::size_t>(position);
+        score += texts.startsWord(place) ? wordStartBonus : 0;
+        score += texts.isHump(place) ? humpBonus : 0;
+        score += texts.isLowercaseForm(place) ? exactCharacterBonus : 0;
+        previous = position;
+    }
+    score += bonusForTheWhole(texts, positions);
+    return score - static_cast<std::int64_t>(texts.characterCount()) / charactersPerLengthPenalty;
+}
+
+template <typename Texts>
+std::optional<std::int64_t> scoreTexts(const Texts& texts, Positions& positions) {
+    if (!findPositions(texts, positions)) {
+        return std::nullopt;
+    }
+    return scoreOf(texts, positions);
+}
+
+/// The query is not empty. Replaces the positions, by none when there is no match.
+std::optional<std::int64_t> scoreAscii(const Query& query, std::string_view text, Positions& positions) {
+    if (!query.asciiCharacters()) {
+        positions.clear();
+        return std::nullopt;
+    }
+    return scoreTexts(AsciiTexts(*query.asciiCharacters(), text), positions);
+}
+
+std::optional<std::int64_t> scoreAny(const Query& query, std::string_view text, Positions& positions) {
+    if (plain_ascii::isPlain(text)) {
+        return scoreAscii(query, text, positions);
+    }
+    const PreparedText& prepared = PreparedTextCache::ofThisThread().prepared(text);
+    return scoreTexts(PreparedTexts(query.characters(), prepared), positions);
+}
+
+/// Memory that is used again from window to window.
+struct Scratch {
+    std::string combined;
+    Positions name;
+    Positions both;
+};
+
+struct Best {
+    std::int64_t score;
+    const Positions* positions;
+};
+
+/// The best of title, name and both; the first of equals. The title's positions are complete in any case.
+std::optional<Best> bestOf(const Query& query, const AppWindow& window, Scratch& scratch, Positions& titlePositions) {
+    const std::string_view title = window.displayTitleView();
+    scratch.combined.assign(window.appName).append(1, ' ').append(title);
+    std::optional<std::int64_t> titleScore;
+    std::optional<std::int64_t> nameScore;
+    std::optional<std::int64_t> bothScore;
+    if (plain_ascii::isPlain(scratch.combined)) {
+        // What neither part nor both together contain is the usual case, and the last tells it for all three.
+        bothScore = scoreAscii(query, scratch.combined, scratch.both);
+        if (!bothScore) {
+            titlePositions.clear();
+            return std::nullopt;
+        }
+        titleScore = scoreAscii(query, title, titlePositions);
+        nameScore = scoreAscii(query, window.appName, scratch.name);
+    } else {
+        titleScore = scoreAny(query, title, titlePositions);
+        nameScore = scoreAny(query, window.appName, scratch.name);
+        bothScore = scoreAny(query, scratch.combined, scratch.both);
+    }
+    std::optional<Best> best;
+    const auto consider = [&best](const std::optional<std::int64_t>& score, const Positions& positions) {
+        if (score && (!best || *score > best->score)) {
+            best = Best{*score, &positions};
+        }
+    };
+    consider(titleScore, titlePositions);
+    consider(nameScore, scratch.name);
+    consider(bothScore, scratch.both);
+    if (best && best->positions == &titlePositions) {
+        best->score += titleBonus;
+    }
+    return best;
+}
+
+Scratch& scratchOfThisThread() {
+    thread_local Scratch scratch;
+    return scratch;
+}
+
+}  // namespace
+
+Query::Query(std::string_view query) : characters_(text::lowercased(query)) {
+    if (!characters_.isAscii()) {
+        return;
+    }
+    std::string ascii(characters_.size(), '\0');
+    for (std::size_t i = 0; i < ascii.size(); ++i) {
+        ascii[i] = static_cast<char>(characters_.scalar(i));
+    }
+    asciiCharacters_ = std::move(ascii);
+}
+
+std::optional<Match> match(std::string_view query, std::string_view text) {
+    Match result;
+    const Query prepared(query);
+    if (prepared.isEmpty()) {
+        return result;
+    }
+    const auto score = scoreAny(prepared, text, result.matchedIndices);
+    if (!score) {
+        return std::nullopt;
+    }
+    result.score = *score;
+    return result;
+}
+
+std::optional<Match> match(std::string_view query, const AppWindow& window) {
+    const Query prepared(query);
+    if (prepared.isEmpty()) {
+        return Match{};
+    }
+    Positions titlePositions;
+    const auto best = bestOf(prepared, window, scratchOfThisThread(), titlePositions);
+    if (!best) {
+        return std::nullopt;
+    }
+    return Match{best->score, *best->positions};
+}
+
+std::optional<std::int64_t> score(const Query& query, const AppWindow& window,
+                                  std::vector<std::int32_t>& titleIndices) {
+    if (query.isEmpty()) {
+        titleIndices.clear();
+        return 0;
+    }
+    const auto best = bestOf(query, window, scratchOfThisThread(), titleIndices);
+    return best ? std::optional(best->score) : std::nullopt;
+}
+
+std::vector<std::int32_t> wordStartIndices(std::string_view text) {
+    const CharacterCodes characters(text);
+    std::vector<std::int32_t> starts;
+    for (std::size_t position = 0; position < characters.size(); ++position) {
+        if (position == 0 || isWordSeparator(characters.scalar(position - 1))) {
+            starts.push_back(static_cast<std::int32_t>(position));
+        }
+    }
+    return starts;
+}
+
+}  // namespace ferrowyn::FuzzyMatcher

@@ -1,0 +1,133 @@
+#include "core/switcher_row_builder.h"
+
+#include <algorithm>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "core/fuzzy_matcher.h"
+#include "core/text.h"
+
+namespace ferrowyn {
+
+void SwitcherRowBuilder::build(const Input& input, std::vector<Row>& rows) {
+    entries_.clear();
+    highlights_.clear();
+    reordered_.clear();
+    const std::string_view query = text::trimmingWhitespace(input.query);
+    if (!query.empty()) {
+        enterMatches(input, query);
+    } else if (input.sessionWindows != nullptr) {
+        enterSessionWindows(input);
+    } else {
+        enterLiveWindows(input);
+    }
+    if (settings_.layout.get() == SwitcherLayout::grouped) {
+        groupByProcess();
+    }
+    writeRows(rows);
+}
+
+bool SwitcherRowBuilder::isIncluded(const AppWindow& window) const {
+    // A minimised window is on no Space in particular: only its own setting hides it.
+    return window.isMinimized ? settings_.includeMinimized.get()
+                              : window.isOnActiveSpace || settings_.includeOtherSpaces.get();
+}
+
+void SwitcherRowBuilder::enterLiveWindows(const Input& input) {
+    for (const AppWindow& window : input.windows) {
+        if (isIncluded(window)) {
+            entries_.push_back({.window = &window});
+        }
+    }
+    if (settings_.showActiveAppWindowsFirst.get() && input.frontmostPID) {
+        std::stable_partition(entries_.begin(), entries_.end(),
+                              [&](const Entry& entry) { return entry.window->pid == *input.frontmostPID; });
+    }
+    // Last, so that favourites come before the active application's other windows.
+    if (settings_.favouritesFirst.get()) {
+        reordered_.reserve(entries_.size());
+        for (const Entry& entry : entries_) {
+            reordered_.push_back(*entry.window);
+        }
+        reordered_ = favourites_.ordered(std::move(reordered_));
+        entries_.clear();
+        for (const AppWindow& window : reordered_) {
+            entries_.push_back({.window = &window});
+        }
+    }
+}
+
+void SwitcherRowBuilder::enterSessionWindows(const Input& input) {
+    std::unordered_map<WindowId, const AppWindow*> currentById;
+    currentById.reserve(input.windows.size());
+    for (const AppWindow& window : input.windows) {
+        currentById.try_emplace(window.id, &window);
+    }
+    for (const AppWindow& captured : *input.sessionWindows) {
+        const auto current = currentById.find(captured.id);
+        entries_.push_back({.window = current == currentById.end() ? &captured : current->second});
+    }
+}
+
+void SwitcherRowBuilder::enterMatches(const Input& input, std::string_view query) {
+    const FuzzyMatcher::Query prepared(query);
+    for (const AppWindow& window : input.windows) {
+        if (!isIncluded(window)) {
+            continue;
+        }
+        if (const auto score = FuzzyMatcher::score(prepared, window, titleIndices_)) {
+            entries_.push_back({&window, *score, highlights_.size(), titleIndices_.size()});
+            highlights_.insert(highlights_.end(), titleIndices_.begin(), titleIndices_.end());
+        }
+    }
+    // All windows come from one list, so their addresses tell their order there.
+    std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {
+        return a.score != b.score ? a.score > b.score : a.window < b.window;
+    });
+}
+
+void SwitcherRowBuilder::groupByProcess() {
+    std::unordered_map<Pid, std::vector<Entry>> groups;
+    std::vector<Pid> order;
+    for (const Entry& entry : entries_) {
+        std::vector<Entry>& group = groups[entry.window->pid];
+        if (group.empty()) {
+            order.push_back(entry.window->pid);
+        }
+        group.push_back(entry);
+    }
+    entries_.clear();
+    for (const Pid pid : order) {
+        const std::vector<Entry>& group = groups[pid];
+        entries_.insert(entries_.end(), group.begin(), group.end());
+    }
+}
+
+void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) const {
+    std::unordered_map<Pid, int> groupSizes;
+    for (const Entry& entry : entries_) {
+        ++groupSizes[entry.window->pid];
+    }
+    const std::vector<std::string>& identifiers = favourites_.bundleIdentifiers().get();
+    const std::unordered_set<std::string_view> favourites(identifiers.begin(), identifiers.end());
+
+    rows.resize(entries_.size());
+    const AppWindow* previous = nullptr;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        const Entry& entry = entries_[i];
+        const AppWindow& window = *entry.window;
+        Row& row = rows[i];
+        row.window = window;
+        const auto firstHighlight = highlights_.begin() + static_cast<std::ptrdiff_t>(entry.firstHighlight);
+        row.highlightedTitleIndices.assign(firstHighlight,
+                                           firstHighlight + static_cast<std::ptrdiff_t>(entry.highlightCount));
+        row.startsGroup = previous == nullptr || window.pid != previous->pid;
+        row.groupSize = groupSizes.at(window.pid);
+        row.isFavourite = window.bundleIdentifier && favourites.contains(*window.bundleIdentifier);
+        previous = &window;
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "core/app_window.h"
+#include "core/favourite_applications.h"
+#include "core/session_settings.h"
+#include "core/switcher_view_model.h"
+
+namespace ferrowyn {
+
+/// Turns the window list into the rows of a session: filtered, ordered or ranked by the query, grouped. Owned by the
+/// view model. Main thread.
+class SwitcherRowBuilder {
+public:
+    using Row = SwitcherViewModel::Row;
+
+    struct Input {
+        /// Most recently used first.
+        const std::vector<AppWindow>& windows;
+        /// As typed; blanks around it are ignored.
+        std::string_view query;
+        /// Whose windows come first where the settings ask for it.
+        std::optional<Pid> frontmostPID;
+        /// The order to keep while there is no query; null outside a session.
+        const std::vector<AppWindow>* sessionWindows = nullptr;
+    };
+
+    SwitcherRowBuilder(const SessionSettings& settings, const FavouriteApplications& favourites)
+        : settings_(settings), favourites_(favourites) {}
+
+    /// Replaces `rows`. Whatever they held before only lends its memory: at every keystroke some hundred rows change
+    /// places, and their texts fit where others were.
+    void build(const Input& input, std::vector<Row>& rows);
+
+private:
+    /// One row to be.
+    struct Entry {
+        const AppWindow* window = nullptr;
+        std::int64_t score = 0;
+        /// Where its highlights stand in `highlights_`.
+        std::size_t firstHighlight = 0;
+        std::size_t highlightCount = 0;
+    };
+
+    [[nodiscard]] bool isIncluded(const AppWindow& window) const;
+    void enterLiveWindows(const Input& input);
+    void enterSessionWindows(const Input& input);
+    void enterMatches(const Input& input, std::string_view query);
+    void groupByProcess();
+    void writeRows(std::vector<Row>& rows) const;
+
+    const SessionSettings& settings_;
+    const FavouriteApplications& favourites_;
+    std::vector<Entry> entries_;
+    std::vector<std::int32_t> highlights_;
+    std::vector<std::int32_t> titleIndices_;
+    /// Where the entries' windows live when the favourites have reordered copies of them.
+    std::vector<AppWindow> reordered_;
+};
+
+}  // namespace ferrowyn

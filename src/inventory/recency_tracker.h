@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "core/app_window.h"
+
+namespace ferrowyn {
+
+/// Remembers how recently each window was used, and orders windows by it. In memory only. Main thread.
+class RecencyTracker {
+public:
+    /// Asks the desktop for the application in front; nothing when there is none or the desktop does not tell.
+    using FrontmostPid = std::function<std::optional<Pid>()>;
+
+    explicit RecencyTracker(FrontmostPid frontmostPid);
+
+    /// The window was just used.
+    void touch(WindowId id);
+    /// A first order from the stacking of the windows, when nothing is known yet.
+    void seedIfEmpty(const std::vector<AppWindow>& windows);
+    /// Forgets every window that is not in the set.
+    void retainOnly(const std::unordered_set<WindowId>& ids);
+    /// Whether a comes before b: most recently used first, then by stacking, application name and id. A strict order.
+    [[nodiscard]] bool precedes(const AppWindow& a, const AppWindow& b) const;
+
+    /// Larger is more recent; nothing for a window that was never used. Ranks are never reused.
+    [[nodiscard]] std::optional<std::int64_t> rank(WindowId id) const;
+    [[nodiscard]] std::size_t count() const { return ranks_.size(); }
+
+    /// More windows than this are not remembered: the older half is forgotten at once.
+    static constexpr std::size_t maximumEntries = 2048;
+
+private:
+    void prune();
+
+    FrontmostPid frontmostPid_;
+    std::unordered_map<WindowId, std::int64_t> ranks_;
+    std::int64_t counter_ = 0;
+};
+
+}  // namespace ferrowyn

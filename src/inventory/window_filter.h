@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+#include "core/geometry.h"
+#include "core/identifiers.h"
+#include "inventory/window_metadata.h"
+#include "platform/workspace.h"
+
+namespace ferrowyn {
+
+/// Decides which applications, and which of their windows, may appear in the switcher. A plain value; any thread.
+class WindowFilter {
+public:
+    /// One window as the enumerator has read it.
+    struct Candidate {
+        /// Absent when it could not be read.
+        std::optional<std::string_view> subrole;
+        std::string_view title;
+        bool isMinimized = false;
+        /// The window's own idea of its frame, else the server's; absent when neither is known.
+        std::optional<Rect> frame;
+        /// Null when the window server does not list the window.
+        const WindowMetadata* metadata = nullptr;
+    };
+
+    /// The switcher's own windows are never listed.
+    explicit WindowFilter(Pid ownPid) : ownPid_(ownPid) {}
+
+    /// Whether any of the application's windows may be listed.
+    [[nodiscard]] bool isSwitchable(const RunningApplication& application) const;
+    /// Whether this window of a switchable application may be listed.
+    [[nodiscard]] bool isSwitchable(const Candidate& window) const;
+    /// Whether an entry of the window server's list counts as a live application window.
+    [[nodiscard]] bool isApplicationWindow(const WindowMetadata& metadata) const;
+
+    /// In points; smaller things are auxiliary windows that nobody would switch to.
+    static constexpr double minimumSide = 48;
+    /// A window must be more opaque than this.
+    static constexpr double invisibleAlpha = 0.05;
+
+    /// All compared exactly, case included. The names stand only for processes without an identifier.
+    static constexpr std::array<std::string_view, 19> excludedBundleIdentifiers{
+        "com.apple.dock",
+        "com.apple.controlcenter",
+        "com.apple.notificationcenterui",
+        "com.apple.systemuiserver",
+        "com.apple.Spotlight",
+        "com.apple.loginwindow",
+        "com.apple.SecurityAgent",
+        "com.apple.WindowManager",
+        "com.apple.screencaptureui",
+        "com.apple.wallpaper.agent",
+        "com.apple.dock.extra",
+        "com.apple.CoreLocationAgent",
+        "com.apple.TextInputMenuAgent",
+        "com.apple.TextInputSwitcher",
+        "com.apple.universalaccess.MagnifierWindow",
+        "com.apple.PowerChime",
+        "com.apple.UserNotificationCenter",
+        "com.apple.talagent",
+        "com.apple.dt.Xcode.PlaygroundStub-macosx",
+    };
+    static constexpr std::array<std::string_view, 4> excludedProcessNames{"Window Server", "WindowServer", "Wallpaper",
+                                                                          "universalaccessd"};
+    static constexpr std::array<std::string_view, 1> standardWindowSubroles{"AXStandardWindow"};
+    static constexpr std::array<std::string_view, 2> dialogSubroles{"AXDialog", "AXSystemDialog"};
+
+private:
+    Pid ownPid_;
+};
+
+}  // namespace ferrowyn

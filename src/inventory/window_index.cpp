@@ -1,0 +1,180 @@
+#include "inventory/window_index.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cassert>
+#include <unordered_set>
+#include <utility>
+
+#include "inventory/recency_tracker.h"
+#include "inventory/window_observation_center.h"
+#include "platform/application.h"
+#include "platform/background_work.h"
+#include "platform/log.h"
+#include "platform/platform.h"
+#include "platform/window_inventory.h"
+#include "platform/workspace.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view category = "windows";
+
+std::unordered_set<WindowId> idsOf(const std::vector<AppWindow>& windows) {
+    std::unordered_set<WindowId> ids;
+    for (const AppWindow& window : windows) {
+        ids.insert(window.id);
+    }
+    return ids;
+}
+
+}  // namespace
+
+WindowIndex::WindowIndex(const Platform& platform)
+    : WindowIndex(platform, std::make_unique<RecencyTracker>([&workspace = platform.workspace] {
+                      return workspace.frontmostPid();
+                  }),
+                  std::make_unique<WindowObservationCenter>(platform, WindowFilter(platform.application.ownPid()))) {}
+
+WindowIndex::WindowIndex(const Platform& platform, std::unique_ptr<RecencyTracker> recency,
+                         std::unique_ptr<WindowObservationCenter> observation)
+    : mainLoop_(platform.mainLoop),
+      backgroundWork_(platform.backgroundWork),
+      log_(platform.log),
+      windowInventory_(platform.windowInventory),
+      enumerator_(WindowFilter(platform.application.ownPid()), platform.windowInventory, platform.backgroundWork,
+                  platform.log),
+      recency_(std::move(recency)),
+      observation_(std::move(observation)) {}
+
+WindowIndex::~WindowIndex() = default;
+
+void WindowIndex::start() {
+    assert(mainLoop_.isMainThread());
+    if (isStarted_) {
+        return;
+    }
+    isStarted_ = true;
+    changes_ = observation_->changes().subscribe([this](const WindowChange& change) { handle(change); });
+    observation_->start();
+    mainLoop_.post([this, isAlive = std::weak_ptr(isAlive_), generation = generation_] {
+        if (!isAlive.expired() && generation == generation_) {
+            refresh();
+        }
+    });
+}
+
+void WindowIndex::stop() {
+    assert(mainLoop_.isMainThread());
+    if (!isStarted_) {
+        return;
+    }
+    isStarted_ = false;
+    ++generation_;
+    needsAnotherPass_ = false;
+    observation_->stop();
+    changes_.reset();
+    coalescedRefresh_.reset();
+    windows_.set({});
+}
+
+void WindowIndex::scheduleRefresh() {
+    assert(mainLoop_.isMainThread());
+    coalescedRefresh_ = mainLoop_.after(coalescingInterval, [this] { refresh(); });
+}
+
+void WindowIndex::refresh() {
+    assert(mainLoop_.isMainThread());
+    if (isEnumerating_) {
+        needsAnotherPass_ = true;
+        return;
+    }
+    isEnumerating_ = true;
+    beginPass();
+}
+
+void WindowIndex::noteActivated(WindowId id) {
+    assert(mainLoop_.isMainThread());
+    recency_->touch(id);
+    std::vector<AppWindow> windows = windows_.get();
+    const auto activated = std::ranges::find(windows, id, &AppWindow::id);
+    if (activated == windows.end() || activated == windows.begin()) {
+        return;
+    }
+    std::rotate(windows.begin(), activated, std::next(activated));
+    windows_.set(std::move(windows));
+}
+
+void WindowIndex::handle(const WindowChange& change) {
+    if (change.kind == WindowChange::Kind::focus) {
+        const auto id = windowInventory_.focusedWindowNumber(change.pid, focusedWindowTimeout);
+        if (id && *id != 0) {
+            recency_->touch(*id);
+        }
+    }
+    scheduleRefresh();
+}
+
+void WindowIndex::beginPass() {
+    needsAnotherPass_ = false;
+    backgroundWork_.run([enumerator = enumerator_, &mainLoop = mainLoop_, self = this,
+                         isAlive = std::weak_ptr(isAlive_), generation = generation_] {
+        mainLoop.post([self, isAlive, generation, snapshot = enumerator.snapshot()]() mutable {
+            if (!isAlive.expired()) {
+                self->finishPass(generation, std::move(snapshot));
+            }
+        });
+    });
+}
+
+void WindowIndex::finishPass(std::uint64_t generation, WindowEnumerator::Snapshot snapshot) {
+    if (generation == generation_) {
+        apply(std::move(snapshot));
+    }
+    if (needsAnotherPass_) {
+        beginPass();
+    } else {
+        isEnumerating_ = false;
+    }
+}
+
+void WindowIndex::apply(WindowEnumerator::Snapshot snapshot) {
+    std::vector<AppWindow> windows = carryingOver(std::move(snapshot));
+    recency_->seedIfEmpty(windows);
+    const auto ids = idsOf(windows);
+    if (ids.size() < recency_->count()) {
+        recency_->retainOnly(ids);
+    }
+    std::ranges::stable_sort(windows,
+                             [this](const AppWindow& a, const AppWindow& b) { return recency_->precedes(a, b); });
+
+    const auto generation = generation_;
+    windows_.setIfChanged(windows);
+    if (generation != generation_) {
+        return;  // a subscriber stopped the index
+    }
+    lastRefresh_.set(mainLoop_.now());
+    observation_->synchronize(windows);
+}
+
+std::vector<AppWindow> WindowIndex::carryingOver(WindowEnumerator::Snapshot snapshot) const {
+    std::vector<AppWindow> windows = std::move(snapshot.windows);
+    const auto reported = idsOf(windows);
+    std::size_t carried = 0;
+    for (const AppWindow& known : windows_.get()) {
+        if (!reported.contains(known.id) && snapshot.liveWindowIDs.contains(known.id)) {
+            windows.push_back(known);
+            windows.back().isOnActiveSpace = snapshot.onScreenWindowIDs.contains(known.id);
+            ++carried;
+        }
+    }
+    if (carried > 0) {
+        log_.write(LogLevel::debug, category,
+                   fmt::format("Carrying over {} window(s) Accessibility did not report", carried));
+    }
+    return windows;
+}
+
+}  // namespace ferrowyn

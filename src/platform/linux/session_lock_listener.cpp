@@ -1,0 +1,189 @@
+#include "platform/linux/session_lock_listener.h"
+
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QStringList>
+#include <QVariant>
+#include <array>
+#include <atomic>
+#include <utility>
+
+namespace ferrowyn {
+
+namespace {
+
+const QString loginService = QStringLiteral("org.freedesktop.login1");
+const QString loginManagerPath = QStringLiteral("/org/freedesktop/login1");
+const QString loginManagerInterface = QStringLiteral("org.freedesktop.login1.Manager");
+const QString loginSessionInterface = QStringLiteral("org.freedesktop.login1.Session");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString lockedHint = QStringLiteral("LockedHint");
+
+struct ScreenSaverAddress {
+    const char* interface;
+    const char* path;
+};
+/// The common name, and the ones of desktops that never took it over.
+constexpr std::array<ScreenSaverAddress, 5> screenSavers{{
+    {"org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver"},
+    {"org.gnome.ScreenSaver", "/org/gnome/ScreenSaver"},
+    {"org.cinnamon.ScreenSaver", "/org/cinnamon/ScreenSaver"},
+    {"org.mate.ScreenSaver", "/org/mate/ScreenSaver"},
+    {"org.xfce.ScreenSaver", "/org/xfce/ScreenSaver"},
+}};
+
+/// Connections are known by name within the process.
+QString connectionName(const char* bus) {
+    static std::atomic<int> count{0};
+    return QStringLiteral("ferrowyn-session-lock-%1-%2").arg(QLatin1String(bus)).arg(++count);
+}
+
+std::optional<QDBusConnection> connectedTo(const std::optional<std::string>& address, const char* bus) {
+    if (!address) {
+        return std::nullopt;
+    }
+    const auto name = connectionName(bus);
+    auto connection = QDBusConnection::connectToBus(QString::fromStdString(*address), name);
+    if (!connection.isConnected()) {
+        QDBusConnection::disconnectFromBus(name);
+        return std::nullopt;
+    }
+    return connection;
+}
+
+void closeConnection(std::optional<QDBusConnection>& connection) {
+    if (connection) {
+        const auto name = connection->name();
+        connection.reset();
+        QDBusConnection::disconnectFromBus(name);
+    }
+}
+
+/// Asks without starting a service that does not run, and hands over the answer; an error is no answer.
+template <typename Answer, typename Handler>
+void ask(QObject* receiver, const QDBusConnection& bus, const QString& service, const QString& path,
+         const QString& interface, const QString& method, const QVariantList& arguments, Handler handler) {
+    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    message.setAutoStartService(false);
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), receiver);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
+                     [handler = std::move(handler)](QDBusPendingCallWatcher* finished) {
+                         const QDBusPendingReply<Answer> reply = *finished;
+                         if (!reply.isError()) {
+                             handler(reply.value(), reply.reply());
+                         }
+                         finished->deleteLater();
+                     });
+}
+
+}  // namespace
+
+SessionLockListener::SessionLockListener(SessionLock::Buses buses, Told told)
+    : buses_(std::move(buses)), told_(std::move(told)) {}
+
+SessionLockListener::~SessionLockListener() {
+    ownerWatcher_.reset();
+    closeConnection(system_);
+    closeConnection(session_);
+}
+
+void SessionLockListener::start() {
+    system_ = connectedTo(buses_.system, "system");
+    if (system_) {
+        listenToLoginManager();
+    }
+    session_ = connectedTo(buses_.session, "session");
+    if (session_) {
+        listenToScreenSavers();
+    }
+}
+
+void SessionLockListener::listenToLoginManager() {
+    const auto listen = [this](const QDBusObjectPath& session, const QDBusMessage&) {
+        listenToSession(session.path());
+    };
+    const auto id = qEnvironmentVariable("XDG_SESSION_ID");
+    if (!id.isEmpty()) {
+        ask<QDBusObjectPath>(this, *system_, loginService, loginManagerPath, loginManagerInterface, "GetSession", {id},
+                             listen);
+    } else {
+        // Process 0 stands for the one that asks.
+        ask<QDBusObjectPath>(this, *system_, loginService, loginManagerPath, loginManagerInterface, "GetSessionByPID",
+                             {QVariant::fromValue(0U)}, listen);
+    }
+}
+
+void SessionLockListener::listenToSession(const QString& path) {
+    system_->connect(loginService, path, loginSessionInterface, "Lock", this, SLOT(onLock()));
+    system_->connect(loginService, path, loginSessionInterface, "Unlock", this, SLOT(onUnlock()));
+    system_->connect(loginService, path, propertiesInterface, "PropertiesChanged", this,
+                     SLOT(onSessionProperties(QString, QVariantMap, QStringList)));
+    ask<QDBusVariant>(
+        this, *system_, loginService, path, propertiesInterface, "Get", {loginSessionInterface, lockedHint},
+        [this](const QDBusVariant& value, const QDBusMessage&) { setLockedBySession(value.variant().toBool()); });
+}
+
+void SessionLockListener::listenToScreenSavers() {
+    ownerWatcher_ = std::make_unique<QDBusServiceWatcher>();
+    ownerWatcher_->setConnection(*session_);
+    ownerWatcher_->setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    connect(ownerWatcher_.get(), &QDBusServiceWatcher::serviceUnregistered, this,
+            [this](const QString& owner) { setScreenSaverActive(owner, false); });
+    for (const auto& address : screenSavers) {
+        // From any sender and path: not all keep to the path of the common name.
+        session_->connect(QString(), QString(), address.interface, "ActiveChanged", this,
+                          SLOT(onScreenSaver(bool, QDBusMessage)));
+        askScreenSaver(address.interface, address.path);
+    }
+}
+
+void SessionLockListener::askScreenSaver(const QString& interface, const QString& path) {
+    ask<bool>(this, *session_, interface, path, interface, "GetActive", {},
+              [this](bool isActive, const QDBusMessage& reply) { setScreenSaverActive(reply.service(), isActive); });
+}
+
+void SessionLockListener::onLock() {
+    setLockedBySession(true);
+}
+
+void SessionLockListener::onUnlock() {
+    setLockedBySession(false);
+}
+
+void SessionLockListener::onSessionProperties(const QString& interface, const QVariantMap& changed,
+                                              const QStringList& /*invalidated*/) {
+    if (interface == loginSessionInterface && changed.contains(lockedHint)) {
+        setLockedBySession(changed.value(lockedHint).toBool());
+    }
+}
+
+void SessionLockListener::onScreenSaver(bool isActive, const QDBusMessage& message) {
+    setScreenSaverActive(message.service(), isActive);
+}
+
+void SessionLockListener::setLockedBySession(bool isLocked) {
+    isLockedBySession_ = isLocked;
+    tellIfChanged();
+}
+
+void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActive) {
+    if (isActive) {
+        activeScreenSavers_.insert(owner);
+        ownerWatcher_->addWatchedService(owner);
+    } else {
+        activeScreenSavers_.remove(owner);
+        ownerWatcher_->removeWatchedService(owner);
+    }
+    tellIfChanged();
+}
+
+void SessionLockListener::tellIfChanged() {
+    const bool isLocked = isLockedBySession_ || !activeScreenSavers_.isEmpty();
+    if (std::exchange(isLocked_, isLocked) != isLocked) {
+        told_(isLocked);
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,67 @@
+#include "platform/linux/xdg_folders.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace ferrowyn {
+
+namespace {
+
+std::filesystem::path absoluteFromEnvironment(const char* variable) {
+    const char* text = std::getenv(variable);
+    std::filesystem::path path(text == nullptr ? "" : text);
+    return path.is_absolute() ? path : std::filesystem::path();
+}
+
+std::filesystem::path home() {
+    if (auto path = absoluteFromEnvironment("HOME"); !path.empty()) {
+        return path;
+    }
+    const passwd* user = getpwuid(getuid());
+    return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "/";
+}
+
+std::vector<std::filesystem::path> absolutePaths(std::string_view colonSeparated) {
+    std::vector<std::filesystem::path> paths;
+    while (!colonSeparated.empty()) {
+        const auto end = colonSeparated.find(':');
+        const std::filesystem::path path(colonSeparated.substr(0, end));
+        if (path.is_absolute()) {
+            paths.push_back(path);
+        }
+        colonSeparated.remove_prefix(end == std::string_view::npos ? colonSeparated.size() : end + 1);
+    }
+    return paths;
+}
+
+}  // namespace
+
+XdgFolders XdgFolders::fromEnvironment() {
+    XdgFolders folders;
+    folders.configHome = absoluteFromEnvironment("XDG_CONFIG_HOME");
+    if (folders.configHome.empty()) {
+        folders.configHome = home() / ".config";
+    }
+    folders.dataHome = absoluteFromEnvironment("XDG_DATA_HOME");
+    if (folders.dataHome.empty()) {
+        folders.dataHome = home() / ".local/share";
+    }
+    const char* dataDirs = std::getenv("XDG_DATA_DIRS");
+    folders.dataDirs = absolutePaths(dataDirs == nullptr ? "" : dataDirs);
+    if (folders.dataDirs.empty()) {
+        folders.dataDirs = {"/usr/local/share", "/usr/share"};
+    }
+    return folders;
+}
+
+std::vector<std::filesystem::path> XdgFolders::allDataDirs() const {
+    std::vector<std::filesystem::path> all{dataHome};
+    all.insert(all.end(), dataDirs.begin(), dataDirs.end());
+    return all;
+}
+
+}  // namespace ferrowyn

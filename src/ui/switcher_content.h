@@ -1,0 +1,12 @@
+#pragma once
+
+#include "core/text_table.h"
+#include "input/switcher_content.h"
+
+namespace ferrowyn {
+
+/// Makes the content that the switcher controller hands to the panel, with this desktop's texts. The table outlives
+/// the content. Main thread.
+[[nodiscard]] SwitcherContentFactory switcherContentFactory(const TextTable& texts);
+
+}  // namespace ferrowyn

@@ -1,0 +1,265 @@
+#include "ui/switcher_view.h"
+
+#include <QEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <algorithm>
+#include <utility>
+
+#include "services/preferences.h"
+#include "ui/accessible_switcher_view.h"
+#include "ui/caret.h"
+#include "ui/desktop_motion.h"
+#include "ui/display_text.h"
+#include "ui/permission_state_view.h"
+#include "ui/search_line_view.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr int scrollMilliseconds = 100;
+/// Enough for a fade of half a second to look even, and half of what the screen could show.
+constexpr int caretFrameMilliseconds = 33;
+
+}  // namespace
+
+SwitcherView::SwitcherView(SwitcherViewModel& viewModel, Preferences& preferences, const TextTable& texts,
+                           SwitcherContentCallbacks callbacks)
+    : viewModel_(viewModel), preferences_(preferences), texts_(texts), callbacks_(std::move(callbacks)) {
+    installSwitcherAccessibility();
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::NoFocus);
+    setCursor(Qt::ArrowCursor);
+    setAccessibleName(QStringLiteral("Windows"));
+    scrollAnimation_.setDuration(scrollMilliseconds);
+    scrollAnimation_.setEasingCurve(QEasingCurve::OutQuad);
+    connect(&scrollAnimation_, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant& value) { setScroll(value.toDouble()); });
+    caretTimer_.setInterval(caretFrameMilliseconds);
+    connect(&caretTimer_, &QTimer::timeout, this, &SwitcherView::caretTick);
+    reloadTheme();
+    subscribe();
+}
+
+SwitcherView::~SwitcherView() = default;
+
+void SwitcherView::subscribe() {
+    const auto follow = [this](const auto& published) {
+        subscriptions_.push_back(published.subscribeToChanges([this](const auto& /*value*/) { modelChanged(); }));
+    };
+    subscriptions_.push_back(viewModel_.rows.subscribeToChanges([this](const auto& /*rows*/) {
+        rowsAreStale_ = true;
+        modelChanged();
+    }));
+    follow(viewModel_.selectedIndex);
+    follow(viewModel_.query);
+    follow(viewModel_.isAccessibilityTrusted);
+    follow(viewModel_.sessionToken);
+    follow(preferences_.layout.published());
+    follow(preferences_.modifier.published());
+    follow(preferences_.showShortcutHints.published());
+}
+
+void SwitcherView::modelChanged() {
+    isStale_ = true;
+    // Nothing is painted while hidden; the next show synchronizes.
+    update();
+}
+
+void SwitcherView::synchronize() {
+    applyModel();
+    update();
+}
+
+void SwitcherView::applyModel() {
+    if (!isStale_) {
+        return;
+    }
+    isStale_ = false;
+    updateGeometry();
+    const bool isNewSession = std::exchange(shownToken_, viewModel_.sessionToken.get()) != viewModel_.sessionToken.get();
+    const bool queryChanged = std::exchange(shownQuery_, viewModel_.query.get()) != viewModel_.query.get();
+    const int selection = viewModel_.selectedIndex.get();
+    const bool selectionChanged = std::exchange(shownSelection_, selection) != selection;
+    if (isNewSession) {
+        resetTransientState();
+        scrollToSelection(false);
+    } else if (queryChanged || selectionChanged) {
+        scrollToSelection(!queryChanged);
+    } else {
+        setScroll(std::clamp(scroll_, 0.0, geometry_.maximumScroll()));
+    }
+    if (queryChanged || isNewSession) {
+        restartCaret();
+    }
+    announceChanges(std::exchange(rowsAreStale_, false), selectionChanged || isNewSession);
+}
+
+void SwitcherView::resetTransientState() {
+    scrollAnimation_.stop();
+    scroll_ = 0;
+    pressed_ = {};
+    isButtonHovered_ = false;
+}
+
+SwitcherLayout SwitcherView::layoutMode() const { return preferences_.layout.get(); }
+
+PanelScene SwitcherView::scene() const {
+    PanelScene scene{viewModel_.rows.get(), viewModel_.iconProvider()};
+    scene.selectedIndex = viewModel_.selectedIndex.get();
+    scene.query = viewModel_.query.get();
+    scene.isAccessibilityTrusted = viewModel_.isAccessibilityTrusted.get();
+    scene.layout = layoutMode();
+    scene.modifier = preferences_.modifier.get();
+    scene.showsHints = preferences_.showShortcutHints.get();
+    scene.scroll = scroll_;
+    scene.caretOpacity = caretOpacity_;
+    scene.isButtonHovered = isButtonHovered_;
+    scene.isButtonPressed = pressed_.kind == Target::Kind::permissionButton;
+    scene.onToggleFavourite = callbacks_.onToggleFavourite;
+    return scene;
+}
+
+PanelScene SwitcherView::firstFrame(const std::vector<SwitcherViewModel::Row>& rows, int selectedIndex,
+                                    const Size& size) const {
+    PanelScene frame{rows, viewModel_.iconProvider()};
+    frame.selectedIndex = selectedIndex;
+    frame.query = viewModel_.isInSession() ? viewModel_.query.get() : std::string();
+    frame.isAccessibilityTrusted = viewModel_.isAccessibilityTrusted.get();
+    frame.layout = layoutMode();
+    frame.modifier = preferences_.modifier.get();
+    frame.showsHints = preferences_.showShortcutHints.get();
+    frame.scroll = frame.geometry(size).scrollShowing(selectedIndex, 0);
+    return frame;
+}
+
+void SwitcherView::renderPreview(QImage& target) {
+    const double scale = target.devicePixelRatio();
+    const Size size{target.width() / scale, target.height() / scale};
+    const auto preview = viewModel_.previewSession(false);
+    const PanelScene frame = firstFrame(preview.rows, preview.selectedIndex, size);
+    const PanelGeometry geometry = frame.geometry(size);
+    target.fill(Qt::transparent);
+    QPainter painter(&target);
+    frame.paint(painter, geometry, {0, 0, size.width, size.height}, paintContext(scale));
+    preview_.emplace(frame, geometry, theme_);
+}
+
+bool SwitcherView::matchesPreview() const {
+    return preview_ &&
+           preview_->matches(firstFrame(viewModel_.rows.get(), viewModel_.selectedIndex.get(), preview_->size()),
+                             theme_);
+}
+
+PaintContext SwitcherView::paintContext(double devicePixelRatio) {
+    return {theme_, texts_, lines_, symbols_, icons_, devicePixelRatio};
+}
+
+void SwitcherView::paintEvent(QPaintEvent* event) {
+    applyModel();
+    QPainter painter(this);
+    paintedRowCount_ =
+        scene().paint(painter, geometry_, fromQt(event->rect()), paintContext(devicePixelRatioF()));
+}
+
+void SwitcherView::updateGeometry() {
+    geometry_ = scene().geometry({static_cast<double>(width()), static_cast<double>(height())});
+}
+
+void SwitcherView::resizeEvent(QResizeEvent* /*event*/) {
+    applyModel();
+    updateGeometry();
+    scrollToSelection(false);
+}
+
+void SwitcherView::setTranslucent(bool isTranslucent) {
+    if (theme_.isTranslucent != isTranslucent) {
+        theme_ = Theme::fromPalette(palette(), isTranslucent);
+        update();
+    }
+}
+
+void SwitcherView::reloadTheme() {
+    theme_ = Theme::fromPalette(palette(), theme_.isTranslucent);
+    lines_.clear();
+    // Whatever was drawn ahead has the old colours and fonts.
+    preview_.reset();
+    update();
+}
+
+void SwitcherView::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
+        event->type() == QEvent::StyleChange) {
+        reloadTheme();
+    }
+    QWidget::changeEvent(event);
+}
+
+void SwitcherView::showEvent(QShowEvent* /*event*/) {
+    pointerAtShow_ = QCursor::pos();
+    synchronize();
+    restartCaret();
+}
+
+void SwitcherView::hideEvent(QHideEvent* /*event*/) {
+    scrollAnimation_.stop();
+    caretTimer_.stop();
+    pressed_ = {};
+    isButtonHovered_ = false;
+}
+
+bool SwitcherView::isAnimating() const {
+    return caretTimer_.isActive() || scrollAnimation_.state() == QAbstractAnimation::Running;
+}
+
+void SwitcherView::scrollToSelection(bool isAnimated) {
+    const double target = geometry_.scrollShowing(viewModel_.selectedIndex.get(), scroll_);
+    scrollAnimation_.stop();
+    if (target == scroll_) {
+        return;
+    }
+    if (!isAnimated || !isVisible() || prefersReducedMotion(*this)) {
+        setScroll(target);
+        return;
+    }
+    scrollAnimation_.setStartValue(scroll_);
+    scrollAnimation_.setEndValue(target);
+    scrollAnimation_.start();
+}
+
+void SwitcherView::setScroll(double scroll) {
+    if (scroll_ != scroll) {
+        scroll_ = scroll;
+        update();
+    }
+}
+
+void SwitcherView::restartCaret() {
+    caretOpacity_ = 1;
+    caretTimer_.stop();
+    if (isVisible() && !prefersReducedMotion(*this)) {
+        caretClock_.start();
+        caretTimer_.start();
+    }
+}
+
+void SwitcherView::caretTick() {
+    caretOpacity_ = Caret::opacityAfter(static_cast<double>(caretClock_.elapsed()) / 1000);
+    const SearchLineView line{display_text::singleLine(viewModel_.query.get()), layoutMode(), 0, 1};
+    const Rect caret = line.caretRect(geometry_.searchLine(), paintContext(devicePixelRatioF()));
+    update(toQt(caret).toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
+void SwitcherView::announceChanges(bool rowsChanged, bool selectionChanged) {
+    if (isVisible() && QAccessible::isActive()) {
+        announceSwitcherChanges(*this, rowsChanged, selectionChanged);
+    }
+}
+
+Rect SwitcherView::permissionButtonRect() {
+    return PermissionStateView::button(geometry_.body(), paintContext(devicePixelRatioF()));
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,200 @@
+#include "core/fuzzy_matcher.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/core/test_window.h"
+
+namespace ferrowyn {
+namespace {
+
+using FuzzyMatcher::Match;
+using FuzzyMatcher::match;
+using FuzzyMatcher::wordStartIndices;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Optional;
+
+std::int64_t scoreOf(std::string_view query, std::string_view text) {
+    const auto found = match(query, text);
+    EXPECT_TRUE(found) << query << " in " << text;
+    return found ? found->score : -1'000'000;
+}
+
+TEST(FuzzyMatcher, AnEmptyQueryMatchesAnythingWithoutScore) {
+    EXPECT_THAT(match("", "Safari"), Optional(Match{0, {}}));
+    EXPECT_THAT(match("", ""), Optional(Match{0, {}}));
+    EXPECT_THAT(match("", testWindow(1, "Inbox", "Mail")), Optional(Match{0, {}}));
+}
+
+TEST(FuzzyMatcher, NothingMatchesAnEmptyText) {
+    EXPECT_EQ(match("a", ""), std::nullopt);
+}
+
+TEST(FuzzyMatcher, ATextShorterThanTheQueryDoesNotMatch) {
+    EXPECT_EQ(match("abc", "ab"), std::nullopt);
+    EXPECT_EQ(match("é\u0301é", "é"), std::nullopt);
+}
+
+TEST(FuzzyMatcher, APrefixScoresItsCharactersAndThePrefixBonus) {
+    EXPECT_THAT(match("saf", "Safari"), Optional(Match{487, {0, 1, 2}}));
+}
+
+TEST(FuzzyMatcher, TheWholeTextEarnsItsBonusInsteadOfThePrefixBonus) {
+    // 25 + 1 at the start, five times 30 + 1 after it.
+    EXPECT_EQ(scoreOf("safari", "safari"), 26 + 5 * 31 + 1000);
+    EXPECT_EQ(scoreOf("SAFARI", "Safari"), 25 + 5 * 31 + 1000);
+}
+
+TEST(FuzzyMatcher, AWordOfTheTextEarnsTheWordBonus) {
+    EXPECT_THAT(match("mail", "Apple Mail"), Optional(Match{305, {6, 7, 8, 9}}));
+}
+
+TEST(FuzzyMatcher, TheWordBonusDoesNotDependOnThePlacesThatWereFound) {
+    // The scan takes the o of "foo" first; "one" still stands as a word later.
+    EXPECT_THAT(match("one", "foo one"), Optional(Match{-2 + 1 - 3 * 3 + 1 + 30 + 1 + 200, {1, 5, 6}}));
+    // Together, but not from the start of a word on.
+    EXPECT_EQ(scoreOf("ne", "foo one"), -10 + 1 + 31);
+}
+
+TEST(FuzzyMatcher, TheScanTakesFirstPlacesAndNeverGoesBack) {
+    EXPECT_THAT(match("ab", "a-b ab"), Optional(Match{25 + 1 - 3 + 25 + 1 + 200, {0, 2}}));
+    EXPECT_EQ(match("ba", "abb"), std::nullopt);
+}
+
+TEST(FuzzyMatcher, ALateStartCostsTwoACharacterAndAtMostThirty) {
+    EXPECT_EQ(scoreOf("z", "aaz"), -4 + 1);
+    EXPECT_EQ(scoreOf("z", std::string(15, 'a') + "z"), -30 + 1 - 2);
+    EXPECT_EQ(scoreOf("z", std::string(23, 'a') + "z"), -30 + 1 - 3);
+}
+
+TEST(FuzzyMatcher, SkippedCharactersCostThreeEachWithoutLimit) {
+    EXPECT_EQ(scoreOf("az", "abz"), 25 + 1 - 3 + 1);
+    EXPECT_EQ(scoreOf("az", "a" + std::string(400, 'b') + "z"), 25 + 1 - 1200 + 1 - 402 / 8);
+}
+
+TEST(FuzzyMatcher, EverySeparatorStartsAWord) {
+    for (const auto* const separator : {" ", "-", "_", ".", "/", ":", "—", "–"}) {
+        EXPECT_EQ(scoreOf("z", std::string("a") + separator + "z"), -4 + 25 + 1 + 200) << separator;
+    }
+    for (const auto* const other : {"+", ",", "\\", "|", "'", "‐", "\t", "é", "-\u0301"}) {
+        EXPECT_EQ(scoreOf("z", std::string("a") + other + "z"), -4 + 1) << other;
+    }
+}
+
+TEST(FuzzyMatcher, ACamelCaseHumpEarnsTwenty) {
+    EXPECT_EQ(scoreOf("v", "myView"), -4 + 20);
+    EXPECT_EQ(scoreOf("v", "MYView"), -4);
+    EXPECT_EQ(scoreOf("ö", "myÖl"), -4 + 20);
+    EXPECT_EQ(scoreOf("v", "1View"), -2);
+}
+
+TEST(FuzzyMatcher, OnlyCharactersThatAreLowerCaseInTheTextEarnTheExactPoint) {
+    EXPECT_EQ(scoreOf("A", "xa"), -2 + 1);
+    EXPECT_EQ(scoreOf("A", "xA"), -2 + 20);
+    EXPECT_EQ(scoreOf("7", "x7"), -2 + 1);
+}
+
+TEST(FuzzyMatcher, EveryEightCharactersCostOne) {
+    const std::string tail79(79, 'b');
+    EXPECT_EQ(scoreOf("a", "a" + tail79), 26 + 400 - 10);
+    EXPECT_EQ(scoreOf("a", "abbbbbb"), 26 + 400);
+    EXPECT_EQ(scoreOf("a", "abbbbbbb"), 26 + 400 - 1);
+}
+
+TEST(FuzzyMatcher, PositionsAndLengthsCountCharacters) {
+    EXPECT_THAT(match("x", "👩‍💻🇩🇪e\u0301x"), Optional(Match{-6 + 1, {3}}));
+    // Eight family emoji are eight characters, not eighty.
+    std::string families;
+    for (int i = 0; i < 8; ++i) {
+        families += "👨‍👩‍👧‍👦";
+    }
+    EXPECT_EQ(scoreOf("👨‍👩‍👧‍👦", families), 25 + 1 + 400 - 1);
+}
+
+TEST(FuzzyMatcher, APartOfACharacterDoesNotMatchIt) {
+    EXPECT_EQ(match("e", "e\u0301"), std::nullopt);
+    EXPECT_EQ(match("👩", "👩‍💻"), std::nullopt);
+    EXPECT_EQ(match("\n", "\r\n"), std::nullopt);
+    EXPECT_TRUE(match("\r\n", "a\r\nb"));
+}
+
+TEST(FuzzyMatcher, CanonicallyEquivalentCharactersAreEqual) {
+    const Match whole{26 + 3 * 31 + 1000, {0, 1, 2, 3}};
+    EXPECT_THAT(match("café", "cafe\u0301"), Optional(whole));
+    EXPECT_THAT(match("cafe\u0301", "café"), Optional(whole));
+    EXPECT_THAT(match("CAFÉ", "cafe\u0301"), Optional(whole));
+    EXPECT_TRUE(match("\u1112\u1161\u11AB", "한"));
+    EXPECT_TRUE(match("한", "\u1112\u1161\u11AB글"));
+    // Two marks in either order, with no composed scalar for both.
+    EXPECT_TRUE(match("q\u0323\u0307", "q\u0307\u0323"));
+    EXPECT_EQ(match("q\u0323\u0307", "q\u0307"), std::nullopt);
+}
+
+TEST(FuzzyMatcher, TheKelvinSignIsAK) {
+    EXPECT_TRUE(match("\u212A", "bank"));
+    EXPECT_TRUE(match("k", "300 \u212A"));
+}
+
+TEST(FuzzyMatcher, SpecialCaseMappingsMatchInEitherCase) {
+    EXPECT_THAT(match("straße", "STRAẞE"), Optional(::testing::Field(&Match::score, ::testing::Ge(1000))));
+    EXPECT_EQ(match("strasse", "Straße"), std::nullopt);
+    EXPECT_TRUE(match("İst", "i\u0307stanbul"));
+    EXPECT_EQ(scoreOf("ΟΔΟΣ", "οδος"), 26 + 3 * 31 + 1000);
+    EXPECT_TRUE(match("עברית", "כותרת עברית"));
+    EXPECT_TRUE(match("ไทย", "ภาษาไทย"));
+}
+
+TEST(FuzzyMatcher, WordStartsArePositionZeroAndThoseAfterSeparators) {
+    EXPECT_THAT(wordStartIndices("a b--c"), ElementsAre(0, 2, 4, 5));
+    EXPECT_THAT(wordStartIndices("x_y.z/q:w—v–u"), ElementsAre(0, 2, 4, 6, 8, 10, 12));
+    EXPECT_THAT(wordStartIndices("é 👩‍💻 x"), ElementsAre(0, 2, 4));
+    EXPECT_THAT(wordStartIndices("end-"), ElementsAre(0));
+    EXPECT_THAT(wordStartIndices(""), IsEmpty());
+}
+
+TEST(FuzzyMatcher, AWindowIsFoundByItsApplicationsNameWithoutTheTitleBonus) {
+    EXPECT_THAT(match("mail", testWindow(1, "Inbox", "Mail")), Optional(Match{25 + 3 * 31 + 1000, {0, 1, 2, 3}}));
+}
+
+TEST(FuzzyMatcher, ATitleThatScoresBestIsRaisedByTen) {
+    EXPECT_THAT(match("inb", testWindow(1, "Inbox", "Mail")), Optional(Match{25 + 2 * 31 + 400 + 10, {0, 1, 2}}));
+}
+
+TEST(FuzzyMatcher, ATitleThatTiesWithTheNameWins) {
+    EXPECT_THAT(match("mail", testWindow(1, "Mail", "Mail")), Optional(Match{25 + 3 * 31 + 1000 + 10, {0, 1, 2, 3}}));
+}
+
+TEST(FuzzyMatcher, NameAndTitleTogetherMatchWhatNeitherDoes) {
+    // The last b of "Mail New b" stands at 9, after the space that was taken at 4.
+    const auto found = match("mi b", testWindow(1, "New b", "Mail"));
+    EXPECT_THAT(found, Optional(::testing::Field(&Match::matchedIndices, ElementsAre(0, 2, 4, 9))));
+    EXPECT_EQ(match("inboxmail", testWindow(1, "Inbox", "Mail")), std::nullopt);
+    EXPECT_TRUE(match("mailinbox", testWindow(1, "Inbox", "Mail")));
+}
+
+TEST(FuzzyMatcher, ABlankTitleIsMatchedAsTheApplicationsName) {
+    EXPECT_THAT(match("mail", testWindow(1, "   ", "Mail")), Optional(Match{25 + 3 * 31 + 1000 + 10, {0, 1, 2, 3}}));
+}
+
+TEST(FuzzyMatcher, AWindowWithoutAnyTextMatchesNothing) {
+    EXPECT_EQ(match("a", testWindow(1, "", "")), std::nullopt);
+}
+
+TEST(FuzzyMatcher, ScoringManyWindowsGivesTheSameScoresAndTheTitlesOwnPositions) {
+    const FuzzyMatcher::Query query("mail");
+    std::vector<std::int32_t> positions{7, 8, 9};
+    EXPECT_EQ(FuzzyMatcher::score(query, testWindow(1, "Inbox", "Mail"), positions), 25 + 3 * 31 + 1000);
+    EXPECT_THAT(positions, IsEmpty());
+    EXPECT_EQ(FuzzyMatcher::score(query, testWindow(1, "  My Mail", "Mail"), positions), 25 + 3 * 31 + 1000);
+    EXPECT_THAT(positions, ElementsAre(0, 4, 5, 6));
+    EXPECT_EQ(FuzzyMatcher::score(query, testWindow(1, "Terminal", "Kitty"), positions), std::nullopt);
+    EXPECT_THAT(positions, IsEmpty());
+    EXPECT_EQ(FuzzyMatcher::score(FuzzyMatcher::Query(""), testWindow(1, "x"), positions), 0);
+}
+
+}  // namespace
+}  // namespace ferrowyn

@@ -1,0 +1,252 @@
+#include "input/window_activator.h"
+
+#include <optional>
+
+#include "platform/simulated/simulated_desktop.h"
+
+namespace ferrowyn {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+using LogLine = SimulatedDesktop::LogLine;
+
+constexpr Pid editor = 100;
+constexpr Pid browser = 200;
+
+const std::vector<std::string> raiseOfSeven = {"raise 7",      "main 7",       "focused 7", "focusedWindow 100 7",
+                                               "activate 100", "frontmost 100"};
+
+class WindowActivatorTest : public ::testing::Test {
+protected:
+    WindowActivatorTest() {
+        desktop.launch({.pid = editor, .localizedName = "Editor"});
+        desktop.launch({.pid = browser, .localizedName = "Browser"});
+        desktop.openWindow({.id = 7, .pid = editor, .title = "Draft"});
+        desktop.openWindow({.id = 8, .pid = browser, .title = "News"});
+        desktop.setFrontmost(browser);
+        activator.emplace(desktop.platform());
+        activator->onActivated = [this](const AppWindow& window) { activated.push_back(window.id); };
+    }
+
+    AppWindow window(WindowId id, Pid pid) const {
+        return {.id = id, .axElement = desktop.elementOf(id), .pid = pid, .appName = "Editor as listed"};
+    }
+    AppWindow windowWithoutElement(WindowId id, Pid pid) const {
+        auto result = window(id, pid);
+        result.axElement.reset();
+        return result;
+    }
+
+    void forgetCalls() { static_cast<void>(desktop.takeControlCalls()); }
+
+    SimulatedDesktop desktop;
+    std::optional<WindowActivator> activator;
+    std::vector<WindowId> activated;
+};
+
+std::vector<std::string> joined(std::vector<std::string> first, const std::vector<std::string>& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+LogLine standard(std::string message) {
+    return {LogLevel::standard, "activation", std::move(message)};
+}
+
+TEST_F(WindowActivatorTest, RaisesTheWindowInOrderBeforeItReturns) {
+    activator->activate(window(7, editor));
+    EXPECT_THAT(desktop.takeControlCalls(),
+                ElementsAreArray(joined({"timeout 100 0.5", "timeout 7 0.5"}, raiseOfSeven)));
+    EXPECT_THAT(activated, IsEmpty());
+}
+
+TEST_F(WindowActivatorTest, ConfirmsAfterTheFirstPause) {
+    activator->activate(window(7, editor));
+    forgetCalls();
+    desktop.advance(0.119s);
+    EXPECT_THAT(activated, IsEmpty());
+    desktop.advance(0.001s);
+    EXPECT_THAT(activated, ElementsAre(7U));
+    EXPECT_EQ(desktop.frontmostPid(), editor);
+    EXPECT_EQ(desktop.focusedWindow(editor), 7U);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "activation", "Window 7 active after 1 check(s)"}));
+    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
+}
+
+TEST_F(WindowActivatorTest, UnminimisesBeforeItRaises) {
+    desktop.changeWindow(7, [](auto& spec) { spec.isMinimized = true; });
+    auto minimised = window(7, editor);
+    minimised.isMinimized = true;
+    activator->activate(minimised);
+    EXPECT_THAT(desktop.takeControlCalls(),
+                ElementsAreArray(joined({"timeout 100 0.5", "timeout 7 0.5", "unminimize 7"}, raiseOfSeven)));
+}
+
+TEST_F(WindowActivatorTest, UnhidesTheApplicationFirst) {
+    desktop.setHidden(editor, true);
+    auto minimised = window(7, editor);
+    minimised.isMinimized = true;
+    activator->activate(minimised);
+    EXPECT_THAT(
+        desktop.takeControlCalls(),
+        ElementsAreArray(joined({"timeout 100 0.5", "timeout 7 0.5", "unhide 100", "unminimize 7"}, raiseOfSeven)));
+}
+
+TEST_F(WindowActivatorTest, SaysThatTheProcessIsGoneAndCallsNobody) {
+    activator->activate(window(9, 300));
+    desktop.advance(10s);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    EXPECT_THAT(activated, IsEmpty());
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(LogLine{LogLevel::error, "activation", "pid 300 is gone"}));
+}
+
+TEST_F(WindowActivatorTest, ChecksFourTimesAndRaisesThreeTimesMoreWhenNothingHappens) {
+    desktop.setIgnoresActivation(editor, true);
+    activator->activate(window(7, editor));
+    forgetCalls();
+    // After 0.12, 0.216, 0.3888 and 0.69984 seconds.
+    for (const Seconds pause : {0.12s, 0.216s, 0.3888s}) {
+        desktop.advance(pause - 0.001s);
+        EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+        desktop.advance(0.001s);
+        EXPECT_THAT(desktop.takeControlCalls(), ElementsAreArray(raiseOfSeven));
+    }
+    desktop.advance(0.69984s - 0.001s);
+    EXPECT_THAT(desktop.takeLog(), IsEmpty());
+    EXPECT_THAT(activated, IsEmpty());
+    desktop.advance(0.001s);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    EXPECT_THAT(activated, ElementsAre(7U)) << "the user did choose it";
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Could not confirm activation of window 7 in Editor")));
+    desktop.advance(10s);
+    EXPECT_THAT(activated, ElementsAre(7U));
+}
+
+TEST_F(WindowActivatorTest, CountsTheChecksUntilItWorked) {
+    desktop.setIgnoresActivation(editor, true);
+    activator->activate(window(7, editor));
+    desktop.advance(0.12s);
+    desktop.setIgnoresActivation(editor, false);
+    desktop.advance(0.216s);
+    EXPECT_THAT(activated, IsEmpty()) << "raised again only after the second check";
+    desktop.advance(0.3888s);
+    EXPECT_THAT(activated, ElementsAre(7U));
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "activation", "Window 7 active after 3 check(s)"}));
+}
+
+TEST_F(WindowActivatorTest, TakesNoAnswerForNoConfirmation) {
+    activator->activate(window(7, editor));
+    desktop.setHung(editor, true);
+    desktop.advance(2s);
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Could not confirm activation of window 7 in Editor")));
+    EXPECT_THAT(activated, ElementsAre(7U));
+}
+
+TEST_F(WindowActivatorTest, NamesTheApplicationAsItWasListedWhenItHasNoNameOfItsOwn) {
+    desktop.launch({.pid = 300});
+    desktop.openWindow({.id = 9, .pid = 300});
+    desktop.setIgnoresActivation(300, true);
+    desktop.setFrontmost(browser);
+    activator->activate(window(9, 300));
+    desktop.advance(2s);
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(standard("Could not confirm activation of window 9 in Editor as listed")));
+}
+
+TEST_F(WindowActivatorTest, OnlyTheSecondOfTwoQuickActivationsReports) {
+    activator->activate(window(7, editor));
+    desktop.advance(0.05s);
+    activator->activate(window(8, browser));
+    desktop.advance(5s);
+    EXPECT_THAT(activated, ElementsAre(8U));
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "activation", "Window 8 active after 1 check(s)"}));
+}
+
+TEST_F(WindowActivatorTest, ANewActivationOfAProcessThatIsGoneStillEndsTheFormerOne) {
+    activator->activate(window(7, editor));
+    activator->activate(window(9, 300));
+    desktop.advance(5s);
+    EXPECT_THAT(activated, IsEmpty());
+}
+
+TEST_F(WindowActivatorTest, LooksUpAMissingElementAmongTheApplicationsWindows) {
+    activator->activate(windowWithoutElement(7, editor));
+    EXPECT_THAT(desktop.takeControlCalls(),
+                ElementsAreArray(joined({"timeout 100 0.5", "activate 100", "timeout 7 0.5"}, raiseOfSeven)));
+    desktop.advance(0.12s);
+    EXPECT_THAT(activated, ElementsAre(7U));
+}
+
+TEST_F(WindowActivatorTest, RaisesAWindowFoundAtTheThirdLook) {
+    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = false; });
+    activator->activate(windowWithoutElement(7, editor));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("timeout 100 0.5", "activate 100"));
+    desktop.advance(0.2s);
+    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = true; });
+    desktop.advance(0.039s);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    desktop.advance(0.001s);
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAreArray(joined({"timeout 7 0.5"}, raiseOfSeven)));
+}
+
+TEST_F(WindowActivatorTest, ActivatesTheApplicationAloneWhenNoLookFindsTheElement) {
+    desktop.changeWindow(7, [](auto& spec) { spec.hasWindowNumber = false; });
+    activator->activate(windowWithoutElement(7, editor));
+    desktop.advance(0.479s);
+    EXPECT_THAT(desktop.takeLog(), IsEmpty());
+    desktop.advance(0.001s);
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("No AX element for window 7; activated its app only")));
+    EXPECT_THAT(activated, ElementsAre(7U));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("timeout 100 0.5", "activate 100"));
+    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
+}
+
+TEST_F(WindowActivatorTest, ACancelledLookUpStopsLooking) {
+    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = false; });
+    activator->activate(windowWithoutElement(7, editor));
+    desktop.advance(0.2s);
+    activator->activate(window(8, browser));
+    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = true; });
+    forgetCalls();
+    desktop.advance(5s);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    EXPECT_THAT(activated, ElementsAre(8U));
+}
+
+TEST_F(WindowActivatorTest, DestroyingItCancelsTheActivation) {
+    activator->activate(window(7, editor));
+    activator.reset();
+    desktop.advance(5s);
+    EXPECT_THAT(activated, IsEmpty());
+    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
+}
+
+TEST_F(WindowActivatorTest, MayActivateAnotherWindowFromItsCallback) {
+    activator->onActivated = [this](const AppWindow& reported) {
+        activated.push_back(reported.id);
+        if (reported.id == 7) {
+            activator->activate(window(8, browser));
+        }
+    };
+    activator->activate(window(7, editor));
+    desktop.advance(5s);
+    EXPECT_THAT(activated, ElementsAre(7U, 8U));
+}
+
+TEST_F(WindowActivatorTest, WorksWithoutACallback) {
+    activator->onActivated = nullptr;
+    activator->activate(window(7, editor));
+    desktop.advance(1s);
+    EXPECT_EQ(desktop.frontmostPid(), editor);
+}
+
+}  // namespace
+}  // namespace ferrowyn
