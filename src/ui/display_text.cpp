@@ -1,5 +1,6 @@
 #include "ui/display_text.h"
 
+#include <QList>
 #include <algorithm>
 #include <cstddef>
 

@@ -25,6 +25,8 @@ bool PanelGeometry::startsGroup(int index) const {
     return isGrouped() && std::binary_search(input_.groupStarts.begin(), input_.groupStarts.end(), index);
 }
 
+int PanelGeometry::headerCount() const { return isGrouped() ? static_cast<int>(input_.groupStarts.size()) : 0; }
+
 int PanelGeometry::headersUpTo(int index) const {
     if (!isGrouped()) {
         return 0;

@@ -1,5 +1,6 @@
 #include "ui/switcher_view.h"
 
+#include <QAccessible>
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
