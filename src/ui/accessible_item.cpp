@@ -31,7 +31,9 @@ bool AccessibleItem::isValid() const {
            (key_.kind == Kind::row || view_.geometryNow().header(key_.row, 0).has_value());
 }
 
-QAccessibleInterface* AccessibleItem::parent() const { return QAccessible::queryAccessibleInterface(&view_); }
+QAccessibleInterface* AccessibleItem::parent() const {
+    return QAccessible::queryAccessibleInterface(&view_);
+}
 
 QString AccessibleItem::text(QAccessible::Text kind) const {
     if (!isValid()) {

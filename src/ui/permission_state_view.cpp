@@ -32,8 +32,7 @@ double columnTop(const Rect& rect, const PaintContext& context) {
 Rect PermissionStateView::button(const Rect& rect, const PaintContext& context) {
     constexpr double padding = 14;
     const QString text = display_text::singleLine(context.texts.permissionButton);
-    const double width =
-        std::ceil(context.lines.line(text, TextStyle::button, rect.width).width()) + 2 * padding;
+    const double width = std::ceil(context.lines.line(text, TextStyle::button, rect.width).width()) + 2 * padding;
     const double bottom = columnTop(rect, context) + columnHeight(context);
     return {std::round(rect.midX() - width / 2), bottom - buttonHeight, width, buttonHeight};
 }
@@ -41,8 +40,8 @@ Rect PermissionStateView::button(const Rect& rect, const PaintContext& context) 
 void PermissionStateView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const Theme& theme = context.theme;
     CentredColumn column(painter, rect, columnTop(rect, context), context);
-    column.addSymbol(WindowPresentation::permissionSymbol, symbolSide, theme.badgeText(WindowPresentation::Tint::orange),
-                     SymbolWeight::medium);
+    column.addSymbol(WindowPresentation::permissionSymbol, symbolSide,
+                     theme.badgeText(WindowPresentation::Tint::orange), SymbolWeight::medium);
     column.addSpace(belowSymbol);
     column.addText(display_text::singleLine(context.texts.permissionTitle), TextStyle::emptyTitle, theme.textPrimary);
     column.addSpace(belowTitle);
@@ -64,8 +63,8 @@ void PermissionStateView::paintButton(QPainter& painter, const Rect& button, con
         painter.setBrush(theme.countFill);
         painter.drawRoundedRect(toQt(button), cornerRadius, cornerRadius);
     }
-    const TextLine& line = context.lines.line(display_text::singleLine(context.texts.permissionButton),
-                                              TextStyle::button, button.width);
+    const TextLine& line =
+        context.lines.line(display_text::singleLine(context.texts.permissionButton), TextStyle::button, button.width);
     line.paint(painter, button.midX() - line.width() / 2,
                context.lines.centredBaseline(TextStyle::button, button.y, button.height, context.devicePixelRatio),
                theme.textPrimary);

@@ -6,7 +6,9 @@
 #include <cmath>
 
 // A static library's resources are linked only when something asks for them; the macro must stand outside namespaces.
-static void loadSymbolResources() { Q_INIT_RESOURCE(ferrowyn); }
+static void loadSymbolResources() {
+    Q_INIT_RESOURCE(ferrowyn);
+}
 
 namespace ferrowyn {
 

@@ -32,11 +32,13 @@ std::vector<AppWindow> nineWindows() {
         PanelModel::window(5, 5, "Firefox", "Pull requests · larkmoor/ferrowyn"),
         PanelModel::window(6, 1, "Writer", "発表資料 — 第三四半期の見通し.odp"),
         PanelModel::window(7, 7, "Files", "Downloads"),
-        PanelModel::window(8, 8, "An Image Editor with an Uncommonly Long Name for the Whole Family and its Friends "
-                                 "who will never finish reading it",
+        PanelModel::window(8, 8,
+                           "An Image Editor with an Uncommonly Long Name for the Whole Family and its Friends "
+                           "who will never finish reading it",
                            "panel-background.xcf-3.0 (RGB color 8-bit) 2560×1600 with a very long title that goes on "
                            "and on"),
-        PanelModel::window(9, 5, "Firefox", "مذكرات الاجتماع — سجل النقاشات الطويلة التي لا تنتهي أبدا في هذا اليوم الطويل جدا جدا جدا"),
+        PanelModel::window(9, 5, "Firefox",
+                           "مذكرات الاجتماع — سجل النقاشات الطويلة التي لا تنتهي أبدا في هذا اليوم الطويل جدا جدا جدا"),
         PanelModel::window(10, 4, "Terminal", "שלום עולם — vim"),
         PanelModel::window(11, 11, "Maps", "\xE2\x80\x8B\xE2\x80\x8B"),
         PanelModel::window(12, 12, "Notes", "line one\nline two\tafter a tab"),
@@ -50,7 +52,8 @@ std::vector<AppWindow> nineWindows() {
 
 double panelHeight(const PanelModel& model) {
     const auto layout = model.preferences.layout.get();
-    const int count = model.viewModel.isAccessibilityTrusted.get() ? static_cast<int>(model.viewModel.rows.get().size()) : 0;
+    const int count =
+        model.viewModel.isAccessibilityTrusted.get() ? static_cast<int>(model.viewModel.rows.get().size()) : 0;
     const double hints = model.preferences.showShortcutHints.get() ? 34 : 0;
     if (count == 0) {
         return 188 + hints;
@@ -135,7 +138,8 @@ std::vector<Shot> shots() {
         {"list-light-1.5x", Scheme::light, 1.5},
         {"list-dark-opaque", Scheme::dark, 1, false},
         {"list-light-opaque", Scheme::light, 1, false},
-        {"list-scrolled-to-the-end", Scheme::light, 2, true, [](PanelModel& model) { model.viewModel.moveToEdge(false); }},
+        {"list-scrolled-to-the-end", Scheme::light, 2, true,
+         [](PanelModel& model) { model.viewModel.moveToEdge(false); }},
         {"filtered-dark", Scheme::dark, 2, true, typed("re")},
         {"filtered-light", Scheme::light, 2, true, typed("re")},
         {"grouped-dark", Scheme::dark, 2, true, inLayout(SwitcherLayout::grouped)},
@@ -159,7 +163,8 @@ std::vector<Shot> shots() {
              model.viewModel.beginSession(false);
          }},
         {"200-rows-scrolled", Scheme::dark, 2, true, many},
-        {"no-footer", Scheme::light, 1, true, [](PanelModel& model) { model.preferences.showShortcutHints.set(false); }},
+        {"no-footer", Scheme::light, 1, true,
+         [](PanelModel& model) { model.preferences.showShortcutHints.set(false); }},
     };
 }
 
@@ -181,7 +186,8 @@ int main(int argc, char** argv) {
     }
     bool isSaved = true;
     for (const auto& shot : shots()) {
-        isSaved = photograph(shot, argc > 3).save(folder.filePath(QString::fromStdString(shot.name + ".png"))) && isSaved;
+        isSaved =
+            photograph(shot, argc > 3).save(folder.filePath(QString::fromStdString(shot.name + ".png"))) && isSaved;
     }
     return isSaved ? 0 : 1;
 }
