@@ -12,8 +12,9 @@ namespace {
 constexpr double cornerRadius = 5;
 constexpr double longestText = 140;
 
+/// The square around a symbol of 8 points, or 7: the drawing inside it is smaller than its grid.
 double symbolSide(bool compact) {
-    return compact ? 7 : 8;
+    return compact ? 9 : 10;
 }
 double padding(bool compact) {
     return compact ? 5 : 7;

@@ -18,9 +18,18 @@ constexpr double belowTitle = 2;
 constexpr double aboveButton = 9;
 constexpr double buttonHeight = 26;
 
+/// A sentence or two: on lines that are comfortable to read.
+QStringList explanation(const PaintContext& context) {
+    constexpr double lineWidth = 460;
+    return CentredColumn::wrapped(display_text::singleLine(context.texts.permissionExplanation), TextStyle::emptyDetail,
+                                  lineWidth);
+}
+
 double columnHeight(const PaintContext& context) {
     return symbolSide + belowSymbol + CentredColumn::lineHeight(TextStyle::emptyTitle, context) + belowTitle +
-           CentredColumn::lineHeight(TextStyle::emptyDetail, context) + aboveButton + buttonHeight;
+           CentredColumn::lineHeight(TextStyle::emptyDetail, context) *
+               static_cast<double>(explanation(context).size()) +
+           aboveButton + buttonHeight;
 }
 
 double columnTop(const Rect& rect, const PaintContext& context) {
@@ -45,8 +54,7 @@ void PermissionStateView::paint(QPainter& painter, const Rect& rect, const Paint
     column.addSpace(belowSymbol);
     column.addText(display_text::singleLine(context.texts.permissionTitle), TextStyle::emptyTitle, theme.textPrimary);
     column.addSpace(belowTitle);
-    column.addText(display_text::singleLine(context.texts.permissionExplanation), TextStyle::emptyDetail,
-                   theme.textSecondary);
+    column.addText(explanation(context), TextStyle::emptyDetail, theme.textSecondary);
     paintButton(painter, button(rect, context), context);
 }
 

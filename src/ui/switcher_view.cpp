@@ -163,7 +163,9 @@ PaintContext SwitcherView::paintContext(double devicePixelRatio) {
 void SwitcherView::paintEvent(QPaintEvent* event) {
     applyModel();
     QPainter painter(this);
-    paintedRowCount_ = scene().paint(painter, geometry_, fromQt(event->rect()), paintContext(devicePixelRatioF()));
+    // The widget may be rendered into an image of another resolution than its window's.
+    const double scale = painter.deviceTransform().m11();
+    paintedRowCount_ = scene().paint(painter, geometry_, fromQt(event->rect()), paintContext(scale));
 }
 
 void SwitcherView::updateGeometry() {
