@@ -6,14 +6,34 @@
 namespace ferrowyn::x11test {
 namespace {
 
-using testing::ElementsAre;
+/// Divides the one screen of 1440 x 600 pixels, as a person's two monitors of different heights would.
+void divideScreen(const TestDesktop& desktop) {
+    const auto set = [&desktop](const char* name, std::int16_t x, std::uint16_t width, std::uint16_t height,
+                                std::uint8_t isPrimary) {
+        xcb_randr_monitor_info_t monitor{};
+        monitor.name = desktop.atom(name);
+        monitor.primary = isPrimary;
+        monitor.x = x;
+        monitor.width = width;
+        monitor.height = height;
+        xcb_randr_set_monitor(desktop.connection(), desktop.root(), &monitor);
+    };
+    set("left", 0, 800, 600, 1);
+    set("right", 800, 640, 480, 0);
+    xcb_flush(desktop.connection());
+}
+
+bool hasTwoScreens(const PanelRig& rig) {
+    return PanelRig::runUntil([&] {
+        const auto all = rig.screens->all();
+        return all.size() == 2 && all[0].frame == Rect{0, 0, 800, 600} && all[1].frame == Rect{800, 120, 640, 480};
+    });
+}
 
 TEST(ScreensTest, TwoMonitorsGrowUpwardFromThePrimaryOne) {
-    PanelRig rig({.screens = {"800x600x24", "640x480x24"}});
-    const auto all = rig.screens->all();
-    ASSERT_EQ(all.size(), 2U);
-    EXPECT_EQ(all[0].frame, (Rect{0, 0, 800, 600}));
-    EXPECT_EQ(all[1].frame, (Rect{800, 120, 640, 480}));
+    PanelRig rig({.screens = {"1440x600x24"}});
+    divideScreen(rig.desktop);
+    ASSERT_TRUE(hasTwoScreens(rig)) << "waited for the division to be noticed";
 
     const Rect onSecond{850, 300, 300, 200};
     rig.panel->prepare(onSecond);
@@ -22,12 +42,15 @@ TEST(ScreensTest, TwoMonitorsGrowUpwardFromThePrimaryOne) {
     EXPECT_EQ(rig.desktop.placeOf(*rig.desktop.visiblePanel()), (TestDesktop::Place{850, 100, 300, 200}));
     EXPECT_EQ(rig.desktop.pixel(900, 110), 0xCC3366U);
 
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > 0; }));
     rig.input.movePointer(900, 110);
     EXPECT_TRUE(PanelRig::runUntil([&] { return rig.pointer->location() == Point{900, 490}; }));
 }
 
 TEST(ScreensTest, TheMainScreenIsTheOneOfTheActiveWindow) {
-    PanelRig rig({.screens = {"800x600x24", "640x480x24"}});
+    PanelRig rig({.screens = {"1440x600x24"}});
+    divideScreen(rig.desktop);
+    ASSERT_TRUE(hasTwoScreens(rig));
     const TestWindow window(rig.server.display(), {.title = "On the second", .x = 900, .y = 50});
     ASSERT_TRUE(rig.desktop.waitForActiveWindow(window.id()));
     const auto place = rig.desktop.placeOf(window.id());
