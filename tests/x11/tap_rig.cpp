@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "platform/x11/xcb_reply.h"
+
 namespace ferrowyn::x11test {
 
 namespace {
@@ -18,13 +20,16 @@ constexpr std::uint64_t hidingFlags = event_flags::control | event_flags::option
 }  // namespace
 
 void TapRig::QuietLog::write(LogLevel level, std::string_view category, std::string_view message) {
-    if (level == LogLevel::error) {
+    if (level >= LogLevel::standard) {
         std::cerr << category << ": " << message << '\n';
     }
 }
 
 TapRig::TapRig(const std::string& display, const Options& options)
-    : options_(options), taps_(context_, log_, display), random_(options.seed) {
+    : options_(options),
+      taps_(context_, log_, display),
+      observer_(X11Connection::open(display.c_str())),
+      random_(options.seed) {
     tap_ =
         taps_.create(EventTaps::keyboardMask, options.trigger, [this](const TapEvent& event) { return handle(event); });
     if (tap_ == nullptr) {
@@ -42,7 +47,18 @@ TapRig::TapRig(const std::string& display, const Options& options)
         loop_->runFor(Seconds::zero());
         started.set_value();
         while (keepRunning_) {
-            loop_->runFor(Seconds(1));
+            int requested = 0;
+            {
+                const std::lock_guard guard(lock_);
+                requested = requestedLaps_;
+            }
+            // A pass of its own, because a stopped loop handles nothing.
+            loop_->runFor(requested > laps_ ? Seconds::zero() : Seconds(1));
+            {
+                const std::lock_guard guard(lock_);
+                laps_ = requested;
+            }
+            changed_.notify_all();
         }
     });
     started.get_future().wait();
@@ -225,13 +241,37 @@ void TapRig::forgetSeen() {
     seen_.clear();
 }
 
-std::u16string TapRig::typed() const {
-    const std::lock_guard guard(lock_);
+std::u16string TapRig::typedWhileWaiting() const {
     std::u16string all;
     for (const auto& event : seen_) {
         all += event.text;
     }
     return all;
+}
+
+bool TapRig::waitForOpenedWithin(int count, milliseconds budget) {
+    return waitUntil([&] { return opened_ >= count; }, budget);
+}
+
+bool TapRig::settle() {
+    // The server serves its clients in turn: after two round trips of one, all that others had sent before is done. A
+    // pass can make the tap ask something, and what came with the answer is for the next.
+    for (int pass = 0; pass < 3; ++pass) {
+        for (int trip = 0; trip < 2; ++trip) {
+            const XcbReply<xcb_get_input_focus_reply_t> reply(
+                xcb_get_input_focus_reply(observer_->get(), xcb_get_input_focus(observer_->get()), nullptr));
+        }
+        int lap = 0;
+        {
+            const std::lock_guard guard(lock_);
+            lap = ++requestedLaps_;
+        }
+        loop_->stop();
+        if (!waitUntil([&] { return laps_ >= lap && commands_.empty() && !isMainBusy_; })) {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::chrono::nanoseconds TapRig::tapThreadCpuTime() const {

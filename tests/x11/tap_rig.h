@@ -15,6 +15,7 @@
 
 #include "platform/event_tap.h"
 #include "platform/log.h"
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_event_taps.h"
 #include "platform/x11/x11_input_context.h"
 #include "tests/x11/harness/deadline.h"
@@ -70,8 +71,11 @@ public:
     [[nodiscard]] bool isVisible() const { return isVisible_; }
     [[nodiscard]] std::vector<Seen> seen() const;
     void forgetSeen();
-    /// What was typed in sessions, in order.
-    [[nodiscard]] std::u16string typed() const;
+    /// For predicates of `waitUntil`, which run under the lock.
+    [[nodiscard]] const std::vector<Seen>& seenWhileWaiting() const { return seen_; }
+    /// What was typed in sessions, in order; for predicates of `waitUntil`.
+    [[nodiscard]] std::u16string typedWhileWaiting() const;
+    [[nodiscard]] bool waitForOpenedWithin(int count, milliseconds budget);
     /// CPU time of the tap thread so far.
     [[nodiscard]] std::chrono::nanoseconds tapThreadCpuTime() const;
     /// Called on the tap thread as a trigger arrives.
@@ -103,6 +107,7 @@ private:
     QuietLog log_;
     X11InputContext context_;
     X11EventTaps taps_;
+    std::unique_ptr<X11Connection> observer_;
     std::shared_ptr<EventTap> tap_;
     std::shared_ptr<TapRunLoopSource> source_;
     std::shared_ptr<TapRunLoop> loop_;
@@ -121,6 +126,9 @@ private:
     std::vector<Seen> seen_;
     std::deque<Command> commands_;
     bool isMainBusy_ = false;
+    /// Counts the passes of the tap thread's loop that `settle` asked for.
+    int laps_ = 0;
+    int requestedLaps_ = 0;
     bool isEnding_ = false;
     std::mt19937 random_;
     std::thread mainThread_;

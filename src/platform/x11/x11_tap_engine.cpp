@@ -396,16 +396,17 @@ void X11TapEngine::refreshGrabs() {
             triggerKeyCodes_.push_back(*keyCode);
         }
     }
-    std::vector<std::uint32_t> modifiers;
-    if (const auto mask = layout_->maskOf(trigger_); mask != 0) {
-        for (const auto locks : layout_->lockCombinations()) {
-            modifiers.push_back(mask | locks);
-            modifiers.push_back(mask | XCB_MOD_MASK_SHIFT | locks);
-        }
-    } else {
+    const auto mask = layout_->maskOf(trigger_);
+    if (mask == 0) {
         log_.write(LogLevel::error, category, "No key of the keyboard has the switcher's modifier");
+        triggerKeyCodes_.clear();
     }
-    grabs_.setKeys(modifiers.empty() ? std::vector<std::uint32_t>() : triggerKeyCodes_, std::move(modifiers));
+    std::vector<std::uint32_t> modifiers;
+    for (const auto locks : layout_->lockCombinations()) {
+        modifiers.push_back(mask | locks);
+        modifiers.push_back(mask | XCB_MOD_MASK_SHIFT | locks);
+    }
+    grabs_.setKeys(triggerKeyCodes_, std::move(modifiers));
     if (!isEnabled_) {
         grabs_.remove();
     } else if (!seizure_.isHeld()) {
