@@ -106,6 +106,12 @@ void X11Screens::startListening() {
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                    XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     }
+    const auto* const xinerama = xcb_get_extension_data(events_.get(), &xcb_xinerama_id);
+    if (xinerama != nullptr && xinerama->present != 0) {
+        const XcbReply<xcb_xinerama_is_active_reply_t> active(
+            xcb_xinerama_is_active_reply(events_.get(), xcb_xinerama_is_active(events_.get()), nullptr));
+        hasXinerama_ = active && active->state != 0;
+    }
     eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { handle(event); });
 }
 
@@ -158,6 +164,9 @@ X11Screens::Requests X11Screens::request() const {
     if (hasRandr_) {
         requests.monitors = xcb_randr_get_monitors(events_.get(), events_.root(), 1);
     }
+    if (hasXinerama_) {
+        requests.heads = xcb_xinerama_query_screens(events_.get());
+    }
     requests.root = xcb_get_geometry(events_.get(), events_.root());
     requests.workArea = requestProperty(events_.root(), workArea, manyItems);
     requests.currentDesktop = requestProperty(events_.root(), currentDesktop, 1);
@@ -186,22 +195,7 @@ void X11Screens::collectMonitors(const Requests& requests) {
         rootWidth_ = root->width;
         rootHeight_ = root->height;
     }
-    std::vector<Monitor> found;
-    if (requests.monitors) {
-        const XcbReply<xcb_randr_get_monitors_reply_t> reply(
-            xcb_randr_get_monitors_reply(events_.get(), *requests.monitors, nullptr));
-        if (reply) {
-            for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem > 0;
-                 xcb_randr_monitor_info_next(&each)) {
-                const X11PixelRect frame{each.data->x, each.data->y, each.data->width, each.data->height};
-                found.push_back({frame, frame, each.data->primary != 0});
-            }
-        }
-    }
-    if (found.empty() && rootWidth_ > 0) {
-        const X11PixelRect frame{0, 0, rootWidth_, rootHeight_};
-        found.push_back({frame, frame, true});
-    }
+    auto found = collectFrames(requests);
     // Their visible parts are worked out once the struts are known; until then those that are known stay.
     for (auto& monitor : found) {
         const auto known = std::ranges::find(monitors_, monitor.frame, &Monitor::frame);
@@ -213,6 +207,39 @@ void X11Screens::collectMonitors(const Requests& requests) {
         monitors_ = std::move(found);
         changes_.send(true);
     }
+}
+
+std::vector<X11Screens::Monitor> X11Screens::collectFrames(const Requests& requests) const {
+    std::vector<Monitor> found;
+    if (requests.monitors) {
+        const XcbReply<xcb_randr_get_monitors_reply_t> reply(
+            xcb_randr_get_monitors_reply(events_.get(), *requests.monitors, nullptr));
+        for (auto each = reply ? xcb_randr_get_monitors_monitors_iterator(reply.get())
+                               : xcb_randr_monitor_info_iterator_t{};
+             each.rem > 0; xcb_randr_monitor_info_next(&each)) {
+            const X11PixelRect frame{each.data->x, each.data->y, each.data->width, each.data->height};
+            found.push_back({frame, frame, each.data->primary != 0});
+        }
+    }
+    if (requests.heads) {
+        const XcbReply<xcb_xinerama_query_screens_reply_t> reply(
+            xcb_xinerama_query_screens_reply(events_.get(), *requests.heads, nullptr));
+        const int count = reply ? xcb_xinerama_query_screens_screen_info_length(reply.get()) : 0;
+        if (count > static_cast<int>(found.size())) {
+            found.clear();
+            const auto* const heads = xcb_xinerama_query_screens_screen_info(reply.get());
+            for (int index = 0; index < count; ++index) {
+                const X11PixelRect frame{heads[index].x_org, heads[index].y_org, heads[index].width,
+                                         heads[index].height};
+                found.push_back({frame, frame, index == 0});
+            }
+        }
+    }
+    if (found.empty() && rootWidth_ > 0) {
+        const X11PixelRect frame{0, 0, rootWidth_, rootHeight_};
+        found.push_back({frame, frame, true});
+    }
+    return found;
 }
 
 std::vector<X11Screens::StrutRequest> X11Screens::requestStruts() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <xcb/randr.h>
+#include <xcb/xinerama.h>
 
 #include <functional>
 #include <optional>
@@ -38,6 +39,7 @@ private:
     };
     struct Requests {
         std::optional<xcb_randr_get_monitors_cookie_t> monitors;
+        std::optional<xcb_xinerama_query_screens_cookie_t> heads;
         xcb_get_geometry_cookie_t root;
         xcb_get_property_cookie_t workArea;
         xcb_get_property_cookie_t currentDesktop;
@@ -56,6 +58,7 @@ private:
     [[nodiscard]] Requests request() const;
     void collect(const Requests& requests);
     void collectMonitors(const Requests& requests);
+    [[nodiscard]] std::vector<Monitor> collectFrames(const Requests& requests) const;
     [[nodiscard]] std::vector<StrutRequest> requestStruts() const;
     void collectStruts(const std::vector<StrutRequest>& requests);
     void arrange();
@@ -66,6 +69,8 @@ private:
     X11PanelEvents& events_;
     std::vector<xcb_atom_t> atoms_;
     bool hasRandr_ = false;
+    /// A server that joins several screens into one in the old way; its RandR knows nothing of them.
+    bool hasXinerama_ = false;
     std::uint8_t randrFirstEvent_ = 0;
 
     int rootWidth_ = 0;
