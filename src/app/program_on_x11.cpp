@@ -35,6 +35,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     QtBackgroundWork backgroundWork;
     IniUserDefaults userDefaults(XdgFolders::fromEnvironment().configHome / "Ferrowyn/Ferrowyn.ini", log);
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
+    log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     instance.listen([&log] { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
     return QApplication::exec();
 }
