@@ -165,7 +165,7 @@ TEST_F(IniUserDefaultsTest, ReadsFilesOfOtherSystems) {
 
 TEST_F(IniUserDefaultsTest, KeepsADamagedFileAsideAndStartsWithTheDefaults) {
     const std::vector<std::string> damaged{
-        std::string("[switcher]\nlayout=\"grid\"\n\0\0\0", 30),
+        std::string("[switcher]\nlayout=\"grid\"\n\0\0\0", 28),
         "no entry at all\n",
         "[switcher\n",
         "[s]\nlayout=\"cut of",
