@@ -47,7 +47,8 @@ protected:
 
 std::vector<WindowId> idsOf(const InventoryReading& reading) {
     std::vector<WindowId> ids;
-    for (const auto& entry : reading.windowList().value()) {
+    const auto list = reading.windowList().value();
+    for (const auto& entry : list) {
         ids.push_back(entry.id.value());
     }
     return ids;
