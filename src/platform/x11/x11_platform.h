@@ -15,6 +15,8 @@ struct X11PlatformOptions {
     std::string display;
     /// Messages below it are dropped.
     LogLevel minimumLogLevel = LogLevel::standard;
+    /// Messages go to standard error even when that is no terminal.
+    bool mirrorsLog = false;
     /// Told once when the X server is gone. By default the program ends with status 1, since there is nothing left that
     /// it could do.
     std::function<void()> onConnectionLost;
