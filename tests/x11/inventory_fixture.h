@@ -15,6 +15,7 @@
 #include "platform/x11/x11_accessibility_observers.h"
 #include "platform/x11/x11_desktop_monitor.h"
 #include "platform/x11/x11_desktop_reader.h"
+#include "platform/x11/x11_element.h"
 #include "platform/x11/x11_inventory_reading.h"
 #include "platform/x11/x11_trust.h"
 #include "platform/x11/x11_window_control.h"
