@@ -1,9 +1,5 @@
 #include "platform/qt/lettered_tile.h"
 
-#include <unicode/brkiter.h>
-#include <unicode/locid.h>
-#include <unicode/unistr.h>
-
 #include <QColor>
 #include <QFont>
 #include <QFontMetricsF>
@@ -11,9 +7,11 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <numbers>
 
+#include "core/graphemes.h"
+#include "core/text.h"
+#include "core/text_encoding.h"
 #include "platform/qt/pixel_buffer_image.h"
 
 namespace ferrowyn {
@@ -29,26 +27,14 @@ constexpr double emSize = 18.0 / 32.0;
 constexpr double widestLetter = 24.0 / 32.0;
 
 std::string firstCharacter(std::string_view name) {
-    auto text = icu::UnicodeString::fromUTF8(icu::StringPiece(name.data(), static_cast<int32_t>(name.size())));
-    text.trim();
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::BreakIterator> characters(
-        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    if (U_FAILURE(status) != 0 || text.isEmpty()) {
+    const auto repaired = text::repairedUtf8(name);
+    const auto characters = text::characters(text::trimmingWhitespaceAndNewlines(repaired));
+    if (characters.empty()) {
         return {};
     }
-    characters->setText(text);
-    auto first = text.tempSubString(0, characters->next());
     // Upper case can be two letters ("ß" becomes "SS"); a tile has room for one.
-    icu::UnicodeString upper(first);
-    upper.toUpper(icu::Locale::getRoot());
-    characters->setText(upper);
-    if (characters->next() == upper.length()) {
-        first = upper;
-    }
-    std::string utf8;
-    first.toUTF8String(utf8);
-    return utf8;
+    auto upper = text::uppercased(characters.front());
+    return text::characterCount(upper) == 1 ? upper : std::string(characters.front());
 }
 
 /// FNV-1a: std::hash may differ from one library to the next, and with it the colours people got used to.
