@@ -7,7 +7,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg DBus Network)
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-ewmh xcb-icccm xcb-xinput xcb-xtest xcb-res xcb-randr xcb-xkb
-                                                 xcb-xfixes xcb-shape xcb-shm xcb-damage xcb-sync xcb-image xcb-render)
+                                                 xcb-xfixes xcb-shape xcb-shm xcb-damage xcb-sync xcb-image xcb-render xcb-xinerama)
   pkg_check_modules(XKBCOMMON REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11)
   pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
 endif()

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/text_encoding.h"
 #include "platform/linux/ini_value.h"
 
 namespace ferrowyn {
@@ -45,25 +46,25 @@ std::string entryText(std::string_view name, const DefaultsValue& value) {
 
 }  // namespace
 
-std::optional<IniDocument> IniDocument::parse(std::string_view text) {
-    if (text.find('\0') != std::string_view::npos || !isUtf8(text)) {
+std::optional<IniDocument> IniDocument::parse(std::string_view content) {
+    if (content.find('\0') != std::string_view::npos || !text::isValidUtf8(content)) {
         return std::nullopt;
     }
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (text.starts_with(byteOrderMark)) {
-        text.remove_prefix(byteOrderMark.size());
+    if (content.starts_with(byteOrderMark)) {
+        content.remove_prefix(byteOrderMark.size());
     }
     IniDocument document;
     std::string group;
-    while (!text.empty()) {
-        const auto end = std::min(text.find('\n'), text.size());
-        auto line = parseLine(text.substr(0, end), group);
+    while (!content.empty()) {
+        const auto end = std::min(content.find('\n'), content.size());
+        auto line = parseLine(content.substr(0, end), group);
         if (!line) {
             return std::nullopt;
         }
         group = line->group;
         document.lines_.push_back(*std::move(line));
-        text.remove_prefix(std::min(end + 1, text.size()));
+        content.remove_prefix(std::min(end + 1, content.size()));
     }
     return document;
 }

@@ -19,7 +19,7 @@ namespace ferrowyn {
 class IniDocument {
 public:
     /// Nothing when this is not such a file (binary, cut off, not UTF-8).
-    [[nodiscard]] static std::optional<IniDocument> parse(std::string_view text);
+    [[nodiscard]] static std::optional<IniDocument> parse(std::string_view content);
 
     [[nodiscard]] std::map<std::string, DefaultsValue, std::less<>> values() const;
     void set(std::string_view key, const DefaultsValue& value);

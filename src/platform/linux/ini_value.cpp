@@ -1,7 +1,6 @@
 #include "platform/linux/ini_value.h"
 
 #include <fmt/format.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <charconv>
@@ -9,6 +8,8 @@
 #include <system_error>
 #include <type_traits>
 #include <vector>
+
+#include "core/text_encoding.h"
 
 namespace ferrowyn {
 
@@ -118,24 +119,17 @@ DefaultsValue parseBareValue(std::string_view text) {
 
 }  // namespace
 
-bool isUtf8(std::string_view text) {
-    UErrorCode status = U_ZERO_ERROR;
-    int32_t length = 0;
-    u_strFromUTF8(nullptr, 0, &length, text.data(), static_cast<int32_t>(text.size()), &status);
-    return status == U_BUFFER_OVERFLOW_ERROR || U_SUCCESS(status) != 0;
-}
-
 std::string_view trimmedBlanks(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
     return first == std::string_view::npos ? std::string_view{}
                                            : text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-std::string quotedIniText(std::string_view text) {
+std::string quotedIniText(std::string_view content) {
     // Bytes that are no UTF-8 (a file name can hold any) would make the whole file unreadable.
-    const bool isText = isUtf8(text);
+    const bool isText = text::isValidUtf8(content);
     std::string quoted = "\"";
-    for (const char character : text) {
+    for (const char character : content) {
         const auto byte = static_cast<unsigned char>(character);
         if (character == '"' || character == '\\') {
             quoted += {'\\', character};

@@ -49,6 +49,8 @@ void chooseTheme() {
             return;
         }
     }
+    // Without any name the toolkit would not even look there.
+    QIcon::setThemeName("hicolor");
 }
 
 std::optional<std::filesystem::path> pixmapFile(const std::string& name) {

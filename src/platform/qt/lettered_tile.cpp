@@ -1,17 +1,17 @@
 #include "platform/qt/lettered_tile.h"
 
-#include <unicode/brkiter.h>
-#include <unicode/locid.h>
-#include <unicode/unistr.h>
-
 #include <QColor>
 #include <QFont>
 #include <QFontMetricsF>
 #include <QLinearGradient>
 #include <QPainter>
 #include <algorithm>
-#include <memory>
+#include <cmath>
+#include <numbers>
 
+#include "core/graphemes.h"
+#include "core/text.h"
+#include "core/text_encoding.h"
 #include "platform/qt/pixel_buffer_image.h"
 
 namespace ferrowyn {
@@ -27,26 +27,14 @@ constexpr double emSize = 18.0 / 32.0;
 constexpr double widestLetter = 24.0 / 32.0;
 
 std::string firstCharacter(std::string_view name) {
-    auto text = icu::UnicodeString::fromUTF8(icu::StringPiece(name.data(), static_cast<int32_t>(name.size())));
-    text.trim();
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::BreakIterator> characters(
-        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    if (U_FAILURE(status) != 0 || text.isEmpty()) {
+    const auto repaired = text::repairedUtf8(name);
+    const auto characters = text::characters(text::trimmingWhitespaceAndNewlines(repaired));
+    if (characters.empty()) {
         return {};
     }
-    characters->setText(text);
-    auto first = text.tempSubString(0, characters->next());
     // Upper case can be two letters ("ß" becomes "SS"); a tile has room for one.
-    icu::UnicodeString upper(first);
-    upper.toUpper(icu::Locale::getRoot());
-    characters->setText(upper);
-    if (characters->next() == upper.length()) {
-        first = upper;
-    }
-    std::string utf8;
-    first.toUTF8String(utf8);
-    return utf8;
+    auto upper = text::uppercased(characters.front());
+    return text::characterCount(upper) == 1 ? upper : std::string(characters.front());
 }
 
 /// FNV-1a: std::hash may differ from one library to the next, and with it the colours people got used to.
@@ -56,6 +44,14 @@ int stableHue(std::string_view name) {
         hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619U;
     }
     return static_cast<int>(hash % hueCount);
+}
+
+/// Yellow and green look brighter than other hues, too bright for a white letter, so that they are made darker.
+QColor tileColour(int hue, float lightness) {
+    constexpr float brightestHue = 90.0F;
+    constexpr float degree = std::numbers::pi_v<float> / 180.0F;
+    const float brightness = std::max(0.0F, std::cos((static_cast<float>(hue) - brightestHue) * degree));
+    return QColor::fromHslF(static_cast<float>(hue) / hueCount, 0.55F, lightness - 0.16F * brightness);
 }
 
 QFont letterFont(const QString& letter, double side) {
@@ -90,10 +86,10 @@ PixelBuffer LetteredTile::render(int side) const {
     painter.setRenderHint(QPainter::Antialiasing);
 
     const QRectF tile(0, 0, side, side);
-    // Dark enough for white text in every hue, with a little light from above.
+    // With a little light from above.
     QLinearGradient gradient(tile.topLeft(), tile.bottomLeft());
-    gradient.setColorAt(0, QColor::fromHslF(static_cast<float>(hue_) / hueCount, 0.55F, 0.52F));
-    gradient.setColorAt(1, QColor::fromHslF(static_cast<float>(hue_) / hueCount, 0.60F, 0.40F));
+    gradient.setColorAt(0, tileColour(hue_, 0.54F));
+    gradient.setColorAt(1, tileColour(hue_, 0.42F));
     painter.setPen(Qt::NoPen);
     painter.setBrush(gradient);
     painter.drawRoundedRect(tile, side * cornerRadius, side * cornerRadius);

@@ -104,7 +104,7 @@ public:
 
     /// Every call of `WindowControl` and `Workspace::open`, in order, as "raise 7", "activate 100", "open <url>",
     /// "timeout 7 0.5", "focusedWindow 100 7", "unhide 100", "unminimize 7", "main 7", "focused 7", "frontmost 100".
-    [[nodiscard]] std::vector<std::string> takeControlCalls();
+    std::vector<std::string> takeControlCalls();
 
     // --- trust and secure input
     // ---------------------------------------------------------------------------------------
@@ -152,13 +152,13 @@ public:
     void setFileHasIcon(std::string path, bool hasIcon);
     void setProcessHasIcon(Pid pid, bool hasIcon);
     /// "file <path>", "process <pid>", "generic <name>".
-    [[nodiscard]] std::vector<std::string> takeIconLoads();
+    std::vector<std::string> takeIconLoads();
     [[nodiscard]] UserDefaults& userDefaults();
     /// Every value written to the store, in order, with its key.
     [[nodiscard]] const std::vector<std::pair<std::string, DefaultsValue>>& storedValues() const;
 
     using LogLine = SimulatedLogLine;
-    [[nodiscard]] std::vector<LogLine> takeLog();
+    std::vector<LogLine> takeLog();
 
 private:
     class Implementation;

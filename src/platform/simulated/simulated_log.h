@@ -21,7 +21,7 @@ class SimulatedLog final : public Log {
 public:
     void write(LogLevel level, std::string_view category, std::string_view message) override;
 
-    [[nodiscard]] std::vector<SimulatedLogLine> take();
+    std::vector<SimulatedLogLine> take();
 
 private:
     std::mutex lock_;

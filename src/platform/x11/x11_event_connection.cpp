@@ -42,6 +42,7 @@ void X11EventConnection::drain() {
     }
     isDraining_ = true;
     bool hasProgress = true;
+    bool hasDelivered = false;
     while (hasProgress) {
         hasProgress = false;
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(get())}) {
@@ -49,8 +50,13 @@ void X11EventConnection::drain() {
             onEvent_(*event);
         }
         hasProgress = deliverAnswered() || hasProgress;
+        hasDelivered = hasDelivered || hasProgress;
     }
     isDraining_ = false;
+    if (hasDelivered) {
+        // The loop may be about to sleep for as long as it decided before this; what was started here counts as well.
+        QAbstractEventDispatcher::instance()->wakeUp();
+    }
     if (!connection_->isAlive()) {
         noticeLoss();
     }

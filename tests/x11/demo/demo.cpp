@@ -148,9 +148,9 @@ private:
     void typedFilter() {
         step("Typing filters; the window on the other desktop is found");
         open("Alt held, Tab");
-        type("clock", {key::c, key::l, key::o, key::c, key::k});
+        type("notes", {key::n, key::o, key::t, key::e, key::s});
         pictureOfPanel("filtered", [](const auto& place) { return place.height == listHeight(1); });
-        finish("Return", key::enter, desk_.clock);
+        finish("Return", key::enter, desk_.notes);
         report(desk_.desktop.waitUntil([&] { return desk_.desktop.currentDesktop() == 1; }), "the desktop followed");
     }
 

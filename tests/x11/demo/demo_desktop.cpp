@@ -89,15 +89,15 @@ void DemoDesktop::arrange() {
     const std::string documents = server.home().path() + "/Documents";
     desktop.setDesktopCount(2);
     files = launch({"pcmanfm", "--no-desktop", documents}, {60, 80, 560, 380});
-    clock = launch({"xclock", "-title", "Clock — Berlin"}, {900, 60, 220, 220});
+    notes = launch({"xedit", "-title", "Notes — Berlin.txt"}, {860, 60, 380, 260});
     calculator = launch({"xcalc", "-title", "Calculator"}, {980, 320, 220, 300});
     editor = launch({"mousepad", "--disable-server", documents + "/Minutes.txt"}, {420, 60, 520, 360});
     build = launch({"xterm", "-T", "build: cmake --build --preset release"}, {80, 430, 520, 300});
     shell = launch({"xterm", "-T", "ssh build@larkmoor: ~/src/ferrowyn"}, {640, 440, 560, 300});
-    desktop.moveToDesktop(clock, 1);
+    desktop.moveToDesktop(notes, 1);
     require(desktop.waitUntil(
-                [&] { return desktop.cardinals(clock, "_NET_WM_DESKTOP") == std::vector<std::uint32_t>{1}; }, patience),
-            "the clock to be on the second desktop");
+                [&] { return desktop.cardinals(notes, "_NET_WM_DESKTOP") == std::vector<std::uint32_t>{1}; }, patience),
+            "the notes to be on the second desktop");
     desktop.watchProperties(calculator);
     desktop.iconify(calculator);
     require(desktop.waitUntil([&] { return desktop.hasState(calculator, "_NET_WM_STATE_HIDDEN"); }),

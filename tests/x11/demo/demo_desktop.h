@@ -26,7 +26,7 @@ public:
     std::unique_ptr<FerrowynProgram> program;
 
     xcb_window_t files = 0;
-    xcb_window_t clock = 0;
+    xcb_window_t notes = 0;
     xcb_window_t calculator = 0;
     xcb_window_t editor = 0;
     xcb_window_t build = 0;

@@ -1,0 +1,113 @@
+#include "app/command_line.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace ferrowyn {
+
+namespace {
+
+template <typename Value>
+using Choice = std::pair<std::string_view, Value>;
+
+constexpr std::array desktops{
+    Choice<CommandLine::Desktop>{"x11", CommandLine::Desktop::x11},
+    Choice<CommandLine::Desktop>{"simulated", CommandLine::Desktop::simulated},
+};
+constexpr std::array logLevels{
+    Choice<LogLevel>{"debug", LogLevel::debug},
+    Choice<LogLevel>{"default", LogLevel::standard},
+    Choice<LogLevel>{"error", LogLevel::error},
+};
+
+template <typename Value, std::size_t count>
+std::optional<Value> choose(const std::array<Choice<Value>, count>& choices, std::string_view text) {
+    for (const auto& [name, value] : choices) {
+        if (name == text) {
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
+template <typename Value, std::size_t count>
+CommandLineError badValue(const std::array<Choice<Value>, count>& choices, std::string_view option,
+                          std::string_view text) {
+    std::string names;
+    for (std::size_t at = 0; at < count; ++at) {
+        names += at == 0 ? "" : at + 1 == count ? " or " : ", ";
+        names += choices[at].first;
+    }
+    return {fmt::format("{} must be {}, not \"{}\"", option, names, text)};
+}
+
+/// Sets what an option with a value asks for; nothing went wrong when the answer is empty.
+std::optional<CommandLineError> apply(CommandLine& line, std::string_view option, std::string_view value) {
+    if (option == "--platform") {
+        const auto desktop = choose(desktops, value);
+        if (!desktop) {
+            return badValue(desktops, option, value);
+        }
+        line.desktop = *desktop;
+    } else {
+        line.logLevel = choose(logLevels, value);
+        if (!line.logLevel) {
+            return badValue(logLevels, option, value);
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments) {
+    CommandLine line;
+    while (!arguments.empty()) {
+        const std::string_view argument = arguments.front();
+        arguments = arguments.subspan(1);
+        if (argument == "--help" || argument == "-h") {
+            return CommandLine{.action = CommandLine::Action::showHelp};
+        }
+        if (argument == "--version") {
+            return CommandLine{.action = CommandLine::Action::showVersion};
+        }
+        const auto equals = argument.find('=');
+        const auto option = argument.substr(0, equals);
+        if (option != "--platform" && option != "--log-level") {
+            return CommandLineError{
+                fmt::format("unknown {} \"{}\"", argument.starts_with('-') ? "option" : "argument", argument)};
+        }
+        std::string_view value;
+        if (equals != std::string_view::npos) {
+            value = argument.substr(equals + 1);
+        } else if (!arguments.empty()) {
+            value = arguments.front();
+            arguments = arguments.subspan(1);
+        } else {
+            return CommandLineError{fmt::format("{} needs a value", option)};
+        }
+        if (auto error = apply(line, option, value)) {
+            return *std::move(error);
+        }
+    }
+    return line;
+}
+
+std::string_view helpText() {
+    return "Usage: ferrowyn [options]\n"
+           "\n"
+           "Switches between all open windows: hold Alt and press Tab.\n"
+           "\n"
+           "Options:\n"
+           "  --platform=x11|simulated         The desktop to work on: the X11 session (the default),\n"
+           "                                   or a simulated one without a display, for trying out\n"
+           "  --log-level=debug|default|error  What to log, and log to standard error as well as to the\n"
+           "                                   journal; without it only a terminal gets the messages\n"
+           "  -h, --help                       Show this text\n"
+           "  --version                        Show the version\n";
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "platform/log.h"
+
+namespace ferrowyn {
+
+/// What the user asks of the program when starting it.
+struct CommandLine {
+    enum class Action { run, showHelp, showVersion };
+    enum class Desktop { x11, simulated };
+
+    Action action = Action::run;
+    Desktop desktop = Desktop::x11;
+    /// Absent when the user did not ask for a level.
+    std::optional<LogLevel> logLevel;
+
+    friend bool operator==(const CommandLine&, const CommandLine&) = default;
+};
+
+/// Says what is wrong with the arguments, for the user.
+struct CommandLineError {
+    std::string message;
+};
+
+/// `arguments` without the program's name. A value stands after "=" or as the next argument; the last of several
+/// values counts. Help and version win over everything that follows them.
+[[nodiscard]] std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments);
+
+[[nodiscard]] std::string_view helpText();
+
+}  // namespace ferrowyn

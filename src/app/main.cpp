@@ -1,0 +1,39 @@
+#include <iostream>
+#include <span>
+#include <variant>
+
+#include "app/command_line.h"
+#include "app/program.h"
+
+namespace {
+
+int run(const ferrowyn::CommandLine& line, int& argumentCount, char** arguments) {
+    using ferrowyn::CommandLine;
+    switch (line.action) {
+        case CommandLine::Action::showHelp:
+            std::cout << ferrowyn::helpText();
+            return ferrowyn::exit_status::success;
+        case CommandLine::Action::showVersion:
+            std::cout << "ferrowyn " << FERROWYN_VERSION << "\n";
+            return ferrowyn::exit_status::success;
+        case CommandLine::Action::run:
+            break;
+    }
+    return line.desktop == CommandLine::Desktop::simulated
+               ? ferrowyn::runOnSimulatedDesktop(line, argumentCount, arguments)
+               : ferrowyn::runOnX11(line, argumentCount, arguments);
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    const std::span<const char* const> all(arguments, static_cast<std::size_t>(argumentCount));
+    const auto parsed = ferrowyn::parseCommandLine(all.subspan(all.empty() ? 0 : 1));
+    if (const auto* error = std::get_if<ferrowyn::CommandLineError>(&parsed)) {
+        std::cerr << "ferrowyn: " << error->message << "\nTry \"ferrowyn --help\".\n";
+        return ferrowyn::exit_status::badCommandLine;
+    }
+    // The toolkit has options of its own, which are not this program's.
+    int toolkitArgumentCount = argumentCount > 0 ? 1 : 0;
+    return run(std::get<ferrowyn::CommandLine>(parsed), toolkitArgumentCount, arguments);
+}

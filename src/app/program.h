@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/command_line.h"
+#include "platform/linux/journal_log.h"
+
+namespace ferrowyn {
+
+/// Exit statuses, as the shell sees them.
+namespace exit_status {
+inline constexpr int success = 0;
+/// The desktop cannot be worked with.
+inline constexpr int unusableDesktop = 1;
+inline constexpr int badCommandLine = 2;
+}  // namespace exit_status
+
+/// Someone who asks for a level wants to read the log: then it goes to standard error in any case.
+[[nodiscard]] inline JournalLog makeLog(const CommandLine& line) {
+    return {line.logLevel.value_or(LogLevel::standard),
+            line.logLevel ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal};
+}
+
+/// Each runs the program on its desktop until it is asked to quit, and answers the exit status. `argumentCount` and
+/// `arguments` are for the toolkit, which keeps references to them.
+[[nodiscard]] int runOnX11(const CommandLine& line, int& argumentCount, char** arguments);
+[[nodiscard]] int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** arguments);
+
+}  // namespace ferrowyn

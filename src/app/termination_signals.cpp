@@ -1,0 +1,63 @@
+#include "app/termination_signals.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <QSocketNotifier>
+#include <array>
+#include <cerrno>
+#include <utility>
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::array handledSignals{SIGTERM, SIGINT, SIGHUP};
+
+/// A signal handler can reach nothing else: the reading and the writing end of a pipe.
+std::array<int, 2> signalPipe{-1, -1};
+
+extern "C" void writeToSignalPipe(int /*signal*/) {
+    const int savedError = errno;
+    const char byte = 1;
+    [[maybe_unused]] const auto ignored = ::write(signalPipe[1], &byte, 1);
+    errno = savedError;
+}
+
+void setHandlers(void (*handler)(int), int flags) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = flags;
+    sigemptyset(&action.sa_mask);
+    for (const int signal : handledSignals) {
+        sigaction(signal, &action, nullptr);
+    }
+}
+
+}  // namespace
+
+TerminationSignals::TerminationSignals(std::function<void()> onSignal) : onSignal_(std::move(onSignal)) {
+    if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+        return;  // Without a pipe the signals end the program the hard way, as they do by default.
+    }
+    notifier_ = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
+        notifier_->setEnabled(false);
+        onSignal_();
+    });
+    // Back to the default after the first one.
+    setHandlers(writeToSignalPipe, SA_RESTART | static_cast<int>(SA_RESETHAND));
+}
+
+TerminationSignals::~TerminationSignals() {
+    setHandlers(SIG_DFL, 0);
+    notifier_.reset();
+    for (int& end : signalPipe) {
+        if (end >= 0) {
+            ::close(std::exchange(end, -1));
+        }
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,69 @@
+#include "platform/x11/x11_compositor.h"
+
+#include <xcb/xfixes.h>
+
+#include <string>
+#include <utility>
+
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+namespace {
+
+/// The selection of the screen that is used: its number is its place among the server's screens.
+std::string selectionName(const X11Connection& connection) {
+    int number = 0;
+    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get())); screens.rem > 0;
+         xcb_screen_next(&screens), ++number) {
+        if (screens.data->root == connection.root()) {
+            break;
+        }
+    }
+    return "_NET_WM_CM_S" + std::to_string(number);
+}
+
+}  // namespace
+
+X11Compositor::X11Compositor(X11PanelEvents& events) {
+    xcb_connection_t* const connection = events.get();
+    selection_ = events.connection().internAtoms({selectionName(events.connection())}).front();
+    if (const auto* const extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+        extension != nullptr && extension->present != 0) {
+        firstEvent_ = extension->first_event;
+        // The server refuses every other request of the extension before it has been asked for its version.
+        const auto version = xcb_xfixes_query_version(connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
+        xcb_discard_reply(connection, version.sequence);
+        xcb_xfixes_select_selection_input(connection, events.root(), selection_,
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+        eventSubscription_ = events.observe([this](const xcb_generic_event_t& event) { handle(event); });
+    }
+    // Asked after the events are on, so that no start or stop falls between the two.
+    const XcbReply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection_), nullptr));
+    owner_ = owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+Subscription X11Compositor::observe(std::function<void(bool)> handler) const {
+    return changes_.subscribe([handler = std::move(handler)](const bool& isRunning) { handler(isRunning); });
+}
+
+void X11Compositor::handle(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7FU) != firstEvent_ + XCB_XFIXES_SELECTION_NOTIFY) {
+        return;
+    }
+    const auto& notification = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
+    if (notification.selection != selection_) {
+        return;
+    }
+    const bool wasRunning = isRunning();
+    // The owner is named also when its window or its client is what has just gone.
+    owner_ = notification.subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER ? notification.owner
+                                                                                    : xcb_window_t{XCB_WINDOW_NONE};
+    if (isRunning() != wasRunning) {
+        changes_.send(isRunning());
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,74 @@
+#include "platform/x11/x11_event_tap.h"
+
+#include <utility>
+
+namespace ferrowyn {
+
+X11EventTap::X11EventTap(std::unique_ptr<X11TapEngine> engine) : engine_(std::move(engine)) {}
+
+X11EventTap::~X11EventTap() {
+    invalidate();
+}
+
+void X11EventTap::setEnabled(bool enabled) {
+    {
+        const std::lock_guard guard(engineLock_);
+        isEnabled_.store(enabled && engine_ != nullptr && isConnected_);
+    }
+    mailbox_.post({enabled ? X11TapRequest::Kind::enable : X11TapRequest::Kind::disable, {}});
+}
+
+void X11EventTap::invalidate() {
+    const std::lock_guard guard(engineLock_);
+    isEnabled_.store(false);
+    engine_.reset();
+    // The loop may be waiting on the connection that is gone now.
+    mailbox_.wake();
+}
+
+void X11EventTap::setTrigger(SwitcherModifier modifier) {
+    mailbox_.post({X11TapRequest::Kind::setTrigger, modifier});
+}
+
+void X11EventTap::setSessionOpen(bool isOpen) {
+    mailbox_.post({isOpen ? X11TapRequest::Kind::openSession : X11TapRequest::Kind::closeSession, {}});
+}
+
+void X11EventTap::noteKeyboardUnavailable() {
+    mailbox_.post({X11TapRequest::Kind::keyboardUnavailable, {}});
+}
+
+void X11EventTap::probeKeyboard() {
+    mailbox_.post({X11TapRequest::Kind::probeKeyboard, {}});
+}
+
+int X11EventTap::connectionDescriptor() const {
+    const std::lock_guard guard(engineLock_);
+    return engine_ != nullptr && isConnected_ ? engine_->connection().fileDescriptor() : -1;
+}
+
+std::optional<X11TapEngine::Clock::time_point> X11EventTap::deadline() const {
+    const std::lock_guard guard(engineLock_);
+    return engine_ != nullptr && isConnected_ ? engine_->deadline() : std::nullopt;
+}
+
+void X11EventTap::serve() {
+    mailbox_.acknowledge();
+    const std::lock_guard guard(engineLock_);
+    while (const auto request = mailbox_.take()) {
+        if (engine_ == nullptr || !isConnected_) {
+            continue;
+        }
+        if (request->kind == X11TapRequest::Kind::keyboardUnavailable) {
+            isEnabled_.store(false);
+        }
+        engine_->handle(*request);
+    }
+    if (engine_ != nullptr && isConnected_ && !engine_->serve()) {
+        // For good: a dead descriptor is always readable and must not be waited on.
+        isConnected_ = false;
+        isEnabled_.store(false);
+    }
+}
+
+}  // namespace ferrowyn

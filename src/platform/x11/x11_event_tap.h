@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "platform/event_tap.h"
+#include "platform/x11/x11_tap_engine.h"
+#include "platform/x11/x11_tap_mailbox.h"
+
+namespace ferrowyn {
+
+/// The tap as other threads see it: requests go to the tap thread through the mailbox and never wait for it; only
+/// `invalidate` waits, for the event that is being handled and for the server.
+class X11EventTap final : public EventTap {
+public:
+    explicit X11EventTap(std::unique_ptr<X11TapEngine> engine);
+    ~X11EventTap() override;
+
+    void setEnabled(bool enabled) override;
+    [[nodiscard]] bool isEnabled() const override { return isEnabled_.load(); }
+    void invalidate() override;
+    void setTrigger(SwitcherModifier modifier) override;
+    void setSessionOpen(bool isOpen) override;
+
+    /// The keyboard belongs to somebody else by now, such as a screen locker. Any thread.
+    void noteKeyboardUnavailable();
+    /// Tries whether another client still holds the keyboard. Any thread.
+    void probeKeyboard();
+
+    /// What the loop waits for: requests, and the server; the latter is -1 when there is no server any more.
+    [[nodiscard]] int mailboxDescriptor() const { return mailbox_.fileDescriptor(); }
+    [[nodiscard]] int connectionDescriptor() const;
+    [[nodiscard]] std::optional<X11TapEngine::Clock::time_point> deadline() const;
+    /// Handles all that is waiting. Tap thread.
+    void serve();
+
+private:
+    X11TapMailbox mailbox_;
+    std::atomic<bool> isEnabled_{false};
+    /// Held while the tap thread serves, so that an invalidated tap delivers nothing any more.
+    mutable std::mutex engineLock_;
+    /// Null once the tap is invalidated.
+    std::unique_ptr<X11TapEngine> engine_;
+    bool isConnected_ = true;
+};
+
+}  // namespace ferrowyn

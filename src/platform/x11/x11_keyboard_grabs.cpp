@@ -1,0 +1,120 @@
+#include "platform/x11/x11_keyboard_grabs.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/log.h"
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+
+}  // namespace
+
+void X11KeyboardGrabs::setKeys(std::vector<std::uint32_t> keyCodes, std::vector<std::uint32_t> modifiers) {
+    std::sort(modifiers.begin(), modifiers.end());
+    keyCodes_ = std::move(keyCodes);
+    modifiers_ = std::move(modifiers);
+}
+
+void X11KeyboardGrabs::readDevices() {
+    auto* const connection = connection_.get();
+    const XcbReply<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
+        connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr));
+    if (reply == nullptr) {
+        return;
+    }
+    masters_.clear();
+    bool hasMaster = false;
+    for (auto device = xcb_input_xi_query_device_infos_iterator(reply.get()); device.rem > 0;
+         xcb_input_xi_device_info_next(&device)) {
+        if (device.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD) {
+            masters_[device.data->deviceid] = device.data->attachment;
+        } else if (device.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD && !std::exchange(hasMaster, true)) {
+            mainMaster_ = device.data->deviceid;
+        }
+    }
+    // The server dropped the grabs of devices that are gone.
+    std::erase_if(installed_, [this](const auto& grab) { return !masters_.contains(grab.first.device); });
+}
+
+void X11KeyboardGrabs::install() {
+    std::vector<Target> wanted;
+    for (const auto& [device, master] : masters_) {
+        for (const auto keyCode : keyCodes_) {
+            wanted.push_back({device, keyCode});
+        }
+    }
+    for (auto grab = installed_.begin(); grab != installed_.end();) {
+        const bool isWanted = std::find(wanted.begin(), wanted.end(), grab->first) != wanted.end();
+        if (isWanted && grab->second == modifiers_) {
+            ++grab;
+            continue;
+        }
+        ungrab(grab->first, grab->second);
+        grab = installed_.erase(grab);
+    }
+    std::vector<std::pair<Target, xcb_input_xi_passive_grab_device_cookie_t>> requests;
+    for (const auto& target : wanted) {
+        if (!installed_.contains(target)) {
+            requests.emplace_back(target, requestGrab(target));
+        }
+    }
+    for (const auto& [target, cookie] : requests) {
+        readAnswer(target, cookie);
+    }
+}
+
+void X11KeyboardGrabs::remove() {
+    for (const auto& [target, modifiers] : installed_) {
+        ungrab(target, modifiers);
+    }
+    installed_.clear();
+}
+
+xcb_input_device_id_t X11KeyboardGrabs::masterOf(xcb_input_device_id_t slave) const {
+    const auto found = masters_.find(slave);
+    return found != masters_.end() ? found->second : mainMaster_;
+}
+
+void X11KeyboardGrabs::ungrab(const Target& target, const std::vector<std::uint32_t>& modifiers) {
+    xcb_input_xi_passive_ungrab_device(connection_.get(), connection_.root(), target.keyCode, target.device,
+                                       static_cast<std::uint16_t>(modifiers.size()), XCB_INPUT_GRAB_TYPE_KEYCODE,
+                                       modifiers.data());
+}
+
+xcb_input_xi_passive_grab_device_cookie_t X11KeyboardGrabs::requestGrab(const Target& target) const {
+    return xcb_input_xi_passive_grab_device(
+        connection_.get(), XCB_CURRENT_TIME, connection_.root(), XCB_CURSOR_NONE, target.keyCode, target.device,
+        static_cast<std::uint16_t>(modifiers_.size()), 1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,
+        XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, &keyEvents, modifiers_.data());
+}
+
+void X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_grab_device_cookie_t cookie) {
+    xcb_generic_error_t* rawError = nullptr;
+    const XcbReply<xcb_input_xi_passive_grab_device_reply_t> reply(
+        xcb_input_xi_passive_grab_device_reply(connection_.get(), cookie, &rawError));
+    const XcbReply<xcb_generic_error_t> error(rawError);
+    if (reply == nullptr) {
+        // A keyboard that was unplugged in the meantime, as a rule.
+        log_.write(LogLevel::standard, "input",
+                   fmt::format("Cannot grab key {} of keyboard {}: error {}", target.keyCode, target.device,
+                               error != nullptr ? int{error->error_code} : 0));
+        return;
+    }
+    installed_[target] = modifiers_;
+    for (auto refused = xcb_input_xi_passive_grab_device_modifiers_iterator(reply.get()); refused.rem > 0;
+         xcb_input_grab_modifier_info_next(&refused)) {
+        log_.write(LogLevel::error, "input",
+                   fmt::format("Another program holds key {} with modifiers {:#x} of keyboard {}", target.keyCode,
+                               refused.data->modifiers, target.device));
+    }
+}
+
+}  // namespace ferrowyn

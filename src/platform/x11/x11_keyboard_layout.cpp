@@ -1,0 +1,138 @@
+#include "platform/x11/x11_keyboard_layout.h"
+
+#include <xcb/xcb.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
+#include <xkbcommon/xkbcommon-x11.h>
+
+#include <string_view>
+
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_key_map.h"
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::size_t keyCodeCount = 256;
+constexpr std::uint32_t modifierCount = 8;
+
+bool isModifierSymbol(xkb_keysym_t symbol) {
+    return (symbol >= XKB_KEY_Shift_L && symbol <= XKB_KEY_Hyper_R) ||
+           (symbol >= XKB_KEY_ISO_Lock && symbol <= XKB_KEY_ISO_Last_Group_Lock) || symbol == XKB_KEY_Mode_switch ||
+           symbol == XKB_KEY_Num_Lock || symbol == XKB_KEY_Scroll_Lock || symbol == XKB_KEY_ISO_Level5_Shift ||
+           symbol == XKB_KEY_ISO_Level5_Latch || symbol == XKB_KEY_ISO_Level5_Lock;
+}
+
+bool isLockSymbol(xkb_keysym_t symbol) {
+    return symbol == XKB_KEY_Caps_Lock || symbol == XKB_KEY_Shift_Lock || symbol == XKB_KEY_Num_Lock ||
+           symbol == XKB_KEY_Scroll_Lock;
+}
+
+/// The unshifted symbol of the first layout: what a key is called, whatever the layout that types.
+xkb_keysym_t baseSymbol(xkb_keymap* keymap, xkb_keycode_t keyCode) {
+    const xkb_keysym_t* symbols = nullptr;
+    return xkb_keymap_key_get_syms_by_level(keymap, keyCode, 0, 0, &symbols) > 0 ? symbols[0] : XKB_KEY_NoSymbol;
+}
+
+}  // namespace
+
+std::unique_ptr<X11KeyboardLayout> X11KeyboardLayout::read(const X11Connection& connection, xkb_context* context) {
+    const auto device = xkb_x11_get_core_keyboard_device_id(connection.get());
+    if (device < 0) {
+        return nullptr;
+    }
+    std::unique_ptr<X11KeyboardLayout> layout(new X11KeyboardLayout);
+    layout->keymap_.reset(
+        xkb_x11_keymap_new_from_device(context, connection.get(), device, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    if (layout->keymap_ == nullptr) {
+        return nullptr;
+    }
+    layout->readModifiers(connection);
+    return layout;
+}
+
+void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
+    modifierKeys_.assign(keyCodeCount, false);
+    const auto cookie = xcb_get_modifier_mapping(connection.get());
+    for (std::size_t keyCode = 0; keyCode < keyCodeCount; ++keyCode) {
+        modifierKeys_[keyCode] = isModifierSymbol(baseSymbol(keymap_.get(), static_cast<xkb_keycode_t>(keyCode)));
+    }
+    const XcbReply<xcb_get_modifier_mapping_reply_t> reply(
+        xcb_get_modifier_mapping_reply(connection.get(), cookie, nullptr));
+    if (reply == nullptr) {
+        return;
+    }
+    const auto* const keyCodes = xcb_get_modifier_mapping_keycodes(reply.get());
+    const std::uint32_t perModifier = reply->keycodes_per_modifier;
+    for (std::uint32_t index = 0; index < modifierCount * perModifier; ++index) {
+        const auto keyCode = keyCodes[index];
+        if (keyCode == 0) {
+            continue;
+        }
+        const std::uint32_t mask = 1U << (index / perModifier);
+        const auto symbol = baseSymbol(keymap_.get(), keyCode);
+        modifierKeys_[keyCode] = true;
+        if (isLockSymbol(symbol)) {
+            locks_ |= mask;
+        } else if (symbol == XKB_KEY_Alt_L || symbol == XKB_KEY_Alt_R) {
+            alt_ |= mask;
+        } else if (symbol == XKB_KEY_Super_L || symbol == XKB_KEY_Super_R) {
+            super_ |= mask;
+        }
+    }
+    // A modifier cannot be told apart from itself: what is Shift or Control is nothing else.
+    constexpr std::uint32_t fixed = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL;
+    alt_ &= ~fixed;
+    super_ &= ~(fixed | alt_);
+    locks_ &= ~(fixed | alt_ | super_);
+}
+
+std::uint16_t X11KeyboardLayout::virtualKeyCodeOf(xkb_keycode_t keyCode) const {
+    const char* const name = xkb_keymap_key_get_name(keymap_.get(), keyCode);
+    return virtualKeyCode(name != nullptr ? std::string_view(name) : std::string_view(), keyCode);
+}
+
+std::optional<xkb_keycode_t> X11KeyboardLayout::keyCodeOf(std::uint16_t virtualKeyCode) const {
+    for (auto keyCode = xkb_keymap_min_keycode(keymap_.get()); keyCode <= xkb_keymap_max_keycode(keymap_.get());
+         ++keyCode) {
+        if (virtualKeyCodeOf(keyCode) == virtualKeyCode) {
+            return keyCode;
+        }
+    }
+    return std::nullopt;
+}
+
+bool X11KeyboardLayout::isModifierKey(xkb_keycode_t keyCode) const {
+    return keyCode < modifierKeys_.size() && modifierKeys_[keyCode];
+}
+
+std::uint64_t X11KeyboardLayout::flagsOf(std::uint32_t realModifiers) const {
+    std::uint64_t flags = 0;
+    flags |= (realModifiers & XCB_MOD_MASK_SHIFT) != 0 ? event_flags::shift : 0;
+    flags |= (realModifiers & XCB_MOD_MASK_CONTROL) != 0 ? event_flags::control : 0;
+    flags |= (realModifiers & alt_) != 0 ? event_flags::option : 0;
+    flags |= (realModifiers & super_) != 0 ? event_flags::command : 0;
+    return flags;
+}
+
+std::uint32_t X11KeyboardLayout::modifiersOf(std::uint64_t flags) const {
+    std::uint32_t modifiers = 0;
+    modifiers |= (flags & event_flags::shift) != 0 ? std::uint32_t{XCB_MOD_MASK_SHIFT} : 0;
+    modifiers |= (flags & event_flags::control) != 0 ? std::uint32_t{XCB_MOD_MASK_CONTROL} : 0;
+    modifiers |= (flags & event_flags::option) != 0 ? alt_ : 0;
+    modifiers |= (flags & event_flags::command) != 0 ? super_ : 0;
+    return modifiers;
+}
+
+std::vector<std::uint32_t> X11KeyboardLayout::lockCombinations() const {
+    std::vector<std::uint32_t> combinations;
+    for (std::uint32_t subset = locks_;; subset = (subset - 1) & locks_) {
+        combinations.push_back(subset);
+        if (subset == 0) {
+            return combinations;
+        }
+    }
+}
+
+}  // namespace ferrowyn

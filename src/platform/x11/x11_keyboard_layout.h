@@ -1,0 +1,56 @@
+#pragma once
+
+#include <xkbcommon/xkbcommon.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/switcher_modifier.h"
+
+namespace ferrowyn {
+
+class X11Connection;
+
+struct XkbUnref {
+    void operator()(xkb_context* context) const { xkb_context_unref(context); }
+    void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
+};
+
+/// The server's keymap as it was when this was read: which key is which, and which modifier means what. A snapshot;
+/// read again when the server says that the map or the keyboard changed.
+class X11KeyboardLayout {
+public:
+    /// Null when the server has no usable keymap. Waits for the server.
+    [[nodiscard]] static std::unique_ptr<X11KeyboardLayout> read(const X11Connection& connection, xkb_context* context);
+
+    [[nodiscard]] xkb_keymap* keymap() const { return keymap_.get(); }
+    [[nodiscard]] std::uint16_t virtualKeyCodeOf(xkb_keycode_t keyCode) const;
+    /// Nothing when no key of the map has it.
+    [[nodiscard]] std::optional<xkb_keycode_t> keyCodeOf(std::uint16_t virtualKeyCode) const;
+    /// Whether the key is a modifier or a lock, which changes flags and types nothing.
+    [[nodiscard]] bool isModifierKey(xkb_keycode_t keyCode) const;
+
+    /// Shift, Control, Option and Command of these real modifiers; locks and groups have no flag.
+    [[nodiscard]] std::uint64_t flagsOf(std::uint32_t realModifiers) const;
+    /// The real modifiers of these flags.
+    [[nodiscard]] std::uint32_t modifiersOf(std::uint64_t flags) const;
+    /// 0 when no key of the map sets this modifier.
+    [[nodiscard]] std::uint32_t maskOf(SwitcherModifier modifier) const { return modifiersOf(flagMask(modifier)); }
+    /// Every combination of the lock modifiers, none of them included: they are part of what a passive grab matches.
+    [[nodiscard]] std::vector<std::uint32_t> lockCombinations() const;
+
+private:
+    X11KeyboardLayout() = default;
+    void readModifiers(const X11Connection& connection);
+
+    std::unique_ptr<xkb_keymap, XkbUnref> keymap_;
+    /// By key code.
+    std::vector<bool> modifierKeys_;
+    std::uint32_t alt_ = 0;
+    std::uint32_t super_ = 0;
+    std::uint32_t locks_ = 0;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,132 @@
+#include "platform/x11/x11_keyboard_seizure.h"
+
+// The header of xcb's XKB names a field with a word that C++ reserves.
+#define explicit explicitField
+#include <xcb/xkb.h>
+#undef explicit
+#include <xcb/xtest.h>
+
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_keyboard_grabs.h"
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE |
+                                    XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+
+}  // namespace
+
+std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<xcb_input_device_id_t> slave) {
+    auto* const connection = connection_.get();
+    const auto master = slave ? grabs_.masterOf(*slave) : grabs_.mainMaster();
+    const auto grab = requestGrab(master);
+    grabs_.remove();
+    if (slave) {
+        freeSlave(*slave);
+    }
+    selectSessionEvents(master, true);
+    repeatMissedReleases();
+    // Asked for last: whatever happened until then is in the answer, whatever happens later comes as an event.
+    const auto modifiers = xcb_xkb_get_state(connection, master);
+    const auto controls = xcb_xkb_get_controls(connection, master);
+    const auto pointer = xcb_query_pointer(connection, connection_.root());
+    const XcbReply<xcb_query_pointer_reply_t> pointerReply(xcb_query_pointer_reply(connection, pointer, nullptr));
+    const XcbReply<xcb_xkb_get_state_reply_t> modifiersReply(xcb_xkb_get_state_reply(connection, modifiers, nullptr));
+    const XcbReply<xcb_xkb_get_controls_reply_t> controlsReply(
+        xcb_xkb_get_controls_reply(connection, controls, nullptr));
+    if (!isGranted(grab)) {
+        selectSessionEvents(master, false);
+        return std::nullopt;
+    }
+    master_ = master;
+    State state;
+    if (modifiersReply != nullptr) {
+        state.modifiers = modifiersReply->mods;
+    }
+    if (pointerReply != nullptr) {
+        state.pointerX = static_cast<std::uint32_t>(pointerReply->root_x);
+        state.pointerY = static_cast<std::uint32_t>(pointerReply->root_y);
+    }
+    if (controlsReply != nullptr && (controlsReply->enabledControls & XCB_XKB_BOOL_CTRL_REPEAT_KEYS) != 0) {
+        state.repeatDelay = std::chrono::milliseconds(controlsReply->repeatDelay);
+        state.repeatInterval = std::chrono::milliseconds(controlsReply->repeatInterval);
+    }
+    return state;
+}
+
+void X11KeyboardSeizure::giveBack() {
+    if (!master_) {
+        return;
+    }
+    xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, *master_);
+    selectSessionEvents(*master_, false);
+    master_.reset();
+}
+
+void X11KeyboardSeizure::freeSlave(xcb_input_device_id_t slave) {
+    xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, slave);
+}
+
+void X11KeyboardSeizure::noteMissedRelease(std::uint32_t keyCode) {
+    missedReleases_.push_back(keyCode);
+}
+
+void X11KeyboardSeizure::repeatMissedReleases() {
+    for (const auto keyCode : missedReleases_) {
+        fakeKey(XCB_KEY_RELEASE, keyCode);
+    }
+    missedReleases_.clear();
+}
+
+void X11KeyboardSeizure::releaseForMaster(std::uint32_t keyCode) {
+    fakeKey(XCB_KEY_RELEASE, keyCode);
+}
+
+void X11KeyboardSeizure::typeForHolder(std::uint32_t keyCode) {
+    // Released at once: a key that is down on the server's test keyboard would repeat there, whatever the user does.
+    fakeKey(XCB_KEY_PRESS, keyCode);
+    fakeKey(XCB_KEY_RELEASE, keyCode);
+}
+
+bool X11KeyboardSeizure::probe() {
+    const auto master = grabs_.mainMaster();
+    if (!isGranted(requestGrab(master))) {
+        return false;
+    }
+    xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, master);
+    return true;
+}
+
+xcb_input_xi_grab_device_cookie_t X11KeyboardSeizure::requestGrab(xcb_input_device_id_t master) const {
+    return xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE, master,
+                                    XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
+                                    XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &keyEvents);
+}
+
+bool X11KeyboardSeizure::isGranted(xcb_input_xi_grab_device_cookie_t cookie) const {
+    const XcbReply<xcb_input_xi_grab_device_reply_t> reply(
+        xcb_input_xi_grab_device_reply(connection_.get(), cookie, nullptr));
+    return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void X11KeyboardSeizure::selectSessionEvents(xcb_input_device_id_t master, bool isSelected) {
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
+    details.stateDetails = isSelected ? std::uint16_t{XCB_XKB_STATE_PART_MODIFIER_STATE} : std::uint16_t{0};
+    xcb_xkb_select_events_aux(connection_.get(), master, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details);
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+    } raw{{master, 1}, isSelected ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE} : 0U};
+    xcb_input_xi_select_events(connection_.get(), connection_.root(), 1, &raw.head);
+}
+
+void X11KeyboardSeizure::fakeKey(std::uint8_t type, std::uint32_t keyCode) {
+    xcb_test_fake_input(connection_.get(), type, static_cast<std::uint8_t>(keyCode), XCB_CURRENT_TIME, XCB_WINDOW_NONE,
+                        0, 0, 0);
+}
+
+}  // namespace ferrowyn

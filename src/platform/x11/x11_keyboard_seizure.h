@@ -1,0 +1,71 @@
+#pragma once
+
+#include <xcb/xcb.h>
+#include <xcb/xinput.h>
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace ferrowyn {
+
+class X11Connection;
+class X11KeyboardGrabs;
+
+/// The active grab of a master keyboard, held from the trigger to the end of a session. Tap thread.
+///
+/// A passive grab at a slave floats the slave while it is active: what happens to its keys meanwhile never reaches the
+/// master, and a modifier would stay down there for good. Hence the slave is freed in the same breath in which its
+/// master is taken, and releases that came with the slave's id are repeated for the master.
+class X11KeyboardSeizure {
+public:
+    X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs)
+        : connection_(connection), grabs_(grabs) {}
+
+    /// What the server said when the keyboard was taken.
+    struct State {
+        /// The real modifiers that are down or locked by now.
+        std::uint32_t modifiers = 0;
+        std::uint32_t pointerX = 0;
+        std::uint32_t pointerY = 0;
+        /// How long a key is held before it repeats, and between repeats; 0 when keys do not repeat.
+        std::chrono::milliseconds repeatDelay{0};
+        std::chrono::milliseconds repeatInterval{0};
+    };
+
+    [[nodiscard]] bool isHeld() const { return master_.has_value(); }
+    [[nodiscard]] bool isHeldOf(xcb_input_device_id_t master) const { return master_ == master; }
+
+    /// Takes the master of this slave, frees the slave, gives back the passive grabs (they would float the slave again
+    /// at each further trigger), and repeats the releases that the master missed. One round trip. Nothing when another
+    /// client holds the keyboard; the passive grabs are gone then all the same.
+    [[nodiscard]] std::optional<State> take(std::optional<xcb_input_device_id_t> slave);
+    /// The caller puts the passive grabs back first, so that no press falls between. Only sent.
+    void giveBack();
+    /// Frees a slave that its passive grab still holds. Only sent.
+    void freeSlave(xcb_input_device_id_t slave);
+    /// The master never saw this release: repeats it, now or as soon as the slave is free.
+    void noteMissedRelease(std::uint32_t keyCode);
+    /// Repeats what was noted. Only sent.
+    void repeatMissedReleases();
+    /// Lets the key go for the master: it repeats no longer, and the hardware's own release will be nothing new.
+    void releaseForMaster(std::uint32_t keyCode);
+    /// Types a key for whoever holds the keyboard. Only sent. No passive grab may be installed.
+    void typeForHolder(std::uint32_t keyCode);
+    /// Whether the keyboard could be taken; it is given back at once.
+    [[nodiscard]] bool probe();
+
+private:
+    [[nodiscard]] xcb_input_xi_grab_device_cookie_t requestGrab(xcb_input_device_id_t master) const;
+    [[nodiscard]] bool isGranted(xcb_input_xi_grab_device_cookie_t cookie) const;
+    void selectSessionEvents(xcb_input_device_id_t master, bool isSelected);
+    void fakeKey(std::uint8_t type, std::uint32_t keyCode);
+
+    const X11Connection& connection_;
+    X11KeyboardGrabs& grabs_;
+    std::optional<xcb_input_device_id_t> master_;
+    std::vector<std::uint32_t> missedReleases_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,156 @@
+#include "platform/x11/x11_panel.h"
+
+#include <utility>
+
+namespace ferrowyn {
+namespace {
+
+/// Another window that insists on being on top as well, a screen locker say, must win in the end.
+constexpr int mostRaisesPerSession = 32;
+
+}  // namespace
+
+X11Panel::X11Panel(X11PanelEvents& events, const X11Screens& screens, const X11Compositor& compositor,
+                   X11Pointer& pointer)
+    : events_(events), screens_(screens), compositor_(compositor), pointer_(pointer) {
+    compositorSubscription_ = compositor_.observe([this](bool) { makeWindow(); });
+    eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { stayOnTop(event); });
+}
+
+X11Panel::~X11Panel() {
+    orderOut();
+    window_.reset();  // lets the content's widget go before the content takes it along
+}
+
+void X11Panel::setContent(std::unique_ptr<PanelContent> content) {
+    window_.reset();
+    content_ = std::move(content);
+    makeWindow();
+}
+
+void X11Panel::setFrame(const Rect& frame) {
+    const auto coordinates = screens_.coordinates();
+    frame_ = coordinates.toPixels(frame);
+    if (window_ == nullptr || !isShown_) {
+        return;
+    }
+    window_->resizeTo(frame_, coordinates.scale);
+    window_->place(frame_);
+    pointer_.panelCovers(frame_);
+}
+
+void X11Panel::layOutContent() {
+    if (window_ != nullptr) {
+        redraw();
+    }
+}
+
+void X11Panel::prepare(const Rect& frame) {
+    if (window_ == nullptr || isShown_) {
+        return;
+    }
+    prime(screens_.coordinates().toPixels(frame));
+}
+
+void X11Panel::orderFront() {
+    orderFrontRegardless();
+}
+
+void X11Panel::orderFrontRegardless() {
+    if (window_ == nullptr || isShown_) {
+        return;
+    }
+    const bool isReady = isPrimed_ && prepared_ && prepared_->width == frame_.width &&
+                         prepared_->height == frame_.height && content_->matchesPreview();
+    if (!isReady) {
+        redraw();
+    }
+    window_->reveal(frame_);
+    isPrimed_ = false;
+    isShown_ = true;
+    raisesLeft_ = mostRaisesPerSession;
+    pointer_.panelCovers(frame_);
+    events_.setHearsStacking(true);
+    // The picture is on its way; what remains brings the toolkit to where the server is.
+    if (isReady) {
+        content_->synchronize();
+        window_->resizeTo(frame_, screens_.coordinates().scale);
+    }
+    window_->show();
+}
+
+void X11Panel::orderOut() {
+    if (window_ == nullptr || !isShown_) {
+        return;
+    }
+    isShown_ = false;
+    window_->conceal();
+    pointer_.panelCovers(std::nullopt);
+    events_.setHearsStacking(false);
+    window_->hide();
+}
+
+/// Also when a compositor starts or stops: a window's depth is for life, so there is a new one.
+void X11Panel::makeWindow() {
+    if (content_ == nullptr || content_->widget() == nullptr) {
+        return;
+    }
+    const bool isTranslucent = compositor_.isRunning();
+    content_->setTranslucent(isTranslucent);
+    const auto previous =
+        std::exchange(window_, std::make_unique<X11PanelWindow>(isTranslucent, *content_->widget(),
+                                                                [this](int x, int y) { pointer_.moved(x, y); }));
+    isPrimed_ = false;
+    if (isShown_) {
+        redraw();
+        window_->reveal(frame_);
+        window_->show();
+    } else if (prepared_) {
+        prime(*prepared_);
+    }
+}
+
+void X11Panel::prime(const X11PixelRect& frame) {
+    const double scale = screens_.coordinates().scale;
+    prepared_ = frame;
+    window_->resizeTo(frame, scale);
+    QImage image = window_->blankImage(frame, scale);
+    content_->renderPreview(image);
+    window_->prime(image);
+    isPrimed_ = true;
+}
+
+/// Draws the content as it is now into what the server will paint.
+void X11Panel::redraw() {
+    const double scale = screens_.coordinates().scale;
+    content_->synchronize();
+    window_->resizeTo(frame_, scale);
+    QImage image = window_->blankImage(frame_, scale);
+    window_->drawInto(image);
+    window_->prime(image);
+    isPrimed_ = false;
+}
+
+/// A manager stacks the windows that it manages above all others' when it raises one of them.
+void X11Panel::stayOnTop(const xcb_generic_event_t& event) {
+    if (!isShown_ || raisesLeft_ == 0) {
+        return;
+    }
+    const auto type = event.response_type & 0x7FU;
+    bool concernsOther = false;
+    if (type == XCB_CONFIGURE_NOTIFY) {
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        // What no manager manages, such as menus and lockers, is where its owner wants it.
+        concernsOther =
+            change.window != window_->id() && change.window != events_.root() && change.override_redirect == 0;
+    } else if (type == XCB_MAP_NOTIFY) {
+        const auto& change = reinterpret_cast<const xcb_map_notify_event_t&>(event);
+        concernsOther = change.window != window_->id() && change.override_redirect == 0;
+    }
+    if (concernsOther) {
+        --raisesLeft_;
+        window_->raiseToTop();
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "platform/panel.h"
+#include "platform/x11/x11_compositor.h"
+#include "platform/x11/x11_panel_window.h"
+#include "platform/x11/x11_pointer.h"
+#include "platform/x11/x11_screens.h"
+
+namespace ferrowyn {
+
+/// The panel on X11: an override-redirect window that no manager touches. Main thread.
+class X11Panel final : public Panel {
+public:
+    /// All of them outlive this.
+    X11Panel(X11PanelEvents& events, const X11Screens& screens, const X11Compositor& compositor, X11Pointer& pointer);
+    ~X11Panel() override;
+    X11Panel(const X11Panel&) = delete;
+    X11Panel& operator=(const X11Panel&) = delete;
+
+    void setContent(std::unique_ptr<PanelContent> content) override;
+    void setFrame(const Rect& frame) override;
+    void layOutContent() override;
+    void prepare(const Rect& frame) override;
+    void orderFront() override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+
+private:
+    void makeWindow();
+    void prime(const X11PixelRect& frame);
+    void redraw();
+    void stayOnTop(const xcb_generic_event_t& event);
+
+    X11PanelEvents& events_;
+    const X11Screens& screens_;
+    const X11Compositor& compositor_;
+    X11Pointer& pointer_;
+    std::unique_ptr<PanelContent> content_;
+    std::unique_ptr<X11PanelWindow> window_;
+    X11PixelRect frame_;
+    bool isShown_ = false;
+    /// Where the frame that was drawn ahead would appear; nothing when none was.
+    std::optional<X11PixelRect> prepared_;
+    /// Whether that frame is still what the server would paint.
+    bool isPrimed_ = false;
+    int raisesLeft_ = 0;
+    Subscription compositorSubscription_;
+    Subscription eventSubscription_;
+};
+
+}  // namespace ferrowyn

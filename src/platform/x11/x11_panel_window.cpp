@@ -1,0 +1,179 @@
+#include "platform/x11/x11_panel_window.h"
+
+#include <QGuiApplication>
+#include <QResizeEvent>
+#include <QSinglePointEvent>
+#include <QWindow>
+#include <array>
+#include <cmath>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+namespace {
+
+xcb_connection_t* toolkitConnection() {
+    auto* const application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return application != nullptr ? application->connection() : nullptr;
+}
+
+std::vector<xcb_atom_t> intern(xcb_connection_t* connection, const std::vector<std::string_view>& names) {
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    for (const auto name : names) {
+        cookies.push_back(xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()));
+    }
+    std::vector<xcb_atom_t> atoms;
+    for (const auto cookie : cookies) {
+        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+        atoms.push_back(reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
+    }
+    return atoms;
+}
+
+}  // namespace
+
+X11PanelWindow::X11PanelWindow(bool isTranslucent, QWidget& content, PointerHandler onPointer)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus),
+      content_(content),
+      onPointer_(std::move(onPointer)),
+      isTranslucent_(isTranslucent),
+      connection_(toolkitConnection()) {
+    setWindowTitle(QStringLiteral("Ferrowyn"));
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_X11DoNotAcceptFocus);
+    setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setFocusPolicy(Qt::NoFocus);
+    content_.setParent(this);
+    content_.show();
+    window_ = static_cast<xcb_window_t>(winId());
+    windowHandle()->installEventFilter(this);
+    describe();
+}
+
+X11PanelWindow::~X11PanelWindow() {
+    if (content_.parentWidget() == this) {
+        content_.setParent(nullptr);
+    }
+}
+
+void X11PanelWindow::resizeTo(const X11PixelRect& frame, double scale) {
+    const auto points = [scale](int pixels) { return static_cast<int>(std::lround(pixels / scale)); };
+    resize(points(frame.width), points(frame.height));
+}
+
+QImage X11PanelWindow::blankImage(const X11PixelRect& frame, double scale) const {
+    QImage image(frame.width, frame.height,
+                 isTranslucent_ ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(isTranslucent_ ? Qt::transparent : Qt::black);
+    return image;
+}
+
+void X11PanelWindow::drawInto(QImage& image) {
+    render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+}
+
+void X11PanelWindow::prime(const QImage& image) {
+    if (image.isNull()) {
+        return;
+    }
+    pixmap_->upload(image);
+    const xcb_pixmap_t picture = pixmap_->id();
+    xcb_change_window_attributes(connection_, window_, XCB_CW_BACK_PIXMAP, &picture);
+    xcb_flush(connection_);
+    // Below the content and above the lower edge: the plain ground of the panel.
+    pixel_ =
+        reinterpret_cast<const std::uint32_t*>(image.constScanLine(std::max(image.height() - 3, 0)))[image.width() / 2];
+}
+
+void X11PanelWindow::reveal(const X11PixelRect& frame) {
+    place(frame);
+    xcb_map_window(connection_, window_);
+    // Mapping has painted the picture; it must not be tiled over what a larger panel uncovers.
+    setBackgroundToPixel();
+    xcb_flush(connection_);
+}
+
+void X11PanelWindow::conceal() {
+    xcb_unmap_window(connection_, window_);
+    xcb_flush(connection_);
+}
+
+void X11PanelWindow::place(const X11PixelRect& frame) {
+    frame_ = frame;
+    const std::array<std::uint32_t, 5> values{static_cast<std::uint32_t>(frame.x), static_cast<std::uint32_t>(frame.y),
+                                              static_cast<std::uint32_t>(std::max(frame.width, 1)),
+                                              static_cast<std::uint32_t>(std::max(frame.height, 1)),
+                                              XCB_STACK_MODE_ABOVE};
+    xcb_configure_window(connection_, window_,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT | XCB_CONFIG_WINDOW_STACK_MODE,
+                         values.data());
+}
+
+void X11PanelWindow::raiseToTop() {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    xcb_flush(connection_);
+}
+
+void X11PanelWindow::resizeEvent(QResizeEvent* event) {
+    content_.setGeometry(QRect(QPoint(), event->size()));
+}
+
+/// Sees the pointer before the content does, so that whoever reacts to the content finds the place up to date.
+bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+        case QEvent::Enter:
+        case QEvent::MouseMove:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease: {
+            const QPointF inPoints = static_cast<const QSinglePointEvent*>(event)->position();
+            const double scale = devicePixelRatioF();
+            onPointer_(frame_.x + static_cast<int>(std::lround(inPoints.x() * scale)),
+                       frame_.y + static_cast<int>(std::lround(inPoints.y() * scale)));
+            break;
+        }
+        default:
+            break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+/// What a manager, a compositor or a pager may want to know of a window that none of them manages.
+void X11PanelWindow::describe() {
+    if (connection_ == nullptr) {
+        return;
+    }
+    const auto atoms = intern(connection_, {"_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_STATE",
+                                            "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
+                                            "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_DESKTOP", "_COMPTON_SHADOW"});
+    const auto set = [this](xcb_atom_t name, xcb_atom_t type, const std::vector<std::uint32_t>& values) {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, name, type, 32,
+                            static_cast<std::uint32_t>(values.size()), values.data());
+    };
+    constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
+    set(atoms[0], XCB_ATOM_ATOM, {atoms[1]});
+    set(atoms[2], XCB_ATOM_ATOM, {atoms[3], atoms[4], atoms[5], atoms[6]});
+    set(atoms[7], XCB_ATOM_CARDINAL, {allDesktops});
+    set(atoms[8], XCB_ATOM_CARDINAL, {1});
+    constexpr std::string_view instanceAndClass{"ferrowyn\0ferrowyn\0", 18};
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(instanceAndClass.size()), instanceAndClass.data());
+    const XcbReply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window_), nullptr));
+    if (geometry) {
+        pixmap_.emplace(connection_, geometry->root, geometry->depth);
+    }
+}
+
+void X11PanelWindow::setBackgroundToPixel() {
+    xcb_change_window_attributes(connection_, window_, XCB_CW_BACK_PIXEL, &pixel_);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QWidget>
+#include <functional>
+#include <optional>
+
+#include "platform/x11/x11_panel_pixmap.h"
+#include "platform/x11/x11_screens_coordinates.h"
+
+namespace ferrowyn {
+
+/// The toolkit's window around the panel's content, and the requests that put it on the screen ahead of the toolkit.
+/// Main thread.
+///
+/// The window is mapped and unmapped with the first frame as its background, which the server paints while it maps: one
+/// request, nothing to wait for, and what the toolkit draws later is the same picture. Measured beside it in one run,
+/// with 200 windows: keeping the window mapped and moving it in from off the screen saves up to a fifth of the server's
+/// time, an empty shape that is filled and raising from the bottom of the stack save nothing. Staying mapped
+/// would have assistive programs, screen recorders and managers that stop compositing under full-screen windows see a
+/// panel that nobody sees, so it is not done. The rest is the server clipping what lies below.
+class X11PanelWindow final : public QWidget {
+public:
+    using PointerHandler = std::function<void(int rootX, int rootY)>;
+
+    /// `content` fills the window, and is let go, not destroyed, with it. A translucent window needs a compositor.
+    X11PanelWindow(bool isTranslucent, QWidget& content, PointerHandler onPointer);
+    ~X11PanelWindow() override;
+
+    [[nodiscard]] xcb_window_t id() const { return window_; }
+
+    /// Gives the toolkit the extent; it learns the place from the server.
+    void resizeTo(const X11PixelRect& frame, double scale);
+    /// An image of this extent to draw a first frame into.
+    [[nodiscard]] QImage blankImage(const X11PixelRect& frame, double scale) const;
+    /// Draws the content as it is now.
+    void drawInto(QImage& image);
+    /// Makes the image what the server shows as soon as the window is revealed.
+    void prime(const QImage& image);
+
+    /// On the screen, above everything, as far as the server is concerned; the toolkit is told by `show`.
+    void reveal(const X11PixelRect& frame);
+    void conceal();
+    void place(const X11PixelRect& frame);
+    void raiseToTop();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void describe();
+    void setBackgroundToPixel();
+
+    QWidget& content_;
+    PointerHandler onPointer_;
+    bool isTranslucent_;
+    xcb_connection_t* connection_ = nullptr;
+    xcb_window_t window_ = XCB_WINDOW_NONE;
+    X11PixelRect frame_;
+    std::optional<X11PanelPixmap> pixmap_;
+    /// A colour of the picture, for what a growing window uncovers before the toolkit has drawn it.
+    std::uint32_t pixel_ = 0;
+};
+
+}  // namespace ferrowyn

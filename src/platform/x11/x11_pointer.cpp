@@ -1,0 +1,93 @@
+#include "platform/x11/x11_pointer.h"
+
+// The header uses a C++ keyword as a name.
+#define explicit explicit_
+#include <xcb/xinput.h>
+#undef explicit
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+namespace {
+
+/// Buttons 4 to 7 are the two wheels.
+bool isWheel(std::uint32_t button) {
+    return button >= 4 && button <= 7;
+}
+
+}  // namespace
+
+X11Pointer::X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11InputContext& context)
+    : events_(events), screens_(screens), context_(context) {
+    const auto* const extension = xcb_get_extension_data(events_.get(), &xcb_input_id);
+    if (extension != nullptr && extension->present != 0) {
+        inputExtension_ = extension->major_opcode;
+        // Presses during another client's grab are told only to those who have asked for 2.1 or later.
+        const auto version = xcb_input_xi_query_version(events_.get(), 2, 2);
+        xcb_discard_reply(events_.get(), version.sequence);
+        eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { handle(event); });
+    }
+    const XcbReply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(events_.get(), xcb_query_pointer(events_.get(), events_.root()), nullptr));
+    if (pointer) {
+        moved(pointer->root_x, pointer->root_y);
+    }
+}
+
+Point X11Pointer::location() const {
+    const auto [x, y] = context_.pointer();
+    return screens_.coordinates().toPoints(static_cast<int>(x), static_cast<int>(y));
+}
+
+Subscription X11Pointer::observeClicksElsewhere(std::function<void()> handler) {
+    return clicks_.subscribe([handler = std::move(handler)](const bool&) { handler(); });
+}
+
+void X11Pointer::panelCovers(const std::optional<X11PixelRect>& panel) {
+    const bool wasShown = panel_.has_value();
+    panel_ = panel;
+    if (wasShown != panel_.has_value()) {
+        selectPresses(panel_.has_value());
+    }
+}
+
+void X11Pointer::moved(int x, int y) {
+    context_.setPointer(static_cast<std::uint32_t>(std::max(x, 0)), static_cast<std::uint32_t>(std::max(y, 0)));
+}
+
+void X11Pointer::selectPresses(bool areHeard) {
+    if (inputExtension_ == 0) {
+        return;
+    }
+    const struct {
+        xcb_input_event_mask_t header;
+        std::uint32_t bits;
+    } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, areHeard ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS} : 0U};
+    xcb_input_xi_select_events(events_.get(), events_.root(), 1, &mask.header);
+    events_.flush();
+}
+
+void X11Pointer::handle(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7FU) != XCB_GE_GENERIC || !panel_) {
+        return;
+    }
+    const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
+    if (press.extension != inputExtension_ || press.event_type != XCB_INPUT_RAW_BUTTON_PRESS || isWheel(press.detail)) {
+        return;
+    }
+    // A raw event does not say where; this is no hot path, so the server may be asked.
+    const XcbReply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(events_.get(), xcb_query_pointer(events_.get(), events_.root()), nullptr));
+    if (!pointer) {
+        return;
+    }
+    moved(pointer->root_x, pointer->root_y);
+    if (!panel_->contains(pointer->root_x, pointer->root_y)) {
+        clicks_.send(true);
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+
+#include "core/subject.h"
+#include "platform/pointer.h"
+#include "platform/x11/x11_input_context.h"
+#include "platform/x11/x11_panel_events.h"
+#include "platform/x11/x11_screens.h"
+
+namespace ferrowyn {
+
+/// The pointer as key events, the panel and raw button presses report it. Main thread.
+class X11Pointer final : public Pointer {
+public:
+    /// All three outlive this.
+    X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11InputContext& context);
+
+    [[nodiscard]] Point location() const override;
+    [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override;
+
+    /// Where the panel is while it is shown: presses outside are clicks elsewhere. Presses are heard only meanwhile, so
+    /// that the idle program is not woken by the user's clicks.
+    void panelCovers(const std::optional<X11PixelRect>& panel);
+    /// The panel has seen the pointer at this place on the root window.
+    void moved(int x, int y);
+
+private:
+    void selectPresses(bool areHeard);
+    void handle(const xcb_generic_event_t& event);
+
+    X11PanelEvents& events_;
+    const X11Screens& screens_;
+    X11InputContext& context_;
+    std::uint8_t inputExtension_ = 0;
+    std::optional<X11PixelRect> panel_;
+    Subject<bool> clicks_;
+    Subscription eventSubscription_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/favourite_applications.h"
+#include "core/session_settings.h"
+#include "core/switcher_view_model.h"
+
+namespace ferrowyn {
+
+/// The view model only hands the icon provider on, so that here nothing needs to be behind the name.
+class IconProvider {};
+
+/// Favourites that live as long as the test.
+class FavouritesDouble final : public FavouriteApplications {
+public:
+    [[nodiscard]] const Published<std::vector<std::string>>& bundleIdentifiers() const override { return identifiers; }
+    [[nodiscard]] std::vector<AppWindow> ordered(std::vector<AppWindow> windows) const override {
+        std::stable_partition(windows.begin(), windows.end(), [&](const AppWindow& window) {
+            return std::ranges::find(identifiers.get(), window.bundleIdentifier) != identifiers.get().end();
+        });
+        return windows;
+    }
+
+    Published<std::vector<std::string>> identifiers;
+};
+
+/// The settings as they are when the program first runs.
+struct SettingsDouble {
+    Published<bool> includeMinimized{true};
+    Published<bool> includeOtherSpaces{true};
+    Published<bool> showActiveAppWindowsFirst{false};
+    Published<bool> favouritesFirst{true};
+    Published<SwitcherLayout> layout{SwitcherLayout::list};
+
+    [[nodiscard]] SessionSettings references() const {
+        return {includeMinimized, includeOtherSpaces, showActiveAppWindowsFirst, favouritesFirst, layout};
+    }
+};
+
+/// Runs posted tasks when the test says so.
+class TaskQueue {
+public:
+    [[nodiscard]] SwitcherViewModel::Post post() {
+        return [this](std::function<void()> task) { tasks_.push_back(std::move(task)); };
+    }
+    [[nodiscard]] std::size_t size() const { return tasks_.size(); }
+    void run() {
+        for (const auto& task : std::exchange(tasks_, {})) {
+            task();
+        }
+    }
+
+private:
+    std::vector<std::function<void()>> tasks_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,294 @@
+#include "inventory/window_observation_center.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "platform/simulated/simulated_desktop.h"
+#include "tests/inventory/test_window.h"
+
+namespace ferrowyn {
+
+/// How a failed expectation shows a change.
+static void PrintTo(const WindowChange& change, std::ostream* stream) {
+    static constexpr std::array names{"focus", "structural", "metadata"};
+    *stream << names.at(static_cast<std::size_t>(change.kind)) << "(" << change.pid << ")";
+}
+
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using LogLine = SimulatedDesktop::LogLine;
+
+class WindowObservationCenterTest : public ::testing::Test {
+protected:
+    SimulatedDesktop desktop;
+    std::unique_ptr<WindowObservationCenter> center =
+        std::make_unique<WindowObservationCenter>(desktop.platform(), WindowFilter(SimulatedDesktop::ownPid));
+    std::vector<WindowChange> changes;
+    Subscription subscription =
+        center->changes().subscribe([this](const WindowChange& change) { changes.push_back(change); });
+
+    void SetUp() override {
+        desktop.launch({.pid = 100, .bundleIdentifier = "org.example.mail", .localizedName = "Mail"}, true);
+        desktop.launch({.pid = 200, .bundleIdentifier = "org.example.notes", .localizedName = "Notes"}, true);
+        desktop.openWindow({.id = 1, .pid = 100}, true);
+        desktop.openWindow({.id = 2, .pid = 200}, true);
+    }
+
+    [[nodiscard]] AppWindow listed(WindowId id, Pid pid) const {
+        auto window = testWindow(id, 0, pid);
+        window.axElement = desktop.elementOf(id);
+        return window;
+    }
+    std::vector<WindowChange> takeChanges() { return std::exchange(changes, {}); }
+};
+
+const auto structural = WindowChange::structural();
+
+TEST_F(WindowObservationCenterTest, RegistersTheApplicationNotificationsInOrder) {
+    center->start();
+    EXPECT_THAT(desktop.applicationNotifications(100),
+                ElementsAre("AXWindowCreated", "AXFocusedWindowChanged", "AXMainWindowChanged", "AXApplicationHidden",
+                            "AXApplicationShown", "AXApplicationActivated"));
+    EXPECT_THAT(desktop.windowNotifications(1), IsEmpty()) << "no window list has been seen yet";
+}
+
+TEST_F(WindowObservationCenterTest, LogsStartAndStop) {
+    desktop.launch({.pid = 300, .bundleIdentifier = "com.apple.dock"}, true);
+    desktop.launch({.pid = SimulatedDesktop::ownPid, .localizedName = "Ferrowyn"}, true);
+    center->start();
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::standard, "windows", "Observation started for 2 processes"}));
+    EXPECT_EQ(desktop.liveObserverCount(), 2U);
+    center->stop();
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(LogLine{LogLevel::standard, "windows", "Observation stopped"}));
+    EXPECT_EQ(desktop.liveObserverCount(), 0U);
+    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
+}
+
+TEST_F(WindowObservationCenterTest, LogsAProcessThatCannotBeObserved) {
+    desktop.setUnobservable(200, true);
+    center->start();
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "windows", "No AX observer for pid 200"},
+                            LogLine{LogLevel::standard, "windows", "Observation started for 1 processes"}));
+    EXPECT_EQ(desktop.liveObserverCount(), 1U);
+}
+
+TEST_F(WindowObservationCenterTest, StartingTwiceAndStoppingTwiceIsHarmless) {
+    center->start();
+    center->start();
+    EXPECT_EQ(desktop.liveObserverCount(), 2U);
+    EXPECT_EQ(desktop.pendingTimerCount(), 1U);
+    desktop.setSpaceChanged();
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+    center->stop();
+    desktop.takeLog();
+    center->stop();
+    EXPECT_THAT(desktop.takeLog(), IsEmpty());
+}
+
+TEST_F(WindowObservationCenterTest, MapsEachNotificationToItsChange) {
+    center->start();
+    const std::vector<std::pair<std::string, WindowChange>> expected{
+        {"AXTitleChanged", WindowChange::metadata()},
+        {"AXFocusedWindowChanged", WindowChange::focus(200)},
+        {"AXMainWindowChanged", WindowChange::focus(200)},
+        {"AXApplicationActivated", WindowChange::focus(200)},
+        {"AXWindowCreated", structural},
+        {"AXApplicationHidden", structural},
+        {"AXApplicationShown", structural},
+        {"AXUIElementDestroyed", structural},
+        {"AXWindowMiniaturized", structural},
+        {"AXWindowDeminiaturized", structural},
+        {"AXSomethingNew", structural},
+        {"axtitlechanged", structural},
+    };
+    for (const auto& [notification, change] : expected) {
+        desktop.notify(200, notification);
+        EXPECT_THAT(takeChanges(), ElementsAre(change)) << notification;
+    }
+}
+
+TEST_F(WindowObservationCenterTest, ObservesALaunchedApplication) {
+    center->start();
+    desktop.launch({.pid = 300, .localizedName = "Maps"});
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+    EXPECT_EQ(desktop.liveObserverCount(), 3U);
+    desktop.notify(300, "AXFocusedWindowChanged");
+    EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::focus(300)));
+}
+
+TEST_F(WindowObservationCenterTest, ALaunchThatTheFilterRejectsEmitsNothing) {
+    center->start();
+    desktop.launch({.pid = 300, .bundleIdentifier = "com.apple.dock"});
+    EXPECT_THAT(takeChanges(), IsEmpty());
+    EXPECT_EQ(desktop.liveObserverCount(), 2U);
+}
+
+TEST_F(WindowObservationCenterTest, ALaunchThatCannotBeObservedIsStillAChange) {
+    center->start();
+    desktop.takeLog();
+    desktop.launch({.pid = 300, .localizedName = "Maps"}, true);
+    desktop.setUnobservable(300, true);
+    desktop.launch({.pid = 300, .localizedName = "Maps"});
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(LogLine{LogLevel::debug, "windows", "No AX observer for pid 300"}));
+}
+
+TEST_F(WindowObservationCenterTest, AnApplicationThatIsToldOfTwiceHasOneObserver) {
+    center->start();
+    desktop.launch({.pid = 100, .bundleIdentifier = "org.example.mail"});
+    EXPECT_EQ(desktop.liveObserverCount(), 2U);
+    takeChanges();
+    desktop.notify(100, "AXTitleChanged");
+    EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::metadata()));
+}
+
+TEST_F(WindowObservationCenterTest, ATerminatedApplicationLosesItsObserver) {
+    center->start();
+    center->synchronize({listed(1, 100), listed(2, 200)});
+    desktop.terminate(100);
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+    EXPECT_EQ(desktop.liveObserverCount(), 1U);
+    EXPECT_THAT(desktop.windowNotifications(1), IsEmpty());
+    desktop.notifyLate(100, "AXFocusedWindowChanged");
+    EXPECT_THAT(takeChanges(), IsEmpty());
+}
+
+TEST_F(WindowObservationCenterTest, TellsOfWorkspaceAndScreenChanges) {
+    center->start();
+    desktop.setHidden(100, true);
+    EXPECT_THAT(takeChanges(), ElementsAre(structural, structural)) << "the workspace and the application both tell";
+    desktop.setHidden(100, false);
+    EXPECT_THAT(takeChanges(), ElementsAre(structural, structural));
+    desktop.setSpaceChanged();
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+    desktop.setScreenParametersChanged();
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+}
+
+TEST_F(WindowObservationCenterTest, AnActivationIsAFocusChange) {
+    desktop.setUnobservable(200, true);
+    center->start();
+    desktop.focusWindow(2);
+    EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::focus(200))) << "the workspace alone told";
+}
+
+TEST_F(WindowObservationCenterTest, WatchesExactlyTheListedWindows) {
+    center->start();
+    desktop.openWindow({.id = 3, .pid = 100}, true);
+    center->synchronize({listed(1, 100), listed(2, 200)});
+    const auto all =
+        ElementsAre("AXUIElementDestroyed", "AXWindowMiniaturized", "AXWindowDeminiaturized", "AXTitleChanged");
+    EXPECT_THAT(desktop.windowNotifications(1), all);
+    EXPECT_THAT(desktop.windowNotifications(2), all);
+
+    center->synchronize({listed(1, 100), listed(3, 100)});
+    EXPECT_THAT(desktop.windowNotifications(1), all) << "registered once, however often it is listed";
+    EXPECT_THAT(desktop.windowNotifications(2), IsEmpty());
+    EXPECT_THAT(desktop.windowNotifications(3), all);
+
+    desktop.setTitle(3, "New");
+    EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::metadata()));
+    desktop.setTitle(2, "New");
+    EXPECT_THAT(takeChanges(), IsEmpty());
+}
+
+TEST_F(WindowObservationCenterTest, WindowsWithoutAnElementAreNotWatched) {
+    center->start();
+    center->synchronize({testWindow(1, 0, 100)});
+    EXPECT_THAT(desktop.windowNotifications(1), IsEmpty());
+}
+
+TEST_F(WindowObservationCenterTest, StoppingEndsEverything) {
+    center->start();
+    center->synchronize({listed(1, 100)});
+    center->stop();
+    EXPECT_THAT(desktop.windowNotifications(1), IsEmpty());
+    center->synchronize({listed(1, 100)});
+    EXPECT_THAT(desktop.windowNotifications(1), IsEmpty());
+
+    desktop.notifyLate(100, "AXTitleChanged");
+    desktop.launch({.pid = 300, .localizedName = "Maps"});
+    desktop.setSpaceChanged();
+    desktop.setScreenParametersChanged();
+    desktop.advance(20s);
+    EXPECT_THAT(changes, IsEmpty());
+}
+
+TEST_F(WindowObservationCenterTest, ALateNotificationAfterTheCenterIsGoneIsHarmless) {
+    center->start();
+    center.reset();
+    EXPECT_EQ(desktop.liveObserverCount(), 0U);
+    desktop.notifyLate(100, "AXTitleChanged");
+    desktop.advance(20s);
+    EXPECT_THAT(changes, IsEmpty());
+}
+
+TEST_F(WindowObservationCenterTest, ASubscriberMayStopTheObservationFromWithinAChange) {
+    const auto stopper = center->changes().subscribe([this](const WindowChange&) { center->stop(); });
+    center->start();
+    desktop.notify(100, "AXTitleChanged");
+    EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::metadata()));
+    EXPECT_EQ(desktop.liveObserverCount(), 0U);
+}
+
+TEST_F(WindowObservationCenterTest, RevalidatesEveryFiveSeconds) {
+    EXPECT_EQ(WindowObservationCenter::revalidationInterval, 5s);
+    center->start();
+    desktop.restack({1, 2});
+    desktop.advance(5s);
+    EXPECT_THAT(takeChanges(), IsEmpty()) << "the first look only remembers";
+    desktop.advance(10s);
+    EXPECT_THAT(takeChanges(), IsEmpty()) << "nothing changed";
+    desktop.restack({2, 1});
+    desktop.advance(4.9s);
+    EXPECT_THAT(takeChanges(), IsEmpty());
+    desktop.advance(0.1s);
+    EXPECT_THAT(takeChanges(), ElementsAre(structural)) << "two windows swapped places";
+    desktop.openWindow({.id = 3, .pid = 100}, true);
+    desktop.advance(5s);
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+}
+
+TEST_F(WindowObservationCenterTest, ASilentWindowServerHasAFingerprintToo) {
+    center->start();
+    desktop.advance(5s);
+    desktop.setWindowServerAnswers(false);
+    desktop.advance(5s);
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+    desktop.advance(5s);
+    EXPECT_THAT(takeChanges(), IsEmpty());
+    desktop.setWindowServerAnswers(true);
+    desktop.advance(5s);
+    EXPECT_THAT(takeChanges(), ElementsAre(structural));
+}
+
+TEST_F(WindowObservationCenterTest, TheFirstLookAfterARestartOnlyRemembers) {
+    center->start();
+    desktop.advance(5s);
+    center->stop();
+    desktop.openWindow({.id = 3, .pid = 100}, true);
+    center->start();
+    desktop.advance(5s);
+    EXPECT_THAT(takeChanges(), IsEmpty());
+}
+
+TEST(WindowFingerprintTest, DependsOnWindowsAndOrder) {
+    using Order = std::vector<std::optional<WindowId>>;
+    const auto fingerprint = WindowFingerprint::of(Order{1, 2, 3});
+    EXPECT_EQ(fingerprint.count, 3);
+    EXPECT_EQ(fingerprint, WindowFingerprint::of(Order{1, 2, 3}));
+    EXPECT_NE(fingerprint, WindowFingerprint::of(Order{2, 1, 3}));
+    EXPECT_NE(fingerprint, WindowFingerprint::of(Order{1, 2}));
+    EXPECT_EQ(WindowFingerprint::of(Order{std::nullopt, 2}), WindowFingerprint::of(Order{0, 2}));
+    EXPECT_EQ(WindowFingerprint::of(std::nullopt), (WindowFingerprint{0, 0}));
+}
+
+}  // namespace
+}  // namespace ferrowyn

@@ -1,0 +1,101 @@
+#include "services/icon_provider.h"
+
+#include "platform/icon_source.h"
+#include "platform/simulated/simulated_desktop.h"
+
+namespace ferrowyn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class IconProviderTest : public testing::Test {
+protected:
+    static AppWindow window(WindowId id, Pid pid, std::optional<std::string> bundleIdentifier,
+                            std::optional<std::string> bundleURL) {
+        AppWindow window;
+        window.id = id;
+        window.pid = pid;
+        window.appName = "Editor";
+        window.bundleIdentifier = std::move(bundleIdentifier);
+        window.bundleURL = std::move(bundleURL);
+        return window;
+    }
+
+    SimulatedDesktop desktop;
+    IconProvider provider{desktop.platform().icons, desktop.platform().workspace};
+};
+
+TEST_F(IconProviderTest, TwoWindowsOfOneApplicationCauseOneLoad) {
+    const auto image = provider.icon(window(1, 100, "org.example.editor", "/apps/editor.desktop")).image;
+    EXPECT_EQ(provider.icon(window(2, 100, "org.example.editor", "/apps/editor.desktop")).image, image);
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("file /apps/editor.desktop"));
+}
+
+TEST_F(IconProviderTest, KeysAnApplicationWithoutAnIdentifierByItsProcess) {
+    EXPECT_EQ(IconProvider::cacheKey(std::nullopt, 512), "pid:512");
+    EXPECT_EQ(IconProvider::cacheKey("org.example.editor", 512), "org.example.editor");
+}
+
+TEST_F(IconProviderTest, ForgetsAProcessThatTerminates) {
+    desktop.launch({.pid = 512});
+    static_cast<void>(provider.icon(window(1, 512, std::nullopt, std::nullopt)));
+    static_cast<void>(provider.icon(window(1, 512, std::nullopt, std::nullopt)));
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 512"));
+    desktop.terminate(512);
+    desktop.settle();
+    static_cast<void>(provider.icon(window(1, 512, std::nullopt, std::nullopt)));
+    EXPECT_FALSE(desktop.takeIconLoads().empty());
+}
+
+TEST_F(IconProviderTest, ForgetsAnApplicationByItsIdentifierAndKeepsTheOthers) {
+    desktop.launch({.pid = 7, .bundleIdentifier = "org.example.a"});
+    desktop.launch({.pid = 8, .bundleIdentifier = "org.example.b"});
+    static_cast<void>(provider.icon(window(1, 7, "org.example.a", "/a")));
+    static_cast<void>(provider.icon(window(2, 8, "org.example.b", "/b")));
+    static_cast<void>(desktop.takeIconLoads());
+    desktop.terminate(7);
+    desktop.settle();
+    static_cast<void>(provider.icon(window(1, 7, "org.example.a", "/a")));
+    static_cast<void>(provider.icon(window(2, 8, "org.example.b", "/b")));
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("file /a"));
+}
+
+TEST_F(IconProviderTest, AnExitedProcessGetsTheGenericIconAndKeepsIt) {
+    desktop.setProcessHasIcon(9, false);
+    ASSERT_NE(provider.icon(window(1, 9, std::nullopt, std::nullopt)).image, nullptr);
+    static_cast<void>(provider.icon(window(1, 9, std::nullopt, std::nullopt)));
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 9", "generic Editor"));
+}
+
+TEST_F(IconProviderTest, FallsBackWhenTheFileHasNoIcon) {
+    desktop.setFileHasIcon("/apps/editor.desktop", false);
+    ASSERT_NE(provider.icon(window(1, 9, "org.example.editor", "/apps/editor.desktop")).image, nullptr);
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("file /apps/editor.desktop", "process 9"));
+}
+
+TEST_F(IconProviderTest, EveryIconIs32PointsWideAndHigh) {
+    EXPECT_EQ(provider.icon(window(1, 9, std::nullopt, std::nullopt)).size, (Size{32, 32}));
+    EXPECT_EQ(provider.icon(window(2, 10, "org.example.a", "/a")).size, (Size{32, 32}));
+}
+
+TEST_F(IconProviderTest, RemovingAllLoadsEverythingAnew) {
+    static_cast<void>(provider.icon(window(2, 10, "org.example.a", "/a")));
+    provider.removeAll();
+    static_cast<void>(provider.icon(window(2, 10, "org.example.a", "/a")));
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("file /a", "file /a"));
+}
+
+TEST_F(IconProviderTest, EventsThatAreNoTerminationForgetNothing) {
+    desktop.launch({.pid = 7, .bundleIdentifier = "org.example.a"});
+    static_cast<void>(provider.icon(window(1, 7, "org.example.a", "/a")));
+    static_cast<void>(desktop.takeIconLoads());
+    desktop.setHidden(7, true);
+    desktop.setSpaceChanged();
+    desktop.settle();
+    static_cast<void>(provider.icon(window(1, 7, "org.example.a", "/a")));
+    EXPECT_THAT(desktop.takeIconLoads(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace ferrowyn

@@ -1,0 +1,107 @@
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "tests/x11/inventory_fixture.h"
+#include "tests/x11/scripted_manager.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+using testing::Contains;
+using testing::Not;
+
+class InventoryEventsTest : public testing::Test {
+protected:
+    InventoryEventsTest() : manager(server.display()), parts(server.display()) {
+        subscription =
+            parts.workspace.observe([this](const WorkspaceEvent& event) { seen.push_back(nameOf(event.kind)); });
+    }
+    bool runUntilSeen(const std::string& name) {
+        return parts.runUntil([&] { return std::ranges::find(seen, name) != seen.end(); });
+    }
+    std::unique_ptr<AccessibilityObserver> observeSelf() {
+        return parts.observers.create(getpid(), [this](std::string_view name) { seen.emplace_back(name); });
+    }
+
+    PrivateXServer server;
+    ScriptedManager manager;
+    AdapterParts parts;
+    std::vector<std::string> seen;
+    Subscription subscription;
+};
+
+TEST_F(InventoryEventsTest, TellsOfApplicationsComingAndGoing) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(runUntilSeen("didLaunch"));
+    EXPECT_TRUE(parts.workspace.runningApplication(getpid()).has_value());
+    manager.publishStacking({});
+    ASSERT_TRUE(runUntilSeen("didTerminate"));
+    EXPECT_FALSE(parts.workspace.runningApplication(getpid()).has_value());
+}
+
+TEST_F(InventoryEventsTest, TellsAnObserverOfItsWindows) {
+    const auto first = manager.createWindow();
+    manager.publishStacking({first});
+    ASSERT_TRUE(runUntilSeen("didLaunch"));
+    const auto observer = observeSelf();
+    ASSERT_NE(observer, nullptr);
+    for (const auto* const name : {"AXWindowCreated", "AXFocusedWindowChanged"}) {
+        observer->addApplicationNotification(name);
+    }
+    for (const auto* const name : {"AXUIElementDestroyed", "AXWindowMiniaturized", "AXTitleChanged"}) {
+        observer->addWindowNotification(X11Element::make(first), name);
+    }
+    const auto second = manager.createWindow();
+    manager.publishStacking({first, second});
+    EXPECT_TRUE(runUntilSeen("AXWindowCreated"));
+    manager.publishActive(first);
+    EXPECT_TRUE(runUntilSeen("AXFocusedWindowChanged"));
+    manager.set(first, "_NET_WM_NAME", "UTF8_STRING", 8, "New", 3);
+    EXPECT_TRUE(runUntilSeen("AXTitleChanged"));
+    manager.setAtoms(first, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+    EXPECT_TRUE(runUntilSeen("AXWindowMiniaturized"));
+    manager.publishStacking({second});
+    EXPECT_TRUE(runUntilSeen("AXUIElementDestroyed"));
+}
+
+TEST_F(InventoryEventsTest, KeepsTheFrontWhileTheActiveWindowIsNoneInPassing) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    manager.publishActive(window);
+    ASSERT_TRUE(runUntilSeen("didActivate"));
+    seen.clear();
+    manager.publishActive(XCB_WINDOW_NONE);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == XCB_WINDOW_NONE; }));
+    EXPECT_EQ(parts.workspace.frontmostPid(), getpid());
+    EXPECT_EQ(parts.inventory.focusedWindowNumber(getpid(), Seconds(1)), window);
+    EXPECT_THAT(seen, Not(Contains("didActivate")));
+}
+
+TEST_F(InventoryEventsTest, LosesTrustWithTheManagerAndFindsItWithTheNext) {
+    X11Trust trust(parts.monitor.model(), parts.context, {}, "", parts.log);
+    int hints = 0;
+    const auto hinted = trust.observeChanges([&] { ++hints; });
+    EXPECT_TRUE(trust.isTrusted());
+    manager.die();
+    ASSERT_TRUE(parts.runUntil([&] { return hints == 1; }));
+    EXPECT_FALSE(trust.isTrusted());
+    ScriptedManager next(server.display());
+    ASSERT_TRUE(parts.runUntil([&] { return hints == 2; }));
+    EXPECT_TRUE(trust.requestWithPrompt());
+}
+
+TEST_F(InventoryEventsTest, AsksForAProbeOnlyWhileTheKeyboardIsHeldElsewhere) {
+    int probes = 0;
+    parts.context.requestKeyboardProbe = [&] { ++probes; };
+    const X11Trust trust(parts.monitor.model(), parts.context, {}, "", parts.log);
+    EXPECT_FALSE(trust.isSecureInputActive());
+    EXPECT_EQ(probes, 0);
+    parts.context.isKeyboardHeldElsewhere = true;
+    EXPECT_TRUE(trust.isSecureInputActive());
+    EXPECT_EQ(probes, 1);
+}
+
+}  // namespace
+}  // namespace ferrowyn::x11test

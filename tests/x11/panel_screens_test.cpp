@@ -1,0 +1,109 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/x11/panel_fixture.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+/// Divides the one screen of 1440 x 600 pixels, as a person's two monitors of different heights would.
+void divideScreen(const TestDesktop& desktop) {
+    const auto set = [&desktop](const char* name, std::int16_t x, std::uint16_t width, std::uint16_t height,
+                                std::uint8_t isPrimary) {
+        xcb_randr_monitor_info_t monitor{};
+        monitor.name = desktop.atom(name);
+        monitor.primary = isPrimary;
+        monitor.x = x;
+        monitor.width = width;
+        monitor.height = height;
+        xcb_randr_set_monitor(desktop.connection(), desktop.root(), &monitor);
+    };
+    set("left", 0, 800, 600, 1);
+    set("right", 800, 640, 480, 0);
+    xcb_flush(desktop.connection());
+}
+
+bool hasTwoScreens(const PanelRig& rig) {
+    return PanelRig::runUntil([&] {
+        const auto all = rig.screens->all();
+        return all.size() == 2 && all[0].frame == Rect{0, 0, 800, 600} && all[1].frame == Rect{800, 120, 640, 480};
+    });
+}
+
+TEST(ScreensTest, TwoMonitorsGrowUpwardFromThePrimaryOne) {
+    PanelRig rig({.screens = {"1440x600x24"}});
+    divideScreen(rig.desktop);
+    ASSERT_TRUE(hasTwoScreens(rig)) << "waited for the division to be noticed";
+
+    const Rect onSecond{850, 300, 300, 200};
+    rig.panel->prepare(onSecond);
+    rig.show(onSecond);
+    ASSERT_TRUE(rig.desktop.waitForPanel(true));
+    EXPECT_EQ(rig.desktop.placeOf(*rig.desktop.visiblePanel()), (TestDesktop::Place{850, 100, 300, 200}));
+    EXPECT_EQ(rig.desktop.pixel(900, 110), 0xCC3366U);
+
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > 0; }));
+    rig.input.movePointer(900, 110);
+    EXPECT_TRUE(PanelRig::runUntil([&] { return rig.pointer->location() == Point{900, 490}; }));
+}
+
+TEST(ScreensTest, TheMainScreenIsTheOneOfTheActiveWindow) {
+    PanelRig rig({.screens = {"1440x600x24"}});
+    divideScreen(rig.desktop);
+    ASSERT_TRUE(hasTwoScreens(rig));
+    const TestWindow window(rig.server.display(), {.title = "On the second", .x = 900, .y = 50});
+    ASSERT_TRUE(rig.desktop.waitForActiveWindow(window.id()));
+    const auto place = rig.desktop.placeOf(window.id());
+    ASSERT_TRUE(place.has_value());
+    const double middle = place->x + place->width / 2.0;
+    EXPECT_TRUE(PanelRig::runUntil([&] {
+        const auto screen = rig.screens->main();
+        return screen && middle >= screen->frame.minX() && middle < screen->frame.maxX();
+    }));
+}
+
+TEST(ScreensTest, ADocksStrutLeavesTheVisibleFrameSmallerAndItsEndGivesItBack) {
+    PanelRig rig;
+    int changes = 0;
+    const auto subscription = rig.screens->observe([&] { ++changes; });
+    {
+        TestWindow dock(
+            rig.server.display(),
+            {.title = "Dock", .x = 0, .y = 0, .width = 1280, .height = 30, .type = "_NET_WM_WINDOW_TYPE_DOCK"});
+        const std::uint32_t strut[12] = {0, 0, 30, 0, 0, 0, 0, 0, 0, 1279, 0, 0};
+        dock.setProperty("_NET_WM_STRUT_PARTIAL", "CARDINAL", 32, strut, 12);
+        EXPECT_TRUE(PanelRig::runUntil([&] {
+            return rig.screens->all().front().visibleFrame == Rect{0, 0, 1280, 770};
+        }));
+        EXPECT_EQ(rig.screens->all().front().frame, (Rect{0, 0, 1280, 800}));
+        EXPECT_GT(changes, 0);
+    }
+    EXPECT_TRUE(PanelRig::runUntil([&] { return rig.screens->all().front().visibleFrame == Rect{0, 0, 1280, 800}; }));
+}
+
+TEST(ScreensLayoutTest, AStrutConcernsTheMonitorsAlongItsRangeOnly) {
+    const X11PixelRect left{0, 0, 800, 600};
+    const X11PixelRect right{800, 0, 640, 480};
+    const std::vector<X11Strut> struts{{.bottom = 40, .bottomStart = 0, .bottomEnd = 799}};
+    EXPECT_EQ(visiblePart(left, struts, 1440, 600), (X11PixelRect{0, 0, 800, 560}));
+    EXPECT_EQ(visiblePart(right, struts, 1440, 600), right);
+}
+
+TEST(ScreensLayoutTest, AStrutThatWouldLeaveNothingIsPassedOver) {
+    const X11PixelRect left{0, 0, 800, 600};
+    const X11PixelRect right{800, 0, 640, 600};
+    const std::vector<X11Strut> innerEdge{{.left = 850, .leftStart = 0, .leftEnd = 599}};
+    EXPECT_EQ(visiblePart(left, innerEdge, 1440, 600), left);
+    EXPECT_EQ(visiblePart(right, innerEdge, 1440, 600), (X11PixelRect{850, 0, 590, 600}));
+}
+
+TEST(ScreensLayoutTest, PointsGrowUpwardFromThePrimaryScreenAtItsScale) {
+    const X11Coordinates coordinates{.scale = 2, .originX = 100, .originY = 900};
+    EXPECT_EQ(coordinates.toPoints(100, 900), (Point{0, 0}));
+    EXPECT_EQ(coordinates.toPoints(120, 880), (Point{10, 10}));
+    EXPECT_EQ(coordinates.toPixels({10, 10, 30, 20}), (X11PixelRect{120, 840, 60, 40}));
+    EXPECT_EQ(coordinates.toPoints(X11PixelRect{120, 840, 60, 40}), (Rect{10, 10, 30, 20}));
+}
+
+}  // namespace
+}  // namespace ferrowyn::x11test

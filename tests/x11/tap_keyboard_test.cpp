@@ -1,0 +1,563 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+#include <xcb/xinput.h>
+
+#include <optional>
+
+#include "platform/x11/xcb_reply.h"
+#include "tests/x11/harness/child_process.h"
+#include "tests/x11/harness/private_x_server.h"
+#include "tests/x11/harness/test_desktop.h"
+#include "tests/x11/harness/test_input.h"
+#include "tests/x11/harness/test_window.h"
+#include "tests/x11/harness/window_manager_process.h"
+#include "tests/x11/tap_rig.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+using testing::Contains;
+using testing::Not;
+
+constexpr std::uint16_t aKey = 0, dKey = 2, lKey = 37, oneKey = 18, tabKey = 48, graveKey = 50, escapeKey = 53;
+
+/// A client that holds the keyboard, as a screen locker does.
+class KeyboardHolder {
+public:
+    explicit KeyboardHolder(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
+        const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+        const XcbReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
+            connection_,
+            xcb_grab_keyboard(connection_, 1, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+            nullptr));
+        hasGrab_ = reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    }
+    ~KeyboardHolder() { xcb_disconnect(connection_); }
+    KeyboardHolder(const KeyboardHolder&) = delete;
+    KeyboardHolder& operator=(const KeyboardHolder&) = delete;
+
+    [[nodiscard]] bool hasGrab() const { return hasGrab_; }
+    /// The keys that were pressed until now.
+    [[nodiscard]] std::vector<std::uint8_t> takePresses() {
+        const XcbReply<xcb_get_input_focus_reply_t> sync(
+            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+        std::vector<std::uint8_t> presses;
+        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+            if ((event->response_type & 0x7F) == XCB_KEY_PRESS) {
+                presses.push_back(reinterpret_cast<const xcb_key_press_event_t*>(event.get())->detail);
+            }
+        }
+        return presses;
+    }
+
+private:
+    xcb_connection_t* connection_;
+    bool hasGrab_ = false;
+};
+
+class TapKeyboardTest : public testing::Test {
+protected:
+    void setKeyboard(const std::vector<std::string>& arguments) {
+        std::vector<std::string> command{"setxkbmap", "-display", server.display()};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        ChildProcess process({.command = command});
+        ASSERT_EQ(process.waitForExit(), 0) << process.output();
+    }
+    void toggle(std::uint8_t modifier = key::leftAlt, std::uint8_t triggerKey = key::tab) {
+        input.chord({modifier, triggerKey});
+    }
+    void startSession(TapRig& rig, std::uint8_t modifier = key::leftAlt) {
+        const int before = rig.opened();
+        input.press(modifier);
+        input.tap(key::tab);
+        ASSERT_TRUE(rig.waitForOpened(before + 1));
+        rig.forgetSeen();
+    }
+    /// Types and waits for what it typed.
+    [[nodiscard]] bool typesInSession(TapRig& rig, std::initializer_list<std::uint8_t> keys,
+                                      const std::u16string& text) {
+        for (const auto keyCode : keys) {
+            input.tap(keyCode);
+        }
+        return rig.waitUntil([&] { return typedBy(rig) == text; });
+    }
+    /// `waitUntil` holds the lock that `typed` takes: reads what `typed` reads, on a copy.
+    static std::u16string typedBy(TapRig& rig) { return rig.typedWhileWaiting(); }
+
+    void expectNothingLeft() {
+        EXPECT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{3000}))
+            << "a grab is left";
+        EXPECT_FALSE(desktop.anyKeyIsDown()) << "a key is stuck";
+    }
+
+    PrivateXServer server;
+    WindowManagerProcess manager{server, "openbox"};
+    TestDesktop desktop{server.display()};
+    TestWindow window{server.display(), {.title = "Window"}};
+    TestInput input{server.display()};
+};
+
+TEST_F(TapKeyboardTest, LocksDoNotHideTheTriggerAndNeverAppearInTheFlags) {
+    TapRig rig(server.display(), {});
+    int sessions = 0;
+    for (const auto lock : {key::capsLock, key::numLock, key::scrollLock}) {
+        input.tap(lock);
+        toggle();
+        ASSERT_TRUE(rig.waitForClosed(++sessions)) << int{lock};
+    }
+    for (const auto& event : rig.seen()) {
+        EXPECT_THAT(event.flags, testing::AnyOf(0U, event_flags::option));
+    }
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ShiftReversesTheTriggerAndIsReportedAsAFlag) {
+    TapRig rig(server.display(), {});
+    input.chord({key::leftAlt, key::leftShift, key::tab});
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_EQ(rig.seen().front().flags, event_flags::option | event_flags::shift);
+    EXPECT_EQ(rig.seen().front().keyCode, tabKey);
+}
+
+TEST_F(TapKeyboardTest, TheKeyLeftOfOneIsATriggerOnlyWithCommand) {
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::command});
+    toggle(key::leftSuper, key::grave);
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_EQ(rig.seen().front().keyCode, graveKey);
+    EXPECT_EQ(rig.seen().front().flags, event_flags::command);
+
+    rig.tap().setTrigger(SwitcherModifier::option);
+    ASSERT_TRUE(rig.settle());
+    rig.forgetSeen();
+    toggle(key::leftAlt, key::grave);
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.opened(), 1);
+    EXPECT_THAT(rig.seen(), testing::IsEmpty());
+}
+
+TEST_F(TapKeyboardTest, PhysicalKeysAreTheSameInEveryLayoutAndTextFollowsTheLayout) {
+    struct Case {
+        const char* layout;
+        const char* variant;
+        std::u16string text;  // of the physical keys A and D
+    };
+    TapRig rig(server.display(), {});
+    for (const auto& [layout, variant, text] : {Case{"us", "", u"ad"}, Case{"ru", "", u"фв"}, Case{"gr", "", u"αδ"},
+                                                Case{"us", "dvorak", u"ae"}, Case{"fr", "", u"qd"}}) {
+        setKeyboard({layout, variant});
+        ASSERT_TRUE(rig.settle());
+        startSession(rig);
+        EXPECT_TRUE(typesInSession(rig, {key::a, key::d}, text)) << layout << ' ' << variant;
+        input.tap(key::l);
+        input.tap(key::digit1);
+        input.tap(key::escape);
+        ASSERT_TRUE(rig.waitForClosed(rig.opened()));
+        input.release(key::leftAlt);
+        std::vector<std::uint16_t> codes;
+        for (const auto& event : rig.seen()) {
+            if (event.type == TapEvent::Type::keyDown) {
+                codes.push_back(event.keyCode);
+                EXPECT_EQ(event.flags, event_flags::option);
+            }
+        }
+        EXPECT_THAT(codes, testing::ElementsAre(aKey, dKey, lKey, oneKey, escapeKey)) << layout << ' ' << variant;
+    }
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, TextFollowsTheActiveGroupAndTheTriggerStillWorks) {
+    TapRig rig(server.display(), {});
+    setKeyboard({"-layout", "us,ru", "-option", "grp:caps_toggle"});
+    ASSERT_TRUE(rig.settle());
+    input.tap(key::capsLock);
+    startSession(rig);
+    EXPECT_TRUE(typesInSession(rig, {key::a}, u"ф"));
+    input.release(key::leftAlt);
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, CapsLockShiftAndTheThirdLevelChangeWhatIsTyped) {
+    TapRig rig(server.display(), {});
+    setKeyboard({"de"});
+    ASSERT_TRUE(rig.settle());
+    input.tap(key::capsLock);
+    startSession(rig);
+    EXPECT_TRUE(typesInSession(rig, {key::a}, u"A"));
+    input.tap(key::capsLock);
+    input.press(key::leftShift);
+    EXPECT_TRUE(typesInSession(rig, {key::s}, u"AS"));
+    input.release(key::leftShift);
+    constexpr std::uint8_t rightAlt = 108;
+    input.press(rightAlt);
+    EXPECT_TRUE(typesInSession(rig, {key::e}, u"AS€"));
+    input.release(rightAlt);
+    EXPECT_TRUE(typesInSession(rig, {key::e}, u"AS€e"));
+    input.release(key::leftAlt);
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, DeadKeysAndComposeSequencesGiveTheirText) {
+    TapRig rig(server.display(), {.holdMode = false});
+    setKeyboard({"-layout", "fr", "-option", "compose:menu"});
+    ASSERT_TRUE(rig.settle());
+    startSession(rig);
+    input.release(key::leftAlt);
+    constexpr std::uint8_t circumflex = 34, menu = 135;
+    EXPECT_TRUE(typesInSession(rig, {circumflex, key::e}, u"ê"));
+    EXPECT_TRUE(typesInSession(rig, {menu, key::o, key::e}, u"êœ"));
+    // A key that types nothing ends a sequence.
+    EXPECT_TRUE(typesInSession(rig, {circumflex, key::left, key::e}, u"êœe"));
+    rig.close();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ControlIsAlsoCommandInASessionUnlessItIsTheTrigger) {
+    TapRig rig(server.display(), {});
+    startSession(rig);
+    input.chord({key::leftControl, key::d});
+    ASSERT_TRUE(rig.settle());
+    const auto seen = rig.seen();
+    const auto pressed = std::find_if(seen.begin(), seen.end(), [](const auto& event) {
+        return event.type == TapEvent::Type::keyDown && event.keyCode == dKey;
+    });
+    ASSERT_NE(pressed, seen.end());
+    EXPECT_EQ(pressed->flags, event_flags::option | event_flags::control | event_flags::command);
+    EXPECT_EQ(pressed->text, u"d");
+    input.release(key::leftAlt);
+    EXPECT_TRUE(rig.waitForClosed(1));
+    ASSERT_TRUE(rig.settle());
+
+    rig.tap().setTrigger(SwitcherModifier::control);
+    ASSERT_TRUE(rig.settle());
+    rig.forgetSeen();
+    toggle(key::leftControl);
+    ASSERT_TRUE(rig.settle());
+    ASSERT_THAT(rig.seen(), Not(testing::IsEmpty()));
+    EXPECT_EQ(rig.seen().front().flags, event_flags::control);
+}
+
+TEST_F(TapKeyboardTest, NeverOpensWhileAnotherClientHoldsTheKeyboardAndProbesOnlyOnRequest) {
+    TapRig rig(server.display(), {});
+    {
+        KeyboardHolder holder(server.display());
+        ASSERT_TRUE(holder.hasGrab());
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.context().isKeyboardHeldElsewhere.load(); }));
+        ASSERT_TRUE(rig.settle());
+        EXPECT_THAT(rig.seen(), testing::IsEmpty());
+        EXPECT_THAT(holder.takePresses(), testing::ElementsAre(key::leftAlt, key::tab));
+        rig.context().requestKeyboardProbe();
+        ASSERT_TRUE(rig.settle());
+        EXPECT_TRUE(rig.context().isKeyboardHeldElsewhere);
+    }
+    ASSERT_TRUE(rig.settle());
+    EXPECT_TRUE(rig.context().isKeyboardHeldElsewhere) << "probed without being asked";
+    rig.context().requestKeyboardProbe();
+    ASSERT_TRUE(rig.settle());
+    EXPECT_FALSE(rig.context().isKeyboardHeldElsewhere);
+    EXPECT_TRUE(desktop.keyboardIsFree());
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ASessionThatOpensClearsThatTheKeyboardIsHeld) {
+    TapRig rig(server.display(), {});
+    {
+        const KeyboardHolder holder(server.display());
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.context().isKeyboardHeldElsewhere.load(); }));
+    }
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    EXPECT_FALSE(rig.context().isKeyboardHeldElsewhere);
+}
+
+TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenTheMainThreadDoesNotAnswer) {
+    TapRig rig(server.display(), {.answers = false});
+    toggle();
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.requests() == 1; }));
+    EXPECT_FALSE(desktop.keyboardIsFree());
+    expectNothingLeft();
+    EXPECT_EQ(rig.seen().size(), 1U);
+}
+
+TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenNoSessionIsOpenedAndLeavesTheKeysAlone) {
+    TapRig rig(server.display(), {.opensSessions = false});
+    for (int request = 1; request <= 20; ++request) {
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.requests() == request; }));
+    }
+    ASSERT_TRUE(rig.settle());
+    expectNothingLeft();
+    input.tap(key::a);
+    EXPECT_TRUE(desktop.waitUntil([&] { return true; }));
+    ASSERT_TRUE(rig.settle());
+    EXPECT_THAT(window.takeInput().keyPresses, Contains(key::a));
+}
+
+TEST_F(TapKeyboardTest, AHiddenSwitcherSeesNoOtherKey) {
+    TapRig rig(server.display(), {});
+    input.tap(key::a);
+    input.tap(key::tab);
+    input.chord({key::leftAlt, key::a});
+    input.chord({key::leftControl, key::tab});
+    ASSERT_TRUE(rig.settle());
+    EXPECT_THAT(rig.seen(), testing::IsEmpty());
+    EXPECT_THAT(window.takeInput().keyPresses, testing::IsSupersetOf({key::a, key::tab}));
+    EXPECT_TRUE(desktop.keyboardIsFree());
+}
+
+TEST_F(TapKeyboardTest, AHeldTabMovesOnAtTheRepeatRateAndStopsOnRelease) {
+    ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
+    ASSERT_EQ(rate.waitForExit(), 0) << rate.output();
+    TapRig rig(server.display(), {});
+    input.press(key::leftAlt);
+    input.press(key::tab);
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.moves() >= 5; }));
+    input.release(key::tab);
+    ASSERT_TRUE(rig.settle());
+    const int moves = rig.moves();
+    // Long enough for ten more.
+    EXPECT_FALSE(rig.waitUntil([&] { return rig.moves() > moves; }, milliseconds{350}));
+    input.release(key::leftAlt);
+    EXPECT_TRUE(rig.waitForClosed(1));
+    EXPECT_EQ(rig.opened(), 1);
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, AHeldTabNeitherTypesIntoTheWindowNorOpensAgainAfterTheSession) {
+    ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
+    ASSERT_EQ(rate.waitForExit(), 0) << rate.output();
+    TapRig rig(server.display(), {});
+    input.press(key::leftAlt);
+    input.press(key::tab);
+    ASSERT_TRUE(rig.waitForOpened(1));
+    input.release(key::leftAlt);
+    ASSERT_TRUE(rig.waitForClosed(1));
+    ASSERT_TRUE(rig.settle());
+    // Time for the first repeats.
+    EXPECT_FALSE(rig.waitForOpenedWithin(2, milliseconds{500}));
+    EXPECT_THAT(window.takeInput().keyPresses, Not(Contains(key::tab)));
+    input.release(key::tab);
+    ASSERT_TRUE(rig.settle());
+    expectNothingLeft();
+    // The next press is the user's own again.
+    input.tap(key::tab);
+    input.tap(key::a);
+    EXPECT_TRUE(desktop.waitUntil([&, presses = std::vector<std::uint8_t>()]() mutable {
+        const auto more = window.takeInput().keyPresses;
+        presses.insert(presses.end(), more.begin(), more.end());
+        return std::count(presses.begin(), presses.end(), key::tab) == 1 &&
+               std::count(presses.begin(), presses.end(), key::a) == 1;
+    }));
+}
+
+TEST_F(TapKeyboardTest, ATabPressedAgainAndHeldRepeatsAndLeavesNoRepeatsBehind) {
+    ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
+    ASSERT_EQ(rate.waitForExit(), 0) << rate.output();
+    TapRig rig(server.display(), {});
+    input.press(key::leftAlt);
+    input.tap(key::tab);
+    ASSERT_TRUE(rig.waitForOpened(1));
+    input.press(key::tab);
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.moves() >= 5; }));
+    input.release(key::leftAlt);
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_FALSE(rig.waitForOpenedWithin(2, milliseconds{500}));
+    EXPECT_THAT(window.takeInput().keyPresses, Not(Contains(key::tab)));
+    input.release(key::tab);
+    ASSERT_TRUE(rig.settle());
+    expectNothingLeft();
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(2));
+}
+
+TEST_F(TapKeyboardTest, ATriggerThatIsStillHeldAfterEscapeOpensNoNewSession) {
+    ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
+    ASSERT_EQ(rate.waitForExit(), 0) << rate.output();
+    TapRig rig(server.display(), {});
+    input.press(key::leftAlt);
+    input.press(key::tab);
+    ASSERT_TRUE(rig.waitForOpened(1));
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_FALSE(rig.waitForOpenedWithin(2, milliseconds{500}));
+    input.release(key::tab);
+    input.tap(key::tab);
+    EXPECT_TRUE(rig.waitForOpened(2));
+    input.release(key::leftAlt);
+    EXPECT_TRUE(rig.waitForClosed(2));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ASessionFromTheMenuGetsItsKeysOnceTheMenuLetsTheKeyboardGo) {
+    TapRig rig(server.display(), {});
+    {
+        const KeyboardHolder menu(server.display());
+        rig.openFromMenu();
+        ASSERT_TRUE(rig.waitForOpened(1));
+        ASSERT_TRUE(rig.settle());
+    }
+    ASSERT_TRUE(rig.waitUntil([&] { return !rig.seenWhileWaiting().empty(); })) << "the tap tells the flags it found";
+    EXPECT_TRUE(typesInSession(rig, {key::a}, u"a"));
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, AWindowManagerThatStartsLaterOrRestartsDoesNotTakeTheTrigger) {
+    TapRig rig(server.display(), {});
+    toggle();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    const WindowManagerProcess next(server, "xfwm4", true);
+    for (int session = 2; session <= 20; ++session) {
+        toggle();
+        ASSERT_TRUE(rig.waitForClosed(session));
+    }
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, FollowsAChangeOfTheMapWhileItRuns) {
+    TapRig rig(server.display(), {});
+    // Alt and Super change places: the trigger follows the modifier, not the key.
+    setKeyboard({"-option", "altwin:swap_alt_win"});
+    ASSERT_TRUE(rig.settle());
+    toggle(key::leftSuper);
+    ASSERT_TRUE(rig.waitForClosed(1));
+    toggle(key::leftAlt);
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.opened(), 1);
+    setKeyboard({"-option", ""});
+    ASSERT_TRUE(rig.settle());
+    toggle(key::leftAlt);
+    EXPECT_TRUE(rig.waitForClosed(2));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, AMapThatChangesInTheMiddleOfSessionsLosesNone) {
+    TapRig rig(server.display(), {});
+    for (int session = 1; session <= 30; ++session) {
+        ChildProcess process({.command = {"setxkbmap", "-display", server.display(), session % 2 == 0 ? "us" : "ru"}});
+        toggle();
+        ASSERT_TRUE(rig.waitForClosed(session)) << session;
+        ASSERT_EQ(process.waitForExit(), 0);
+    }
+    ASSERT_TRUE(rig.settle());
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, GivesTheKeyboardBackAndReportsItWhenTheSessionIsLocked) {
+    TapRig rig(server.display(), {});
+    startSession(rig);
+    rig.taps().notifyKeyboardUnavailable();
+    ASSERT_TRUE(rig.waitUntil([&] { return !rig.seenWhileWaiting().empty(); }));
+    EXPECT_EQ(rig.seen().back().type, TapEvent::Type::disabledByUserInput);
+    EXPECT_FALSE(rig.tap().isEnabled());
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{2000}));
+    input.release(key::leftAlt);
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    toggle();
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.opened(), 1);
+    rig.tap().setEnabled(true);
+    EXPECT_TRUE(rig.tap().isEnabled());
+    ASSERT_TRUE(rig.settle());
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(2));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, AnInvalidatedOrDisabledTapGivesTheKeyboardBack) {
+    TapRig rig(server.display(), {});
+    startSession(rig);
+    rig.tap().setEnabled(false);
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{2000}));
+    input.release(key::leftAlt);
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    rig.tap().setEnabled(true);
+    ASSERT_TRUE(rig.settle());
+    startSession(rig);
+    rig.tap().invalidate();
+    EXPECT_TRUE(desktop.keyboardIsFree());
+    EXPECT_FALSE(rig.tap().isEnabled());
+    rig.tap().setEnabled(true);
+    EXPECT_FALSE(rig.tap().isEnabled());
+    input.release(key::leftAlt);
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ALostConnectionDisablesTheTapForGoodAndCostsNoTime) {
+    TapRig rig(server.display(), {});
+    server.kill();
+    ASSERT_TRUE(rig.waitUntil([&] { return !rig.tap().isEnabled(); }));
+    rig.tap().setEnabled(true);
+    EXPECT_FALSE(rig.tap().isEnabled());
+    const auto before = rig.tapThreadCpuTime();
+    EXPECT_FALSE(rig.waitUntil([] { return false; }, milliseconds{500}));
+    EXPECT_LT(rig.tapThreadCpuTime() - before, std::chrono::milliseconds(50));
+}
+
+TEST_F(TapKeyboardTest, TellsWhenTheUserLastActedAndWhereThePointerIs) {
+    TapRig rig(server.display(), {});
+    input.movePointer(321, 123);
+    toggle();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_EQ(rig.context().pointer(), (std::pair<std::uint32_t, std::uint32_t>{321, 123}));
+    const auto time = rig.context().lastUserTime.load();
+    EXPECT_NE(time, 0U);
+    toggle();
+    ASSERT_TRUE(rig.waitForClosed(2));
+    EXPECT_GE(rig.context().lastUserTime.load(), time);
+}
+
+TEST_F(TapKeyboardTest, AKeyboardThatIsPluggedInGetsItsGrabs) {
+    TapRig rig(server.display(), {});
+    // A second pair of masters brings test devices of its own: a new slave keyboard, as plugging one in does.
+    auto* const connection = desktop.connection();
+    struct {
+        xcb_input_add_master_t head;
+        char name[8];
+    } change{};
+    change.head = {XCB_INPUT_HIERARCHY_CHANGE_TYPE_ADD_MASTER, 4, 6, 1, 1};
+    std::copy_n("second", 6, change.name);
+    xcb_input_xi_query_version_reply_t* version =
+        xcb_input_xi_query_version_reply(connection, xcb_input_xi_query_version(connection, 2, 2), nullptr);
+    std::free(version);
+    xcb_input_hierarchy_change_t* const raw = reinterpret_cast<xcb_input_hierarchy_change_t*>(&change);
+    const XcbReply<xcb_generic_error_t> error(
+        xcb_request_check(connection, xcb_input_xi_change_hierarchy_checked(connection, 1, raw)));
+    ASSERT_EQ(error, nullptr);
+    ASSERT_TRUE(rig.settle());
+    const XcbReply<xcb_input_xi_query_device_reply_t> devices(
+        xcb_input_xi_query_device_reply(connection, xcb_input_xi_query_device(connection, 0), nullptr));
+    std::optional<xcb_input_device_id_t> added;
+    for (auto device = xcb_input_xi_query_device_infos_iterator(devices.get()); device.rem > 0;
+         xcb_input_xi_device_info_next(&device)) {
+        if (device.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD) {
+            added = device.data->deviceid;
+        }
+    }
+    ASSERT_TRUE(added);
+    // What the tap has grabbed, nobody else can: that is how it shows.
+    const std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+    const std::uint32_t alt = XCB_MOD_MASK_1;
+    const XcbReply<xcb_input_xi_passive_grab_device_reply_t> refused(xcb_input_xi_passive_grab_device_reply(
+        connection,
+        xcb_input_xi_passive_grab_device(connection, XCB_CURRENT_TIME, desktop.root(), XCB_CURSOR_NONE, key::tab,
+                                         *added, 1, 1, XCB_INPUT_GRAB_TYPE_KEYCODE, 1, 1, 0, &mask, &alt),
+        nullptr));
+    ASSERT_NE(refused, nullptr);
+    EXPECT_EQ(refused->num_modifiers, 1);
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(1));
+}
+
+}  // namespace
+}  // namespace ferrowyn::x11test

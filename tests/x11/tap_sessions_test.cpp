@@ -1,0 +1,127 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <iostream>
+#include <random>
+#include <thread>
+
+#include "tests/x11/harness/private_x_server.h"
+#include "tests/x11/harness/test_desktop.h"
+#include "tests/x11/harness/test_input.h"
+#include "tests/x11/harness/test_window.h"
+#include "tests/x11/harness/window_manager_process.h"
+#include "tests/x11/tap_rig.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct Series {
+    const char* manager;
+    int sessions;
+};
+
+std::string nameOf(const testing::TestParamInfo<Series>& series) {
+    return series.param.manager;
+}
+
+/// Times between the events of a quick hand, more of them short than long.
+class Hand {
+public:
+    Hand(TestInput& input, unsigned seed) : input_(input), random_(seed) {}
+
+    void pressTrigger() {
+        input_.press(key::leftAlt);
+        pause();
+        pressedAt_ = Clock::now();
+        input_.press(key::tab);
+        pause();
+    }
+    void releaseTrigger() {
+        const bool isTabFirst = std::bernoulli_distribution(0.5)(random_);
+        input_.release(isTabFirst ? key::tab : key::leftAlt);
+        pause();
+        input_.release(isTabFirst ? key::leftAlt : key::tab);
+        pause();
+    }
+    [[nodiscard]] Clock::time_point pressedAt() const { return pressedAt_; }
+
+private:
+    void pause() {
+        std::uniform_real_distribution<double> exponent(std::log(0.3), std::log(30.0));
+        // The input of the test itself, not a wait for something.
+        std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(std::exp(exponent(random_))));
+    }
+
+    TestInput& input_;
+    std::mt19937 random_;
+    std::atomic<Clock::time_point> pressedAt_{};
+};
+
+class TapSessionsTest : public testing::TestWithParam<Series> {
+protected:
+    void expectNothingLeft(TapRig& rig) {
+        EXPECT_FALSE(rig.isVisible());
+        EXPECT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{2000}))
+            << "a grab is left";
+        EXPECT_FALSE(desktop.anyKeyIsDown()) << "a key is stuck";
+    }
+
+    PrivateXServer server;
+    WindowManagerProcess manager{server, GetParam().manager};
+    TestDesktop desktop{server.display()};
+    TestWindow first{server.display(), {.title = "First"}};
+    TestWindow second{server.display(), {.title = "Second", .x = 300}};
+    TestInput input{server.display()};
+};
+
+TEST_P(TapSessionsTest, EachQuickToggleOpensAndClosesOneSessionHoweverSlowTheMainThread) {
+    TapRig rig(server.display(), {.maximumMainDelay = milliseconds{60}, .seed = 7});
+    Hand hand(input, 42);
+    for (int session = 1; session <= GetParam().sessions; ++session) {
+        hand.pressTrigger();
+        hand.releaseTrigger();
+    }
+    // The main thread is at most the last seconds behind.
+    EXPECT_TRUE(rig.waitUntil([&] { return rig.closed() >= GetParam().sessions; }, milliseconds{60000}));
+    EXPECT_EQ(rig.opened(), GetParam().sessions);
+    EXPECT_EQ(rig.closed(), GetParam().sessions);
+    EXPECT_EQ(rig.moves(), 0);
+    expectNothingLeft(rig);
+    EXPECT_THAT(first.takeInput().keyPresses, testing::Not(testing::Contains(key::tab)));
+    EXPECT_THAT(second.takeInput().keyPresses, testing::Not(testing::Contains(key::tab)));
+}
+
+TEST_P(TapSessionsTest, TheTriggerReachesTheCallbackAtOnce) {
+    TapRig rig(server.display(), {});
+    Hand hand(input, 1);
+    std::vector<double> latencies;
+    rig.onTrigger = [&] {
+        latencies.push_back(std::chrono::duration<double, std::milli>(Clock::now() - hand.pressedAt()).count());
+    };
+    for (int session = 1; session <= 100; ++session) {
+        hand.pressTrigger();
+        hand.releaseTrigger();
+        ASSERT_TRUE(rig.waitForClosed(session)) << session;
+    }
+    rig.stopThread();
+    ASSERT_EQ(latencies.size(), 100U);
+    std::sort(latencies.begin(), latencies.end());
+    std::cout << GetParam().manager << ": trigger to callback, ms: median " << latencies[50] << ", p95 "
+              << latencies[95] << ", max " << latencies[99] << '\n';
+    // Generous, for a loaded machine and for sanitizers: what is excluded is a wait.
+    EXPECT_LT(latencies[50], 20.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Managers, TapSessionsTest,
+                         testing::Values(Series{"openbox", 500}, Series{"xfwm4", 500}, Series{"icewm", 100},
+                                         Series{"metacity", 100}, Series{"i3", 100}, Series{"kwin_x11", 100},
+                                         Series{"mutter", 100}),
+                         nameOf);
+
+}  // namespace
+}  // namespace ferrowyn::x11test
