@@ -2,11 +2,13 @@
 #include <QTimer>
 #include <chrono>
 
+#include "app/app_services.h"
 #include "app/demo_desktop.h"
 #include "app/program.h"
 #include "app/termination_signals.h"
 #include "platform/linux/journal_log.h"
 #include "platform/simulated/simulated_desktop.h"
+#include "ui/switcher_content.h"
 
 namespace ferrowyn {
 
@@ -49,6 +51,7 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
     SimulatedDesktop desktop;
     openDemoWindows(desktop);
     const Platform platform = withLog(desktop.platform(), log);
+    AppServices services(platform, switcherContentFactory(platform.texts));
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
 
     auto last = std::chrono::steady_clock::now();
@@ -59,7 +62,9 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
         last = now;
     });
     clock.start(tick);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    services.terminate();
+    return status;
 }
 
 }  // namespace ferrowyn

@@ -3,16 +3,17 @@
 #include <memory>
 #include <string>
 
+#include "app/app_services.h"
 #include "app/program.h"
 #include "app/session_check.h"
 #include "app/single_instance.h"
 #include "app/termination_signals.h"
-#include "platform/linux/ini_user_defaults.h"
-#include "platform/linux/journal_log.h"
-#include "platform/linux/xdg_folders.h"
-#include "platform/qt/qt_background_work.h"
-#include "platform/qt/qt_main_loop.h"
+#include "platform/log.h"
+#include "platform/platform.h"
 #include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_platform.h"
+#include "platform/x11/x11_wayland_session.h"
+#include "ui/switcher_content.h"
 
 namespace ferrowyn {
 
@@ -30,13 +31,21 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
 
-    JournalLog log = makeLog(line);
-    QtMainLoop mainLoop;
-    QtBackgroundWork backgroundWork;
-    IniUserDefaults userDefaults(XdgFolders::fromEnvironment().configHome / "Ferrowyn/Ferrowyn.ini", log);
+    std::string error;
+    const auto desktop = X11Platform::create(
+        {.minimumLogLevel = line.logLevel.value_or(LogLevel::standard), .mirrorsLog = line.logLevel.has_value()},
+        error);
+    if (!desktop) {
+        return refuse("ferrowyn: " + error);
+    }
+    const Platform& platform = desktop->platform();
+    AppServices services(platform, switcherContentFactory(platform.texts));
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
-    instance.listen([&log] { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
-    return QApplication::exec();
+    instance.listen([&log = platform.log] { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
+    platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
+    const int status = QApplication::exec();
+    services.terminate();
+    return status;
 }
 
 }  // namespace
@@ -50,7 +59,7 @@ int runOnX11(const CommandLine& line, int& argumentCount, char** arguments) {
     if (!connection) {
         return refuse(unreachableDisplayMessage(environment));
     }
-    if (isXWayland(*connection)) {
+    if (isServerOfWaylandSession(connection->get(), connection->root())) {
         return refuse(waylandMessage());
     }
     const auto instance = SingleInstance::claim(std::move(connection));

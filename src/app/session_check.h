@@ -5,8 +5,6 @@
 
 namespace ferrowyn {
 
-class X11Connection;
-
 /// What the environment says about the session that the program was started in. Empty means unset.
 struct SessionEnvironment {
     std::string display;
@@ -23,8 +21,5 @@ struct SessionEnvironment {
 [[nodiscard]] std::string unreachableDisplayMessage(const SessionEnvironment& environment);
 /// The same refusal as in a Wayland session, for a server that turned out to be part of one.
 [[nodiscard]] std::string waylandMessage();
-
-/// Whether this X server only passes on what a Wayland compositor lets through. One round trip.
-[[nodiscard]] bool isXWayland(const X11Connection& connection);
 
 }  // namespace ferrowyn

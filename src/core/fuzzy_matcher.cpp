@@ -150,8 +150,14 @@ std::int64_t bonusForTheWhole(const Texts& texts, const Positions& positions) {
     return standsAtAWordStart(texts, static_cast<std::size_t>(positions.front())) ? wholeWordsBonus : 0;
 }
 
+/// What a match is worth, and how much of that it earned by standing together at the text's or a word's start.
+struct Score {
+    std::int64_t value;
+    std::int64_t bonusForTheWhole;
+};
+
 template <typename Texts>
-std::int64_t scoreOf(const Texts& texts, const Positions& positions) {
+Score scoreOf(const Texts& texts, const Positions& positions) {
     std::int64_t score = -std::min(lateStartCost * positions.front(), greatestLateStartCost);
     std::int64_t previous = positions.front() - 1;
     for (const std::int64_t position : positions) {
@@ -165,12 +171,12 @@ std::int64_t scoreOf(const Texts& texts, const Positions& positions) {
         score += texts.isLowercaseForm(place) ? exactCharacterBonus : 0;
         previous = position;
     }
-    score += bonusForTheWhole(texts, positions);
-    return score - static_cast<std::int64_t>(texts.characterCount()) / charactersPerLengthPenalty;
+    const std::int64_t bonus = bonusForTheWhole(texts, positions);
+    return {score + bonus - static_cast<std::int64_t>(texts.characterCount()) / charactersPerLengthPenalty, bonus};
 }
 
 template <typename Texts>
-std::optional<std::int64_t> scoreTexts(const Texts& texts, Positions& positions) {
+std::optional<Score> scoreTexts(const Texts& texts, Positions& positions) {
     if (!findPositions(texts, positions)) {
         return std::nullopt;
     }
@@ -178,7 +184,7 @@ std::optional<std::int64_t> scoreTexts(const Texts& texts, Positions& positions)
 }
 
 /// The query is not empty. Replaces the positions, by none when there is no match.
-std::optional<std::int64_t> scoreAscii(const Query& query, std::string_view text, Positions& positions) {
+std::optional<Score> scorePlain(const Query& query, std::string_view text, Positions& positions) {
     if (!query.asciiCharacters()) {
         positions.clear();
         return std::nullopt;
@@ -186,12 +192,36 @@ std::optional<std::int64_t> scoreAscii(const Query& query, std::string_view text
     return scoreTexts(AsciiTexts(*query.asciiCharacters(), text), positions);
 }
 
-std::optional<std::int64_t> scoreAny(const Query& query, std::string_view text, Positions& positions) {
-    if (plain_ascii::isPlain(text)) {
-        return scoreAscii(query, text, positions);
+std::optional<Score> scoreAny(const Query& query, std::string_view text, bool isPlain, Positions& positions) {
+    if (isPlain) {
+        return scorePlain(query, text, positions);
     }
     const PreparedText& prepared = PreparedTextCache::ofThisThread().prepared(text);
     return scoreTexts(PreparedTexts(query.characters(), prepared), positions);
+}
+
+/// Whether a query occurs in the plain text `name` + " " + `title`, without putting it together.
+bool occursAcross(const Query& query, std::string_view name, std::string_view title) {
+    if (!query.asciiCharacters()) {
+        return false;
+    }
+    const std::string& wanted = *query.asciiCharacters();
+    std::size_t next = 0;
+    const auto take = [&](std::string_view part) {
+        std::size_t from = 0;
+        while (next < wanted.size()) {
+            const std::size_t position = plain_ascii::findIgnoringCase(part, from, wanted[next]);
+            if (position == std::string_view::npos) {
+                return;
+            }
+            from = position + 1;
+            ++next;
+        }
+    };
+    take(name);
+    take(" ");
+    take(title);
+    return next == wanted.size();
 }
 
 /// Memory that is used again from window to window.
@@ -209,33 +239,28 @@ struct Best {
 /// The best of title, name and both; the first of equals. The title's positions are complete in any case.
 std::optional<Best> bestOf(const Query& query, const AppWindow& window, Scratch& scratch, Positions& titlePositions) {
     const std::string_view title = window.displayTitleView();
-    scratch.combined.assign(window.appName).append(1, ' ').append(title);
-    std::optional<std::int64_t> titleScore;
-    std::optional<std::int64_t> nameScore;
-    std::optional<std::int64_t> bothScore;
-    if (plain_ascii::isPlain(scratch.combined)) {
-        // What neither part nor both together contain is the usual case, and the last tells it for all three.
-        bothScore = scoreAscii(query, scratch.combined, scratch.both);
-        if (!bothScore) {
-            titlePositions.clear();
-            return std::nullopt;
-        }
-        titleScore = scoreAscii(query, title, titlePositions);
-        nameScore = scoreAscii(query, window.appName, scratch.name);
-    } else {
-        titleScore = scoreAny(query, title, titlePositions);
-        nameScore = scoreAny(query, window.appName, scratch.name);
-        bothScore = scoreAny(query, scratch.combined, scratch.both);
+    const bool isNamePlain = plain_ascii::isPlain(window.appName);
+    const bool isTitlePlain = plain_ascii::isPlain(title);
+    // What matches neither part nor both together is the usual case, and the last settles it for all three.
+    if (isNamePlain && isTitlePlain && !occursAcross(query, window.appName, title)) {
+        titlePositions.clear();
+        return std::nullopt;
     }
     std::optional<Best> best;
-    const auto consider = [&best](const std::optional<std::int64_t>& score, const Positions& positions) {
-        if (score && (!best || *score > best->score)) {
-            best = Best{*score, &positions};
+    const auto consider = [&best](const std::optional<Score>& score, const Positions& positions) {
+        if (score && (!best || score->value > best->score)) {
+            best = Best{score->value, &positions};
         }
     };
-    consider(titleScore, titlePositions);
+    consider(scoreAny(query, title, isTitlePlain, titlePositions), titlePositions);
+    const auto nameScore = scoreAny(query, window.appName, isNamePlain, scratch.name);
     consider(nameScore, scratch.name);
-    consider(bothScore, scratch.both);
+    // Both together begin with the name: a query found there is found at the same places. It earns no more than by the
+    // name, being part of a longer text, unless the title has the whole word that the name has not.
+    if (!(isNamePlain && nameScore && nameScore->bonusForTheWhole > 0)) {
+        scratch.combined.assign(window.appName).append(1, ' ').append(title);
+        consider(scoreAny(query, scratch.combined, isNamePlain && isTitlePlain, scratch.both), scratch.both);
+    }
     if (best && best->positions == &titlePositions) {
         best->score += titleBonus;
     }
@@ -266,11 +291,11 @@ std::optional<Match> match(std::string_view query, std::string_view text) {
     if (prepared.isEmpty()) {
         return result;
     }
-    const auto score = scoreAny(prepared, text, result.matchedIndices);
+    const auto score = scoreAny(prepared, text, plain_ascii::isPlain(text), result.matchedIndices);
     if (!score) {
         return std::nullopt;
     }
-    result.score = *score;
+    result.score = score->value;
     return result;
 }
 

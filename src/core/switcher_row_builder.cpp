@@ -11,6 +11,21 @@
 
 namespace ferrowyn {
 
+class SwitcherRowBuilder::Filter {
+public:
+    explicit Filter(const SessionSettings& settings)
+        : includeMinimized_(settings.includeMinimized.get()), includeOtherSpaces_(settings.includeOtherSpaces.get()) {}
+
+    [[nodiscard]] bool includes(const AppWindow& window) const {
+        // A minimised window is on no Space in particular: only its own setting hides it.
+        return window.isMinimized ? includeMinimized_ : window.isOnActiveSpace || includeOtherSpaces_;
+    }
+
+private:
+    bool includeMinimized_;
+    bool includeOtherSpaces_;
+};
+
 void SwitcherRowBuilder::build(const Input& input, std::vector<Row>& rows) {
     entries_.clear();
     highlights_.clear();
@@ -29,15 +44,10 @@ void SwitcherRowBuilder::build(const Input& input, std::vector<Row>& rows) {
     writeRows(rows);
 }
 
-bool SwitcherRowBuilder::isIncluded(const AppWindow& window) const {
-    // A minimised window is on no Space in particular: only its own setting hides it.
-    return window.isMinimized ? settings_.includeMinimized.get()
-                              : window.isOnActiveSpace || settings_.includeOtherSpaces.get();
-}
-
 void SwitcherRowBuilder::enterLiveWindows(const Input& input) {
+    const Filter filter(settings_);
     for (const AppWindow& window : input.windows) {
-        if (isIncluded(window)) {
+        if (filter.includes(window)) {
             entries_.push_back({.window = &window});
         }
     }
@@ -73,8 +83,10 @@ void SwitcherRowBuilder::enterSessionWindows(const Input& input) {
 
 void SwitcherRowBuilder::enterMatches(const Input& input, std::string_view query) {
     const FuzzyMatcher::Query prepared(query);
+    const Filter filter(settings_);
+    entries_.reserve(input.windows.size());
     for (const AppWindow& window : input.windows) {
-        if (!isIncluded(window)) {
+        if (!filter.includes(window)) {
             continue;
         }
         if (const auto score = FuzzyMatcher::score(prepared, window, titleIndices_)) {
@@ -106,15 +118,13 @@ void SwitcherRowBuilder::groupByProcess() {
 }
 
 void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) const {
-    std::unordered_map<Pid, int> groupSizes;
-    for (const Entry& entry : entries_) {
-        ++groupSizes[entry.window->pid];
-    }
     const std::vector<std::string>& identifiers = favourites_.bundleIdentifiers().get();
     const std::unordered_set<std::string_view> favourites(identifiers.begin(), identifiers.end());
+    std::unordered_map<Pid, int> groupSizes;
 
     rows.resize(entries_.size());
     const AppWindow* previous = nullptr;
+    int* groupSize = nullptr;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         const Entry& entry = entries_[i];
         const AppWindow& window = *entry.window;
@@ -124,9 +134,19 @@ void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) const {
         row.highlightedTitleIndices.assign(firstHighlight,
                                            firstHighlight + static_cast<std::ptrdiff_t>(entry.highlightCount));
         row.startsGroup = previous == nullptr || window.pid != previous->pid;
-        row.groupSize = groupSizes.at(window.pid);
-        row.isFavourite = window.bundleIdentifier && favourites.contains(*window.bundleIdentifier);
+        row.isFavourite =
+            !favourites.empty() && window.bundleIdentifier && favourites.contains(*window.bundleIdentifier);
+        if (row.startsGroup) {
+            groupSize = &groupSizes[window.pid];
+        }
+        ++*groupSize;
         previous = &window;
+    }
+    for (Row& row : rows) {
+        if (row.startsGroup) {
+            groupSize = &groupSizes[row.window.pid];
+        }
+        row.groupSize = *groupSize;
     }
 }
 

@@ -47,7 +47,9 @@ private:
         std::size_t highlightCount = 0;
     };
 
-    [[nodiscard]] bool isIncluded(const AppWindow& window) const;
+    /// Which windows the settings leave; read once for all windows.
+    class Filter;
+
     void enterLiveWindows(const Input& input);
     void enterSessionWindows(const Input& input);
     void enterMatches(const Input& input, std::string_view query);

@@ -150,27 +150,23 @@ std::string uppercased(std::string_view text) {
 }
 
 bool isUppercase(std::string_view character) {
-    const UChar32 scalar = singleScalar(character);
-    if (scalar >= 0 && scalar < 0x80) {
-        return scalar >= 'A' && scalar <= 'Z';
-    }
-    if (scalar >= 0 && u_isUUppercase(scalar)) {
-        return true;
+    if (const UChar32 scalar = singleScalar(character); scalar >= 0) {
+        return u_isUUppercase(scalar) || (u_hasBinaryProperty(scalar, UCHAR_CHANGES_WHEN_LOWERCASED) &&
+                                          !u_hasBinaryProperty(scalar, UCHAR_CHANGES_WHEN_UPPERCASED));
     }
     const std::string self = composed(character);
-    return composed(uppercased(self)) == self && composed(lowercased(self)) != self;
+    const std::string lower = composed(lowercased(self));
+    return lower != self && composed(uppercased(self)) == self;
 }
 
 bool isLowercase(std::string_view character) {
-    const UChar32 scalar = singleScalar(character);
-    if (scalar >= 0 && scalar < 0x80) {
-        return scalar >= 'a' && scalar <= 'z';
-    }
-    if (scalar >= 0 && u_isULowercase(scalar)) {
-        return true;
+    if (const UChar32 scalar = singleScalar(character); scalar >= 0) {
+        return u_isULowercase(scalar) || (u_hasBinaryProperty(scalar, UCHAR_CHANGES_WHEN_UPPERCASED) &&
+                                          !u_hasBinaryProperty(scalar, UCHAR_CHANGES_WHEN_LOWERCASED));
     }
     const std::string self = composed(character);
-    return composed(lowercased(self)) == self && composed(uppercased(self)) != self;
+    const std::string upper = composed(uppercased(self));
+    return upper != self && composed(lowercased(self)) == self;
 }
 
 std::string_view trimmingWhitespace(std::string_view text) {

@@ -1,5 +1,6 @@
 #include "ui/centred_column.h"
 
+#include <QTextLayout>
 #include <algorithm>
 #include <cmath>
 
@@ -19,6 +20,24 @@ void CentredColumn::addText(const QString& text, TextStyle style, const QColor& 
     line.paint(painter_, rect_.midX() - line.width() / 2,
                context_.lines.centredBaseline(style, top_, height, context_.devicePixelRatio), color);
     top_ += height;
+}
+
+void CentredColumn::addText(const QStringList& lines, TextStyle style, const QColor& color) {
+    for (const QString& line : lines) {
+        addText(line, style, color);
+    }
+}
+
+QStringList CentredColumn::wrapped(const QString& text, TextStyle style, double width) {
+    QTextLayout layout(text, fontFor(style));
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        lines.append(text.mid(line.textStart(), line.textLength()).trimmed());
+    }
+    layout.endLayout();
+    return lines;
 }
 
 double CentredColumn::lineHeight(TextStyle style, const PaintContext& context) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include "ui/paint_context.h"
 
@@ -16,10 +17,13 @@ public:
 
     void addSymbol(std::string_view name, double side, const QColor& color, SymbolWeight weight);
     void addText(const QString& text, TextStyle style, const QColor& color);
+    void addText(const QStringList& lines, TextStyle style, const QColor& color);
     void addSpace(double height) { top_ += height; }
     /// Where the next part begins.
     [[nodiscard]] double top() const { return top_; }
 
+    /// The text's lines when it is broken between words so that none is wider than this.
+    [[nodiscard]] static QStringList wrapped(const QString& text, TextStyle style, double width);
     /// The height of a line of this style in such a column.
     [[nodiscard]] static double lineHeight(TextStyle style, const PaintContext& context);
 

@@ -1,5 +1,6 @@
 #include "ui/display_text.h"
 
+#include <QList>
 #include <algorithm>
 #include <cstddef>
 
@@ -29,8 +30,7 @@ QString decoded(std::string_view utf8) {
 }
 
 bool breaksLine(QChar unit) {
-    return unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
-           unit == QChar::ParagraphSeparator;
+    return unit.category() == QChar::Other_Control || unit == QChar::LineSeparator || unit == QChar::ParagraphSeparator;
 }
 
 }  // namespace
@@ -64,8 +64,7 @@ bool hasVisibleCharacters(const QString& text) {
                 return false;
             default:
                 // The Hangul fillers and the blank Braille pattern are letters and symbols without ink.
-                return scalar != 0x115F && scalar != 0x1160 && scalar != 0x3164 && scalar != 0xFFA0 &&
-                       scalar != 0x2800;
+                return scalar != 0x115F && scalar != 0x1160 && scalar != 0x3164 && scalar != 0xFFA0 && scalar != 0x2800;
         }
     });
 }

@@ -27,8 +27,8 @@ void GroupHeaderView::paint(QPainter& painter, const Rect& rect, const PaintCont
     const double room = rect.maxX() - inset - countWidth - gap - nameLeft;
     const TextLine& name = context.lines.line(appName, TextStyle::groupName, std::max(room, 0.0));
     const double nameWidth = name.width();
-    name.paint(painter, nameLeft,
-               context.lines.centredBaseline(TextStyle::groupName, rect.y, rect.height, scale), theme.textSecondary);
+    name.paint(painter, nameLeft, context.lines.centredBaseline(TextStyle::groupName, rect.y, rect.height, scale),
+               theme.textSecondary);
 
     const auto metrics = context.lines.metrics(TextStyle::groupCount);
     const double boxHeight = std::round(metrics.ascent + metrics.descent + 2);
@@ -39,8 +39,7 @@ void GroupHeaderView::paint(QPainter& painter, const Rect& rect, const PaintCont
     painter.drawRoundedRect(box, countRadius, countRadius);
     const TextLine& number = context.lines.line(countText, TextStyle::groupCount, rect.width);
     number.paint(painter, box.center().x() - number.width() / 2,
-                 context.lines.centredBaseline(TextStyle::groupCount, box.y(), box.height(), scale),
-                 theme.countText);
+                 context.lines.centredBaseline(TextStyle::groupCount, box.y(), box.height(), scale), theme.countText);
 }
 
 }  // namespace ferrowyn

@@ -21,7 +21,11 @@ struct PaintContext {
     double devicePixelRatio = 1;
 };
 
-[[nodiscard]] inline QRectF toQt(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
-[[nodiscard]] inline Rect fromQt(const QRectF& rect) { return {rect.x(), rect.y(), rect.width(), rect.height()}; }
+[[nodiscard]] inline QRectF toQt(const Rect& rect) {
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+[[nodiscard]] inline Rect fromQt(const QRectF& rect) {
+    return {rect.x(), rect.y(), rect.width(), rect.height()};
+}
 
 }  // namespace ferrowyn

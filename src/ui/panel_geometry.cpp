@@ -7,7 +7,9 @@ namespace ferrowyn {
 
 PanelGeometry::PanelGeometry(Input input) : input_(std::move(input)) {}
 
-Rect PanelGeometry::searchLine() const { return {0, 0, input_.size.width, searchLineHeight}; }
+Rect PanelGeometry::searchLine() const {
+    return {0, 0, input_.size.width, searchLineHeight};
+}
 
 Rect PanelGeometry::body() const {
     const double below = input_.showsFooter ? footerHeight : 0;
@@ -23,6 +25,10 @@ std::optional<Rect> PanelGeometry::footer() const {
 
 bool PanelGeometry::startsGroup(int index) const {
     return isGrouped() && std::binary_search(input_.groupStarts.begin(), input_.groupStarts.end(), index);
+}
+
+int PanelGeometry::headerCount() const {
+    return isGrouped() ? static_cast<int>(input_.groupStarts.size()) : 0;
 }
 
 int PanelGeometry::headersUpTo(int index) const {
@@ -42,7 +48,9 @@ double PanelGeometry::contentHeight() const {
     return input_.rowCount < 1 ? 0 : rowTop(input_.rowCount - 1) + lineHeight() + rowsInset;
 }
 
-double PanelGeometry::maximumScroll() const { return std::max(contentHeight() - body().height, 0.0); }
+double PanelGeometry::maximumScroll() const {
+    return std::max(contentHeight() - body().height, 0.0);
+}
 
 Rect PanelGeometry::row(int index, double scroll) const {
     const double top = body().minY() - scroll + rowTop(index);

@@ -37,6 +37,9 @@ public:
 
     [[nodiscard]] const Size& size() const { return input_.size; }
     [[nodiscard]] int rowCount() const { return input_.rowCount; }
+    [[nodiscard]] int headerCount() const;
+    /// How many headers stand before this row, its own included.
+    [[nodiscard]] int headersUpTo(int index) const;
     [[nodiscard]] Rect searchLine() const;
     /// Between search line and footer; rows are clipped to it.
     [[nodiscard]] Rect body() const;
@@ -66,7 +69,6 @@ private:
     [[nodiscard]] bool isGrouped() const { return input_.layout == SwitcherLayout::grouped; }
     [[nodiscard]] double lineHeight() const { return isGrid() ? cardHeight : rowHeight; }
     [[nodiscard]] double lineSpacing() const { return isGrid() ? cardSpacing : rowSpacing; }
-    [[nodiscard]] int headersUpTo(int index) const;
     [[nodiscard]] bool startsGroup(int index) const;
     /// From the top of the scrolled content.
     [[nodiscard]] double rowTop(int index) const;

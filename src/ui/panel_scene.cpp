@@ -18,7 +18,9 @@ namespace ferrowyn {
 
 namespace {
 
-bool intersects(const Rect& a, const Rect& b) { return toQt(a).intersects(toQt(b)); }
+bool intersects(const Rect& a, const Rect& b) {
+    return toQt(a).intersects(toQt(b));
+}
 
 }  // namespace
 
@@ -106,15 +108,17 @@ void PanelScene::paintRow(QPainter& painter, int index, const Rect& rect, const 
     }
     const bool isGrouped = layout == SwitcherLayout::grouped;
     WindowRowView{row, icon(row.window), isSelected, index + 1, !isGrouped, isGrouped, toggle}.paint(painter, rect,
-                                                                                                    context);
+                                                                                                     context);
 }
 
 void PanelScene::paintHeader(QPainter& painter, int index, const Rect& rect, const PaintContext& context) const {
     const auto& row = rows[static_cast<std::size_t>(index)];
     GroupHeaderView{display_text::singleLine(row.window.appName), icon(row.window), row.groupSize}.paint(painter, rect,
-                                                                                                        context);
+                                                                                                         context);
 }
 
-std::shared_ptr<const IconImage> PanelScene::icon(const AppWindow& window) const { return icons.icon(window).image; }
+std::shared_ptr<const IconImage> PanelScene::icon(const AppWindow& window) const {
+    return icons.icon(window).image;
+}
 
 }  // namespace ferrowyn

@@ -18,9 +18,18 @@ constexpr double belowTitle = 2;
 constexpr double aboveButton = 9;
 constexpr double buttonHeight = 26;
 
+/// A sentence or two: on lines that are comfortable to read.
+QStringList explanation(const PaintContext& context) {
+    constexpr double lineWidth = 460;
+    return CentredColumn::wrapped(display_text::singleLine(context.texts.permissionExplanation), TextStyle::emptyDetail,
+                                  lineWidth);
+}
+
 double columnHeight(const PaintContext& context) {
     return symbolSide + belowSymbol + CentredColumn::lineHeight(TextStyle::emptyTitle, context) + belowTitle +
-           CentredColumn::lineHeight(TextStyle::emptyDetail, context) + aboveButton + buttonHeight;
+           CentredColumn::lineHeight(TextStyle::emptyDetail, context) *
+               static_cast<double>(explanation(context).size()) +
+           aboveButton + buttonHeight;
 }
 
 double columnTop(const Rect& rect, const PaintContext& context) {
@@ -32,8 +41,7 @@ double columnTop(const Rect& rect, const PaintContext& context) {
 Rect PermissionStateView::button(const Rect& rect, const PaintContext& context) {
     constexpr double padding = 14;
     const QString text = display_text::singleLine(context.texts.permissionButton);
-    const double width =
-        std::ceil(context.lines.line(text, TextStyle::button, rect.width).width()) + 2 * padding;
+    const double width = std::ceil(context.lines.line(text, TextStyle::button, rect.width).width()) + 2 * padding;
     const double bottom = columnTop(rect, context) + columnHeight(context);
     return {std::round(rect.midX() - width / 2), bottom - buttonHeight, width, buttonHeight};
 }
@@ -41,13 +49,12 @@ Rect PermissionStateView::button(const Rect& rect, const PaintContext& context) 
 void PermissionStateView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const Theme& theme = context.theme;
     CentredColumn column(painter, rect, columnTop(rect, context), context);
-    column.addSymbol(WindowPresentation::permissionSymbol, symbolSide, theme.badgeText(WindowPresentation::Tint::orange),
-                     SymbolWeight::medium);
+    column.addSymbol(WindowPresentation::permissionSymbol, symbolSide,
+                     theme.badgeText(WindowPresentation::Tint::orange), SymbolWeight::medium);
     column.addSpace(belowSymbol);
     column.addText(display_text::singleLine(context.texts.permissionTitle), TextStyle::emptyTitle, theme.textPrimary);
     column.addSpace(belowTitle);
-    column.addText(display_text::singleLine(context.texts.permissionExplanation), TextStyle::emptyDetail,
-                   theme.textSecondary);
+    column.addText(explanation(context), TextStyle::emptyDetail, theme.textSecondary);
     paintButton(painter, button(rect, context), context);
 }
 
@@ -64,8 +71,8 @@ void PermissionStateView::paintButton(QPainter& painter, const Rect& button, con
         painter.setBrush(theme.countFill);
         painter.drawRoundedRect(toQt(button), cornerRadius, cornerRadius);
     }
-    const TextLine& line = context.lines.line(display_text::singleLine(context.texts.permissionButton),
-                                              TextStyle::button, button.width);
+    const TextLine& line =
+        context.lines.line(display_text::singleLine(context.texts.permissionButton), TextStyle::button, button.width);
     line.paint(painter, button.midX() - line.width() / 2,
                context.lines.centredBaseline(TextStyle::button, button.y, button.height, context.devicePixelRatio),
                theme.textPrimary);

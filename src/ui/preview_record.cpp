@@ -10,9 +10,8 @@ namespace {
 bool looksTheSame(const SwitcherViewModel::Row& a, const SwitcherViewModel::Row& b) {
     const AppWindow& first = a.window;
     const AppWindow& second = b.window;
-    return first.title == second.title && first.appName == second.appName &&
-           first.isMinimized == second.isMinimized && first.isFullScreen == second.isFullScreen &&
-           first.isOnActiveSpace == second.isOnActiveSpace &&
+    return first.title == second.title && first.appName == second.appName && first.isMinimized == second.isMinimized &&
+           first.isFullScreen == second.isFullScreen && first.isOnActiveSpace == second.isOnActiveSpace &&
            a.highlightedTitleIndices == b.highlightedTitleIndices && a.startsGroup == b.startsGroup &&
            a.groupSize == b.groupSize && a.isFavourite == b.isFavourite;
 }

@@ -7,7 +7,7 @@ QString text(const AppWindow& window) {
     return display_text::hasVisibleCharacters(title) ? title : display_text::singleLine(window.appName);
 }
 
-TextLine::Emphasis emphasis(const SwitcherViewModel::Row& row, bool isSelected, const Theme& theme) {
+TextEmphasis emphasis(const SwitcherViewModel::Row& row, bool isSelected, const Theme& theme) {
     if (row.highlightedTitleIndices.empty()) {
         return {};
     }

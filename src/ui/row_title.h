@@ -12,6 +12,6 @@ namespace ferrowyn::row_title {
 /// The display title as one line; the application's name when nothing of the title can be seen.
 [[nodiscard]] QString text(const AppWindow& window);
 /// The matched characters, in their colour or, on the selection, underlined.
-[[nodiscard]] TextLine::Emphasis emphasis(const SwitcherViewModel::Row& row, bool isSelected, const Theme& theme);
+[[nodiscard]] TextEmphasis emphasis(const SwitcherViewModel::Row& row, bool isSelected, const Theme& theme);
 
 }  // namespace ferrowyn::row_title

@@ -13,8 +13,9 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr double symbolSide = 14;
-constexpr double textLeft = PanelGeometry::sideMargin + symbolSide + 11;
+/// The square around a symbol of 14 points: the drawing inside it is smaller than its grid.
+constexpr double symbolSide = 16;
+constexpr double textLeft = PanelGeometry::sideMargin + symbolSide + 9;
 constexpr double caretHeight = 19;
 constexpr double caretGap = 1;
 /// Room for the indicator: its symbol, and a count of five digits.
@@ -67,7 +68,7 @@ void SearchLineView::paint(QPainter& painter, const Rect& rect, const PaintConte
 }
 
 double SearchLineView::paintIndicator(QPainter& painter, const Rect& rect, const PaintContext& context) const {
-    constexpr double indicatorSide = 11;
+    constexpr double indicatorSide = 12;
     constexpr double gap = 6;
     const QString count = QString::fromStdString(std::to_string(rowCount));
     const TextLine& number = context.lines.line(count, TextStyle::rowCount, indicatorRoom);

@@ -1,5 +1,6 @@
 #include "ui/switcher_view.h"
 
+#include <QAccessible>
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -79,7 +80,8 @@ void SwitcherView::applyModel() {
     }
     isStale_ = false;
     updateGeometry();
-    const bool isNewSession = std::exchange(shownToken_, viewModel_.sessionToken.get()) != viewModel_.sessionToken.get();
+    const bool isNewSession =
+        std::exchange(shownToken_, viewModel_.sessionToken.get()) != viewModel_.sessionToken.get();
     const bool queryChanged = std::exchange(shownQuery_, viewModel_.query.get()) != viewModel_.query.get();
     const int selection = viewModel_.selectedIndex.get();
     const bool selectionChanged = std::exchange(shownSelection_, selection) != selection;
@@ -104,7 +106,9 @@ void SwitcherView::resetTransientState() {
     isButtonHovered_ = false;
 }
 
-SwitcherLayout SwitcherView::layoutMode() const { return preferences_.layout.get(); }
+SwitcherLayout SwitcherView::layoutMode() const {
+    return preferences_.layout.get();
+}
 
 PanelScene SwitcherView::scene() const {
     PanelScene scene{viewModel_.rows.get(), viewModel_.iconProvider()};
@@ -148,9 +152,8 @@ void SwitcherView::renderPreview(QImage& target) {
 }
 
 bool SwitcherView::matchesPreview() const {
-    return preview_ &&
-           preview_->matches(firstFrame(viewModel_.rows.get(), viewModel_.selectedIndex.get(), preview_->size()),
-                             theme_);
+    return preview_ && preview_->matches(
+                           firstFrame(viewModel_.rows.get(), viewModel_.selectedIndex.get(), preview_->size()), theme_);
 }
 
 PaintContext SwitcherView::paintContext(double devicePixelRatio) {
@@ -160,8 +163,9 @@ PaintContext SwitcherView::paintContext(double devicePixelRatio) {
 void SwitcherView::paintEvent(QPaintEvent* event) {
     applyModel();
     QPainter painter(this);
-    paintedRowCount_ =
-        scene().paint(painter, geometry_, fromQt(event->rect()), paintContext(devicePixelRatioF()));
+    // The widget may be rendered into an image of another resolution than its window's.
+    const double scale = painter.deviceTransform().m11();
+    paintedRowCount_ = scene().paint(painter, geometry_, fromQt(event->rect()), paintContext(scale));
 }
 
 void SwitcherView::updateGeometry() {

@@ -51,6 +51,7 @@ public:
     [[nodiscard]] const SwitcherViewModel& viewModel() const { return viewModel_; }
     [[nodiscard]] const TextTable& texts() const { return texts_; }
     [[nodiscard]] SwitcherLayout layoutMode() const;
+    [[nodiscard]] bool showsRows() const { return scene().showsRows(); }
     [[nodiscard]] const PanelGeometry& geometryNow() const { return geometry_; }
     [[nodiscard]] Rect rowRect(int index) const { return geometry_.row(index, scroll_); }
     [[nodiscard]] Rect permissionButtonRect();

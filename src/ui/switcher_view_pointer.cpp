@@ -13,7 +13,9 @@ namespace ferrowyn {
 
 namespace {
 
-bool contains(const Rect& rect, const QPointF& position) { return rect.contains({position.x(), position.y()}); }
+bool contains(const Rect& rect, const QPointF& position) {
+    return rect.contains({position.x(), position.y()});
+}
 
 }  // namespace
 
@@ -80,14 +82,15 @@ void SwitcherView::mouseReleaseEvent(QMouseEvent* event) {
     }
 }
 
-void SwitcherView::leaveEvent(QEvent* /*event*/) { setButtonHovered(false); }
+void SwitcherView::leaveEvent(QEvent* /*event*/) {
+    setButtonHovered(false);
+}
 
 void SwitcherView::wheelEvent(QWheelEvent* event) {
     constexpr double unitsPerNotch = 120;
     applyModel();
-    const double distance = event->pixelDelta().isNull()
-                                ? event->angleDelta().y() / unitsPerNotch * (rowRect(0).height)
-                                : event->pixelDelta().y();
+    const double distance = event->pixelDelta().isNull() ? event->angleDelta().y() / unitsPerNotch * (rowRect(0).height)
+                                                         : event->pixelDelta().y();
     scrollAnimation_.stop();
     setScroll(std::clamp(scroll_ - distance, 0.0, geometry_.maximumScroll()));
     event->accept();
@@ -102,8 +105,8 @@ bool SwitcherView::event(QEvent* event) {
     if (target.kind == Target::Kind::favouriteButton) {
         const auto text =
             WindowPresentation::favouriteHelp(viewModel_.rows.get()[static_cast<std::size_t>(target.row)].isFavourite);
-        QToolTip::showText(help->globalPos(),
-                           QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())), this);
+        QToolTip::showText(help->globalPos(), QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())),
+                           this);
     } else {
         QToolTip::hideText();
     }

@@ -6,7 +6,9 @@
 #include <cmath>
 
 // A static library's resources are linked only when something asks for them; the macro must stand outside namespaces.
-static void loadSymbolResources() { Q_INIT_RESOURCE(ferrowyn); }
+static void loadSymbolResources() {
+    Q_INIT_RESOURCE(ferrowyn);
+}
 
 namespace ferrowyn {
 
@@ -31,7 +33,8 @@ QByteArray strokeFor(SymbolWeight weight) {
 
 void SymbolImages::paint(QPainter& painter, std::string_view name, double centerX, double centerY, double side,
                          const QColor& color, SymbolWeight weight) {
-    const double scale = painter.device()->devicePixelRatioF();
+    // Of what is really painted on: a widget may be rendered into an image of another resolution.
+    const double scale = painter.deviceTransform().m11();
     const Key key{std::string(name), static_cast<int>(std::lround(side * scale)), color.rgba(), weight};
     auto found = images_.find(key);
     if (found == images_.end()) {

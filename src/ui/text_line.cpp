@@ -25,7 +25,7 @@ QTextOption singleLineOption() {
 
 }  // namespace
 
-TextLine::TextLine(const QString& text, TextStyle style, double maximumWidth, Emphasis emphasis)
+TextLine::TextLine(const QString& text, TextStyle style, double maximumWidth, TextEmphasis emphasis)
     : style_(style), emphasis_(std::move(emphasis)) {
     layout_.setFont(fontFor(style));
     layout_.setTextOption(singleLineOption());

@@ -12,18 +12,18 @@ class QPainter;
 
 namespace ferrowyn {
 
+/// How matched characters stand out in a line.
+struct TextEmphasis {
+    std::vector<display_text::Range> ranges;
+    QColor color;
+    bool isUnderlined = false;
+};
+
 /// One line of shaped text, elided at its end to fit a width. It keeps its own direction, but stands at the left of
 /// where it is painted. Shaping is the expensive part of painting text: lines are made once and kept. Main thread.
 class TextLine {
 public:
-    /// How matched characters stand out.
-    struct Emphasis {
-        std::vector<display_text::Range> ranges;
-        QColor color;
-        bool isUnderlined = false;
-    };
-
-    TextLine(const QString& text, TextStyle style, double maximumWidth, Emphasis emphasis = {});
+    TextLine(const QString& text, TextStyle style, double maximumWidth, TextEmphasis emphasis = {});
 
     [[nodiscard]] double width() const { return width_; }
     [[nodiscard]] bool isElided() const { return isElided_; }
@@ -46,7 +46,7 @@ private:
     [[nodiscard]] QString elided(const QString& text, double maximumWidth);
 
     TextStyle style_;
-    Emphasis emphasis_;
+    TextEmphasis emphasis_;
     QTextLayout layout_;
     double width_ = 0;
     double ascent_ = 0;

@@ -14,7 +14,7 @@ constexpr int keptLines = 512;
 TextLines::TextLines() : lines_(keptLines) {}
 
 const TextLine& TextLines::line(const QString& text, TextStyle style, double maximumWidth,
-                                const TextLine::Emphasis& emphasis) {
+                                const TextEmphasis& emphasis) {
     const Key key{text, style, maximumWidth, emphasis.ranges, emphasis.color.rgba(), emphasis.isUnderlined};
     if (const TextLine* const kept = lines_.object(key)) {
         return *kept;

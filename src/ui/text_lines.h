@@ -17,7 +17,7 @@ public:
 
     /// Valid until the next call.
     [[nodiscard]] const TextLine& line(const QString& text, TextStyle style, double maximumWidth,
-                                       const TextLine::Emphasis& emphasis = {});
+                                       const TextEmphasis& emphasis = {});
     [[nodiscard]] const TextLine::Metrics& metrics(TextStyle style);
     /// The baseline on which capital letters stand centred in a height, on a whole device pixel.
     [[nodiscard]] double centredBaseline(TextStyle style, double top, double height, double devicePixelRatio);

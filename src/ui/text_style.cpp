@@ -63,6 +63,8 @@ QFont fontFor(TextStyle style) {
     return font;
 }
 
-QFont::Weight emphasisedWeight() { return QFont::ExtraBold; }
+QFont::Weight emphasisedWeight() {
+    return QFont::ExtraBold;
+}
 
 }  // namespace ferrowyn

@@ -38,8 +38,7 @@ void setSelectionColors(Theme& theme) {
     theme.selectionTextSecondary = readableWhite(theme.selection, 0.77);
     // A light chip takes contrast from the white text on it, and most accents have none to give away.
     const QColor lightChip = withAlpha(Qt::white, 0.18);
-    const bool isReadable =
-        contrast::ratio(Qt::white, contrast::blended(lightChip, theme.selection)) >= readableRatio;
+    const bool isReadable = contrast::ratio(Qt::white, contrast::blended(lightChip, theme.selection)) >= readableRatio;
     theme.selectionChip = isReadable ? lightChip : withAlpha(Qt::black, 0.18);
 }
 

@@ -25,11 +25,15 @@ constexpr double ordinalColumn = KeyCapView::height;
 constexpr int ordinalsWithAKey = 9;
 
 /// Where the next part to the left of the ordinal ends.
-double ordinalLeft(const Rect& rect) { return rect.maxX() - inset - ordinalColumn; }
+double ordinalLeft(const Rect& rect) {
+    return rect.maxX() - inset - ordinalColumn;
+}
 
 }  // namespace
 
-bool WindowRowView::showsOrdinal() const { return ordinal >= 1 && ordinal <= ordinalsWithAKey; }
+bool WindowRowView::showsOrdinal() const {
+    return ordinal >= 1 && ordinal <= ordinalsWithAKey;
+}
 
 std::optional<Rect> WindowRowView::favouriteButton(const Rect& rect) const {
     if (!WindowPresentation::showsFavouriteButton(row.isFavourite, isSelected)) {
@@ -41,8 +45,7 @@ std::optional<Rect> WindowRowView::favouriteButton(const Rect& rect) const {
 void WindowRowView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     SelectionBackground{isSelected}.paint(painter, rect, context);
     const double left = rect.x + inset + (isIndented ? indentation : 0);
-    AppIconView{icon, iconSide, row.window.isMinimized}.paint(painter, {left, rect.y, iconSide, rect.height},
-                                                              context);
+    AppIconView{icon, iconSide, row.window.isMinimized}.paint(painter, {left, rect.y, iconSide, rect.height}, context);
     const double textLeft = left + iconSide + gap;
     const double textRight = paintTrailingParts(painter, rect, context);
     paintText(painter, {textLeft, rect.y, std::max(textRight - textLeft, 0.0), rect.height}, context);
@@ -87,8 +90,8 @@ void WindowRowView::paintText(QPainter& painter, const Rect& rect, const PaintCo
     const double height = titleHeight + lineGap + nameMetrics.ascent + nameMetrics.descent;
     const double top = rect.midY() - height / 2;
     title.paint(painter, rect.x, snapped(top + titleMetrics.ascent), titleColor);
-    const TextLine& name = context.lines.line(display_text::singleLine(row.window.appName), TextStyle::rowAppName,
-                                              rect.width);
+    const TextLine& name =
+        context.lines.line(display_text::singleLine(row.window.appName), TextStyle::rowAppName, rect.width);
     name.paint(painter, rect.x, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
                isSelected ? theme.selectionTextSecondary : theme.textSecondary);
 }

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "platform/simulated/simulated_desktop.h"
+#include "tests/input/print_log_line.h"
 #include "tests/input/recording_event_tap.h"
 
 namespace ferrowyn {

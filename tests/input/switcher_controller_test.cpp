@@ -15,6 +15,7 @@
 #include "services/favourites_store.h"
 #include "services/icon_provider.h"
 #include "services/preferences.h"
+#include "tests/input/print_log_line.h"
 #include "tests/input/recording_event_tap.h"
 #include "tests/input/spy_panel.h"
 #include "tests/input/stub_panel_content.h"

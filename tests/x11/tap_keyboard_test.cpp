@@ -357,6 +357,26 @@ TEST_F(TapKeyboardTest, AHeldTabNeitherTypesIntoTheWindowNorOpensAgainAfterTheSe
     }));
 }
 
+TEST_F(TapKeyboardTest, ATabPressedAgainAndHeldRepeatsAndLeavesNoRepeatsBehind) {
+    ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
+    ASSERT_EQ(rate.waitForExit(), 0) << rate.output();
+    TapRig rig(server.display(), {});
+    input.press(key::leftAlt);
+    input.tap(key::tab);
+    ASSERT_TRUE(rig.waitForOpened(1));
+    input.press(key::tab);
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.moves() >= 5; }));
+    input.release(key::leftAlt);
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_FALSE(rig.waitForOpenedWithin(2, milliseconds{500}));
+    EXPECT_THAT(window.takeInput().keyPresses, Not(Contains(key::tab)));
+    input.release(key::tab);
+    ASSERT_TRUE(rig.settle());
+    expectNothingLeft();
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(2));
+}
+
 TEST_F(TapKeyboardTest, ATriggerThatIsStillHeldAfterEscapeOpensNoNewSession) {
     ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
     ASSERT_EQ(rate.waitForExit(), 0) << rate.output();

@@ -40,7 +40,8 @@ std::error_code lastError() {
 }
 
 std::error_code makeFolders(const std::filesystem::path& folder) {
-    if (folder.empty() || std::filesystem::is_directory(folder)) {
+    std::error_code statusError;
+    if (folder.empty() || std::filesystem::is_directory(folder, statusError)) {
         return {};
     }
     if (auto error = makeFolders(folder.parent_path())) {

@@ -20,8 +20,8 @@ constexpr int mostKeptAside = 100;
 std::filesystem::path asideName(const std::filesystem::path& file) {
     auto name = file;
     name += ".damaged";
-    for (int number = 2; number <= mostKeptAside && std::filesystem::exists(std::filesystem::symlink_status(name));
-         ++number) {
+    std::error_code error;
+    for (int number = 2; number <= mostKeptAside && std::filesystem::exists(symlink_status(name, error)); ++number) {
         name = file;
         name += fmt::format(".damaged-{}", number);
     }

@@ -10,7 +10,9 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 #include <memory>
+#include <numbers>
 
 #include "platform/qt/pixel_buffer_image.h"
 
@@ -58,6 +60,14 @@ int stableHue(std::string_view name) {
     return static_cast<int>(hash % hueCount);
 }
 
+/// Yellow and green look brighter than other hues, too bright for a white letter, so that they are made darker.
+QColor tileColour(int hue, float lightness) {
+    constexpr float brightestHue = 90.0F;
+    constexpr float degree = std::numbers::pi_v<float> / 180.0F;
+    const float brightness = std::max(0.0F, std::cos((static_cast<float>(hue) - brightestHue) * degree));
+    return QColor::fromHslF(static_cast<float>(hue) / hueCount, 0.55F, lightness - 0.16F * brightness);
+}
+
 QFont letterFont(const QString& letter, double side) {
     QFont font;
     font.setWeight(QFont::DemiBold);
@@ -90,10 +100,10 @@ PixelBuffer LetteredTile::render(int side) const {
     painter.setRenderHint(QPainter::Antialiasing);
 
     const QRectF tile(0, 0, side, side);
-    // Dark enough for white text in every hue, with a little light from above.
+    // With a little light from above.
     QLinearGradient gradient(tile.topLeft(), tile.bottomLeft());
-    gradient.setColorAt(0, QColor::fromHslF(static_cast<float>(hue_) / hueCount, 0.55F, 0.52F));
-    gradient.setColorAt(1, QColor::fromHslF(static_cast<float>(hue_) / hueCount, 0.60F, 0.40F));
+    gradient.setColorAt(0, tileColour(hue_, 0.54F));
+    gradient.setColorAt(1, tileColour(hue_, 0.42F));
     painter.setPen(Qt::NoPen);
     painter.setBrush(gradient);
     painter.drawRoundedRect(tile, side * cornerRadius, side * cornerRadius);

@@ -6,7 +6,13 @@ namespace ferrowyn {
 
 /// What the tap remembers of one event of the keyboard: small enough to queue.
 struct X11KeyboardEvent {
-    enum class Kind { press, release, modifiersChanged };
+    enum class Kind {
+        press,
+        release,
+        modifiersChanged,
+        /// A key went up at the hardware, whether or not its master knew that it was down. Only the code and the time.
+        rawRelease,
+    };
 
     /// Real modifiers and groups at the time of the event, before it had any effect.
     struct Modifiers {

@@ -111,6 +111,16 @@ void X11KeyboardReader::readInputEvent(const xcb_generic_event_t& event, Changes
         case XCB_INPUT_KEY_RELEASE:
             receive(keyEvent(reinterpret_cast<const xcb_input_key_press_event_t&>(event)));
             break;
+        case XCB_INPUT_RAW_KEY_RELEASE: {
+            const auto& raw = reinterpret_cast<const xcb_input_raw_key_release_event_t&>(event);
+            X11KeyboardEvent release;
+            release.kind = X11KeyboardEvent::Kind::rawRelease;
+            release.deviceId = raw.deviceid;
+            release.keyCode = raw.detail;
+            release.time = raw.time;
+            receive(release);
+            break;
+        }
         case XCB_INPUT_HIERARCHY:
             changes.devices = true;
             break;

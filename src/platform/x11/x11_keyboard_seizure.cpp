@@ -14,7 +14,8 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE |
+                                    XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
 
 }  // namespace
 
@@ -26,15 +27,18 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     if (slave) {
         freeSlave(*slave);
     }
-    selectModifierChanges(master, true);
+    selectSessionEvents(master, true);
     repeatMissedReleases();
     // Asked for last: whatever happened until then is in the answer, whatever happens later comes as an event.
     const auto modifiers = xcb_xkb_get_state(connection, master);
+    const auto controls = xcb_xkb_get_controls(connection, master);
     const auto pointer = xcb_query_pointer(connection, connection_.root());
     const XcbReply<xcb_query_pointer_reply_t> pointerReply(xcb_query_pointer_reply(connection, pointer, nullptr));
     const XcbReply<xcb_xkb_get_state_reply_t> modifiersReply(xcb_xkb_get_state_reply(connection, modifiers, nullptr));
+    const XcbReply<xcb_xkb_get_controls_reply_t> controlsReply(
+        xcb_xkb_get_controls_reply(connection, controls, nullptr));
     if (!isGranted(grab)) {
-        selectModifierChanges(master, false);
+        selectSessionEvents(master, false);
         return std::nullopt;
     }
     master_ = master;
@@ -46,6 +50,10 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
         state.pointerX = static_cast<std::uint32_t>(pointerReply->root_x);
         state.pointerY = static_cast<std::uint32_t>(pointerReply->root_y);
     }
+    if (controlsReply != nullptr && (controlsReply->enabledControls & XCB_XKB_BOOL_CTRL_REPEAT_KEYS) != 0) {
+        state.repeatDelay = std::chrono::milliseconds(controlsReply->repeatDelay);
+        state.repeatInterval = std::chrono::milliseconds(controlsReply->repeatInterval);
+    }
     return state;
 }
 
@@ -54,7 +62,7 @@ void X11KeyboardSeizure::giveBack() {
         return;
     }
     xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, *master_);
-    selectModifierChanges(*master_, false);
+    selectSessionEvents(*master_, false);
     master_.reset();
 }
 
@@ -71,6 +79,10 @@ void X11KeyboardSeizure::repeatMissedReleases() {
         fakeKey(XCB_KEY_RELEASE, keyCode);
     }
     missedReleases_.clear();
+}
+
+void X11KeyboardSeizure::releaseForMaster(std::uint32_t keyCode) {
+    fakeKey(XCB_KEY_RELEASE, keyCode);
 }
 
 void X11KeyboardSeizure::typeForHolder(std::uint32_t keyCode) {
@@ -100,11 +112,16 @@ bool X11KeyboardSeizure::isGranted(xcb_input_xi_grab_device_cookie_t cookie) con
     return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
-void X11KeyboardSeizure::selectModifierChanges(xcb_input_device_id_t master, bool isSelected) {
+void X11KeyboardSeizure::selectSessionEvents(xcb_input_device_id_t master, bool isSelected) {
     xcb_xkb_select_events_details_t details{};
     details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
     details.stateDetails = isSelected ? std::uint16_t{XCB_XKB_STATE_PART_MODIFIER_STATE} : std::uint16_t{0};
     xcb_xkb_select_events_aux(connection_.get(), master, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details);
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+    } raw{{master, 1}, isSelected ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE} : 0U};
+    xcb_input_xi_select_events(connection_.get(), connection_.root(), 1, &raw.head);
 }
 
 void X11KeyboardSeizure::fakeKey(std::uint8_t type, std::uint32_t keyCode) {

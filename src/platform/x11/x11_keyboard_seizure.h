@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -28,6 +29,9 @@ public:
         std::uint32_t modifiers = 0;
         std::uint32_t pointerX = 0;
         std::uint32_t pointerY = 0;
+        /// How long a key is held before it repeats, and between repeats; 0 when keys do not repeat.
+        std::chrono::milliseconds repeatDelay{0};
+        std::chrono::milliseconds repeatInterval{0};
     };
 
     [[nodiscard]] bool isHeld() const { return master_.has_value(); }
@@ -45,6 +49,8 @@ public:
     void noteMissedRelease(std::uint32_t keyCode);
     /// Repeats what was noted. Only sent.
     void repeatMissedReleases();
+    /// Lets the key go for the master: it repeats no longer, and the hardware's own release will be nothing new.
+    void releaseForMaster(std::uint32_t keyCode);
     /// Types a key for whoever holds the keyboard. Only sent. No passive grab may be installed.
     void typeForHolder(std::uint32_t keyCode);
     /// Whether the keyboard could be taken; it is given back at once.
@@ -53,7 +59,7 @@ public:
 private:
     [[nodiscard]] xcb_input_xi_grab_device_cookie_t requestGrab(xcb_input_device_id_t master) const;
     [[nodiscard]] bool isGranted(xcb_input_xi_grab_device_cookie_t cookie) const;
-    void selectModifierChanges(xcb_input_device_id_t master, bool isSelected);
+    void selectSessionEvents(xcb_input_device_id_t master, bool isSelected);
     void fakeKey(std::uint8_t type, std::uint32_t keyCode);
 
     const X11Connection& connection_;

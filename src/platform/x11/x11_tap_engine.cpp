@@ -109,7 +109,8 @@ bool X11TapEngine::serve() {
 std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
     std::optional<Clock::time_point> earliest;
     const auto waitingEnd = queue_.empty() || phase_ != Phase::open ? std::nullopt : endingUntil_;
-    for (const auto& candidate : {answerDeadline_, waitingEnd, seizureRetry_}) {
+    const auto repeat = heldTrigger_ ? std::optional(heldTrigger_->repeatAt) : std::nullopt;
+    for (const auto& candidate : {answerDeadline_, waitingEnd, seizureRetry_, repeat}) {
         if (candidate && (!earliest || *candidate < *earliest)) {
             earliest = candidate;
         }
@@ -126,6 +127,10 @@ bool X11TapEngine::receive() {
 }
 
 void X11TapEngine::receive(const X11KeyboardEvent& event) {
+    noteHeldKeys(event);
+    if (event.kind == Kind::rawRelease) {
+        return;
+    }
     if (event.kind != Kind::modifiersChanged && grabs_.isSlave(event.deviceId)) {
         if (event.kind == Kind::release) {
             seizure_.noteMissedRelease(event.keyCode);
@@ -139,6 +144,23 @@ void X11TapEngine::receive(const X11KeyboardEvent& event) {
         return;  // a backlog of repeats would run on long after the key went up
     }
     queue_.push_back(event);
+}
+
+void X11TapEngine::noteHeldKeys(const X11KeyboardEvent& event) {
+    if (event.kind == Kind::modifiersChanged || layout_->isModifierKey(event.keyCode)) {
+        return;
+    }
+    // Another key takes the repeating over, as on any keyboard.
+    const bool endsTrigger = event.kind == Kind::press ? !grabs_.isSlave(event.deviceId)
+                                                       : heldTrigger_ && heldTrigger_->press.keyCode == event.keyCode;
+    if (endsTrigger) {
+        heldTrigger_.reset();
+    }
+    if (event.kind == Kind::release) {
+        heldKeys_.erase(event.keyCode);
+    } else if (event.kind == Kind::press && !grabs_.isSlave(event.deviceId)) {
+        heldKeys_.insert(event.keyCode);
+    }
 }
 
 void X11TapEngine::deliverQueue() {
@@ -184,6 +206,7 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
             context_.setPointer(state->pointerX, state->pointerY);
             pressed.modifiers.effective |= layout_->maskOf(trigger_);
             pressed.modifiers.effective |= state->modifiers & XCB_MOD_MASK_SHIFT;
+            holdTrigger(pressed, *state);
         }
     }
     endingUntil_.reset();
@@ -211,6 +234,16 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     }
 }
 
+void X11TapEngine::holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state) {
+    modifiers_ = state.modifiers;
+    const bool isUpAlready = std::any_of(queue_.begin(), queue_.end(), [&press](const X11KeyboardEvent& later) {
+        return later.kind == Kind::release && later.keyCode == press.keyCode;
+    });
+    if (!isUpAlready && state.repeatInterval.count() > 0) {
+        heldTrigger_ = HeldTrigger{press, Clock::now() + state.repeatDelay, state.repeatInterval};
+    }
+}
+
 void X11TapEngine::refuseSession(const X11KeyboardEvent& press) {
     if (!context_.isKeyboardHeldElsewhere.exchange(true)) {
         log_.write(LogLevel::standard, category, "Another program holds the keyboard; the switcher stays closed");
@@ -222,6 +255,7 @@ void X11TapEngine::refuseSession(const X11KeyboardEvent& press) {
 
 void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
     if (event.kind == Kind::modifiersChanged) {
+        modifiers_ = event.modifiers.effective;
         deliverFlags(event.modifiers.effective);
         return;
     }
@@ -289,6 +323,13 @@ void X11TapEngine::endSession() {
 }
 
 void X11TapEngine::giveKeyboardBack() {
+    // A key that is still down would go on repeating into the window that comes to the front, or reach the manager's
+    // own binding while the modifier is held. Whoever gets the keyboard never saw its press and misses no release.
+    for (const auto keyCode : heldKeys_) {
+        seizure_.releaseForMaster(keyCode);
+    }
+    heldKeys_.clear();
+    heldTrigger_.reset();
     if (isEnabled_) {
         grabs_.install();
     }
@@ -308,9 +349,27 @@ void X11TapEngine::handleDeadlines() {
         endingUntil_.reset();
         deliverQueue();
     }
+    if (heldTrigger_ && now >= heldTrigger_->repeatAt) {
+        repeatTrigger();
+    }
     if (seizureRetry_ && now >= *seizureRetry_) {
         seizeForOpenSession();
         deliverQueue();
+    }
+}
+
+void X11TapEngine::repeatTrigger() {
+    receive();
+    if (!heldTrigger_) {
+        return;
+    }
+    // From now, not from when it was due: repeats that were missed are not made up for.
+    heldTrigger_->repeatAt = Clock::now() + heldTrigger_->interval;
+    if (phase_ == Phase::open && queue_.empty()) {
+        auto repeat = heldTrigger_->press;
+        repeat.isRepeat = true;
+        repeat.modifiers.effective = modifiers_;
+        deliverInSession(repeat);
     }
 }
 

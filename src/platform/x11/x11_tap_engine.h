@@ -5,6 +5,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "core/switcher_modifier.h"
@@ -74,6 +75,9 @@ private:
     void giveKeyboardBack();
     void seizeForOpenSession();
     void handleDeadlines();
+    void repeatTrigger();
+    void noteHeldKeys(const X11KeyboardEvent& event);
+    void holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state);
 
     TapVerdict deliverKey(const X11KeyboardEvent& event);
     void deliverFlags(std::uint32_t modifiers);
@@ -107,6 +111,18 @@ private:
     /// Received and not yet delivered.
     std::deque<X11KeyboardEvent> queue_;
     std::vector<std::uint32_t> triggerKeyCodes_;
+    /// The keys, modifiers aside, whose press came through the master and whose release did not yet.
+    std::set<std::uint32_t> heldKeys_;
+    /// The trigger's key while it is held. Its press never reached the master, so the server does not repeat it there:
+    /// that is done here, until the hardware says that the key went up.
+    struct HeldTrigger {
+        X11KeyboardEvent press;
+        Clock::time_point repeatAt;
+        std::chrono::milliseconds interval{0};
+    };
+    std::optional<HeldTrigger> heldTrigger_;
+    /// The real modifiers as last heard of.
+    std::uint32_t modifiers_ = 0;
     /// As last told to the callback.
     std::uint64_t flags_ = 0;
     bool isLateCloseExpected_ = false;

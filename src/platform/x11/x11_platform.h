@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/log.h"
+#include "platform/platform.h"
+
+namespace ferrowyn {
+
+struct X11PlatformOptions {
+    /// As in DISPLAY; empty for the environment's.
+    std::string display;
+    /// Messages below it are dropped.
+    LogLevel minimumLogLevel = LogLevel::standard;
+    /// Messages go to standard error even when that is no terminal.
+    bool mirrorsLog = false;
+    /// Told once when the X server is gone. By default the program ends with status 1, since there is nothing left that
+    /// it could do.
+    std::function<void()> onConnectionLost;
+};
+
+/// Everything that the program asks of an X11 desktop. Main thread, made after the QApplication and destroyed before
+/// it.
+class X11Platform {
+public:
+    /// Null, with what is missing and what to do about it, when the program cannot run here. A missing window manager
+    /// or input extension is no such case: they are a lack of trust, and a manager may still come.
+    [[nodiscard]] static std::unique_ptr<X11Platform> create(const X11PlatformOptions& options, std::string& error);
+    ~X11Platform();
+    X11Platform(const X11Platform&) = delete;
+    X11Platform& operator=(const X11Platform&) = delete;
+
+    [[nodiscard]] const Platform& platform() const;
+
+    /// Shows the program's own page for an address of the system settings ("x-apple.systempreferences:…") when the
+    /// logic opens one; false from the handler counts as not opened.
+    void setSettingsPageHandler(std::function<bool(std::string_view)> handler);
+
+private:
+    struct Parts;
+    explicit X11Platform(std::unique_ptr<Parts> parts);
+
+    std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace ferrowyn

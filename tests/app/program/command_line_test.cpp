@@ -1,0 +1,64 @@
+#include "app/command_line.h"
+
+namespace ferrowyn {
+namespace {
+
+using testing::HasSubstr;
+
+std::variant<CommandLine, CommandLineError> parse(const std::vector<const char*>& arguments) {
+    return parseCommandLine(arguments);
+}
+
+CommandLine line(const std::vector<const char*>& arguments) {
+    return std::get<CommandLine>(parse(arguments));
+}
+
+std::string error(const std::vector<const char*>& arguments) {
+    return std::get<CommandLineError>(parse(arguments)).message;
+}
+
+TEST(CommandLineTest, WithoutArgumentsTheProgramRunsOnX11) {
+    EXPECT_EQ(line({}), CommandLine{});
+    EXPECT_EQ(line({}).action, CommandLine::Action::run);
+    EXPECT_EQ(line({}).desktop, CommandLine::Desktop::x11);
+    EXPECT_EQ(line({}).logLevel, std::nullopt);
+}
+
+TEST(CommandLineTest, ReadsTheDesktop) {
+    EXPECT_EQ(line({"--platform=x11"}).desktop, CommandLine::Desktop::x11);
+    EXPECT_EQ(line({"--platform=simulated"}).desktop, CommandLine::Desktop::simulated);
+    EXPECT_EQ(line({"--platform", "simulated"}).desktop, CommandLine::Desktop::simulated);
+    EXPECT_EQ(line({"--platform=x11", "--platform=simulated"}).desktop, CommandLine::Desktop::simulated);
+}
+
+TEST(CommandLineTest, ReadsTheLogLevel) {
+    EXPECT_EQ(line({"--log-level=debug"}).logLevel, LogLevel::debug);
+    EXPECT_EQ(line({"--log-level=default"}).logLevel, LogLevel::standard);
+    EXPECT_EQ(line({"--log-level", "error"}).logLevel, LogLevel::error);
+}
+
+TEST(CommandLineTest, HelpAndVersionWinOverWhatFollows) {
+    EXPECT_EQ(line({"--help", "--nonsense"}).action, CommandLine::Action::showHelp);
+    EXPECT_EQ(line({"-h"}).action, CommandLine::Action::showHelp);
+    EXPECT_EQ(line({"--version"}).action, CommandLine::Action::showVersion);
+}
+
+TEST(CommandLineTest, SaysWhatIsWrong) {
+    EXPECT_EQ(error({"--nonsense"}), "unknown option \"--nonsense\"");
+    EXPECT_EQ(error({"--help=x"}), "unknown option \"--help=x\"");
+    EXPECT_EQ(error({"file"}), "unknown argument \"file\"");
+    EXPECT_EQ(error({""}), "unknown argument \"\"");
+    EXPECT_EQ(error({"--platform=mac"}), "--platform must be x11 or simulated, not \"mac\"");
+    EXPECT_EQ(error({"--platform="}), "--platform must be x11 or simulated, not \"\"");
+    EXPECT_EQ(error({"--log-level=loud"}), "--log-level must be debug, default or error, not \"loud\"");
+    EXPECT_EQ(error({"--log-level"}), "--log-level needs a value");
+}
+
+TEST(CommandLineTest, TheHelpNamesEveryOption) {
+    for (const auto* option : {"--platform=x11|simulated", "--log-level=debug|default|error", "--help", "--version"}) {
+        EXPECT_THAT(std::string(helpText()), HasSubstr(option));
+    }
+}
+
+}  // namespace
+}  // namespace ferrowyn

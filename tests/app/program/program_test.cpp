@@ -1,0 +1,187 @@
+#include <signal.h>
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+#include <memory>
+
+namespace ferrowyn {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr int patience = 60000;
+
+/// The program, started as a user would, with settings of its own.
+class ProgramTest : public testing::Test {
+protected:
+    ProgramTest() {
+        environment = QProcessEnvironment::systemEnvironment();
+        for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "DBUS_SESSION_BUS_ADDRESS"}) {
+            environment.remove(variable);
+        }
+        environment.insert("XDG_CONFIG_HOME", settings.path());
+    }
+
+    std::unique_ptr<QProcess> start(const QStringList& arguments) {
+        auto program = std::make_unique<QProcess>();
+        program->setProcessEnvironment(environment);
+        program->start(FERROWYN_PROGRAM, arguments);
+        EXPECT_TRUE(program->waitForStarted(patience));
+        return program;
+    }
+    struct Result {
+        int status;
+        std::string output;
+        std::string errors;
+    };
+    static Result resultOf(QProcess& program) {
+        if (!program.waitForFinished(patience) || program.exitStatus() != QProcess::NormalExit) {
+            ADD_FAILURE() << "the program did not end by itself";
+            program.kill();
+            program.waitForFinished();
+            return {-1, "", ""};
+        }
+        return {program.exitCode(), program.readAllStandardOutput().toStdString(),
+                program.readAllStandardError().toStdString()};
+    }
+    Result run(const QStringList& arguments) { return resultOf(*start(arguments)); }
+
+    /// Whether the program says this on standard error while it runs.
+    static bool waitForLog(QProcess& program, const QByteArray& text) {
+        program.setReadChannel(QProcess::StandardError);
+        QByteArray seen;
+        while (!seen.contains(text)) {
+            if (program.bytesAvailable() == 0 && !program.waitForReadyRead(patience)) {
+                ADD_FAILURE() << "only said: " << seen.toStdString();
+                return false;
+            }
+            seen += program.readAllStandardError();
+        }
+        return true;
+    }
+    static void signal(const QProcess& program, int number) {
+        ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), number), 0);
+    }
+
+    QTemporaryDir settings;
+    QProcessEnvironment environment;
+};
+
+TEST_F(ProgramTest, ShowsItsHelpAndItsVersion) {
+    const auto help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr("--platform=x11|simulated"));
+    EXPECT_THAT(help.errors, IsEmpty());
+    const auto version = run({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "ferrowyn " FERROWYN_VERSION "\n");
+}
+
+TEST_F(ProgramTest, ABadCommandLineEndsWithStatus2) {
+    const auto unknown = run({"--nonsense"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_THAT(unknown.errors, HasSubstr("unknown option \"--nonsense\""));
+    EXPECT_THAT(unknown.output, IsEmpty());
+    EXPECT_EQ(run({"--platform=mac"}).status, 2);
+    EXPECT_EQ(run({"--log-level"}).status, 2);
+}
+
+TEST_F(ProgramTest, WithoutADisplayItSaysWhatIsMissingAndEndsWithStatus1) {
+    const auto result = run({});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("DISPLAY is not set"));
+}
+
+TEST_F(ProgramTest, WithoutAServerItNamesTheDisplayAndEndsWithStatus1) {
+    environment.insert("DISPLAY", ":31999");
+    const auto result = run({});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr(":31999"));
+}
+
+TEST_F(ProgramTest, OnAWaylandSessionItSaysWhyAndEndsWithStatus1) {
+    environment.insert("WAYLAND_DISPLAY", "wayland-0");
+    environment.insert("DISPLAY", ":0");
+    for (const auto& arguments : {QStringList{}, QStringList{"--platform=x11"}}) {
+        const auto result = run(arguments);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.errors, AllOf(HasSubstr("Wayland"), HasSubstr("Xorg")));
+    }
+}
+
+TEST_F(ProgramTest, RunsOnTheSimulatedDesktopWithoutADisplayUntilItIsAskedToEnd) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        const auto program = start({"--platform=simulated", "--log-level=default"});
+        ASSERT_TRUE(waitForLog(*program, "Services active"));
+        signal(*program, number);
+        EXPECT_EQ(resultOf(*program).status, 0);
+    }
+}
+
+/// A server of the test's own.
+class ProgramOnX11Test : public ProgramTest {
+protected:
+    void SetUp() override {
+        server.start("Xvfb", {"-displayfd", "1", "-screen", "0", "640x480x24", "-nolisten", "tcp"});
+        ASSERT_TRUE(server.waitForReadyRead(patience));
+        environment.insert("DISPLAY", ":" + QString::fromLatin1(server.readLine().trimmed()));
+    }
+    void TearDown() override {
+        server.terminate();
+        server.waitForFinished(patience);
+    }
+
+    QProcess server;
+};
+
+TEST_F(ProgramOnX11Test, OnlyOneRunsOnADisplayAndItLearnsOfTheSecondStart) {
+    const auto first = start({"--log-level=debug"});
+    ASSERT_TRUE(waitForLog(*first, "Ferrowyn is running"));
+    const auto second = run({});
+    EXPECT_EQ(second.status, 0);
+    EXPECT_EQ(second.output, "Ferrowyn is already running on this display.\n");
+    EXPECT_TRUE(waitForLog(*first, "Ferrowyn was started again"));
+    signal(*first, SIGTERM);
+    EXPECT_EQ(resultOf(*first).status, 0);
+}
+
+TEST_F(ProgramOnX11Test, AProgramThatWasKilledLeavesNoClaimBehind) {
+    const auto first = start({"--log-level=debug"});
+    ASSERT_TRUE(waitForLog(*first, "Ferrowyn is running"));
+    first->kill();
+    first->waitForFinished(patience);
+    const auto second = start({"--log-level=debug"});
+    EXPECT_TRUE(waitForLog(*second, "Ferrowyn is running"));
+    signal(*second, SIGTERM);
+    EXPECT_EQ(resultOf(*second).status, 0);
+}
+
+TEST_F(ProgramOnX11Test, OfManyThatStartAtTheSameTimeOneRuns) {
+    std::vector<std::unique_ptr<QProcess>> programs;
+    for (int number = 0; number < 6; ++number) {
+        programs.push_back(start({"--log-level=debug"}));
+    }
+    // All but one end by themselves.
+    int runningCount = 0;
+    int refusedCount = 0;
+    QProcess* running = nullptr;
+    for (const auto& program : programs) {
+        if (program->waitForFinished(10000)) {
+            refusedCount += program->readAllStandardOutput().contains("already running") ? 1 : 0;
+        } else {
+            ++runningCount;
+            running = program.get();
+        }
+    }
+    EXPECT_EQ(runningCount, 1);
+    EXPECT_EQ(refusedCount, 5);
+    ASSERT_NE(running, nullptr);
+    signal(*running, SIGTERM);
+    EXPECT_EQ(resultOf(*running).status, 0);
+}
+
+}  // namespace
+}  // namespace ferrowyn

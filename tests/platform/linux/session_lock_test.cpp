@@ -1,0 +1,168 @@
+#include "platform/linux/session_lock.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <QEventLoop>
+#include <QProcess>
+#include <QTimer>
+#include <chrono>
+
+#include "platform/qt/qt_main_loop.h"
+
+namespace ferrowyn {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* sessionPath = "/org/freedesktop/login1/session/_31";
+constexpr const char* sessionInterface = "org.freedesktop.login1.Session";
+
+/// A login manager with one session, whatever it is asked for.
+class FakeLoginManager final : public QDBusVirtualObject {
+public:
+    explicit FakeLoginManager(bool isLocked) : isLocked_(isLocked) {}
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        if (message.member().startsWith("GetSession")) {
+            return bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(sessionPath))));
+        }
+        if (message.member() == "Get") {
+            ++stateRequestCount;
+            return bus.send(message.createReply(QVariant::fromValue(QDBusVariant(isLocked_))));
+        }
+        return false;
+    }
+    int stateRequestCount = 0;
+
+private:
+    bool isLocked_;
+};
+
+/// A bus of the test's own, which plays both the system's and the session's.
+class SessionLockTest : public testing::Test {
+protected:
+    void SetUp() override {
+        daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+        ASSERT_TRUE(daemon.waitForReadyRead(20000));
+        address = daemon.readLine().trimmed().toStdString();
+    }
+    void TearDown() override {
+        for (const auto& name : connectionNames) {
+            QDBusConnection::disconnectFromBus(name);
+        }
+        daemon.terminate();
+        daemon.waitForFinished();
+    }
+
+    QDBusConnection connect(const QString& name, const QString& service) {
+        auto connection = QDBusConnection::connectToBus(QString::fromStdString(address), name);
+        connectionNames.push_back(name);
+        EXPECT_TRUE(connection.registerService(service));
+        return connection;
+    }
+    [[nodiscard]] SessionLock::Buses buses() const { return {address, address}; }
+
+    /// Runs the loop until the condition holds; false when it never does.
+    static bool waitUntil(const std::function<bool()>& condition) {
+        QEventLoop loop;
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        QTimer wake;
+        wake.start(std::chrono::milliseconds(200));
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > deadline) {
+                return false;
+            }
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        return true;
+    }
+    static QDBusMessage lockedHint(bool isLocked) {
+        auto message = QDBusMessage::createSignal(sessionPath, "org.freedesktop.DBus.Properties", "PropertiesChanged");
+        message.setArguments({sessionInterface, QVariantMap{{"LockedHint", isLocked}}, QStringList()});
+        return message;
+    }
+    static QDBusMessage screenSaver(const QString& interface, bool isActive) {
+        auto message = QDBusMessage::createSignal("/anywhere", interface, "ActiveChanged");
+        message.setArguments({isActive});
+        return message;
+    }
+
+    QProcess daemon;
+    std::string address;
+    std::vector<QString> connectionNames;
+    QtMainLoop mainLoop;
+};
+
+TEST_F(SessionLockTest, FollowsTheLoginManager) {
+    auto login = connect("login", "org.freedesktop.login1");
+    FakeLoginManager manager(false);
+    login.registerVirtualObject("/org/freedesktop/login1", &manager, QDBusConnection::SubPath);
+    const SessionLock lock(mainLoop, buses());
+    std::vector<bool> told;
+    const auto subscription = lock.observe([&](bool isLocked) { told.push_back(isLocked); });
+    ASSERT_TRUE(waitUntil([&] { return manager.stateRequestCount == 1; }));
+    EXPECT_FALSE(lock.isLocked());
+
+    login.send(QDBusMessage::createSignal(sessionPath, sessionInterface, "Lock"));
+    ASSERT_TRUE(waitUntil([&] { return lock.isLocked(); }));
+    login.send(QDBusMessage::createSignal(sessionPath, sessionInterface, "Unlock"));
+    ASSERT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
+    login.send(lockedHint(true));
+    ASSERT_TRUE(waitUntil([&] { return lock.isLocked(); }));
+    login.send(lockedHint(false));
+    ASSERT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
+    EXPECT_THAT(told, ElementsAre(true, false, true, false));
+}
+
+TEST_F(SessionLockTest, KnowsASessionThatIsLockedAtTheStart) {
+    auto login = connect("locked-login", "org.freedesktop.login1");
+    FakeLoginManager manager(true);
+    login.registerVirtualObject("/org/freedesktop/login1", &manager, QDBusConnection::SubPath);
+    const SessionLock lock(mainLoop, buses());
+    EXPECT_TRUE(waitUntil([&] { return lock.isLocked(); }));
+}
+
+TEST_F(SessionLockTest, FollowsEveryKindOfScreenSaver) {
+    auto login = connect("quiet-login", "org.freedesktop.login1");
+    FakeLoginManager manager(false);
+    login.registerVirtualObject("/org/freedesktop/login1", &manager, QDBusConnection::SubPath);
+    const SessionLock lock(mainLoop, buses());
+    for (const char* interface : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver", "org.cinnamon.ScreenSaver",
+                                  "org.mate.ScreenSaver", "org.xfce.ScreenSaver"}) {
+        auto saver = connect(interface, interface);
+        // The first signals may come before the listener is there.
+        ASSERT_TRUE(waitUntil([&] {
+            saver.send(screenSaver(interface, true));
+            return lock.isLocked();
+        })) << interface;
+        saver.send(screenSaver(interface, false));
+        ASSERT_TRUE(waitUntil([&] { return !lock.isLocked(); })) << interface;
+    }
+}
+
+TEST_F(SessionLockTest, AScreenSaverThatCrashesLocksNothingAnyMore) {
+    const SessionLock lock(mainLoop, buses());
+    {
+        auto saver = connect("crashing", "org.gnome.ScreenSaver");
+        ASSERT_TRUE(waitUntil([&] {
+            saver.send(screenSaver("org.gnome.ScreenSaver", true));
+            return lock.isLocked();
+        }));
+    }
+    QDBusConnection::disconnectFromBus("crashing");
+    EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
+}
+
+TEST_F(SessionLockTest, WithoutABusTheSessionIsNeverLocked) {
+    const SessionLock none(mainLoop, {});
+    const SessionLock unreachable(mainLoop, {"unix:path=/nonexistent/bus", "unix:path=/nonexistent/bus"});
+    EXPECT_FALSE(none.isLocked());
+    EXPECT_FALSE(unreachable.isLocked());
+}
+
+}  // namespace
+}  // namespace ferrowyn

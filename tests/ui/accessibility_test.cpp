@@ -1,0 +1,122 @@
+#include <gmock/gmock.h>
+
+#include <QAccessible>
+
+#include "tests/ui/switcher_view_fixture.h"
+
+namespace ferrowyn {
+namespace {
+
+class SwitcherAccessibilityTest : public test::SwitcherViewFixture {
+protected:
+    QAccessibleInterface* list() { return QAccessible::queryAccessibleInterface(&view); }
+    QString nameOf(int child) { return list()->child(child)->text(QAccessible::Name); }
+};
+
+std::vector<std::pair<QAccessible::Event, QString>> announced;
+
+void recordAnnouncement(QAccessibleEvent* event) {
+    if (QAccessibleInterface* const subject = event->accessibleInterface()) {
+        announced.emplace_back(event->type(), subject->text(QAccessible::Name));
+    }
+}
+
+TEST_F(SwitcherAccessibilityTest, RowsAreNamedByTitleApplicationBadgeAndPosition) {
+    auto windows = test::PanelModel::windows(3, 3);
+    windows[1].isMinimized = true;
+    model.viewModel.endSession();
+    model.show(windows);
+    model.viewModel.beginSession(false);
+    view.synchronize();
+    ASSERT_NE(list(), nullptr);
+    EXPECT_EQ(list()->role(), QAccessible::List);
+    ASSERT_EQ(list()->childCount(), 3);
+    EXPECT_EQ(nameOf(0), QStringLiteral("Window 1, App 1, 1 of 3"));
+    EXPECT_EQ(nameOf(1), QStringLiteral("Window 2, App 2, Minimised, 2 of 3"));
+    EXPECT_EQ(list()->child(0)->role(), QAccessible::ListItem);
+    EXPECT_EQ(list()->child(0)->parent(), list());
+    EXPECT_EQ(list()->indexOfChild(list()->child(2)), 2);
+    EXPECT_EQ(list()->child(3), nullptr);
+}
+
+TEST_F(SwitcherAccessibilityTest, TheSelectedRowIsTheFocusedOne) {
+    EXPECT_TRUE(list()->child(1)->state().selected);
+    EXPECT_FALSE(list()->child(0)->state().selected);
+    EXPECT_EQ(list()->focusChild(), list()->child(1));
+}
+
+TEST_F(SwitcherAccessibilityTest, GroupHeadersAreHeadingsWithTheirCount) {
+    model.preferences.layout.set(SwitcherLayout::grouped);
+    view.synchronize();
+    ASSERT_EQ(list()->childCount(), 12);
+    EXPECT_EQ(list()->child(0)->role(), QAccessible::Heading);
+    EXPECT_EQ(nameOf(0), QStringLiteral("3 windows"));
+    EXPECT_EQ(list()->child(0)->text(QAccessible::Description), QStringLiteral("App 1"));
+    EXPECT_EQ(list()->child(0)->childCount(), 0);
+    EXPECT_EQ(nameOf(1), QStringLiteral("Window 1, App 1, 1 of 9"));
+    EXPECT_EQ(list()->child(4)->role(), QAccessible::Heading);
+    for (int index = 0; index < 12; ++index) {
+        EXPECT_EQ(list()->indexOfChild(list()->child(index)), index);
+    }
+}
+
+TEST_F(SwitcherAccessibilityTest, ARowCanBePressedAndPinned) {
+    auto* const actions = list()->child(4)->actionInterface();
+    ASSERT_NE(actions, nullptr);
+    actions->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_THAT(activated, testing::ElementsAre(5U));
+    EXPECT_EQ(actions->localizedActionName(QAccessibleActionInterface::toggleAction()), QStringLiteral("Pin app"));
+    actions->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_THAT(toggled, testing::ElementsAre(5U));
+}
+
+TEST_F(SwitcherAccessibilityTest, FavouritesSaySo) {
+    model.favourites.identifiers.set({"App 1"});
+    view.synchronize();
+    EXPECT_EQ(list()->child(0)->text(QAccessible::Description), QStringLiteral("Favourite"));
+    EXPECT_EQ(list()->child(1)->text(QAccessible::Description), QString());
+    EXPECT_EQ(list()->child(0)->actionInterface()->localizedActionName(QAccessibleActionInterface::toggleAction()),
+              QStringLiteral("Unpin app"));
+}
+
+TEST_F(SwitcherAccessibilityTest, RowsThatAreGoneAreInvalid) {
+    QAccessibleInterface* const last = list()->child(8);
+    ASSERT_TRUE(last->isValid());
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(2, 1));
+    view.synchronize();
+    EXPECT_FALSE(last->isValid());
+    EXPECT_EQ(list()->childCount(), 2);
+}
+
+TEST_F(SwitcherAccessibilityTest, EmptyAndPermissionStatesAreRead) {
+    model.viewModel.insertText("zzz");
+    view.synchronize();
+    ASSERT_EQ(list()->childCount(), 1);
+    EXPECT_EQ(list()->child(0)->role(), QAccessible::StaticText);
+    EXPECT_EQ(nameOf(0), QStringLiteral("No matches for “zzz”. Press ⌫ to edit your search"));
+    model.setTrusted(false);
+    view.synchronize();
+    EXPECT_EQ(list()->child(0)->role(), QAccessible::Button);
+    EXPECT_EQ(nameOf(0), QStringLiteral("Open Setup"));
+    list()->child(0)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(permissionRequests, 1);
+}
+
+TEST_F(SwitcherAccessibilityTest, EachSelectionChangeIsAnnounced) {
+    QAccessible::setActive(true);
+    view.show();
+    announced.clear();
+    const auto previous = QAccessible::installUpdateHandler(recordAnnouncement);
+    model.viewModel.move(1);
+    view.synchronize();
+    QAccessible::installUpdateHandler(previous);
+    view.hide();
+    QAccessible::setActive(false);
+    const QString name = QStringLiteral("Window 3, App 3, 3 of 9");
+    EXPECT_THAT(announced, testing::Contains(std::pair(QAccessible::Focus, name)));
+    EXPECT_THAT(announced, testing::Contains(std::pair(QAccessible::Selection, name)));
+}
+
+}  // namespace
+}  // namespace ferrowyn

@@ -1,0 +1,58 @@
+#include "tests/ui/panel_model.h"
+
+#include <utility>
+
+#include "platform/qt/lettered_tile.h"
+
+namespace ferrowyn::test {
+
+void MemoryDefaults::registerDefaults(const std::map<std::string, DefaultsValue>& defaults) {
+    registered_.insert(defaults.begin(), defaults.end());
+}
+
+std::optional<DefaultsValue> MemoryDefaults::value(std::string_view key) const {
+    for (const auto* const values : {&values_, &registered_}) {
+        if (const auto found = values->find(key); found != values->end()) {
+            return found->second;
+        }
+    }
+    return std::nullopt;
+}
+
+void MemoryDefaults::set(std::string_view key, DefaultsValue value) {
+    values_.insert_or_assign(std::string(key), std::move(value));
+}
+
+std::shared_ptr<const IconImage> TileIcons::genericApplicationIcon(std::string_view name) {
+    return std::make_shared<LetteredTile>(name);
+}
+
+PanelModel::PanelModel()
+    : viewModel(
+          preferences.sessionSettings(), icons, favourites, [] { return std::optional<Pid>(); },
+          [](const std::function<void()>& task) { task(); }) {
+    viewModel.bind(published, status);
+}
+
+AppWindow PanelModel::window(WindowId id, Pid pid, std::string appName, std::string title) {
+    AppWindow window;
+    window.id = id;
+    window.pid = pid;
+    window.bundleIdentifier = appName;
+    window.appName = std::move(appName);
+    window.title = std::move(title);
+    window.isOnActiveSpace = true;
+    return window;
+}
+
+std::vector<AppWindow> PanelModel::windows(int count, int applications) {
+    std::vector<AppWindow> list;
+    for (int number = 1; number <= count; ++number) {
+        const int application = (number - 1) % applications + 1;
+        list.push_back(window(static_cast<WindowId>(number), application, "App " + std::to_string(application),
+                              "Window " + std::to_string(number)));
+    }
+    return list;
+}
+
+}  // namespace ferrowyn::test

@@ -1,0 +1,270 @@
+#include <gmock/gmock.h>
+
+#include <QWheelEvent>
+
+#include "tests/ui/switcher_view_fixture.h"
+
+namespace ferrowyn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class SwitcherViewTest : public test::SwitcherViewFixture {};
+
+QColor colorAt(const QImage& image, double x, double y) {
+    return image.pixelColor(static_cast<int>(x), static_cast<int>(y));
+}
+
+TEST_F(SwitcherViewTest, OnlyTheSelectedRowStandsOnTheAccent) {
+    const QImage image = picture();
+    for (int index = 0; index < 9; ++index) {
+        const Rect row = view.rowRect(index);
+        const QColor expected = index == 1 ? view.theme().selection : view.theme().background;
+        EXPECT_EQ(colorAt(image, row.midX(), row.y + 4), expected) << "row " << index;
+    }
+}
+
+TEST_F(SwitcherViewTest, FollowsTheSelectionWithoutWaitingForTheLoop) {
+    model.viewModel.move(3);
+    view.synchronize();
+    const QImage image = picture();
+    EXPECT_EQ(colorAt(image, 320, view.rowRect(4).y + 4), view.theme().selection);
+    EXPECT_EQ(colorAt(image, 320, view.rowRect(1).y + 4), view.theme().background);
+}
+
+TEST_F(SwitcherViewTest, AFrameCostsTheSameForTenRowsAndTenThousand) {
+    (void)picture();
+    const int forNine = view.paintedRowCount();
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(10'000, 20));
+    model.viewModel.beginSession(false);
+    const int shapedBefore = view.shapedLineCount();
+    (void)picture();
+    EXPECT_EQ(forNine, 9);
+    EXPECT_LE(view.paintedRowCount(), 10);
+    EXPECT_LE(view.shapedLineCount() - shapedBefore, 30) << "no line outside the panel is shaped";
+    const int shapedOnce = view.shapedLineCount();
+    (void)picture();
+    EXPECT_EQ(view.shapedLineCount(), shapedOnce) << "an unchanged frame shapes nothing";
+}
+
+TEST_F(SwitcherViewTest, WithoutHintsThereIsNoFooterAndMoreRoomForRows) {
+    EXPECT_TRUE(view.geometryNow().footer());
+    model.preferences.showShortcutHints.set(false);
+    view.synchronize();
+    EXPECT_FALSE(view.geometryNow().footer());
+    EXPECT_EQ(view.geometryNow().body().maxY(), view.height());
+}
+
+TEST_F(SwitcherViewTest, InGridLayoutRowsFlowFiveToALine) {
+    model.preferences.layout.set(SwitcherLayout::grid);
+    view.resize(760, 600);
+    view.synchronize();
+    EXPECT_EQ(view.rowRect(4).y, view.rowRect(0).y);
+    EXPECT_GT(view.rowRect(5).y, view.rowRect(4).y);
+    EXPECT_EQ(view.rowRect(5).x, view.rowRect(0).x);
+    (void)picture();
+    EXPECT_EQ(view.paintedRowCount(), 9);
+}
+
+TEST_F(SwitcherViewTest, TheIndicatorChangesWithTheLayout) {
+    const auto indicator = [this] { return picture().copy(570, 10, 60, 36); };
+    const QImage list = indicator();
+    model.preferences.layout.set(SwitcherLayout::grouped);
+    view.synchronize();
+    const QImage grouped = indicator();
+    model.preferences.layout.set(SwitcherLayout::grid);
+    view.synchronize();
+    EXPECT_NE(list, grouped);
+    EXPECT_NE(grouped, indicator());
+}
+
+TEST_F(SwitcherViewTest, WithoutWindowsTheBodySaysSo) {
+    model.viewModel.endSession();
+    model.show({});
+    model.viewModel.beginSession(false);
+    view.resize(640, 188);
+    view.synchronize();
+    const QImage empty = picture();
+    EXPECT_EQ(view.paintedRowCount(), 0);
+    EXPECT_FALSE(view.showsRows());
+    const QRect message = toQt(view.geometryNow().body()).toAlignedRect().adjusted(0, 60, 0, -40);
+    QImage blank = empty.copy(message);
+    blank.fill(view.theme().background);
+    EXPECT_NE(empty.copy(message), blank);
+}
+
+TEST_F(SwitcherViewTest, WithoutTrustThePermissionStateIsShownWhateverTheRowsHold) {
+    model.setTrusted(false);
+    view.synchronize();
+    EXPECT_FALSE(view.showsRows());
+    (void)picture();
+    EXPECT_EQ(view.paintedRowCount(), 0);
+    click(centre(view.permissionButtonRect()));
+    EXPECT_EQ(permissionRequests, 1);
+    EXPECT_THAT(activated, IsEmpty());
+}
+
+TEST_F(SwitcherViewTest, ThePermissionButtonShowsThatThePointerIsOnIt) {
+    model.setTrusted(false);
+    view.synchronize();
+    const QImage atRest = picture();
+    move(centre(view.permissionButtonRect()));
+    EXPECT_NE(picture(), atRest);
+    move({5, 5});
+    EXPECT_EQ(picture(), atRest);
+}
+
+TEST_F(SwitcherViewTest, AClickNeedsPressAndReleaseOnTheSameRow) {
+    click(centre(view.rowRect(2)));
+    EXPECT_THAT(activated, ElementsAre(3U));
+    press(centre(view.rowRect(2)));
+    release(centre(view.rowRect(3)));
+    EXPECT_THAT(activated, ElementsAre(3U));
+    send(QEvent::MouseButtonPress, centre(view.rowRect(2)), Qt::RightButton);
+    send(QEvent::MouseButtonRelease, centre(view.rowRect(2)), Qt::RightButton);
+    EXPECT_THAT(activated, ElementsAre(3U));
+}
+
+TEST_F(SwitcherViewTest, MovingOverRowsReportsThemAndNothingElse) {
+    move(centre(view.rowRect(5)));
+    move(centre(view.geometryNow().searchLine()));
+    EXPECT_THAT(hovered, ElementsAre(5));
+}
+
+TEST_F(SwitcherViewTest, APointerThatRestsWhereThePanelAppearsHoversNothing) {
+    view.show();
+    const QPointF resting = view.mapFromGlobal(QPointF(QCursor::pos()));
+    move(resting);
+    EXPECT_THAT(hovered, IsEmpty());
+    view.hide();
+}
+
+TEST_F(SwitcherViewTest, OnlyFavouritesAndTheSelectedRowHaveAStarToClick) {
+    const auto starOf = [this](int index) {
+        const Rect row = view.rowRect(index);
+        return QPointF(row.maxX() - 12 - 20 - 12 - 7, row.midY());
+    };
+    click(starOf(1));
+    EXPECT_THAT(toggled, ElementsAre(2U)) << "the selected row";
+    click(starOf(3));
+    EXPECT_THAT(toggled, ElementsAre(2U)) << "no star there";
+    EXPECT_THAT(activated, ElementsAre(4U));
+    model.favourites.identifiers.set({"App 1"});
+    view.synchronize();
+    click(starOf(3));
+    EXPECT_THAT(toggled, ElementsAre(2U, 4U));
+}
+
+TEST_F(SwitcherViewTest, TheWheelScrollsWithinTheRows) {
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    view.synchronize();
+    const auto turn = [this](int units) {
+        QWheelEvent event({320, 300}, {320, 300}, {}, {0, units}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(&view, &event);
+    };
+    turn(-120);
+    EXPECT_EQ(view.scroll(), 52);
+    turn(1200);
+    EXPECT_EQ(view.scroll(), 0);
+    turn(-120'000);
+    EXPECT_EQ(view.scroll(), view.geometryNow().maximumScroll());
+}
+
+TEST_F(SwitcherViewTest, ANewSessionStartsAtTheTop) {
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    model.viewModel.moveToEdge(false);
+    view.synchronize();
+    EXPECT_EQ(view.scroll(), view.geometryNow().maximumScroll());
+    model.viewModel.endSession();
+    model.viewModel.beginSession(false);
+    view.synchronize();
+    EXPECT_EQ(view.scroll(), 0);
+}
+
+TEST_F(SwitcherViewTest, NothingMovesWhileHiddenOrWithReducedMotion) {
+    EXPECT_FALSE(view.isAnimating());
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    qputenv("FERROWYN_REDUCED_MOTION", "1");
+    view.show();
+    EXPECT_FALSE(view.isAnimating());
+    model.viewModel.moveToEdge(false);
+    view.synchronize();
+    EXPECT_EQ(view.scroll(), view.geometryNow().maximumScroll()) << "at once";
+    view.hide();
+    qunsetenv("FERROWYN_REDUCED_MOTION");
+    EXPECT_FALSE(view.isAnimating());
+}
+
+TEST_F(SwitcherViewTest, RowsOfALaterSessionAreFoundReadyWhenTheyMatchThePreview) {
+    model.viewModel.endSession();
+    QImage preview(view.size(), QImage::Format_ARGB32_Premultiplied);
+    EXPECT_FALSE(view.matchesPreview()) << "nothing was drawn ahead";
+    view.renderPreview(preview);
+    model.viewModel.beginSession(false);
+    view.synchronize();
+    EXPECT_TRUE(view.matchesPreview());
+    EXPECT_EQ(picture(), preview) << "the promise";
+    model.viewModel.move(1);
+    EXPECT_FALSE(view.matchesPreview());
+    model.viewModel.move(-1);
+    EXPECT_TRUE(view.matchesPreview());
+    model.preferences.showShortcutHints.set(false);
+    EXPECT_FALSE(view.matchesPreview());
+}
+
+TEST_F(SwitcherViewTest, APreviewIsOutdatedByATitleInsideThePanelOnly) {
+    model.viewModel.endSession();
+    auto windows = test::PanelModel::windows(50, 3);
+    model.show(windows);
+    QImage preview(view.size(), QImage::Format_ARGB32_Premultiplied);
+    view.renderPreview(preview);
+    windows[40].title = "elsewhere";
+    model.show(windows);
+    model.viewModel.beginSession(false);
+    EXPECT_TRUE(view.matchesPreview());
+    model.viewModel.endSession();
+    windows[3].title = "in sight";
+    model.show(windows);
+    model.viewModel.beginSession(false);
+    EXPECT_FALSE(view.matchesPreview());
+}
+
+TEST_F(SwitcherViewTest, CornersAreRoundOnlyWhenACompositorBlendsThem) {
+    EXPECT_EQ(picture().pixelColor(0, 0).alpha(), 255);
+    view.setTranslucent(true);
+    QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    view.render(&image, {}, {}, QWidget::RenderFlags());
+    EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
+    EXPECT_GT(image.pixelColor(320, 3).alpha(), 230);
+    EXPECT_LT(image.pixelColor(320, 3).alpha(), 255);
+}
+
+TEST_F(SwitcherViewTest, MatchedCharactersStandOut) {
+    model.viewModel.insertText("window 3");
+    view.synchronize();
+    ASSERT_EQ(model.viewModel.rows.get().size(), 1U);
+    model.viewModel.deleteBackward();
+    view.synchronize();
+    const QImage image = picture();
+    const Rect second = view.rowRect(1);
+    bool isEmphasised = false;
+    for (int y = static_cast<int>(second.y); y < second.maxY(); ++y) {
+        for (int x = 60; x < 300; ++x) {
+            isEmphasised = isEmphasised || image.pixelColor(x, y) == view.theme().matchedCharacters;
+        }
+    }
+    EXPECT_TRUE(isEmphasised);
+}
+
+}  // namespace
+}  // namespace ferrowyn
