@@ -1,5 +1,5 @@
 // Key press to painted panel and release to active window, of the program and, in the same run, of the least that any
-// switcher must do. Arguments: the number of sessions (200 when not given).
+// switcher must do. Arguments: the number of sessions (200 when not given), then "floor" to measure only that.
 
 #include <fmt/format.h>
 
@@ -176,6 +176,19 @@ void print(int windowCount, const std::string& what, const Series& program, cons
                ratio(0.99));
 }
 
+/// What the floor alone costs on this machine, with a panel of the usual size.
+int runFloor(int sessions) {
+    int failures = 0;
+    for (const int windowCount : {10, 200}) {
+        const auto floor = measureFloor(windowCount, sessions, {320, 100, 640, 538});
+        fmt::print("{:>4} painted {:.2f} {:.2f} activated {:.2f} {:.2f} (median, p99), failed {}\n", windowCount,
+                   floor.painted.percentile(0.5), floor.painted.percentile(0.99), floor.activated.percentile(0.5),
+                   floor.activated.percentile(0.99), floor.failures);
+        failures += floor.failures;
+    }
+    return failures == 0 ? 0 : 1;
+}
+
 int run(int sessions) {
     fmt::print(
         "Milliseconds, {} sessions each, held {} ms (no auto-repeat). painted: key press to panel on the screen; "
@@ -203,7 +216,9 @@ int run(int sessions) {
 int main(int argumentCount, char** arguments) {
     const int sessions = argumentCount > 1 ? std::atoi(arguments[1]) : 200;
     try {
-        return ferrowyn::latency::run(std::max(sessions, 1));
+        const bool floorOnly = argumentCount > 2 && std::string(arguments[2]) == "floor";
+        return floorOnly ? ferrowyn::latency::runFloor(std::max(sessions, 1))
+                         : ferrowyn::latency::run(std::max(sessions, 1));
     } catch (const std::exception& failure) {
         fmt::print(stderr, "{}\n", failure.what());
         return 1;

@@ -98,12 +98,22 @@ void WindowIndex::refresh() {
 void WindowIndex::noteActivated(WindowId id) {
     assert(mainLoop_.isMainThread());
     recency_->touch(id);
+    moveToFront(id);
+}
+
+void WindowIndex::moveToFront(WindowId id) {
     std::vector<AppWindow> windows = windows_.get();
     const auto activated = std::ranges::find(windows, id, &AppWindow::id);
     if (activated == windows.end() || activated == windows.begin()) {
         return;
     }
     std::rotate(windows.begin(), activated, std::next(activated));
+    publish(std::move(windows));
+}
+
+void WindowIndex::publish(std::vector<AppWindow> windows) {
+    log_.write(LogLevel::debug, category,
+               fmt::format("Published {} window(s), first {}", windows.size(), windows.empty() ? 0 : windows.front().id));
     windows_.set(std::move(windows));
 }
 
@@ -112,6 +122,11 @@ void WindowIndex::handle(const WindowChange& change) {
         const auto id = windowInventory_.focusedWindowNumber(change.pid, focusedWindowTimeout);
         if (id && *id != 0) {
             recency_->touch(*id);
+            // A quick hand presses the trigger again before the coalesced refresh: the session it opens must start
+            // from the window that has the focus now.
+            if (isStarted_) {
+                moveToFront(*id);
+            }
         }
     }
     scheduleRefresh();
@@ -151,7 +166,9 @@ void WindowIndex::apply(WindowEnumerator::Snapshot snapshot) {
                              [this](const AppWindow& a, const AppWindow& b) { return recency_->precedes(a, b); });
 
     const auto generation = generation_;
-    windows_.setIfChanged(windows);
+    if (windows != windows_.get()) {
+        publish(windows);
+    }
     if (generation != generation_) {
         return;  // a subscriber stopped the index
     }

@@ -7,20 +7,16 @@ namespace ferrowyn::x11test {
 namespace {
 
 /// Divides the one screen of 1440 x 600 pixels, as a person's two monitors of different heights would.
-void divideScreen(const TestDesktop& desktop) {
-    const auto set = [&desktop](const char* name, std::int16_t x, std::uint16_t width, std::uint16_t height,
-                                std::uint8_t isPrimary) {
-        xcb_randr_monitor_info_t monitor{};
-        monitor.name = desktop.atom(name);
-        monitor.primary = isPrimary;
-        monitor.x = x;
-        monitor.width = width;
-        monitor.height = height;
-        xcb_randr_set_monitor(desktop.connection(), desktop.root(), &monitor);
-    };
-    set("left", 0, 800, 600, 1);
-    set("right", 800, 640, 480, 0);
-    xcb_flush(desktop.connection());
+void divideScreen(const PrivateXServer& server) {
+    for (const char* const monitor : {"800/211x600/158+0+0", "640/169x480/127+800+0"}) {
+        const bool isLeft = std::string(monitor).ends_with("+0+0");
+        // The server's one output goes to the first, or the undivided screen would remain as a third.
+        ChildProcess xrandr(
+            {.command = {"xrandr", "--setmonitor", isLeft ? "*left" : "right", monitor, isLeft ? "screen" : "none"},
+             .environment = server.clientEnvironment(),
+             .inheritedDescriptor = std::nullopt});
+        ASSERT_EQ(xrandr.waitForExit(), 0) << xrandr.output();
+    }
 }
 
 bool hasTwoScreens(const PanelRig& rig) {
@@ -32,7 +28,7 @@ bool hasTwoScreens(const PanelRig& rig) {
 
 TEST(ScreensTest, TwoMonitorsGrowUpwardFromThePrimaryOne) {
     PanelRig rig({.screens = {"1440x600x24"}});
-    divideScreen(rig.desktop);
+    divideScreen(rig.server);
     ASSERT_TRUE(hasTwoScreens(rig)) << "waited for the division to be noticed";
 
     const Rect onSecond{850, 300, 300, 200};
@@ -49,7 +45,7 @@ TEST(ScreensTest, TwoMonitorsGrowUpwardFromThePrimaryOne) {
 
 TEST(ScreensTest, TheMainScreenIsTheOneOfTheActiveWindow) {
     PanelRig rig({.screens = {"1440x600x24"}});
-    divideScreen(rig.desktop);
+    divideScreen(rig.server);
     ASSERT_TRUE(hasTwoScreens(rig));
     const TestWindow window(rig.server.display(), {.title = "On the second", .x = 900, .y = 50});
     ASSERT_TRUE(rig.desktop.waitForActiveWindow(window.id()));
