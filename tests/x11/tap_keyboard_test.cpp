@@ -465,6 +465,8 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackAndReportsItWhenTheSessionIsLocked) 
     toggle();
     ASSERT_TRUE(rig.settle());
     EXPECT_EQ(rig.opened(), 1);
+    // The manager took the trigger instead, and lets the keyboard go in its own time.
+    ASSERT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{3000}));
     rig.tap().setEnabled(true);
     EXPECT_TRUE(rig.tap().isEnabled());
     ASSERT_TRUE(rig.settle());
