@@ -6,7 +6,7 @@ build_packages=(
   libfmt-dev libicu-dev libsystemd-dev nlohmann-json3-dev qt6-base-dev libqt6svg6-dev libgl-dev
   libxcb1-dev libxcb-damage0-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-randr0-dev
   libxcb-render0-dev libxcb-res0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-sync-dev libxcb-xfixes0-dev
-  libxcb-xinput-dev libxcb-xkb-dev libxcb-xtest0-dev libxkbcommon-dev libxkbcommon-x11-dev
+  libxcb-xinerama0-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xtest0-dev libxkbcommon-dev libxkbcommon-x11-dev
 )
 
 # What the program finds on any desktop and a bare machine lacks.

@@ -54,6 +54,8 @@ private:
     void beginPass();
     void finishPass(std::uint64_t generation, WindowEnumerator::Snapshot snapshot);
     void apply(WindowEnumerator::Snapshot snapshot);
+    void moveToFront(WindowId id);
+    void publish(std::vector<AppWindow> windows);
     [[nodiscard]] std::vector<AppWindow> carryingOver(WindowEnumerator::Snapshot snapshot) const;
 
     MainLoop& mainLoop_;

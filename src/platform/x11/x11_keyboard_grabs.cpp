@@ -3,7 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
+
+// The header of xcb's XKB names a field with a word that C++ reserves.
+#define explicit explicitField
+#include <xcb/xkb.h>
+#undef explicit
 
 #include "platform/log.h"
 #include "platform/x11/x11_connection.h"
@@ -76,6 +82,19 @@ void X11KeyboardGrabs::remove() {
         ungrab(target, modifiers);
     }
     installed_.clear();
+}
+
+void X11KeyboardGrabs::watchModifiers(bool isWatching) {
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
+    details.stateDetails = isWatching ? std::uint16_t{XCB_XKB_STATE_PART_MODIFIER_STATE} : std::uint16_t{0};
+    std::set<xcb_input_device_id_t> masters;
+    for (const auto& [slave, master] : masters_) {
+        masters.insert(master);
+    }
+    for (const auto master : masters) {
+        xcb_xkb_select_events_aux(connection_.get(), master, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details);
+    }
 }
 
 xcb_input_device_id_t X11KeyboardGrabs::masterOf(xcb_input_device_id_t slave) const {

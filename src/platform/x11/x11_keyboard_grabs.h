@@ -28,6 +28,9 @@ public:
     void install();
     /// Gives everything back; only sent, not waited for.
     void remove();
+    /// Whether changes of the modifiers are told, for every master. They are part of the trigger: a tap that learnt of
+    /// them only once it has the keyboard would take two quick toggles for one whenever its thread is late. Only sent.
+    void watchModifiers(bool isWatching);
     /// The keyboard that this slave belongs to; nothing when the device is no slave keyboard.
     [[nodiscard]] bool isSlave(xcb_input_device_id_t device) const { return masters_.contains(device); }
     [[nodiscard]] xcb_input_device_id_t masterOf(xcb_input_device_id_t slave) const;

@@ -54,6 +54,7 @@ std::unique_ptr<X11KeyboardLayout> X11KeyboardLayout::read(const X11Connection& 
 
 void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
     modifierKeys_.assign(keyCodeCount, false);
+    modifierMap_.assign(keyCodeCount, 0);
     const auto cookie = xcb_get_modifier_mapping(connection.get());
     for (std::size_t keyCode = 0; keyCode < keyCodeCount; ++keyCode) {
         modifierKeys_[keyCode] = isModifierSymbol(baseSymbol(keymap_.get(), static_cast<xkb_keycode_t>(keyCode)));
@@ -73,6 +74,7 @@ void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
         const std::uint32_t mask = 1U << (index / perModifier);
         const auto symbol = baseSymbol(keymap_.get(), keyCode);
         modifierKeys_[keyCode] = true;
+        modifierMap_[keyCode] |= mask;
         if (isLockSymbol(symbol)) {
             locks_ |= mask;
         } else if (symbol == XKB_KEY_Alt_L || symbol == XKB_KEY_Alt_R) {
@@ -105,6 +107,10 @@ std::optional<xkb_keycode_t> X11KeyboardLayout::keyCodeOf(std::uint16_t virtualK
 
 bool X11KeyboardLayout::isModifierKey(xkb_keycode_t keyCode) const {
     return keyCode < modifierKeys_.size() && modifierKeys_[keyCode];
+}
+
+std::uint32_t X11KeyboardLayout::modifiersOfKey(xkb_keycode_t keyCode) const {
+    return keyCode < modifierMap_.size() ? modifierMap_[keyCode] : 0;
 }
 
 std::uint64_t X11KeyboardLayout::flagsOf(std::uint32_t realModifiers) const {

@@ -32,6 +32,9 @@ public:
     /// Whether the key is a modifier or a lock, which changes flags and types nothing.
     [[nodiscard]] bool isModifierKey(xkb_keycode_t keyCode) const;
 
+    /// The real modifiers that the key sets while it is down.
+    [[nodiscard]] std::uint32_t modifiersOfKey(xkb_keycode_t keyCode) const;
+
     /// Shift, Control, Option and Command of these real modifiers; locks and groups have no flag.
     [[nodiscard]] std::uint64_t flagsOf(std::uint32_t realModifiers) const;
     /// The real modifiers of these flags.
@@ -48,6 +51,7 @@ private:
     std::unique_ptr<xkb_keymap, XkbUnref> keymap_;
     /// By key code.
     std::vector<bool> modifierKeys_;
+    std::vector<std::uint32_t> modifierMap_;
     std::uint32_t alt_ = 0;
     std::uint32_t super_ = 0;
     std::uint32_t locks_ = 0;

@@ -14,8 +14,8 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE |
-                                    XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+constexpr std::uint32_t keyEvents =
+    XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
 
 }  // namespace
 
@@ -27,7 +27,6 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     if (slave) {
         freeSlave(*slave);
     }
-    selectSessionEvents(master, true);
     repeatMissedReleases();
     // Asked for last: whatever happened until then is in the answer, whatever happens later comes as an event.
     const auto modifiers = xcb_xkb_get_state(connection, master);
@@ -38,7 +37,6 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     const XcbReply<xcb_xkb_get_controls_reply_t> controlsReply(
         xcb_xkb_get_controls_reply(connection, controls, nullptr));
     if (!isGranted(grab)) {
-        selectSessionEvents(master, false);
         return std::nullopt;
     }
     master_ = master;
@@ -62,7 +60,6 @@ void X11KeyboardSeizure::giveBack() {
         return;
     }
     xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, *master_);
-    selectSessionEvents(*master_, false);
     master_.reset();
 }
 
@@ -110,18 +107,6 @@ bool X11KeyboardSeizure::isGranted(xcb_input_xi_grab_device_cookie_t cookie) con
     const XcbReply<xcb_input_xi_grab_device_reply_t> reply(
         xcb_input_xi_grab_device_reply(connection_.get(), cookie, nullptr));
     return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
-}
-
-void X11KeyboardSeizure::selectSessionEvents(xcb_input_device_id_t master, bool isSelected) {
-    xcb_xkb_select_events_details_t details{};
-    details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
-    details.stateDetails = isSelected ? std::uint16_t{XCB_XKB_STATE_PART_MODIFIER_STATE} : std::uint16_t{0};
-    xcb_xkb_select_events_aux(connection_.get(), master, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details);
-    struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-    } raw{{master, 1}, isSelected ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE} : 0U};
-    xcb_input_xi_select_events(connection_.get(), connection_.root(), 1, &raw.head);
 }
 
 void X11KeyboardSeizure::fakeKey(std::uint8_t type, std::uint32_t keyCode) {

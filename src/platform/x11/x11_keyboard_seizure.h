@@ -59,7 +59,6 @@ public:
 private:
     [[nodiscard]] xcb_input_xi_grab_device_cookie_t requestGrab(xcb_input_device_id_t master) const;
     [[nodiscard]] bool isGranted(xcb_input_xi_grab_device_cookie_t cookie) const;
-    void selectSessionEvents(xcb_input_device_id_t master, bool isSelected);
     void fakeKey(std::uint8_t type, std::uint32_t keyCode);
 
     const X11Connection& connection_;

@@ -134,6 +134,7 @@ void X11TapEngine::receive(const X11KeyboardEvent& event) {
     if (event.kind != Kind::modifiersChanged && grabs_.isSlave(event.deviceId)) {
         if (event.kind == Kind::release) {
             seizure_.noteMissedRelease(event.keyCode);
+            receiveMissedModifier(event);
         } else if (seizure_.isHeld()) {
             // A trigger at another keyboard, or one that came before the passive grabs were gone.
             seizure_.freeSlave(event.deviceId);
@@ -144,6 +145,18 @@ void X11TapEngine::receive(const X11KeyboardEvent& event) {
         return;  // a backlog of repeats would run on long after the key went up
     }
     queue_.push_back(event);
+}
+
+void X11TapEngine::receiveMissedModifier(const X11KeyboardEvent& release) {
+    // The server ignores the repeated release when the user has pressed the key again by then, and for the master the
+    // modifier was never up; but it was, and a session hangs on it.
+    const auto modifiers = layout_->modifiersOfKey(release.keyCode);
+    if ((modifiers & layout_->maskOf(trigger_)) != 0) {
+        auto change = release;
+        change.kind = Kind::modifiersChanged;
+        change.modifiers.effective &= ~modifiers;
+        queue_.push_back(change);
+    }
 }
 
 void X11TapEngine::noteHeldKeys(const X11KeyboardEvent& event) {
@@ -190,7 +203,6 @@ void X11TapEngine::deliverHidden(const X11KeyboardEvent& event) {
 
 void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     auto pressed = press;
-    std::optional<std::uint32_t> modifiersNow;
     if (!seizure_.isHeld()) {
         const bool isAtSlave = grabs_.isSlave(press.deviceId);
         const auto state = seizure_.take(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
@@ -199,7 +211,6 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
             return;
         }
         context_.isKeyboardHeldElsewhere.store(false);
-        modifiersNow = state->modifiers;
         if (isAtSlave) {
             // A slave knows its own modifiers only, and its own pointer while it floats; the grab matched the
             // master's. Shift may be on another keyboard.
@@ -222,15 +233,6 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
             seizure_.typeForHolder(press.keyCode);
         }
         giveKeyboardBack();
-        return;
-    }
-    if (modifiersNow) {
-        // The modifier may be up already: then its release came before the keyboard was taken, and nobody else will
-        // ever tell.
-        X11KeyboardEvent change;
-        change.kind = Kind::modifiersChanged;
-        change.modifiers.effective = *modifiersNow;
-        queue_.push_front(change);
     }
 }
 
@@ -261,6 +263,10 @@ void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
     }
     if (layout_->isModifierKey(event.keyCode) || isStaleRepeat(event)) {
         return;
+    }
+    if (event.kind == Kind::press && !event.isRepeat) {
+        // The modifier is down again, and nobody else may have told.
+        flags_ |= reportedFlags(event.modifiers.effective) & flagMask(trigger_);
     }
     if (deliverKey(event).requestsSession) {
         // The session was closed a moment ago, and the message that says so is on its way: it is not the answer.
@@ -466,6 +472,7 @@ void X11TapEngine::refreshGrabs() {
         modifiers.push_back(mask | XCB_MOD_MASK_SHIFT | locks);
     }
     grabs_.setKeys(triggerKeyCodes_, std::move(modifiers));
+    grabs_.watchModifiers(isEnabled_);
     if (!isEnabled_) {
         grabs_.remove();
     } else if (!seizure_.isHeld()) {

@@ -76,6 +76,7 @@ private:
     void seizeForOpenSession();
     void handleDeadlines();
     void repeatTrigger();
+    void receiveMissedModifier(const X11KeyboardEvent& release);
     void noteHeldKeys(const X11KeyboardEvent& event);
     void holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state);
 
