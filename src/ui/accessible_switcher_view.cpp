@@ -127,10 +127,11 @@ void installSwitcherAccessibility() {
     QAccessible::installFactory(makeInterface);
 }
 
-void announceSwitcherChanges(SwitcherView& view, bool rowsChanged, bool selectionChanged) {
+void announceSwitcherChanges(SwitcherView& view, bool rowsChanged, bool selectionChanged,
+                             const AccessibilityAnnouncer& announce) {
     if (rowsChanged) {
         QAccessibleEvent reordered(&view, QAccessible::ObjectReorder);
-        QAccessible::updateAccessibility(&reordered);
+        announce(reordered);
     }
     const auto* const list = dynamic_cast<AccessibleSwitcherView*>(QAccessible::queryAccessibleInterface(&view));
     if (!selectionChanged || list == nullptr) {
@@ -139,9 +140,9 @@ void announceSwitcherChanges(SwitcherView& view, bool rowsChanged, bool selectio
     if (QAccessibleInterface* const row = list->rowItem(view.viewModel().selectedIndex.get())) {
         // Focus is what screen readers speak; the panel itself never has the keyboard focus.
         QAccessibleEvent selected(row, QAccessible::Selection);
-        QAccessible::updateAccessibility(&selected);
+        announce(selected);
         QAccessibleEvent focused(row, QAccessible::Focus);
-        QAccessible::updateAccessibility(&focused);
+        announce(focused);
     }
 }
 

@@ -20,7 +20,7 @@ constexpr double buttonHeight = 26;
 
 /// A sentence or two: on lines that are comfortable to read.
 QStringList explanation(const PaintContext& context) {
-    constexpr double lineWidth = 460;
+    constexpr double lineWidth = 540;
     return CentredColumn::wrapped(display_text::singleLine(context.texts.permissionExplanation), TextStyle::emptyDetail,
                                   lineWidth);
 }

@@ -257,8 +257,14 @@ void SwitcherView::caretTick() {
 }
 
 void SwitcherView::announceChanges(bool rowsChanged, bool selectionChanged) {
-    if (isVisible() && QAccessible::isActive()) {
-        announceSwitcherChanges(*this, rowsChanged, selectionChanged);
+    if (!isVisible()) {
+        return;
+    }
+    if (announcer_) {
+        announceSwitcherChanges(*this, rowsChanged, selectionChanged, announcer_);
+    } else if (QAccessible::isActive()) {
+        announceSwitcherChanges(*this, rowsChanged, selectionChanged,
+                                [](QAccessibleEvent& event) { QAccessible::updateAccessibility(&event); });
     }
 }
 

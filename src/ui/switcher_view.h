@@ -8,12 +8,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/subscription.h"
 #include "core/switcher_view_model.h"
 #include "input/switcher_content.h"
 #include "platform/panel.h"
+#include "ui/accessible_switcher_view.h"
 #include "ui/panel_scene.h"
 #include "ui/preview_record.h"
 
@@ -58,6 +60,9 @@ public:
     void activateRow(int index);
     void toggleFavourite(int index);
     void requestPermissions();
+
+    /// Instead of the desktop's accessibility bus, which is there only on some platforms and when somebody listens.
+    void setAnnouncer(AccessibilityAnnouncer announcer) { announcer_ = std::move(announcer); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -128,6 +133,7 @@ private:
     /// The pointer stood here when the panel appeared under it: no motion yet.
     std::optional<QPoint> pointerAtShow_;
 
+    AccessibilityAnnouncer announcer_;
     std::optional<PreviewRecord> preview_;
     int paintedRowCount_ = 0;
     std::vector<Subscription> subscriptions_;

@@ -13,14 +13,6 @@ protected:
     QString nameOf(int child) { return list()->child(child)->text(QAccessible::Name); }
 };
 
-std::vector<std::pair<QAccessible::Event, QString>> announced;
-
-void recordAnnouncement(QAccessibleEvent* event) {
-    if (QAccessibleInterface* const subject = event->accessibleInterface()) {
-        announced.emplace_back(event->type(), subject->text(QAccessible::Name));
-    }
-}
-
 TEST_F(SwitcherAccessibilityTest, RowsAreNamedByTitleApplicationBadgeAndPosition) {
     auto windows = test::PanelModel::windows(3, 3);
     windows[1].isMinimized = true;
@@ -104,15 +96,15 @@ TEST_F(SwitcherAccessibilityTest, EmptyAndPermissionStatesAreRead) {
 }
 
 TEST_F(SwitcherAccessibilityTest, EachSelectionChangeIsAnnounced) {
-    QAccessible::setActive(true);
+    std::vector<std::pair<QAccessible::Event, QString>> announced;
+    view.setAnnouncer([&announced](QAccessibleEvent& event) {
+        announced.emplace_back(event.type(), event.accessibleInterface()->text(QAccessible::Name));
+    });
     view.show();
     announced.clear();
-    const auto previous = QAccessible::installUpdateHandler(recordAnnouncement);
     model.viewModel.move(1);
     view.synchronize();
-    QAccessible::installUpdateHandler(previous);
     view.hide();
-    QAccessible::setActive(false);
     const QString name = QStringLiteral("Window 3, App 3, 3 of 9");
     EXPECT_THAT(announced, testing::Contains(std::pair(QAccessible::Focus, name)));
     EXPECT_THAT(announced, testing::Contains(std::pair(QAccessible::Selection, name)));

@@ -56,7 +56,7 @@ TEST(PanelGeometryTest, AHeaderStandsOverEachRowThatStartsAGroup) {
 TEST(PanelGeometryTest, OnlyRowsInsideTheBodyAreVisible) {
     const auto geometry = make(SwitcherLayout::list, {640, 56 + 16 + 9 * 52 + 8}, 10'000);
     EXPECT_EQ(geometry.visibleRows(0), (PanelGeometry::Range{0, 10}));
-    const auto inTheMiddle = geometry.visibleRows(5000 * 53);
+    const auto inTheMiddle = geometry.visibleRows(8 + 5000 * 53);
     EXPECT_EQ(inTheMiddle.first, 5000);
     EXPECT_LE(inTheMiddle.last - inTheMiddle.first, 10);
     EXPECT_EQ(geometry.visibleRows(geometry.maximumScroll()).last, 10'000);

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <QDeadlineTimer>
+#include <QProxyStyle>
 #include <QWheelEvent>
 
 #include "tests/ui/switcher_view_fixture.h"
@@ -84,12 +86,12 @@ TEST_F(SwitcherViewTest, WithoutWindowsTheBodySaysSo) {
     model.viewModel.endSession();
     model.show({});
     model.viewModel.beginSession(false);
-    view.resize(640, 188);
+    view.resize(640, 188 + 34);
     view.synchronize();
     const QImage empty = picture();
     EXPECT_EQ(view.paintedRowCount(), 0);
     EXPECT_FALSE(view.showsRows());
-    const QRect message = toQt(view.geometryNow().body()).toAlignedRect().adjusted(0, 60, 0, -40);
+    const QRect message = toQt(view.geometryNow().body()).toAlignedRect().adjusted(20, 30, -20, -20);
     QImage blank = empty.copy(message);
     blank.fill(view.theme().background);
     EXPECT_NE(empty.copy(message), blank);
@@ -202,6 +204,35 @@ TEST_F(SwitcherViewTest, NothingMovesWhileHiddenOrWithReducedMotion) {
     view.hide();
     qunsetenv("FERROWYN_REDUCED_MOTION");
     EXPECT_FALSE(view.isAnimating());
+}
+
+class MovingStyle final : public QProxyStyle {
+public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_Widget_Animation_Duration ? 200 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+TEST_F(SwitcherViewTest, TheSelectionScrollsIntoViewSmoothlyAndEverythingRestsWhenHidden) {
+    MovingStyle style;
+    view.setStyle(&style);
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    view.show();
+    EXPECT_TRUE(view.isAnimating()) << "the caret blinks";
+    model.viewModel.moveToEdge(false);
+    view.synchronize();
+    EXPECT_LT(view.scroll(), view.geometryNow().maximumScroll()) << "not at once";
+    const QDeadlineTimer deadline(20'000);
+    while (view.scroll() < view.geometryNow().maximumScroll() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    EXPECT_EQ(view.scroll(), view.geometryNow().maximumScroll());
+    view.hide();
+    EXPECT_FALSE(view.isAnimating());
+    view.setStyle(nullptr);
 }
 
 TEST_F(SwitcherViewTest, RowsOfALaterSessionAreFoundReadyWhenTheyMatchThePreview) {
