@@ -25,8 +25,8 @@ public:
         FerrowynProgram::Options program;
     };
 
-    explicit SwitchingFixture(const std::string& manager) : SwitchingFixture(manager, Options{}) {}
-    SwitchingFixture(const std::string& manager, const Options& options);
+    explicit SwitchingFixture(const std::string& managerName) : SwitchingFixture(managerName, Options{}) {}
+    SwitchingFixture(const std::string& managerName, const Options& options);
 
     PrivateXServer server;
     std::unique_ptr<WindowManagerProcess> manager;
