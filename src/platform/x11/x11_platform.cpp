@@ -118,8 +118,7 @@ struct X11Platform::Parts {
 };
 
 X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& options)
-    : log(options.minimumLogLevel,
-          options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
+    : log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
       folders(XdgFolders::fromEnvironment()),
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
