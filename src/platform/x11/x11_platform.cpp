@@ -118,8 +118,7 @@ struct X11Platform::Parts {
 };
 
 X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& options)
-    : log(options.minimumLogLevel,
-          options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
+    : log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
       folders(XdgFolders::fromEnvironment()),
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
@@ -158,6 +157,10 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       panel(panelEvents, screens, compositor, pointer),
       platform{mainLoop, backgroundWork, log,       userDefaults, application, workspace, inventory, observers,
                control,  trust,          eventTaps, screens,      pointer,     panel,     icons,     linuxTexts()} {
+    // Posted from the thread that posts the trigger next, so it arrives right before it.
+    inputContext.reportActiveWindow = [this](std::uint32_t window) {
+        mainLoop.post([this, window] { monitor.startSessionFrom(window); });
+    };
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
     installedChanges = entries.observeChanges([this] { directory.forgetAll(); });

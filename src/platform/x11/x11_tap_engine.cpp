@@ -203,7 +203,9 @@ void X11TapEngine::deliverHidden(const X11KeyboardEvent& event) {
 
 void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     auto pressed = press;
-    if (!seizure_.isHeld()) {
+    if (seizure_.isHeld()) {
+        reportActiveWindow(seizure_.activeWindow());
+    } else {
         const bool isAtSlave = grabs_.isSlave(press.deviceId);
         const auto state = seizure_.take(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
         if (!state) {
@@ -211,6 +213,7 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
             return;
         }
         context_.isKeyboardHeldElsewhere.store(false);
+        reportActiveWindow(state->activeWindow);
         if (isAtSlave) {
             // A slave knows its own modifiers only, and its own pointer while it floats; the grab matched the
             // master's. Shift may be on another keyboard.
@@ -233,6 +236,12 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
             seizure_.typeForHolder(press.keyCode);
         }
         giveKeyboardBack();
+    }
+}
+
+void X11TapEngine::reportActiveWindow(xcb_window_t window) const {
+    if (context_.reportActiveWindow) {
+        context_.reportActiveWindow(window);
     }
 }
 

@@ -69,6 +69,7 @@ private:
     void deliverHidden(const X11KeyboardEvent& event);
     void deliverInSession(const X11KeyboardEvent& event);
     void beginSession(const X11KeyboardEvent& press);
+    void reportActiveWindow(xcb_window_t window) const;
     void refuseSession(const X11KeyboardEvent& press);
     void openSession();
     void endSession();
