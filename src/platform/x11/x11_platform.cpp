@@ -114,12 +114,12 @@ struct X11Platform::Parts {
     Subscription installedChanges;
     Subscription lockChanges;
     Subscription screenChanges;
+    Subscription windowReadings;
     Platform platform;
 };
 
 X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& options)
-    : log(options.minimumLogLevel,
-          options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
+    : log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
       folders(XdgFolders::fromEnvironment()),
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
@@ -161,6 +161,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
     installedChanges = entries.observeChanges([this] { directory.forgetAll(); });
+    reader.keepLastingFacts();
+    windowReadings = monitor.windowReadings().subscribe([this](const auto& windows) { reader.forget(windows); });
     lockChanges = sessionLock.observe([this](bool isLocked) {
         if (isLocked) {
             // A locker must be able to take the keyboard.
