@@ -68,7 +68,8 @@ xcb_window_t ScreenWatch::activeWindow() {
     return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
 }
 
-std::vector<ScreenWatch::Moment> ScreenWatch::changes(std::chrono::milliseconds quiet) {
+std::vector<ScreenWatch::Moment> ScreenWatch::changes(std::chrono::milliseconds duration) {
+    const auto end = Clock::now() + duration;
     std::vector<Moment> moments;
     do {
         // Subtracted first, so that what is painted after the look is told again.
@@ -77,7 +78,7 @@ std::vector<ScreenWatch::Moment> ScreenWatch::changes(std::chrono::milliseconds 
         if (moments.empty() || moments.back().picture != now) {
             moments.push_back({Clock::now(), std::move(now)});
         }
-    } while (waitForEvent(quiet));
+    } while (waitForEvent(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now())) && Clock::now() < end);
     return moments;
 }
 

@@ -35,8 +35,8 @@ public:
         Clock::time_point time;
         Picture picture;
     };
-    /// Every picture that differs from the one before, from now until nothing has changed for the given time.
-    [[nodiscard]] std::vector<Moment> changes(std::chrono::milliseconds quiet);
+    /// Every picture that differs from the one before, for this long. (A caret that blinks never lets a screen rest.)
+    [[nodiscard]] std::vector<Moment> changes(std::chrono::milliseconds duration);
     /// When another window than this one is active; nothing when that takes more than the budget.
     [[nodiscard]] std::optional<Clock::time_point> activationAfter(xcb_window_t previous,
                                                                    std::chrono::milliseconds budget);

@@ -117,7 +117,7 @@ void SwitcherRowBuilder::groupByProcess() {
     }
 }
 
-void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) const {
+void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) {
     const std::vector<std::string>& identifiers = favourites_.bundleIdentifiers().get();
     const std::unordered_set<std::string_view> favourites(identifiers.begin(), identifiers.end());
     std::unordered_map<Pid, int> groupSizes;
@@ -126,7 +126,7 @@ void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) const {
     const AppWindow* previous = nullptr;
     int* groupSize = nullptr;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
-        const Entry& entry = entries_[i];
+        Entry& entry = entries_[i];
         const AppWindow& window = *entry.window;
         Row& row = rows[i];
         row.window = window;
@@ -140,13 +140,11 @@ void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) const {
             groupSize = &groupSizes[window.pid];
         }
         ++*groupSize;
+        entry.groupSize = groupSize;
         previous = &window;
     }
-    for (Row& row : rows) {
-        if (row.startsGroup) {
-            groupSize = &groupSizes[row.window.pid];
-        }
-        row.groupSize = *groupSize;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        rows[i].groupSize = *entries_[i].groupSize;
     }
 }
 

@@ -45,6 +45,8 @@ private:
         /// Where its highlights stand in `highlights_`.
         std::size_t firstHighlight = 0;
         std::size_t highlightCount = 0;
+        /// Shared by the rows of one process, complete when all rows have been counted.
+        const int* groupSize = nullptr;
     };
 
     /// Which windows the settings leave; read once for all windows.
@@ -54,7 +56,7 @@ private:
     void enterSessionWindows(const Input& input);
     void enterMatches(const Input& input, std::string_view query);
     void groupByProcess();
-    void writeRows(std::vector<Row>& rows) const;
+    void writeRows(std::vector<Row>& rows);
 
     const SessionSettings& settings_;
     const FavouriteApplications& favourites_;

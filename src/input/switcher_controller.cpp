@@ -26,6 +26,9 @@ namespace {
 constexpr std::string_view category = "ui";
 /// Longer than anybody looks at a list; it only guards against a modifier release that got lost.
 constexpr Seconds watchdogInterval{30.0};
+/// Drawing the next first frame would get in the way of the activation that a session ends with, and would show the
+/// order before it: the new order asks for it anyway, and this only after a session that has changed nothing.
+constexpr Seconds preparationDelay{0.1};
 
 }  // namespace
 
@@ -91,7 +94,7 @@ void SwitcherController::dismiss() {
     if (isVisible_) {
         isVisible_ = false;
         viewModel_->endSession();
-        schedulePreparation();
+        delayedPreparation_ = mainLoop_.after(preparationDelay, [this] { schedulePreparation(); });
     }
 }
 

@@ -119,6 +119,7 @@ private:
     std::optional<panel_geometry::RowShape> lastShape_;
     bool isRefitScheduled_ = false;
     bool isPreparationScheduled_ = false;
+    Subscription delayedPreparation_;
 
     /// What posted tasks and the panel's content hold of this controller; the content belongs to the platform's panel,
     /// which outlives it.

@@ -153,6 +153,7 @@ void SwitcherController::schedulePreparation() {
 }
 
 void SwitcherController::prepareNextSession() {
+    delayedPreparation_.reset();
     // Without trust no session opens, and during one the panel shows that one; its end asks again.
     if (isVisible_ || authorizer_.status().get() != AccessibilityStatus::trusted) {
         return;

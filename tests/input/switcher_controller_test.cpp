@@ -625,7 +625,7 @@ TEST_F(SwitcherControllerTest, PreparesWhenAnythingTheNextSessionShowsChanges) {
     for (std::size_t change = 0; change < changes.size(); ++change) {
         spy.prepared.clear();
         changes[change]();
-        desktop.settle();
+        desktop.advance(200ms);
         EXPECT_EQ(spy.prepared.size(), 1U) << change;
     }
 }

@@ -287,6 +287,26 @@ TEST_F(InventorySnapshotTest, NamesAnApplicationWithoutADesktopFileByItsClass) {
     EXPECT_EQ(parts.listedWindow(window)->ownerName, "Editor");
 }
 
+TEST_F(InventorySnapshotTest, KeepsWhatRarelyChangesUntilAChangeIsHeardOf) {
+    const auto window = onlyWindow();
+    setTitle(window, "WM_CLASS", "STRING", std::string("editor\0Editor\0", 14));
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    parts.reader.keepLastingFacts();
+    ASSERT_EQ(parts.listedWindow(window)->ownerName, "Editor");
+    bool isHeardOf = false;
+    const auto subscription = parts.monitor.windowReadings().subscribe([&](const auto& windows) {
+        isHeardOf = std::ranges::find(windows, window) != windows.end();
+        parts.reader.forget(windows);
+    });
+    setTitle(window, "WM_CLASS", "STRING", std::string("viewer\0Viewer\0", 14));
+    setTitle(window, "_NET_WM_NAME", "UTF8_STRING", "Changes often");
+    EXPECT_EQ(parts.listedWindow(window)->ownerName, "Editor") << "nothing has been heard yet";
+    EXPECT_EQ(parts.listedWindow(window)->ownerPid, getpid());
+    EXPECT_EQ(titleOf(window), "Changes often");
+    ASSERT_TRUE(parts.runUntil([&] { return isHeardOf; }));
+    EXPECT_EQ(parts.listedWindow(window)->ownerName, "Viewer");
+}
+
 TEST_F(InventorySnapshotTest, TellsWhichWindowOfAnApplicationHasTheFocus) {
     const auto first = manager.createWindow();
     const auto second = manager.createWindow();

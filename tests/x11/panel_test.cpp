@@ -85,6 +85,20 @@ TEST(PanelTest, ShowsAgainAndAgain) {
     }
 }
 
+TEST(PanelTest, ShowsAgainInTheSameTurnOfTheLoop) {
+    PanelRig rig;
+    rig.show(frame);
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > 0; }));
+    rig.panel->orderOut();
+    rig.content->model = QColor(0x3366CC);
+    rig.show(frame);
+    ASSERT_TRUE(rig.desktop.waitForPanel(true));
+    rig.settle();
+    EXPECT_TRUE(rig.desktop.visiblePanel().has_value()) << "the end of the first showing does not hide the second";
+    EXPECT_TRUE(rig.content->view().isVisible());
+    EXPECT_EQ(rig.desktop.pixels(place), rig.expectedPixels(640, 300, 1));
+}
+
 TEST(PanelTest, ChangesItsExtentDownwardWhileItIsShown) {
     PanelRig rig;
     rig.show(frame);
@@ -94,6 +108,33 @@ TEST(PanelTest, ChangesItsExtentDownwardWhileItIsShown) {
         return rig.desktop.pixels({100, 50, 640, 400}) == rig.expectedPixels(640, 400, 1);
     }));
     EXPECT_EQ(rig.desktop.placeOf(*rig.desktop.visiblePanel()), (TestDesktop::Place{100, 50, 640, 400}));
+}
+
+TEST(PanelTest, GoesFromOneWholePictureToTheNextWhenItsExtentChanges) {
+    PanelRig rig;
+    rig.show(frame);
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > 0; }));
+    rig.settle();
+    const auto panel = *rig.desktop.visiblePanel();
+    for (const Rect next : {Rect{40, 250, 760, 500}, Rect{100, 550, 640, 200}, Rect{100, 350, 640, 400}}) {
+        rig.content->model = rig.content->model.darker(130);
+        rig.panel->setFrame(next);
+        const TestDesktop::Place expected{static_cast<int>(next.x), 50, static_cast<int>(next.width),
+                                          static_cast<int>(next.height)};
+        // The loop has not run since, so whatever is seen in the new place has not waited for the toolkit.
+        const Deadline deadline(patience);
+        while (rig.desktop.placeOf(panel) != expected) {
+            ASSERT_FALSE(deadline.hasPassed()) << next.width;
+        }
+        EXPECT_EQ(rig.desktop.pixels(expected), rig.expectedPixels(expected.width, expected.height, 1)) << next.width;
+
+        const int paintsBefore = rig.content->view().paints;
+        ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > paintsBefore; }));
+        rig.settle();
+        EXPECT_EQ(rig.content->view().size(), QSize(expected.width, expected.height));
+        EXPECT_EQ(rig.desktop.placeOf(panel), expected) << "the toolkit has followed, not led";
+        EXPECT_EQ(rig.desktop.pixels(expected), rig.expectedPixels(expected.width, expected.height, 1)) << next.width;
+    }
 }
 
 TEST(PanelTest, CoversAFullScreenWindowAndOneThatComesLater) {
@@ -237,7 +278,7 @@ TEST(PanelTest, AssistiveProgramsSeeItExactlyWhileItIsShown) {
     rig.show(frame);
     EXPECT_FALSE(interface->state().invisible);
     rig.panel->orderOut();
-    EXPECT_TRUE(interface->state().invisible);
+    EXPECT_TRUE(PanelRig::runUntil([&] { return bool(interface->state().invisible); }));
 }
 
 }  // namespace

@@ -18,6 +18,9 @@ constexpr Seconds activationGrace = std::chrono::milliseconds(300);
 
 constexpr std::uint8_t sentEventBit = 0x80;
 
+/// What is read here is read because it has changed.
+const X11WindowBatch::KnownWindows nothingKnown;
+
 }  // namespace
 
 X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Connection> connection,
@@ -60,7 +63,7 @@ void X11DesktopMonitor::readFirstTime() {
     const auto windows = windowsToRead(root);
     subscribeToWindows(windows);
     auto answer = X11WindowBatch(connection_.get(), root, atoms_, owners_, windows,
-                                 X11WindowBatch::Fallbacks::atOnceWithoutTitles)
+                                 X11WindowBatch::Fallbacks::atOnceWithoutTitles, nothingKnown)
                       .collect();
     model_.apply(root, collectManagerCheck(root, check), std::move(answer.windows));
 }
@@ -126,10 +129,12 @@ void X11DesktopMonitor::readWindows(const X11RootFacts& root) {
     const auto windows = windowsToRead(root);
     subscribeToWindows(windows);
     auto batch = std::make_shared<X11WindowBatch>(connection_.get(), root, atoms_, owners_, windows,
-                                                  X11WindowBatch::Fallbacks::atOnceWithoutTitles);
-    connection_.whenAnswered([this, root, check, batch] {
+                                                  X11WindowBatch::Fallbacks::atOnceWithoutTitles, nothingKnown);
+    connection_.whenAnswered([this, root, check, batch, windows] {
         auto answer = batch->collect();
         isReading_ = false;
+        // Before whoever hears of the change has the whole desktop read.
+        windowReadings_.send(windows);
         model_.apply(root, collectManagerCheck(root, check), std::move(answer.windows));
         readAgain();
     });

@@ -38,6 +38,9 @@ public:
     /// The server's time at the latest event seen here; never 0.
     [[nodiscard]] xcb_timestamp_t latestServerTime() const { return latestServerTime_; }
 
+    /// These windows are new or have changed, and have just been read; what others knew of them may be old.
+    [[nodiscard]] const Subject<std::vector<xcb_window_t>>& windowReadings() const { return windowReadings_; }
+
     /// The arrangement of the screens changed.
     [[nodiscard]] const Subject<bool>& screenChanges() const { return screenChanges_; }
 
@@ -69,6 +72,7 @@ private:
     bool isRootChanged_ = false;
     bool isReading_ = false;
     Subscription expectation_;
+    Subject<std::vector<xcb_window_t>> windowReadings_;
     Subject<bool> screenChanges_;
 };
 

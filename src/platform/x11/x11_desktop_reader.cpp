@@ -12,6 +12,7 @@ X11DesktopReader::X11DesktopReader(std::unique_ptr<X11Connection> connection, co
 X11DesktopSnapshot X11DesktopReader::read() {
     const std::scoped_lock lock(mutex_);
     auto* const connection = connection_->get();
+    dropForgotten();
     X11DesktopSnapshot snapshot;
     snapshot.root = X11RootRequests(connection, connection_->root(), atoms_).collect(connection, atoms_);
     ++snapshot.roundTrips;
@@ -19,12 +20,40 @@ X11DesktopSnapshot X11DesktopReader::read() {
         latestStacking_.assign(snapshot.root.stacking->rbegin(), snapshot.root.stacking->rend());
     }
     auto answer = X11WindowBatch(connection, snapshot.root, atoms_, owners_, latestStacking_,
-                                 X11WindowBatch::Fallbacks::whenNeeded)
+                                 X11WindowBatch::Fallbacks::whenNeeded, known_)
                       .collect();
     snapshot.windows = std::move(answer.windows);
     snapshot.roundTrips += answer.roundTrips;
     snapshot.isValid = connection_->isAlive();
+    keep(snapshot.windows);
     return snapshot;
+}
+
+void X11DesktopReader::keepLastingFacts() {
+    const std::scoped_lock lock(mutex_);
+    keepsLastingFacts_ = true;
+}
+
+void X11DesktopReader::forget(const std::vector<xcb_window_t>& windows) {
+    const std::scoped_lock lock(forgottenMutex_);
+    forgotten_.insert(forgotten_.end(), windows.begin(), windows.end());
+}
+
+void X11DesktopReader::dropForgotten() {
+    const std::scoped_lock lock(forgottenMutex_);
+    for (const auto window : forgotten_) {
+        known_.erase(window);
+    }
+    forgotten_.clear();
+}
+
+void X11DesktopReader::keep(const std::vector<X11WindowFacts>& windows) {
+    known_.clear();
+    if (keepsLastingFacts_) {
+        for (const auto& window : windows) {
+            known_.emplace(window.id, window);
+        }
+    }
 }
 
 }  // namespace ferrowyn

@@ -8,6 +8,7 @@
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_desktop_snapshot.h"
 #include "platform/x11/x11_owners.h"
+#include "platform/x11/x11_window_batch.h"
 
 namespace ferrowyn {
 
@@ -21,7 +22,16 @@ public:
 
     [[nodiscard]] X11DesktopSnapshot read();
 
+    /// From now on what rarely changes about a window (its owner, its kind, its application) is kept from one reading
+    /// to the next, which halves the requests. Whoever calls this sees to it that `forget` is.
+    void keepLastingFacts();
+    /// Some of that has changed, or may have, by the time of this call. Waits for no reading.
+    void forget(const std::vector<xcb_window_t>& windows);
+
 private:
+    void dropForgotten();
+    void keep(const std::vector<X11WindowFacts>& windows);
+
     std::mutex mutex_;
     std::unique_ptr<X11Connection> connection_;
     const X11Atoms& atoms_;
@@ -29,6 +39,13 @@ private:
     /// The windows of the latest list. While a manager is being replaced there is no list for a moment, but the windows
     /// stay; the next list decides.
     std::vector<xcb_window_t> latestStacking_;
+    bool keepsLastingFacts_ = false;
+    X11WindowBatch::KnownWindows known_;
+
+    /// Guards the list only. What is put in it during a reading is still there for the next one, as the reading may
+    /// have asked too early.
+    std::mutex forgottenMutex_;
+    std::vector<xcb_window_t> forgotten_;
 };
 
 }  // namespace ferrowyn

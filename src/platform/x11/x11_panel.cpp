@@ -19,10 +19,12 @@ X11Panel::X11Panel(X11PanelEvents& events, const X11Screens& screens, const X11C
 
 X11Panel::~X11Panel() {
     orderOut();
+    finishHiding();
     window_.reset();  // lets the content's widget go before the content takes it along
 }
 
 void X11Panel::setContent(std::unique_ptr<PanelContent> content) {
+    finishHiding();
     window_.reset();
     content_ = std::move(content);
     makeWindow();
@@ -34,13 +36,14 @@ void X11Panel::setFrame(const Rect& frame) {
     if (window_ == nullptr || !isShown_) {
         return;
     }
-    window_->resizeTo(frame_, coordinates.scale);
-    window_->place(frame_);
+    content_->synchronize();
+    window_->resizeShown(frame_, coordinates.scale);
     pointer_.panelCovers(frame_);
 }
 
 void X11Panel::layOutContent() {
     if (window_ != nullptr) {
+        finishHiding();
         redraw();
     }
 }
@@ -49,6 +52,7 @@ void X11Panel::prepare(const Rect& frame) {
     if (window_ == nullptr || isShown_) {
         return;
     }
+    finishHiding();
     prime(screens_.coordinates().toPixels(frame));
 }
 
@@ -60,6 +64,7 @@ void X11Panel::orderFrontRegardless() {
     if (window_ == nullptr || isShown_) {
         return;
     }
+    finishHiding();
     const bool isReady = isPrimed_ && prepared_ && prepared_->width == frame_.width &&
                          prepared_->height == frame_.height && content_->matchesPreview();
     if (!isReady) {
@@ -86,9 +91,19 @@ void X11Panel::orderOut() {
     }
     isShown_ = false;
     window_->conceal();
-    pointer_.panelCovers(std::nullopt);
-    events_.setHearsStacking(false);
-    window_->hide();
+    isHidePending_ = true;
+    // The toolkit follows in a turn of its own: a window is to be activated first.
+    QMetaObject::invokeMethod(
+        window_.get(), [this] { finishHiding(); }, Qt::QueuedConnection);
+}
+
+/// What has to be done before anything else happens to the window.
+void X11Panel::finishHiding() {
+    if (std::exchange(isHidePending_, false)) {
+        pointer_.panelCovers(std::nullopt);
+        events_.setHearsStacking(false);
+        window_->hide();
+    }
 }
 
 /// Also when a compositor starts or stops: a window's depth is for life, so there is a new one.
@@ -96,6 +111,7 @@ void X11Panel::makeWindow() {
     if (content_ == nullptr || content_->widget() == nullptr) {
         return;
     }
+    finishHiding();
     const bool isTranslucent = compositor_.isRunning();
     content_->setTranslucent(isTranslucent);
     const auto previous =

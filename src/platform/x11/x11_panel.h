@@ -29,6 +29,7 @@ public:
     void orderOut() override;
 
 private:
+    void finishHiding();
     void makeWindow();
     void prime(const X11PixelRect& frame);
     void redraw();
@@ -42,6 +43,8 @@ private:
     std::unique_ptr<X11PanelWindow> window_;
     X11PixelRect frame_;
     bool isShown_ = false;
+    /// Gone from the screen, which the toolkit has still to be told.
+    bool isHidePending_ = false;
     /// Where the frame that was drawn ahead would appear; nothing when none was.
     std::optional<X11PixelRect> prepared_;
     /// Whether that frame is still what the server would paint.

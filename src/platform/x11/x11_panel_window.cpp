@@ -33,6 +33,11 @@ std::vector<xcb_atom_t> intern(xcb_connection_t* connection, const std::vector<s
     return atoms;
 }
 
+QSize sizeInPoints(const X11PixelRect& frame, double scale) {
+    const auto points = [scale](int pixels) { return static_cast<int>(std::lround(pixels / scale)); };
+    return {points(frame.width), points(frame.height)};
+}
+
 }  // namespace
 
 X11PanelWindow::X11PanelWindow(bool isTranslucent, QWidget& content, PointerHandler onPointer)
@@ -62,8 +67,7 @@ X11PanelWindow::~X11PanelWindow() {
 }
 
 void X11PanelWindow::resizeTo(const X11PixelRect& frame, double scale) {
-    const auto points = [scale](int pixels) { return static_cast<int>(std::lround(pixels / scale)); };
-    resize(points(frame.width), points(frame.height));
+    resize(sizeInPoints(frame, scale));
 }
 
 QImage X11PanelWindow::blankImage(const X11PixelRect& frame, double scale) const {
@@ -116,6 +120,20 @@ void X11PanelWindow::place(const X11PixelRect& frame) {
                          values.data());
 }
 
+void X11PanelWindow::resizeShown(const X11PixelRect& frame, double scale) {
+    if (frame.width != frame_.width || frame.height != frame_.height) {
+        // The toolkit's own window keeps its extent until the server reports the new one: the toolkit would resize it
+        // at once, over the old picture, and put it where it last knew it.
+        content_.setGeometry(QRect(QPoint(), sizeInPoints(frame, scale)));
+        QImage image = blankImage(frame, scale);
+        content_.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        prime(image);
+    }
+    place(frame);
+    setBackgroundToPixel();
+    xcb_flush(connection_);
+}
+
 void X11PanelWindow::raiseToTop() {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
@@ -153,6 +171,9 @@ void X11PanelWindow::describe() {
     const auto atoms = intern(connection_, {"_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_STATE",
                                             "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
                                             "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_DESKTOP", "_COMPTON_SHADOW"});
+    // A change of extent replaces the whole picture by the background instead of keeping a corner of the old one.
+    const std::uint32_t forget = XCB_GRAVITY_BIT_FORGET;
+    xcb_change_window_attributes(connection_, window_, XCB_CW_BIT_GRAVITY, &forget);
     const auto set = [this](xcb_atom_t name, xcb_atom_t type, const std::vector<std::uint32_t>& values) {
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, name, type, 32,
                             static_cast<std::uint32_t>(values.size()), values.data());

@@ -42,8 +42,10 @@ public:
     /// On the screen, above everything, as far as the server is concerned; the toolkit is told by `show`.
     void reveal(const X11PixelRect& frame);
     void conceal();
-    void place(const X11PixelRect& frame);
     void raiseToTop();
+    /// Changes the place and the extent of a window that people are looking at: it goes from one whole picture to the
+    /// next, however long the toolkit takes to follow.
+    void resizeShown(const X11PixelRect& frame, double scale);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -51,6 +53,7 @@ protected:
 
 private:
     void describe();
+    void place(const X11PixelRect& frame);
     void setBackgroundToPixel();
 
     QWidget& content_;

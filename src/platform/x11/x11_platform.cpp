@@ -114,6 +114,7 @@ struct X11Platform::Parts {
     Subscription installedChanges;
     Subscription lockChanges;
     Subscription screenChanges;
+    Subscription windowReadings;
     Platform platform;
 };
 
@@ -164,6 +165,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
     installedChanges = entries.observeChanges([this] { directory.forgetAll(); });
+    reader.keepLastingFacts();
+    windowReadings = monitor.windowReadings().subscribe([this](const auto& windows) { reader.forget(windows); });
     lockChanges = sessionLock.observe([this](bool isLocked) {
         if (isLocked) {
             // A locker must be able to take the keyboard.

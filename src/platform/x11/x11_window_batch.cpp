@@ -5,16 +5,22 @@
 namespace ferrowyn {
 
 X11WindowBatch::X11WindowBatch(xcb_connection_t* connection, const X11RootFacts& root, const X11Atoms& atoms,
-                               const X11Owners& owners, const std::vector<xcb_window_t>& windows, Fallbacks fallbacks)
+                               const X11Owners& owners, const std::vector<xcb_window_t>& windows, Fallbacks fallbacks,
+                               const KnownWindows& known)
     : connection_(connection), atoms_(atoms), owners_(owners) {
     requests_.reserve(windows.size());
+    std::vector<xcb_window_t> newWindows;
     for (const auto window : windows) {
-        requests_.emplace_back(connection, window, root, atoms);
+        const auto found = known.find(window);
+        requests_.emplace_back(connection, window, root, atoms, found == known.end() ? nullptr : &found->second);
+        if (found == known.end()) {
+            newWindows.push_back(window);
+        }
         if (fallbacks == Fallbacks::atOnceWithoutTitles) {
             claims_.push_back(owners.requestClaim(window, atoms));
         }
     }
-    ownerRequest_ = owners.request(windows);
+    ownerRequest_ = owners.request(newWindows);
 }
 
 X11WindowBatch::Answer X11WindowBatch::collect() {
@@ -23,13 +29,18 @@ X11WindowBatch::Answer X11WindowBatch::collect() {
         return answer;
     }
     ++answer.roundTrips;
-    std::vector<std::pair<bool, std::optional<Pid>>> needs;  // lacks its title, claims this process
+    struct Needs {
+        bool lacksTitle = false;
+        bool isKnown = false;
+        std::optional<Pid> claim;
+    };
+    std::vector<Needs> needs;
     for (std::size_t index = 0; index < requests_.size(); ++index) {
         auto window = requests_[index].collect(connection_, atoms_);
         const auto claim = claims_.empty() ? std::nullopt : owners_.collectClaim(claims_[index]);
         if (window) {
             answer.windows.push_back(std::move(window->facts));
-            needs.emplace_back(window->lacksTitle && claims_.empty(), claim);
+            needs.push_back({window->lacksTitle && claims_.empty(), requests_[index].isKnown(), claim});
         }
     }
     const auto processes = owners_.collect(ownerRequest_);
@@ -38,14 +49,16 @@ X11WindowBatch::Answer X11WindowBatch::collect() {
     for (std::size_t index = 0; index < answer.windows.size(); ++index) {
         auto& window = answer.windows[index];
         const auto process = processes.find(owners_.clientOf(window.id));
-        const auto& [lacksTitle, claim] = needs[index];
-        window.pid = process != processes.end() ? process->second : claim.value_or(owners_.standInFor(window.id));
+        const auto& [lacksTitle, isKnown, claim] = needs[index];
+        if (!isKnown) {
+            window.pid = process != processes.end() ? process->second : claim.value_or(owners_.standInFor(window.id));
+        }
         Fallback fallback;
         fallback.index = index;
         if (lacksTitle) {
             fallback.title = requestLegacyTitle(connection_, window.id);
         }
-        if (process == processes.end() && claims_.empty()) {
+        if (!isKnown && process == processes.end() && claims_.empty()) {
             fallback.claim = owners_.requestClaim(window.id, atoms_);
         }
         if (fallback.title || fallback.claim) {

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/x11/x11_owners.h"
@@ -22,8 +23,12 @@ public:
         atOnceWithoutTitles,
     };
 
+    using KnownWindows = std::unordered_map<xcb_window_t, X11WindowFacts>;
+
+    /// `known` as in `X11WindowRequests`; it outlives this.
     X11WindowBatch(xcb_connection_t* connection, const X11RootFacts& root, const X11Atoms& atoms,
-                   const X11Owners& owners, const std::vector<xcb_window_t>& windows, Fallbacks fallbacks);
+                   const X11Owners& owners, const std::vector<xcb_window_t>& windows, Fallbacks fallbacks,
+                   const KnownWindows& known);
 
     struct Answer {
         /// In the order of the windows asked for, without those that have vanished.

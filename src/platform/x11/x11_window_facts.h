@@ -32,6 +32,8 @@ struct X11WindowFacts {
     /// The owner's process, or a number that stands for a client without one (`X11Owners`).
     Pid pid = 0;
     X11WindowKind kind = X11WindowKind::normal;
+    /// Belongs to another window, as a dialog does.
+    bool isTransient = false;
     bool skipsTaskbar = false;
     bool isHidden = false;
     bool isFullScreen = false;

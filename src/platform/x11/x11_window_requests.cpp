@@ -60,20 +60,23 @@ void readState(const X11Property& property, const X11Atoms& atoms, X11WindowFact
 }  // namespace
 
 X11WindowRequests::X11WindowRequests(xcb_connection_t* connection, xcb_window_t window, const X11RootFacts& root,
-                                     const X11Atoms& atoms)
+                                     const X11Atoms& atoms, const X11WindowFacts* known)
     : window_(window),
       attributes_(xcb_get_window_attributes(connection, window)),
       geometry_(xcb_get_geometry(connection, window)),
       position_(xcb_translate_coordinates(connection, window, root.root, 0, 0)),
-      type_(request(connection, window, atoms.netWmWindowType, maximumAtomCount)),
       state_(request(connection, window, atoms.netWmState, maximumAtomCount)),
-      transientFor_(request(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, 1)),
       desktop_(request(connection, window, atoms.netWmDesktop, 1)),
-      opacity_(request(connection, window, atoms.netWmWindowOpacity, 1)),
       name_(request(connection, window, atoms.netWmName, maximumTitleLength)),
-      wmClass_(request(connection, window, XCB_ATOM_WM_CLASS, maximumNameLength)),
-      gtkApplicationId_(request(connection, window, atoms.gtkApplicationId, maximumNameLength)),
-      kdeDesktopFile_(request(connection, window, atoms.kdeDesktopFile, maximumNameLength)) {
+      known_(known) {
+    if (known_ == nullptr) {
+        lasting_ = Lasting{.type = request(connection, window, atoms.netWmWindowType, maximumAtomCount),
+                           .transientFor = request(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, 1),
+                           .opacity = request(connection, window, atoms.netWmWindowOpacity, 1),
+                           .wmClass = request(connection, window, XCB_ATOM_WM_CLASS, maximumNameLength),
+                           .gtkApplicationId = request(connection, window, atoms.gtkApplicationId, maximumNameLength),
+                           .kdeDesktopFile = request(connection, window, atoms.kdeDesktopFile, maximumNameLength)};
+    }
     if (!root.supportsHiddenState) {
         wmState_ = request(connection, window, atoms.wmState, 2);
     }
@@ -87,32 +90,25 @@ std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connecti
     const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(connection, geometry_, nullptr));
     const XcbReply<xcb_translate_coordinates_reply_t> position(
         xcb_translate_coordinates_reply(connection, position_, nullptr));
-    const auto type = X11Property::collect(connection, type_);
     const auto state = X11Property::collect(connection, state_);
-    const auto transientFor = X11Property::collect(connection, transientFor_);
     const auto desktop = X11Property::collect(connection, desktop_);
-    const auto opacity = X11Property::collect(connection, opacity_);
     const auto name = X11Property::collect(connection, name_);
-    const auto wmClass = X11Property::collect(connection, wmClass_);
-    const auto gtkApplicationId = X11Property::collect(connection, gtkApplicationId_);
-    const auto kdeDesktopFile = X11Property::collect(connection, kdeDesktopFile_);
+    Answer answer;
+    auto& facts = answer.facts;
+    collectLasting(connection, atoms, facts);
     const auto wmState = wmState_ ? X11Property::collect(connection, *wmState_) : X11Property();
     if (attributes == nullptr) {
         return std::nullopt;
     }
 
-    Answer answer;
-    auto& facts = answer.facts;
     facts.id = window_;
     facts.isMapped = attributes->map_state != XCB_MAP_STATE_UNMAPPED;
     if (geometry != nullptr && position != nullptr) {
         facts.frame = Rect{static_cast<double>(position->dst_x), static_cast<double>(position->dst_y),
                            static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
     }
-    const bool isTransient = transientFor.item(XCB_ATOM_WINDOW).value_or(0) != 0;
-    facts.kind = windowKind(type.items(XCB_ATOM_ATOM), isTransient, atoms);
     readState(state, atoms, facts);
-    if (isTransient && facts.kind == X11WindowKind::dialog) {
+    if (facts.isTransient && facts.kind == X11WindowKind::dialog) {
         // xfwm4, metacity and mutter keep every dialog of a window off their taskbars, whether it asked for that or
         // not; the user still switches to it.
         facts.skipsTaskbar = false;
@@ -121,18 +117,37 @@ std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connecti
         facts.isHidden = true;
     }
     facts.desktop = desktop.item(XCB_ATOM_CARDINAL);
-    if (const auto value = opacity.item(XCB_ATOM_CARDINAL)) {
-        facts.opacity = static_cast<double>(*value) / std::numeric_limits<std::uint32_t>::max();
-    }
     if (auto title = text(name, atoms)) {
         facts.title = std::move(*title);
     } else {
         answer.lacksTitle = true;
     }
-    readWmClass(wmClass, facts.identity);
-    facts.identity.gtkApplicationId = text(gtkApplicationId, atoms).value_or(std::string());
-    facts.identity.kdeDesktopFile = text(kdeDesktopFile, atoms).value_or(std::string());
     return answer;
+}
+
+void X11WindowRequests::collectLasting(xcb_connection_t* connection, const X11Atoms& atoms,
+                                       X11WindowFacts& facts) const {
+    if (known_ != nullptr) {
+        facts.pid = known_->pid;
+        facts.kind = known_->kind;
+        facts.isTransient = known_->isTransient;
+        facts.opacity = known_->opacity;
+        facts.identity = known_->identity;
+        return;
+    }
+    const auto type = X11Property::collect(connection, lasting_->type);
+    const auto transientFor = X11Property::collect(connection, lasting_->transientFor);
+    facts.isTransient = transientFor.item(XCB_ATOM_WINDOW).value_or(0) != 0;
+    facts.kind = windowKind(type.items(XCB_ATOM_ATOM), facts.isTransient, atoms);
+    if (const auto value = X11Property::collect(connection, lasting_->opacity).item(XCB_ATOM_CARDINAL)) {
+        facts.opacity = static_cast<double>(*value) / std::numeric_limits<std::uint32_t>::max();
+    }
+    readWmClass(X11Property::collect(connection, lasting_->wmClass), facts.identity);
+    const auto textOf = [&](xcb_get_property_cookie_t cookie) {
+        return text(X11Property::collect(connection, cookie), atoms).value_or(std::string());
+    };
+    facts.identity.gtkApplicationId = textOf(lasting_->gtkApplicationId);
+    facts.identity.kdeDesktopFile = textOf(lasting_->kdeDesktopFile);
 }
 
 xcb_get_property_cookie_t requestLegacyTitle(xcb_connection_t* connection, xcb_window_t window) {

@@ -15,8 +15,10 @@ namespace ferrowyn {
 /// The owner is not among them: clients are asked for in bulk (`X11Owners`).
 class X11WindowRequests {
 public:
+    /// What is `known` of the window from an earlier reading saves asking again for what rarely changes; null when
+    /// nothing is. Copied by `collect`, so it lives until then.
     X11WindowRequests(xcb_connection_t* connection, xcb_window_t window, const X11RootFacts& root,
-                      const X11Atoms& atoms);
+                      const X11Atoms& atoms, const X11WindowFacts* known);
 
     /// Nothing when the window has vanished. An absent `_NET_WM_NAME` leaves the title empty and sets `lacksTitle`.
     struct Answer {
@@ -24,21 +26,29 @@ public:
         bool lacksTitle = false;
     };
     [[nodiscard]] std::optional<Answer> collect(xcb_connection_t* connection, const X11Atoms& atoms) const;
+    [[nodiscard]] bool isKnown() const { return known_ != nullptr; }
 
 private:
+    /// What a window says once, as a rule before it is shown.
+    struct Lasting {
+        xcb_get_property_cookie_t type;
+        xcb_get_property_cookie_t transientFor;
+        xcb_get_property_cookie_t opacity;
+        xcb_get_property_cookie_t wmClass;
+        xcb_get_property_cookie_t gtkApplicationId;
+        xcb_get_property_cookie_t kdeDesktopFile;
+    };
+    void collectLasting(xcb_connection_t* connection, const X11Atoms& atoms, X11WindowFacts& facts) const;
+
     xcb_window_t window_;
     xcb_get_window_attributes_cookie_t attributes_;
     xcb_get_geometry_cookie_t geometry_;
     xcb_translate_coordinates_cookie_t position_;
-    xcb_get_property_cookie_t type_;
     xcb_get_property_cookie_t state_;
-    xcb_get_property_cookie_t transientFor_;
     xcb_get_property_cookie_t desktop_;
-    xcb_get_property_cookie_t opacity_;
     xcb_get_property_cookie_t name_;
-    xcb_get_property_cookie_t wmClass_;
-    xcb_get_property_cookie_t gtkApplicationId_;
-    xcb_get_property_cookie_t kdeDesktopFile_;
+    const X11WindowFacts* known_;
+    std::optional<Lasting> lasting_;
     /// Only where the manager does not tell minimised windows in the newer way.
     std::optional<xcb_get_property_cookie_t> wmState_;
 };

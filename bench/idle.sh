@@ -1,0 +1,90 @@
+#!/usr/bin/env bash
+# What the program costs while nobody uses it: time from its start until it is ready, resident memory right after, and
+# wake-ups and CPU time over a minute with the panel hidden. Starts it on a private X server with a window manager.
+#
+# Usage: bench/idle.sh [program] [seconds]; the release build and 60 when not given.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")/.." && pwd)
+program=${1:-$here/build/release/bin/ferrowyn}
+seconds=${2:-60}
+work=$(mktemp -d)
+server='' manager='' subject=''
+
+finish() {
+    for process in $subject $manager $server; do
+        kill "$process" 2>"$work/kill" || true
+    done
+    wait 2>"$work/wait" || true
+    rm -rf "$work"
+}
+trap finish EXIT
+
+mkfifo "$work/display"
+Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$work/display" 2>"$work/server" &
+server=$!
+read -r number <"$work/display"
+export DISPLAY=:$number HOME=$work XDG_CONFIG_HOME=$work/config XDG_CACHE_HOME=$work/cache XDG_RUNTIME_DIR=$work
+unset WAYLAND_DISPLAY XDG_SESSION_TYPE
+openbox 2>"$work/manager" &
+manager=$!
+until xprop -root _NET_SUPPORTING_WM_CHECK 2>"$work/xprop" | grep -q 'window id'; do :; done
+
+# The first start fills the caches of the system, as the second start of a day finds them.
+milliseconds() { echo $(($(date +%s%N) / 1000000)); }
+start() {
+    rm -f "$work/log"
+    mkfifo "$work/log"
+    began=$(milliseconds)
+    "$program" --log-level=default 2>"$work/log" &
+    subject=$!
+    exec 4<"$work/log"
+    while read -r line <&4; do
+        [[ $line == *"Services active"* ]] && break
+    done
+    ready=$(($(milliseconds) - began))
+}
+stop() {
+    kill "$subject"
+    wait "$subject" || true
+    exec 4<&-
+}
+
+starts=()
+for turn in 1 2 3 4 5; do
+    start
+    starts+=("$ready")
+    stop
+done
+median=$(printf '%s\n' "${starts[@]}" | sort -n | sed -n 3p)
+start
+sleep 2 # what the first list and the first frame need is no idling
+resident=$(ps -o rss= -p "$subject" | tr -d ' ')
+
+# Each voluntary switch of a thread is one time that it went to sleep, so one time that it was woken.
+switches() { cat /proc/"$subject"/task/*/status | awk '/^voluntary/ { sum += $2 } END { print sum }'; }
+ticks() { awk '{ print $14 + $15 }' /proc/"$subject"/stat; }
+switchesBefore=$(switches)
+ticksBefore=$(ticks)
+for task in /proc/"$subject"/task/*; do
+    echo "$(cat "$task/comm") $(awk '/^voluntary/ { print $2 }' "$task/status")"
+done >"$work/before"
+sleep "$seconds"
+wakeUps=$(($(switches) - switchesBefore))
+cpu=$((($(ticks) - ticksBefore) * 1000 / $(getconf CLK_TCK)))
+
+# A turn of the tap's loop each second, and the timers of two, two, three and five seconds.
+goal=$((seconds + seconds / 2 + seconds / 2 + seconds / 3 + seconds / 5))
+printf '%-34s %10s %10s\n' 'what' 'measured' 'goal'
+printf '%-34s %10s %10s\n' 'start to "Services active", ms' "$median" '< 150'
+printf '%-34s %10s %10s\n' 'resident, MB' "$(awk "BEGIN { printf \"%.1f\", $resident / 1024 }")" '< 45'
+printf '%-34s %10s %10s\n' "wake-ups in $seconds s" "$wakeUps" "<= $goal"
+printf '%-34s %10s\n' "CPU time in $seconds s, ms" "$cpu"
+echo 'by thread:'
+index=0
+for task in /proc/"$subject"/task/*; do
+    index=$((index + 1))
+    before=$(sed -n "${index}p" "$work/before" | awk '{ print $NF }')
+    now=$(awk '/^voluntary/ { print $2 }' "$task/status")
+    printf '  %-32s %10s\n' "$(cat "$task/comm")" $((now - ${before:-0}))
+done
