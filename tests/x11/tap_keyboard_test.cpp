@@ -12,6 +12,7 @@
 #include "tests/x11/harness/test_input.h"
 #include "tests/x11/harness/test_window.h"
 #include "tests/x11/harness/window_manager_process.h"
+#include "tests/x11/tap_physical_keyboard.h"
 #include "tests/x11/tap_rig.h"
 
 namespace ferrowyn::x11test {
@@ -375,6 +376,42 @@ TEST_F(TapKeyboardTest, ATabPressedAgainAndHeldRepeatsAndLeavesNoRepeatsBehind) 
     expectNothingLeft();
     toggle();
     EXPECT_TRUE(rig.waitForClosed(2));
+}
+
+TEST_F(TapKeyboardTest, APhysicalTabHeldBeyondTheSessionTypesNothing) {
+    ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
+    ASSERT_EQ(rate.waitForExit(), 0) << rate.output();
+    TapPhysicalKeyboard keyboard(server.display());
+    ASSERT_TRUE(keyboard.isThere());
+    TapRig rig(server.display(), {});
+    // The Tab that opens comes through its own keyboard's grab, a second one through the master's.
+    for (const int tabs : {1, 2}) {
+        keyboard.press(key::leftAlt);
+        keyboard.press(key::tab);
+        ASSERT_TRUE(rig.waitForOpened(tabs));
+        if (tabs == 2) {
+            keyboard.release(key::tab);
+            keyboard.press(key::tab);
+        }
+        const int moves = rig.moves();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.moves() >= moves + 3; })) << "waited for repeats";
+        keyboard.release(key::leftAlt);
+        ASSERT_TRUE(rig.waitForClosed(tabs));
+        EXPECT_FALSE(rig.waitForOpenedWithin(tabs + 1, milliseconds{500}));
+        EXPECT_TRUE(desktop.keyboardIsFree()) << "others can have the keyboard while Tab is still held";
+        EXPECT_THAT(window.takeInput().keyPresses, Not(Contains(key::tab))) << tabs;
+        keyboard.release(key::tab);
+        ASSERT_TRUE(rig.settle());
+        expectNothingLeft();
+    }
+    keyboard.tap(key::tab);
+    keyboard.tap(key::a);
+    EXPECT_TRUE(desktop.waitUntil([&, presses = std::vector<std::uint8_t>()]() mutable {
+        const auto more = window.takeInput().keyPresses;
+        presses.insert(presses.end(), more.begin(), more.end());
+        return std::count(presses.begin(), presses.end(), key::tab) == 1 &&
+               std::count(presses.begin(), presses.end(), key::a) == 1;
+    }));
 }
 
 TEST_F(TapKeyboardTest, ATriggerThatIsStillHeldAfterEscapeOpensNoNewSession) {

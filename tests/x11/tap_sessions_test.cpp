@@ -103,25 +103,27 @@ TEST_P(TapSessionsTest, TheTriggerReachesTheCallbackAtOnce) {
     rig.onTrigger = [&] {
         latencies.push_back(std::chrono::duration<double, std::milli>(Clock::now() - hand.pressedAt()).count());
     };
-    for (int session = 1; session <= 100; ++session) {
+    for (int session = 1; session <= GetParam().sessions; ++session) {
         hand.pressTrigger();
         hand.releaseTrigger();
         ASSERT_TRUE(rig.waitForClosed(session)) << session;
     }
     rig.stopThread();
-    ASSERT_EQ(latencies.size(), 100U);
+    const auto count = latencies.size();
+    ASSERT_EQ(count, static_cast<std::size_t>(GetParam().sessions));
     std::sort(latencies.begin(), latencies.end());
-    std::cout << GetParam().manager << ": trigger to callback, ms: median " << latencies[50] << ", p95 "
-              << latencies[95] << ", max " << latencies[99] << '\n';
+    std::cout << GetParam().manager << ": trigger to callback, ms: median " << latencies[count / 2] << ", p95 "
+              << latencies[count * 95 / 100] << ", max " << latencies.back() << '\n';
     // Generous, for a loaded machine and for sanitizers: what is excluded is a wait.
-    EXPECT_LT(latencies[50], 20.0);
+    EXPECT_LT(latencies[count / 2], 20.0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Managers, TapSessionsTest, testing::Values(Series{"openbox", 500}, Series{"xfwm4", 500}),
+// The full counts are those of the whole program's fast switches; here every manager is met, with a slow main thread.
+INSTANTIATE_TEST_SUITE_P(Managers, TapSessionsTest, testing::Values(Series{"openbox", 100}, Series{"xfwm4", 100}),
                          nameOf);
 INSTANTIATE_TEST_SUITE_P(FurtherManagers, TapSessionsTest,
-                         testing::Values(Series{"icewm", 100}, Series{"metacity", 100}, Series{"i3", 100},
-                                         Series{"kwin_x11", 100}, Series{"mutter", 100}),
+                         testing::Values(Series{"icewm", 40}, Series{"metacity", 40}, Series{"i3", 40},
+                                         Series{"kwin_x11", 40}, Series{"mutter", 40}),
                          nameOf);
 
 }  // namespace

@@ -106,17 +106,22 @@ void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>
 
 void X11DesktopModel::reportActive(Announcements& announcements) {
     const auto* const active = find(activeWindow_);
-    if (active == nullptr || expectedActive_ || activeWindow_ == reportedActive_) {
+    if (active != nullptr && !expectedActive_) {
+        report(*active, announcements);
+    }
+}
+
+void X11DesktopModel::report(const X11WindowFacts& active, Announcements& announcements) {
+    if (active.id == std::exchange(reportedActive_, active.id)) {
         return;
     }
-    reportedActive_ = activeWindow_;
-    history_.note(active->pid, active->id);
-    if (std::exchange(reportedPid_, active->pid) != active->pid) {
-        announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didActivate, runningApplication(active->pid)});
-        announcements.notifications.push_back({active->pid, std::nullopt, "AXApplicationActivated"});
+    history_.note(active.pid, active.id);
+    if (std::exchange(reportedPid_, active.pid) != active.pid) {
+        announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didActivate, runningApplication(active.pid)});
+        announcements.notifications.push_back({active.pid, std::nullopt, "AXApplicationActivated"});
     }
-    announcements.notifications.push_back({active->pid, std::nullopt, "AXMainWindowChanged"});
-    announcements.notifications.push_back({active->pid, std::nullopt, "AXFocusedWindowChanged"});
+    announcements.notifications.push_back({active.pid, std::nullopt, "AXMainWindowChanged"});
+    announcements.notifications.push_back({active.pid, std::nullopt, "AXFocusedWindowChanged"});
 }
 
 void X11DesktopModel::stopExpectingActive() {
@@ -127,6 +132,14 @@ void X11DesktopModel::stopExpectingActive() {
     Announcements announcements;
     reportActive(announcements);
     send(announcements);
+}
+
+void X11DesktopModel::startSessionFrom(xcb_window_t active) {
+    if (const auto* const window = find(expectedActive_.value_or(active))) {
+        Announcements announcements;
+        report(*window, announcements);
+        send(announcements);
+    }
 }
 
 void X11DesktopModel::noteTitleChanged(xcb_window_t window) {

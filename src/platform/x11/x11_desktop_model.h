@@ -32,6 +32,9 @@ public:
     /// focuses first when it switches desktops) is not the user's choice and is announced only if it stays.
     void expectActive(xcb_window_t window) { expectedActive_ = window; }
     void stopExpectingActive();
+    /// A session starts while this window is the active one, which the events need not have told yet. It starts from
+    /// the window that an activation under way leads to, if there is one: a second quick switch leads back.
+    void startSessionFrom(xcb_window_t active);
 
     [[nodiscard]] bool isWindowManagerRunning() const { return isWindowManagerRunning_; }
     [[nodiscard]] bool supportsRestacking() const { return supportsRestacking_; }
@@ -66,7 +69,9 @@ private:
     void update(X11WindowFacts window, Announcements& announcements);
     void announceLaunchesAndWindows(const std::vector<xcb_window_t>& created, std::unordered_set<Pid> knownProcesses,
                                     Announcements& announcements) const;
+    /// Announces what became active, unless it is a mere stage of an activation.
     void reportActive(Announcements& announcements);
+    void report(const X11WindowFacts& active, Announcements& announcements);
     void send(const Announcements& announcements) const;
     [[nodiscard]] std::vector<const X11WindowFacts*> factsOf(Pid pid) const;
 

@@ -33,6 +33,7 @@ public:
 
     /// See `X11DesktopModel::expectActive`; ends by itself after a moment.
     void expectActive(xcb_window_t window);
+    void startSessionFrom(xcb_window_t active) { model_.startSessionFrom(active); }
 
     /// The server's time at the latest event seen here; never 0.
     [[nodiscard]] xcb_timestamp_t latestServerTime() const { return latestServerTime_; }

@@ -30,6 +30,11 @@ struct X11InputContext {
     /// Asks the tap to try again whether it is still held; it answers by the flag above, a moment later. Only while it
     /// is held: a successful attempt would take the focus from the user's window for a moment.
     std::function<void()> requestKeyboardProbe;
+
+    /// Told which window was the active one when the trigger was pressed, before the trigger itself is passed on: the
+    /// main thread hears of activations by another way, and a quick hand presses the trigger before it has. None when
+    /// the server did not say. Set before the tap's thread starts.
+    std::function<void(std::uint32_t window)> reportActiveWindow;
 };
 
 }  // namespace ferrowyn

@@ -6,6 +6,8 @@
 #undef explicit
 #include <xcb/xtest.h>
 
+#include <string_view>
+
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_keyboard_grabs.h"
 #include "platform/x11/xcb_reply.h"
@@ -17,7 +19,21 @@ namespace {
 constexpr std::uint32_t keyEvents =
     XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
 
+constexpr std::string_view activeWindowName = "_NET_ACTIVE_WINDOW";
+
 }  // namespace
+
+X11KeyboardSeizure::X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs)
+    : connection_(connection), grabs_(grabs) {
+    const XcbReply<xcb_intern_atom_reply_t> atom(
+        xcb_intern_atom_reply(connection.get(),
+                              xcb_intern_atom(connection.get(), 0, static_cast<std::uint16_t>(activeWindowName.size()),
+                                              activeWindowName.data()),
+                              nullptr));
+    if (atom != nullptr) {
+        activeWindowProperty_ = atom->atom;
+    }
+}
 
 std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<xcb_input_device_id_t> slave) {
     auto* const connection = connection_.get();
@@ -32,15 +48,18 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     const auto modifiers = xcb_xkb_get_state(connection, master);
     const auto controls = xcb_xkb_get_controls(connection, master);
     const auto pointer = xcb_query_pointer(connection, connection_.root());
+    const auto active = requestActiveWindow();
     const XcbReply<xcb_query_pointer_reply_t> pointerReply(xcb_query_pointer_reply(connection, pointer, nullptr));
     const XcbReply<xcb_xkb_get_state_reply_t> modifiersReply(xcb_xkb_get_state_reply(connection, modifiers, nullptr));
     const XcbReply<xcb_xkb_get_controls_reply_t> controlsReply(
         xcb_xkb_get_controls_reply(connection, controls, nullptr));
+    const auto activeWindow = collectActiveWindow(active);
     if (!isGranted(grab)) {
         return std::nullopt;
     }
     master_ = master;
     State state;
+    state.activeWindow = activeWindow;
     if (modifiersReply != nullptr) {
         state.modifiers = modifiersReply->mods;
     }
@@ -86,6 +105,24 @@ void X11KeyboardSeizure::typeForHolder(std::uint32_t keyCode) {
     // Released at once: a key that is down on the server's test keyboard would repeat there, whatever the user does.
     fakeKey(XCB_KEY_PRESS, keyCode);
     fakeKey(XCB_KEY_RELEASE, keyCode);
+}
+
+xcb_window_t X11KeyboardSeizure::activeWindow() const {
+    return collectActiveWindow(requestActiveWindow());
+}
+
+xcb_get_property_cookie_t X11KeyboardSeizure::requestActiveWindow() const {
+    return xcb_get_property(connection_.get(), 0, connection_.root(), activeWindowProperty_, XCB_ATOM_WINDOW, 0, 1);
+}
+
+xcb_window_t X11KeyboardSeizure::collectActiveWindow(xcb_get_property_cookie_t cookie) const {
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_.get(), cookie, nullptr));
+    const bool isWindow = reply != nullptr && reply->type == XCB_ATOM_WINDOW && reply->format == 32 &&
+                          xcb_get_property_value_length(reply.get()) >= static_cast<int>(sizeof(xcb_window_t));
+    if (!isWindow) {
+        return XCB_WINDOW_NONE;
+    }
+    return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
 }
 
 bool X11KeyboardSeizure::probe() {

@@ -20,8 +20,8 @@ class X11KeyboardGrabs;
 /// master is taken, and releases that came with the slave's id are repeated for the master.
 class X11KeyboardSeizure {
 public:
-    X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs)
-        : connection_(connection), grabs_(grabs) {}
+    /// Waits for the server.
+    X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs);
 
     /// What the server said when the keyboard was taken.
     struct State {
@@ -32,6 +32,8 @@ public:
         /// How long a key is held before it repeats, and between repeats; 0 when keys do not repeat.
         std::chrono::milliseconds repeatDelay{0};
         std::chrono::milliseconds repeatInterval{0};
+        /// As the window manager says; none while no window is.
+        xcb_window_t activeWindow = XCB_WINDOW_NONE;
     };
 
     [[nodiscard]] bool isHeld() const { return master_.has_value(); }
@@ -53,16 +55,21 @@ public:
     void releaseForMaster(std::uint32_t keyCode);
     /// Types a key for whoever holds the keyboard. Only sent. No passive grab may be installed.
     void typeForHolder(std::uint32_t keyCode);
+    /// What `State` says of it, when the keyboard is held already. Waits for the server.
+    [[nodiscard]] xcb_window_t activeWindow() const;
     /// Whether the keyboard could be taken; it is given back at once.
     [[nodiscard]] bool probe();
 
 private:
     [[nodiscard]] xcb_input_xi_grab_device_cookie_t requestGrab(xcb_input_device_id_t master) const;
+    [[nodiscard]] xcb_get_property_cookie_t requestActiveWindow() const;
+    [[nodiscard]] xcb_window_t collectActiveWindow(xcb_get_property_cookie_t cookie) const;
     [[nodiscard]] bool isGranted(xcb_input_xi_grab_device_cookie_t cookie) const;
     void fakeKey(std::uint8_t type, std::uint32_t keyCode);
 
     const X11Connection& connection_;
     X11KeyboardGrabs& grabs_;
+    xcb_atom_t activeWindowProperty_ = XCB_ATOM_NONE;
     std::optional<xcb_input_device_id_t> master_;
     std::vector<std::uint32_t> missedReleases_;
 };

@@ -157,6 +157,10 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       panel(panelEvents, screens, compositor, pointer),
       platform{mainLoop, backgroundWork, log,       userDefaults, application, workspace, inventory, observers,
                control,  trust,          eventTaps, screens,      pointer,     panel,     icons,     linuxTexts()} {
+    // Posted from the thread that posts the trigger next, so it arrives right before it.
+    inputContext.reportActiveWindow = [this](std::uint32_t window) {
+        mainLoop.post([this, window] { monitor.startSessionFrom(window); });
+    };
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
     installedChanges = entries.observeChanges([this] { directory.forgetAll(); });

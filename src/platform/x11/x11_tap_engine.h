@@ -2,22 +2,20 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <optional>
-#include <set>
-#include <vector>
 
 #include "core/switcher_modifier.h"
 #include "platform/event_tap.h"
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_key_text.h"
+#include "platform/x11/x11_held_keys.h"
 #include "platform/x11/x11_keyboard_event.h"
-#include "platform/x11/x11_keyboard_grabs.h"
-#include "platform/x11/x11_keyboard_layout.h"
 #include "platform/x11/x11_keyboard_reader.h"
 #include "platform/x11/x11_keyboard_seizure.h"
+#include "platform/x11/x11_tap_delivery.h"
+#include "platform/x11/x11_tap_keyboard.h"
 #include "platform/x11/x11_tap_mailbox.h"
+#include "platform/x11/x11_tap_reception.h"
 
 namespace ferrowyn {
 
@@ -59,73 +57,45 @@ public:
 private:
     enum class Phase { hidden, awaitingAnswer, open };
 
-    X11TapEngine(std::unique_ptr<X11Connection> connection, X11KeyboardReader reader, SwitcherModifier trigger,
-                 EventTaps::Callback callback, X11InputContext& context, Log& log);
+    X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11TapKeyboard> keyboard,
+                 X11KeyboardReader reader, EventTaps::Callback callback, X11InputContext& context, Log& log);
 
     /// Takes in what has arrived; whether anything had.
     bool receive();
-    void receive(const X11KeyboardEvent& event);
     void deliverQueue();
     void deliverHidden(const X11KeyboardEvent& event);
     void deliverInSession(const X11KeyboardEvent& event);
-    void beginSession(const X11KeyboardEvent& press);
-    void refuseSession(const X11KeyboardEvent& press);
-    void openSession();
-    void endSession();
-    void giveKeyboardBack();
-    void seizeForOpenSession();
     void handleDeadlines();
     void repeatTrigger();
-    void receiveMissedModifier(const X11KeyboardEvent& release);
-    void noteHeldKeys(const X11KeyboardEvent& event);
-    void holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state);
+    void applyGrabs();
 
-    TapVerdict deliverKey(const X11KeyboardEvent& event);
-    void deliverFlags(std::uint32_t modifiers);
-    [[nodiscard]] std::uint64_t reportedFlags(std::uint32_t modifiers) const;
-
-    [[nodiscard]] bool isTrigger(const X11KeyboardEvent& event) const;
-    [[nodiscard]] bool isStaleRepeat(const X11KeyboardEvent& event) const;
+    void beginSession(const X11KeyboardEvent& press);
+    /// Takes the keyboard at the trigger's press, to which it adds what its own keyboard did not know; false when
+    /// another client holds the keyboard.
+    [[nodiscard]] bool seizeAt(X11KeyboardEvent& press);
+    void refuseSession(const X11KeyboardEvent& press);
+    void awaitAnswer();
+    void openSession();
+    void seizeForOpenSession();
+    void endSession();
+    void giveKeyboardBack();
+    void reportActiveWindow(xcb_window_t window) const;
     [[nodiscard]] bool mustWaitForTheEnd(const X11KeyboardEvent& event) const;
-    void applyChanges();
-    void refreshLayout();
-    void refreshGrabs();
-    void noteUser(const X11KeyboardEvent& event);
     void probeKeyboard();
 
     std::unique_ptr<X11Connection> connection_;
-    X11KeyboardReader reader_;
-    SwitcherModifier trigger_;
-    EventTaps::Callback callback_;
+    std::unique_ptr<X11TapKeyboard> keyboard_;
     X11InputContext& context_;
     Log& log_;
-
-    std::unique_ptr<xkb_context, XkbUnref> xkbContext_;
-    std::unique_ptr<X11KeyboardLayout> layout_;
-    X11KeyText text_;
-    X11KeyboardGrabs grabs_;
     X11KeyboardSeizure seizure_;
+    X11HeldKeys heldKeys_;
+    X11TapReception reception_;
+    X11TapDelivery delivery_;
 
     bool isEnabled_ = false;
     Phase phase_ = Phase::hidden;
-    X11KeyboardReader::Changes changes_;
-    /// Received and not yet delivered.
-    std::deque<X11KeyboardEvent> queue_;
-    std::vector<std::uint32_t> triggerKeyCodes_;
-    /// The keys, modifiers aside, whose press came through the master and whose release did not yet.
-    std::set<std::uint32_t> heldKeys_;
-    /// The trigger's key while it is held. Its press never reached the master, so the server does not repeat it there:
-    /// that is done here, until the hardware says that the key went up.
-    struct HeldTrigger {
-        X11KeyboardEvent press;
-        Clock::time_point repeatAt;
-        std::chrono::milliseconds interval{0};
-    };
-    std::optional<HeldTrigger> heldTrigger_;
     /// The real modifiers as last heard of.
     std::uint32_t modifiers_ = 0;
-    /// As last told to the callback.
-    std::uint64_t flags_ = 0;
     bool isLateCloseExpected_ = false;
     std::optional<Clock::time_point> answerDeadline_;
     std::optional<Clock::time_point> endingUntil_;

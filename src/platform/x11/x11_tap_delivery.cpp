@@ -1,0 +1,39 @@
+#include "platform/x11/x11_tap_delivery.h"
+
+#include "platform/x11/x11_tap_event.h"
+
+namespace ferrowyn {
+
+using Kind = X11KeyboardEvent::Kind;
+
+TapVerdict X11TapDelivery::key(const X11KeyboardEvent& event) {
+    const X11TapEvent tapEvent(event.kind == Kind::press ? TapEvent::Type::keyDown : TapEvent::Type::keyUp,
+                               keyboard_.reportedFlags(event.modifiers.effective),
+                               keyboard_.layout().virtualKeyCodeOf(event.keyCode), keyboard_.text(), event);
+    const auto verdict = callback_(tapEvent);
+    if (event.kind == Kind::press && !tapEvent.wasTyped()) {
+        keyboard_.text().reset();
+    }
+    return verdict;
+}
+
+bool X11TapDelivery::modifiers(std::uint32_t modifiers) {
+    const auto flags = keyboard_.reportedFlags(modifiers);
+    if (flags == flags_) {
+        return false;
+    }
+    const auto gone = flags_ & ~flags;
+    flags_ = flags;
+    callback_(X11TapEvent(TapEvent::Type::flagsChanged, flags));
+    return (gone & flagMask(keyboard_.trigger())) != 0;
+}
+
+void X11TapDelivery::noteTriggerModifier(std::uint32_t modifiers) {
+    flags_ |= keyboard_.reportedFlags(modifiers) & flagMask(keyboard_.trigger());
+}
+
+void X11TapDelivery::disabled() {
+    callback_(X11TapEvent(TapEvent::Type::disabledByUserInput, 0));
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,142 @@
+// How a session of the tap begins, opens and ends.
+
+#include "platform/log.h"
+#include "platform/x11/x11_input_context.h"
+#include "platform/x11/x11_tap_engine.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view category = "input";
+
+}  // namespace
+
+void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
+    auto pressed = press;
+    if (seizure_.isHeld()) {
+        reportActiveWindow(seizure_.activeWindow());
+    } else if (!seizeAt(pressed)) {
+        refuseSession(press);
+        return;
+    }
+    endingUntil_.reset();
+    keyboard_->text().reset();
+    delivery_.assumeModifiers(pressed.modifiers.effective);
+    awaitAnswer();
+    const auto verdict = delivery_.key(pressed);
+    if (!verdict.requestsSession) {
+        phase_ = Phase::hidden;
+        answerDeadline_.reset();
+        if (!verdict.isSwallowed) {
+            seizure_.typeForHolder(press.keyCode);
+        }
+        giveKeyboardBack();
+    }
+}
+
+bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
+    const bool isAtSlave = keyboard_->isAtSlave(press);
+    const auto state = seizure_.take(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
+    if (!state) {
+        return false;
+    }
+    context_.isKeyboardHeldElsewhere.store(false);
+    reportActiveWindow(state->activeWindow);
+    if (isAtSlave) {
+        // A slave knows its own modifiers only, and its own pointer while it floats; the grab matched the master's.
+        // Shift may be on another keyboard.
+        context_.setPointer(state->pointerX, state->pointerY);
+        press.modifiers.effective |= keyboard_->triggerMask() | (state->modifiers & XCB_MOD_MASK_SHIFT);
+        modifiers_ = state->modifiers;
+        if (!reception_.hasReleaseOf(press.keyCode)) {
+            heldKeys_.holdTrigger(press, *state);
+        }
+    }
+    return true;
+}
+
+void X11TapEngine::awaitAnswer() {
+    phase_ = Phase::awaitingAnswer;
+    answerDeadline_ = Clock::now() + answerTimeout;
+}
+
+void X11TapEngine::reportActiveWindow(xcb_window_t window) const {
+    if (context_.reportActiveWindow) {
+        context_.reportActiveWindow(window);
+    }
+}
+
+void X11TapEngine::refuseSession(const X11KeyboardEvent& press) {
+    if (!context_.isKeyboardHeldElsewhere.exchange(true)) {
+        log_.write(LogLevel::standard, category, "Another program holds the keyboard; the switcher stays closed");
+    }
+    // The combination is that program's: a virtual machine in full screen wants it.
+    seizure_.typeForHolder(press.keyCode);
+    applyGrabs();
+}
+
+void X11TapEngine::openSession() {
+    isLateCloseExpected_ = false;
+    answerDeadline_.reset();
+    endingUntil_.reset();
+    if (phase_ == Phase::open || !isEnabled_) {
+        return;
+    }
+    phase_ = Phase::open;
+    if (!seizure_.isHeld()) {
+        seizureRetryEnd_ = Clock::now() + seizureRetryTimeout;
+        seizeForOpenSession();
+    }
+}
+
+void X11TapEngine::seizeForOpenSession() {
+    seizureRetry_.reset();
+    receive();
+    const auto state = seizure_.take(std::nullopt);
+    if (!state) {
+        keyboard_->grabs().install();
+        if (Clock::now() < seizureRetryEnd_) {
+            seizureRetry_ = Clock::now() + seizureRetryInterval;
+        } else {
+            log_.write(LogLevel::standard, category, "Another program holds the keyboard; the panel gets no keys");
+            context_.isKeyboardHeldElsewhere.store(true);
+        }
+        return;
+    }
+    context_.isKeyboardHeldElsewhere.store(false);
+    keyboard_->text().reset();
+    delivery_.forgetModifiers();
+    if (delivery_.modifiers(state->modifiers)) {
+        endingUntil_ = Clock::now() + endingGrace;
+    }
+}
+
+void X11TapEngine::endSession() {
+    isLateCloseExpected_ = false;
+    answerDeadline_.reset();
+    endingUntil_.reset();
+    seizureRetry_.reset();
+    const bool wasHidden = phase_ == Phase::hidden;
+    phase_ = Phase::hidden;
+    if (wasHidden && !seizure_.isHeld()) {
+        return;
+    }
+    receive();
+    // Keys of the session that ended belong to nobody and are dropped; but the next trigger may be among them.
+    deliverQueue();
+    if (phase_ == Phase::hidden) {
+        giveKeyboardBack();
+    }
+}
+
+void X11TapEngine::giveKeyboardBack() {
+    heldKeys_.releaseAll(seizure_);
+    if (isEnabled_) {
+        keyboard_->grabs().install();
+    }
+    seizure_.giveBack();
+    xcb_flush(connection_->get());
+}
+
+}  // namespace ferrowyn
