@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over every source file of the program, two at a time, with the commands of the address sanitizer's build:
-# there the files of a folder are compiled together, and the headers that they share are read once instead of forty times.
+# Runs clang-tidy over every source file of the program, two at a time, with the commands of the address sanitizer's
+# build: there the files of a folder are compiled together, and the headers that they share are read once instead of
+# forty times. Version 16 is the first that can read the ranges of g++ 12.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 [[ -f build/asan/compile_commands.json ]] || {
@@ -13,7 +14,7 @@ sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g
   build/asan/compile_commands.json >build/tidy/compile_commands.json
 sed -nE 's/^ *"file": "(.*)",?$/\1/p' build/tidy/compile_commands.json |
   grep -E "^$PWD/(src/|build/asan/src/.*/Unity/)" |
-  xargs -d '\n' -P 2 -n 1 clang-tidy-14 --quiet -p build/tidy 2>build/tidy/stderr.log || {
+  xargs -d '\n' -P 2 -n 1 clang-tidy-16 --quiet -p build/tidy 2>build/tidy/stderr.log || {
   grep -E 'error:' build/tidy/stderr.log || true
   exit 1
 }

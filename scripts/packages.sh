@@ -28,4 +28,4 @@ test_packages=(
 )
 
 # The further checks of ./test --full.
-full_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
+full_packages=(clang-format-14 clang-tidy-16)

@@ -39,6 +39,7 @@ public:
 
     [[nodiscard]] std::vector<RunningApplication> runningApplications() const override {
         std::vector<RunningApplication> applications;
+        applications.reserve(model_.apps.size());
         for (const auto& app : model_.apps) {
             applications.push_back(app.describe());
         }

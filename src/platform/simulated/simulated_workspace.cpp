@@ -6,6 +6,7 @@ namespace ferrowyn {
 
 std::vector<RunningApplication> SimulatedWorkspace::runningApplications() const {
     std::vector<RunningApplication> applications;
+    applications.reserve(model_.apps.size());
     for (const auto& app : model_.apps) {
         applications.push_back(app.describe());
     }
