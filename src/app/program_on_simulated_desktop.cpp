@@ -51,8 +51,9 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
     SimulatedDesktop desktop;
     openDemoWindows(desktop);
     const Platform platform = withLog(desktop.platform(), log);
-    AppServices services(platform, switcherContentFactory(platform.texts));
+    // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
+    AppServices services(platform, switcherContentFactory(platform.texts));
 
     auto last = std::chrono::steady_clock::now();
     QTimer clock;

@@ -39,8 +39,9 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
         return refuse("ferrowyn: " + error);
     }
     const Platform& platform = desktop->platform();
-    AppServices services(platform, switcherContentFactory(platform.texts));
+    // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
+    AppServices services(platform, switcherContentFactory(platform.texts));
     instance.listen([&log = platform.log] { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
     platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     const int status = QApplication::exec();

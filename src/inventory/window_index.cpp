@@ -112,8 +112,9 @@ void WindowIndex::moveToFront(WindowId id) {
 }
 
 void WindowIndex::publish(std::vector<AppWindow> windows) {
-    log_.write(LogLevel::debug, category,
-               fmt::format("Published {} window(s), first {}", windows.size(), windows.empty() ? 0 : windows.front().id));
+    log_.write(
+        LogLevel::debug, category,
+        fmt::format("Published {} window(s), first {}", windows.size(), windows.empty() ? 0 : windows.front().id));
     windows_.set(std::move(windows));
 }
 

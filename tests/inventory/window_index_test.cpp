@@ -59,6 +59,12 @@ protected:
         index->refresh();
         desktop.settle();
     }
+    /// What was logged since, without the line that each publication writes.
+    std::vector<LogLine> takeLogBesidePublications() {
+        auto lines = desktop.takeLog();
+        std::erase_if(lines, [](const LogLine& line) { return line.message.starts_with("Published "); });
+        return lines;
+    }
     [[nodiscard]] std::vector<WindowId> ids() const {
         std::vector<WindowId> result;
         std::ranges::transform(index->windows().get(), std::back_inserter(result), &AppWindow::id);
@@ -182,14 +188,14 @@ TEST_F(WindowIndexTest, CarriesOverWhatAccessibilityOmitted) {
     EXPECT_FALSE(window(2).isOnActiveSpace);
     EXPECT_EQ(window(2).title, "Ideas");
     EXPECT_EQ(window(2).axElement, desktop.elementOf(2));
-    EXPECT_THAT(desktop.takeLog(), ElementsAre(carriedOne));
+    EXPECT_THAT(takeLogBesidePublications(), ElementsAre(carriedOne));
 
     refresh();
     EXPECT_THAT(ids(), ElementsAre(3, 2, 1)) << "for as long as the server lists it";
     desktop.changeWindow(2, [](auto& spec) { spec.isListedByAccessibility = true; });
     desktop.takeLog();
     refresh();
-    EXPECT_THAT(desktop.takeLog(), IsEmpty());
+    EXPECT_THAT(takeLogBesidePublications(), IsEmpty());
 }
 
 TEST_F(WindowIndexTest, AHungApplicationKeepsItsWindows) {
@@ -277,6 +283,60 @@ TEST_F(WindowIndexTest, TheActivatedWindowLeadsAtOnce) {
     EXPECT_EQ(recency->rank(1), 4);
     refresh();
     EXPECT_THAT(ids(), ElementsAre(1, 3, 2)) << "a refresh agrees";
+}
+
+TEST_F(WindowIndexTest, EachPublicationIsLoggedWithItsFirstWindow) {
+    start();
+    index->noteActivated(1);
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(LogLine{LogLevel::debug, "windows", "Published 3 window(s), first 1"}));
+    index->noteActivated(1);
+    EXPECT_THAT(desktop.takeLog(), IsEmpty());
+}
+
+TEST_F(WindowIndexTest, AFocusReportLeadsTheListBeforeTheRefresh) {
+    start();
+    desktop.focusWindow(2);
+    desktop.settle();
+    EXPECT_THAT(ids(), ElementsAre(2, 3, 1));
+    EXPECT_EQ(publications, 1);
+    EXPECT_EQ(refreshes, 0) << "the clock stands still";
+    desktop.advance(120ms);
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_THAT(ids(), ElementsAre(2, 3, 1)) << "the refresh agrees";
+}
+
+TEST_F(WindowIndexTest, AFocusReportOfTheWindowThatLeadsIsNotPublished) {
+    start();
+    observation->changes().send(WindowChange::focus(100));
+    EXPECT_EQ(recency->rank(3), 4) << "it was read";
+    EXPECT_EQ(publications, 0);
+    desktop.advance(120ms);
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(publications, 0);
+}
+
+TEST_F(WindowIndexTest, AFocusReportOfAWindowNotListedYetLeavesTheListToTheRefresh) {
+    start();
+    desktop.openWindow({.id = 4, .pid = 200, .title = "List"});
+    desktop.settle();
+    EXPECT_THAT(ids(), ElementsAre(3, 2, 1));
+    EXPECT_EQ(publications, 0);
+    desktop.advance(120ms);
+    EXPECT_THAT(ids(), ElementsAre(4, 3, 2, 1));
+}
+
+TEST_F(WindowIndexTest, NothingMovesAfterStop) {
+    start();
+    index->stop();
+    publications = 0;
+    desktop.focusWindow(2);
+    observation->changes().send(WindowChange::focus(200));
+    index->noteActivated(1);
+    desktop.advance(1s);
+    EXPECT_EQ(recency->rank(2), 2) << "no report is read any more";
+    EXPECT_THAT(ids(), IsEmpty());
+    EXPECT_EQ(publications, 0);
+    EXPECT_EQ(refreshes, 0);
 }
 
 TEST_F(WindowIndexTest, ActivatingTheFirstOrAnUnknownWindowOnlyTouchesRecency) {

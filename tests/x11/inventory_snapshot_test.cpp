@@ -111,6 +111,16 @@ TEST_F(InventorySnapshotTest, GivesAWindowThatSkipsTheTaskbarAnotherSubrole) {
     EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXUnknown");
 }
 
+TEST_F(InventorySnapshotTest, KeepsADialogThatItsManagerKeepsOffTheTaskbar) {
+    const auto window = onlyWindow();
+    const auto parent = manager.createWindow();
+    manager.set(window, "WM_TRANSIENT_FOR", "WINDOW", 32, &parent, 1);
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_SKIP_TASKBAR"});
+    EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXDialog");
+    manager.setAtoms(window, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_NORMAL"});
+    EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXUnknown");
+}
+
 TEST_F(InventorySnapshotTest, KeepsWindowsThatAreAlwaysOnTopInTheNormalLayerAndPutsNotificationsAbove) {
     const auto onTop = onlyWindow();
     manager.setAtoms(onTop, "_NET_WM_STATE", {"_NET_WM_STATE_ABOVE"});

@@ -22,6 +22,8 @@ class SwitchingFixture {
 public:
     struct Options {
         std::vector<std::string> screens{"1280x800x24"};
+        /// Divides the screen into monitors, as RandR describes them: "width/mm x height/mm + x + y" without blanks.
+        std::vector<std::string> monitors;
         FerrowynProgram::Options program;
     };
 

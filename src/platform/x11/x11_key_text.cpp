@@ -1,11 +1,10 @@
 #include "platform/x11/x11_key_text.h"
 
-#include <unicode/unistr.h>
-
 #include <array>
 #include <cstdlib>
 
 #include "core/switcher_modifier.h"
+#include "core/text_encoding.h"
 #include "platform/x11/x11_keyboard_layout.h"
 
 namespace ferrowyn {
@@ -24,11 +23,6 @@ const char* composeLocale() {
         }
     }
     return "C";
-}
-
-std::u16string utf16(const char* utf8) {
-    const auto text = icu::UnicodeString::fromUTF8(utf8);
-    return {text.getBuffer(), static_cast<std::size_t>(text.length())};
 }
 
 }  // namespace
@@ -80,13 +74,13 @@ std::u16string X11KeyText::type(const X11KeyboardEvent& press, std::optional<std
                 return {};
             case XKB_COMPOSE_COMPOSED:
                 xkb_compose_state_get_utf8(compose_.get(), buffer.data(), buffer.size());
-                return utf16(buffer.data());
+                return text::utf16FromUtf8(buffer.data());
             case XKB_COMPOSE_NOTHING:
                 break;
         }
     }
     xkb_state_key_get_utf8(state_.get(), press.keyCode, buffer.data(), buffer.size());
-    return utf16(buffer.data());
+    return text::utf16FromUtf8(buffer.data());
 }
 
 }  // namespace ferrowyn

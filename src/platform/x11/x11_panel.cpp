@@ -65,11 +65,12 @@ void X11Panel::orderFrontRegardless() {
     if (!isReady) {
         redraw();
     }
+    // Before the panel can be seen: a press right after it appeared must not be missed.
+    pointer_.panelCovers(frame_);
     window_->reveal(frame_);
     isPrimed_ = false;
     isShown_ = true;
     raisesLeft_ = mostRaisesPerSession;
-    pointer_.panelCovers(frame_);
     events_.setHearsStacking(true);
     // The picture is on its way; what remains brings the toolkit to where the server is.
     if (isReady) {

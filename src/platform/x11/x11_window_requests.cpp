@@ -109,8 +109,14 @@ std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connecti
         facts.frame = Rect{static_cast<double>(position->dst_x), static_cast<double>(position->dst_y),
                            static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
     }
-    facts.kind = windowKind(type.items(XCB_ATOM_ATOM), transientFor.item(XCB_ATOM_WINDOW).value_or(0) != 0, atoms);
+    const bool isTransient = transientFor.item(XCB_ATOM_WINDOW).value_or(0) != 0;
+    facts.kind = windowKind(type.items(XCB_ATOM_ATOM), isTransient, atoms);
     readState(state, atoms, facts);
+    if (isTransient && facts.kind == X11WindowKind::dialog) {
+        // xfwm4, metacity and mutter keep every dialog of a window off their taskbars, whether it asked for that or
+        // not; the user still switches to it.
+        facts.skipsTaskbar = false;
+    }
     if (wmState.item(atoms.wmState) == iconicState) {
         facts.isHidden = true;
     }

@@ -123,7 +123,18 @@ private:
             return place && isReady(*place);
         });
         report(ready, "the panel has the size of its content");
+        waitUntilStill();
         picture(name);
+    }
+
+    /// Until nothing on the screen has changed for a moment (the caret blinks slower than that).
+    void waitUntilStill() {
+        const auto& screen = *desk_.desktop.screen();
+        const TestDesktop::Place whole{0, 0, screen.width_in_pixels, screen.height_in_pixels};
+        auto latest = desk_.desktop.pixels(whole);
+        while (desk_.desktop.waitUntil([&] { return desk_.desktop.pixels(whole) != latest; }, milliseconds{80})) {
+            latest = desk_.desktop.pixels(whole);
+        }
     }
 
     void quickSwitch() {
@@ -148,7 +159,7 @@ private:
     void typedFilter() {
         step("Typing filters; the window on the other desktop is found");
         open("Alt held, Tab");
-        type("notes", {key::n, key::o, key::t, key::e, key::s});
+        type("notes f", {key::n, key::o, key::t, key::e, key::s, key::space, key::f});
         pictureOfPanel("filtered", [](const auto& place) { return place.height == listHeight(1); });
         finish("Return", key::enter, desk_.notes);
         report(desk_.desktop.waitUntil([&] { return desk_.desktop.currentDesktop() == 1; }), "the desktop followed");
@@ -178,7 +189,7 @@ private:
     void pin() {
         step("Ctrl+D pins the editor: it leads every list from now on");
         open("Alt held, Tab");
-        type("mous", {key::m, key::o, key::u, key::s});
+        type("mousepad", {key::m, key::o, key::u, key::s, key::e, key::p, key::a, key::d});
         desk_.input.chord({key::leftControl, key::d});
         pictureOfPanel("pinned", [](const auto& place) { return place.height == listHeight(1); });
         finish("Return", key::enter, desk_.editor);

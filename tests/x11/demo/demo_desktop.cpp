@@ -89,7 +89,7 @@ void DemoDesktop::arrange() {
     const std::string documents = server.home().path() + "/Documents";
     desktop.setDesktopCount(2);
     files = launch({"pcmanfm", "--no-desktop", documents}, {60, 80, 560, 380});
-    notes = launch({"xedit", "-title", "Notes — Berlin.txt"}, {860, 60, 380, 260});
+    notes = launch({"xedit", "-title", "Notes for Berlin.txt"}, {860, 60, 380, 260});
     calculator = launch({"xcalc", "-title", "Calculator"}, {980, 320, 220, 300});
     editor = launch({"mousepad", "--disable-server", documents + "/Minutes.txt"}, {420, 60, 520, 360});
     build = launch({"xterm", "-T", "build: cmake --build --preset release"}, {80, 430, 520, 300});

@@ -1,5 +1,6 @@
 #include "tests/x11/harness/test_window.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <stdexcept>
@@ -96,6 +97,17 @@ TestWindow::Input TestWindow::takeInput() {
         }
     }
     return input;
+}
+
+bool TestWindow::waitForButtonPress(milliseconds budget) {
+    const Deadline deadline(budget);
+    while (takeInput().buttonPresses == 0) {
+        pollfd waiting{xcb_get_file_descriptor(connection_), POLLIN, 0};
+        if (poll(&waiting, 1, deadline.remainingMilliseconds()) <= 0) {
+            return takeInput().buttonPresses > 0;
+        }
+    }
+    return true;
 }
 
 xcb_atom_t TestWindow::atom(const std::string& name) const {

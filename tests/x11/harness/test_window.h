@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/x11/harness/deadline.h"
+
 namespace ferrowyn::x11test {
 
 /// A real client window with a connection of its own, as an application would open one.
@@ -50,6 +52,8 @@ public:
         int buttonPresses = 0;
     };
     [[nodiscard]] Input takeInput();
+    /// Waits until a button press has reached this window; forgets the input before it.
+    [[nodiscard]] bool waitForButtonPress(milliseconds budget = patience);
 
 private:
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
