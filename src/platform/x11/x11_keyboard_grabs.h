@@ -29,7 +29,9 @@ public:
     /// Gives everything back; only sent, not waited for.
     void remove();
     /// Whether changes of the modifiers are told, for every master. They are part of the trigger: a tap that learnt of
-    /// them only once it has the keyboard would take two quick toggles for one whenever its thread is late. Only sent.
+    /// them only once it has the keyboard would take two quick toggles for one whenever its thread is late. That costs
+    /// a wake-up for each press of a modifier; nothing else is asked for, so no other key of the user wakes the tap or
+    /// is seen by it. Only sent.
     void watchModifiers(bool isWatching);
     /// The keyboard that this slave belongs to; nothing when the device is no slave keyboard.
     [[nodiscard]] bool isSlave(xcb_input_device_id_t device) const { return masters_.contains(device); }
