@@ -130,6 +130,9 @@ void WindowIndex::handle(const WindowChange& change) {
             }
         }
     }
+    if (!isStarted_) {
+        return;  // a subscriber stopped the index
+    }
     scheduleRefresh();
 }
 

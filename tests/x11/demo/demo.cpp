@@ -123,18 +123,7 @@ private:
             return place && isReady(*place);
         });
         report(ready, "the panel has the size of its content");
-        waitUntilStill();
         picture(name);
-    }
-
-    /// Until nothing on the screen has changed for a moment (the caret blinks slower than that).
-    void waitUntilStill() {
-        const auto& screen = *desk_.desktop.screen();
-        const TestDesktop::Place whole{0, 0, screen.width_in_pixels, screen.height_in_pixels};
-        auto latest = desk_.desktop.pixels(whole);
-        while (desk_.desktop.waitUntil([&] { return desk_.desktop.pixels(whole) != latest; }, milliseconds{80})) {
-            latest = desk_.desktop.pixels(whole);
-        }
     }
 
     void quickSwitch() {
@@ -168,6 +157,7 @@ private:
     void digitJump() {
         step("A digit jumps straight to its row, back on the first desktop");
         open("Alt held, Tab");
+        pictureOfPanel("digits", [](const auto& place) { return place.height == listHeight(6); });
         finish("4", key::digit4, desk_.shell);
         report(desk_.desktop.waitUntil([&] { return desk_.desktop.currentDesktop() == 0; }), "the desktop followed");
     }
