@@ -13,6 +13,7 @@
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_platform.h"
 #include "platform/x11/x11_wayland_session.h"
+#include "services/accessibility_authorizer.h"
 #include "ui/switcher_content.h"
 
 namespace ferrowyn {
@@ -43,6 +44,10 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     AppServices services(platform, switcherContentFactory(platform.texts));
     instance.listen([&log = platform.log] { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
+    if (services.authorizer().status().get() == AccessibilityStatus::notTrusted) {
+        // Says what is missing, and what to do; the services start by themselves once it is there.
+        services.authorizer().requestTrust();
+    }
     platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     const int status = QApplication::exec();
     services.terminate();

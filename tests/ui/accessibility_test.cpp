@@ -95,6 +95,19 @@ TEST_F(SwitcherAccessibilityTest, EmptyAndPermissionStatesAreRead) {
     EXPECT_EQ(permissionRequests, 1);
 }
 
+TEST_F(SwitcherAccessibilityTest, TheRowThatASessionOpensWithIsAnnounced) {
+    std::vector<std::pair<QAccessible::Event, QString>> announced;
+    view.setAnnouncer([&announced](QAccessibleEvent& event) {
+        announced.emplace_back(event.type(), event.accessibleInterface()->text(QAccessible::Name));
+    });
+    view.synchronize();
+    EXPECT_TRUE(announced.empty()) << "nobody can see it yet";
+    view.show();
+    const QString name = QStringLiteral("Window 2, App 2, 2 of 9");
+    EXPECT_THAT(announced, testing::Contains(std::pair(QAccessible::Focus, name)));
+    view.hide();
+}
+
 TEST_F(SwitcherAccessibilityTest, EachSelectionChangeIsAnnounced) {
     std::vector<std::pair<QAccessible::Event, QString>> announced;
     view.setAnnouncer([&announced](QAccessibleEvent& event) {

@@ -165,6 +165,51 @@ TEST_P(SwitchingTest, ControlLCyclesTheLayoutAndThePanelTakesItsSize) {
     desk.expectQuiet();
 }
 
+TEST_P(SwitchingTest, ControlDPinsTheApplicationWhichThenLeadsEveryList) {
+    SwitchingFixture desk(GetParam());
+    ChildProcess::Options options;
+    options.command = {"xterm", "-T", "Terminal"};
+    options.environment = desk.server.clientEnvironment();
+    const ChildProcess terminal(options);
+    ASSERT_TRUE(desk.desktop.waitUntil([&] { return desk.desktop.clientList().size() == 1; }));
+    const auto favourite = desk.desktop.clientList().front();
+    desk.openWindows(3);
+    desk.startProgram(4);
+    // Rows: 3 2 1 terminal. Pinned, the terminal stays where it is until the next session.
+    desk.hold();
+    desk.input.tap(key::end);
+    desk.input.chord({key::leftControl, key::d});
+    desk.letGo();
+    EXPECT_FALSE(desk.desktop.waitForPanel(false, milliseconds{300})) << "pinning an application pins the panel";
+    desk.input.tap(key::escape);
+    EXPECT_TRUE(desk.desktop.waitForPanel(false));
+    desk.hold();
+    desk.input.tap(key::digit1);
+    EXPECT_TRUE(desk.desktop.waitForActiveWindow(favourite)) << "the favourite is the first row";
+    desk.letGo();
+    desk.expectQuiet();
+}
+
+TEST_P(SwitchingTest, WithoutAWindowManagerItSaysWhatIsMissingAndStartsOnceThereIsOne) {
+    SwitchingFixture desk(GetParam());
+    desk.openWindows(2);
+    desk.manager.reset();
+    FerrowynProgram program(FERROWYN_PROGRAM, desk.server);
+    EXPECT_TRUE(program.process().waitForOutput("No window manager with the extended window-manager hints is running"));
+    EXPECT_EQ(program.process().output().find("Services active"), std::string::npos);
+    desk.manager = std::make_unique<WindowManagerProcess>(desk.server, GetParam());
+    EXPECT_TRUE(program.waitUntilActive());
+}
+
+TEST_P(SwitchingTest, TheProgramEndsWhenTheServerDoes) {
+    SwitchingFixture desk(GetParam());
+    desk.openWindows(1);
+    desk.startProgram();
+    desk.windows.clear();
+    desk.server.kill();
+    EXPECT_EQ(desk.program->process().waitForExit(), 1);
+}
+
 TEST_P(SwitchingTest, ClickingARowSwitchesToIt) {
     SwitchingFixture desk(GetParam());
     desk.openWindows(4);

@@ -61,16 +61,18 @@ std::string missingInputExtension(xcb_connection_t* connection) {
     constexpr std::uint16_t neededMinor = 2;
     const auto* const extension = xcb_get_extension_data(connection, &xcb_input_id);
     if (extension == nullptr || extension->present == 0) {
-        return "This X server has no XInput extension; Ferrowyn needs XInput 2.2 to see its shortcut";
+        return "This X server has no XInput extension; Ferrowyn needs XInput 2.2 to see its shortcut: update the X "
+               "server";
     }
     const XcbReply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
         connection, xcb_input_xi_query_version(connection, neededMajor, neededMinor), nullptr));
     if (version == nullptr) {
-        return "This X server has no XInput 2; Ferrowyn needs XInput 2.2 to see its shortcut";
+        return "This X server has no XInput 2; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server";
     }
     if (std::pair(version->major_version, version->minor_version) < std::pair(neededMajor, neededMinor)) {
-        return fmt::format("This X server has XInput {}.{}; Ferrowyn needs XInput 2.2 to see its shortcut",
-                           version->major_version, version->minor_version);
+        return fmt::format(
+            "This X server has XInput {}.{}; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server",
+            version->major_version, version->minor_version);
     }
     return {};
 }

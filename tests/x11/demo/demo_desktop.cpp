@@ -92,8 +92,15 @@ void DemoDesktop::arrange() {
     notes = launch({"xedit", "-title", "Notes for Berlin.txt"}, {860, 60, 380, 260});
     calculator = launch({"xcalc", "-title", "Calculator"}, {980, 320, 220, 300});
     editor = launch({"mousepad", "--disable-server", documents + "/Minutes.txt"}, {420, 60, 520, 360});
-    build = launch({"xterm", "-T", "build: cmake --build --preset release"}, {80, 430, 520, 300});
-    shell = launch({"xterm", "-T", "ssh build@larkmoor: ~/src/ferrowyn"}, {640, 440, 560, 300});
+    // A prompt of their own: a shell's would show this machine's folders in the pictures.
+    const std::vector<std::string> prompt{"-e", "sh", "-c", "printf '~/src/ferrowyn $ '; exec cat"};
+    const auto terminal = [&](const std::string& title, const TestDesktop::Place& place) {
+        std::vector<std::string> command{"xterm", "-fa", "DejaVu Sans Mono", "-fs", "10", "-T", title};
+        command.insert(command.end(), prompt.begin(), prompt.end());
+        return launch(command, place);
+    };
+    build = terminal("build: cmake --build --preset release", {80, 430, 520, 300});
+    shell = terminal("ssh build@larkmoor: ~/src/ferrowyn", {640, 440, 560, 300});
     desktop.moveToDesktop(notes, 1);
     require(desktop.waitUntil(
                 [&] { return desktop.cardinals(notes, "_NET_WM_DESKTOP") == std::vector<std::uint32_t>{1}; }, patience),
