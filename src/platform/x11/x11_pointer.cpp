@@ -28,6 +28,7 @@ X11Pointer::X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11Inp
         // Presses during another client's grab are told only to those who have asked for 2.1 or later.
         const auto version = xcb_input_xi_query_version(events_.get(), 2, 2);
         xcb_discard_reply(events_.get(), version.sequence);
+        selectPresses();
         eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { handle(event); });
     }
     const XcbReply<xcb_query_pointer_reply_t> pointer(
@@ -47,25 +48,21 @@ Subscription X11Pointer::observeClicksElsewhere(std::function<void()> handler) {
 }
 
 void X11Pointer::panelCovers(const std::optional<X11PixelRect>& panel) {
-    const bool wasShown = panel_.has_value();
     panel_ = panel;
-    if (wasShown != panel_.has_value()) {
-        selectPresses(panel_.has_value());
-    }
 }
 
 void X11Pointer::moved(int x, int y) {
     context_.setPointer(static_cast<std::uint32_t>(std::max(x, 0)), static_cast<std::uint32_t>(std::max(y, 0)));
 }
 
-void X11Pointer::selectPresses(bool areHeard) {
-    if (inputExtension_ == 0) {
-        return;
-    }
+/// For good, though only presses during a session matter. The panel is mapped on the toolkit's connection: a selection
+/// made for a session could be served after the map, and the press of a quick hand be missed (seen under load), and
+/// waiting for it would be a round trip between the key and the panel. The price is a short wake-up a press.
+void X11Pointer::selectPresses() {
     const struct {
         xcb_input_event_mask_t header;
         std::uint32_t bits;
-    } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, areHeard ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS} : 0U};
+    } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS};
     xcb_input_xi_select_events(events_.get(), events_.root(), 1, &mask.header);
     events_.flush();
 }

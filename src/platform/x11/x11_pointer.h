@@ -19,14 +19,13 @@ public:
     [[nodiscard]] Point location() const override;
     [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override;
 
-    /// Where the panel is while it is shown: presses outside are clicks elsewhere. Presses are heard only meanwhile, so
-    /// that the idle program is not woken by the user's clicks.
+    /// Where the panel is while it is shown: presses outside are clicks elsewhere. Others are let pass.
     void panelCovers(const std::optional<X11PixelRect>& panel);
     /// The panel has seen the pointer at this place on the root window.
     void moved(int x, int y);
 
 private:
-    void selectPresses(bool areHeard);
+    void selectPresses();
     void handle(const xcb_generic_event_t& event);
 
     X11PanelEvents& events_;
