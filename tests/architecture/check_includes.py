@@ -24,12 +24,14 @@ ALLOWED = {
     "platform/x11": {"core", "platform", "platform/qt", "platform/linux", "platform/x11"},
     "platform/macos": {"core", "platform", "platform/qt", "platform/macos"},
 }
+OWN_FOLDERS = {folder.split("/")[0] for folder in ALLOWED}
 # The user interface is handed the services whole.
 EXCEPTIONS = {("ui", "app/app_services.h")}
 MAY_USE_TOOLKIT = {"ui", "app", "platform/qt", "platform/linux", "platform/x11", "platform/macos"}
 MAY_USE_ICU = {"core"}
 TOOLKIT_OR_SYSTEM = re.compile(
-    r"^(Q[A-Z]|Qt[A-Z]|xcb/|X11/|xkbcommon/|systemd/|sys/|unistd\.h|fcntl\.h|poll\.h|pthread\.h|signal\.h|dlfcn\.h|"
+    r"^(Q[A-Z]|Qt[A-Z]|xcb/|X11/|xkbcommon/|systemd/|sys/|unistd\.h|fcntl\.h|poll\.h|pthread\.h|signal\.h|dlfcn\.h|sched\.h|"
+    r"dirent\.h|spawn\.h|syslog\.h|pwd\.h|termios\.h|"
     r"AppKit/|Application|Carbon/|CoreFoundation/|CoreGraphics/|Foundation/|ServiceManagement/|os/|dispatch/)"
 )
 ICU = re.compile(r"^unicode/")
@@ -55,7 +57,7 @@ def complaints_about(path, text):
         if not match:
             continue
         kind, header = match.groups()
-        if kind == '"':
+        if kind == '"' or header.split("/")[0] in OWN_FOLDERS:
             target = folder_of(header)
             if target not in ALLOWED.get(folder, set()) and (folder, header) not in EXCEPTIONS:
                 found.append(f"{path}:{number}: {folder} must not include {header}")
@@ -85,6 +87,8 @@ def self_test():
         ("ui/a.cpp", '#include "app/main_window.h"'),
         ("ui/a.cpp", "#ifdef __linux__"),
         ("input/a.cpp", "#if defined(__APPLE__)"),
+        ("core/a.cpp", "#include <ui/switcher_view.h>"),
+        ("input/a.cpp", "#include <sched.h>"),
         ("elsewhere/a.cpp", '#include "core/text.h"'),
     ]
     allowed = [

@@ -23,6 +23,11 @@ class Demo {
 public:
     Demo(const std::string& program, std::string pictures) : desk_(program), pictures_(std::move(pictures)) {
         std::filesystem::create_directories(pictures_);
+        for (const auto& old : std::filesystem::directory_iterator(pictures_)) {
+            if (old.path().extension() == ".png") {
+                std::filesystem::remove(old.path());
+            }
+        }
         picture("desktop");
     }
 

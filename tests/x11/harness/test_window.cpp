@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "platform/x11/xcb_reply.h"
@@ -100,11 +101,23 @@ TestWindow::Input TestWindow::takeInput() {
 }
 
 bool TestWindow::waitForButtonPress(milliseconds budget) {
+    return waitForInput([](const Input& input) { return input.buttonPresses > 0; }, budget);
+}
+
+bool TestWindow::waitForKeyPress(std::uint8_t keyCode, milliseconds budget) {
+    return waitForInput(
+        [keyCode](const Input& input) {
+            return std::find(input.keyPresses.begin(), input.keyPresses.end(), keyCode) != input.keyPresses.end();
+        },
+        budget);
+}
+
+bool TestWindow::waitForInput(const std::function<bool(const Input&)>& isIt, milliseconds budget) {
     const Deadline deadline(budget);
-    while (takeInput().buttonPresses == 0) {
+    while (!isIt(takeInput())) {
         pollfd waiting{xcb_get_file_descriptor(connection_), POLLIN, 0};
         if (poll(&waiting, 1, deadline.remainingMilliseconds()) <= 0) {
-            return takeInput().buttonPresses > 0;
+            return isIt(takeInput());
         }
     }
     return true;

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -54,8 +55,11 @@ public:
     [[nodiscard]] Input takeInput();
     /// Waits until a button press has reached this window; forgets the input before it.
     [[nodiscard]] bool waitForButtonPress(milliseconds budget = patience);
+    /// The same for the press of a key.
+    [[nodiscard]] bool waitForKeyPress(std::uint8_t keyCode, milliseconds budget = patience);
 
 private:
+    [[nodiscard]] bool waitForInput(const std::function<bool(const Input&)>& isIt, milliseconds budget);
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
 
     xcb_connection_t* connection_;
