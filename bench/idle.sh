@@ -61,16 +61,23 @@ start
 sleep 2 # what the first list and the first frame need is no idling
 resident=$(ps -o rss= -p "$subject" | tr -d ' ')
 
-# Each voluntary switch of a thread is one time that it went to sleep, so one time that it was woken.
-switches() { cat /proc/"$subject"/task/*/status | awk '/^voluntary/ { sum += $2 } END { print sum }'; }
+# Each voluntary switch of a thread is one time that it went to sleep, so one time that it was woken. Counted a thread,
+# as one that ends in the meantime takes its count along.
+declare -A before
+switches() { awk '/^voluntary/ { print $2 }' "$1/status"; }
 ticks() { awk '{ print $14 + $15 }' /proc/"$subject"/stat; }
-switchesBefore=$(switches)
-ticksBefore=$(ticks)
 for task in /proc/"$subject"/task/*; do
-    echo "$(cat "$task/comm") $(awk '/^voluntary/ { print $2 }' "$task/status")"
-done >"$work/before"
+    before[$task]=$(switches "$task")
+done
+ticksBefore=$(ticks)
 sleep "$seconds"
-wakeUps=$(($(switches) - switchesBefore))
+wakeUps=0
+threads=''
+for task in /proc/"$subject"/task/*; do
+    woken=$(($(switches "$task") - ${before[$task]:-0}))
+    wakeUps=$((wakeUps + woken))
+    threads+=$(printf '  %-32s %10s' "$(cat "$task/comm")" "$woken")$'\n'
+done
 cpu=$((($(ticks) - ticksBefore) * 1000 / $(getconf CLK_TCK)))
 
 # A turn of the tap's loop each second, and the timers of two, two, three and five seconds.
@@ -80,11 +87,4 @@ printf '%-34s %10s %10s\n' 'start to "Services active", ms' "$median" '< 150'
 printf '%-34s %10s %10s\n' 'resident, MB' "$(awk "BEGIN { printf \"%.1f\", $resident / 1024 }")" '< 45'
 printf '%-34s %10s %10s\n' "wake-ups in $seconds s" "$wakeUps" "<= $goal"
 printf '%-34s %10s\n' "CPU time in $seconds s, ms" "$cpu"
-echo 'by thread:'
-index=0
-for task in /proc/"$subject"/task/*; do
-    index=$((index + 1))
-    before=$(sed -n "${index}p" "$work/before" | awk '{ print $NF }')
-    now=$(awk '/^voluntary/ { print $2 }' "$task/status")
-    printf '  %-32s %10s\n' "$(cat "$task/comm")" $((now - ${before:-0}))
-done
+printf 'by thread:\n%s' "$threads"

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -221,6 +222,7 @@ int run(int sessions) {
         print(windowCount, "activated", program.activated, floor.activated);
         fmt::print("{:>4} sessions that failed: program {}, floor {}\n", windowCount, program.failures, floor.failures);
         failures += program.failures + floor.failures;
+        std::fflush(stdout);
     }
     return failures == 0 ? 0 : 1;
 }
