@@ -17,7 +17,7 @@ if(FERROWYN_SANITIZE)
   add_compile_options(-fsanitize=${FERROWYN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${FERROWYN_SANITIZE})
   # g++ 12 loses sight of initializations between the instrumentation's own calls.
-  add_compile_options(-Wno-maybe-uninitialized)
+  add_compile_options(-Wno-maybe-uninitialized -Wno-array-bounds -Wno-stringop-overflow -Wno-restrict)
 endif()
 
 find_program(FERROWYN_LLD ld.lld)

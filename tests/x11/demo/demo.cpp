@@ -97,6 +97,11 @@ private:
         std::printf("          %s typed\n", shown.c_str());
     }
 
+    [[nodiscard]] std::string titleOf(xcb_window_t window) const {
+        const auto title = desk_.desktop.text(window, "_NET_WM_NAME");
+        return title.empty() ? desk_.desktop.text(window, "WM_NAME") : title;
+    }
+
     /// Does the last thing of a switch and times until the window is active.
     void finish(const std::string& keys, const std::function<void()>& act, xcb_window_t expected) {
         const auto pressed = Clock::now();
@@ -104,7 +109,7 @@ private:
         const bool isActive = desk_.desktop.waitForActiveWindow(expected);
         char text[200];
         std::snprintf(text, sizeof text, "%-34s window active after %6.1f ms: %s", keys.c_str(),
-                      millisecondsSince(pressed), desk_.desktop.text(expected, "_NET_WM_NAME").c_str());
+                      millisecondsSince(pressed), titleOf(expected).c_str());
         report(isActive, text);
         desk_.input.release(key::leftAlt);
         const bool isGone = desk_.desktop.waitForPanel(false);
