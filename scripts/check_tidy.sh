@@ -10,7 +10,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 }
 # Tidy runs clang: it knows neither g++'s precompiled headers nor some of its flags, and needs no sanitizer.
 mkdir -p build/tidy
-sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g; s/ -fsanitize=[^ ]*//g; s/ -fno-sanitize[^ ]*//g; s/ -Wno-maybe-uninitialized//g' \
+sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g; s/ -fsanitize=[^ ]*//g; s/ -fno-sanitize[^ ]*//g; s/ -Wno-(maybe-uninitialized|stringop-overflow|restrict)//g' \
   build/asan/compile_commands.json >build/tidy/compile_commands.json
 sed -nE 's/^ *"file": "(.*)",?$/\1/p' build/tidy/compile_commands.json |
   grep -E "^$PWD/(src/|build/asan/src/.*/Unity/)" |
