@@ -1,6 +1,7 @@
 #include "inventory/recency_tracker.h"
 
 #include <algorithm>
+#include <compare>
 #include <functional>
 #include <utility>
 
@@ -54,7 +55,7 @@ bool RecencyTracker::precedes(const AppWindow& a, const AppWindow& b) const {
     }
     const auto order = text::localizedStandardCompare(a.appName, b.appName);
     // Names that a person would call equal ("App 1", "App 01") need some order too, or sorting has none.
-    return order != 0 ? order < 0 : a.appName < b.appName;
+    return std::is_neq(order) ? std::is_lt(order) : a.appName < b.appName;
 }
 
 std::optional<std::int64_t> RecencyTracker::rank(WindowId id) const {

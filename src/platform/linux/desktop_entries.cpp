@@ -24,7 +24,7 @@ std::vector<std::filesystem::path> applicationFolders(const XdgFolders& folders)
 
 }  // namespace
 
-DesktopEntries::DesktopEntries(MainLoop& mainLoop, XdgFolders folders, std::string_view locale)
+DesktopEntries::DesktopEntries(MainLoop& mainLoop, const XdgFolders& folders, std::string_view locale)
     : mainLoop_(mainLoop),
       folders_(applicationFolders(folders)),
       locales_(localeVariants(locale)),

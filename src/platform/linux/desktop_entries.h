@@ -26,7 +26,7 @@ public:
     using EntryPtr = std::shared_ptr<const DesktopEntry>;
 
     /// `locale` as in LC_MESSAGES; see `currentLocale`.
-    DesktopEntries(MainLoop& mainLoop, XdgFolders folders, std::string_view locale);
+    DesktopEntries(MainLoop& mainLoop, const XdgFolders& folders, std::string_view locale);
     ~DesktopEntries();
     DesktopEntries(const DesktopEntries&) = delete;
     DesktopEntries& operator=(const DesktopEntries&) = delete;

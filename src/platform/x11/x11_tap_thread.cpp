@@ -33,7 +33,7 @@ void raisePriority() {
 
 }  // namespace
 
-X11TapThread::X11TapThread(std::string name, std::function<void()> body)
+X11TapThread::X11TapThread(const std::string& name, std::function<void()> body)
     : thread_([name = shortName(name), body = std::move(body)] {
           pthread_setname_np(pthread_self(), name.c_str());
           raisePriority();

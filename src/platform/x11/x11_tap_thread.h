@@ -12,7 +12,7 @@ namespace ferrowyn {
 class X11TapThread final : public TapThread {
 public:
     /// Throws std::system_error when no thread can be made.
-    X11TapThread(std::string name, std::function<void()> body);
+    X11TapThread(const std::string& name, std::function<void()> body);
     ~X11TapThread() override;
     X11TapThread(const X11TapThread&) = delete;
     X11TapThread& operator=(const X11TapThread&) = delete;
