@@ -125,9 +125,7 @@ void WindowIndex::handle(const WindowChange& change) {
             recency_->touch(*id);
             // A quick hand presses the trigger again before the coalesced refresh: the session it opens must start
             // from the window that has the focus now.
-            if (isStarted_) {
-                moveToFront(*id);
-            }
+            moveToFront(*id);
         }
     }
     if (!isStarted_) {
