@@ -3,11 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/x11/x11_compound_text.h"
+
 namespace ferrowyn {
 namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
-constexpr char escape = '\x1B';
 
 struct Utf8Piece {
     std::size_t length = 1;
@@ -78,44 +79,6 @@ void appendLatin1(std::string_view text, std::string& out) {
     }
 }
 
-/// Compound text switches character sets by escape sequences. Latin 1, which it starts with, and UTF-8 are read; the
-/// national sets of the time before UTF-8 are shown as unknown characters. Clients that still write this form set the
-/// UTF-8 name beside it, which is read instead.
-void appendCompoundText(std::string_view text, bool isCut, std::string& out) {
-    bool isUtf8 = false;
-    bool isKnown = true;
-    while (!text.empty()) {
-        if (text.front() != escape) {
-            const auto run = text.substr(0, text.find(escape));
-            if (isUtf8) {
-                appendUtf8(run, isCut && run.size() == text.size(), out);
-            } else if (isKnown) {
-                appendLatin1(run, out);
-            } else {
-                out.append(replacement);
-            }
-            text.remove_prefix(run.size());
-            continue;
-        }
-        std::size_t length = 1;
-        while (length < text.size() && text[length] >= 0x20 && text[length] <= 0x2F) {
-            ++length;
-        }
-        if (length >= text.size()) {
-            return;
-        }
-        const auto sequence = text.substr(1, length);
-        if (sequence == "%G") {
-            isUtf8 = true;
-        } else if (sequence == "%@") {
-            isUtf8 = false;
-        } else {
-            isKnown = sequence == "(B" || sequence == "-A" || sequence == ")B";
-        }
-        text.remove_prefix(length + 1);
-    }
-}
-
 }  // namespace
 
 std::string textFromProperty(std::string_view bytes, X11TextEncoding encoding, bool isCut) {
@@ -133,7 +96,7 @@ std::string textFromProperty(std::string_view bytes, X11TextEncoding encoding, b
             appendLatin1(bytes, text);
             break;
         case X11TextEncoding::compoundText:
-            appendCompoundText(bytes, isCut, text);
+            text = compoundTextToUtf8(bytes, isCut);
             break;
     }
     return text;
