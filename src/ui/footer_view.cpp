@@ -27,7 +27,9 @@ double width(const WindowPresentation::ShortcutHint& hint, const PaintContext& c
 
 void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const double scale = context.devicePixelRatio;
-    painter.fillRect(QRectF(rect.x, rect.y, rect.width, std::max(0.5, 1 / scale)), context.theme.hairline);
+    // Between device pixels it would be two faint lines.
+    const double hairline = std::round(rect.y * scale) / scale;
+    painter.fillRect(QRectF(rect.x, hairline, rect.width, std::max(0.5, 1 / scale)), context.theme.hairline);
     double total = -betweenHints;
     for (const auto& hint : hints) {
         total += betweenHints + width(hint, context);

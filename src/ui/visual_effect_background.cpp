@@ -1,9 +1,30 @@
 #include "ui/visual_effect_background.h"
 
 #include <QPainter>
+#include <QPainterPath>
 #include <algorithm>
+#include <cmath>
 
 namespace ferrowyn {
+
+namespace {
+
+/// The strip along one end of the area, from its edge, which has the round corners, to where the straight middle
+/// begins.
+QPainterPath roundedEnd(const QRectF& area, double edge, double inner) {
+    constexpr double radius = VisualEffectBackground::cornerRadius;
+    const bool isTop = inner >= edge;
+    const double corner = isTop ? edge : edge - 2 * radius;
+    const double sweep = isTop ? -90 : 90;
+    QPainterPath path(QPointF(area.left(), inner));
+    path.arcTo(area.left(), corner, 2 * radius, 2 * radius, 180, sweep);
+    path.arcTo(area.right() - 2 * radius, corner, 2 * radius, 2 * radius, isTop ? 90 : -90, sweep);
+    path.lineTo(area.right(), inner);
+    path.closeSubpath();
+    return path;
+}
+
+}  // namespace
 
 void VisualEffectBackground::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const QRectF area = toQt(rect);
@@ -12,20 +33,22 @@ void VisualEffectBackground::paint(QPainter& painter, const Rect& rect, const Pa
         painter.fillRect(area, color);
         return;
     }
+    // Antialiased edges need blending; only the straight middle, which is nearly everything, can be replaced. The two
+    // meet between device pixels: one that both drew would show as a line.
+    const double scale = context.devicePixelRatio;
+    const double top = std::ceil((area.top() + cornerRadius) * scale) / scale;
+    const double bottom = std::max(top, std::floor((area.bottom() - cornerRadius) * scale) / scale);
     const auto mode = painter.compositionMode();
+    const bool isAntialiased = painter.testRenderHint(QPainter::Antialiasing);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillRect(area, Qt::transparent);
-    // Antialiased edges need blending; only the straight middle, which is nearly everything, can be replaced.
-    painter.fillRect(area.adjusted(0, cornerRadius, 0, -cornerRadius), color);
+    painter.fillRect(QRectF(QPointF(area.left(), top), QPointF(area.right(), bottom)), color);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.save();
-    QRegion ends(area.toAlignedRect());
-    ends -= area.adjusted(0, cornerRadius, 0, -cornerRadius).toAlignedRect();
-    painter.setClipRegion(ends, Qt::IntersectClip);
-    painter.drawRoundedRect(area, cornerRadius, cornerRadius);
-    painter.restore();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(roundedEnd(area, area.top(), top), color);
+    painter.fillPath(roundedEnd(area, area.bottom(), bottom), color);
+    painter.setRenderHint(QPainter::Antialiasing, isAntialiased);
     painter.setCompositionMode(mode);
 }
 
