@@ -19,7 +19,7 @@ inline constexpr std::uint8_t escape = 9, digit1 = 10, digit2 = 11, digit3 = 12,
                               down = 116, pageDown = 117, leftSuper = 133;
 }  // namespace key
 
-/// The user's hands: real key and pointer events through XTEST.
+/// The user's hands: real key and pointer events through XTEST. The server has taken an event when its call returns.
 class TestInput {
 public:
     explicit TestInput(const std::string& display);
