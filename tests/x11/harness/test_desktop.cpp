@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <stdexcept>
 
 #include "platform/x11/xcb_reply.h"
@@ -191,28 +192,41 @@ bool TestDesktop::isViewable(xcb_window_t window) const {
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
-std::optional<xcb_window_t> TestDesktop::visiblePanel() const {
+std::set<xcb_window_t> TestDesktop::shownTopLevels() const {
     const auto cookie = xcb_query_tree(connection_, root());
     const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection_, cookie, nullptr));
     if (!tree) {
-        return std::nullopt;
+        return {};
     }
-    const auto* const children = xcb_query_tree_children(tree.get());
-    const int count = xcb_query_tree_children_length(tree.get());
-    for (int index = count - 1; index >= 0; --index) {
-        const xcb_window_t window = children[index];
-        const auto attributesCookie = xcb_get_window_attributes(connection_, window);
-        const XcbReply<xcb_get_window_attributes_reply_t> attributes(
-            xcb_get_window_attributes_reply(connection_, attributesCookie, nullptr));
-        if (!attributes || attributes->override_redirect == 0 || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
-            attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) {
-            continue;
+    const std::span children(xcb_query_tree_children(tree.get()),
+                             static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
+    std::set<xcb_window_t> shown;
+    for (const auto window : children) {
+        if (isShown(window)) {
+            shown.insert(window);
         }
-        const auto place = placeOf(window);
-        const bool isOnScreen = place && place->x + place->width > 0 && place->y + place->height > 0 &&
-                                place->x < screen_->width_in_pixels && place->y < screen_->height_in_pixels &&
-                                place->width > 16;
-        if (isOnScreen && text(window, "WM_CLASS").find("ferrowyn") != std::string::npos) {
+    }
+    return shown;
+}
+
+bool TestDesktop::isShown(xcb_window_t window) const {
+    const auto cookie = xcb_get_window_attributes(connection_, window);
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(connection_, cookie, nullptr));
+    if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+        attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) {
+        return false;
+    }
+    // Managers and toolkits keep tiny windows for their own purposes.
+    constexpr int smallest = 16;
+    const auto place = placeOf(window);
+    return place && place->x + place->width > 0 && place->y + place->height > 0 &&
+           place->x < screen_->width_in_pixels && place->y < screen_->height_in_pixels && place->width > smallest;
+}
+
+std::optional<xcb_window_t> TestDesktop::visiblePanel() const {
+    for (const auto window : shownTopLevels()) {
+        if (text(window, "WM_CLASS").find("ferrowyn") != std::string::npos) {
             return window;
         }
     }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -61,6 +62,8 @@ public:
     };
     [[nodiscard]] std::optional<Place> placeOf(xcb_window_t window) const;
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
+    /// Every window that a person could see, except the ones inside others; panels and popups are among them.
+    [[nodiscard]] std::set<xcb_window_t> shownTopLevels() const;
     /// The switcher's panel as it is on the screen: a visible override-redirect window of the class "ferrowyn".
     [[nodiscard]] std::optional<xcb_window_t> visiblePanel() const;
     [[nodiscard]] bool waitForPanel(bool isVisible, milliseconds budget = patience);
@@ -78,6 +81,7 @@ public:
     [[nodiscard]] bool keyboardIsFree() const;
 
 private:
+    [[nodiscard]] bool isShown(xcb_window_t window) const;
     void sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data);
 
     xcb_connection_t* connection_;
