@@ -63,7 +63,6 @@ TEST_P(PreEmptedBindingTest, TheKeyIsTheManagersUntilTheProgramRuns) {
         makeActive(window(ordinal));
     }
     startProgram();
-    use(window(3));
     const auto shown = desktop.shownTopLevels();
 
     hold(2);

@@ -105,7 +105,8 @@ void SwitchingDesk::letGo() {
 
 void SwitchingDesk::expectSwitchTo(xcb_window_t window) {
     EXPECT_TRUE(desktop.waitForActiveWindow(window))
-        << "waited for window " << window << ", but " << desktop.activeWindow() << " is active";
+        << "waited for window " << window << ", but " << desktop.activeWindow()
+        << " is active; it said: " << program->process().output();
     EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
     EXPECT_TRUE(program->waitForFirst(window)) << "waited for window " << window << " to lead the list";
 }

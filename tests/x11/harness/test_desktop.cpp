@@ -33,6 +33,10 @@ TestDesktop::TestDesktop(const std::string& display) {
         throw std::runtime_error("no X server at " + display);
     }
     screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+    clock_ = xcb_generate_id(connection_);
+    const std::uint32_t clockMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(connection_, 0, clock_, root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
+                      XCB_CW_EVENT_MASK, &clockMask);
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &mask);
     // Made before anything is shown: a damage object made later would report everything at once.
@@ -131,6 +135,18 @@ std::uint32_t TestDesktop::currentDesktop() const {
     return current.empty() ? 0 : current.front();
 }
 
+xcb_timestamp_t TestDesktop::serverTime() {
+    xcb_change_property(connection_, XCB_PROP_MODE_APPEND, clock_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0, nullptr);
+    xcb_flush(connection_);
+    while (const XcbReply<xcb_generic_event_t> event{xcb_wait_for_event(connection_)}) {
+        const auto* const change = reinterpret_cast<const xcb_property_notify_event_t*>(event.get());
+        if ((event->response_type & 0x7FU) == XCB_PROPERTY_NOTIFY && change->window == clock_) {
+            return change->time;
+        }
+    }
+    return XCB_CURRENT_TIME;
+}
+
 void TestDesktop::sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data) {
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
@@ -145,9 +161,9 @@ void TestDesktop::sendToRoot(xcb_window_t window, const std::string& message, co
     xcb_flush(connection_);
 }
 
-void TestDesktop::activate(xcb_window_t window, std::uint32_t time) {
+void TestDesktop::activate(xcb_window_t window) {
     constexpr std::uint32_t fromPager = 2;
-    sendToRoot(window, "_NET_ACTIVE_WINDOW", {fromPager, time, 0});
+    sendToRoot(window, "_NET_ACTIVE_WINDOW", {fromPager, serverTime(), 0});
 }
 
 void TestDesktop::setState(xcb_window_t window, const std::string& state, bool isOn) {

@@ -44,8 +44,9 @@ public:
     [[nodiscard]] bool hasState(xcb_window_t window, const std::string& state) const;
     [[nodiscard]] std::uint32_t currentDesktop() const;
 
-    /// Asks the manager, as a pager does.
-    void activate(xcb_window_t window, std::uint32_t time = XCB_CURRENT_TIME);
+    /// Asks the manager, as a pager does that was clicked now. A request without a time counts from when the manager
+    /// reads it, and a slow one then takes it for newer than keys that were pressed after it.
+    void activate(xcb_window_t window);
     void setState(xcb_window_t window, const std::string& state, bool isOn);
     void moveToDesktop(xcb_window_t window, std::uint32_t desktop);
     void setCurrentDesktop(std::uint32_t desktop);
@@ -82,10 +83,13 @@ public:
 
 private:
     [[nodiscard]] bool isShown(xcb_window_t window) const;
+    [[nodiscard]] xcb_timestamp_t serverTime();
     void sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data);
 
     xcb_connection_t* connection_;
     xcb_screen_t* screen_;
+    /// Never shown; its property's changes tell the server's time.
+    xcb_window_t clock_;
 };
 
 }  // namespace ferrowyn::x11test
