@@ -113,13 +113,8 @@ void SwitchingDesk::expectSwitchTo(xcb_window_t window) {
 
 void SwitchingDesk::expectQuiet() {
     EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
-    EXPECT_TRUE(desktop.waitUntil([&] { return !desktop.anyKeyIsDown(); }, milliseconds{2000})) << "a key stayed down";
-    // The tap gives the keyboard back on a connection of its own, after the panel went; no event tells of that.
-    const Deadline deadline(milliseconds{2000});
-    while (!desktop.keyboardIsFree() && !deadline.hasPassed()) {
-        static_cast<void>(desktop.waitUntil([] { return false; }, milliseconds{10}));
-    }
-    EXPECT_TRUE(desktop.keyboardIsFree()) << "a grab was left behind";
+    EXPECT_TRUE(desktop.waitForUntouchedKeyboard())
+        << (desktop.anyKeyIsDown() ? "a key stayed down" : "a grab was left behind");
 }
 
 void SwitchingDesk::expectPanelWidth(int width) {

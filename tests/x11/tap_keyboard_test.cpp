@@ -34,15 +34,19 @@ public:
             nullptr));
         hasGrab_ = reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
     }
-    ~KeyboardHolder() { xcb_disconnect(connection_); }
+    /// The keyboard is free when this returns.
+    ~KeyboardHolder() {
+        xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME);
+        synchronize();
+        xcb_disconnect(connection_);
+    }
     KeyboardHolder(const KeyboardHolder&) = delete;
     KeyboardHolder& operator=(const KeyboardHolder&) = delete;
 
     [[nodiscard]] bool hasGrab() const { return hasGrab_; }
     /// The keys that were pressed until now.
     [[nodiscard]] std::vector<std::uint8_t> takePresses() {
-        const XcbReply<xcb_get_input_focus_reply_t> sync(
-            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+        synchronize();
         std::vector<std::uint8_t> presses;
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
             if ((event->response_type & 0x7F) == XCB_KEY_PRESS) {
@@ -53,6 +57,11 @@ public:
     }
 
 private:
+    void synchronize() const {
+        const XcbReply<xcb_get_input_focus_reply_t> reply(
+            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    }
+
     xcb_connection_t* connection_;
     bool hasGrab_ = false;
 };
@@ -87,9 +96,8 @@ protected:
     static std::u16string typedBy(TapRig& rig) { return rig.typedWhileWaiting(); }
 
     void expectNothingLeft() {
-        EXPECT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{3000}))
-            << "a grab is left";
-        EXPECT_FALSE(desktop.anyKeyIsDown()) << "a key is stuck";
+        EXPECT_TRUE(desktop.waitForUntouchedKeyboard())
+            << (desktop.anyKeyIsDown() ? "a key is stuck" : "a grab is left");
     }
 
     PrivateXServer server;
@@ -396,7 +404,7 @@ TEST_F(TapKeyboardTest, APhysicalTabHeldBeyondTheSessionTypesNothing) {
         keyboard.release(key::leftAlt);
         ASSERT_TRUE(rig.waitForClosed(tabs));
         EXPECT_FALSE(rig.waitForOpenedWithin(tabs + 1, milliseconds{500}));
-        EXPECT_TRUE(desktop.keyboardIsFree()) << "others can have the keyboard while Tab is still held";
+        EXPECT_TRUE(desktop.waitForFreeKeyboard()) << "others can have the keyboard while Tab is still held";
         EXPECT_THAT(window.takeInput().keyPresses, Not(Contains(key::tab))) << tabs;
         keyboard.release(key::tab);
         ASSERT_TRUE(rig.settle());
@@ -496,7 +504,7 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackAndReportsItWhenTheSessionIsLocked) 
         return !seen.empty() && seen.back().type == TapEvent::Type::disabledByUserInput;
     }));
     EXPECT_FALSE(rig.tap().isEnabled());
-    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{2000}));
+    EXPECT_TRUE(desktop.waitForFreeKeyboard());
     input.release(key::leftAlt);
     rig.close();
     ASSERT_TRUE(rig.waitForClosed(1));
@@ -504,7 +512,7 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackAndReportsItWhenTheSessionIsLocked) 
     ASSERT_TRUE(rig.settle());
     EXPECT_EQ(rig.opened(), 1);
     // The manager took the trigger instead, and lets the keyboard go in its own time.
-    ASSERT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{3000}));
+    ASSERT_TRUE(desktop.waitForFreeKeyboard());
     rig.tap().setEnabled(true);
     EXPECT_TRUE(rig.tap().isEnabled());
     ASSERT_TRUE(rig.settle());
@@ -517,7 +525,7 @@ TEST_F(TapKeyboardTest, AnInvalidatedOrDisabledTapGivesTheKeyboardBack) {
     TapRig rig(server.display(), {});
     startSession(rig);
     rig.tap().setEnabled(false);
-    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.keyboardIsFree(); }, milliseconds{2000}));
+    EXPECT_TRUE(desktop.waitForFreeKeyboard());
     input.release(key::leftAlt);
     rig.close();
     ASSERT_TRUE(rig.waitForClosed(1));

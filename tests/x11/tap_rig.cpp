@@ -43,8 +43,6 @@ TapRig::TapRig(const std::string& display, const Options& options)
         loop_ = taps_.currentRunLoop();
         source_->addTo(*loop_);
         tap_->setEnabled(true);
-        // The grabs are in place after the first, empty run.
-        loop_->runFor(Seconds::zero());
         started.set_value();
         while (keepRunning_) {
             int requested = 0;

@@ -8,7 +8,9 @@
 #include <cassert>
 #include <chrono>
 #include <cmath>
+#include <deque>
 #include <limits>
+#include <mutex>
 #include <unordered_map>
 #include <utility>
 
@@ -21,15 +23,6 @@ QEvent::Type postedTaskType() {
     return type;
 }
 
-class PostedTask final : public QEvent {
-public:
-    explicit PostedTask(MainLoop::Task task) : QEvent(postedTaskType()), task_(std::move(task)) {}
-    void run() const { task_(); }
-
-private:
-    MainLoop::Task task_;
-};
-
 /// Rounded up, so that a timer is never early, and kept in the range that a timer can take (24 days).
 std::chrono::milliseconds wholeMilliseconds(Seconds duration) {
     constexpr double longest = std::numeric_limits<int>::max();
@@ -38,22 +31,38 @@ std::chrono::milliseconds wholeMilliseconds(Seconds duration) {
 
 }  // namespace
 
-/// Receives posted tasks. Qt keeps events of one priority and receiver in order and drops those of a receiver that is
-/// gone.
+/// Keeps posted tasks, and has Qt call for each in its turn. The tasks themselves are handed over under a lock of our
+/// own, which the thread sanitizer sees; Qt's it does not.
 class QtMainLoop::PostedTasks final : public QObject {
 public:
     void add(Task task) {
+        {
+            const std::lock_guard guard(lock_);
+            tasks_.push_back(std::move(task));
+        }
         // Ahead of whatever else waits: a key press must not queue behind repaints.
-        QCoreApplication::postEvent(this, new PostedTask(std::move(task)), Qt::HighEventPriority);
+        QCoreApplication::postEvent(this, new QEvent(postedTaskType()), Qt::HighEventPriority);
     }
 
     bool event(QEvent* event) override {
         if (event->type() != postedTaskType()) {
             return QObject::event(event);
         }
-        static_cast<const PostedTask*>(event)->run();
+        takeFirst()();
         return true;
     }
+
+private:
+    /// There is one event for each task, so there is one left.
+    Task takeFirst() {
+        const std::lock_guard guard(lock_);
+        Task task = std::move(tasks_.front());
+        tasks_.pop_front();
+        return task;
+    }
+
+    std::mutex lock_;
+    std::deque<Task> tasks_;
 };
 
 /// All timers, on one receiver.

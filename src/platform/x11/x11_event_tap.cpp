@@ -15,7 +15,18 @@ void X11EventTap::setEnabled(bool enabled) {
         const std::lock_guard guard(engineLock_);
         isEnabled_.store(enabled && engine_ != nullptr && isConnected_);
     }
-    mailbox_.post({enabled ? X11TapRequest::Kind::enable : X11TapRequest::Kind::disable, {}});
+    post({enabled ? X11TapRequest::Kind::enable : X11TapRequest::Kind::disable, {}});
+}
+
+void X11EventTap::post(const X11TapRequest& request) {
+    mailbox_.post(request);
+    if (servingThread_.load() == std::this_thread::get_id() && !isServing_) {
+        serve();
+    }
+}
+
+void X11EventTap::noteServingThread() {
+    servingThread_.store(std::this_thread::get_id());
 }
 
 void X11EventTap::invalidate() {
@@ -27,19 +38,19 @@ void X11EventTap::invalidate() {
 }
 
 void X11EventTap::setTrigger(SwitcherModifier modifier) {
-    mailbox_.post({X11TapRequest::Kind::setTrigger, modifier});
+    post({X11TapRequest::Kind::setTrigger, modifier});
 }
 
 void X11EventTap::setSessionOpen(bool isOpen) {
-    mailbox_.post({isOpen ? X11TapRequest::Kind::openSession : X11TapRequest::Kind::closeSession, {}});
+    post({isOpen ? X11TapRequest::Kind::openSession : X11TapRequest::Kind::closeSession, {}});
 }
 
 void X11EventTap::noteKeyboardUnavailable() {
-    mailbox_.post({X11TapRequest::Kind::keyboardUnavailable, {}});
+    post({X11TapRequest::Kind::keyboardUnavailable, {}});
 }
 
 void X11EventTap::probeKeyboard() {
-    mailbox_.post({X11TapRequest::Kind::probeKeyboard, {}});
+    post({X11TapRequest::Kind::probeKeyboard, {}});
 }
 
 int X11EventTap::connectionDescriptor() const {
@@ -55,6 +66,7 @@ std::optional<X11TapEngine::Clock::time_point> X11EventTap::deadline() const {
 void X11EventTap::serve() {
     mailbox_.acknowledge();
     const std::lock_guard guard(engineLock_);
+    isServing_ = true;
     while (const auto request = mailbox_.take()) {
         if (engine_ == nullptr || !isConnected_) {
             continue;
@@ -69,6 +81,7 @@ void X11EventTap::serve() {
         isConnected_ = false;
         isEnabled_.store(false);
     }
+    isServing_ = false;
 }
 
 }  // namespace ferrowyn

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <thread>
 
 #include "platform/event_tap.h"
 #include "platform/x11/x11_tap_engine.h"
@@ -12,7 +13,8 @@
 namespace ferrowyn {
 
 /// The tap as other threads see it: requests go to the tap thread through the mailbox and never wait for it; only
-/// `invalidate` waits, for the event that is being handled and for the server.
+/// `invalidate` waits, for the event that is being handled and for the server. What the tap thread itself asks is done
+/// when the call returns: a tap that was enabled there has its grabs.
 class X11EventTap final : public EventTap {
 public:
     explicit X11EventTap(std::unique_ptr<X11TapEngine> engine);
@@ -33,11 +35,18 @@ public:
     [[nodiscard]] int mailboxDescriptor() const { return mailbox_.fileDescriptor(); }
     [[nodiscard]] int connectionDescriptor() const;
     [[nodiscard]] std::optional<X11TapEngine::Clock::time_point> deadline() const;
+    /// The calling thread serves this tap from now on.
+    void noteServingThread();
     /// Handles all that is waiting. Tap thread.
     void serve();
 
 private:
+    void post(const X11TapRequest& request);
+
     X11TapMailbox mailbox_;
+    std::atomic<std::thread::id> servingThread_{};
+    /// Tap thread only: a callback asks for something while its event is being handled.
+    bool isServing_ = false;
     std::atomic<bool> isEnabled_{false};
     /// Held while the tap thread serves, so that an invalidated tap delivers nothing any more.
     mutable std::mutex engineLock_;

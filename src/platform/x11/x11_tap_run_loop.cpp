@@ -84,6 +84,7 @@ std::vector<std::shared_ptr<X11EventTap>> X11TapRunLoop::taps() const {
 }
 
 void X11TapRunLoopSource::addTo(TapRunLoop& loop) {
+    tap_->noteServingThread();
     dynamic_cast<X11TapRunLoop&>(loop).add(tap_);
 }
 

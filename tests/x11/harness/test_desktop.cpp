@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <xcb/damage.h>
+#include <xcb/xinput.h>
 
 #include <QImage>
 #include <array>
@@ -37,13 +38,29 @@ TestDesktop::TestDesktop(const std::string& display) {
     const std::uint32_t clockMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(connection_, 0, clock_, root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
                       XCB_CW_EVENT_MASK, &clockMask);
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    // A grab of the keyboard begins and ends with a change of the focus.
+    const std::uint32_t mask =
+        XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE;
     xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &mask);
     // Made before anything is shown: a damage object made later would report everything at once.
     const auto version = xcb_damage_query_version(connection_, 1, 1);
     free(xcb_damage_query_version_reply(connection_, version, nullptr));
     xcb_damage_create(connection_, xcb_generate_id(connection_), root(), XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
+    selectRawKeys();
     xcb_flush(connection_);
+}
+
+void TestDesktop::selectRawKeys() const {
+    const XcbReply<xcb_input_xi_query_version_reply_t> inputVersion(
+        xcb_input_xi_query_version_reply(connection_, xcb_input_xi_query_version(connection_, 2, 2), nullptr));
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t events;
+    } const mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+                 XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE};
+    if (inputVersion != nullptr) {
+        xcb_input_xi_select_events(connection_, root(), 1, &mask.head);
+    }
 }
 
 TestDesktop::~TestDesktop() {
@@ -294,6 +311,14 @@ bool TestDesktop::anyKeyIsDown() const {
         }
     }
     return false;
+}
+
+bool TestDesktop::waitForFreeKeyboard(milliseconds budget) {
+    return waitUntil([this] { return keyboardIsFree(); }, budget);
+}
+
+bool TestDesktop::waitForUntouchedKeyboard(milliseconds budget) {
+    return waitUntil([this] { return !anyKeyIsDown() && keyboardIsFree(); }, budget);
 }
 
 bool TestDesktop::keyboardIsFree() const {

@@ -29,7 +29,7 @@ public:
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
 
     /// Waits until the predicate holds, looking again each time something changes on the root window, among its
-    /// children, on a watched window or in a watched picture; false at the deadline.
+    /// children, on a watched window, in a watched picture or at the keyboard; false at the deadline.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& predicate, milliseconds budget = patience);
     /// Property changes of this window wake `waitUntil` too.
     void watchProperties(xcb_window_t window);
@@ -80,10 +80,14 @@ public:
     [[nodiscard]] bool anyKeyIsDown() const;
     /// Whether this client could take the keyboard now (it gives it back at once): false when another holds it.
     [[nodiscard]] bool keyboardIsFree() const;
+    [[nodiscard]] bool waitForFreeKeyboard(milliseconds budget = patience);
+    /// Waits until no key is down and no client holds the keyboard.
+    [[nodiscard]] bool waitForUntouchedKeyboard(milliseconds budget = patience);
 
 private:
     [[nodiscard]] bool isShown(xcb_window_t window) const;
     [[nodiscard]] xcb_timestamp_t serverTime();
+    void selectRawKeys() const;
     void sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data);
 
     xcb_connection_t* connection_;
