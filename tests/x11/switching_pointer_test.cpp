@@ -65,9 +65,11 @@ TEST_P(SwitchingPointerTest, APointerThatRestsOnTheRowsDoesNotStealTheSelection)
     expectSwitchTo(window(4));
     // More than three points away, the pointer chooses. Rows: 4 5 3 2 1.
     hold();
-    const auto selection = desktop.pixel(panel.x + 16, middleOfRow(panel, 2));
+    const auto edgeOfRow = [&](int row) { return desktop.pixel(panel.x + 16, middleOfRow(panel, row)); };
+    ASSERT_TRUE(desktop.waitUntil([&] { return edgeOfRow(2) != edgeOfRow(4); })) << "waited for the selection";
+    const auto selection = edgeOfRow(2);
     input.movePointer(panel.x + 310, rowFour + 5);
-    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.pixel(panel.x + 16, rowFour) == selection; }))
+    EXPECT_TRUE(desktop.waitUntil([&] { return edgeOfRow(4) == selection; }))
         << "waited for the selection to be drawn under the pointer";
     input.tap(key::enter);
     expectSwitchTo(window(2));
