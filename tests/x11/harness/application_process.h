@@ -16,6 +16,7 @@ public:
     /// One window a title; they are mapped, though not yet managed, when this returns.
     ApplicationProcess(const PrivateXServer& server, const std::string& name, const std::vector<std::string>& titles);
 
+    [[nodiscard]] pid_t pid() const { return process_.pid(); }
     [[nodiscard]] const std::vector<xcb_window_t>& windows() const { return windows_; }
 
 private:
