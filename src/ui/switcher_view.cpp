@@ -202,7 +202,6 @@ void SwitcherView::changeEvent(QEvent* event) {
 }
 
 void SwitcherView::showEvent(QShowEvent* /*event*/) {
-    pointerAtShow_ = QCursor::pos();
     synchronize();
     // The model was brought in before the panel was shown, when there was nobody to tell: what a session opens with is
     // what a screen reader must say first.

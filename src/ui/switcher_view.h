@@ -130,8 +130,6 @@ private:
 
     Target pressed_;
     bool isButtonHovered_ = false;
-    /// The pointer stood here when the panel appeared under it: no motion yet.
-    std::optional<QPoint> pointerAtShow_;
 
     AccessibilityAnnouncer announcer_;
     std::optional<PreviewRecord> preview_;

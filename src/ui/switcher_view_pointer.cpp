@@ -36,11 +36,6 @@ SwitcherView::Target SwitcherView::targetAt(const QPointF& position) {
 }
 
 void SwitcherView::mouseMoveEvent(QMouseEvent* event) {
-    // A panel that opens under a resting pointer is entered without anybody having moved it.
-    if (pointerAtShow_ && *pointerAtShow_ == event->globalPosition().toPoint()) {
-        return;
-    }
-    pointerAtShow_.reset();
     const Target target = targetAt(event->position());
     setButtonHovered(target.kind == Target::Kind::permissionButton);
     if (target.row >= 0 && callbacks_.onHover) {

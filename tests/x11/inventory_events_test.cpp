@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tests/x11/harness/application_process.h"
 #include "tests/x11/inventory_fixture.h"
 #include "tests/x11/scripted_manager.h"
 
@@ -77,6 +78,21 @@ TEST_F(InventoryEventsTest, KeepsTheFrontWhileTheActiveWindowIsNoneInPassing) {
     EXPECT_EQ(parts.workspace.frontmostPid(), getpid());
     EXPECT_EQ(parts.inventory.focusedWindowNumber(getpid(), Seconds(1)), window);
     EXPECT_THAT(seen, Not(Contains("didActivate")));
+}
+
+TEST_F(InventoryEventsTest, ASessionStartsInTheApplicationThatTheEventsHaveNotToldOfYet) {
+    const ApplicationProcess other(server, "Other", {"Elsewhere"});
+    const auto elsewhere = other.windows().front();
+    const auto window = manager.createWindow();
+    manager.publishStacking({elsewhere, window});
+    manager.publishActive(window);
+    ASSERT_TRUE(parts.runUntilKnown(elsewhere));
+    ASSERT_TRUE(parts.runUntil([&] { return parts.workspace.frontmostPid() == getpid(); }));
+    parts.monitor.startSessionFrom(elsewhere);
+    EXPECT_EQ(parts.workspace.frontmostPid(), other.pid());
+    // What the events tell later is newer again.
+    manager.publishStacking({window, elsewhere});
+    EXPECT_TRUE(parts.runUntil([&] { return parts.workspace.frontmostPid() == getpid(); }));
 }
 
 TEST_F(InventoryEventsTest, LosesTrustWithTheManagerAndFindsItWithTheNext) {

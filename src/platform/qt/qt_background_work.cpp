@@ -15,8 +15,10 @@ namespace {
 /// Workers mostly wait for other programs, so there may be more of them than processors.
 constexpr int fewestThreads = 4;
 
+}  // namespace
+
 /// One call of `concurrentPerform`. Shared, because a helper may still be leaving when the caller has returned.
-class SharedIterations {
+class QtBackgroundWork::SharedIterations {
 public:
     SharedIterations(std::size_t count, const std::function<void(std::size_t)>& iteration)
         : count_(count), iteration_(iteration) {}
@@ -47,8 +49,6 @@ private:
     std::size_t endedCount_ = 0;
 };
 
-}  // namespace
-
 QtBackgroundWork::QtBackgroundWork() {
     pool_.setObjectName("ferrowyn-work");
     pool_.setMaxThreadCount(std::max(fewestThreads, QThread::idealThreadCount()));
@@ -68,15 +68,36 @@ void QtBackgroundWork::concurrentPerform(std::size_t count, const std::function<
         return;
     }
     const auto shared = std::make_shared<SharedIterations>(count, iteration);
+    std::uint64_t key = 0;
+    {
+        const std::scoped_lock lock(mutex_);
+        key = nextKey_++;
+        shared_.emplace(key, shared);
+    }
     // Only threads that are free right now help: the caller takes part itself, so it ends even when there is none, and
     // two callers at once cannot wait for each other.
     for (std::size_t helper = 1; helper < count; ++helper) {
-        if (!pool_.tryStart([shared] { shared->work(); })) {
+        if (!pool_.tryStart([this, key] { helpWith(key); })) {
             break;
         }
     }
     shared->work();
     shared->waitForAll();
+    const std::scoped_lock lock(mutex_);
+    shared_.erase(key);
+}
+
+void QtBackgroundWork::helpWith(std::uint64_t key) {
+    std::shared_ptr<SharedIterations> shared;
+    {
+        const std::scoped_lock lock(mutex_);
+        const auto found = shared_.find(key);
+        if (found == shared_.end()) {
+            return;  // all was done without this helper
+        }
+        shared = found->second;
+    }
+    shared->work();
 }
 
 }  // namespace ferrowyn

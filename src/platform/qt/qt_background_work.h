@@ -1,6 +1,10 @@
 #pragma once
 
 #include <QThreadPool>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
 
 #include "platform/background_work.h"
 
@@ -18,6 +22,14 @@ public:
     void concurrentPerform(std::size_t count, const std::function<void(std::size_t)>& iteration) override;
 
 private:
+    class SharedIterations;
+
+    void helpWith(std::uint64_t key);
+
+    std::mutex mutex_;
+    std::uint64_t nextKey_ = 0;
+    /// What helpers are handed goes through this class's own lock: the pool's is out of the thread sanitizer's sight.
+    std::unordered_map<std::uint64_t, std::shared_ptr<SharedIterations>> shared_;
     QThreadPool pool_;
 };
 

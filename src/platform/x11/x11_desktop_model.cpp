@@ -33,6 +33,7 @@ void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunnin
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::activeSpaceDidChange, std::nullopt});
     }
     activeWindow_ = root.activeWindow;
+    sessionStart_.reset();
     if (expectedActive_ == activeWindow_) {
         expectedActive_.reset();
     }
@@ -136,6 +137,7 @@ void X11DesktopModel::stopExpectingActive() {
 
 void X11DesktopModel::startSessionFrom(xcb_window_t active) {
     if (const auto* const window = find(expectedActive_.value_or(active))) {
+        sessionStart_ = window->id;
         Announcements announcements;
         report(*window, announcements);
         send(announcements);
@@ -209,7 +211,7 @@ std::optional<RunningApplication> X11DesktopModel::runningApplication(Pid pid) c
 }
 
 std::optional<Pid> X11DesktopModel::frontmostPid() const {
-    if (const auto* const active = find(activeWindow_)) {
+    if (const auto* const active = find(sessionStart_.value_or(activeWindow_))) {
         return active->pid;
     }
     const auto* const last = find(reportedActive_);

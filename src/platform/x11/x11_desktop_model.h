@@ -48,8 +48,8 @@ public:
     [[nodiscard]] std::vector<xcb_window_t> windowsOf(Pid pid) const;
     [[nodiscard]] std::vector<RunningApplication> runningApplications() const;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(Pid pid) const;
-    /// The application of the active window, or of the last one, as long as that is still there to be used: a passing
-    /// None does not take the front from it.
+    /// The application of the active window (of the one that a session has just started from), or of the last one, as
+    /// long as that is still there to be used: a passing None does not take the front from it.
     [[nodiscard]] std::optional<Pid> frontmostPid() const;
     [[nodiscard]] std::optional<xcb_window_t> lastActiveOf(Pid pid) const { return history_.lastActiveOf(pid); }
 
@@ -85,6 +85,8 @@ private:
     xcb_window_t reportedActive_ = XCB_WINDOW_NONE;
     std::optional<Pid> reportedPid_;
     std::optional<xcb_window_t> expectedActive_;
+    /// Newer than what the events have told, until they tell of the root window again.
+    std::optional<xcb_window_t> sessionStart_;
     /// Front-most first, desktop elements included.
     std::vector<xcb_window_t> order_;
     std::unordered_map<xcb_window_t, X11WindowFacts> windows_;

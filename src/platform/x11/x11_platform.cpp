@@ -81,7 +81,6 @@ struct X11Platform::Parts {
 
     QtMainLoop mainLoop;
     JournalLog log;
-    QtBackgroundWork backgroundWork;
     XdgFolders folders;
     IniUserDefaults userDefaults;
     DesktopEntries entries;
@@ -115,6 +114,8 @@ struct X11Platform::Parts {
     Subscription lockChanges;
     Subscription screenChanges;
     Subscription windowReadings;
+    /// Waits, before anything else here goes, for a snapshot that is still being read.
+    QtBackgroundWork backgroundWork;
     Platform platform;
 };
 

@@ -16,6 +16,11 @@
 #include <fstream>
 #include <stdexcept>
 
+extern "C" {
+// Without linkage of its own in glibc 2.36.
+#include <sys/pidfd.h>
+}
+
 namespace ferrowyn::x11test {
 
 namespace {
@@ -68,6 +73,11 @@ ChildProcess::ChildProcess(const Options& options) {
         becomeProgram(options, childSide);
     }
     close(childSide);
+    exit_ = pidfd_open(pid_, 0);
+    if (exit_ < 0) {
+        kill(-pid_, SIGKILL);
+        throw std::runtime_error("cannot watch " + options.command.front());
+    }
 }
 
 ChildProcess::~ChildProcess() {
@@ -80,6 +90,7 @@ ChildProcess::~ChildProcess() {
     }
     // What the program itself started and left behind is in its process group.
     kill(-pid_, SIGKILL);
+    close(exit_);
     close(terminal_);
 }
 
@@ -95,25 +106,28 @@ bool ChildProcess::isRunning() {
     return false;
 }
 
-void ChildProcess::readAvailable(int timeoutMilliseconds) {
-    pollfd waiting{terminal_, POLLIN, 0};
-    if (poll(&waiting, 1, timeoutMilliseconds) <= 0) {
-        return;
-    }
+void ChildProcess::readAvailable() {
     std::array<char, 4096> buffer{};
     ssize_t length = 0;
     while ((length = read(terminal_, buffer.data(), buffer.size())) > 0) {
         output_.append(buffer.data(), static_cast<std::size_t>(length));
     }
+    // Once nobody has the other side open any more there is nothing to wait for, though poll would always be ready.
+    hasTerminalEnded_ = length == 0 || errno == EIO;
+}
+
+void ChildProcess::waitForOutputOrExit(const Deadline& deadline) {
+    std::array<pollfd, 2> waiting{{{exit_, POLLIN, 0}, {hasTerminalEnded_ ? -1 : terminal_, POLLIN, 0}}};
+    poll(waiting.data(), waiting.size(), deadline.remainingMilliseconds());
 }
 
 std::string ChildProcess::output() {
-    readAvailable(0);
+    readAvailable();
     return output_;
 }
 
 void ChildProcess::discardOutput() {
-    readAvailable(0);
+    readAvailable();
     output_.clear();
 }
 
@@ -124,15 +138,16 @@ bool ChildProcess::waitForOutput(const std::string& text, milliseconds budget) {
 bool ChildProcess::waitUntilOutput(const std::function<bool()>& predicate, milliseconds budget) {
     const Deadline deadline(budget);
     while (true) {
-        readAvailable(0);
+        // Asked first: what the program wrote before it ended is still looked at.
+        const bool isLastLook = !isRunning() || deadline.hasPassed();
+        readAvailable();
         if (predicate()) {
             return true;
         }
-        if (!isRunning() || deadline.hasPassed()) {
+        if (isLastLook) {
             return false;
         }
-        // A pseudo-terminal does not say that its other side ended in a way that poll could wait for.
-        readAvailable(std::min(deadline.remainingMilliseconds(), 50));
+        waitForOutputOrExit(deadline);
     }
 }
 
@@ -143,12 +158,11 @@ void ChildProcess::signal(int number) const {
 std::optional<int> ChildProcess::waitForExit(milliseconds budget) {
     const Deadline deadline(budget);
     while (isRunning() && !deadline.hasPassed()) {
-        readAvailable(5);
-        if (isRunning()) {
-            usleep(1000);
-        }
+        // A program whose terminal is full could not go on to its end.
+        readAvailable();
+        waitForOutputOrExit(deadline);
     }
-    readAvailable(0);
+    readAvailable();
     return status_;
 }
 

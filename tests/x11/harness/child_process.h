@@ -44,10 +44,14 @@ public:
     [[nodiscard]] std::optional<int> waitForExit(milliseconds budget = patience);
 
 private:
-    void readAvailable(int timeoutMilliseconds);
+    void readAvailable();
+    void waitForOutputOrExit(const Deadline& deadline);
 
     pid_t pid_ = -1;
     int terminal_ = -1;
+    bool hasTerminalEnded_ = false;
+    /// Readable once the process has ended.
+    int exit_ = -1;
     std::string output_;
     std::optional<int> status_;
 };

@@ -23,6 +23,16 @@ ChildProcess::Options childOptions(const std::string& path, const PrivateXServer
 FerrowynProgram::FerrowynProgram(const std::string& path, const PrivateXServer& server, const Options& options)
     : process_(childOptions(path, server, options)) {}
 
+std::string FerrowynProgram::sanitizerReport() {
+    const std::string output = process_.output();
+    for (const char* const mark : {"Sanitizer", "runtime error: "}) {
+        if (const auto start = output.find(mark); start != std::string::npos) {
+            return output.substr(start);
+        }
+    }
+    return {};
+}
+
 std::string FerrowynProgram::latestList() {
     const std::string output = process_.output();
     const auto start = output.rfind(announcement);

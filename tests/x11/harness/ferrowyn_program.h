@@ -31,6 +31,8 @@ public:
     /// while the panel is hidden; the program says it at the debug level.
     [[nodiscard]] bool waitForList(std::size_t count, xcb_window_t first, milliseconds budget = patience);
     [[nodiscard]] bool waitForFirst(xcb_window_t first, milliseconds budget = patience);
+    /// What a sanitizer complained of on the program's terminal, from its first word on; empty when none did.
+    [[nodiscard]] std::string sanitizerReport();
 
 private:
     [[nodiscard]] std::string latestList();

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <stdexcept>
 
 #include "platform/x11/xcb_reply.h"
@@ -33,6 +34,10 @@ TestDesktop::TestDesktop(const std::string& display) {
         throw std::runtime_error("no X server at " + display);
     }
     screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+    clock_ = xcb_generate_id(connection_);
+    const std::uint32_t clockMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(connection_, 0, clock_, root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
+                      XCB_CW_EVENT_MASK, &clockMask);
     // A grab of the keyboard begins and ends with a change of the focus.
     const std::uint32_t mask =
         XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE;
@@ -147,6 +152,18 @@ std::uint32_t TestDesktop::currentDesktop() const {
     return current.empty() ? 0 : current.front();
 }
 
+xcb_timestamp_t TestDesktop::serverTime() {
+    xcb_change_property(connection_, XCB_PROP_MODE_APPEND, clock_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0, nullptr);
+    xcb_flush(connection_);
+    while (const XcbReply<xcb_generic_event_t> event{xcb_wait_for_event(connection_)}) {
+        const auto* const change = reinterpret_cast<const xcb_property_notify_event_t*>(event.get());
+        if ((event->response_type & 0x7FU) == XCB_PROPERTY_NOTIFY && change->window == clock_) {
+            return change->time;
+        }
+    }
+    return XCB_CURRENT_TIME;
+}
+
 void TestDesktop::sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data) {
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
@@ -161,9 +178,9 @@ void TestDesktop::sendToRoot(xcb_window_t window, const std::string& message, co
     xcb_flush(connection_);
 }
 
-void TestDesktop::activate(xcb_window_t window, std::uint32_t time) {
+void TestDesktop::activate(xcb_window_t window) {
     constexpr std::uint32_t fromPager = 2;
-    sendToRoot(window, "_NET_ACTIVE_WINDOW", {fromPager, time, 0});
+    sendToRoot(window, "_NET_ACTIVE_WINDOW", {fromPager, serverTime(), 0});
 }
 
 void TestDesktop::setState(xcb_window_t window, const std::string& state, bool isOn) {
@@ -208,28 +225,41 @@ bool TestDesktop::isViewable(xcb_window_t window) const {
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
-std::optional<xcb_window_t> TestDesktop::visiblePanel() const {
+std::set<xcb_window_t> TestDesktop::shownTopLevels() const {
     const auto cookie = xcb_query_tree(connection_, root());
     const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection_, cookie, nullptr));
     if (!tree) {
-        return std::nullopt;
+        return {};
     }
-    const auto* const children = xcb_query_tree_children(tree.get());
-    const int count = xcb_query_tree_children_length(tree.get());
-    for (int index = count - 1; index >= 0; --index) {
-        const xcb_window_t window = children[index];
-        const auto attributesCookie = xcb_get_window_attributes(connection_, window);
-        const XcbReply<xcb_get_window_attributes_reply_t> attributes(
-            xcb_get_window_attributes_reply(connection_, attributesCookie, nullptr));
-        if (!attributes || attributes->override_redirect == 0 || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
-            attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) {
-            continue;
+    const std::span children(xcb_query_tree_children(tree.get()),
+                             static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
+    std::set<xcb_window_t> shown;
+    for (const auto window : children) {
+        if (isShown(window)) {
+            shown.insert(window);
         }
-        const auto place = placeOf(window);
-        const bool isOnScreen = place && place->x + place->width > 0 && place->y + place->height > 0 &&
-                                place->x < screen_->width_in_pixels && place->y < screen_->height_in_pixels &&
-                                place->width > 16;
-        if (isOnScreen && text(window, "WM_CLASS").find("ferrowyn") != std::string::npos) {
+    }
+    return shown;
+}
+
+bool TestDesktop::isShown(xcb_window_t window) const {
+    const auto cookie = xcb_get_window_attributes(connection_, window);
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(connection_, cookie, nullptr));
+    if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+        attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) {
+        return false;
+    }
+    // Managers and toolkits keep tiny windows for their own purposes.
+    constexpr int smallest = 16;
+    const auto place = placeOf(window);
+    return place && place->x + place->width > 0 && place->y + place->height > 0 &&
+           place->x < screen_->width_in_pixels && place->y < screen_->height_in_pixels && place->width > smallest;
+}
+
+std::optional<xcb_window_t> TestDesktop::visiblePanel() const {
+    for (const auto window : shownTopLevels()) {
+        if (text(window, "WM_CLASS").find("ferrowyn") != std::string::npos) {
             return window;
         }
     }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,8 +44,9 @@ public:
     [[nodiscard]] bool hasState(xcb_window_t window, const std::string& state) const;
     [[nodiscard]] std::uint32_t currentDesktop() const;
 
-    /// Asks the manager, as a pager does.
-    void activate(xcb_window_t window, std::uint32_t time = XCB_CURRENT_TIME);
+    /// Asks the manager, as a pager does that was clicked now. A request without a time counts from when the manager
+    /// reads it, and a slow one then takes it for newer than keys that were pressed after it.
+    void activate(xcb_window_t window);
     void setState(xcb_window_t window, const std::string& state, bool isOn);
     void moveToDesktop(xcb_window_t window, std::uint32_t desktop);
     void setCurrentDesktop(std::uint32_t desktop);
@@ -61,6 +63,8 @@ public:
     };
     [[nodiscard]] std::optional<Place> placeOf(xcb_window_t window) const;
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
+    /// Every window that a person could see, except the ones inside others; panels and popups are among them.
+    [[nodiscard]] std::set<xcb_window_t> shownTopLevels() const;
     /// The switcher's panel as it is on the screen: a visible override-redirect window of the class "ferrowyn".
     [[nodiscard]] std::optional<xcb_window_t> visiblePanel() const;
     [[nodiscard]] bool waitForPanel(bool isVisible, milliseconds budget = patience);
@@ -81,11 +85,15 @@ public:
     [[nodiscard]] bool waitForUntouchedKeyboard(milliseconds budget = patience);
 
 private:
+    [[nodiscard]] bool isShown(xcb_window_t window) const;
+    [[nodiscard]] xcb_timestamp_t serverTime();
     void selectRawKeys() const;
     void sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data);
 
     xcb_connection_t* connection_;
     xcb_screen_t* screen_;
+    /// Never shown; its property's changes tell the server's time.
+    xcb_window_t clock_;
 };
 
 }  // namespace ferrowyn::x11test

@@ -17,8 +17,8 @@ constexpr const char* i3Configuration =
     "font pango:monospace 8\n"
     "workspace_layout stacking\n"
     "focus_follows_mouse no\n"
-    "bindsym Mod1+Tab focus right\n"
-    "bindsym Mod1+Shift+Tab focus left\n";
+    "bindsym Mod1+Tab focus down\n"
+    "bindsym Mod1+Shift+Tab focus up\n";
 
 std::vector<std::string> commandFor(const std::string& name, const PrivateXServer& server, bool replacing) {
     // The managers of the large desktops want a session bus; each gets one of its own that ends with it.

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,8 +18,11 @@
 
 namespace ferrowyn::x11test {
 
+/// How wide the panel is in these layouts.
+inline constexpr int listWidth = 640, gridWidth = 760;
+
 /// A private desktop with a real window manager, on which the real program switches between real windows.
-class SwitchingFixture {
+class SwitchingDesk {
 public:
     struct Options {
         std::vector<std::string> screens{"1280x800x24"};
@@ -27,8 +31,8 @@ public:
         FerrowynProgram::Options program;
     };
 
-    explicit SwitchingFixture(const std::string& managerName) : SwitchingFixture(managerName, Options{}) {}
-    SwitchingFixture(const std::string& managerName, const Options& options);
+    explicit SwitchingDesk(const std::string& managerName) : SwitchingDesk(managerName, Options{}) {}
+    SwitchingDesk(const std::string& managerName, const Options& options);
 
     PrivateXServer server;
     std::unique_ptr<WindowManagerProcess> manager;
@@ -41,6 +45,16 @@ public:
     /// recently used one.
     void openWindows(int count);
     TestWindow& openWindow(const TestWindow::Options& options);
+    /// Opens a window and makes it the active one.
+    void openActive(const TestWindow::Options& options);
+    /// Makes a window of another process the active one as a pager would, once the manager has it.
+    void makeActive(xcb_window_t window);
+    /// Starts a program as a client of this desktop.
+    [[nodiscard]] ChildProcess startClient(const std::vector<std::string>& command) const;
+    /// Runs a command on this desktop, which must succeed.
+    void run(const std::vector<std::string>& command);
+    /// A line of the section "switcher" in the user's settings file; before the program starts.
+    void writeSwitcherSetting(const std::string& line) const;
     /// Starts the program and waits until it lists `listed` windows (all that were opened, when not given).
     void startProgram(std::optional<std::size_t> listed = std::nullopt);
     /// The `ordinal`-th window opened, counted from 1.
@@ -51,11 +65,18 @@ public:
     /// Holds Alt, taps Tab `times`, and waits for the panel; Alt stays down.
     void hold(int times = 1);
     void holdBackward();
+    void type(std::initializer_list<std::uint8_t> keyCodes);
     void letGo();
     /// Waits until this window is active and the panel is gone, and the program's list has it in front.
     void expectSwitchTo(xcb_window_t window);
+    /// Waits until the panel has this width.
+    void expectPanelWidth(int width);
+    /// Where the panel is; it must be on the screen.
+    [[nodiscard]] TestDesktop::Place panelPlace() const;
     /// Nothing is left over: no panel, no key down, no grab.
     void expectQuiet();
+    /// The same, and the program ends by itself when asked to, without a sanitizer's report.
+    void expectCleanEnd();
 
 private:
     FerrowynProgram::Options programOptions_;

@@ -1,0 +1,31 @@
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "tests/x11/harness/test_window.h"
+
+/// An application of a test: opens a window for each of its arguments after the first, which is its name, says their
+/// identifiers one a line, and stays until it is ended.
+int main(int argumentCount, char** arguments) {
+    using ferrowyn::x11test::TestWindow;
+    const std::span<char*> all(arguments, static_cast<std::size_t>(argumentCount));
+    const char* const display = std::getenv("DISPLAY");
+    if (all.size() < 3 || display == nullptr) {
+        std::fprintf(stderr, "usage: DISPLAY=… ferrowyn_test_application NAME TITLE…\n");
+        return 2;
+    }
+    std::vector<std::unique_ptr<TestWindow>> windows;
+    for (const char* const title : all.subspan(2)) {
+        windows.push_back(std::make_unique<TestWindow>(
+            display, TestWindow::Options{.title = title, .className = all[1], .x = 60 * static_cast<int>(all.size())}));
+        std::printf("window %u\n", windows.back()->id());
+    }
+    std::printf("ready\n");
+    std::fflush(stdout);
+    pause();
+    return 0;
+}

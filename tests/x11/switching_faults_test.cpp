@@ -1,0 +1,94 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/x11/xcb_reply.h"
+#include "tests/x11/desk_test.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+/// A screen locker, as far as the keyboard goes.
+class KeyboardLocker {
+public:
+    explicit KeyboardLocker(const std::string& display) : desktop_(display) {
+        const XcbReply<xcb_grab_keyboard_reply_t> reply(
+            xcb_grab_keyboard_reply(desktop_.connection(),
+                                    xcb_grab_keyboard(desktop_.connection(), 0, desktop_.root(), XCB_CURRENT_TIME,
+                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                    nullptr));
+        EXPECT_TRUE(reply && reply->status == XCB_GRAB_STATUS_SUCCESS) << "the keyboard could not be locked";
+    }
+    void letGo() {
+        xcb_ungrab_keyboard(desktop_.connection(), XCB_CURRENT_TIME);
+        xcb_flush(desktop_.connection());
+    }
+
+private:
+    TestDesktop desktop_;
+};
+
+class SwitchingFaultsTest : public ManagedDeskTest {
+protected:
+    void TearDown() override {
+        if (!isServerGone) {
+            expectCleanEnd();
+        }
+    }
+
+    bool isServerGone = false;
+};
+
+TEST_P(SwitchingFaultsTest, WithoutAWindowManagerItSaysWhatIsMissingAndStartsOnceThereIsOne) {
+    openWindows(2);
+    manager.reset();
+    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server);
+    EXPECT_TRUE(
+        program->process().waitForOutput("No window manager with the extended window-manager hints is running"));
+    EXPECT_THAT(program->process().output(), testing::Not(testing::HasSubstr("Services active")));
+    manager = std::make_unique<WindowManagerProcess>(server, GetParam());
+    EXPECT_TRUE(program->waitUntilActive());
+}
+
+TEST_P(SwitchingFaultsTest, TheProgramEndsWhenTheServerDoes) {
+    openWindows(1);
+    startProgram();
+    windows.clear();
+    server.kill();
+    EXPECT_EQ(program->process().waitForExit(), 1);
+    EXPECT_EQ(program->sanitizerReport(), "");
+    // There is no desk left to be clean.
+    program.reset();
+    isServerGone = true;
+}
+
+TEST_P(SwitchingFaultsTest, ALockedKeyboardNeverOpensThePanelAndIsPublishedAsSecureInput) {
+    openWindows(2);
+    startProgram();
+    KeyboardLocker locker(server.display());
+    input.chord({key::leftAlt, key::tab});
+    EXPECT_TRUE(program->process().waitForOutput("Secure input active: true"));
+    EXPECT_FALSE(desktop.visiblePanel());
+    locker.letGo();
+    EXPECT_TRUE(program->process().waitForOutput("Secure input active: false"));
+    input.chord({key::leftAlt, key::tab});
+    expectSwitchTo(window(1));
+}
+
+TEST_P(SwitchingFaultsTest, SwitchingGoesOnAfterTheWindowManagerWasReplaced) {
+    openWindows(2);
+    startProgram();
+    manager.reset();
+    ASSERT_TRUE(program->process().waitForOutput("Accessibility trust changed to notTrusted"));
+    EXPECT_TRUE(program->process().waitForOutput("Services suspended"));
+    program->process().discardOutput();
+    manager = std::make_unique<WindowManagerProcess>(server, GetParam());
+    ASSERT_TRUE(program->waitUntilActive());
+    use(window(2));
+    input.chord({key::leftAlt, key::tab});
+    expectSwitchTo(window(1));
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, SwitchingFaultsTest, testing::Values("openbox", "xfwm4"), managerName);
+
+}  // namespace
+}  // namespace ferrowyn::x11test

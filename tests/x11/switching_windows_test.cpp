@@ -1,0 +1,130 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/x11/desk_test.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+class SwitchingWindowsTest : public ManagedDeskTest {};
+
+TEST_P(SwitchingWindowsTest, AMinimisedWindowIsRestored) {
+    openWindows(3);
+    startProgram();
+    desktop.watchProperties(window(1));
+    desktop.iconify(window(1));
+    ASSERT_TRUE(desktop.waitUntil([&] { return !desktop.isViewable(window(1)); }));
+    hold();
+    input.tap(key::end);
+    input.tap(key::enter);
+    expectSwitchTo(window(1));
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.isViewable(window(1)); }));
+    letGo();
+}
+
+TEST_P(SwitchingWindowsTest, AWindowOnAnotherDesktopIsReached) {
+    desktop.setDesktopCount(2);
+    openWindows(3);
+    startProgram();
+    desktop.watchProperties(window(1));
+    desktop.moveToDesktop(window(1), 1);
+    ASSERT_TRUE(desktop.waitUntil([&] {
+        const auto on = desktop.cardinals(window(1), "_NET_WM_DESKTOP");
+        return !on.empty() && on.front() == 1;
+    })) << "waited for the window to be on the other desktop";
+    hold();
+    input.tap(key::end);
+    input.tap(key::enter);
+    expectSwitchTo(window(1));
+    letGo();
+}
+
+TEST_P(SwitchingWindowsTest, ThePanelStandsAboveAFullScreenWindow) {
+    openWindows(2);
+    startProgram();
+    desktop.setState(window(2), "_NET_WM_STATE_FULLSCREEN", true);
+    ASSERT_TRUE(desktop.waitUntil([&] {
+        const auto place = desktop.placeOf(window(2));
+        return place && place->width == 1280 && place->height == 800;
+    })) << "waited for the window to fill the screen";
+    const auto below = desktop.pixel(640, 300);
+    hold();
+    const auto panel = panelPlace();
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.pixel(panel.x + 30, panel.y + 20) != below; }));
+    letGo();
+    expectSwitchTo(window(1));
+}
+
+TEST_P(SwitchingWindowsTest, DialogsAreListedAndSkipTaskbarWindowsAreNot) {
+    openWindows(2);
+    openWindow({.title = "Save as", .type = "_NET_WM_WINDOW_TYPE_DIALOG", .transientFor = window(1)});
+    ASSERT_TRUE(desktop.waitUntil([&] { return desktop.clientList().size() == 3; }));
+    openWindow({.title = "Helper", .states = {"_NET_WM_STATE_SKIP_TASKBAR"}});
+    ASSERT_TRUE(desktop.waitUntil([&] { return desktop.clientList().size() == 4; }));
+    makeActive(window(2));
+    startProgram(3);
+    hold();
+    type({key::s, key::a, key::v});
+    input.tap(key::enter);
+    expectSwitchTo(window(3));
+    letGo();
+}
+
+TEST_P(SwitchingWindowsTest, AWindowClosedWhileListedKeepsItsRowAndNothingBreaks) {
+    openWindows(3);
+    startProgram();
+    hold();
+    windows[1]->destroy();
+    ASSERT_TRUE(desktop.waitUntil([&] { return desktop.clientList().size() == 2; }));
+    letGo();
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    ASSERT_TRUE(program->waitForList(2, window(3)));
+    input.chord({key::leftAlt, key::tab});
+    expectSwitchTo(window(1));
+}
+
+TEST_P(SwitchingWindowsTest, AnApplicationThatHangsIsStillReached) {
+    openWindows(2);
+    const ChildProcess terminal = startClient({"xterm", "-T", "Hanging terminal"});
+    ASSERT_TRUE(desktop.waitUntil([&] { return desktop.clientList().size() == 3; }));
+    const auto hanging = desktop.clientList().back();
+    makeActive(hanging);
+    startProgram(3);
+    use(window(2));
+    terminal.signal(SIGSTOP);
+    hold();
+    type({key::h, key::a, key::n, key::g});
+    input.tap(key::enter);
+    EXPECT_TRUE(desktop.waitForActiveWindow(hanging));
+    letGo();
+    expectQuiet();
+    terminal.signal(SIGCONT);
+}
+
+TEST_P(SwitchingWindowsTest, OfTwoHundredWindowsEachIsListedAndAnyIsReached) {
+    openWindows(200);
+    // That all of them are published, the last one opened in front.
+    startProgram(200);
+    // Rows: 200, 199 … 1.
+    hold();
+    input.tap(key::end);
+    letGo();
+    input.tap(key::enter);
+    expectSwitchTo(window(1));
+    // 1 200 … 2: 150 Tabs lead to the 151st row.
+    hold(150);
+    letGo();
+    expectSwitchTo(window(51));
+    // 51 1 200 … 52 50 … 2: from the last row up to the fourth from the end.
+    hold();
+    input.tap(key::end);
+    type({key::up, key::up, key::up, key::enter});
+    expectSwitchTo(window(5));
+    letGo();
+    EXPECT_TRUE(program->waitForList(200, window(5)));
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, SwitchingWindowsTest, testing::Values("openbox", "xfwm4"), managerName);
+
+}  // namespace
+}  // namespace ferrowyn::x11test
