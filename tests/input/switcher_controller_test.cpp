@@ -96,7 +96,7 @@ protected:
     std::vector<WindowId> shownWindows() {
         std::vector<WindowId> ids;
         for (const auto& row : viewModel().rows.get()) {
-            ids.push_back(row.window.id);
+            ids.push_back(row.window->id);
         }
         return ids;
     }
