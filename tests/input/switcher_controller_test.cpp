@@ -618,6 +618,11 @@ TEST_F(SwitcherControllerTest, PreparesWhenAnythingTheNextSessionShowsChanges) {
         [&] { windowIndex.noteActivated(3); },
         [&] { desktop.setScreenParametersChanged(); },
         [&] {
+            desktop.setScreens({{{0, 0, 800, 600}, {0, 0, 800, 580}}});
+        },
+        [&] { preferences.modifier.set(SwitcherModifier::command); },
+        [&] { content.onAppearanceChanged(); },
+        [&] {
             controller->handle(Invoke{false});
             controller->handle(Cancel{});
         },
