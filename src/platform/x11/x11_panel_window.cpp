@@ -141,8 +141,10 @@ bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonRelease: {
             const QPointF inPoints = static_cast<const QSinglePointEvent*>(event)->position();
             const double scale = devicePixelRatioF();
+            const bool isPress = event->type() == QEvent::MouseButtonPress;
             onPointer_(frame_.x + static_cast<int>(std::lround(inPoints.x() * scale)),
-                       frame_.y + static_cast<int>(std::lround(inPoints.y() * scale)));
+                       frame_.y + static_cast<int>(std::lround(inPoints.y() * scale)),
+                       isPress ? static_cast<std::uint32_t>(static_cast<const QInputEvent*>(event)->timestamp()) : 0);
             break;
         }
         default:
