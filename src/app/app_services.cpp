@@ -31,6 +31,7 @@ AppServices::AppServices(const Platform& platform, const SwitcherContentFactory&
       authorizer_(platform),
       iconProvider_(platform.icons, platform.workspace),
       windowIndex_(platform),
+      iconPrefetcher_(platform.mainLoop, iconProvider_, windowIndex_.windows()),
       hotKeyMonitor_(platform, preferences_->modifier.get()),
       favourites_(platform.userDefaults, platform.workspace),
       switcher_(makeSwitcher(makeContent)) {

@@ -10,6 +10,7 @@
 #include "inventory/window_index.h"
 #include "services/accessibility_authorizer.h"
 #include "services/favourites_store.h"
+#include "services/icon_prefetcher.h"
 #include "services/icon_provider.h"
 #include "services/preferences.h"
 
@@ -65,6 +66,7 @@ private:
     AccessibilityAuthorizer authorizer_;
     IconProvider iconProvider_;
     WindowIndex windowIndex_;
+    IconPrefetcher iconPrefetcher_;
     HotKeyMonitor hotKeyMonitor_;
     FavouritesStore favourites_;
     std::unique_ptr<SwitcherController> switcher_;

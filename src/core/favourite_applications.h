@@ -15,8 +15,8 @@ public:
 
     /// Oldest favourite first; the same identifier may stand in it twice.
     [[nodiscard]] virtual const Published<std::vector<std::string>>& bundleIdentifiers() const = 0;
-    /// The windows of favourite applications first, then the others, each part in its given order.
-    [[nodiscard]] virtual std::vector<AppWindow> ordered(std::vector<AppWindow> windows) const = 0;
+    /// The windows of favourite applications first, then the others, each part in its given order. None is null.
+    [[nodiscard]] virtual std::vector<const AppWindow*> ordered(std::vector<const AppWindow*> windows) const = 0;
 };
 
 }  // namespace ferrowyn

@@ -322,6 +322,25 @@ std::optional<std::int64_t> score(const Query& query, const AppWindow& window,
     return best ? std::optional(best->score) : std::nullopt;
 }
 
+bool needsPreparation(const AppWindow& window) {
+    return !plain_ascii::isPlain(window.displayTitleView()) || !plain_ascii::isPlain(window.appName);
+}
+
+bool prepareAhead(const AppWindow& window) {
+    const std::string_view title = window.displayTitleView();
+    const bool isNamePlain = plain_ascii::isPlain(window.appName);
+    const bool isTitlePlain = plain_ascii::isPlain(title);
+    if (isNamePlain && isTitlePlain) {
+        return false;
+    }
+    PreparedTextCache& cache = PreparedTextCache::ofThisThread();
+    const bool isTitleNew = !isTitlePlain && cache.prepareAhead(title);
+    const bool isNameNew = !isNamePlain && cache.prepareAhead(window.appName);
+    std::string& combined = scratchOfThisThread().combined;
+    combined.assign(window.appName).append(1, ' ').append(title);
+    return cache.prepareAhead(combined) || isTitleNew || isNameNew;
+}
+
 std::vector<std::int32_t> wordStartIndices(std::string_view text) {
     const CharacterCodes characters(text);
     std::vector<std::int32_t> starts;

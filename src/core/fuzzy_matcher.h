@@ -50,6 +50,11 @@ private:
 [[nodiscard]] std::optional<std::int64_t> score(const Query& query, const AppWindow& window,
                                                 std::vector<std::int32_t>& titleIndices);
 
+/// Whether scoring the window asks for a preparation that is worth doing ahead: not with plain ASCII texts.
+[[nodiscard]] bool needsPreparation(const AppWindow& window);
+/// Does it for later scores on this thread. Whether there was anything to do.
+bool prepareAhead(const AppWindow& window);
+
 /// Position 0 and every position after a word separator.
 [[nodiscard]] std::vector<std::int32_t> wordStartIndices(std::string_view text);
 

@@ -27,4 +27,13 @@ const PreparedText& PreparedTextCache::prepared(std::string_view text) {
     return recent_.try_emplace(std::string(text), text).first->second;
 }
 
+bool PreparedTextCache::prepareAhead(std::string_view text) {
+    if (text.size() > longestKeptText || recent_.find(text) != recent_.end()) {
+        return false;
+    }
+    const bool isNew = older_.find(text) == older_.end();
+    static_cast<void>(prepared(text));
+    return isNew;
+}
+
 }  // namespace ferrowyn

@@ -24,6 +24,10 @@ public:
     /// Valid until the next call.
     [[nodiscard]] const PreparedText& prepared(std::string_view text);
 
+    /// Prepares a text that will be asked for, unless it is there already or too long to be kept. Whether there was
+    /// anything to do.
+    bool prepareAhead(std::string_view text);
+
     [[nodiscard]] std::size_t size() const { return recent_.size() + older_.size(); }
 
 private:

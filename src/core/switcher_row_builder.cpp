@@ -29,7 +29,6 @@ private:
 void SwitcherRowBuilder::build(const Input& input, std::vector<Row>& rows) {
     entries_.clear();
     highlights_.clear();
-    reordered_.clear();
     const std::string_view query = text::trimmingWhitespace(input.query);
     if (!query.empty()) {
         enterMatches(input, query);
@@ -41,12 +40,12 @@ void SwitcherRowBuilder::build(const Input& input, std::vector<Row>& rows) {
     if (settings_.layout.get() == SwitcherLayout::grouped) {
         groupByProcess();
     }
-    writeRows(rows);
+    writeRows(input.windows, rows);
 }
 
 void SwitcherRowBuilder::enterLiveWindows(const Input& input) {
     const Filter filter(settings_);
-    for (const AppWindow& window : input.windows) {
+    for (const AppWindow& window : *input.windows) {
         if (filter.includes(window)) {
             entries_.push_back({.window = &window});
         }
@@ -57,40 +56,44 @@ void SwitcherRowBuilder::enterLiveWindows(const Input& input) {
     }
     // Last, so that favourites come before the active application's other windows.
     if (settings_.favouritesFirst.get()) {
-        reordered_.reserve(entries_.size());
+        std::vector<const AppWindow*> windows;
+        windows.reserve(entries_.size());
         for (const Entry& entry : entries_) {
-            reordered_.push_back(*entry.window);
+            windows.push_back(entry.window);
         }
-        reordered_ = favourites_.ordered(std::move(reordered_));
         entries_.clear();
-        for (const AppWindow& window : reordered_) {
-            entries_.push_back({.window = &window});
+        for (const AppWindow* window : favourites_.ordered(std::move(windows))) {
+            entries_.push_back({.window = window});
         }
     }
 }
 
 void SwitcherRowBuilder::enterSessionWindows(const Input& input) {
     std::unordered_map<WindowId, const AppWindow*> currentById;
-    currentById.reserve(input.windows.size());
-    for (const AppWindow& window : input.windows) {
+    currentById.reserve(input.windows->size());
+    for (const AppWindow& window : *input.windows) {
         currentById.try_emplace(window.id, &window);
     }
-    for (const AppWindow& captured : *input.sessionWindows) {
-        const auto current = currentById.find(captured.id);
-        entries_.push_back({.window = current == currentById.end() ? &captured : current->second});
+    for (const SharedWindow& captured : *input.sessionWindows) {
+        const auto current = currentById.find(captured->id);
+        entries_.push_back(current == currentById.end() ? Entry{.window = &*captured, .remembered = &captured}
+                                                        : Entry{.window = current->second});
     }
 }
 
 void SwitcherRowBuilder::enterMatches(const Input& input, std::string_view query) {
     const FuzzyMatcher::Query prepared(query);
     const Filter filter(settings_);
-    entries_.reserve(input.windows.size());
-    for (const AppWindow& window : input.windows) {
+    entries_.reserve(input.windows->size());
+    for (const AppWindow& window : *input.windows) {
         if (!filter.includes(window)) {
             continue;
         }
         if (const auto score = FuzzyMatcher::score(prepared, window, titleIndices_)) {
-            entries_.push_back({&window, *score, highlights_.size(), titleIndices_.size()});
+            entries_.push_back({.window = &window,
+                                .score = *score,
+                                .firstHighlight = highlights_.size(),
+                                .highlightCount = titleIndices_.size()});
             highlights_.insert(highlights_.end(), titleIndices_.begin(), titleIndices_.end());
         }
     }
@@ -117,7 +120,7 @@ void SwitcherRowBuilder::groupByProcess() {
     }
 }
 
-void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) {
+void SwitcherRowBuilder::writeRows(const SharedWindow::List& windows, std::vector<Row>& rows) {
     const std::vector<std::string>& identifiers = favourites_.bundleIdentifiers().get();
     const std::unordered_set<std::string_view> favourites(identifiers.begin(), identifiers.end());
     std::unordered_map<Pid, int> groupSizes;
@@ -129,7 +132,7 @@ void SwitcherRowBuilder::writeRows(std::vector<Row>& rows) {
         Entry& entry = entries_[i];
         const AppWindow& window = *entry.window;
         Row& row = rows[i];
-        row.window = window;
+        row.window = entry.remembered != nullptr ? *entry.remembered : SharedWindow(windows, window);
         const auto firstHighlight = highlights_.begin() + static_cast<std::ptrdiff_t>(entry.firstHighlight);
         row.highlightedTitleIndices.assign(firstHighlight,
                                            firstHighlight + static_cast<std::ptrdiff_t>(entry.highlightCount));

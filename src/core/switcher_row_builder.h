@@ -9,6 +9,7 @@
 #include "core/app_window.h"
 #include "core/favourite_applications.h"
 #include "core/session_settings.h"
+#include "core/shared_window.h"
 #include "core/switcher_view_model.h"
 
 namespace ferrowyn {
@@ -21,26 +22,27 @@ public:
 
     struct Input {
         /// Most recently used first.
-        const std::vector<AppWindow>& windows;
+        const SharedWindow::List& windows;
         /// As typed; blanks around it are ignored.
         std::string_view query;
         /// Whose windows come first where the settings ask for it.
         std::optional<Pid> frontmostPID;
         /// The order to keep while there is no query; null outside a session.
-        const std::vector<AppWindow>* sessionWindows = nullptr;
+        const std::vector<SharedWindow>* sessionWindows = nullptr;
     };
 
     SwitcherRowBuilder(const SessionSettings& settings, const FavouriteApplications& favourites)
         : settings_(settings), favourites_(favourites) {}
 
-    /// Replaces `rows`. Whatever they held before only lends its memory: at every keystroke some hundred rows change
-    /// places, and their texts fit where others were.
+    /// Replaces `rows`, whose memory is used again.
     void build(const Input& input, std::vector<Row>& rows);
 
 private:
     /// One row to be.
     struct Entry {
         const AppWindow* window = nullptr;
+        /// The same when it is one that the session remembers and the list does not have any more.
+        const SharedWindow* remembered = nullptr;
         std::int64_t score = 0;
         /// Where its highlights stand in `highlights_`.
         std::size_t firstHighlight = 0;
@@ -56,15 +58,13 @@ private:
     void enterSessionWindows(const Input& input);
     void enterMatches(const Input& input, std::string_view query);
     void groupByProcess();
-    void writeRows(std::vector<Row>& rows);
+    void writeRows(const SharedWindow::List& windows, std::vector<Row>& rows);
 
     const SessionSettings& settings_;
     const FavouriteApplications& favourites_;
     std::vector<Entry> entries_;
     std::vector<std::int32_t> highlights_;
     std::vector<std::int32_t> titleIndices_;
-    /// Where the entries' windows live when the favourites have reordered copies of them.
-    std::vector<AppWindow> reordered_;
 };
 
 }  // namespace ferrowyn

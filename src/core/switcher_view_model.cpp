@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/fuzzy_matcher.h"
 #include "core/graphemes.h"
 #include "core/switcher_row_builder.h"
 
 namespace ferrowyn {
 
 namespace {
+
+/// A key press that comes meanwhile waits for them: a quarter of a millisecond.
+constexpr std::size_t windowsPreparedInOneTurn = 8;
 
 /// A session begins on the second row: the window that was used just before the present one.
 int firstSelection(std::size_t rowCount, bool reverse) {
@@ -35,8 +39,10 @@ SwitcherViewModel::~SwitcherViewModel() = default;
 void SwitcherViewModel::bind(const Published<std::vector<AppWindow>>& windows,
                              const Published<AccessibilityStatus>& status) {
     cancellables_.push_back(windows.subscribe([this](const std::vector<AppWindow>& list) {
-        allWindows_ = list;
+        allWindows_ = std::make_shared<const std::vector<AppWindow>>(list);
         rebuildRows(true);
+        nextToPrepare_ = 0;
+        prepareTextsLater();
     }));
     cancellables_.push_back(status.subscribe([this](const AccessibilityStatus& current) {
         isAccessibilityTrusted.set(current == AccessibilityStatus::trusted);
@@ -60,13 +66,38 @@ void SwitcherViewModel::rebuildRowsLater() {
     });
 }
 
+void SwitcherViewModel::prepareTextsLater() {
+    const auto& windows = *allWindows_;
+    const auto first = std::find_if(windows.begin() + static_cast<std::ptrdiff_t>(nextToPrepare_), windows.end(),
+                                    FuzzyMatcher::needsPreparation);
+    nextToPrepare_ = static_cast<std::size_t>(first - windows.begin());
+    if (first == windows.end() || std::exchange(isPreparationPosted_, true)) {
+        return;
+    }
+    post_([weakSelf = std::weak_ptr<SwitcherViewModel*>(self_)] {
+        if (const auto self = weakSelf.lock()) {
+            (*self)->prepareSomeTexts();
+        }
+    });
+}
+
+void SwitcherViewModel::prepareSomeTexts() {
+    isPreparationPosted_ = false;
+    const auto& windows = *allWindows_;
+    std::size_t prepared = 0;
+    while (nextToPrepare_ < windows.size() && prepared < windowsPreparedInOneTurn) {
+        prepared += FuzzyMatcher::prepareAhead(windows[nextToPrepare_++]) ? 1 : 0;
+    }
+    prepareTextsLater();
+}
+
 void SwitcherViewModel::beginSession(bool reverse) {
     query.set({});
     isPinned.set(false);
     sessionFrontmostPID_ = frontmostPID_();
     sessionWindows_.reset();
     rebuildRows(false);
-    std::vector<AppWindow> frozen;
+    std::vector<SharedWindow> frozen;
     frozen.reserve(rows.get().size());
     for (const Row& row : rows.get()) {
         frozen.push_back(row.window);
@@ -96,7 +127,7 @@ std::optional<WindowId> SwitcherViewModel::selectedWindowId() const {
     if (index < 0 || index >= rowCount()) {
         return std::nullopt;
     }
-    return rows.get()[static_cast<std::size_t>(index)].window.id;
+    return rows.get()[static_cast<std::size_t>(index)].window->id;
 }
 
 void SwitcherViewModel::move(int step) {
@@ -133,7 +164,7 @@ bool SwitcherViewModel::selectIndex(int ordinal) {
 void SwitcherViewModel::select(WindowId id) {
     const std::vector<Row>& current = rows.get();
     const auto found =
-        std::find_if(current.begin(), current.end(), [&](const Row& row) { return row.window.id == id; });
+        std::find_if(current.begin(), current.end(), [&](const Row& row) { return row.window->id == id; });
     if (found != current.end()) {
         selectedIndex.set(static_cast<int>(found - current.begin()));
     }
@@ -178,7 +209,7 @@ void SwitcherViewModel::rebuildRows(bool preservingSelection) {
     const std::vector<Row>& rebuilt = rows.get();
     if (remembered) {
         const auto found =
-            std::find_if(rebuilt.begin(), rebuilt.end(), [&](const Row& row) { return row.window.id == *remembered; });
+            std::find_if(rebuilt.begin(), rebuilt.end(), [&](const Row& row) { return row.window->id == *remembered; });
         if (found != rebuilt.end()) {
             selectedIndex.set(static_cast<int>(found - rebuilt.begin()));
             return;

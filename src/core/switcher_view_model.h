@@ -13,6 +13,7 @@
 #include "core/favourite_applications.h"
 #include "core/published.h"
 #include "core/session_settings.h"
+#include "core/shared_window.h"
 #include "core/subscription.h"
 
 namespace ferrowyn {
@@ -26,7 +27,7 @@ class SwitcherViewModel {
 public:
     /// One displayed row.
     struct Row {
-        AppWindow window;
+        SharedWindow window;
         /// Character positions in the window's display title that matched the query; empty without a query.
         std::vector<std::int32_t> highlightedTitleIndices;
         /// True for the first row and wherever the process differs from the previous row's.
@@ -96,6 +97,9 @@ public:
 private:
     /// Asks for a rebuild in a later turn of the loop: the setting's other subscribers are told first.
     void rebuildRowsLater();
+    /// Prepares the windows' texts for the first keystroke, a few in each turn of the loop.
+    void prepareTextsLater();
+    void prepareSomeTexts();
     void moveBy(std::int64_t step);
     [[nodiscard]] int rowCount() const { return static_cast<int>(rows.get().size()); }
     [[nodiscard]] std::optional<WindowId> selectedWindowId() const;
@@ -109,9 +113,13 @@ private:
     /// The rows published before the present ones, for their memory.
     std::vector<Row> retiredRows_;
 
-    std::vector<AppWindow> allWindows_;
+    /// Shared with the rows. Never null.
+    SharedWindow::List allWindows_ = std::make_shared<const std::vector<AppWindow>>();
+    /// The windows before it have their texts prepared.
+    std::size_t nextToPrepare_ = 0;
+    bool isPreparationPosted_ = false;
     std::optional<Pid> sessionFrontmostPID_;
-    std::optional<std::vector<AppWindow>> sessionWindows_;
+    std::optional<std::vector<SharedWindow>> sessionWindows_;
     std::vector<Subscription> cancellables_;
     /// Posted tasks hold it weakly: one that the loop runs after this object is gone must find that out.
     std::shared_ptr<SwitcherViewModel*> self_ = std::make_shared<SwitcherViewModel*>(this);

@@ -22,6 +22,8 @@ struct SwitcherContentCallbacks {
     std::function<void(const AppWindow&)> onToggleFavourite;
     /// The button of the permission state was clicked.
     std::function<void()> onRequestPermissions;
+    /// The content looks different now (colours, fonts): a frame that was drawn ahead is not what it would show.
+    std::function<void()> onAppearanceChanged;
 };
 
 /// Makes the panel's content. It stands between the controller and the user interface, which is above it. The view

@@ -42,6 +42,11 @@ void SwitcherController::installContent(const SwitcherContentFactory& makeConten
             self->controller.requestPermissions();
         }
     };
+    callbacks.onAppearanceChanged = [weak] {
+        if (const auto self = weak.lock()) {
+            self->controller.schedulePreparation();
+        }
+    };
     panel_->install(makeContent(*viewModel_, preferences_, std::move(callbacks)));
 }
 
@@ -87,6 +92,8 @@ void SwitcherController::subscribeToWhatNextSessionShows(const Platform& platfor
     follow(preferences_.showShortcutHints.published());
     follow(preferences_.maximumVisibleRows.published());
     follow(preferences_.layout.published());
+    // The panel's footer names the trigger.
+    follow(preferences_.modifier.published());
     follow(preferences_.showActiveAppWindowsFirst.published());
     follow(preferences_.favouritesFirst.published());
     cancellables_.push_back(platform.workspace.observe([this](const WorkspaceEvent& event) {
@@ -96,6 +103,8 @@ void SwitcherController::subscribeToWhatNextSessionShows(const Platform& platfor
             schedulePreparation();
         }
     }));
+    // The desktop may say so before the screens' new extents are known, and says nothing of a dock that came or went.
+    cancellables_.push_back(platform.screens.observe([this] { schedulePreparation(); }));
     schedulePreparation();
 }
 

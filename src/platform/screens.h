@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <vector>
 
 #include "core/geometry.h"
+#include "core/subscription.h"
 
 namespace ferrowyn {
 
@@ -24,6 +26,9 @@ public:
     [[nodiscard]] virtual std::vector<Screen> all() const = 0;
     /// The screen with the keyboard focus, else the primary one; nothing when there is no screen at all.
     [[nodiscard]] virtual std::optional<Screen> main() const = 0;
+    /// Told when screens came, went, moved or changed in their size, their scale or in what docks leave of them, and
+    /// the answers above say so.
+    [[nodiscard]] virtual Subscription observe(std::function<void()> handler) const = 0;
 };
 
 }  // namespace ferrowyn

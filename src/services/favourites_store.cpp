@@ -21,14 +21,14 @@ FavouritesStore::FavouritesStore(UserDefaults& defaults, const Workspace& worksp
       defaults_(defaults),
       workspace_(workspace) {}
 
-std::vector<AppWindow> FavouritesStore::ordered(std::vector<AppWindow> windows) const {
+std::vector<const AppWindow*> FavouritesStore::ordered(std::vector<const AppWindow*> windows) const {
     const auto& favourites = bundleIdentifiers_.get();
     if (favourites.empty()) {
         return windows;
     }
     const std::unordered_set<std::string_view> identifiers(favourites.begin(), favourites.end());
-    std::ranges::stable_partition(windows, [&identifiers](const AppWindow& window) {
-        return window.bundleIdentifier && identifiers.contains(*window.bundleIdentifier);
+    std::ranges::stable_partition(windows, [&identifiers](const AppWindow* window) {
+        return window->bundleIdentifier && identifiers.contains(*window->bundleIdentifier);
     });
     return windows;
 }

@@ -20,7 +20,7 @@ public:
     [[nodiscard]] const Published<std::vector<std::string>>& bundleIdentifiers() const override {
         return bundleIdentifiers_;
     }
-    [[nodiscard]] std::vector<AppWindow> ordered(std::vector<AppWindow> windows) const override;
+    [[nodiscard]] std::vector<const AppWindow*> ordered(std::vector<const AppWindow*> windows) const override;
 
     /// Adds the window's application at the end, or removes its first occurrence; a window without a bundle identifier
     /// changes nothing.

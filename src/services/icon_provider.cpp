@@ -40,6 +40,10 @@ const Icon& IconProvider::icon(const AppWindow& window) {
     return cache_.emplace(std::move(key), Icon{.image = loadImage(source_, window)}).first->second;
 }
 
+bool IconProvider::holds(const AppWindow& window) const {
+    return cache_.contains(cacheKey(window.bundleIdentifier, window.pid));
+}
+
 void IconProvider::removeAll() {
     cache_.clear();
 }

@@ -28,6 +28,8 @@ public:
 
     /// Never fails: a generic application icon is the last resort.
     [[nodiscard]] const Icon& icon(const AppWindow& window);
+    /// Whether the icon is there without loading anything.
+    [[nodiscard]] bool holds(const AppWindow& window) const;
     /// Forgets every icon.
     void removeAll();
 

@@ -48,7 +48,7 @@ QString AccessibleItem::text(QAccessible::Text kind) const {
         case Kind::header: {
             const auto& row = rowAt(view_, key_.row);
             if (kind == QAccessible::Description) {
-                return display_text::singleLine(row.window.appName);
+                return display_text::singleLine(row.window->appName);
             }
             return kind == QAccessible::Name
                        ? QString::fromStdString(WindowPresentation::groupAccessibilityLabel(row.groupSize))
@@ -66,7 +66,7 @@ QString AccessibleItem::text(QAccessible::Text kind) const {
 
 QString AccessibleItem::rowName() const {
     const auto& row = rowAt(view_, key_.row);
-    QStringList parts{row_title::text(row.window), display_text::singleLine(row.window.appName)};
+    QStringList parts{row_title::text(row.window), display_text::singleLine(row.window->appName)};
     if (const auto badge = WindowPresentation::badge(row.window, view_.texts())) {
         parts.append(QString::fromStdString(badge->text));
     }

@@ -55,13 +55,17 @@ public:
     }
 
     QAccessibleInterface* childAt(int x, int y) const override {
-        for (int index = 0; index < childCount(); ++index) {
-            QAccessibleInterface* const candidate = child(index);
-            if (candidate->rect().contains(x, y)) {
-                return candidate;
-            }
+        if (!view_.showsRows()) {
+            QAccessibleInterface* const message = child(0);
+            return message->rect().contains(x, y) ? message : nullptr;
         }
-        return nullptr;
+        const QPointF local = view_.mapFromGlobal(QPointF(x, y));
+        const Point point{local.x(), local.y()};
+        const PanelGeometry& geometry = view_.geometryNow();
+        if (const auto row = geometry.rowAt(point, view_.scroll())) {
+            return rowItem(*row);
+        }
+        return geometry.body().contains(point) ? headerAt(point) : nullptr;
     }
 
     QAccessibleInterface* focusChild() const override { return rowItem(view_.viewModel().selectedIndex.get()); }
@@ -78,6 +82,19 @@ public:
     }
 
 private:
+    /// Only what can be seen is looked at: readers ask at every motion of the pointer, with thousands of rows or with
+    /// few.
+    [[nodiscard]] QAccessibleInterface* headerAt(const Point& point) const {
+        const auto [first, last] = view_.geometryNow().visibleRows(view_.scroll());
+        for (int row = first; row < last; ++row) {
+            const auto header = view_.geometryNow().header(row, view_.scroll());
+            if (header && header->contains(point)) {
+                return item({AccessibleItem::Kind::header, row});
+            }
+        }
+        return nullptr;
+    }
+
     [[nodiscard]] AccessibleItem::Key keyAt(int index) const {
         if (!view_.showsRows()) {
             return {AccessibleItem::Kind::message, 0};

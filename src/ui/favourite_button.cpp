@@ -11,8 +11,7 @@ Rect FavouriteButton::hitArea(const Rect& rect) {
 
 void FavouriteButton::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const QColor outline = isSelected ? context.theme.selectionText : context.theme.textSecondary;
-    // Yellow alone is lost on some accents; on the selection it is the bright one of the dark theme.
-    const QColor star = isSelected ? QColor(0xFF, 0xD6, 0x0A) : context.theme.favourite;
+    const QColor star = isSelected ? context.theme.selectionFavourite : context.theme.favourite;
     context.symbols.paint(painter, WindowPresentation::favouriteSymbol(isFavourite), rect.midX(), rect.midY(), size,
                           isFavourite ? star : outline);
 }

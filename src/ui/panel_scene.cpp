@@ -113,8 +113,8 @@ void PanelScene::paintRow(QPainter& painter, int index, const Rect& rect, const 
 
 void PanelScene::paintHeader(QPainter& painter, int index, const Rect& rect, const PaintContext& context) const {
     const auto& row = rows[static_cast<std::size_t>(index)];
-    GroupHeaderView{display_text::singleLine(row.window.appName), icon(row.window), row.groupSize}.paint(painter, rect,
-                                                                                                         context);
+    GroupHeaderView{display_text::singleLine(row.window->appName), icon(row.window), row.groupSize}.paint(painter, rect,
+                                                                                                          context);
 }
 
 std::shared_ptr<const IconImage> PanelScene::icon(const AppWindow& window) const {

@@ -11,7 +11,7 @@ TextEmphasis emphasis(const SwitcherViewModel::Row& row, bool isSelected, const 
     if (row.highlightedTitleIndices.empty()) {
         return {};
     }
-    return {display_text::rangesOfCharacters(row.window.displayTitle(), row.highlightedTitleIndices),
+    return {display_text::rangesOfCharacters(row.window->displayTitle(), row.highlightedTitleIndices),
             isSelected ? theme.selectionText : theme.matchedCharacters, isSelected};
 }
 

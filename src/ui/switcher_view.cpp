@@ -191,6 +191,9 @@ void SwitcherView::reloadTheme() {
     // Whatever was drawn ahead has the old colours and fonts.
     preview_.reset();
     update();
+    if (callbacks_.onAppearanceChanged) {
+        callbacks_.onAppearanceChanged();
+    }
 }
 
 void SwitcherView::changeEvent(QEvent* event) {

@@ -35,6 +35,8 @@ QColor readableWhite(const QColor& ground, double preferred) {
 void setSelectionColors(Theme& theme) {
     theme.selection = contrast::darkenedFor(theme.accent, Qt::white, readableRatio);
     theme.selectionText = Qt::white;
+    // Bright in either theme: the darker yellow is lost on some accents.
+    theme.selectionFavourite = QColor(0xFF, 0xD6, 0x0A);
     theme.selectionTextSecondary = readableWhite(theme.selection, 0.77);
     // A light chip takes contrast from the white text on it, and most accents have none to give away.
     const QColor lightChip = withAlpha(Qt::white, 0.18);

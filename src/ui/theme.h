@@ -34,6 +34,7 @@ struct Theme {
     QColor selectionText;
     QColor selectionTextSecondary;
     QColor selectionChip;
+    QColor selectionFavourite;
 
     [[nodiscard]] QColor badgeText(WindowPresentation::Tint tint) const;
     [[nodiscard]] QColor badgeFill(WindowPresentation::Tint tint) const;

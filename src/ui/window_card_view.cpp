@@ -32,7 +32,7 @@ std::optional<Rect> WindowCardView::favouriteButton(const Rect& rect) const {
 void WindowCardView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     SelectionBackground{isSelected}.paint(painter, rect, context);
     const Rect iconRect{rect.midX() - iconSide / 2, rect.y + iconTop, iconSide, iconSide};
-    AppIconView{icon, iconSide, row.window.isMinimized}.paint(painter, iconRect, context);
+    AppIconView{icon, iconSide, row.window->isMinimized}.paint(painter, iconRect, context);
     paintCorners(painter, rect, context);
     if (const auto badge = WindowPresentation::badge(row.window, context.texts)) {
         const BadgeView view{*badge, true, isSelected};
@@ -77,7 +77,7 @@ void WindowCardView::paintText(QPainter& painter, const Rect& rect, const PaintC
     title.paint(painter, rect.midX() - title.width() / 2, snapped(top + titleMetrics.ascent),
                 isSelected ? theme.selectionText : theme.textPrimary);
     const TextLine& name =
-        context.lines.line(display_text::singleLine(row.window.appName), TextStyle::cardAppName, width);
+        context.lines.line(display_text::singleLine(row.window->appName), TextStyle::cardAppName, width);
     name.paint(painter, rect.midX() - name.width() / 2, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
                isSelected ? theme.selectionTextSecondary : theme.textSecondary);
 }

@@ -45,7 +45,7 @@ std::optional<Rect> WindowRowView::favouriteButton(const Rect& rect) const {
 void WindowRowView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     SelectionBackground{isSelected}.paint(painter, rect, context);
     const double left = rect.x + inset + (isIndented ? indentation : 0);
-    AppIconView{icon, iconSide, row.window.isMinimized}.paint(painter, {left, rect.y, iconSide, rect.height}, context);
+    AppIconView{icon, iconSide, row.window->isMinimized}.paint(painter, {left, rect.y, iconSide, rect.height}, context);
     const double textLeft = left + iconSide + gap;
     const double textRight = paintTrailingParts(painter, rect, context);
     paintText(painter, {textLeft, rect.y, std::max(textRight - textLeft, 0.0), rect.height}, context);
@@ -91,7 +91,7 @@ void WindowRowView::paintText(QPainter& painter, const Rect& rect, const PaintCo
     const double top = rect.midY() - height / 2;
     title.paint(painter, rect.x, snapped(top + titleMetrics.ascent), titleColor);
     const TextLine& name =
-        context.lines.line(display_text::singleLine(row.window.appName), TextStyle::rowAppName, rect.width);
+        context.lines.line(display_text::singleLine(row.window->appName), TextStyle::rowAppName, rect.width);
     name.paint(painter, rect.x, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
                isSelected ? theme.selectionTextSecondary : theme.textSecondary);
 }

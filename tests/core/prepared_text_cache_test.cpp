@@ -25,6 +25,14 @@ TEST(PreparedTextCache, StaysBoundedAndKeepsWhatIsInUse) {
     EXPECT_LE(cache.size(), 2 * PreparedTextCache::generationSize);
 }
 
+TEST(PreparedTextCache, PreparesAheadWhatIsNotThereYet) {
+    PreparedTextCache cache;
+    EXPECT_TRUE(cache.prepareAhead("Résumé"));
+    EXPECT_FALSE(cache.prepareAhead("Résumé"));
+    EXPECT_FALSE(cache.prepareAhead(std::string(PreparedTextCache::longestKeptText + 1, 'x')));
+    EXPECT_EQ(cache.size(), 1U);
+}
+
 TEST(PreparedTextCache, PreparesLongTextsWithoutKeepingThem) {
     PreparedTextCache cache;
     const std::string text = "é" + std::string(PreparedTextCache::longestKeptText, 'x');

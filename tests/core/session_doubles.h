@@ -20,9 +20,9 @@ class IconProvider {};
 class FavouritesDouble final : public FavouriteApplications {
 public:
     [[nodiscard]] const Published<std::vector<std::string>>& bundleIdentifiers() const override { return identifiers; }
-    [[nodiscard]] std::vector<AppWindow> ordered(std::vector<AppWindow> windows) const override {
-        std::stable_partition(windows.begin(), windows.end(), [&](const AppWindow& window) {
-            return std::ranges::find(identifiers.get(), window.bundleIdentifier) != identifiers.get().end();
+    [[nodiscard]] std::vector<const AppWindow*> ordered(std::vector<const AppWindow*> windows) const override {
+        std::stable_partition(windows.begin(), windows.end(), [&](const AppWindow* window) {
+            return std::ranges::find(identifiers.get(), window->bundleIdentifier) != identifiers.get().end();
         });
         return windows;
     }

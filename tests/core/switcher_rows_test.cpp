@@ -107,10 +107,10 @@ TEST_F(SwitcherRowsTest, DuringASessionTheOrderIsFrozenAndFreshDataFlowsIn) {
     retitled.isMinimized = true;
     windows.set({testWindow(4, "New"), testWindow(3, "Three"), retitled});
     EXPECT_THAT(ids(), ElementsAre(1, 2, 3));
-    EXPECT_EQ(row(1).window.title, "Renamed");
-    EXPECT_TRUE(row(1).window.isMinimized);
+    EXPECT_EQ(row(1).window->title, "Renamed");
+    EXPECT_TRUE(row(1).window->isMinimized);
     // A window that is gone keeps its row as it was.
-    EXPECT_EQ(row(0).window.title, "One");
+    EXPECT_EQ(row(0).window->title, "One");
     model->endSession();
     model->beginSession(false);
     EXPECT_THAT(ids(), ElementsAre(4, 3, 2));
@@ -125,7 +125,7 @@ TEST_F(SwitcherRowsTest, DuringASessionFiltersDoNotTakeRowsAway) {
     hidden.isMinimized = true;
     windows.set({hidden, minimised(2)});
     EXPECT_THAT(ids(), ElementsAre(1, 2));
-    EXPECT_TRUE(row(0).window.isMinimized);
+    EXPECT_TRUE(row(0).window->isMinimized);
 }
 
 TEST_F(SwitcherRowsTest, AQueryIgnoresTheFrozenOrderAndSeesWhatOpenedMeanwhile) {
@@ -234,9 +234,9 @@ TEST_F(SwitcherRowsTest, RowsAreEqualWhenAllTheirFieldsAre) {
     const auto shown = row(0);
     EXPECT_EQ(shown, row(0));
     for (const auto& change : std::vector<std::function<void(SwitcherViewModel::Row&)>>{
-             [](auto& r) { r.window.title = "x"; }, [](auto& r) { r.highlightedTitleIndices = {1}; },
-             [](auto& r) { r.startsGroup = false; }, [](auto& r) { r.groupSize = 9; },
-             [](auto& r) { r.isFavourite = true; }}) {
+             [](auto& r) { r.window = SharedWindow(testWindow(1, "x")); },
+             [](auto& r) { r.highlightedTitleIndices = {1}; }, [](auto& r) { r.startsGroup = false; },
+             [](auto& r) { r.groupSize = 9; }, [](auto& r) { r.isFavourite = true; }}) {
         auto changed = shown;
         change(changed);
         EXPECT_NE(shown, changed);
@@ -257,10 +257,10 @@ TEST_F(SwitcherRowsTest, NothingOfEarlierRowsShinesThrough) {
     model->deleteBackward();
     ASSERT_THAT(ids(), ElementsAre(2, 1));
     EXPECT_EQ(row(0).window, poor);
-    EXPECT_EQ(row(0).window.bundleIdentifier, std::nullopt);
-    EXPECT_EQ(row(0).window.bundleURL, std::nullopt);
-    EXPECT_EQ(row(0).window.appName, "P");
-    EXPECT_EQ(row(1).window.bundleURL, rich.bundleURL);
+    EXPECT_EQ(row(0).window->bundleIdentifier, std::nullopt);
+    EXPECT_EQ(row(0).window->bundleURL, std::nullopt);
+    EXPECT_EQ(row(0).window->appName, "P");
+    EXPECT_EQ(row(1).window->bundleURL, rich.bundleURL);
     EXPECT_THAT(row(0).highlightedTitleIndices, ElementsAre(0, 1, 2));
 }
 

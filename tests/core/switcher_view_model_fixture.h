@@ -30,7 +30,7 @@ protected:
     [[nodiscard]] std::vector<WindowId> ids() const {
         std::vector<WindowId> result;
         for (const auto& row : model->rows.get()) {
-            result.push_back(row.window.id);
+            result.push_back(row.window->id);
         }
         return result;
     }

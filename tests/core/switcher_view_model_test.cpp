@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "core/prepared_text_cache.h"
 #include "tests/core/switcher_view_model_fixture.h"
 
 namespace ferrowyn {
@@ -301,6 +302,37 @@ TEST_F(SwitcherViewModelTest, ASettingsTaskThatRunsAfterTheEndTouchesNothing) {
     tasks.run();
     settings.includeMinimized.set(true);
     open(2);
+    EXPECT_EQ(tasks.size(), 0U);
+}
+
+TEST_F(SwitcherViewModelTest, PreparesTheTextsOfANewListInLaterTurnsOfTheLoop) {
+    std::vector<AppWindow> list;
+    for (WindowId id = 1; id <= 20; ++id) {
+        list.push_back(testWindow(id, "Übersicht, ahead of the key " + std::to_string(id)));
+    }
+    auto& cache = PreparedTextCache::ofThisThread();
+    const std::size_t before = cache.size();
+    windows.set(list);
+    EXPECT_EQ(cache.size(), before);
+    tasks.run();
+    EXPECT_GT(cache.size(), before);
+    EXPECT_LT(cache.size(), before + 40);
+    // The next list starts anew without a second round of tasks.
+    windows.set(list);
+    EXPECT_EQ(tasks.size(), 1U);
+    while (tasks.size() > 0) {
+        tasks.run();
+    }
+    const std::size_t all = cache.size();
+    EXPECT_EQ(all, before + 40);
+    model->beginSession(false);
+    model->insertText("ü");
+    EXPECT_EQ(cache.size(), all);
+    EXPECT_THAT(ids(), SizeIs(20));
+}
+
+TEST_F(SwitcherViewModelTest, PlainTextsNeedNoPreparation) {
+    open(5);
     EXPECT_EQ(tasks.size(), 0U);
 }
 

@@ -96,7 +96,7 @@ protected:
     std::vector<WindowId> shownWindows() {
         std::vector<WindowId> ids;
         for (const auto& row : viewModel().rows.get()) {
-            ids.push_back(row.window.id);
+            ids.push_back(row.window->id);
         }
         return ids;
     }
@@ -617,6 +617,11 @@ TEST_F(SwitcherControllerTest, PreparesWhenAnythingTheNextSessionShowsChanges) {
         [&] { favourites.toggle(windowIndex.windows().get().front()); },
         [&] { windowIndex.noteActivated(3); },
         [&] { desktop.setScreenParametersChanged(); },
+        [&] {
+            desktop.setScreens({{{0, 0, 800, 600}, {0, 0, 800, 580}}});
+        },
+        [&] { preferences.modifier.set(SwitcherModifier::command); },
+        [&] { content.onAppearanceChanged(); },
         [&] {
             controller->handle(Invoke{false});
             controller->handle(Cancel{});

@@ -1,5 +1,6 @@
 #include "services/favourites_store.h"
 
+#include <array>
 #include <string>
 
 #include "platform/simulated/simulated_desktop.h"
@@ -110,19 +111,19 @@ TEST_F(FavouritesStoreTest, PublishesBeforeItSaves) {
 
 TEST_F(FavouritesStoreTest, FavouritesKeepTheirRecencyOrder) {
     storeFavourites({"A", "B"});
-    const auto ordered = makeStore().ordered(
-        {windowOf(1, "B"), windowOf(2, "C"), windowOf(3, "A"), windowOf(4, std::nullopt), windowOf(5, "B")});
+    const std::array windows{windowOf(1, "B"), windowOf(2, "C"), windowOf(3, "A"), windowOf(4, std::nullopt),
+                             windowOf(5, "B")};
     std::vector<WindowId> ids;
-    for (const auto& window : ordered) {
-        ids.push_back(window.id);
+    for (const AppWindow* window :
+         makeStore().ordered({&windows[0], &windows[1], &windows[2], &windows[3], &windows[4]})) {
+        ids.push_back(window->id);
     }
     EXPECT_THAT(ids, ElementsAre(1U, 3U, 5U, 2U, 4U));
 }
 
 TEST_F(FavouritesStoreTest, WithoutFavouritesTheOrderStays) {
-    const auto ordered = makeStore().ordered({windowOf(2, "B"), windowOf(1, "A")});
-    EXPECT_EQ(ordered[0].id, 2U);
-    EXPECT_EQ(ordered[1].id, 1U);
+    const std::array windows{windowOf(2, "B"), windowOf(1, "A")};
+    EXPECT_THAT(makeStore().ordered({&windows[0], &windows[1]}), ElementsAre(&windows[0], &windows[1]));
 }
 
 TEST_F(FavouritesStoreTest, DisplaysTheInstalledApplicationsName) {

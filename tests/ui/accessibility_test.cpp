@@ -81,6 +81,32 @@ TEST_F(SwitcherAccessibilityTest, RowsThatAreGoneAreInvalid) {
     EXPECT_EQ(list()->childCount(), 2);
 }
 
+TEST_F(SwitcherAccessibilityTest, WhatStandsAtAPointIsFound) {
+    model.preferences.layout.set(SwitcherLayout::grouped);
+    view.synchronize();
+    for (int index = 0; index < 8; ++index) {
+        const QPoint centre = list()->child(index)->rect().center();
+        EXPECT_EQ(list()->childAt(centre.x(), centre.y()), list()->child(index)) << index;
+    }
+    const QPoint corner = view.mapToGlobal(QPoint(1, 1));
+    EXPECT_EQ(list()->childAt(corner.x(), corner.y()), nullptr) << "the search line is no child";
+}
+
+TEST_F(SwitcherAccessibilityTest, FindingARowMakesObjectsForNoOthers) {
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(10'000, 3));
+    model.viewModel.beginSession(false);
+    view.synchronize();
+    const QRect rect = list()->child(0)->rect();
+    const auto first = QAccessible::uniqueId(list()->child(0));
+    EXPECT_NE(list()->childAt(rect.center().x(), rect.center().y() + 3 * 53), nullptr);
+    const auto fourth = QAccessible::uniqueId(list()->child(3));
+    EXPECT_EQ(list()->childAt(rect.center().x(), rect.top() - 5), nullptr) << "nothing, so all would be asked";
+    const auto tenth = QAccessible::uniqueId(list()->child(9));
+    EXPECT_EQ(fourth, first + 1);
+    EXPECT_EQ(tenth, first + 2);
+}
+
 TEST_F(SwitcherAccessibilityTest, EmptyAndPermissionStatesAreRead) {
     model.viewModel.insertText("zzz");
     view.synchronize();

@@ -52,7 +52,9 @@ public:
 class NamedFavourites final : public FavouriteApplications {
 public:
     [[nodiscard]] const Published<std::vector<std::string>>& bundleIdentifiers() const override { return identifiers; }
-    [[nodiscard]] std::vector<AppWindow> ordered(std::vector<AppWindow> windows) const override { return windows; }
+    [[nodiscard]] std::vector<const AppWindow*> ordered(std::vector<const AppWindow*> windows) const override {
+        return windows;
+    }
 
     Published<std::vector<std::string>> identifiers;
 };

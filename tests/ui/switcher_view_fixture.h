@@ -50,13 +50,14 @@ protected:
     std::vector<int> hovered;
     std::vector<WindowId> toggled;
     int permissionRequests = 0;
-    SwitcherView view{
-        model.viewModel,
-        model.preferences,
-        linuxTexts(),
-        {[this](const AppWindow& window) { activated.push_back(window.id); },
-         [this](int index) { hovered.push_back(index); },
-         [this](const AppWindow& window) { toggled.push_back(window.id); }, [this] { ++permissionRequests; }}};
+    int appearanceChanges = 0;
+    SwitcherView view{model.viewModel,
+                      model.preferences,
+                      linuxTexts(),
+                      {[this](const AppWindow& window) { activated.push_back(window.id); },
+                       [this](int index) { hovered.push_back(index); },
+                       [this](const AppWindow& window) { toggled.push_back(window.id); },
+                       [this] { ++permissionRequests; }, [this] { ++appearanceChanges; }}};
 };
 
 }  // namespace ferrowyn::test

@@ -269,6 +269,20 @@ TEST_F(SwitcherViewTest, APreviewIsOutdatedByATitleInsideThePanelOnly) {
     EXPECT_FALSE(view.matchesPreview());
 }
 
+TEST_F(SwitcherViewTest, NewColoursOutdateThePreviewAndAskForAnother) {
+    model.viewModel.endSession();
+    QImage preview(view.size(), QImage::Format_ARGB32_Premultiplied);
+    view.renderPreview(preview);
+    model.viewModel.beginSession(false);
+    ASSERT_TRUE(view.matchesPreview());
+    appearanceChanges = 0;
+    QPalette dark = view.palette();
+    dark.setColor(QPalette::Window, Qt::black);
+    view.setPalette(dark);
+    EXPECT_GE(appearanceChanges, 1);
+    EXPECT_FALSE(view.matchesPreview());
+}
+
 TEST_F(SwitcherViewTest, CornersAreRoundOnlyWhenACompositorBlendsThem) {
     EXPECT_EQ(picture().pixelColor(0, 0).alpha(), 255);
     view.setTranslucent(true);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/x11/xcb_reply.h"
 #include "tests/x11/harness/application_process.h"
 #include "tests/x11/inventory_fixture.h"
 #include "tests/x11/scripted_manager.h"
@@ -93,6 +94,33 @@ TEST_F(InventoryEventsTest, ASessionStartsInTheApplicationThatTheEventsHaveNotTo
     // What the events tell later is newer again.
     manager.publishStacking({window, elsewhere});
     EXPECT_TRUE(parts.runUntil([&] { return parts.workspace.frontmostPid() == getpid(); }));
+}
+
+TEST_F(InventoryEventsTest, ARequestIsForgottenAfterAWhile) {
+    const auto window = manager.createWindow();
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntil([&] {
+        const auto* const facts = parts.monitor.model().find(window);
+        return facts != nullptr && facts->isHidden;
+    }));
+    const auto isMapped = [&] {
+        parts.monitor.connection().flush();
+        const XcbReply<xcb_get_input_focus_reply_t> served(xcb_get_input_focus_reply(
+            parts.monitor.connection().get(), xcb_get_input_focus(parts.monitor.connection().get()), nullptr));
+        const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+            manager.connection(), xcb_get_window_attributes(manager.connection(), window), nullptr));
+        return attributes && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
+    };
+    const auto element = X11Element::make(window);
+    parts.control.raise(element);
+    bool isOver = false;
+    const auto later = parts.mainLoop.after(Seconds(1.2), [&] { isOver = true; });
+    ASSERT_TRUE(parts.runUntil([&] { return isOver; }));
+    parts.control.raise(element);
+    EXPECT_FALSE(isMapped()) << "taken for the second request of an activation that ended long ago";
+    parts.control.raise(element);
+    EXPECT_TRUE(isMapped()) << "the manager did not restore it at the first";
 }
 
 TEST_F(InventoryEventsTest, LosesTrustWithTheManagerAndFindsItWithTheNext) {

@@ -27,7 +27,7 @@ AdapterParts::AdapterParts(const std::string& display)
       reader(X11Connection::open(display.c_str()), atoms),
       inventory(reader, monitor.model(), directory, history, scale),
       observers(monitor.model()),
-      control(monitor, atoms, context, log),
+      control(mainLoop, monitor, atoms, context, log),
       workspace(monitor, {}) {}
 
 bool AdapterParts::runUntil(const std::function<bool()>& predicate, milliseconds budget) {

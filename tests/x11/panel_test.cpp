@@ -223,8 +223,10 @@ TEST(PanelTest, AClickInsideReachesTheContentOnlyAndMovesThePointersPlace) {
     rig.show(frame);
     ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > 0; }));
     rig.settle();
+    EXPECT_EQ(rig.context.lastUserTime.load(), 0U);
     rig.input.click(150, 120);
     ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().presses == 1; }));
+    EXPECT_NE(rig.context.lastUserTime.load(), 0U) << "an activation that the click asks for is the user's";
     rig.input.movePointer(151, 121);
     ASSERT_TRUE(PanelRig::runUntil([&] { return rig.pointer->location() == Point{151, 679}; }));
     EXPECT_GT(rig.content->view().moves, 0);

@@ -1,7 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
 
+#include "core/subject.h"
 #include "platform/screens.h"
 
 namespace ferrowyn {
@@ -17,14 +22,20 @@ public:
         return screens_[*mainIndex_];
     }
 
+    [[nodiscard]] Subscription observe(std::function<void()> handler) const override {
+        return changes_.subscribe([handler = std::move(handler)](const bool&) { handler(); });
+    }
+
     void set(std::vector<Screen> screens, std::optional<std::size_t> mainIndex) {
         screens_ = std::move(screens);
         mainIndex_ = mainIndex;
+        changes_.send(true);
     }
 
 private:
     std::vector<Screen> screens_{{{0, 0, 1440, 900}, {0, 0, 1440, 875}}};
     std::optional<std::size_t> mainIndex_ = 0;
+    Subject<bool> changes_;
 };
 
 }  // namespace ferrowyn

@@ -22,16 +22,16 @@ X11Connection::~X11Connection() {
     xcb_disconnect(connection_);
 }
 
-std::vector<xcb_atom_t> X11Connection::internAtoms(const std::vector<std::string_view>& names) const {
+std::vector<xcb_atom_t> internAtoms(xcb_connection_t* connection, const std::vector<std::string_view>& names) {
     std::vector<xcb_intern_atom_cookie_t> cookies;
     cookies.reserve(names.size());
     for (const auto name : names) {
-        cookies.push_back(xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data()));
+        cookies.push_back(xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()));
     }
     std::vector<xcb_atom_t> atoms;
     atoms.reserve(names.size());
     for (const auto cookie : cookies) {
-        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
+        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
         atoms.push_back(reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
     }
     return atoms;

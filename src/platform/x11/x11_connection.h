@@ -8,6 +8,10 @@
 
 namespace ferrowyn {
 
+/// The atoms of these names, in their order, all asked for before the first answer is read: one round trip.
+[[nodiscard]] std::vector<xcb_atom_t> internAtoms(xcb_connection_t* connection,
+                                                  const std::vector<std::string_view>& names);
+
 /// One connection to the X server, closed when this is destroyed. Each thread that talks to the server has its own, so
 /// that none waits for another's replies.
 class X11Connection {
@@ -25,8 +29,9 @@ public:
     /// False once the connection is lost; it never comes back.
     [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
 
-    /// The atoms of these names, in their order, all asked for before the first answer is read: one round trip.
-    [[nodiscard]] std::vector<xcb_atom_t> internAtoms(const std::vector<std::string_view>& names) const;
+    [[nodiscard]] std::vector<xcb_atom_t> internAtoms(const std::vector<std::string_view>& names) const {
+        return ferrowyn::internAtoms(connection_, names);
+    }
 
 private:
     X11Connection(xcb_connection_t* connection, xcb_screen_t* screen) : connection_(connection), screen_(screen) {}

@@ -13,6 +13,15 @@ struct X11InputContext {
     /// CurrentTime. 0 before the first event.
     std::atomic<std::uint32_t> lastUserTime{0};
 
+    /// The tap's thread hears of keys, the main thread of clicks, and either may be late. Times wrap around after some
+    /// weeks.
+    void noteUserTime(std::uint32_t time) {
+        auto known = lastUserTime.load(std::memory_order_relaxed);
+        while ((known == 0 || static_cast<std::int32_t>(time - known) > 0) &&
+               !lastUserTime.compare_exchange_weak(known, time, std::memory_order_relaxed)) {
+        }
+    }
+
     /// Where the pointer was at the latest event that said so: root x in the upper half, root y in the lower, in device
     /// pixels. Asking the server would be a round trip between key press and panel.
     std::atomic<std::uint64_t> pointerPosition{0};

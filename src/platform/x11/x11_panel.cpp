@@ -116,7 +116,12 @@ void X11Panel::makeWindow() {
     content_->setTranslucent(isTranslucent);
     const auto previous =
         std::exchange(window_, std::make_unique<X11PanelWindow>(isTranslucent, *content_->widget(),
-                                                                [this](int x, int y) { pointer_.moved(x, y); }));
+                                                                [this](int x, int y, std::uint32_t pressTime) {
+                                                                    pointer_.moved(x, y);
+                                                                    if (pressTime != 0) {
+                                                                        pointer_.pressed(pressTime);
+                                                                    }
+                                                                }));
     isPrimed_ = false;
     if (isShown_) {
         redraw();

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
@@ -18,21 +19,6 @@ namespace {
 xcb_connection_t* toolkitConnection() {
     auto* const application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return application != nullptr ? application->connection() : nullptr;
-}
-
-std::vector<xcb_atom_t> intern(xcb_connection_t* connection, const std::vector<std::string_view>& names) {
-    std::vector<xcb_intern_atom_cookie_t> cookies;
-    cookies.reserve(names.size());
-    for (const auto name : names) {
-        cookies.push_back(xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()));
-    }
-    std::vector<xcb_atom_t> atoms;
-    atoms.reserve(names.size());
-    for (const auto cookie : cookies) {
-        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-        atoms.push_back(reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
-    }
-    return atoms;
 }
 
 QSize sizeInPoints(const X11PixelRect& frame, double scale) {
@@ -155,8 +141,10 @@ bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonRelease: {
             const QPointF inPoints = static_cast<const QSinglePointEvent*>(event)->position();
             const double scale = devicePixelRatioF();
+            const bool isPress = event->type() == QEvent::MouseButtonPress;
             onPointer_(frame_.x + static_cast<int>(std::lround(inPoints.x() * scale)),
-                       frame_.y + static_cast<int>(std::lround(inPoints.y() * scale)));
+                       frame_.y + static_cast<int>(std::lround(inPoints.y() * scale)),
+                       isPress ? static_cast<std::uint32_t>(static_cast<const QInputEvent*>(event)->timestamp()) : 0);
             break;
         }
         default:
@@ -170,9 +158,10 @@ void X11PanelWindow::describe() {
     if (connection_ == nullptr) {
         return;
     }
-    const auto atoms = intern(connection_, {"_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_STATE",
-                                            "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
-                                            "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_DESKTOP", "_COMPTON_SHADOW"});
+    const auto atoms =
+        internAtoms(connection_, {"_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_STATE",
+                                  "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
+                                  "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_DESKTOP", "_COMPTON_SHADOW"});
     // A change of extent replaces the whole picture by the background instead of keeping a corner of the old one.
     const std::uint32_t forget = XCB_GRAVITY_BIT_FORGET;
     xcb_change_window_attributes(connection_, window_, XCB_CW_BIT_GRAVITY, &forget);

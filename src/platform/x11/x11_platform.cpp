@@ -133,7 +133,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       reader(std::move(connections.snapshots), atoms),
       inventory(reader, monitor.model(), directory, history, scale),
       observers(monitor.model()),
-      control(monitor, atoms, inputContext, log),
+      control(mainLoop, monitor, atoms, inputContext, log),
       workspace(
           monitor,
           {.installedApplicationName = [this](std::string_view identifier) -> std::optional<std::string> {

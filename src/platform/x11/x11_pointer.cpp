@@ -68,11 +68,15 @@ void X11Pointer::selectPresses() {
 }
 
 void X11Pointer::handle(const xcb_generic_event_t& event) {
-    if ((event.response_type & 0x7FU) != XCB_GE_GENERIC || !panel_) {
+    if ((event.response_type & 0x7FU) != XCB_GE_GENERIC) {
         return;
     }
     const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
-    if (press.extension != inputExtension_ || press.event_type != XCB_INPUT_RAW_BUTTON_PRESS || isWheel(press.detail)) {
+    if (press.extension != inputExtension_ || press.event_type != XCB_INPUT_RAW_BUTTON_PRESS) {
+        return;
+    }
+    context_.noteUserTime(press.time);
+    if (!panel_ || isWheel(press.detail)) {
         return;
     }
     // A raw event does not say where; this is no hot path, so the server may be asked.

@@ -23,6 +23,8 @@ public:
     void panelCovers(const std::optional<X11PixelRect>& panel);
     /// The panel has seen the pointer at this place on the root window.
     void moved(int x, int y);
+    /// A button went down in the panel, at this time of the server: the toolkit has heard of it, perhaps first.
+    void pressed(std::uint32_t time) { context_.noteUserTime(time); }
 
 private:
     void selectPresses();

@@ -26,9 +26,9 @@ public:
     [[nodiscard]] std::vector<Screen> all() const override;
     [[nodiscard]] std::optional<Screen> main() const override;
 
+    [[nodiscard]] Subscription observe(std::function<void()> handler) const override;
+
     [[nodiscard]] X11Coordinates coordinates() const;
-    /// Told when screens came, went, moved or changed in their size or in what docks leave of them.
-    [[nodiscard]] Subscription observe(std::function<void()> handler) const;
 
 private:
     struct Monitor {

@@ -56,7 +56,7 @@ void X11TapReception::receiveMissedModifier(const X11KeyboardEvent& release) {
 }
 
 void X11TapReception::noteUser(const X11KeyboardEvent& event) {
-    context_.lastUserTime.store(event.time, std::memory_order_relaxed);
+    context_.noteUserTime(event.time);
     if (event.kind != Kind::modifiersChanged && !keyboard_.isAtSlave(event)) {
         context_.setPointer(event.rootX, event.rootY);
     }

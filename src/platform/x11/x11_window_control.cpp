@@ -10,6 +10,8 @@ namespace {
 
 /// Who asks, as the conventions number it: a pager acts for the user, so managers do not second-guess it.
 constexpr std::uint32_t sourcePager = 2;
+/// Longer than the pause after which an activation that was not confirmed is asked for again.
+constexpr Seconds requestLifetime{1.0};
 
 }  // namespace
 
@@ -45,6 +47,7 @@ void X11WindowControl::activate(Pid pid) {
 
 void X11WindowControl::requestActivation(xcb_window_t window) {
     requested_ = window;
+    requestEnd_ = mainLoop_.after(requestLifetime, [this] { requested_.reset(); });
     monitor_.expectActive(window);
     const auto& model = monitor_.model();
     const auto* const facts = model.find(window);

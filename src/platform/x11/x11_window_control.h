@@ -3,7 +3,9 @@
 #include <array>
 #include <optional>
 
+#include "core/subscription.h"
 #include "platform/log.h"
+#include "platform/main_loop.h"
 #include "platform/window_control.h"
 #include "platform/x11/x11_desktop_monitor.h"
 #include "platform/x11/x11_input_context.h"
@@ -17,8 +19,9 @@ namespace ferrowyn {
 class X11WindowControl final : public WindowControl {
 public:
     /// All references outlive this.
-    X11WindowControl(X11DesktopMonitor& monitor, const X11Atoms& atoms, const X11InputContext& context, Log& log)
-        : monitor_(monitor), atoms_(atoms), context_(context), log_(log) {}
+    X11WindowControl(MainLoop& mainLoop, X11DesktopMonitor& monitor, const X11Atoms& atoms,
+                     const X11InputContext& context, Log& log)
+        : mainLoop_(mainLoop), monitor_(monitor), atoms_(atoms), context_(context), log_(log) {}
 
     /// Applications as a whole cannot be hidden here. All of one's windows being minimised is not that: the user
     /// minimised each, and restoring one must not bring back the others.
@@ -54,12 +57,15 @@ private:
     [[nodiscard]] xcb_timestamp_t userTime() const;
     [[nodiscard]] bool isOwnedBy(std::optional<xcb_window_t> window, Pid pid) const;
 
+    MainLoop& mainLoop_;
     X11DesktopMonitor& monitor_;
     const X11Atoms& atoms_;
     const X11InputContext& context_;
     Log& log_;
-    /// The window that was last asked for.
+    /// The window that was last asked for; forgotten after a while, or it would stand in the way of the next request
+    /// for its application.
     std::optional<xcb_window_t> requested_;
+    Subscription requestEnd_;
 };
 
 }  // namespace ferrowyn

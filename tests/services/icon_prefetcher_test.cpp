@@ -1,0 +1,65 @@
+#include "services/icon_prefetcher.h"
+
+#include "platform/simulated/simulated_desktop.h"
+#include "services/icon_provider.h"
+
+namespace ferrowyn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class IconPrefetcherTest : public testing::Test {
+protected:
+    static AppWindow windowOf(WindowId id, Pid pid) {
+        AppWindow window;
+        window.id = id;
+        window.pid = pid;
+        window.appName = "App";
+        return window;
+    }
+
+    SimulatedDesktop desktop;
+    IconProvider icons{desktop.platform().icons, desktop.platform().workspace};
+    Published<std::vector<AppWindow>> windows;
+    std::unique_ptr<IconPrefetcher> prefetcher =
+        std::make_unique<IconPrefetcher>(desktop.platform().mainLoop, icons, windows);
+};
+
+TEST_F(IconPrefetcherTest, LoadsOneIconAnApplicationInLaterTurnsMostRecentFirst) {
+    windows.set({windowOf(1, 10), windowOf(2, 11), windowOf(3, 10)});
+    EXPECT_THAT(desktop.takeIconLoads(), IsEmpty());
+    desktop.settle();
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 10", "process 11"));
+    windows.set({windowOf(2, 11), windowOf(4, 12)});
+    desktop.settle();
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 12")) << "the others are there already";
+}
+
+TEST_F(IconPrefetcherTest, DoesNotLoadForWindowsThatNobodyWillScrollTo) {
+    std::vector<AppWindow> many;
+    for (int i = 0; i < 100; ++i) {
+        many.push_back(windowOf(static_cast<WindowId>(i + 1), 1000 + i));
+    }
+    windows.set(many);
+    desktop.settle();
+    EXPECT_THAT(desktop.takeIconLoads(), SizeIs(IconPrefetcher::mostApplications));
+}
+
+TEST_F(IconPrefetcherTest, ForgetsWhatANewerListDoesNotHave) {
+    windows.set({windowOf(1, 10)});
+    windows.set({windowOf(2, 11)});
+    desktop.settle();
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 11"));
+}
+
+TEST_F(IconPrefetcherTest, ATaskThatRunsAfterTheEndTouchesNothing) {
+    windows.set({windowOf(1, 10)});
+    prefetcher.reset();
+    desktop.settle();
+    EXPECT_THAT(desktop.takeIconLoads(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace ferrowyn
