@@ -1,11 +1,14 @@
 #include "core/text_encoding.h"
 
+#include <unicode/ucnv.h>
+#include <unicode/unistr.h>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "core/text.h"
 
@@ -99,6 +102,21 @@ std::u16string utf16FromUtf8(std::string_view bytes) {
         }
     }
     return result;
+}
+
+std::optional<std::string> utf8FromEncoding(std::string_view bytes, const std::string& encoding) {
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(encoding.c_str(), &error),
+                                                                       &ucnv_close);
+    if (U_FAILURE(error)) {
+        return std::nullopt;
+    }
+    icu::UnicodeString text(bytes.data(), static_cast<std::int32_t>(bytes.size()), converter.get(), error);
+    // What converters put for a single byte that they do not know.
+    text.findAndReplace(icu::UnicodeString(char16_t{0x1A}), icu::UnicodeString(char16_t{0xFFFD}));
+    std::string utf8;
+    text.toUTF8String(utf8);
+    return utf8;
 }
 
 std::string_view prefixOfBytes(std::string_view text, std::size_t maximumBytes) {

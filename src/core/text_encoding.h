@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,10 @@ namespace ferrowyn::text {
 [[nodiscard]] std::string utf8FromUtf16(std::u16string_view units);
 /// An ill-formed sequence becomes U+FFFD.
 [[nodiscard]] std::u16string utf16FromUtf8(std::string_view bytes);
+
+/// The bytes, read in the encoding of this name (as the Unicode libraries know it), with U+FFFD for what means nothing
+/// there; nothing when the encoding is unknown.
+[[nodiscard]] std::optional<std::string> utf8FromEncoding(std::string_view bytes, const std::string& encoding);
 
 /// At most `maximumBytes` of the text, cut before a scalar, never inside one.
 [[nodiscard]] std::string_view prefixOfBytes(std::string_view text, std::size_t maximumBytes);

@@ -58,5 +58,13 @@ TEST(TextEncoding, CutsBeforeAScalarNeverInsideOne) {
     EXPECT_EQ(prefixOfBytes("abc", 0), "");
 }
 
+TEST(TextEncoding, ReadsOtherEncodingsByTheirNames) {
+    EXPECT_EQ(utf8FromEncoding("\xCF\xF0\xE8", "windows-1251"), "При");
+    EXPECT_EQ(utf8FromEncoding("\xC6\xFC\xCB\xDC", "EUC-JP"), "日本");
+    EXPECT_EQ(utf8FromEncoding("a\xFF", "EUC-JP"), "a\uFFFD");
+    EXPECT_EQ(utf8FromEncoding("", "EUC-JP"), "");
+    EXPECT_EQ(utf8FromEncoding("a", "no-such-encoding"), std::nullopt);
+}
+
 }  // namespace
 }  // namespace ferrowyn::text

@@ -1,15 +1,12 @@
 #include "platform/x11/x11_compound_text.h"
 
-#include <unicode/ucnv.h>
-#include <unicode/unistr.h>
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <utility>
 
+#include "core/text_encoding.h"
 #include "platform/x11/x11_text.h"
 
 namespace ferrowyn {
@@ -49,16 +46,8 @@ constexpr CharacterSet ascii{"94B", nullptr};
 constexpr CharacterSet latin1{"96A", "ISO-8859-1"};
 constexpr CharacterSet unknown{"", nullptr};
 
-std::string convert(std::string_view bytes, const char* converter) {
-    UErrorCode error = U_ZERO_ERROR;
-    const std::unique_ptr<UConverter, decltype(&ucnv_close)> opened(ucnv_open(converter, &error), &ucnv_close);
-    if (U_FAILURE(error) != 0) {
-        return std::string(replacement);
-    }
-    const icu::UnicodeString text(bytes.data(), static_cast<std::int32_t>(bytes.size()), opened.get(), error);
-    std::string utf8;
-    text.toUTF8String(utf8);
-    return utf8;
+std::string convert(std::string_view bytes, const std::string& encoding) {
+    return text::utf8FromEncoding(bytes, encoding).value_or(std::string(replacement));
 }
 
 class Reader {
@@ -179,7 +168,7 @@ private:
         if (name.ends_with("-0")) {
             name.resize(name.size() - 2);
         }
-        out_ += convert(segment.substr(nameEnd + 1), name.c_str());
+        out_ += convert(segment.substr(nameEnd + 1), name);
     }
 
     std::string_view text_;
