@@ -24,6 +24,10 @@
 
 namespace ferrowyn {
 
+class SimulatedApplication;
+class SimulatedHttpClient;
+class SimulatedLoginItem;
+
 /// A deterministic desktop with a virtual clock: it implements the platform interfaces (`platform()`) and, separately,
 /// this control interface, with which a test or the simulator plays the user, the applications and the system. Nothing
 /// happens but in the calling thread, inside `advance` or one of the calls below; only the tap thread is real. What the
@@ -114,6 +118,10 @@ public:
     [[nodiscard]] int trustPromptCount() const;
     void setSecureInput(bool isActive);
     void becomeActiveApplication();
+    /// What the program says of itself, and what was asked of the application object.
+    [[nodiscard]] SimulatedApplication& application();
+    [[nodiscard]] SimulatedHttpClient& httpClient();
+    [[nodiscard]] SimulatedLoginItem& loginItem();
 
     // --- the keyboard ----------------------------------------------------------------------------------------------
     using Key = SimulatedKey;

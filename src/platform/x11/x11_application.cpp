@@ -1,7 +1,12 @@
 #include "platform/x11/x11_application.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QSysInfo>
+#include <QVersionNumber>
+#include <algorithm>
 #include <utility>
 
 namespace ferrowyn {
@@ -17,5 +22,25 @@ Subscription X11Application::observeDidBecomeActive(std::function<void()> handle
         }
     });
 }
+
+BundleInfo X11Application::bundleInfo() const {
+    return {"Ferrowyn", FERROWYN_VERSION, std::nullopt, QCoreApplication::applicationFilePath().toStdString()};
+}
+
+std::string X11Application::systemVersion() const {
+    const auto version = QVersionNumber::fromString(QSysInfo::productVersion());
+    return fmt::format("{}.{}", std::max(version.majorVersion(), 0), std::max(version.minorVersion(), 0));
+}
+
+void X11Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
+
+/// The window manager decides that for each window, when it is asked to activate one.
+void X11Application::activate() {}
+
+void X11Application::terminate() {
+    QCoreApplication::quit();
+}
+
+void X11Application::revealInFileManager() {}
 
 }  // namespace ferrowyn

@@ -12,6 +12,13 @@ public:
 
     [[nodiscard]] Pid ownPid() const override;
     [[nodiscard]] Subscription observeDidBecomeActive(std::function<void()> handler) override;
+    [[nodiscard]] BundleInfo bundleInfo() const override;
+    [[nodiscard]] std::string systemVersion() const override;
+    /// A window that is open is in the task bar anyway; there is nothing to switch.
+    void setActivationPolicy(ActivationPolicy policy) override;
+    void activate() override;
+    void terminate() override;
+    void revealInFileManager() override;
 
 private:
     const X11DesktopModel& model_;

@@ -14,6 +14,8 @@
 #include "platform/linux/session_lock.h"
 #include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
+#include "platform/simulated/simulated_http_client.h"
+#include "platform/simulated/simulated_login_item.h"
 #include "platform/x11/x11_accessibility_observers.h"
 #include "platform/x11/x11_application.h"
 #include "platform/x11/x11_compositor.h"
@@ -102,6 +104,8 @@ struct X11Platform::Parts {
     X11Workspace workspace;
     X11Application application;
     X11IconSource icons;
+    SimulatedHttpClient httpClient;
+    SimulatedLoginItem loginItem;
     X11EventTaps eventTaps;
     X11Trust trust;
 
@@ -156,8 +160,9 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       compositor(panelEvents),
       pointer(panelEvents, screens, inputContext),
       panel(panelEvents, screens, compositor, pointer),
-      platform{mainLoop, backgroundWork, log,       userDefaults, application, workspace, inventory, observers,
-               control,  trust,          eventTaps, screens,      pointer,     panel,     icons,     linuxTexts()} {
+      platform{mainLoop,  backgroundWork, log,     userDefaults, application, workspace,
+               inventory, observers,      control, trust,        eventTaps,   screens,
+               pointer,   panel,          icons,   httpClient,   loginItem,   linuxTexts()} {
     // Posted from the thread that posts the trigger next, so it arrives right before it.
     inputContext.reportActiveWindow = [this](std::uint32_t window) {
         mainLoop.post([this, window] { monitor.startSessionFrom(window); });
