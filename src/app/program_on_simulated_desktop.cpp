@@ -35,6 +35,8 @@ Platform withLog(const Platform& platform, Log& log) {
         .pointer = platform.pointer,
         .panel = platform.panel,
         .icons = platform.icons,
+        .httpClient = platform.httpClient,
+        .loginItem = platform.loginItem,
         .texts = platform.texts,
     };
 }
