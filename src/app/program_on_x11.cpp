@@ -32,18 +32,17 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
 
-    std::string error;
     const auto desktop = X11Platform::create(
-        {.minimumLogLevel = line.logLevel.value_or(LogLevel::standard), .mirrorsLog = line.logLevel.has_value()},
-        error);
+        {.minimumLogLevel = line.logLevel.value_or(LogLevel::standard), .mirrorsLog = line.logLevel.has_value()});
     if (!desktop) {
-        return refuse("ferrowyn: " + error);
+        return refuse(unreachableDisplayMessage(SessionEnvironment::current()));
     }
     const Platform& platform = desktop->platform();
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     AppServices services(platform, switcherContentFactory(platform.texts));
-    instance.listen([&log = platform.log] { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
+    instance.listen(
+        [&log = platform.log](ProgramRequest) { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
     if (services.authorizer().status().get() == AccessibilityStatus::notTrusted) {
         // Says what is missing, and what to do; the services start by themselves once it is there.
         services.authorizer().requestTrust();
@@ -68,7 +67,8 @@ int runOnX11(const CommandLine& line, int& argumentCount, char** arguments) {
     if (isServerOfWaylandSession(connection->get(), connection->root())) {
         return refuse(waylandMessage());
     }
-    const auto instance = SingleInstance::claim(std::move(connection));
+    const auto instance =
+        SingleInstance::claim(std::move(connection), line.request.value_or(ProgramRequest::openSetup));
     if (!instance) {
         std::cout << "Ferrowyn is already running on this display.\n";
         return exit_status::success;

@@ -28,7 +28,6 @@
 #include "platform/x11/x11_pointer.h"
 #include "platform/x11/x11_screens.h"
 #include "platform/x11/x11_trust.h"
-#include "platform/x11/x11_wayland_session.h"
 #include "platform/x11/x11_window_control.h"
 #include "platform/x11/x11_window_inventory.h"
 #include "platform/x11/x11_workspace.h"
@@ -43,26 +42,13 @@ struct Connections {
     std::unique_ptr<X11Connection> panel;
 };
 
-std::optional<Connections> openConnections(const std::string& display, std::string& error) {
+std::optional<Connections> openConnections(const std::string& display) {
     const char* const name = display.empty() ? nullptr : display.c_str();
     Connections connections{X11Connection::open(name), X11Connection::open(name), X11Connection::open(name)};
-    if (connections.events && connections.snapshots && connections.panel) {
-        if (isServerOfWaylandSession(connections.events->get(), connections.events->root())) {
-            error = waylandExplanation;
-            return std::nullopt;
-        }
-        return connections;
+    if (!connections.events || !connections.snapshots || !connections.panel) {
+        return std::nullopt;
     }
-    const char* const wanted = name != nullptr ? name : std::getenv("DISPLAY");
-    if (wanted == nullptr || *wanted == '\0') {
-        error = std::getenv("WAYLAND_DISPLAY") != nullptr
-                    ? waylandExplanation
-                    : "No X11 display: DISPLAY is not set. Start Ferrowyn from within an X11 session, or set DISPLAY.";
-    } else {
-        error = "No X11 display: there is no X server at \"" + std::string(wanted) +
-                "\", or it refuses this user. Check DISPLAY and XAUTHORITY.";
-    }
-    return std::nullopt;
+    return connections;
 }
 
 void endProgram(Log& log) {
@@ -180,8 +166,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     });
 }
 
-std::unique_ptr<X11Platform> X11Platform::create(const X11PlatformOptions& options, std::string& error) {
-    auto connections = openConnections(options.display, error);
+std::unique_ptr<X11Platform> X11Platform::create(const X11PlatformOptions& options) {
+    auto connections = openConnections(options.display);
     if (!connections) {
         return nullptr;
     }

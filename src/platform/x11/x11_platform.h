@@ -26,9 +26,9 @@ struct X11PlatformOptions {
 /// it.
 class X11Platform {
 public:
-    /// Null, with what is missing and what to do about it, when the program cannot run here. A missing window manager
-    /// or input extension is no such case: they are a lack of trust, and a manager may still come.
-    [[nodiscard]] static std::unique_ptr<X11Platform> create(const X11PlatformOptions& options, std::string& error);
+    /// Null when the X server cannot be connected to. A missing window manager or input extension is no such case: they
+    /// are a lack of trust, and a manager may still come.
+    [[nodiscard]] static std::unique_ptr<X11Platform> create(const X11PlatformOptions& options);
     ~X11Platform();
     X11Platform(const X11Platform&) = delete;
     X11Platform& operator=(const X11Platform&) = delete;
