@@ -29,6 +29,13 @@ struct TextTable {
     /// "Other Space" where the desktop has Spaces.
     std::string_view otherSpaceBadge;
 
+    /// Why the program cannot be registered to start at login.
+    std::string_view loginItemUnavailable;
+    /// The system refused to register or unregister it.
+    std::string_view loginItemRefused;
+    /// It is registered, and the user has to allow it.
+    std::string_view loginItemApproval;
+
     [[nodiscard]] std::string_view modifierKey(SwitcherModifier modifier) const;
     [[nodiscard]] std::string_view commandKeyDuringSession(SwitcherModifier trigger) const;
 };

@@ -83,6 +83,14 @@ TimePoint SimulatedDesktop::now() const {
     return implementation_->mainLoop.now();
 }
 
+WallTime SimulatedDesktop::wallTime() const {
+    return implementation_->mainLoop.wallTime();
+}
+
+void SimulatedDesktop::setWallTime(WallTime time) {
+    implementation_->mainLoop.setWallTime(time);
+}
+
 std::size_t SimulatedDesktop::pendingTimerCount() const {
     return implementation_->mainLoop.pendingTimerCount();
 }

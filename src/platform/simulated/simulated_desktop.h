@@ -51,6 +51,9 @@ public:
     /// Runs what is due now (posted tasks, finished background work) without letting time pass.
     void settle();
     [[nodiscard]] TimePoint now() const;
+    [[nodiscard]] WallTime wallTime() const;
+    /// Sets the calendar's clock; it is 2026-01-01 00:00 UTC at first.
+    void setWallTime(WallTime time);
     /// How many timers are waiting, for tests of what must not be left behind.
     [[nodiscard]] std::size_t pendingTimerCount() const;
 
