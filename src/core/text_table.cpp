@@ -30,6 +30,13 @@ const TextTable& macTexts() {
         .permissionTitle = "Accessibility access is required",
         .permissionExplanation = "Ferrowyn cannot list or focus other apps' windows without it.",
         .permissionButton = "Open System Settings",
+
+        .accessRequiredTooltip = "Ferrowyn — Accessibility access required",
+        .accessRequiredSubtitle = "Accessibility access required",
+        .grantAccessTitle = "Grant Accessibility Access…",
+        .trustRevokedTooltip = "Ferrowyn — Accessibility access was revoked",
+        .trustRevokedSubtitle = "Accessibility access was revoked",
+
         .otherSpaceBadge = "Other Space",
 
         .loginItemUnavailable = "Ferrowyn must be in /Applications to launch at login.",
@@ -55,6 +62,13 @@ const TextTable& linuxTexts() {
             "XInput 2.2. Start a window manager or update the X server; Ferrowyn then goes on by "
             "itself.",
         .permissionButton = "Open Setup",
+
+        .accessRequiredTooltip = "Ferrowyn — a window manager is required",
+        .accessRequiredSubtitle = "A window manager is required",
+        .grantAccessTitle = "Show What Is Missing…",
+        .trustRevokedTooltip = "Ferrowyn — keyboard access was lost",
+        .trustRevokedSubtitle = "Keyboard access was lost",
+
         .otherSpaceBadge = "Other Space",
 
         .loginItemUnavailable = "Ferrowyn must be able to write to the autostart folder to launch at login.",

@@ -26,6 +26,14 @@ struct TextTable {
     std::string_view permissionExplanation;
     std::string_view permissionButton;
 
+    /// What the status item says while the program may not do what it is for: on its button, in its menu, and as the
+    /// row that leads to what can be done about it.
+    std::string_view accessRequiredTooltip;
+    std::string_view accessRequiredSubtitle;
+    std::string_view grantAccessTitle;
+    std::string_view trustRevokedTooltip;
+    std::string_view trustRevokedSubtitle;
+
     /// "Other Space" where the desktop has Spaces.
     std::string_view otherSpaceBadge;
 

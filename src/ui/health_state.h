@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/text_table.h"
+#include "platform/status_item.h"
+
+namespace ferrowyn {
+
+class AppServices;
+
+/// How the keyboard shortcut is doing. Derived from the services whenever it is shown, and kept nowhere.
+enum class HealthState { ready, accessRequired, trustRevoked, repeatedTimeouts, secureInput };
+
+/// Missing trust explains every other failure, and a shortcut that failed will not return when secure input ends.
+[[nodiscard]] HealthState healthState(AppServices& services);
+
+/// How a state shows in the status item. The texts are string literals or the table's.
+struct HealthAppearance {
+    std::string_view buttonSymbol;
+    std::string_view buttonTooltip;
+    std::string_view subtitle;
+    /// The row that repairs it, or says what is being waited for; an empty title for none.
+    std::string_view repairTitle;
+    std::string_view repairSymbol;
+    MenuRow::Action repairAction = MenuRow::Action::none;
+};
+
+[[nodiscard]] HealthAppearance appearance(HealthState state, const TextTable& texts);
+
+}  // namespace ferrowyn
