@@ -21,6 +21,8 @@ QByteArray strokeFor(SymbolWeight weight) {
     switch (weight) {
         case SymbolWeight::light:
             return "stroke-width=\"1.5\"";
+        case SymbolWeight::regular:
+            return "stroke-width=\"1.8\"";
         case SymbolWeight::medium:
             return drawnStroke;
         case SymbolWeight::semibold:
