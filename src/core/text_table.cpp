@@ -42,6 +42,8 @@ const TextTable& macTexts() {
         .loginItemUnavailable = "Ferrowyn must be in /Applications to launch at login.",
         .loginItemRefused = "macOS refused the request. Move Ferrowyn to /Applications and try again.",
         .loginItemApproval = "Approve Ferrowyn in System Settings → General → Login Items.",
+
+        .windows = macWindowTexts(),
     };
     return table;
 }
@@ -75,6 +77,8 @@ const TextTable& linuxTexts() {
         .loginItemRefused =
             "The system refused the request. Make sure that the autostart folder is yours and try again.",
         .loginItemApproval = "Allow Ferrowyn in your desktop's settings for autostart.",
+
+        .windows = linuxWindowTexts(),
     };
     return table;
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "core/switcher_modifier.h"
+#include "core/window_texts.h"
 
 namespace ferrowyn {
 
@@ -43,6 +44,9 @@ struct TextTable {
     std::string_view loginItemRefused;
     /// It is registered, and the user has to allow it.
     std::string_view loginItemApproval;
+
+    /// The settings, setup and about windows.
+    const WindowTexts& windows;
 
     [[nodiscard]] std::string_view modifierKey(SwitcherModifier modifier) const;
     [[nodiscard]] std::string_view commandKeyDuringSession(SwitcherModifier trigger) const;
