@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/app_services.h"
+#include "core/text_table.h"
 #include "input/switcher_controller.h"
 #include "platform/application.h"
 #include "platform/main_loop.h"
@@ -39,12 +40,14 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::makeWindows() {
-    onboarding_ = userInterface_.makeOnboardingWindow({.title = "Ferrowyn Setup"}, *services_,
+    const auto& texts = platform_.texts.windows;
+    const auto name = platform_.application.bundleInfo().name.value_or("Ferrowyn");
+    onboarding_ = userInterface_.makeOnboardingWindow({.title = {texts.setupWindowTitle, {}}}, *services_,
                                                       weakly(&AppDelegate::closeOnboarding));
-    settings_ = userInterface_.makeSettingsWindow({.title = "Ferrowyn Settings", .isResizable = true}, *services_);
-    about_ = userInterface_.makeAboutWindow(
-        {.title = "About " + platform_.application.bundleInfo().name.value_or("Ferrowyn")},
-        weakly(&AppDelegate::closeAbout));
+    settings_ =
+        userInterface_.makeSettingsWindow({.title = {texts.settingsWindowTitle, {}}, .isResizable = true}, *services_);
+    about_ =
+        userInterface_.makeAboutWindow({.title = {texts.aboutWindowTitle, {name}}}, weakly(&AppDelegate::closeAbout));
 }
 
 void AppDelegate::makeStatusItem() {
@@ -53,7 +56,8 @@ void AppDelegate::makeStatusItem() {
         platform_, *statusItem_, *services_,
         StatusItemController::Actions{.onOpenSettings = weakly(&AppDelegate::showSettings),
                                       .onOpenOnboarding = weakly(&AppDelegate::showOnboarding),
-                                      .onOpenAbout = weakly(&AppDelegate::showAbout)});
+                                      .onOpenAbout = weakly(&AppDelegate::showAbout)},
+        [&userInterface = userInterface_](const Phrase& phrase) { return userInterface.translated(phrase); });
     statusItemController_->configureButton();
     statusItemController_->buildMenu();
     statusItemController_->followServices();

@@ -54,9 +54,9 @@ private:
     const Platform& platform_;
     UserInterface& userInterface_;
     std::unique_ptr<AppServices> services_;
-    std::unique_ptr<UtilityWindow> onboarding_;
-    std::unique_ptr<UtilityWindow> settings_;
-    std::unique_ptr<UtilityWindow> about_;
+    std::unique_ptr<OnDemandWindow> onboarding_;
+    std::unique_ptr<OnDemandWindow> settings_;
+    std::unique_ptr<OnDemandWindow> about_;
     std::unique_ptr<StatusItem> statusItem_;
     std::unique_ptr<StatusItemController> statusItemController_;
     Subscription firstWindowList_;

@@ -4,7 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "app/utility_window.h"
+#include "app/on_demand_window.h"
+#include "core/phrase.h"
 #include "input/switcher_content.h"
 #include "platform/status_item.h"
 
@@ -16,20 +17,22 @@ class AppServices;
 class UserInterface {
 public:
     struct WindowOptions {
-        std::string title;
+        Phrase title;
         bool isResizable = false;
     };
 
     virtual ~UserInterface() = default;
 
+    /// Into the language of the user.
+    [[nodiscard]] virtual std::string translated(const Phrase& phrase) = 0;
     [[nodiscard]] virtual SwitcherContentFactory switcherContentFactory() = 0;
-    [[nodiscard]] virtual std::unique_ptr<UtilityWindow> makeOnboardingWindow(const WindowOptions& options,
-                                                                              AppServices& services,
-                                                                              std::function<void()> onDone) = 0;
-    [[nodiscard]] virtual std::unique_ptr<UtilityWindow> makeSettingsWindow(const WindowOptions& options,
-                                                                            AppServices& services) = 0;
-    [[nodiscard]] virtual std::unique_ptr<UtilityWindow> makeAboutWindow(const WindowOptions& options,
-                                                                         std::function<void()> onClose) = 0;
+    [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeOnboardingWindow(const WindowOptions& options,
+                                                                               AppServices& services,
+                                                                               std::function<void()> onDone) = 0;
+    [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& options,
+                                                                             AppServices& services) = 0;
+    [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
+                                                                          std::function<void()> onClose) = 0;
     [[nodiscard]] virtual std::unique_ptr<StatusItem> makeStatusItem() = 0;
 };
 

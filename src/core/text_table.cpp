@@ -30,19 +30,13 @@ const TextTable& macTexts() {
         .permissionTitle = "Accessibility access is required",
         .permissionExplanation = "Ferrowyn cannot list or focus other apps' windows without it.",
         .permissionButton = "Open System Settings",
-
-        .accessRequiredTooltip = "Ferrowyn — Accessibility access required",
-        .accessRequiredSubtitle = "Accessibility access required",
-        .grantAccessTitle = "Grant Accessibility Access…",
-        .trustRevokedTooltip = "Ferrowyn — Accessibility access was revoked",
-        .trustRevokedSubtitle = "Accessibility access was revoked",
-
         .otherSpaceBadge = "Other Space",
 
         .loginItemUnavailable = "Ferrowyn must be in /Applications to launch at login.",
         .loginItemRefused = "macOS refused the request. Move Ferrowyn to /Applications and try again.",
         .loginItemApproval = "Approve Ferrowyn in System Settings → General → Login Items.",
 
+        .statusItem = macStatusItemTexts(),
         .windows = macWindowTexts(),
     };
     return table;
@@ -64,13 +58,6 @@ const TextTable& linuxTexts() {
             "XInput 2.2. Start a window manager or update the X server; Ferrowyn then goes on by "
             "itself.",
         .permissionButton = "Open Setup",
-
-        .accessRequiredTooltip = "Ferrowyn — a window manager is required",
-        .accessRequiredSubtitle = "A window manager is required",
-        .grantAccessTitle = "Show What Is Missing…",
-        .trustRevokedTooltip = "Ferrowyn — keyboard access was lost",
-        .trustRevokedSubtitle = "Keyboard access was lost",
-
         .otherSpaceBadge = "Other Space",
 
         .loginItemUnavailable = "Ferrowyn must be able to write to the autostart folder to launch at login.",
@@ -78,6 +65,7 @@ const TextTable& linuxTexts() {
             "The system refused the request. Make sure that the autostart folder is yours and try again.",
         .loginItemApproval = "Allow Ferrowyn in your desktop's settings for autostart.",
 
+        .statusItem = linuxStatusItemTexts(),
         .windows = linuxWindowTexts(),
     };
     return table;

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/status_item_texts.h"
 #include "core/switcher_modifier.h"
 #include "core/window_texts.h"
 
@@ -27,14 +28,6 @@ struct TextTable {
     std::string_view permissionExplanation;
     std::string_view permissionButton;
 
-    /// What the status item says while the program may not do what it is for: on its button, in its menu, and as the
-    /// row that leads to what can be done about it.
-    std::string_view accessRequiredTooltip;
-    std::string_view accessRequiredSubtitle;
-    std::string_view grantAccessTitle;
-    std::string_view trustRevokedTooltip;
-    std::string_view trustRevokedSubtitle;
-
     /// "Other Space" where the desktop has Spaces.
     std::string_view otherSpaceBadge;
 
@@ -45,6 +38,8 @@ struct TextTable {
     /// It is registered, and the user has to allow it.
     std::string_view loginItemApproval;
 
+    /// The status item and its menu.
+    const StatusItemTexts& statusItem;
     /// The settings, setup and about windows.
     const WindowTexts& windows;
 

@@ -9,11 +9,9 @@ namespace {
 constexpr std::string_view warning = "exclamationmark.triangle";
 constexpr std::string_view pausedKeyboard = "keyboard.badge.ellipsis";
 
-HealthAppearance failure(std::string_view tooltip, std::string_view subtitle) {
+HealthAppearance failure(const StatusItemTexts::Health& texts) {
     return {.buttonSymbol = warning,
-            .buttonTooltip = tooltip,
-            .subtitle = subtitle,
-            .repairTitle = "Re-enable Shortcut",
+            .texts = texts,
             .repairSymbol = "arrow.clockwise",
             .repairAction = MenuRow::Action::retryInput};
 }
@@ -31,29 +29,23 @@ HealthState healthState(AppServices& services) {
     return services.authorizer().isSecureInputActive().get() ? HealthState::secureInput : HealthState::ready;
 }
 
-HealthAppearance appearance(HealthState state, const TextTable& texts) {
+HealthAppearance appearance(HealthState state, const StatusItemTexts& texts) {
     switch (state) {
         case HealthState::accessRequired:
             return {.buttonSymbol = warning,
-                    .buttonTooltip = texts.accessRequiredTooltip,
-                    .subtitle = texts.accessRequiredSubtitle,
-                    .repairTitle = texts.grantAccessTitle,
+                    .texts = texts.accessRequired,
                     .repairSymbol = "lock.shield",
                     .repairAction = MenuRow::Action::openOnboarding};
         case HealthState::trustRevoked:
-            return failure(texts.trustRevokedTooltip, texts.trustRevokedSubtitle);
+            return failure(texts.trustRevoked);
         case HealthState::repeatedTimeouts:
-            return failure("Ferrowyn — shortcut disabled by the system", "Shortcut disabled by the system");
+            return failure(texts.repeatedTimeouts);
         case HealthState::secureInput:
-            return {.buttonSymbol = pausedKeyboard,
-                    .buttonTooltip = "Ferrowyn — secure input is active, shortcut paused",
-                    .subtitle = "Secure input active — shortcut paused",
-                    .repairTitle = "Waiting for the other app to release it",
-                    .repairSymbol = pausedKeyboard};
+            return {.buttonSymbol = pausedKeyboard, .texts = texts.secureInput, .repairSymbol = pausedKeyboard};
         case HealthState::ready:
             break;
     }
-    return {.buttonSymbol = "macwindow.on.rectangle", .buttonTooltip = "Ferrowyn", .subtitle = "Ready"};
+    return {.buttonSymbol = "macwindow.on.rectangle", .texts = texts.ready};
 }
 
 }  // namespace ferrowyn

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "core/text_table.h"
+#include "core/status_item_texts.h"
 #include "platform/status_item.h"
 
 namespace ferrowyn {
@@ -15,17 +15,15 @@ enum class HealthState { ready, accessRequired, trustRevoked, repeatedTimeouts, 
 /// Missing trust explains every other failure, and a shortcut that failed will not return when secure input ends.
 [[nodiscard]] HealthState healthState(AppServices& services);
 
-/// How a state shows in the status item. The texts are string literals or the table's.
+/// How a state shows in the status item.
 struct HealthAppearance {
     std::string_view buttonSymbol;
-    std::string_view buttonTooltip;
-    std::string_view subtitle;
-    /// The row that repairs it, or says what is being waited for; an empty title for none.
-    std::string_view repairTitle;
+    StatusItemTexts::Health texts;
+    /// Of the row that repairs it, or says what is being waited for.
     std::string_view repairSymbol;
     MenuRow::Action repairAction = MenuRow::Action::none;
 };
 
-[[nodiscard]] HealthAppearance appearance(HealthState state, const TextTable& texts);
+[[nodiscard]] HealthAppearance appearance(HealthState state, const StatusItemTexts& texts);
 
 }  // namespace ferrowyn

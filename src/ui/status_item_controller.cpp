@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "app/app_services.h"
+#include "core/text_table.h"
 #include "input/switcher_controller.h"
 #include "platform/application.h"
 #include "platform/main_loop.h"
@@ -11,7 +12,6 @@
 #include "services/launch_at_login_service.h"
 #include "services/update_checker.h"
 #include "ui/health_state.h"
-#include "ui/status_menu.h"
 
 namespace ferrowyn {
 
@@ -26,14 +26,15 @@ void callIfSet(const std::function<void()>& action) {
 }  // namespace
 
 StatusItemController::StatusItemController(const Platform& platform, StatusItem& statusItem, AppServices& services,
-                                           Actions actions)
+                                           Actions actions, Translator translate)
     : mainLoop_(platform.mainLoop),
       application_(platform.application),
       texts_(platform.texts),
       applicationName_(platform.application.bundleInfo().name.value_or("Ferrowyn")),
       statusItem_(statusItem),
       services_(services),
-      actions_(std::move(actions)) {
+      actions_(std::move(actions)),
+      translate_(std::move(translate)) {
     statusItem_.setActionHandler([this, alive = std::weak_ptr(isAlive_)](const MenuRow& row) {
         if (!alive.expired()) {
             perform(row);
@@ -42,14 +43,14 @@ StatusItemController::StatusItemController(const Platform& platform, StatusItem&
 }
 
 void StatusItemController::configureButton() {
-    const auto health = appearance(healthState(services_), texts_);
+    const auto health = appearance(healthState(services_), texts_.statusItem);
     statusItem_.setButton({.symbol = std::string(health.buttonSymbol),
-                           .tooltip = std::string(health.buttonTooltip),
+                           .tooltip = translate_({health.texts.tooltip, {}}),
                            .accessibilityLabel = "Ferrowyn"});
 }
 
 void StatusItemController::buildMenu() {
-    statusItem_.setMenu(makeStatusMenu(services_, texts_, applicationName_));
+    statusItem_.setMenu(makeStatusMenu(services_, texts_, applicationName_, translate_));
 }
 
 void StatusItemController::followServices() {

@@ -8,6 +8,7 @@
 
 #include "core/subscription.h"
 #include "platform/status_item.h"
+#include "ui/status_menu.h"
 
 namespace ferrowyn {
 
@@ -28,7 +29,8 @@ public:
         std::function<void()> onOpenAbout;
     };
 
-    StatusItemController(const Platform& platform, StatusItem& statusItem, AppServices& services, Actions actions);
+    StatusItemController(const Platform& platform, StatusItem& statusItem, AppServices& services, Actions actions,
+                         Translator translate = &Phrase::untranslated);
 
     // The set-up, in this order.
     void configureButton();
@@ -53,6 +55,7 @@ private:
     StatusItem& statusItem_;
     AppServices& services_;
     Actions actions_;
+    Translator translate_;
     bool isUpdateScheduled_ = false;
     std::vector<Subscription> cancellables_;
     /// Held weakly by what waits on the loop and by the status item, which outlive this.

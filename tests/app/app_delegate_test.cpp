@@ -26,20 +26,21 @@ const LogLine suspended{LogLevel::standard, "permissions", "Services suspended â
 /// Notes what is made and shown, in order, and plays the views' part.
 class RecordedInterface final : public UserInterface {
 public:
+    [[nodiscard]] std::string translated(const Phrase& phrase) override { return phrase.untranslated(); }
     [[nodiscard]] SwitcherContentFactory switcherContentFactory() override { return stubContentFactory(content); }
-    [[nodiscard]] std::unique_ptr<UtilityWindow> makeOnboardingWindow(const WindowOptions& options,
-                                                                      AppServices& services,
-                                                                      std::function<void()> onDone) override {
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeOnboardingWindow(const WindowOptions& options,
+                                                                       AppServices& services,
+                                                                       std::function<void()> onDone) override {
         onboardingDone = std::move(onDone);
         wasActiveAtFirstWindow = services.isActive();
         return make(options, "setup");
     }
-    [[nodiscard]] std::unique_ptr<UtilityWindow> makeSettingsWindow(const WindowOptions& options,
-                                                                    AppServices& /*services*/) override {
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& options,
+                                                                     AppServices& /*services*/) override {
         return make(options, "settings");
     }
-    [[nodiscard]] std::unique_ptr<UtilityWindow> makeAboutWindow(const WindowOptions& options,
-                                                                 std::function<void()> onClose) override {
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
+                                                                  std::function<void()> onClose) override {
         aboutClosed = std::move(onClose);
         return make(options, "about");
     }
@@ -60,7 +61,7 @@ public:
     SimulatedStatusItem* statusItem = nullptr;
 
 private:
-    class Window final : public UtilityWindow {
+    class Window final : public OnDemandWindow {
     public:
         Window(std::vector<std::string>& steps, std::string name) : steps_(steps), name_(std::move(name)) {}
         void show() override { steps_.push_back("show " + name_); }
@@ -71,8 +72,8 @@ private:
         std::string name_;
     };
 
-    std::unique_ptr<UtilityWindow> make(const WindowOptions& options, const std::string& name) {
-        steps.push_back("make \"" + options.title + "\"" + (options.isResizable ? " resizable" : ""));
+    std::unique_ptr<OnDemandWindow> make(const WindowOptions& options, const std::string& name) {
+        steps.push_back("make \"" + options.title.untranslated() + "\"" + (options.isResizable ? " resizable" : ""));
         return std::make_unique<Window>(steps, name);
     }
 };

@@ -477,6 +477,29 @@ TEST_F(StatusItemControllerTest, NamesTheApplicationAsItsBundleDoes) {
     EXPECT_EQ(row(Action::openAbout).title, "About Ferrowyn");
 }
 
+TEST_F(StatusItemControllerTest, TranslatesEveryTextBeforeThePartsArePutIn) {
+    services.emplace(desktop.platform(), stubContentFactory(content));
+    desktop.settle();
+    offerUpdate("1.4.0");
+    std::vector<std::string> asked;
+    const auto shout = [&asked](const Phrase& phrase) {
+        asked.emplace_back(phrase.text);
+        return withArguments("‹" + std::string(phrase.text) + "›", phrase.arguments);
+    };
+    controller.emplace(desktop.platform(), item, *services, StatusItemController::Actions{}, shout);
+    controller->configureButton();
+    controller->buildMenu();
+    EXPECT_EQ(item.button.tooltip, "‹Ferrowyn›");
+    EXPECT_EQ(item.menu.front().header.subtitle, "‹Ready›");
+    for (const MenuRow& candidate : item.menu) {
+        if (candidate.kind == MenuRow::Kind::item || candidate.kind == MenuRow::Kind::sectionTitle) {
+            EXPECT_THAT(candidate.title, testing::StartsWith("‹"));
+        }
+    }
+    EXPECT_EQ(row(Action::downloadUpdate).title, "‹Update to 1.4.0…›");
+    EXPECT_THAT(asked, testing::IsSupersetOf({"%1 windows tracked", "Update to %1…", "About %1"}));
+}
+
 TEST_F(StatusItemControllerTest, IsNotReachedAnyMoreOnceItIsGone) {
     build();
     const int menuCount = item.menuCount;

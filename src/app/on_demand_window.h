@@ -3,9 +3,9 @@
 namespace ferrowyn {
 
 /// One of the program's ordinary windows: made when it is first shown, kept and shown again after that. Main thread.
-class UtilityWindow {
+class OnDemandWindow {
 public:
-    virtual ~UtilityWindow() = default;
+    virtual ~OnDemandWindow() = default;
 
     /// Brings it to the front as the key window.
     virtual void show() = 0;
