@@ -4,6 +4,8 @@
 #include <QEvent>
 #include <utility>
 
+#include "platform/linux/status_notifier_item.h"
+
 namespace ferrowyn {
 
 LinuxTrayIcon::LinuxTrayIcon(MainLoop& mainLoop, BackgroundWork& backgroundWork,
@@ -11,9 +13,9 @@ LinuxTrayIcon::LinuxTrayIcon(MainLoop& mainLoop, BackgroundWork& backgroundWork,
                              MakeFallback makeFallback)
     : painter_(std::move(painter)),
       makeFallback_(std::move(makeFallback)),
-      notifier_(mainLoop, backgroundWork, busAddress) {
-    notifier_.setHostHandler([this](bool hasHost) { hostChanged(hasHost); });
-    notifier_.object().setPressHandler([this](int x, int y) {
+      notifier_(std::make_unique<StatusNotifierItem>(mainLoop, backgroundWork, busAddress)) {
+    notifier_->setHostHandler([this](bool hasHost) { hostChanged(hasHost); });
+    notifier_->object().setPressHandler([this](int x, int y) {
         if (onPress_) {
             onPress_({static_cast<double>(x), static_cast<double>(y), 0, 0});
         }
@@ -31,7 +33,7 @@ void LinuxTrayIcon::setIcon(const std::string& symbol) {
 
 void LinuxTrayIcon::setToolTip(const std::string& title) {
     toolTip_ = title;
-    notifier_.object().setToolTip(QString::fromStdString(title));
+    notifier_->object().setToolTip(QString::fromStdString(title));
     if (fallback_ != nullptr) {
         fallback_->setToolTip(title);
     }
@@ -42,7 +44,7 @@ void LinuxTrayIcon::setPressHandler(std::function<void(const Rect& anchor)> hand
 }
 
 LinuxTrayIcon::Host LinuxTrayIcon::shownBy() const {
-    if (notifier_.hasHost().value_or(false)) {
+    if (notifier_->hasHost().value_or(false)) {
         return Host::statusNotifier;
     }
     return fallback_ != nullptr && fallback_->isShown() ? Host::fallback : Host::none;
@@ -81,7 +83,7 @@ void LinuxTrayIcon::redraw() {
     for (const int side : {16, 22, 24, 32, 48, 64}) {
         pixmaps.append(StatusNotifierPixmap::fromImage(painter_(symbol_, side, std::nullopt)));
     }
-    notifier_.object().setIcon(std::move(pixmaps));
+    notifier_->object().setIcon(std::move(pixmaps));
     if (fallback_ != nullptr) {
         fallback_->setIcon(symbol_);
     }

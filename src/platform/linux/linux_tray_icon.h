@@ -6,11 +6,14 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/status_notifier_item.h"
 #include "platform/qt/tray_symbol_painter.h"
 #include "platform/tray_icon.h"
 
 namespace ferrowyn {
+
+class BackgroundWork;
+class MainLoop;
+class StatusNotifierItem;
 
 /// The icon as a status notifier where some host shows those, and by another way wherever none does. Main thread.
 class LinuxTrayIcon final : public QObject, public TrayIcon {
@@ -41,7 +44,7 @@ private:
     std::string symbol_;
     std::string toolTip_;
     std::function<void(const Rect&)> onPress_;
-    StatusNotifierItem notifier_;
+    std::unique_ptr<StatusNotifierItem> notifier_;
     std::unique_ptr<TrayIcon> fallback_;
 };
 
