@@ -11,6 +11,7 @@
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/journal_log.h"
+#include "platform/linux/linux_tray_icon.h"
 #include "platform/linux/session_lock.h"
 #include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
@@ -27,6 +28,7 @@
 #include "platform/x11/x11_panel.h"
 #include "platform/x11/x11_pointer.h"
 #include "platform/x11/x11_screens.h"
+#include "platform/x11/x11_tray_icon.h"
 #include "platform/x11/x11_trust.h"
 #include "platform/x11/x11_window_control.h"
 #include "platform/x11/x11_window_inventory.h"
@@ -67,6 +69,7 @@ bool openAddress(std::string_view url) {
 struct X11Platform::Parts {
     Parts(Connections connections, const X11PlatformOptions& options);
 
+    std::string display;
     QtMainLoop mainLoop;
     JournalLog log;
     QtBackgroundWork backgroundWork;
@@ -109,7 +112,8 @@ struct X11Platform::Parts {
 };
 
 X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& options)
-    : log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
+    : display(options.display),
+      log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
       folders(XdgFolders::fromEnvironment()),
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
@@ -183,6 +187,22 @@ const Platform& X11Platform::platform() const {
 
 void X11Platform::setSettingsPageHandler(std::function<bool(std::string_view)> handler) {
     parts_->openSettingsPage = std::move(handler);
+}
+
+std::unique_ptr<LinuxTrayIcon> X11Platform::makeTrayIcon(TraySymbolPainter painter) {
+    const auto makeEmbedded = [this, painter]() -> std::unique_ptr<TrayIcon> {
+        auto connection = X11Connection::open(parts_->display.empty() ? nullptr : parts_->display.c_str());
+        if (connection == nullptr) {
+            return nullptr;
+        }
+        return std::make_unique<X11TrayIcon>(std::move(connection), parts_->mainLoop, painter);
+    };
+    return std::make_unique<LinuxTrayIcon>(parts_->mainLoop, parts_->backgroundWork,
+                                           SessionLock::Buses::fromEnvironment().session, painter, makeEmbedded);
+}
+
+bool X11Platform::isComposited() const {
+    return parts_->compositor.isRunning();
 }
 
 }  // namespace ferrowyn
