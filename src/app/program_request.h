@@ -28,4 +28,13 @@ inline constexpr std::array programRequestNames{
     return std::nullopt;
 }
 
+[[nodiscard]] constexpr std::string_view nameOf(ProgramRequest wanted) {
+    for (const auto& [request, name] : programRequestNames) {
+        if (request == wanted) {
+            return name;
+        }
+    }
+    return {};
+}
+
 }  // namespace ferrowyn
