@@ -11,11 +11,12 @@
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/journal_log.h"
+#include "platform/linux/product_id.h"
 #include "platform/linux/session_lock.h"
+#include "platform/linux/xdg_login_item.h"
 #include "platform/qt/qt_background_work.h"
+#include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_main_loop.h"
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_login_item.h"
 #include "platform/x11/x11_accessibility_observers.h"
 #include "platform/x11/x11_application.h"
 #include "platform/x11/x11_compositor.h"
@@ -104,8 +105,8 @@ struct X11Platform::Parts {
     X11Workspace workspace;
     X11Application application;
     X11IconSource icons;
-    SimulatedHttpClient httpClient;
-    SimulatedLoginItem loginItem;
+    QtHttpClient httpClient;
+    XdgLoginItem loginItem;
     X11EventTaps eventTaps;
     X11Trust trust;
 
@@ -147,6 +148,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
            .openSettingsPage = [this](std::string_view url) { return openSettingsPage && openSettingsPage(url); }}),
       application(monitor.model()),
       icons(monitor, atoms, entries),
+      httpClient(mainLoop, backgroundWork),
+      loginItem(folders, {productId, "Ferrowyn", application.bundleInfo().path}),
       eventTaps(inputContext, log, options.display),
       trust(monitor.model(), inputContext,
             {.isLocked = [this] { return sessionLock.isLocked(); },
