@@ -35,6 +35,9 @@ const TextTable& macTexts() {
         .loginItemUnavailable = "Ferrowyn must be in /Applications to launch at login.",
         .loginItemRefused = "macOS refused the request. Move Ferrowyn to /Applications and try again.",
         .loginItemApproval = "Approve Ferrowyn in System Settings → General → Login Items.",
+
+        .statusItem = macStatusItemTexts(),
+        .windows = macWindowTexts(),
     };
     return table;
 }
@@ -61,6 +64,9 @@ const TextTable& linuxTexts() {
         .loginItemRefused =
             "The system refused the request. Make sure that the autostart folder is yours and try again.",
         .loginItemApproval = "Allow Ferrowyn in your desktop's settings for autostart.",
+
+        .statusItem = linuxStatusItemTexts(),
+        .windows = linuxWindowTexts(),
     };
     return table;
 }

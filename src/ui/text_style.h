@@ -4,7 +4,7 @@
 
 namespace ferrowyn {
 
-/// The panel's uses of text. Families are the desktop's; sizes are points at scale 1.
+/// The panel's and the menu's uses of text. Families are the desktop's; sizes are points at scale 1.
 enum class TextStyle {
     searchText,
     rowTitle,
@@ -20,6 +20,10 @@ enum class TextStyle {
     hint,
     emptyTitle,
     emptyDetail,
+    menuItem,
+    menuHeaderTitle,
+    menuHeaderSubtitle,
+    menuSectionTitle,
     button,
 };
 

@@ -35,11 +35,11 @@ protected:
         fs::permissions(file, fs::perms::owner_all);
     }
     [[nodiscard]] XdgLoginItem item() const {
-        return {folders, {"com.larkmoor.Ferrowyn", "Ferrowyn", program}, {currentDesktop, "/usr/bin:/bin"}};
+        return {folders, {"com.larkmoor.ferrowyn", "Ferrowyn", program}, {currentDesktop, "/usr/bin:/bin"}};
     }
     [[nodiscard]] fs::path userEntry() const { return entryIn(folders.configHome); }
     [[nodiscard]] static fs::path entryIn(const fs::path& configFolder) {
-        return configFolder / "autostart/com.larkmoor.Ferrowyn.desktop";
+        return configFolder / "autostart/com.larkmoor.ferrowyn.desktop";
     }
     static void write(const fs::path& file, const std::string& text) {
         fs::create_directories(file.parent_path());
@@ -75,7 +75,7 @@ TEST_F(XdgLoginItemTest, WithoutAnEntryItIsNotRegistered) {
 TEST_F(XdgLoginItemTest, RegisteringAndUnregisteringLeaveNothingBehind) {
     EXPECT_EQ(item().registerProgram(), std::nullopt);
     EXPECT_EQ(item().status(), Status::enabled);
-    EXPECT_EQ(userText(), "[Desktop Entry]\nType=Application\nName=Ferrowyn\nIcon=com.larkmoor.Ferrowyn\nExec=" +
+    EXPECT_EQ(userText(), "[Desktop Entry]\nType=Application\nName=Ferrowyn\nIcon=com.larkmoor.ferrowyn\nExec=" +
                               program.string() + "\nTryExec=" + program.string() + "\n");
     EXPECT_EQ(std::distance(fs::directory_iterator(userEntry().parent_path()), {}), 1);
     EXPECT_EQ(item().unregisterProgram(), std::nullopt);
