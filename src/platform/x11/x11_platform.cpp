@@ -8,15 +8,16 @@
 #include <utility>
 
 #include "core/text_table.h"
+#include "platform/linux/application_id.h"
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/journal_log.h"
 #include "platform/linux/linux_tray_icon.h"
 #include "platform/linux/session_lock.h"
+#include "platform/linux/xdg_login_item.h"
 #include "platform/qt/qt_background_work.h"
+#include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_main_loop.h"
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_login_item.h"
 #include "platform/x11/x11_accessibility_observers.h"
 #include "platform/x11/x11_application.h"
 #include "platform/x11/x11_compositor.h"
@@ -93,8 +94,8 @@ struct X11Platform::Parts {
     X11Workspace workspace;
     X11Application application;
     X11IconSource icons;
-    SimulatedHttpClient httpClient;
-    SimulatedLoginItem loginItem;
+    QtHttpClient httpClient;
+    XdgLoginItem loginItem;
     X11EventTaps eventTaps;
     X11Trust trust;
 
@@ -137,6 +138,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
            .openSettingsPage = [this](std::string_view url) { return openSettingsPage && openSettingsPage(url); }}),
       application(monitor.model()),
       icons(monitor, atoms, entries),
+      httpClient(mainLoop, backgroundWork),
+      loginItem(folders, {std::string(applicationId), "Ferrowyn", application.bundleInfo().path}),
       eventTaps(inputContext, log, options.display),
       trust(monitor.model(), inputContext,
             {.isLocked = [this] { return sessionLock.isLocked(); },
