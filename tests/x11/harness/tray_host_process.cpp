@@ -27,9 +27,6 @@ constexpr const char* panelConfiguration = R"(<?xml version="1.0" encoding="UTF-
   <property name="plugins" type="empty">
     <property name="plugin-1" type="string" value="systray">
       <property name="square-icons" type="bool" value="true"/>
-      <property name="known-legacy-items" type="array">
-        <value type="string" value="ferrowyn"/>
-      </property>
     </property>
   </property>
 </channel>
