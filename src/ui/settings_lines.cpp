@@ -24,7 +24,7 @@ std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const 
     if (const auto* const available = std::get_if<UpdateChecker::UpdateAvailable>(&state)) {
         return StatusLine{"arrow.down.circle.fill",
                           Tint::attention,
-                          {texts.settings.updateAvailable, {available->release.version.original}}};
+                          {texts.settings.updateAvailable, {available->release.version.original()}}};
     }
     if (const auto* const failed = std::get_if<UpdateChecker::Failed>(&state)) {
         return StatusLine{attentionSymbol, Tint::attention, Phrase::verbatim(failed->text)};
