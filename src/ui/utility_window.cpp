@@ -17,7 +17,9 @@ UtilityWindow::UtilityWindow(std::unique_ptr<QWidget> content, bool isResizable)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(isResizable ? QLayout::SetMinimumSize : QLayout::SetFixedSize);
     layout->addWidget(content.release());
-    for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::Close) << QKeySequence(Qt::Key_Escape)) {
+    auto closing = QKeySequence::keyBindings(QKeySequence::Close);
+    closing.append(QKeySequence(Qt::Key_Escape));
+    for (const QKeySequence& keys : std::as_const(closing)) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
     }
     if (isResizable) {
