@@ -22,7 +22,7 @@ constexpr int betweenTextAndControl = 12;
 SettingsGroup::SettingsGroup() : layout_(new QVBoxLayout(this)) {
     layout_->setContentsMargins(0, 0, 0, 0);
     layout_->setSpacing(0);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setAccessibleRole(*this, QAccessible::Grouping);

@@ -5,6 +5,7 @@
 
 #include "ui/settings_group.h"
 #include "ui/text_label.h"
+#include "ui/thin_scroll_bar.h"
 #include "ui/translated.h"
 
 namespace ferrowyn {
@@ -27,12 +28,14 @@ SettingsPaneView::SettingsPaneView(const Phrase& title) {
     column_ = new QVBoxLayout(form);
     column_->setContentsMargins(sideMargin, topMargin, sideMargin, bottomMargin);
     column_->setSpacing(0);
-    column_->setAlignment(Qt::AlignTop);
     auto* const heading = new TextLabel(title, TextStyle::paneTitle);
     column_->addWidget(heading);
+    // What is added later stands before it.
+    column_->addStretch(1);
 
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
+    setVerticalScrollBar(new ThinScrollBar(this));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
     viewport()->setAutoFillBackground(false);
@@ -52,17 +55,20 @@ SettingsGroup& SettingsPaneView::addGroup(const Phrase& sectionTitle) {
     auto* const title = new TextLabel(sectionTitle, TextStyle::sectionTitle, Tone::secondary);
     title->setContentsMargins(titleInset, 0, titleInset, 0);
     addWidget(title);
-    column_->addSpacing(belowSectionTitle);
     auto* const group = new SettingsGroup;
     group->setAccessibleName(translated(sectionTitle));
-    column_->addWidget(group);
+    insert(group, belowSectionTitle, {});
     return *group;
 }
 
 void SettingsPaneView::addWidget(QWidget* widget, Qt::Alignment alignment) {
-    const bool isBelowTitle = column_->count() == 1;
-    column_->addSpacing(isBelowTitle ? belowTitle : betweenSections);
-    column_->addWidget(widget, 0, alignment);
+    constexpr int headingAndStretch = 2;
+    insert(widget, column_->count() == headingAndStretch ? belowTitle : betweenSections, alignment);
+}
+
+void SettingsPaneView::insert(QWidget* widget, int spaceAbove, Qt::Alignment alignment) {
+    column_->insertSpacing(column_->count() - 1, spaceAbove);
+    column_->insertWidget(column_->count() - 1, widget, 0, alignment);
 }
 
 void SettingsPaneView::keep(Subscription subscription) {

@@ -29,6 +29,8 @@ protected:
     void keep(Subscription subscription);
 
 private:
+    void insert(QWidget* widget, int spaceAbove, Qt::Alignment alignment);
+
     QVBoxLayout* column_ = nullptr;
     std::vector<Subscription> subscriptions_;
 };

@@ -22,7 +22,7 @@ constexpr double disabledOpacity = 0.45;
 }  // namespace
 
 SwitchRow::SwitchRow(const Phrase& text) : QCheckBox(translated(text)) {
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setFont(fontFor(TextStyle::body));

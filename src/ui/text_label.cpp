@@ -16,7 +16,7 @@ constexpr int behindSymbol = 9;
 TextLabel::TextLabel(TextStyle style, Tone tone, QWidget* parent) : QLabel(parent), style_(style), tone_(tone) {
     setTextFormat(Qt::PlainText);
     setWordWrap(true);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     adopt();

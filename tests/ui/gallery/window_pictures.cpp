@@ -2,7 +2,8 @@
 
 #include <QApplication>
 #include <QImage>
-#include <QPainter>
+#include <QKeyEvent>
+#include <QWindow>
 #include <functional>
 #include <memory>
 #include <string>
@@ -40,6 +41,8 @@ struct Shot {
     const TextTable& texts = linuxTexts();
     bool isResizable = false;
     QSize size;
+    /// How often the Tab key was pressed.
+    int tabs = 0;
 };
 
 bool photograph(const Shot& shot, Scheme scheme, double scale, const QDir& folder) {
@@ -53,6 +56,10 @@ bool photograph(const Shot& shot, Scheme scheme, double scale, const QDir& folde
     window.show();
     window.activateWindow();
     QCoreApplication::processEvents();
+    for (int tab = 0; tab < shot.tabs; ++tab) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+        QCoreApplication::sendEvent(window.windowHandle(), &press);
+    }
     QImage picture((QSizeF(window.size()) * scale).toSize(), QImage::Format_RGB32);
     picture.setDevicePixelRatio(scale);
     picture.fill(Qt::magenta);
@@ -144,6 +151,13 @@ std::vector<Shot> shots() {
                     .build = settings(SettingsPane::appearance),
                     .isResizable = true,
                     .size = QSize(560, 340)});
+    for (int tabs = 1; tabs <= 4; ++tabs) {
+        list.push_back({.name = "focus-" + std::to_string(tabs),
+                        .build = settings(SettingsPane::appearance),
+                        .isResizable = true,
+                        .tabs = tabs});
+    }
+    list.push_back({.name = "setup-focus", .build = setup, .arrange = distrust, .tabs = 1});
     list.push_back({.name = "setup-granted", .build = setup});
     list.push_back({.name = "setup-granted-mac", .build = setup, .texts = macTexts()});
     list.push_back({.name = "setup-required", .build = setup, .arrange = distrust});
