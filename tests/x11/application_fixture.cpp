@@ -119,24 +119,32 @@ void ApplicationFixture::expectEnd() {
     EXPECT_EQ(program->process().waitForExit(), 0) << program->process().output();
 }
 
-std::size_t ApplicationFixture::shownWindowCount() const {
+std::vector<xcb_window_t> ApplicationFixture::shownTopLevels() const {
     const auto cookie = xcb_query_tree(desktop.connection(), desktop.root());
     const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(desktop.connection(), cookie, nullptr));
-    const auto* const first = tree ? xcb_query_tree_children(tree.get()) : nullptr;
-    const auto count = tree ? xcb_query_tree_children_length(tree.get()) : 0;
-    return static_cast<std::size_t>(
-        std::count_if(first, first + count, [&](xcb_window_t window) { return desktop.isViewable(window); }));
+    if (!tree) {
+        return {};
+    }
+    const auto* const first = xcb_query_tree_children(tree.get());
+    std::vector<xcb_window_t> shown(first, first + xcb_query_tree_children_length(tree.get()));
+    std::erase_if(shown, [&](xcb_window_t window) { return !desktop.isViewable(window); });
+    return shown;
+}
+
+bool ApplicationFixture::isShownUnmanaged(const std::string& title) const {
+    return std::ranges::any_of(shownTopLevels(),
+                               [&](xcb_window_t window) { return desktop.text(window, "_NET_WM_NAME") == title; });
 }
 
 void ApplicationFixture::expectKeyboardIsBack() {
     EXPECT_FALSE(desktop.visiblePanel());
     input.releaseAll();
     const auto active = desktop.activeWindow();
-    const auto shownBefore = shownWindowCount();
+    const auto shownBefore = shownTopLevels().size();
     input.press(key::leftAlt);
     input.tap(key::tab);
     // It misses a release of Alt that comes while it is about to take the keyboard for its popup.
-    EXPECT_TRUE(desktop.waitUntil([&] { return shownWindowCount() > shownBefore; }))
+    EXPECT_TRUE(desktop.waitUntil([&] { return shownTopLevels().size() > shownBefore; }))
         << "waited for the window manager's own switching";
     input.release(key::leftAlt);
     EXPECT_TRUE(desktop.waitUntil([&] { return desktop.activeWindow() != active; }))

@@ -52,6 +52,8 @@ protected:
     /// The program's window with this title, once it is on the screen.
     [[nodiscard]] std::optional<xcb_window_t> waitForWindow(const std::string& title);
     [[nodiscard]] std::optional<xcb_window_t> findWindow(const std::string& title) const;
+    /// The same where no window manager keeps a list.
+    [[nodiscard]] bool isShownUnmanaged(const std::string& title) const;
     /// Until the panel is on the screen and has the keyboard, which it takes a moment later.
     void waitForSwitcher();
     void expectEnd();
@@ -67,7 +69,7 @@ protected:
     std::unique_ptr<FerrowynProgram> program;
 
 private:
-    [[nodiscard]] std::size_t shownWindowCount() const;
+    [[nodiscard]] std::vector<xcb_window_t> shownTopLevels() const;
     /// For what no event tells of.
     [[nodiscard]] bool poll(const std::function<bool()>& condition);
 

@@ -6,10 +6,7 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class ApplicationTest : public ApplicationFixture {
-protected:
-    [[nodiscard]] bool waitForLog(const std::string& text) { return program->process().waitForOutput(text); }
-};
+class ApplicationTest : public ApplicationFixture {};
 
 TEST_F(ApplicationTest, ASecondStartOpensTheSetupWindowOfTheFirstAndEndsWell) {
     startProgram();
@@ -17,7 +14,7 @@ TEST_F(ApplicationTest, ASecondStartOpensTheSetupWindowOfTheFirstAndEndsWell) {
     const auto second = run({});
     EXPECT_EQ(second.status, 0);
     EXPECT_THAT(second.output, HasSubstr("already running"));
-    EXPECT_TRUE(waitForLog("Asked from outside: setup"));
+    EXPECT_TRUE(waitForWindow("Ferrowyn Setup"));
     EXPECT_TRUE(program->process().isRunning());
 }
 
@@ -37,9 +34,15 @@ TEST_F(ApplicationTest, TheCommandLineOpensTheSwitcherWhichStaysOpen) {
 TEST_F(ApplicationTest, TheCommandLineOpensTheWindows) {
     startProgram();
     EXPECT_EQ(run({"--settings"}).status, 0);
-    EXPECT_TRUE(waitForLog("Asked from outside: settings"));
+    const auto settings = waitForWindow("Ferrowyn Settings");
+    ASSERT_TRUE(settings);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*settings));
     EXPECT_EQ(run({"--setup"}).status, 0);
-    EXPECT_TRUE(waitForLog("Asked from outside: setup"));
+    const auto setup = waitForWindow("Ferrowyn Setup");
+    ASSERT_TRUE(setup);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*setup));
+    EXPECT_EQ(run({"--settings"}).status, 0);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*settings)) << "the same window comes to the front again";
 }
 
 TEST_F(ApplicationTest, TheCommandLineEndsItAndReturnsWhenTheKeyboardIsBack) {
@@ -52,6 +55,17 @@ TEST_F(ApplicationTest, TheCommandLineEndsItAndReturnsWhenTheKeyboardIsBack) {
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, IsEmpty());
     expectKeyboardIsBack();
+    expectEnd();
+}
+
+TEST_F(ApplicationTest, WithoutAWindowManagerItShowsTheSetupWindowAndStaysReachable) {
+    manager.process().signal(SIGTERM);
+    ASSERT_TRUE(manager.process().waitForExit());
+    FerrowynProgram::Options options{.environment = environment()};
+    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
+    ASSERT_TRUE(program->process().waitForOutput("Ferrowyn is running"));
+    EXPECT_TRUE(desktop.waitUntil([&] { return isShownUnmanaged("Ferrowyn Setup"); }));
+    EXPECT_EQ(run({"--quit"}).status, 0);
     expectEnd();
 }
 
@@ -76,16 +90,20 @@ TEST_F(ApplicationTest, TheDesktopsActionsReachItOverTheBus) {
     startBus();
     startProgram();
     EXPECT_EQ(activateAction("settings").type(), QDBusMessage::ReplyMessage);
-    EXPECT_TRUE(waitForLog("Asked from outside: settings"));
+    EXPECT_TRUE(waitForWindow("Ferrowyn Settings"));
     EXPECT_EQ(activateAction("setup").type(), QDBusMessage::ReplyMessage);
-    EXPECT_TRUE(waitForLog("Asked from outside: setup"));
+    const auto setup = waitForWindow("Ferrowyn Setup");
+    ASSERT_TRUE(setup);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*setup));
+    input.tap(key::escape);
+    EXPECT_TRUE(desktop.waitUntil([&] { return !findWindow("Ferrowyn Setup"); }));
     EXPECT_EQ(activateAction("show").type(), QDBusMessage::ReplyMessage);
     waitForSwitcher();
     input.tap(key::escape);
     EXPECT_TRUE(desktop.waitForPanel(false));
     EXPECT_EQ(activateAction("explode").type(), QDBusMessage::ErrorMessage);
     EXPECT_EQ(activate().type(), QDBusMessage::ReplyMessage);
-    EXPECT_TRUE(waitForLog("Opened again"));
+    EXPECT_TRUE(waitForWindow("Ferrowyn Setup"));
     EXPECT_EQ(activateAction("quit").type(), QDBusMessage::ReplyMessage);
     expectEnd();
     EXPECT_FALSE(isOnBus());
