@@ -12,7 +12,9 @@
 #include "services/favourites_store.h"
 #include "services/icon_prefetcher.h"
 #include "services/icon_provider.h"
+#include "services/launch_at_login_service.h"
 #include "services/preferences.h"
+#include "services/update_checker.h"
 
 namespace ferrowyn {
 
@@ -48,7 +50,9 @@ public:
     [[nodiscard]] IconProvider& iconProvider() { return iconProvider_; }
     [[nodiscard]] WindowIndex& windowIndex() { return windowIndex_; }
     [[nodiscard]] HotKeyMonitor& hotKeyMonitor() { return hotKeyMonitor_; }
+    [[nodiscard]] LaunchAtLoginService& launchAtLogin() { return launchAtLogin_; }
     [[nodiscard]] FavouritesStore& favourites() { return favourites_; }
+    [[nodiscard]] UpdateChecker& updates() { return updates_; }
     [[nodiscard]] SwitcherController& switcher() { return *switcher_; }
 
 private:
@@ -68,7 +72,9 @@ private:
     WindowIndex windowIndex_;
     IconPrefetcher iconPrefetcher_;
     HotKeyMonitor hotKeyMonitor_;
+    LaunchAtLoginService launchAtLogin_;
     FavouritesStore favourites_;
+    UpdateChecker updates_;
     std::unique_ptr<SwitcherController> switcher_;
 
     Subscription tapRetry_;

@@ -31,6 +31,13 @@ const TextTable& macTexts() {
         .permissionExplanation = "Ferrowyn cannot list or focus other apps' windows without it.",
         .permissionButton = "Open System Settings",
         .otherSpaceBadge = "Other Space",
+
+        .loginItemUnavailable = "Ferrowyn must be in /Applications to launch at login.",
+        .loginItemRefused = "macOS refused the request. Move Ferrowyn to /Applications and try again.",
+        .loginItemApproval = "Approve Ferrowyn in System Settings → General → Login Items.",
+
+        .statusItem = macStatusItemTexts(),
+        .windows = macWindowTexts(),
     };
     return table;
 }
@@ -52,6 +59,14 @@ const TextTable& linuxTexts() {
             "itself.",
         .permissionButton = "Open Setup",
         .otherSpaceBadge = "Other Space",
+
+        .loginItemUnavailable = "Ferrowyn must be able to write to the autostart folder to launch at login.",
+        .loginItemRefused =
+            "The system refused the request. Make sure that the autostart folder is yours and try again.",
+        .loginItemApproval = "Allow Ferrowyn in your desktop's settings for autostart.",
+
+        .statusItem = linuxStatusItemTexts(),
+        .windows = linuxWindowTexts(),
     };
     return table;
 }

@@ -3,7 +3,9 @@
 #include <string>
 #include <string_view>
 
+#include "core/status_item_texts.h"
 #include "core/switcher_modifier.h"
+#include "core/window_texts.h"
 
 namespace ferrowyn {
 
@@ -28,6 +30,18 @@ struct TextTable {
 
     /// "Other Space" where the desktop has Spaces.
     std::string_view otherSpaceBadge;
+
+    /// Why the program cannot be registered to start at login.
+    std::string_view loginItemUnavailable;
+    /// The system refused to register or unregister it.
+    std::string_view loginItemRefused;
+    /// It is registered, and the user has to allow it.
+    std::string_view loginItemApproval;
+
+    /// The status item and its menu.
+    const StatusItemTexts& statusItem;
+    /// The settings, setup and about windows.
+    const WindowTexts& windows;
 
     [[nodiscard]] std::string_view modifierKey(SwitcherModifier modifier) const;
     [[nodiscard]] std::string_view commandKeyDuringSession(SwitcherModifier trigger) const;

@@ -6,6 +6,8 @@
 
 #include "core/identifiers.h"
 #include "core/subscription.h"
+#include "platform/activation_policy.h"
+#include "platform/bundle_info.h"
 
 namespace ferrowyn {
 
@@ -17,6 +19,23 @@ public:
     [[nodiscard]] virtual Pid ownPid() const = 0;
     /// Told each time the program itself becomes the active one (the user came back to one of its windows).
     [[nodiscard]] virtual Subscription observeDidBecomeActive(std::function<void()> handler) = 0;
+
+    [[nodiscard]] virtual BundleInfo bundleInfo() const = 0;
+    /// The operating system's major and minor version numbers joined by ".", such as "14.5".
+    [[nodiscard]] virtual std::string systemVersion() const = 0;
+
+    /// Whether the program has a place among the running applications (a Dock icon, a task bar entry) beside its
+    /// windows. Ignored by desktops that know no such thing.
+    virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+    /// Makes the program the active one, whatever is active now.
+    virtual void activate() = 0;
+    /// Brings one of the program's own windows, which is on the screen, to the front with the keyboard, whatever is
+    /// active now.
+    virtual void bringToFront(WindowId window) = 0;
+    /// Ends the program's main loop, as if the user had chosen Quit; what must be given back is given back after that.
+    virtual void terminate() = 0;
+    /// Shows the program itself in the file manager.
+    virtual void revealInFileManager() = 0;
 };
 
 }  // namespace ferrowyn

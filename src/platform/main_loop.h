@@ -11,6 +11,8 @@ namespace ferrowyn {
 using Seconds = std::chrono::duration<double>;
 /// A moment on the main loop's clock, which never goes backward and says nothing about the calendar.
 using TimePoint = std::chrono::time_point<std::chrono::steady_clock, Seconds>;
+/// A moment by the calendar, counted from 1970-01-01 00:00 UTC. It jumps when someone sets the clock.
+using WallTime = std::chrono::time_point<std::chrono::system_clock, Seconds>;
 
 /// The main thread's event loop, and the program's only source of time.
 class MainLoop {
@@ -21,6 +23,8 @@ public:
 
     /// Main thread.
     [[nodiscard]] virtual TimePoint now() const = 0;
+    /// For what is stored or shown; never for measuring. Main thread.
+    [[nodiscard]] virtual WallTime wallTime() const = 0;
 
     /// Runs the task on the main thread, after every task posted before it. From any thread; never waits, and never
     /// runs the task before it returns.

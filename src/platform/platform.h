@@ -7,8 +7,10 @@ class AccessibilityObservers;
 class Application;
 class BackgroundWork;
 class EventTaps;
+class HttpClient;
 class IconSource;
 class Log;
+class LoginItem;
 class MainLoop;
 class Panel;
 class Pointer;
@@ -37,6 +39,8 @@ struct Platform {
     Pointer& pointer;
     Panel& panel;
     IconSource& icons;
+    HttpClient& httpClient;
+    LoginItem& loginItem;
     /// The fixed texts as this desktop words them.
     const TextTable& texts;
 };

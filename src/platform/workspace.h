@@ -8,11 +8,9 @@
 
 #include "core/identifiers.h"
 #include "core/subscription.h"
+#include "platform/activation_policy.h"
 
 namespace ferrowyn {
-
-/// How an application takes part in the desktop; the values are the raw values of the policies.
-enum class ActivationPolicy { regular = 0, accessory = 1, prohibited = 2 };
 
 /// A running application as the desktop describes it at one moment.
 struct RunningApplication {

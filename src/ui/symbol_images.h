@@ -10,7 +10,7 @@ class QPainter;
 
 namespace ferrowyn {
 
-enum class SymbolWeight { light, medium, semibold };
+enum class SymbolWeight { light, regular, medium, semibold };
 
 /// The system symbols, drawn in any colour, size and weight. Each image is rendered once and kept. Main thread.
 class SymbolImages {

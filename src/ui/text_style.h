@@ -4,7 +4,7 @@
 
 namespace ferrowyn {
 
-/// The panel's uses of text. Families are the desktop's; sizes are points at scale 1.
+/// The program's uses of text. Families are the desktop's; sizes are points at scale 1.
 enum class TextStyle {
     searchText,
     rowTitle,
@@ -20,7 +20,18 @@ enum class TextStyle {
     hint,
     emptyTitle,
     emptyDetail,
+    menuItem,
+    menuHeaderTitle,
+    menuHeaderSubtitle,
+    menuSectionTitle,
     button,
+    // Of the windows beside the panel.
+    paneTitle,
+    sectionTitle,
+    body,
+    bodyEmphasised,
+    note,
+    productName,
 };
 
 /// Main thread: reads the application's font and the screen's resolution.

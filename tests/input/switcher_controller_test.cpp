@@ -86,6 +86,8 @@ protected:
                 p.pointer,
                 spy,
                 p.icons,
+                p.httpClient,
+                p.loginItem,
                 p.texts};
     }
 

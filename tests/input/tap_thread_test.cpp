@@ -32,6 +32,8 @@ protected:
                 p.pointer,
                 p.panel,
                 p.icons,
+                p.httpClient,
+                p.loginItem,
                 p.texts};
     }
 

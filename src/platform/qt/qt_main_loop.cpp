@@ -119,6 +119,10 @@ TimePoint QtMainLoop::now() const {
     return std::chrono::steady_clock::now();
 }
 
+WallTime QtMainLoop::wallTime() const {
+    return std::chrono::system_clock::now();
+}
+
 void QtMainLoop::post(Task task) {
     postedTasks_->add(std::move(task));
 }

@@ -18,6 +18,7 @@ public:
     QtMainLoop& operator=(const QtMainLoop&) = delete;
 
     [[nodiscard]] TimePoint now() const override;
+    [[nodiscard]] WallTime wallTime() const override;
     void post(Task task) override;
     [[nodiscard]] Subscription after(Seconds delay, Task task) override;
     [[nodiscard]] Subscription every(Seconds interval, Task task) override;

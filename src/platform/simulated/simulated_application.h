@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "core/subject.h"
 #include "platform/application.h"
 
@@ -14,7 +16,25 @@ public:
         return activations_.subscribe([handler = std::move(handler)](const Activation&) { handler(); });
     }
 
+    [[nodiscard]] BundleInfo bundleInfo() const override { return bundle; }
+    [[nodiscard]] std::string systemVersion() const override { return version; }
+    void setActivationPolicy(ActivationPolicy policy) override { policies.push_back(policy); }
+    void activate() override { ++activationCount; }
+    void bringToFront(WindowId window) override { broughtToFront.push_back(window); }
+    void terminate() override { ++terminationCount; }
+    void revealInFileManager() override { ++revealCount; }
+
     void becomeActive() { activations_.send({}); }
+
+    /// What the program says of itself; a test may change it before anybody asks.
+    BundleInfo bundle{"Ferrowyn", "1.0", std::nullopt, "/Applications/Ferrowyn.app"};
+    std::string version = "14.5";
+    /// What was asked, in order.
+    std::vector<ActivationPolicy> policies;
+    int activationCount = 0;
+    std::vector<WindowId> broughtToFront;
+    int terminationCount = 0;
+    int revealCount = 0;
 
 private:
     struct Activation {};

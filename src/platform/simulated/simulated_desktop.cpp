@@ -8,7 +8,9 @@
 #include "platform/simulated/simulated_background_work.h"
 #include "platform/simulated/simulated_element.h"
 #include "platform/simulated/simulated_event_taps.h"
+#include "platform/simulated/simulated_http_client.h"
 #include "platform/simulated/simulated_icons.h"
+#include "platform/simulated/simulated_login_item.h"
 #include "platform/simulated/simulated_main_loop.h"
 #include "platform/simulated/simulated_pointer.h"
 #include "platform/simulated/simulated_screens.h"
@@ -51,9 +53,11 @@ public:
     SimulatedPointer pointer;
     SimulatedPanel panel;
     SimulatedIcons icons;
+    SimulatedHttpClient httpClient;
+    SimulatedLoginItem loginItem;
     Platform platform{mainLoop,        backgroundWork, log,           userDefaults, application, workspace,
                       windowInventory, observers,      windowControl, trust,        eventTaps,   screens,
-                      pointer,         panel,          icons,         macTexts()};
+                      pointer,         panel,          icons,         httpClient,   loginItem,   macTexts()};
 };
 
 SimulatedDesktop::SimulatedDesktop() : implementation_(std::make_unique<Implementation>()) {}
@@ -77,6 +81,14 @@ void SimulatedDesktop::settle() {
 
 TimePoint SimulatedDesktop::now() const {
     return implementation_->mainLoop.now();
+}
+
+WallTime SimulatedDesktop::wallTime() const {
+    return implementation_->mainLoop.wallTime();
+}
+
+void SimulatedDesktop::setWallTime(WallTime time) {
+    implementation_->mainLoop.setWallTime(time);
 }
 
 std::size_t SimulatedDesktop::pendingTimerCount() const {
@@ -245,6 +257,18 @@ int SimulatedDesktop::trustPromptCount() const {
 
 void SimulatedDesktop::setSecureInput(bool isActive) {
     implementation_->trust.setSecureInput(isActive);
+}
+
+SimulatedApplication& SimulatedDesktop::application() {
+    return implementation_->application;
+}
+
+SimulatedHttpClient& SimulatedDesktop::httpClient() {
+    return implementation_->httpClient;
+}
+
+SimulatedLoginItem& SimulatedDesktop::loginItem() {
+    return implementation_->loginItem;
 }
 
 void SimulatedDesktop::becomeActiveApplication() {

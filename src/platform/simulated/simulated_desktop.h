@@ -24,6 +24,10 @@
 
 namespace ferrowyn {
 
+class SimulatedApplication;
+class SimulatedHttpClient;
+class SimulatedLoginItem;
+
 /// A deterministic desktop with a virtual clock: it implements the platform interfaces (`platform()`) and, separately,
 /// this control interface, with which a test or the simulator plays the user, the applications and the system. Nothing
 /// happens but in the calling thread, inside `advance` or one of the calls below; only the tap thread is real. What the
@@ -47,6 +51,9 @@ public:
     /// Runs what is due now (posted tasks, finished background work) without letting time pass.
     void settle();
     [[nodiscard]] TimePoint now() const;
+    [[nodiscard]] WallTime wallTime() const;
+    /// Sets the calendar's clock; it is 2026-01-01 00:00 UTC at first.
+    void setWallTime(WallTime time);
     /// How many timers are waiting, for tests of what must not be left behind.
     [[nodiscard]] std::size_t pendingTimerCount() const;
 
@@ -114,6 +121,10 @@ public:
     [[nodiscard]] int trustPromptCount() const;
     void setSecureInput(bool isActive);
     void becomeActiveApplication();
+    /// What the program says of itself, and what was asked of the application object.
+    [[nodiscard]] SimulatedApplication& application();
+    [[nodiscard]] SimulatedHttpClient& httpClient();
+    [[nodiscard]] SimulatedLoginItem& loginItem();
 
     // --- the keyboard ----------------------------------------------------------------------------------------------
     using Key = SimulatedKey;

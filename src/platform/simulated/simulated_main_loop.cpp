@@ -21,6 +21,14 @@ TimePoint SimulatedMainLoop::now() const {
     return TimePoint(Seconds(static_cast<double>(now_) / 1e9));
 }
 
+WallTime SimulatedMainLoop::wallTime() const {
+    return WallTime(wallTimeAtStart_ + now().time_since_epoch());
+}
+
+void SimulatedMainLoop::setWallTime(WallTime time) {
+    wallTimeAtStart_ = time.time_since_epoch() - now().time_since_epoch();
+}
+
 void SimulatedMainLoop::post(Task task) {
     const std::lock_guard lock(postedLock_);
     posted_.push_back(std::move(task));

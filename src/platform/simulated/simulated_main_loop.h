@@ -20,10 +20,14 @@ public:
     SimulatedMainLoop();
 
     [[nodiscard]] TimePoint now() const override;
+    [[nodiscard]] WallTime wallTime() const override;
     void post(Task task) override;
     [[nodiscard]] Subscription after(Seconds delay, Task task) override;
     [[nodiscard]] Subscription every(Seconds interval, Task task) override;
     [[nodiscard]] bool isMainThread() const override;
+
+    /// Sets the calendar's clock, which then goes on with the main loop's.
+    void setWallTime(WallTime time);
 
     /// Runs every task and timer that falls due, each at its own moment. What is posted runs before a timer of the same
     /// moment, timers of one moment in the order in which they were set.
@@ -57,6 +61,8 @@ private:
     bool isPlayingWorker_ = false;
     bool isRunning_ = false;
     Nanoseconds now_ = 0;
+    /// The calendar's time when the clock stood at zero: 2026-01-01 00:00 UTC, unless a test says otherwise.
+    Seconds wallTimeAtStart_{1'767'225'600.0};
     std::function<bool()> idleWork_;
     std::shared_ptr<Timers> timers_ = std::make_shared<Timers>();
     std::mutex postedLock_;

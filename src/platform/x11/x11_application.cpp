@@ -1,8 +1,19 @@
 #include "platform/x11/x11_application.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDesktopServices>
+#include <QSysInfo>
+#include <QUrl>
+#include <QVersionNumber>
+#include <algorithm>
 #include <utility>
+
+#include "platform/linux/file_manager.h"
+#include "platform/x11/x11_element.h"
 
 namespace ferrowyn {
 
@@ -16,6 +27,34 @@ Subscription X11Application::observeDidBecomeActive(std::function<void()> handle
             told();
         }
     });
+}
+
+BundleInfo X11Application::bundleInfo() const {
+    return {"Ferrowyn", FERROWYN_VERSION, std::nullopt, QCoreApplication::applicationFilePath().toStdString()};
+}
+
+std::string X11Application::systemVersion() const {
+    const auto version = QVersionNumber::fromString(QSysInfo::productVersion());
+    return fmt::format("{}.{}", std::max(version.majorVersion(), 0), std::max(version.minorVersion(), 0));
+}
+
+void X11Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
+
+/// The window manager decides that for each window, when it is asked to activate one.
+void X11Application::activate() {}
+
+/// As a pager asks, which no manager refuses: the user chose to see this window, a moment ago and perhaps elsewhere.
+void X11Application::bringToFront(WindowId window) {
+    windows_.raise(X11Element::make(window));
+}
+
+void X11Application::terminate() {
+    QCoreApplication::quit();
+}
+
+void X11Application::revealInFileManager() {
+    ferrowyn::revealInFileManager(QDBusConnection::sessionBus(), bundleInfo().path,
+                                  [](const QString& address) { QDesktopServices::openUrl(QUrl(address)); });
 }
 
 }  // namespace ferrowyn

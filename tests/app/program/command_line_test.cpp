@@ -37,6 +37,22 @@ TEST(CommandLineTest, ReadsTheLogLevel) {
     EXPECT_EQ(line({"--log-level", "error"}).logLevel, LogLevel::error);
 }
 
+TEST(CommandLineTest, ReadsWhatToAskOfTheProgramThatRuns) {
+    EXPECT_EQ(line({}).request, std::nullopt);
+    EXPECT_EQ(line({"--show"}).request, ProgramRequest::openSwitcher);
+    EXPECT_EQ(line({"--settings"}).request, ProgramRequest::openSettings);
+    EXPECT_EQ(line({"--setup"}).request, ProgramRequest::openSetup);
+    EXPECT_EQ(line({"--quit"}).request, ProgramRequest::quit);
+    EXPECT_EQ(line({"--show", "--log-level=debug", "--quit"}).request, ProgramRequest::quit);
+    EXPECT_EQ(error({"show"}), "unknown argument \"show\"");
+    EXPECT_EQ(error({"--show=x"}), "unknown option \"--show=x\"");
+}
+
+TEST(CommandLineTest, ReadsThatTheSessionBusStartsIt) {
+    EXPECT_FALSE(line({}).isStartedByBus);
+    EXPECT_TRUE(line({"--dbus-service"}).isStartedByBus);
+}
+
 TEST(CommandLineTest, HelpAndVersionWinOverWhatFollows) {
     EXPECT_EQ(line({"--help", "--nonsense"}).action, CommandLine::Action::showHelp);
     EXPECT_EQ(line({"-h"}).action, CommandLine::Action::showHelp);
@@ -55,7 +71,8 @@ TEST(CommandLineTest, SaysWhatIsWrong) {
 }
 
 TEST(CommandLineTest, TheHelpNamesEveryOption) {
-    for (const auto* option : {"--platform=x11|simulated", "--log-level=debug|default|error", "--help", "--version"}) {
+    for (const auto* option : {"--platform=x11|simulated", "--log-level=debug|default|error", "--help", "--version",
+                               "--show", "--settings", "--setup", "--quit", "--dbus-service"}) {
         EXPECT_THAT(std::string(helpText()), HasSubstr(option));
     }
 }

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/subscription.h"
+
+namespace ferrowyn {
+
+/// What the button in the status bar or tray shows.
+struct StatusButton {
+    /// Name of a symbol, drawn as a template: the bar tints it.
+    std::string symbol;
+    std::string tooltip;
+    std::string accessibilityLabel;
+    friend bool operator==(const StatusButton&, const StatusButton&) = default;
+};
+
+/// The colours that a menu may give a text or symbol. `label` is what rows have when nothing is said.
+enum class MenuTint { label, secondaryLabel, tertiaryLabel, orange, accent };
+
+/// The menu's first row: the program's icon and name, how it is doing, and a gear that opens the settings.
+struct MenuHeader {
+    std::string title;
+    std::string subtitle;
+    MenuTint subtitleTint = MenuTint::secondaryLabel;
+    friend bool operator==(const MenuHeader&, const MenuHeader&) = default;
+};
+
+/// One row of the menu, as a plain value that tests compare whole; the toolkit only draws it.
+struct MenuRow {
+    enum class Kind { header, separator, sectionTitle, item };
+    /// What choosing the row does; the controller carries it out.
+    enum class Action {
+        none,
+        retryInput,
+        showSwitcher,
+        selectLayout,
+        toggleLaunchAtLogin,
+        openSettings,
+        openOnboarding,
+        openAbout,
+        downloadUpdate,
+        quit,
+    };
+
+    Kind kind = Kind::item;
+    /// For a header only.
+    MenuHeader header;
+    std::string title;
+    /// Drawn behind the title in the tertiary colour, such as the keys that open the switcher; empty for most rows.
+    std::string titleSuffix;
+    /// Name of a symbol; empty for none.
+    std::string symbol;
+    MenuTint symbolTint = MenuTint::label;
+    /// The character that, with the menu's modifier, chooses the row while the menu is open; empty for none.
+    std::string keyEquivalent;
+    std::string tooltip;
+    /// What the row stands for, such as the stored value of a layout; empty for most rows.
+    std::string representedValue;
+    bool isEnabled = true;
+    bool isChecked = false;
+    Action action = Action::none;
+    friend bool operator==(const MenuRow&, const MenuRow&) = default;
+};
+
+using StatusMenu = std::vector<MenuRow>;
+
+/// The program's one permanent place on the screen: an item in the menu bar or tray with a menu. Main thread.
+class StatusItem {
+public:
+    virtual ~StatusItem() = default;
+
+    virtual void setButton(const StatusButton& button) = 0;
+    /// Replaces the menu. One that is open at this moment may go on showing the old rows, or follow.
+    virtual void setMenu(const StatusMenu& menu) = 0;
+    /// Called with the row that the user chose, after the menu has closed; for the header it is `openSettings`.
+    virtual void setActionHandler(std::function<void(const MenuRow&)> handler) = 0;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,83 @@
+#include "services/launch_at_login_service.h"
+
+#include <fmt/format.h>
+
+#include <string_view>
+
+#include "core/text_table.h"
+#include "platform/application.h"
+#include "platform/log.h"
+#include "platform/platform.h"
+#include "platform/workspace.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view logCategory = "permissions";
+constexpr std::string_view settingsUrl = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
+constexpr std::string_view refusalDomain = "SMAppServiceErrorDomain";
+/// "Operation not permitted", in whatever words and domain a system puts it.
+constexpr int refusalCode = 1;
+
+}  // namespace
+
+LaunchAtLoginService::LaunchAtLoginService(const Platform& platform)
+    : log_(platform.log), workspace_(platform.workspace), texts_(platform.texts), service_(platform.loginItem) {
+    refresh();
+    activations_ = platform.application.observeDidBecomeActive([this] { refresh(); });
+}
+
+void LaunchAtLoginService::refresh() {
+    switch (service_.status()) {
+        case LoginItem::Status::enabled:
+            state_.setIfChanged(Enabled{});
+            return;
+        case LoginItem::Status::requiresApproval:
+            state_.setIfChanged(RequiresApproval{});
+            return;
+        case LoginItem::Status::notFound:
+            state_.setIfChanged(Unavailable{std::string(texts_.loginItemUnavailable)});
+            return;
+        case LoginItem::Status::notRegistered:
+            break;
+    }
+    state_.setIfChanged(Disabled{});
+}
+
+void LaunchAtLoginService::setEnabled(bool isEnabled) {
+    lastError_.setIfChanged(std::nullopt);
+    if (const auto error = isEnabled ? service_.registerProgram() : service_.unregisterProgram()) {
+        lastError_.set(userMessage(*error));
+        log_.write(LogLevel::error, logCategory,
+                   fmt::format("Launch at login toggle failed: {}", error->localizedDescription));
+    } else {
+        log_.write(LogLevel::standard, logCategory, fmt::format("Launch at login set to {}", isEnabled));
+    }
+    refresh();
+}
+
+std::string LaunchAtLoginService::userMessage(const LoginItem::Error& error) const {
+    // The code counts in whatever domain: what wraps the service's own error keeps only that.
+    const bool isRefusal = error.domain == refusalDomain || error.code == refusalCode;
+    return isRefusal ? std::string(texts_.loginItemRefused) : error.localizedDescription;
+}
+
+std::optional<std::string> LaunchAtLoginService::explanatoryMessage() const {
+    if (lastError_.get()) {
+        return lastError_.get();
+    }
+    if (const auto* unavailable = std::get_if<Unavailable>(&state_.get())) {
+        return unavailable->reason;
+    }
+    if (std::holds_alternative<RequiresApproval>(state_.get())) {
+        return std::string(texts_.loginItemApproval);
+    }
+    return std::nullopt;
+}
+
+void LaunchAtLoginService::openLoginItemsSettings() {
+    workspace_.open(settingsUrl);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,139 @@
+#include "services/update_checker.h"
+
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "platform/application.h"
+#include "platform/log.h"
+#include "platform/platform.h"
+#include "platform/user_defaults.h"
+#include "platform/workspace.h"
+#include "services/web_address.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view logCategory = "ui";
+/// Seconds since 1970-01-01 00:00 UTC of the last check that received a well-formed manifest.
+constexpr std::string_view lastCheckKey = "updates.lastCheck";
+constexpr std::string_view manifestPath = "/appcast.json";
+constexpr double checkInterval = 86'400;
+constexpr Seconds requestTimeout{10.0};
+constexpr std::size_t largestManifest = std::size_t{1} << 20U;
+
+std::optional<std::string> textMember(const nlohmann::json& manifest, const char* key) {
+    const auto found = manifest.find(key);
+    return found != manifest.end() && found->is_string() ? std::optional(found->get<std::string>()) : std::nullopt;
+}
+
+}  // namespace
+
+std::string_view UpdateChecker::description(UpdateError error) {
+    switch (error) {
+        case UpdateError::malformedManifest:
+            return "The update manifest could not be read.";
+    }
+    return {};
+}
+
+UpdateChecker::UpdateChecker(const Platform& platform, AppVersion currentVersion, std::string_view updateHost)
+    : mainLoop_(platform.mainLoop),
+      log_(platform.log),
+      defaults_(platform.userDefaults),
+      session_(platform.httpClient),
+      workspace_(platform.workspace),
+      systemVersion_(platform.application.systemVersion()),
+      updateHost_(updateHost),
+      currentVersion_(std::move(currentVersion)) {}
+
+void UpdateChecker::checkIfDue(bool automaticUpdateChecks) {
+    if (!automaticUpdateChecks) {
+        return;
+    }
+    const double lastCheck = defaults_.real(lastCheckKey);
+    if (lastCheck > 0 && mainLoop_.wallTime().time_since_epoch().count() - lastCheck < checkInterval) {
+        return;
+    }
+    check();
+}
+
+void UpdateChecker::check() {
+    checkTask_.reset();
+    state_.set(Checking{});
+    const auto address = requestAddress();
+    if (!address) {
+        state_.set(Failed{"Could not build the update URL."});
+        return;
+    }
+    checkTask_ = session_.get({.url = *address, .timeout = requestTimeout, .maximumBodySize = largestManifest},
+                              [this](const HttpResult& result) { finish(result); });
+}
+
+std::optional<std::string> UpdateChecker::requestAddress() const {
+    auto address = fmt::format("https://{}{}?v={}&os={}", updateHost_, manifestPath,
+                               percentEncoded(currentVersion_.original()), percentEncoded(systemVersion_));
+    return isHttpsAddress(address) ? std::optional(std::move(address)) : std::nullopt;
+}
+
+void UpdateChecker::finish(const HttpResult& result) {
+    if (const auto* failure = std::get_if<HttpFailure>(&result)) {
+        state_.set(Failed{failure->description});
+        return;
+    }
+    const auto& response = std::get<HttpResponse>(result);
+    if (response.status < 200 || response.status > 299) {
+        state_.set(Failed{fmt::format("The update server replied with {}.", response.status)});
+        return;
+    }
+    auto manifest = parseManifest(response.body);
+    if (const auto* error = std::get_if<UpdateError>(&manifest)) {
+        state_.set(Failed{std::string(description(*error))});
+        return;
+    }
+    accept(std::get<Release>(std::move(manifest)));
+}
+
+std::variant<UpdateChecker::Release, UpdateChecker::UpdateError> UpdateChecker::parseManifest(std::string_view body) {
+    const auto manifest = nlohmann::json::parse(body, nullptr, false);
+    if (!manifest.is_object()) {
+        return UpdateError::malformedManifest;
+    }
+    auto version = textMember(manifest, "version");
+    auto url = textMember(manifest, "url");
+    if (!version || !url || !isWellFormedAddress(*url)) {
+        return UpdateError::malformedManifest;
+    }
+    return Release{AppVersion(*std::move(version)), *std::move(url), textMember(manifest, "notes")};
+}
+
+void UpdateChecker::accept(Release release) {
+    const auto now = mainLoop_.wallTime();
+    defaults_.set(lastCheckKey, now.time_since_epoch().count());
+    if (currentVersion_ < release.version) {
+        const auto message = fmt::format("Update available: {}", release.version.original());
+        state_.set(UpdateAvailable{std::move(release)});
+        log_.write(LogLevel::standard, logCategory, message);
+    } else {
+        state_.set(UpToDate{now});
+    }
+}
+
+void UpdateChecker::openDownloadPage() {
+    std::string address(product_site::homePage);
+    if (const auto* available = std::get_if<UpdateAvailable>(&state_.get())) {
+        // The manifest may name anything; only what the web's own rules protect is handed to the system.
+        if (isHttpsAddress(available->release.downloadURL)) {
+            address = available->release.downloadURL;
+        } else {
+            log_.write(LogLevel::error, logCategory,
+                       fmt::format("Opening the home page: the download address \"{}\" is not an https address",
+                                   available->release.downloadURL));
+        }
+    }
+    workspace_.open(address);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "core/published.h"
+#include "core/subscription.h"
+#include "platform/http_client.h"
+#include "platform/main_loop.h"
+#include "services/app_version.h"
+#include "services/product_site.h"
+
+namespace ferrowyn {
+
+struct Platform;
+class Log;
+class UserDefaults;
+class Workspace;
+
+/// Tells the user when a newer release exists; it downloads and installs nothing. At most one check is in flight. Main
+/// thread. The platform outlives it.
+class UpdateChecker {
+public:
+    struct Release {
+        AppVersion version;
+        /// A well-formed address, not necessarily an https one.
+        std::string downloadURL;
+        std::optional<std::string> notes;
+
+        friend bool operator==(const Release&, const Release&) = default;
+    };
+
+    /// The last check found no newer release.
+    struct UpToDate {
+        WallTime checkedAt;
+
+        friend bool operator==(const UpToDate&, const UpToDate&) = default;
+    };
+    struct UpdateAvailable {
+        Release release;
+
+        friend bool operator==(const UpdateAvailable&, const UpdateAvailable&) = default;
+    };
+    /// The last check failed; the text is for the user as it stands.
+    struct Failed {
+        std::string text;
+
+        friend bool operator==(const Failed&, const Failed&) = default;
+    };
+    /// No check has run yet.
+    struct Idle {
+        friend bool operator==(const Idle&, const Idle&) = default;
+    };
+    struct Checking {
+        friend bool operator==(const Checking&, const Checking&) = default;
+    };
+    using State = std::variant<UpToDate, UpdateAvailable, Failed, Idle, Checking>;
+
+    enum class UpdateError { malformedManifest };
+    /// For the user.
+    [[nodiscard]] static std::string_view description(UpdateError error);
+
+    /// The manifest is "/appcast.json" on the host.
+    UpdateChecker(const Platform& platform, AppVersion currentVersion,
+                  std::string_view updateHost = product_site::updateHost);
+
+    [[nodiscard]] const Published<State>& state() const { return state_; }
+    [[nodiscard]] const AppVersion& currentVersion() const { return currentVersion_; }
+
+    /// Checks when automatic checks are allowed and the last one is a day old. For the start of the program.
+    void checkIfDue(bool automaticUpdateChecks);
+    /// Checks now; a check that is still in flight is cancelled, and its result dropped.
+    void check();
+    /// Opens the release's download address when one is available and safe to open, else the maker's home page.
+    void openDownloadPage();
+
+private:
+    [[nodiscard]] std::optional<std::string> requestAddress() const;
+    void finish(const HttpResult& result);
+    [[nodiscard]] static std::variant<Release, UpdateError> parseManifest(std::string_view body);
+    void accept(Release release);
+
+    MainLoop& mainLoop_;
+    Log& log_;
+    UserDefaults& defaults_;
+    HttpClient& session_;
+    Workspace& workspace_;
+    std::string systemVersion_;
+    std::string updateHost_;
+    AppVersion currentVersion_;
+    Published<State> state_{Idle{}};
+    Subscription checkTask_;
+};
+
+}  // namespace ferrowyn

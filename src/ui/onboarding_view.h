@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <string>
+
+#include "core/subscription.h"
+
+namespace ferrowyn {
+
+struct Platform;
+class AccessibilityAuthorizer;
+class Preferences;
+
+/// The content of the setup window: what is missing and how to repair it, or how to use the switcher; it changes from
+/// one to the other by itself. Main thread. The platform and the services outlive it.
+class OnboardingView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `onDone` closes the setup window. `makeReport` describes this desktop for a bug report; without it nothing
+    /// offers to copy one.
+    OnboardingView(const Platform& platform, AccessibilityAuthorizer& authorizer, const Preferences& preferences,
+                   std::function<void()> onDone, std::function<std::string()> makeReport = nullptr);
+    ~OnboardingView() override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] QWidget* makeFooter(const Platform& platform);
+
+    std::function<void()> onDone_;
+    Subscription statusSubscription_;
+};
+
+}  // namespace ferrowyn

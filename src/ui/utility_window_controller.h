@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "core/phrase.h"
+
+class QWidget;
+
+namespace ferrowyn {
+
+class Application;
+class UtilityWindow;
+
+/// One of the small windows beside the switcher: made when it is first shown, then kept and shown again for the rest of
+/// the run. While any of them is open the program has a place among the running applications. Main thread. The
+/// application outlives it.
+class UtilityWindowController {
+public:
+    using ContentBuilder = std::function<std::unique_ptr<QWidget>()>;
+
+    /// A window that is not resizable is as large as its content asks to be, at every moment.
+    UtilityWindowController(Application& application, Phrase title, bool isResizable, ContentBuilder content);
+    ~UtilityWindowController();
+    UtilityWindowController(const UtilityWindowController&) = delete;
+    UtilityWindowController& operator=(const UtilityWindowController&) = delete;
+
+    /// Brings the window to the front with the keyboard, whatever is active now.
+    void show();
+    void close();
+
+    [[nodiscard]] bool isResizable() const { return isResizable_; }
+    /// Null until it was first shown.
+    [[nodiscard]] QWidget* window() const;
+
+private:
+    void makeWindow();
+    void windowWillClose();
+
+    Application& application_;
+    std::unique_ptr<UtilityWindow> window_;
+    Phrase title_;
+    bool isResizable_;
+    ContentBuilder content_;
+};
+
+}  // namespace ferrowyn
