@@ -2,26 +2,31 @@
 
 #include <utility>
 
+#include "app/app_services.h"
 #include "core/text_table.h"
-#include "platform/log.h"
 #include "platform/platform.h"
+#include "ui/about_view.h"
+#include "ui/onboarding_view.h"
+#include "ui/settings_view.h"
 #include "ui/switcher_content.h"
+#include "ui/translated.h"
+#include "ui/utility_window_controller.h"
 
 namespace ferrowyn {
 
 namespace {
 
-/// Until the windows are there, says which was asked for.
-class MissingWindow final : public OnDemandWindow {
+class HostedWindow final : public OnDemandWindow {
 public:
-    MissingWindow(Log& log, Phrase title) : log_(log), title_(std::move(title)) {}
+    HostedWindow(Application& application, const UserInterface::WindowOptions& options,
+                 UtilityWindowController::ContentBuilder content)
+        : controller_(application, options.title, options.isResizable, std::move(content)) {}
 
-    void show() override { log_.write(LogLevel::standard, "ui", "Not there yet: " + title_.untranslated()); }
-    void close() override {}
+    void show() override { controller_.show(); }
+    void close() override { controller_.close(); }
 
 private:
-    Log& log_;
-    Phrase title_;
+    UtilityWindowController controller_;
 };
 
 }  // namespace
@@ -30,7 +35,7 @@ QtUserInterface::QtUserInterface(const Platform& platform, StatusItemFactory mak
     : platform_(platform), makeStatusItem_(std::move(makeStatusItem)) {}
 
 std::string QtUserInterface::translated(const Phrase& phrase) {
-    return phrase.untranslated();
+    return ferrowyn::translated(phrase).toStdString();
 }
 
 SwitcherContentFactory QtUserInterface::switcherContentFactory() {
@@ -38,19 +43,32 @@ SwitcherContentFactory QtUserInterface::switcherContentFactory() {
 }
 
 std::unique_ptr<OnDemandWindow> QtUserInterface::makeOnboardingWindow(const WindowOptions& options,
-                                                                      AppServices& /*services*/,
-                                                                      std::function<void()> /*onDone*/) {
-    return std::make_unique<MissingWindow>(platform_.log, options.title);
+                                                                      AppServices& services,
+                                                                      std::function<void()> onDone) {
+    return std::make_unique<HostedWindow>(
+        platform_.application, options, [&platform = platform_, &services, onDone = std::move(onDone)] {
+            return std::make_unique<OnboardingView>(platform, services.authorizer(), services.preferences(), onDone);
+        });
 }
 
 std::unique_ptr<OnDemandWindow> QtUserInterface::makeSettingsWindow(const WindowOptions& options,
-                                                                    AppServices& /*services*/) {
-    return std::make_unique<MissingWindow>(platform_.log, options.title);
+                                                                    AppServices& services) {
+    return std::make_unique<HostedWindow>(platform_.application, options, [&platform = platform_, &services] {
+        return std::make_unique<SettingsView>(platform, SettingsServices{.preferences = services.preferences(),
+                                                                         .authorizer = services.authorizer(),
+                                                                         .launchAtLogin = services.launchAtLogin(),
+                                                                         .favourites = services.favourites(),
+                                                                         .updates = services.updates(),
+                                                                         .icons = services.iconProvider()});
+    });
 }
 
 std::unique_ptr<OnDemandWindow> QtUserInterface::makeAboutWindow(const WindowOptions& options,
-                                                                 std::function<void()> /*onClose*/) {
-    return std::make_unique<MissingWindow>(platform_.log, options.title);
+                                                                 std::function<void()> onClose) {
+    return std::make_unique<HostedWindow>(platform_.application, options,
+                                          [&platform = platform_, onClose = std::move(onClose)] {
+                                              return std::make_unique<AboutView>(platform, onClose);
+                                          });
 }
 
 }  // namespace ferrowyn

@@ -29,6 +29,9 @@ public:
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
     /// Makes the program the active one, whatever is active now.
     virtual void activate() = 0;
+    /// Brings one of the program's own windows, which is on the screen, to the front with the keyboard, whatever is
+    /// active now.
+    virtual void bringToFront(WindowId window) = 0;
     /// Ends the program's main loop, as if the user had chosen Quit; what must be given back is given back after that.
     virtual void terminate() = 0;
     /// Shows the program itself in the file manager.

@@ -6,8 +6,6 @@
 
 #include "core/subscription.h"
 
-class QStackedWidget;
-
 namespace ferrowyn {
 
 struct Platform;
@@ -30,13 +28,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] QWidget* makeGrantedState(const Platform& platform, const Preferences& preferences);
-    [[nodiscard]] QWidget* makeRequiredState(const Platform& platform, AccessibilityAuthorizer& authorizer,
-                                             std::function<std::string()> makeReport);
     [[nodiscard]] QWidget* makeFooter(const Platform& platform);
 
     std::function<void()> onDone_;
-    QStackedWidget* states_ = nullptr;
     Subscription statusSubscription_;
 };
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QWidget>
-#include <vector>
 
 #include "core/settings_pane.h"
 #include "ui/settings_services.h"
@@ -22,7 +21,7 @@ public:
     SettingsView(const Platform& platform, const SettingsServices& services);
     ~SettingsView() override;
 
-    [[nodiscard]] SettingsPane selection() const { return selection_; }
+    [[nodiscard]] SettingsPane selection() const;
     void select(SettingsPane pane);
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -31,7 +30,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    SettingsPane selection_ = SettingsPane::general;
     SettingsSidebar* sidebar_ = nullptr;
     QStackedWidget* panes_ = nullptr;
 };

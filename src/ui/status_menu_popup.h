@@ -99,6 +99,7 @@ private:
     bool isArmed_ = false;
     /// Asks again for the input while whoever opened the popup still holds it.
     QTimer inputTimer_;
+    int inputRetriesLeft_ = 0;
 };
 
 }  // namespace ferrowyn

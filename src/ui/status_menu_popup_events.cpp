@@ -20,6 +20,8 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::chrono::milliseconds inputRetryInterval{20};
+/// Who still holds the input after two seconds keeps it.
+constexpr int mostInputRetries = 100;
 
 }  // namespace
 
@@ -28,6 +30,7 @@ void StatusMenuPopup::showEvent(QShowEvent* event) {
     isArmed_ = false;
     QWidget::showEvent(event);
     setFocus(Qt::PopupFocusReason);
+    inputRetriesLeft_ = mostInputRetries;
     inputTimer_.start(inputRetryInterval);
     announceMenu(*this, true);
 }
@@ -50,7 +53,8 @@ void StatusMenuPopup::hideEvent(QHideEvent* event) {
 /// Without the pointer a click elsewhere would not close the menu, and without the keyboard no key would reach it.
 void StatusMenuPopup::takeInput() {
     QWindow* const window = windowHandle();
-    if (window == nullptr || (window->setKeyboardGrabEnabled(true) && window->setMouseGrabEnabled(true))) {
+    const bool isLast = --inputRetriesLeft_ <= 0;
+    if (isLast || window == nullptr || (window->setKeyboardGrabEnabled(true) && window->setMouseGrabEnabled(true))) {
         inputTimer_.stop();
     }
 }

@@ -47,6 +47,18 @@ Description describe(TextStyle style) {
             return {13, QFont::Medium};
         case TextStyle::button:
             return {12, QFont::Medium};
+        case TextStyle::paneTitle:
+            return {17, QFont::Bold};
+        case TextStyle::sectionTitle:
+            return {12, QFont::DemiBold};
+        case TextStyle::body:
+            return {13, QFont::Normal};
+        case TextStyle::bodyEmphasised:
+            return {13, QFont::DemiBold};
+        case TextStyle::note:
+            return {11, QFont::Normal};
+        case TextStyle::productName:
+            return {20, QFont::Bold};
     }
     return {12, QFont::Normal};
 }

@@ -4,7 +4,7 @@
 
 namespace ferrowyn {
 
-/// The panel's and the menu's uses of text. Families are the desktop's; sizes are points at scale 1.
+/// The program's uses of text. Families are the desktop's; sizes are points at scale 1.
 enum class TextStyle {
     searchText,
     rowTitle,
@@ -25,6 +25,13 @@ enum class TextStyle {
     menuHeaderSubtitle,
     menuSectionTitle,
     button,
+    // Of the windows beside the panel.
+    paneTitle,
+    sectionTitle,
+    body,
+    bodyEmphasised,
+    note,
+    productName,
 };
 
 /// Main thread: reads the application's font and the screen's resolution.

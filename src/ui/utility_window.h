@@ -19,6 +19,7 @@ public:
     /// Called each time the window has come onto the screen, when the window manager knows it.
     std::function<void()> onExposed;
 
+    [[nodiscard]] bool isExposed() const { return isVisible() && wasExposed_; }
     /// In the middle of the screen on which the pointer is.
     void centre();
 

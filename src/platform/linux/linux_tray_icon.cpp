@@ -5,16 +5,25 @@
 #include <utility>
 
 #include "platform/linux/status_notifier_item.h"
+#include "platform/main_loop.h"
 
 namespace ferrowyn {
+
+namespace {
+
+/// A tray takes an icon in within moments.
+constexpr Seconds patienceWithFallback{2};
+
+}  // namespace
 
 LinuxTrayIcon::LinuxTrayIcon(MainLoop& mainLoop, BackgroundWork& backgroundWork,
                              const std::optional<std::string>& busAddress, TraySymbolPainter painter,
                              MakeFallback makeFallback)
-    : painter_(std::move(painter)),
+    : mainLoop_(mainLoop),
+      painter_(std::move(painter)),
       makeFallback_(std::move(makeFallback)),
       notifier_(std::make_unique<StatusNotifierItem>(mainLoop, backgroundWork, busAddress)) {
-    notifier_->setHostHandler([this](bool hasHost) { hostChanged(hasHost); });
+    notifier_->setHostHandler([this](StatusNotifierHost host) { hostChanged(host); });
     notifier_->object().setPressHandler([this](int x, int y) {
         if (onPress_) {
             onPress_({static_cast<double>(x), static_cast<double>(y), 0, 0});
@@ -44,7 +53,7 @@ void LinuxTrayIcon::setPressHandler(std::function<void(const Rect& anchor)> hand
 }
 
 LinuxTrayIcon::Host LinuxTrayIcon::shownBy() const {
-    if (notifier_->hasHost().value_or(false)) {
+    if (isOffered_) {
         return Host::statusNotifier;
     }
     return fallback_ != nullptr && fallback_->isShown() ? Host::fallback : Host::none;
@@ -57,12 +66,33 @@ bool LinuxTrayIcon::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
-void LinuxTrayIcon::hostChanged(bool hasHost) {
-    if (hasHost) {
+void LinuxTrayIcon::hostChanged(StatusNotifierHost host) {
+    fallbackTimer_.reset();
+    isOffered_ = host == StatusNotifierHost::present;
+    if (isOffered_) {
         fallback_.reset();
         return;
     }
-    fallback_ = makeFallback_ ? makeFallback_() : nullptr;
+    startFallback();
+    if (host == StatusNotifierHost::keepsSecondButton) {
+        fallbackTimer_ = mainLoop_.after(patienceWithFallback, [this] { offerUnlessShown(); });
+    }
+}
+
+/// One button is better than no icon.
+void LinuxTrayIcon::offerUnlessShown() {
+    if (fallback_ == nullptr || !fallback_->isShown()) {
+        fallback_.reset();
+        notifier_->offer();
+        isOffered_ = true;
+    }
+}
+
+void LinuxTrayIcon::startFallback() {
+    if (fallback_ != nullptr || !makeFallback_) {
+        return;
+    }
+    fallback_ = makeFallback_();
     if (fallback_ == nullptr) {
         return;
     }

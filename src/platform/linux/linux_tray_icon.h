@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "core/subscription.h"
 #include "platform/qt/tray_symbol_painter.h"
 #include "platform/tray_icon.h"
 
@@ -14,11 +15,13 @@ namespace ferrowyn {
 class BackgroundWork;
 class MainLoop;
 class StatusNotifierItem;
+enum class StatusNotifierHost;
 
-/// The icon as a status notifier where some host shows those, and by another way wherever none does. Main thread.
+/// The icon as a status notifier where some host shows those, and by another way wherever none does. Where the host
+/// keeps the second button for itself the other way comes first, for the menu opens with either. Main thread.
 class LinuxTrayIcon final : public QObject, public TrayIcon {
 public:
-    /// Makes the icon of the other way; it is destroyed as soon as a host of status notifiers has come.
+    /// Makes the icon of the other way, null where there is none; it is destroyed as soon as it is not needed.
     using MakeFallback = std::function<std::unique_ptr<TrayIcon>()>;
     enum class Host { none, statusNotifier, fallback };
 
@@ -36,16 +39,22 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void hostChanged(bool hasHost);
+    void hostChanged(StatusNotifierHost host);
+    void startFallback();
+    void offerUnlessShown();
     void redraw();
 
+    MainLoop& mainLoop_;
     TraySymbolPainter painter_;
     MakeFallback makeFallback_;
     std::string symbol_;
     std::string toolTip_;
     std::function<void(const Rect&)> onPress_;
     std::unique_ptr<StatusNotifierItem> notifier_;
+    /// Whether the host that is there now was offered the icon.
+    bool isOffered_ = false;
     std::unique_ptr<TrayIcon> fallback_;
+    Subscription fallbackTimer_;
 };
 
 }  // namespace ferrowyn

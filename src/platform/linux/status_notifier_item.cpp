@@ -6,6 +6,7 @@
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
+#include <QFile>
 #include <QVariant>
 #include <atomic>
 #include <utility>
@@ -21,6 +22,8 @@ const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString watcherInterface = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
+const QString busService = QStringLiteral("org.freedesktop.DBus");
+const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
 /// Connections are known by name within the process, items by number within it.
@@ -36,6 +39,18 @@ QDBusMessage callToWatcher(const QString& interface, const QString& method, cons
     return message;
 }
 
+QDBusMessage callToBus(const QString& method, const QString& argument) {
+    auto message = QDBusMessage::createMethodCall(busService, busPath, busService, method);
+    message.setArguments({argument});
+    return message;
+}
+
+/// Whether the process is one of Xfce's panel, whose plugins are processes of their own.
+bool isPanelOfXfce(unsigned pid) {
+    QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(pid));
+    return commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().contains("/xfce4/panel/");
+}
+
 }  // namespace
 
 StatusNotifierItem::StatusNotifierItem(MainLoop& mainLoop, BackgroundWork& backgroundWork,
@@ -45,7 +60,7 @@ StatusNotifierItem::StatusNotifierItem(MainLoop& mainLoop, BackgroundWork& backg
     if (!busAddress) {
         mainLoop.post([this, alive] {
             if (!alive.expired()) {
-                setHasHost(false);
+                setHost(StatusNotifierHost::none);
             }
         });
         return;
@@ -77,7 +92,7 @@ StatusNotifierItem::~StatusNotifierItem() {
 void StatusNotifierItem::connected(const QDBusConnection& bus) {
     bus_ = bus;
     if (!bus_->isConnected() || !bus_->registerService(serviceName_)) {
-        setHasHost(false);
+        setHost(StatusNotifierHost::none);
         return;
     }
     bus_->registerObject(itemPath, &exported_, QDBusConnection::ExportAdaptors);
@@ -96,41 +111,60 @@ void StatusNotifierItem::connected(const QDBusConnection& bus) {
     askForWatcher();
 }
 
+template <typename Answer>
+void StatusNotifierItem::ask(const QDBusMessage& question, std::function<void(const std::optional<Answer>&)> answered) {
+    auto* const waiting = new QDBusPendingCallWatcher(bus_->asyncCall(question), this);
+    connect(waiting, &QDBusPendingCallWatcher::finished, this,
+            [this, waiting, asked = watcherCount_, answered = std::move(answered)] {
+                const QDBusPendingReply<Answer> reply = *waiting;
+                if (asked == watcherCount_) {
+                    answered(reply.isError() ? std::nullopt : std::optional<Answer>(reply.value()));
+                }
+                waiting->deleteLater();
+            });
+}
+
 void StatusNotifierItem::askForWatcher() {
-    auto message =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
-    message.setArguments({watcherService});
-    auto* const waiting = new QDBusPendingCallWatcher(bus_->asyncCall(message), this);
-    connect(waiting, &QDBusPendingCallWatcher::finished, this, [this, waiting] {
-        const QDBusPendingReply<QString> reply = *waiting;
-        watcherChanged(reply.isError() ? QString() : reply.value());
-        waiting->deleteLater();
-    });
+    ask<QString>(callToBus(QStringLiteral("GetNameOwner"), watcherService),
+                 [this](const std::optional<QString>& owner) { watcherChanged(owner.value_or(QString())); });
 }
 
 void StatusNotifierItem::watcherChanged(const QString& owner) {
+    ++watcherCount_;
+    watcherKeepsSecondButton_ = false;
     if (owner.isEmpty()) {
-        setHasHost(false);
-        return;
+        setHost(StatusNotifierHost::none);
+    } else {
+        askForWatcherProcess(owner);
     }
-    registerAtWatcher();
-    askForHost();
 }
 
-void StatusNotifierItem::registerAtWatcher() {
-    bus_->asyncCall(callToWatcher(watcherInterface, QStringLiteral("RegisterStatusNotifierItem"), {serviceName_}));
+void StatusNotifierItem::askForWatcherProcess(const QString& owner) {
+    ask<unsigned>(callToBus(QStringLiteral("GetConnectionUnixProcessID"), owner),
+                  [this](const std::optional<unsigned>& pid) {
+                      watcherKeepsSecondButton_ = pid && isPanelOfXfce(*pid);
+                      if (!watcherKeepsSecondButton_) {
+                          offer();
+                      }
+                      askForHost();
+                  });
+}
+
+void StatusNotifierItem::offer() {
+    if (bus_) {
+        bus_->asyncCall(callToWatcher(watcherInterface, QStringLiteral("RegisterStatusNotifierItem"), {serviceName_}));
+    }
 }
 
 void StatusNotifierItem::askForHost() {
-    const auto message = callToWatcher(propertiesInterface, QStringLiteral("Get"),
-                                       {watcherInterface, QStringLiteral("IsStatusNotifierHostRegistered")});
-    auto* const waiting = new QDBusPendingCallWatcher(bus_->asyncCall(message), this);
-    connect(waiting, &QDBusPendingCallWatcher::finished, this, [this, waiting] {
-        const QDBusPendingReply<QDBusVariant> reply = *waiting;
-        setHasHost(!reply.isError() && reply.value().variant().toBool());
-        waiting->deleteLater();
-    });
+    ask<QDBusVariant>(callToWatcher(propertiesInterface, QStringLiteral("Get"),
+                                    {watcherInterface, QStringLiteral("IsStatusNotifierHostRegistered")}),
+                      [this](const std::optional<QDBusVariant>& isRegistered) {
+                          const bool hasHost = isRegistered && isRegistered->variant().toBool();
+                          const auto kind = watcherKeepsSecondButton_ ? StatusNotifierHost::keepsSecondButton
+                                                                      : StatusNotifierHost::present;
+                          setHost(hasHost ? kind : StatusNotifierHost::none);
+                      });
 }
 
 void StatusNotifierItem::onHostsChanged() {
@@ -138,12 +172,13 @@ void StatusNotifierItem::onHostsChanged() {
 }
 
 void StatusNotifierItem::onDisconnected() {
-    setHasHost(false);
+    ++watcherCount_;
+    setHost(StatusNotifierHost::none);
 }
 
-void StatusNotifierItem::setHasHost(bool hasHost) {
-    if (std::exchange(hasHost_, hasHost) != hasHost && onHost_) {
-        onHost_(hasHost);
+void StatusNotifierItem::setHost(StatusNotifierHost host) {
+    if (std::exchange(host_, host) != host && onHost_) {
+        onHost_(host);
     }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDBusAbstractAdaptor>
-#include <QDBusObjectPath>
 #include <QObject>
 #include <QString>
 #include <functional>
@@ -21,7 +20,6 @@ class StatusNotifierObject final : public QDBusAbstractAdaptor {
     Q_PROPERTY(QString Status READ status)
     Q_PROPERTY(int WindowId READ windowId)
     Q_PROPERTY(QString IconThemePath READ none)
-    Q_PROPERTY(QDBusObjectPath Menu READ menu)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
     Q_PROPERTY(QString IconName READ none)
     Q_PROPERTY(ferrowyn::StatusNotifierPixmaps IconPixmap READ iconPixmap)
@@ -46,8 +44,6 @@ public:
     [[nodiscard]] QString status() const { return QStringLiteral("Active"); }
     [[nodiscard]] int windowId() const { return 0; }
     [[nodiscard]] QString none() const { return {}; }
-    /// What stands for "no menu" among the hosts.
-    [[nodiscard]] QDBusObjectPath menu() const { return QDBusObjectPath(QStringLiteral("/NO_DBUSMENU")); }
     [[nodiscard]] bool itemIsMenu() const { return false; }
     [[nodiscard]] StatusNotifierPixmaps iconPixmap() const { return icon_; }
     [[nodiscard]] StatusNotifierPixmaps noPixmap() const { return {}; }

@@ -20,6 +20,7 @@ public:
     [[nodiscard]] std::string systemVersion() const override { return version; }
     void setActivationPolicy(ActivationPolicy policy) override { policies.push_back(policy); }
     void activate() override { ++activationCount; }
+    void bringToFront(WindowId window) override { broughtToFront.push_back(window); }
     void terminate() override { ++terminationCount; }
     void revealInFileManager() override { ++revealCount; }
 
@@ -31,6 +32,7 @@ public:
     /// What was asked, in order.
     std::vector<ActivationPolicy> policies;
     int activationCount = 0;
+    std::vector<WindowId> broughtToFront;
     int terminationCount = 0;
     int revealCount = 0;
 

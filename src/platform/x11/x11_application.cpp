@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "platform/linux/file_manager.h"
+#include "platform/x11/x11_element.h"
 
 namespace ferrowyn {
 
@@ -41,6 +42,11 @@ void X11Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 
 /// The window manager decides that for each window, when it is asked to activate one.
 void X11Application::activate() {}
+
+/// As a pager asks, which no manager refuses: the user chose to see this window, a moment ago and perhaps elsewhere.
+void X11Application::bringToFront(WindowId window) {
+    windows_.raise(X11Element::make(window));
+}
 
 void X11Application::terminate() {
     QCoreApplication::quit();

@@ -136,7 +136,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
            },
            .openAddress = openAddress,
            .openSettingsPage = [this](std::string_view url) { return openSettingsPage && openSettingsPage(url); }}),
-      application(monitor.model()),
+      application(monitor.model(), control),
       icons(monitor, atoms, entries),
       httpClient(mainLoop, backgroundWork),
       loginItem(folders, {std::string(applicationId), "Ferrowyn", application.bundleInfo().path}),

@@ -1,6 +1,7 @@
 #include "platform/x11/x11_tray_window.h"
 
 #include <unistd.h>
+#include <xcb/xcb_icccm.h>
 
 #include <algorithm>
 #include <array>
@@ -14,6 +15,7 @@ namespace {
 
 /// Until the tray has said how large icons are.
 constexpr std::uint16_t firstSide = 24;
+constexpr std::int32_t leastSide = 16;
 /// A window with a visual of this depth has an alpha channel.
 constexpr std::uint8_t alphaDepth = 32;
 
@@ -122,6 +124,10 @@ void X11TrayWindow::describe() {
     xcb_change_property(server, XCB_PROP_MODE_REPLACE, window_, atoms[1], XCB_ATOM_CARDINAL, 32, 1, &pid);
     xcb_change_property(server, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                         static_cast<std::uint32_t>(windowClass.size()), windowClass.data());
+    // Trays take a window that asks for no room for one that is hidden.
+    xcb_size_hints_t hints{};
+    xcb_icccm_size_hints_set_min_size(&hints, leastSide, leastSide);
+    xcb_icccm_set_wm_normal_hints(server, window_, &hints);
 }
 
 int X11TrayWindow::side() const {

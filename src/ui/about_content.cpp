@@ -1,0 +1,72 @@
+#include "ui/about_content.h"
+
+#include <QDateTime>
+#include <QVBoxLayout>
+#include <chrono>
+
+#include "core/text_table.h"
+#include "platform/application.h"
+#include "platform/main_loop.h"
+#include "platform/platform.h"
+#include "platform/workspace.h"
+#include "services/product_site.h"
+#include "ui/about_lines.h"
+#include "ui/accessible_roles.h"
+#include "ui/product_icon.h"
+#include "ui/text_label.h"
+#include "ui/translated.h"
+#include "ui/window_button.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr int belowIcon = 12;
+constexpr int belowName = 3;
+constexpr int belowVersion = 10;
+constexpr int belowTagline = 14;
+constexpr int belowSite = 12;
+
+int currentYear(const MainLoop& mainLoop) {
+    using std::chrono::duration_cast;
+    const auto sinceEpoch = duration_cast<std::chrono::milliseconds>(mainLoop.wallTime().time_since_epoch());
+    // By the clock on the user's wall.
+    return QDateTime::fromMSecsSinceEpoch(sinceEpoch.count()).date().year();
+}
+
+TextLabel* centred(const Phrase& text, TextStyle style, Tone tone) {
+    auto* const label = new TextLabel(text, style, tone);
+    label->setAlignment(Qt::AlignHCenter);
+    return label;
+}
+
+}  // namespace
+
+AboutContent::AboutContent(const Platform& platform, int iconSize) {
+    const WindowTexts& texts = platform.texts.windows;
+    const BundleInfo bundle = platform.application.bundleInfo();
+    const QString name = QString::fromStdString(about_lines::productName(bundle));
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(new ProductIcon(iconSize, name), 0, Qt::AlignHCenter);
+    column->addSpacing(belowIcon);
+    column->addWidget(centred(Phrase::verbatim(name.toStdString()), TextStyle::productName, Tone::primary));
+    column->addSpacing(belowName);
+    column->addWidget(centred(about_lines::versionLine(bundle, texts), TextStyle::note, Tone::secondary));
+    column->addSpacing(belowVersion);
+    column->addWidget(centred({texts.about.tagline, {}}, TextStyle::body, Tone::primary));
+    column->addSpacing(belowTagline);
+    auto* const site =
+        new WindowButton(Phrase::verbatim(about_lines::siteName(product_site::homePage)), WindowButton::Look::link);
+    column->addWidget(site, 0, Qt::AlignHCenter);
+    column->addSpacing(belowSite);
+    column->addWidget(centred(about_lines::copyrightLine(bundle, currentYear(platform.mainLoop), texts),
+                              TextStyle::note, Tone::secondary));
+    connect(site, &QAbstractButton::clicked, this,
+            [&workspace = platform.workspace] { workspace.open(product_site::homePage); });
+    setAccessibleName(translated(about_lines::accessibilitySummary(bundle, texts)));
+    setAccessibleRole(*this, QAccessible::Grouping);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QAccessible>
+
+class QWidget;
+
+namespace ferrowyn {
+
+/// Says what a widget without a role of its own is to assistive technology; its name is its accessible name. Main
+/// thread, before anybody asks for its interface.
+void setAccessibleRole(QWidget& widget, QAccessible::Role role);
+
+}  // namespace ferrowyn

@@ -1,0 +1,95 @@
+#include "ui/choice_box.h"
+
+#include <QAbstractItemView>
+#include <QPainter>
+#include <QPolygonF>
+#include <QWheelEvent>
+#include <algorithm>
+
+#include "ui/control_painting.h"
+#include "ui/text_style.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr int controlHeight = 26;
+constexpr int padding = 10;
+constexpr int arrowsWidth = 22;
+constexpr double cornerRadius = 6;
+
+void paintArrows(QPainter& painter, const QPointF& middle, const QColor& color) {
+    constexpr double halfWidth = 3;
+    constexpr double tip = 5.5;
+    constexpr double foot = 2.5;
+    painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    for (const double direction : {-1.0, 1.0}) {
+        painter.drawPolyline(QPolygonF{{middle.x() - halfWidth, middle.y() + direction * foot},
+                                       {middle.x(), middle.y() + direction * tip},
+                                       {middle.x() + halfWidth, middle.y() + direction * foot}});
+    }
+}
+
+}  // namespace
+
+ChoiceBox::ChoiceBox() {
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setAttribute(Qt::WA_Hover);
+    adopt();
+}
+
+void ChoiceBox::adopt() {
+    setFont(fontFor(TextStyle::body));
+    const WindowTheme theme = WindowTheme::current();
+    QPalette own;
+    own.setColor(QPalette::Base, theme.groupFill);
+    own.setColor(QPalette::Window, theme.groupFill);
+    own.setColor(QPalette::Button, theme.groupFill);
+    own.setColor(QPalette::Text, theme.textPrimary);
+    own.setColor(QPalette::WindowText, theme.textPrimary);
+    own.setColor(QPalette::Highlight, theme.accent);
+    own.setColor(QPalette::HighlightedText, theme.accentText);
+    view()->setPalette(own);
+    view()->setFont(font());
+    view()->window()->setPalette(own);
+}
+
+QSize ChoiceBox::sizeHint() const {
+    int widest = 0;
+    for (int index = 0; index < count(); ++index) {
+        widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(index)) + 1);
+    }
+    return {widest + 2 * padding + arrowsWidth, controlHeight};
+}
+
+bool ChoiceBox::event(QEvent* event) {
+    const bool isHandled = QComboBox::event(event);
+    if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::ApplicationPaletteChange) {
+        adopt();
+        updateGeometry();
+    }
+    return isHandled;
+}
+
+void ChoiceBox::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const WindowTheme theme = WindowTheme::current();
+    control_painting::paintBox(painter, rect(), cornerRadius,
+                               underMouse() ? theme.controlFillHovered : theme.controlFill, theme.controlEdge);
+    control_painting::paintText(painter, QRectF(padding, 0, width() - 2 * padding - arrowsWidth + 6, height()),
+                                currentText(), font(), theme.textPrimary);
+    paintArrows(painter, {width() - padding - 4.0, height() / 2.0}, theme.textSecondary);
+    if (control_painting::showsFocus(*this)) {
+        constexpr double inset = 3;
+        control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
+                                         cornerRadius - 2, theme);
+    }
+}
+
+/// The wheel scrolls the pane; a choice that changes on the way past it would be a surprise.
+void ChoiceBox::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+}  // namespace ferrowyn

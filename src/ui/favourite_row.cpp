@@ -1,0 +1,73 @@
+#include "ui/favourite_row.h"
+
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <cmath>
+#include <utility>
+
+#include "ui/accessible_roles.h"
+#include "ui/control_painting.h"
+#include "ui/display_text.h"
+#include "ui/group_metrics.h"
+#include "ui/settings_lines.h"
+#include "ui/text_style.h"
+#include "ui/translated.h"
+#include "ui/window_button.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr double iconSide = 24;
+constexpr double behindIcon = 10;
+constexpr double starSide = 13;
+constexpr double aroundStar = 8;
+constexpr int buttonOverhang = 5;
+
+}  // namespace
+
+FavouriteRow::FavouriteRow(const std::string& name, std::shared_ptr<const IconImage> icon, const WindowTexts& texts)
+    : name_(display_text::singleLine(name)), icon_(std::move(icon)) {
+    remove_ = new WindowButton(translated(settings_lines::removeHelp(name_.toStdString(), texts)), "minus.circle.fill");
+    auto* const line = new QHBoxLayout(this);
+    // The symbol in the button stands as far from the edge as the switches do.
+    line->setContentsMargins(0, 0, group_metrics::rowInset - buttonOverhang, 0);
+    line->addStretch();
+    line->addWidget(remove_);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAccessibleName(name_);
+    setAccessibleRole(*this, QAccessible::ListItem);
+}
+
+QSize FavouriteRow::sizeHint() const {
+    return {0, group_metrics::rowHeight};
+}
+
+QRectF FavouriteRow::nameRect() const {
+    const double left = group_metrics::rowInset + iconSide + behindIcon;
+    const double right = remove_->x() - starSide - 2 * aroundStar;
+    return {left, 0, right - left, static_cast<double>(height())};
+}
+
+void FavouriteRow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    layout()->activate();
+    // Only a name that is cut needs to be told in full.
+    const bool isCut = QFontMetricsF(fontFor(TextStyle::body)).horizontalAdvance(name_) > nameRect().width();
+    setToolTip(isCut ? name_ : QString());
+}
+
+void FavouriteRow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const WindowTheme theme = WindowTheme::current();
+    const double scale = painter.deviceTransform().m11();
+    const double middle = height() / 2.0;
+    const QImage& image = icons_.image(icon_, static_cast<int>(std::lround(iconSide * scale)));
+    painter.drawImage(QRectF(group_metrics::rowInset, middle - iconSide / 2, iconSide, iconSide), image);
+    control_painting::paintText(painter, nameRect(), name_, fontFor(TextStyle::body), theme.textPrimary);
+    symbols_.paint(painter, "star.fill", remove_->x() - aroundStar - starSide / 2, middle, starSide, theme.favourite);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,110 @@
+#include "ui/settings_lines.h"
+
+#include <utility>
+
+#include "ui/key_lines.h"
+
+namespace ferrowyn::settings_lines {
+
+namespace {
+
+constexpr std::string_view goodSymbol = "checkmark.circle.fill";
+constexpr std::string_view attentionSymbol = "exclamationmark.triangle.fill";
+
+}  // namespace
+
+std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts) {
+    using Tint = StatusLine::Tint;
+    if (std::holds_alternative<UpdateChecker::Checking>(state)) {
+        return std::nullopt;
+    }
+    if (std::holds_alternative<UpdateChecker::UpToDate>(state)) {
+        return StatusLine{goodSymbol, Tint::good, {texts.settings.upToDate, {}}};
+    }
+    if (const auto* const available = std::get_if<UpdateChecker::UpdateAvailable>(&state)) {
+        return StatusLine{"arrow.down.circle.fill",
+                          Tint::attention,
+                          {texts.settings.updateAvailable, {available->release.version.original()}}};
+    }
+    if (const auto* const failed = std::get_if<UpdateChecker::Failed>(&state)) {
+        return StatusLine{attentionSymbol, Tint::attention, Phrase::verbatim(failed->text)};
+    }
+    return StatusLine{"", Tint::none, {texts.settings.notChecked, {}}};
+}
+
+StatusLine permissionStatus(AccessibilityStatus status, const WindowTexts& texts) {
+    if (status == AccessibilityStatus::trusted) {
+        return {goodSymbol, StatusLine::Tint::good, {texts.settings.permissionGranted, {}}};
+    }
+    return {attentionSymbol, StatusLine::Tint::attention, {texts.settings.permissionRequired, {}}};
+}
+
+StatusLine secureInputStatus(const WindowTexts& texts) {
+    return {"keyboard.badge.ellipsis", StatusLine::Tint::attention, {texts.settings.secureInput, {}}};
+}
+
+StatusLine loginItemMessage(const std::string& message) {
+    return {attentionSymbol, StatusLine::Tint::attention, Phrase::verbatim(message)};
+}
+
+std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts) {
+    switch (modifier) {
+        case SwitcherModifier::option:
+            return texts.settings.optionName;
+        case SwitcherModifier::command:
+            return texts.settings.commandName;
+        case SwitcherModifier::control:
+            return texts.settings.controlName;
+    }
+    return texts.settings.optionName;
+}
+
+Phrase summonChoice(SwitcherModifier modifier, const WindowTexts& texts) {
+    return {texts.settings.summonChoice, {std::string(modifierName(modifier, texts))}};
+}
+
+bool showsReplacementNote(SwitcherModifier modifier) {
+    return modifier == SwitcherModifier::command;
+}
+
+std::string_view layoutTitle(SwitcherLayout layout, const WindowTexts& texts) {
+    switch (layout) {
+        case SwitcherLayout::list:
+            return texts.settings.listTitle;
+        case SwitcherLayout::grouped:
+            return texts.settings.groupedTitle;
+        case SwitcherLayout::grid:
+            return texts.settings.gridTitle;
+    }
+    return texts.settings.listTitle;
+}
+
+std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts) {
+    switch (layout) {
+        case SwitcherLayout::list:
+            return texts.settings.listDescription;
+        case SwitcherLayout::grouped:
+            return texts.settings.groupedDescription;
+        case SwitcherLayout::grid:
+            return texts.settings.gridDescription;
+    }
+    return texts.settings.listDescription;
+}
+
+Phrase maximumRows(int rows, const WindowTexts& texts) {
+    return {texts.settings.maximumRows, {std::to_string(rows)}};
+}
+
+std::string_view activeAppFirstNote(bool isOn, const WindowTexts& texts) {
+    return isOn ? texts.settings.activeAppFirstOnNote : texts.settings.activeAppFirstOffNote;
+}
+
+Phrase favouritesFirstNote(SwitcherModifier trigger, const TextTable& texts) {
+    return {texts.windows.settings.favouritesFirstNote, {key_lines::commandKeys(trigger, "D", texts)}};
+}
+
+Phrase removeHelp(std::string applicationName, const WindowTexts& texts) {
+    return {texts.settings.removeHelp, {std::move(applicationName)}};
+}
+
+}  // namespace ferrowyn::settings_lines

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/accessibility_status.h"
+#include "core/phrase.h"
+#include "core/switcher_layout.h"
+#include "core/switcher_modifier.h"
+#include "core/text_table.h"
+#include "services/update_checker.h"
+
+/// What the settings window says, decided without a toolkit. Pure functions; texts are untranslated.
+namespace ferrowyn::settings_lines {
+
+/// A line with a symbol before it, whose colour says how things are.
+struct StatusLine {
+    enum class Tint { none, good, attention };
+
+    /// Empty for none.
+    std::string_view symbol;
+    Tint tint = Tint::none;
+    Phrase text;
+
+    friend bool operator==(const StatusLine&, const StatusLine&) = default;
+};
+
+/// Nothing while a check runs.
+[[nodiscard]] std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts);
+[[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, const WindowTexts& texts);
+[[nodiscard]] StatusLine secureInputStatus(const WindowTexts& texts);
+[[nodiscard]] StatusLine loginItemMessage(const std::string& message);
+
+[[nodiscard]] std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts);
+/// The modifier's name followed by " + Tab".
+[[nodiscard]] Phrase summonChoice(SwitcherModifier modifier, const WindowTexts& texts);
+/// Only command takes keys that the system uses itself.
+[[nodiscard]] bool showsReplacementNote(SwitcherModifier modifier);
+
+[[nodiscard]] std::string_view layoutTitle(SwitcherLayout layout, const WindowTexts& texts);
+[[nodiscard]] std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts);
+inline constexpr int fewestVisibleRows = 4;
+inline constexpr int mostVisibleRows = 16;
+/// "Show up to 9 rows before scrolling".
+[[nodiscard]] Phrase maximumRows(int rows, const WindowTexts& texts);
+
+[[nodiscard]] std::string_view activeAppFirstNote(bool isOn, const WindowTexts& texts);
+/// Names the keys that pin an application.
+[[nodiscard]] Phrase favouritesFirstNote(SwitcherModifier trigger, const TextTable& texts);
+[[nodiscard]] Phrase removeHelp(std::string applicationName, const WindowTexts& texts);
+
+}  // namespace ferrowyn::settings_lines

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QScrollArea>
+#include <vector>
+
+#include "core/phrase.h"
+#include "core/subscription.h"
+
+class QVBoxLayout;
+
+namespace ferrowyn {
+
+class SettingsGroup;
+
+/// A page of the settings window: its title over groups of rows, which scroll when they do not fit. Main thread.
+class SettingsPaneView : public QScrollArea {
+    Q_OBJECT
+
+public:
+    explicit SettingsPaneView(const Phrase& title);
+
+protected:
+    SettingsGroup& addGroup();
+    /// The section's title stands over the box and names it.
+    SettingsGroup& addGroup(const Phrase& sectionTitle);
+    /// Anything else, below what is there.
+    void addWidget(QWidget* widget, Qt::Alignment alignment = {});
+    /// Kept as long as the pane: what its controls follow.
+    void keep(Subscription subscription);
+
+private:
+    void insert(QWidget* widget, int spaceAbove, Qt::Alignment alignment);
+
+    QVBoxLayout* column_ = nullptr;
+    std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,137 @@
+#include "ui/settings_sidebar.h"
+
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <algorithm>
+#include <cstddef>
+
+#include "ui/control_painting.h"
+#include "ui/symbol_images.h"
+#include "ui/text_style.h"
+#include "ui/translated.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr int sideMargin = 10;
+constexpr int topMargin = 14;
+constexpr int rowHeight = 30;
+constexpr double rowGap = 1;
+constexpr double cornerRadius = 6;
+constexpr double symbolCentre = 18;
+constexpr double symbolSide = 16;
+constexpr double textLeft = 35;
+
+SettingsPane paneAt(int row) {
+    return allSettingsPanes[static_cast<std::size_t>(std::max(row, 0))];
+}
+
+class RowDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& /*option*/, const QModelIndex& /*index*/) const override {
+        return {SettingsSidebar::width - 2 * sideMargin, rowHeight};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        const WindowTheme theme = WindowTheme::current();
+        const auto& list = *static_cast<const QWidget*>(option.widget);
+        const QRectF row = QRectF(option.rect).adjusted(0, rowGap, 0, -rowGap);
+        const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+        const bool isActive = isSelected && list.window()->isActiveWindow();
+        painter->setPen(Qt::NoPen);
+        if (isSelected) {
+            painter->setBrush(isActive ? theme.accent : theme.selectionInactive);
+            painter->drawRoundedRect(row, cornerRadius, cornerRadius);
+        } else if (option.state.testFlag(QStyle::State_MouseOver)) {
+            painter->setBrush(theme.rowHovered);
+            painter->drawRoundedRect(row, cornerRadius, cornerRadius);
+        }
+        const QColor ink = isActive ? theme.accentText : theme.textPrimary;
+        symbols_.paint(*painter, symbol(paneAt(index.row())), row.left() + symbolCentre, row.center().y(), symbolSide,
+                       ink, SymbolWeight::regular);
+        control_painting::paintText(*painter, row.adjusted(textLeft, 0, -cornerRadius, 0),
+                                    index.data(Qt::DisplayRole).toString(), list.font(), ink);
+        if (isSelected && control_painting::showsFocus(list)) {
+            constexpr double inset = 4;
+            WindowTheme ring = theme;
+            ring.focusRing = theme.accentText;
+            control_painting::paintFocusRing(*painter, row.adjusted(inset, inset, -inset, -inset), cornerRadius - 3,
+                                             ring);
+        }
+        painter->restore();
+    }
+
+private:
+    mutable SymbolImages symbols_;
+};
+
+}  // namespace
+
+SettingsSidebar::SettingsSidebar(const WindowTexts& texts) {
+    for (const auto pane : allSettingsPanes) {
+        addItem(translated(title(pane, texts)));
+    }
+    setItemDelegate(new RowDelegate(this));
+    setFixedWidth(width);
+    setFrameShape(QFrame::NoFrame);
+    setViewportMargins(sideMargin, topMargin, sideMargin, 0);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setMouseTracking(true);
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(SingleSelection);
+    viewport()->setAutoFillBackground(false);
+    setAttribute(Qt::WA_MacShowFocusRect, false);
+    setAccessibleName(translated(texts.settings.sidebarName));
+    adopt();
+    select(SettingsPane::general);
+}
+
+void SettingsSidebar::adopt() {
+    setFont(fontFor(TextStyle::body));
+    QPalette own;
+    own.setColor(QPalette::Base, Qt::transparent);
+    own.setColor(QPalette::Window, Qt::transparent);
+    setPalette(own);
+}
+
+SettingsPane SettingsSidebar::selection() const {
+    return paneAt(currentRow());
+}
+
+void SettingsSidebar::select(SettingsPane pane) {
+    const auto* const found = std::ranges::find(allSettingsPanes, pane);
+    setCurrentRow(static_cast<int>(found - allSettingsPanes.begin()));
+}
+
+QItemSelectionModel::SelectionFlags SettingsSidebar::selectionCommand(const QModelIndex& index,
+                                                                      const QEvent* /*event*/) const {
+    // A click beside the rows, or one with Control, would leave the window without a pane.
+    return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
+}
+
+bool SettingsSidebar::event(QEvent* event) {
+    const bool isHandled = QListWidget::event(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        adopt();
+    } else if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate) {
+        viewport()->update();
+    }
+    return isHandled;
+}
+
+void SettingsSidebar::focusInEvent(QFocusEvent* event) {
+    QListWidget::focusInEvent(event);
+    viewport()->update();
+}
+
+void SettingsSidebar::focusOutEvent(QFocusEvent* event) {
+    QListWidget::focusOutEvent(event);
+    viewport()->update();
+}
+
+}  // namespace ferrowyn

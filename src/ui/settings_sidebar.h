@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QListWidget>
+
+#include "core/settings_pane.h"
+
+namespace ferrowyn {
+
+/// The list of panes. The arrow keys and the mouse choose one; it always has one chosen. Main thread.
+class SettingsSidebar final : public QListWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int width = 190;
+
+    explicit SettingsSidebar(const WindowTexts& texts);
+
+    [[nodiscard]] SettingsPane selection() const;
+    void select(SettingsPane pane);
+
+protected:
+    bool event(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                                       const QEvent* event) const override;
+
+private:
+    void adopt();
+};
+
+}  // namespace ferrowyn

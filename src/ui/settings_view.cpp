@@ -1,0 +1,73 @@
+#include "ui/settings_view.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QStackedWidget>
+
+#include "core/text_table.h"
+#include "platform/platform.h"
+#include "ui/about_pane.h"
+#include "ui/appearance_pane.h"
+#include "ui/favourites_pane.h"
+#include "ui/general_pane.h"
+#include "ui/settings_sidebar.h"
+#include "ui/shortcut_pane.h"
+#include "ui/window_theme.h"
+#include "ui/windows_pane.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr QSize firstSize(720, 500);
+constexpr QSize leastSize(560, 340);
+
+}  // namespace
+
+SettingsView::SettingsView(const Platform& platform, const SettingsServices& services) {
+    const WindowTexts& texts = platform.texts.windows;
+    sidebar_ = new SettingsSidebar(texts);
+    panes_ = new QStackedWidget;
+    // In the order of the sidebar.
+    panes_->addWidget(new GeneralPane(texts, services));
+    panes_->addWidget(new ShortcutPane(platform.texts, services.preferences));
+    panes_->addWidget(new AppearancePane(texts, services.preferences));
+    panes_->addWidget(new WindowsPane(texts, services.preferences));
+    panes_->addWidget(new FavouritesPane(platform, services));
+    panes_->addWidget(new AboutPane(platform));
+
+    auto* const line = new QHBoxLayout(this);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(1);
+    line->addWidget(sidebar_);
+    line->addWidget(panes_, 1);
+    setMinimumSize(leastSize);
+    connect(sidebar_, &QListWidget::currentRowChanged, panes_, &QStackedWidget::setCurrentIndex);
+    setFocusProxy(sidebar_);
+}
+
+SettingsView::~SettingsView() = default;
+
+SettingsPane SettingsView::selection() const {
+    return sidebar_->selection();
+}
+
+void SettingsView::select(SettingsPane pane) {
+    sidebar_->select(pane);
+}
+
+QSize SettingsView::sizeHint() const {
+    return firstSize;
+}
+
+void SettingsView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    const WindowTheme theme = WindowTheme::current();
+    painter.fillRect(rect(), theme.ground);
+    const int edge = sidebar_->geometry().right() + 1;
+    painter.fillRect(QRect(0, 0, edge, height()), theme.sidebar);
+    const double hairline = 1 / painter.deviceTransform().m11();
+    painter.fillRect(QRectF(edge, 0, hairline, height()), theme.hairline);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,72 @@
+#include "ui/text_label.h"
+
+#include <QEvent>
+#include <QPainter>
+
+#include "ui/translated.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr int behindSymbol = 9;
+
+}  // namespace
+
+TextLabel::TextLabel(TextStyle style, Tone tone, QWidget* parent) : QLabel(parent), style_(style), tone_(tone) {
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    adopt();
+}
+
+TextLabel::TextLabel(const Phrase& text, TextStyle style, Tone tone) : TextLabel(style, tone) {
+    setPhrase(text);
+}
+
+void TextLabel::setPhrase(const Phrase& text) {
+    setText(translated(text));
+}
+
+void TextLabel::setSymbol(std::string_view name, Tone tone, double side) {
+    symbol_ = name;
+    symbolTone_ = tone;
+    symbolSide_ = side;
+    QMargins margins = contentsMargins();
+    margins.setLeft(name.empty() ? 0 : static_cast<int>(side) + behindSymbol);
+    setContentsMargins(margins);
+    update();
+}
+
+bool TextLabel::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::ApplicationFontChange) {
+        const bool isHandled = QLabel::event(event);
+        adopt();
+        return isHandled;
+    }
+    return QLabel::event(event);
+}
+
+void TextLabel::adopt() {
+    setFont(fontFor(style_));
+    QPalette own;
+    own.setColor(QPalette::WindowText, WindowTheme::current().color(tone_));
+    setPalette(own);
+}
+
+void TextLabel::paintEvent(QPaintEvent* event) {
+    QLabel::paintEvent(event);
+    if (symbol_.empty()) {
+        return;
+    }
+    QPainter painter(this);
+    // Beside the first line.
+    const double middle = contentsRect().height() > 2 * fontMetrics().height()
+                              ? contentsRect().top() + fontMetrics().height() / 2.0
+                              : contentsRect().center().y() + 0.5;
+    symbols_.paint(painter, symbol_, symbolSide_ / 2, middle, symbolSide_, WindowTheme::current().color(symbolTone_));
+}
+
+}  // namespace ferrowyn

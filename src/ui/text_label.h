@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QLabel>
+#include <string>
+#include <string_view>
+
+#include "core/phrase.h"
+#include "ui/symbol_images.h"
+#include "ui/text_style.h"
+#include "ui/window_theme.h"
+
+namespace ferrowyn {
+
+/// A text of the windows, on as many lines as it needs, with a symbol before it where one is set. It follows the
+/// desktop's colours and fonts. Main thread.
+class TextLabel final : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit TextLabel(TextStyle style, Tone tone = Tone::primary, QWidget* parent = nullptr);
+    TextLabel(const Phrase& text, TextStyle style, Tone tone = Tone::primary);
+
+    void setPhrase(const Phrase& text);
+    /// An empty name shows none.
+    void setSymbol(std::string_view name, Tone tone, double side = 16);
+    [[nodiscard]] const std::string& symbol() const { return symbol_; }
+    [[nodiscard]] Tone symbolTone() const { return symbolTone_; }
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void adopt();
+
+    TextStyle style_;
+    Tone tone_;
+    std::string symbol_;
+    Tone symbolTone_ = Tone::primary;
+    double symbolSide_ = 0;
+    SymbolImages symbols_;
+};
+
+}  // namespace ferrowyn

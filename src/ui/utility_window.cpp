@@ -1,0 +1,75 @@
+#include "ui/utility_window.h"
+
+#include <QCloseEvent>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QShortcut>
+#include <QVBoxLayout>
+#include <QWindow>
+#include <algorithm>
+#include <utility>
+
+namespace ferrowyn {
+
+UtilityWindow::UtilityWindow(std::unique_ptr<QWidget> content, bool isResizable) : QWidget(nullptr, Qt::Window) {
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSizeConstraint(isResizable ? QLayout::SetMinimumSize : QLayout::SetFixedSize);
+    layout->addWidget(content.release());
+    auto closing = QKeySequence::keyBindings(QKeySequence::Close);
+    closing.append(QKeySequence(Qt::Key_Escape));
+    for (const QKeySequence& keys : std::as_const(closing)) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+    }
+    if (isResizable) {
+        resize(sizeHint());
+    }
+}
+
+void UtilityWindow::centre() {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (screen == nullptr) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    if (screen == nullptr) {
+        return;
+    }
+    ensurePolished();
+    layout()->activate();
+    const QRect area = screen->availableGeometry();
+    QRect place(QPoint(), size());
+    place.moveCenter(area.center());
+    // One that is larger than the screen shows its beginning.
+    place.moveLeft(std::max(place.left(), area.left()));
+    place.moveTop(std::max(place.top(), area.top()));
+    move(place.topLeft());
+}
+
+void UtilityWindow::closeEvent(QCloseEvent* event) {
+    if (onWillClose) {
+        onWillClose();
+    }
+    QWidget::closeEvent(event);
+}
+
+bool UtilityWindow::event(QEvent* event) {
+    if (event->type() == QEvent::Show) {
+        wasExposed_ = false;
+        windowHandle()->removeEventFilter(this);
+        windowHandle()->installEventFilter(this);
+    }
+    return QWidget::event(event);
+}
+
+bool UtilityWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose && !wasExposed_ && windowHandle()->isExposed()) {
+        wasExposed_ = true;
+        if (onExposed) {
+            onExposed();
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace ferrowyn
