@@ -88,6 +88,9 @@ std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const cha
         if (argument == "--version") {
             return CommandLine{.action = CommandLine::Action::showVersion};
         }
+        if (argument == "--doctor") {
+            return CommandLine{.action = CommandLine::Action::examineSession};
+        }
         if (applyFlag(line, argument)) {
             continue;
         }
@@ -130,6 +133,8 @@ std::string_view helpText() {
            "  --log-level=debug|default|error  What to log, and log to standard error as well as to the\n"
            "                                   journal; without it only a terminal gets the messages\n"
            "  --dbus-service                   For the session bus, which starts the program with it\n"
+           "  --doctor                         Say what is right and wrong in this session, for you and for a\n"
+           "                                   bug report; the exit status is 0 when switching can work\n"
            "  -h, --help                       Show this text\n"
            "  --version                        Show the version\n";
 }

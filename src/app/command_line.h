@@ -13,7 +13,7 @@ namespace ferrowyn {
 
 /// What the user asks of the program when starting it.
 struct CommandLine {
-    enum class Action { run, showHelp, showVersion };
+    enum class Action { run, showHelp, showVersion, examineSession };
     enum class Desktop { x11, simulated };
 
     Action action = Action::run;
@@ -34,7 +34,7 @@ struct CommandLineError {
 };
 
 /// `arguments` without the program's name. A value stands after "=" or as the next argument; the last of several
-/// values or requests counts. Help and version win over everything that follows them.
+/// values or requests counts. Help, version and doctor win over everything that follows them.
 [[nodiscard]] std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments);
 
 [[nodiscard]] std::string_view helpText();

@@ -22,8 +22,8 @@ struct Atoms {
     xcb_atom_t request;
 
     static Atoms of(const X11Connection& connection) {
-        const auto selectionName = fmt::format("_FERROWYN_INSTANCE_{}", getuid());
-        const auto atoms = connection.internAtoms({selectionName, "_FERROWYN_REQUEST"});
+        const auto selection = SingleInstance::selectionName();
+        const auto atoms = connection.internAtoms({selection, "_FERROWYN_REQUEST"});
         return {atoms[0], atoms[1]};
     }
 };
@@ -94,6 +94,10 @@ bool waitUntilDestroyed(const X11Connection& connection, xcb_window_t window, st
 }
 
 }  // namespace
+
+std::string SingleInstance::selectionName() {
+    return fmt::format("_FERROWYN_INSTANCE_{}", getuid());
+}
 
 std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connection> connection,
                                                       ProgramRequest otherwiseAsk) {

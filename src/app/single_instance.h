@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "app/program_request.h"
 
@@ -19,6 +20,8 @@ class X11Connection;
 /// goes. Main thread.
 class SingleInstance {
 public:
+    /// The selection that the running program owns.
+    [[nodiscard]] static std::string selectionName();
     /// Null when another program has the claim; the request has been passed to it then.
     [[nodiscard]] static std::unique_ptr<SingleInstance> claim(std::unique_ptr<X11Connection> connection,
                                                                ProgramRequest otherwiseAsk);

@@ -24,6 +24,13 @@ TEST(CommandLineTest, WithoutArgumentsTheProgramRunsOnX11) {
     EXPECT_EQ(line({}).logLevel, std::nullopt);
 }
 
+TEST(CommandLineTest, TheDoctorWinsOverWhatFollows) {
+    EXPECT_EQ(line({"--doctor"}).action, CommandLine::Action::examineSession);
+    EXPECT_EQ(line({"--log-level=debug", "--doctor", "nonsense"}).action, CommandLine::Action::examineSession);
+    EXPECT_EQ(error({"--doctor=x"}), "unknown option \"--doctor=x\"");
+    EXPECT_THAT(std::string(helpText()), HasSubstr("--doctor"));
+}
+
 TEST(CommandLineTest, ReadsTheDesktop) {
     EXPECT_EQ(line({"--platform=x11"}).desktop, CommandLine::Desktop::x11);
     EXPECT_EQ(line({"--platform=simulated"}).desktop, CommandLine::Desktop::simulated);
