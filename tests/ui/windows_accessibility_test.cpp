@@ -3,6 +3,7 @@
 
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/about_view.h"
+#include "ui/choice_box.h"
 #include "ui/onboarding_view.h"
 #include "ui/settings_sidebar.h"
 #include "ui/utility_window.h"
@@ -136,6 +137,15 @@ TEST_F(WindowsAccessibilityTest, NotesDescribeTheirControls) {
 
 TEST_F(WindowsAccessibilityTest, ChoicesHaveTheirRoles) {
     EXPECT_THAT(heard(open(SettingsPane::shortcut)), Contains(Read(Role::ComboBox, "Summon with")));
+    QAccessibleInterface* const trigger = QAccessible::queryAccessibleInterface(view.findChild<ChoiceBox*>());
+    EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Option + Tab"));
+    model.preferences.modifier.set(SwitcherModifier::control);
+    EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Control + Tab"));
+    EXPECT_FALSE(trigger->state().expanded);
+    trigger->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    EXPECT_TRUE(trigger->state().expanded);
+    trigger->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    EXPECT_FALSE(trigger->state().expanded);
     const auto appearance = heard(open(SettingsPane::appearance));
     EXPECT_THAT(appearance, Contains(Read(Role::RadioButton, "Grouped")));
     EXPECT_THAT(appearance, Contains(Read(Role::SpinBox, "Show up to 9 rows before scrolling")));
