@@ -22,8 +22,9 @@ demo_packages=(
 
 # The private desktops of the tests.
 test_packages=(
-  at-spi2-core libbenchmark-dev libgmock-dev libgtest-dev python3
-  dbus dbus-bin dbus-daemon i3-wm icewm kwin-x11 metacity mutter openbox picom xfwm4 xfconf
+  at-spi2-core libbenchmark-dev libgmock-dev libglib2.0-bin libgtest-dev openssl python3
+  dbus dbus-bin dbus-daemon dex i3-wm icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
+  xfce4-panel xfwm4 xfconf
   x11-utils x11-xkb-utils x11-xserver-utils xinput xterm xvfb xkb-data
 )
 

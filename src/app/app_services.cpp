@@ -9,6 +9,7 @@
 #include "input/switcher_controller.h"
 #include "input/switcher_panel.h"
 #include "input/window_activator.h"
+#include "platform/application.h"
 #include "platform/log.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"
@@ -32,9 +33,12 @@ AppServices::AppServices(const Platform& platform, const SwitcherContentFactory&
       iconProvider_(platform.icons, platform.workspace),
       windowIndex_(platform),
       hotKeyMonitor_(platform, preferences_->modifier.get()),
+      launchAtLogin_(platform),
       favourites_(platform.userDefaults, platform.workspace),
+      updates_(platform, AppVersion(platform.application.bundleInfo().shortVersion.value_or("1.0"))),
       switcher_(makeSwitcher(makeContent)) {
     wireHotKeyMonitor();
+    updates_.checkIfDue(preferences_->automaticUpdateChecks.get());
     followTrust();
 }
 

@@ -11,7 +11,9 @@
 #include "services/accessibility_authorizer.h"
 #include "services/favourites_store.h"
 #include "services/icon_provider.h"
+#include "services/launch_at_login_service.h"
 #include "services/preferences.h"
+#include "services/update_checker.h"
 
 namespace ferrowyn {
 
@@ -47,7 +49,9 @@ public:
     [[nodiscard]] IconProvider& iconProvider() { return iconProvider_; }
     [[nodiscard]] WindowIndex& windowIndex() { return windowIndex_; }
     [[nodiscard]] HotKeyMonitor& hotKeyMonitor() { return hotKeyMonitor_; }
+    [[nodiscard]] LaunchAtLoginService& launchAtLogin() { return launchAtLogin_; }
     [[nodiscard]] FavouritesStore& favourites() { return favourites_; }
+    [[nodiscard]] UpdateChecker& updates() { return updates_; }
     [[nodiscard]] SwitcherController& switcher() { return *switcher_; }
 
 private:
@@ -66,7 +70,9 @@ private:
     IconProvider iconProvider_;
     WindowIndex windowIndex_;
     HotKeyMonitor hotKeyMonitor_;
+    LaunchAtLoginService launchAtLogin_;
     FavouritesStore favourites_;
+    UpdateChecker updates_;
     std::unique_ptr<SwitcherController> switcher_;
 
     Subscription tapRetry_;

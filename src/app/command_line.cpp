@@ -61,6 +61,20 @@ std::optional<CommandLineError> apply(CommandLine& line, std::string_view option
     return std::nullopt;
 }
 
+/// Whether it is one of the options without a value that say what to do.
+bool applyFlag(CommandLine& line, std::string_view argument) {
+    if (argument == "--dbus-service") {
+        line.isStartedByBus = true;
+        return true;
+    }
+    const auto request = argument.starts_with("--") ? programRequestNamed(argument.substr(2)) : std::nullopt;
+    if (!request) {
+        return false;
+    }
+    line.request = request;
+    return true;
+}
+
 }  // namespace
 
 std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments) {
@@ -73,6 +87,12 @@ std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const cha
         }
         if (argument == "--version") {
             return CommandLine{.action = CommandLine::Action::showVersion};
+        }
+        if (argument == "--doctor") {
+            return CommandLine{.action = CommandLine::Action::examineSession};
+        }
+        if (applyFlag(line, argument)) {
+            continue;
         }
         const auto equals = argument.find('=');
         const auto option = argument.substr(0, equals);
@@ -101,11 +121,20 @@ std::string_view helpText() {
            "\n"
            "Switches between all open windows: hold Alt and press Tab.\n"
            "\n"
+           "Of the Ferrowyn that runs, which the first three start if there is none:\n"
+           "  --show                           Open the switcher; it stays open without a key held\n"
+           "  --settings                       Open the settings\n"
+           "  --setup                          Open the setup guide; a second start does the same\n"
+           "  --quit                           End it\n"
+           "\n"
            "Options:\n"
            "  --platform=x11|simulated         The desktop to work on: the X11 session (the default),\n"
            "                                   or a simulated one without a display, for trying out\n"
            "  --log-level=debug|default|error  What to log, and log to standard error as well as to the\n"
            "                                   journal; without it only a terminal gets the messages\n"
+           "  --dbus-service                   For the session bus, which starts the program with it\n"
+           "  --doctor                         Say what is right and wrong in this session, for you and for a\n"
+           "                                   bug report; the exit status is 0 when switching can work\n"
            "  -h, --help                       Show this text\n"
            "  --version                        Show the version\n";
 }

@@ -6,19 +6,24 @@
 #include <string_view>
 #include <variant>
 
+#include "app/program_request.h"
 #include "platform/log.h"
 
 namespace ferrowyn {
 
 /// What the user asks of the program when starting it.
 struct CommandLine {
-    enum class Action { run, showHelp, showVersion };
+    enum class Action { run, showHelp, showVersion, examineSession };
     enum class Desktop { x11, simulated };
 
     Action action = Action::run;
     Desktop desktop = Desktop::x11;
     /// Absent when the user did not ask for a level.
     std::optional<LogLevel> logLevel;
+    /// What to ask of the program that runs, or to do first when this start becomes the running one.
+    std::optional<ProgramRequest> request;
+    /// The session bus starts the program and says next what for.
+    bool isStartedByBus = false;
 
     friend bool operator==(const CommandLine&, const CommandLine&) = default;
 };
@@ -29,7 +34,7 @@ struct CommandLineError {
 };
 
 /// `arguments` without the program's name. A value stands after "=" or as the next argument; the last of several
-/// values counts. Help and version win over everything that follows them.
+/// values or requests counts. Help, version and doctor win over everything that follows them.
 [[nodiscard]] std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments);
 
 [[nodiscard]] std::string_view helpText();

@@ -1,11 +1,20 @@
+#include <QCoreApplication>
 #include <iostream>
 #include <span>
 #include <variant>
 
 #include "app/command_line.h"
+#include "app/doctor.h"
 #include "app/program.h"
 
 namespace {
+
+int examine(int& argumentCount, char** arguments) {
+    const QCoreApplication application(argumentCount, arguments);
+    const auto report = ferrowyn::examineSession(FERROWYN_VERSION);
+    std::cout << ferrowyn::formatted(report);
+    return ferrowyn::switchingCanWork(report) ? ferrowyn::exit_status::success : ferrowyn::exit_status::unusableDesktop;
+}
 
 int run(const ferrowyn::CommandLine& line, int& argumentCount, char** arguments) {
     using ferrowyn::CommandLine;
@@ -16,6 +25,8 @@ int run(const ferrowyn::CommandLine& line, int& argumentCount, char** arguments)
         case CommandLine::Action::showVersion:
             std::cout << "ferrowyn " << FERROWYN_VERSION << "\n";
             return ferrowyn::exit_status::success;
+        case CommandLine::Action::examineSession:
+            return examine(argumentCount, arguments);
         case CommandLine::Action::run:
             break;
     }

@@ -8,10 +8,13 @@ namespace ferrowyn {
 /// Exit statuses, as the shell sees them.
 namespace exit_status {
 inline constexpr int success = 0;
-/// The desktop cannot be worked with.
+/// The desktop cannot be worked with, or no program runs that could do what is asked.
 inline constexpr int unusableDesktop = 1;
 inline constexpr int badCommandLine = 2;
 }  // namespace exit_status
+
+/// For the user.
+inline constexpr const char* notRunningMessage = "ferrowyn: Ferrowyn is not running on this display.";
 
 /// Someone who asks for a level wants to read the log: then it goes to standard error in any case.
 [[nodiscard]] inline JournalLog makeLog(const CommandLine& line) {

@@ -1,14 +1,19 @@
 #include <QApplication>
 #include <QTimer>
 #include <chrono>
+#include <iostream>
+#include <memory>
 
-#include "app/app_services.h"
+#include "app/app_delegate.h"
 #include "app/demo_desktop.h"
+#include "app/outside_requests.h"
 #include "app/program.h"
+#include "app/qt_user_interface.h"
 #include "app/termination_signals.h"
 #include "platform/linux/journal_log.h"
+#include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "ui/switcher_content.h"
+#include "platform/simulated/simulated_status_item.h"
 
 namespace ferrowyn {
 
@@ -44,6 +49,11 @@ Platform withLog(const Platform& platform, Log& log) {
 }  // namespace
 
 int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** arguments) {
+    if (line.request == ProgramRequest::quit) {
+        // Each has a desktop of its own.
+        std::cerr << notRunningMessage << "\n";
+        return exit_status::unusableDesktop;
+    }
     // There may be no display at all.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argumentCount, arguments);
@@ -55,7 +65,10 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
     const Platform platform = withLog(desktop.platform(), log);
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
-    AppServices services(platform, switcherContentFactory(platform.texts));
+    QtUserInterface userInterface(platform, [] { return std::make_unique<SimulatedStatusItem>(); });
+    AppDelegate delegate(platform, userInterface);
+    delegate.applicationDidFinishLaunching();
+    const OutsideRequests requests(platform, delegate, line);
 
     auto last = std::chrono::steady_clock::now();
     QTimer clock;
@@ -63,10 +76,13 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
         const auto now = std::chrono::steady_clock::now();
         desktop.advance(now - last);
         last = now;
+        if (desktop.application().terminationCount > 0) {
+            QCoreApplication::quit();
+        }
     });
     clock.start(tick);
     const int status = QApplication::exec();
-    services.terminate();
+    delegate.applicationWillTerminate();
     return status;
 }
 

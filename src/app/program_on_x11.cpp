@@ -1,24 +1,35 @@
 #include <QApplication>
+#include <chrono>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 
-#include "app/app_services.h"
+#include "app/app_delegate.h"
+#include "app/outside_requests.h"
 #include "app/program.h"
+#include "app/qt_user_interface.h"
 #include "app/session_check.h"
 #include "app/single_instance.h"
 #include "app/termination_signals.h"
+#include "platform/linux/application_id.h"
+#include "platform/linux/application_service.h"
+#include "platform/linux/linux_tray_icon.h"
+#include "platform/linux/session_lock.h"
 #include "platform/log.h"
 #include "platform/platform.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_platform.h"
 #include "platform/x11/x11_wayland_session.h"
-#include "services/accessibility_authorizer.h"
-#include "ui/switcher_content.h"
+#include "ui/popup_status_item.h"
+#include "ui/tray_symbol.h"
 
 namespace ferrowyn {
 
 namespace {
+
+constexpr std::chrono::seconds patienceWithEnding{10};
 
 int refuse(const std::string& message) {
     std::cerr << message << "\n";
@@ -31,46 +42,77 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setDesktopFileName(QString::fromUtf8(applicationId.data(), applicationId.size()));
 
-    std::string error;
     const auto desktop = X11Platform::create(
-        {.minimumLogLevel = line.logLevel.value_or(LogLevel::standard), .mirrorsLog = line.logLevel.has_value()},
-        error);
+        {.minimumLogLevel = line.logLevel.value_or(LogLevel::standard), .mirrorsLog = line.logLevel.has_value()});
     if (!desktop) {
-        return refuse("ferrowyn: " + error);
+        return refuse(unreachableDisplayMessage(SessionEnvironment::current()));
     }
     const Platform& platform = desktop->platform();
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
-    AppServices services(platform, switcherContentFactory(platform.texts));
-    instance.listen([&log = platform.log] { log.write(LogLevel::standard, "ui", "Ferrowyn was started again"); });
-    if (services.authorizer().status().get() == AccessibilityStatus::notTrusted) {
-        // Says what is missing, and what to do; the services start by themselves once it is there.
-        services.authorizer().requestTrust();
-    }
+    const auto trayIcon = desktop->makeTrayIcon(traySymbol);
+    QtUserInterface userInterface(platform, [&] {
+        return std::make_unique<PopupStatusItem>(*trayIcon, platform.texts, [&] { return desktop->isComposited(); });
+    });
+    AppDelegate delegate(platform, userInterface);
+    desktop->setSettingsPageHandler([&delegate](std::string_view url) { return delegate.showSettingsPage(url); });
+    delegate.applicationDidFinishLaunching();
+    OutsideRequests requests(platform, delegate, line);
+    requests.offerOnBus(SessionLock::Buses::fromEnvironment().session);
+    instance.listen([&requests](ProgramRequest request) { requests.perform(request); });
     platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     const int status = QApplication::exec();
-    services.terminate();
+    delegate.applicationWillTerminate();
     return status;
+}
+
+int endRunning(const X11Connection& connection) {
+    switch (SingleInstance::endRunning(connection, patienceWithEnding)) {
+        case SingleInstance::Ending::ended:
+            return exit_status::success;
+        case SingleInstance::Ending::nobodyRan:
+            std::cerr << notRunningMessage << "\n";
+            break;
+        case SingleInstance::Ending::stillRuns:
+            std::cerr << "ferrowyn: Ferrowyn was asked to quit, but still runs.\n";
+            break;
+    }
+    return exit_status::unusableDesktop;
+}
+
+/// From where no display can be reached (another terminal, a remote shell), a program that runs in the session can be.
+bool askOverBus(ProgramRequest request, int& argumentCount, char** arguments) {
+    const auto bus = SessionLock::Buses::fromEnvironment().session;
+    const QCoreApplication application(argumentCount, arguments);
+    return bus && activateActionOfRunningApplication(*bus, std::string(nameOf(request)));
 }
 
 }  // namespace
 
 int runOnX11(const CommandLine& line, int& argumentCount, char** arguments) {
     const auto environment = SessionEnvironment::current();
-    if (const auto refusal = sessionRefusal(environment)) {
-        return refuse(*refusal);
-    }
-    auto connection = X11Connection::open();
+    auto refusal = sessionRefusal(environment);
+    auto connection = refusal ? nullptr : X11Connection::open();
     if (!connection) {
-        return refuse(unreachableDisplayMessage(environment));
+        if (line.request && askOverBus(*line.request, argumentCount, arguments)) {
+            return exit_status::success;
+        }
+        return refuse(refusal ? *refusal : unreachableDisplayMessage(environment));
     }
     if (isServerOfWaylandSession(connection->get(), connection->root())) {
         return refuse(waylandMessage());
     }
-    const auto instance = SingleInstance::claim(std::move(connection));
+    if (line.request == ProgramRequest::quit) {
+        return endRunning(*connection);
+    }
+    const auto instance =
+        SingleInstance::claim(std::move(connection), line.request.value_or(ProgramRequest::openSetup));
     if (!instance) {
-        std::cout << "Ferrowyn is already running on this display.\n";
+        if (!line.request) {
+            std::cout << "Ferrowyn is already running on this display.\n";
+        }
         return exit_status::success;
     }
     return runAlone(line, *instance, argumentCount, arguments);

@@ -1,9 +1,13 @@
 #include "app/single_instance.h"
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <QSocketNotifier>
+#include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "platform/x11/x11_connection.h"
@@ -13,6 +17,17 @@ namespace ferrowyn {
 
 namespace {
 
+struct Atoms {
+    xcb_atom_t selection;
+    xcb_atom_t request;
+
+    static Atoms of(const X11Connection& connection) {
+        const auto selection = SingleInstance::selectionName();
+        const auto atoms = connection.internAtoms({selection, "_FERROWYN_REQUEST"});
+        return {atoms[0], atoms[1]};
+    }
+};
+
 xcb_window_t createHiddenWindow(const X11Connection& connection) {
     const auto window = xcb_generate_id(connection.get());
     xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, connection.root(), -1, -1, 1, 1, 0,
@@ -20,14 +35,32 @@ xcb_window_t createHiddenWindow(const X11Connection& connection) {
     return window;
 }
 
-void tellOfSecondStart(xcb_connection_t* connection, xcb_window_t owner, xcb_atom_t startedAgain) {
+xcb_window_t ownerOf(xcb_connection_t* connection, xcb_atom_t selection) {
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr));
+    return reply ? reply->owner : xcb_window_t{XCB_NONE};
+}
+
+void send(xcb_connection_t* connection, xcb_window_t owner, xcb_atom_t type, ProgramRequest request) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = owner;
-    message.type = startedAgain;
+    message.type = type;
+    message.data.data32[0] = static_cast<std::uint32_t>(request);
     // Without an event mask it goes to the client that made the window.
     xcb_send_event(connection, 0, owner, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&message));
+}
+
+/// Something that a program of another version asks, and this one does not know, is nothing.
+std::optional<ProgramRequest> requestIn(const xcb_client_message_event_t& message) {
+    const auto code = message.data.data32[0];
+    for (const auto& [request, name] : programRequestNames) {
+        if (static_cast<std::uint32_t>(request) == code) {
+            return request;
+        }
+    }
+    return std::nullopt;
 }
 
 /// Returns when the server has done everything asked so far.
@@ -36,52 +69,93 @@ void synchronize(xcb_connection_t* connection) {
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
+/// Whether the window, whose end was asked to be told, is gone in time.
+bool waitUntilDestroyed(const X11Connection& connection, xcb_window_t window, std::chrono::milliseconds patience) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (connection.isAlive()) {
+        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.get())}) {
+            const auto type = event->response_type & 0x7FU;
+            const bool isDestroyed = type == XCB_DESTROY_NOTIFY &&
+                                     reinterpret_cast<const xcb_destroy_notify_event_t*>(event.get())->window == window;
+            // The one error there can be: the window had gone before it was asked about.
+            if (isDestroyed || type == 0) {
+                return true;
+            }
+        }
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) {
+            return false;
+        }
+        pollfd readable{.fd = connection.fileDescriptor(), .events = POLLIN, .revents = 0};
+        poll(&readable, 1, static_cast<int>(left.count()));
+    }
+    return true;  // With the server, all its clients are gone.
+}
+
 }  // namespace
 
-std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connection> connection) {
-    auto* server = connection->get();
-    const auto selectionName = fmt::format("_FERROWYN_INSTANCE_{}", getuid());
-    const auto atoms = connection->internAtoms({selectionName, "_FERROWYN_STARTED_AGAIN"});
-    const auto selection = atoms[0];
-    const auto startedAgain = atoms[1];
+std::string SingleInstance::selectionName() {
+    return fmt::format("_FERROWYN_INSTANCE_{}", getuid());
+}
 
+std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connection> connection,
+                                                      ProgramRequest otherwiseAsk) {
+    auto* server = connection->get();
+    const auto atoms = Atoms::of(*connection);
     // Of two programs that start at the same time, one looks only after the other has claimed.
     xcb_grab_server(server);
-    const auto cookie = xcb_get_selection_owner(server, selection);
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(server, cookie, nullptr));
-    const auto owner = reply ? reply->owner : xcb_window_t{XCB_NONE};
+    const auto owner = ownerOf(server, atoms.selection);
     if (owner == XCB_NONE) {
-        xcb_set_selection_owner(server, createHiddenWindow(*connection), selection, XCB_CURRENT_TIME);
+        xcb_set_selection_owner(server, createHiddenWindow(*connection), atoms.selection, XCB_CURRENT_TIME);
     } else {
-        tellOfSecondStart(server, owner, startedAgain);
+        send(server, owner, atoms.request, otherwiseAsk);
     }
     xcb_ungrab_server(server);
     synchronize(server);
     if (owner != XCB_NONE) {
         return nullptr;
     }
-    return std::unique_ptr<SingleInstance>(new SingleInstance(std::move(connection), startedAgain));
+    return std::unique_ptr<SingleInstance>(new SingleInstance(std::move(connection), atoms.request));
 }
 
-SingleInstance::SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t startedAgain)
-    : connection_(std::move(connection)), startedAgain_(startedAgain) {}
+SingleInstance::Ending SingleInstance::endRunning(const X11Connection& connection, std::chrono::milliseconds patience) {
+    auto* server = connection.get();
+    const auto atoms = Atoms::of(connection);
+    const auto owner = ownerOf(server, atoms.selection);
+    if (owner == XCB_NONE) {
+        return Ending::nobodyRan;
+    }
+    // Its end is told as that of its window, which goes when everything else that it held has been given back.
+    const std::uint32_t wanted = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(server, owner, XCB_CW_EVENT_MASK, &wanted);
+    send(server, owner, atoms.request, ProgramRequest::quit);
+    synchronize(server);
+    return waitUntilDestroyed(connection, owner, patience) ? Ending::ended : Ending::stillRuns;
+}
+
+SingleInstance::SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t requestType)
+    : connection_(std::move(connection)), requestType_(requestType) {}
 
 SingleInstance::~SingleInstance() = default;
 
-void SingleInstance::listen(std::function<void()> onSecondStart) {
-    onSecondStart_ = std::move(onSecondStart);
+void SingleInstance::listen(std::function<void(ProgramRequest)> onRequest) {
+    onRequest_ = std::move(onRequest);
     notifier_ = std::make_unique<QSocketNotifier>(connection_->fileDescriptor(), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { readEvents(); });
-    // One may have started while the program was still starting: its message is read already, so nothing wakes up.
+    // One may have asked while the program was still starting: its message is read already, so nothing wakes up.
     readEvents();
 }
 
 void SingleInstance::readEvents() {
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
-        const auto type = event->response_type & 0x7FU;
-        if (type == XCB_CLIENT_MESSAGE &&
-            reinterpret_cast<const xcb_client_message_event_t*>(event.get())->type == startedAgain_) {
-            onSecondStart_();
+        if ((event->response_type & 0x7FU) != XCB_CLIENT_MESSAGE) {
+            continue;
+        }
+        const auto& message = *reinterpret_cast<const xcb_client_message_event_t*>(event.get());
+        const auto request = message.type == requestType_ ? requestIn(message) : std::nullopt;
+        if (request) {
+            onRequest_(*request);
         }
     }
     if (!connection_->isAlive()) {

@@ -2,8 +2,12 @@
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
+
+#include "app/program_request.h"
 
 class QSocketNotifier;
 
@@ -11,27 +15,36 @@ namespace ferrowyn {
 
 class X11Connection;
 
-/// Makes this the only running program of its user on its display. The claim is an X selection: the server hands it to
-/// one client at a time, and takes it back when that client goes, however it goes. Main thread.
+/// Makes this the only running program of its user on its display, and carries what later starts ask of it. The claim
+/// is an X selection: the server hands it to one client at a time, and takes it back when that client goes, however it
+/// goes. Main thread.
 class SingleInstance {
 public:
-    /// Null when another program has the claim; it has been told of this start then.
-    [[nodiscard]] static std::unique_ptr<SingleInstance> claim(std::unique_ptr<X11Connection> connection);
+    /// The selection that the running program owns.
+    [[nodiscard]] static std::string selectionName();
+    /// Null when another program has the claim; the request has been passed to it then.
+    [[nodiscard]] static std::unique_ptr<SingleInstance> claim(std::unique_ptr<X11Connection> connection,
+                                                               ProgramRequest otherwiseAsk);
+
+    enum class Ending { nobodyRan, ended, stillRuns };
+    /// Asks the program that runs to quit, and waits until it is gone.
+    [[nodiscard]] static Ending endRunning(const X11Connection& connection, std::chrono::milliseconds patience);
+
     ~SingleInstance();
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
-    /// Calls the handler at each later start. With a QCoreApplication, which outlives this object.
-    void listen(std::function<void()> onSecondStart);
+    /// Calls the handler with what each later start asks. With a QCoreApplication, which outlives this object.
+    void listen(std::function<void(ProgramRequest)> onRequest);
 
 private:
-    SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t startedAgain);
+    SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t requestType);
 
     void readEvents();
 
     std::unique_ptr<X11Connection> connection_;
-    xcb_atom_t startedAgain_;
-    std::function<void()> onSecondStart_;
+    xcb_atom_t requestType_;
+    std::function<void(ProgramRequest)> onRequest_;
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 

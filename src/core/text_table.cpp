@@ -36,6 +36,7 @@ const TextTable& macTexts() {
         .loginItemRefused = "macOS refused the request. Move Ferrowyn to /Applications and try again.",
         .loginItemApproval = "Approve Ferrowyn in System Settings → General → Login Items.",
 
+        .statusItem = macStatusItemTexts(),
         .windows = macWindowTexts(),
     };
     return table;
@@ -64,6 +65,7 @@ const TextTable& linuxTexts() {
             "The system refused the request. Make sure that the autostart folder is yours and try again.",
         .loginItemApproval = "Allow Ferrowyn in your desktop's settings for autostart.",
 
+        .statusItem = linuxStatusItemTexts(),
         .windows = linuxWindowTexts(),
     };
     return table;

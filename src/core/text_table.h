@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/status_item_texts.h"
 #include "core/switcher_modifier.h"
 #include "core/window_texts.h"
 
@@ -37,6 +38,8 @@ struct TextTable {
     /// It is registered, and the user has to allow it.
     std::string_view loginItemApproval;
 
+    /// The status item and its menu.
+    const StatusItemTexts& statusItem;
     /// The settings, setup and about windows.
     const WindowTexts& windows;
 

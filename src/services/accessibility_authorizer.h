@@ -33,11 +33,12 @@ public:
     void requestTrust();
     /// Opens the system's settings where the permission is given.
     void openAccessibilitySettings();
+    /// Looks at the trust again and again, first one interval from now; notifications are not always delivered.
+    void restartBackstopTimer();
 
 private:
     /// The system needs a moment until its answer follows its own notification.
     void scheduleRefresh();
-    void restartBackstopTimer();
     void startSecureInputPolling();
     void readSecureInput();
 

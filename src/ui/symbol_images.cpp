@@ -5,10 +5,7 @@
 #include <QSvgRenderer>
 #include <cmath>
 
-// A static library's resources are linked only when something asks for them; the macro must stand outside namespaces.
-static void loadSymbolResources() {
-    Q_INIT_RESOURCE(ferrowyn);
-}
+#include "ui/resources.h"
 
 namespace ferrowyn {
 
@@ -53,7 +50,7 @@ void SymbolImages::paint(QPainter& painter, std::string_view name, double center
 }
 
 QImage SymbolImages::render(const Key& key) {
-    loadSymbolResources();
+    loadResources();
     QFile file(QStringLiteral(":/ferrowyn/symbols/%1.svg").arg(QString::fromStdString(key.name)));
     if (key.deviceSide < 1 || !file.open(QIODevice::ReadOnly)) {
         return {};

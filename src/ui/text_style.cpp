@@ -21,7 +21,13 @@ Description describe(TextStyle style) {
         case TextStyle::rowAppName:
         case TextStyle::hint:
         case TextStyle::emptyDetail:
+        case TextStyle::menuHeaderSubtitle:
             return {11, QFont::Normal};
+        case TextStyle::menuItem:
+        case TextStyle::menuHeaderTitle:
+            return {13, QFont::Normal};
+        case TextStyle::menuSectionTitle:
+            return {10, QFont::Normal};
         case TextStyle::cardTitle:
             return {12, QFont::DemiBold};
         case TextStyle::cardAppName:

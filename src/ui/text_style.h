@@ -20,6 +20,10 @@ enum class TextStyle {
     hint,
     emptyTitle,
     emptyDetail,
+    menuItem,
+    menuHeaderTitle,
+    menuHeaderSubtitle,
+    menuSectionTitle,
     button,
     // Of the windows beside the panel.
     paneTitle,

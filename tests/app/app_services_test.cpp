@@ -3,7 +3,10 @@
 #include <optional>
 
 #include "input/switcher_controller.h"
+#include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
+#include "platform/simulated/simulated_http_client.h"
+#include "platform/simulated/simulated_login_item.h"
 #include "tests/input/print_log_line.h"
 #include "tests/input/stub_panel_content.h"
 
@@ -138,6 +141,69 @@ TEST_F(AppServicesTest, UseThePreferencesTheyAreGiven) {
     services.emplace(desktop.platform(), stubContentFactory(content), std::move(preferences));
     EXPECT_EQ(&services->preferences(), given);
     EXPECT_EQ(desktop.tapTrigger(), SwitcherModifier::control);
+}
+
+TEST_F(AppServicesTest, ActivateAgainAfterASuspensionWithoutAFailureLeft) {
+    buildQuietly();
+    timeOutFiveTimes();
+    services->suspend();
+    services->activate();
+    EXPECT_EQ(services->inputFailure().get(), std::nullopt);
+    EXPECT_TRUE(services->hotKeyMonitor().isRunning().get());
+}
+
+TEST_F(AppServicesTest, TakeTheVersionOfTheBundle) {
+    desktop.application().bundle.shortVersion = "2.3.1-beta";
+    build();
+    EXPECT_EQ(services->updates().currentVersion().original(), "2.3.1-beta");
+}
+
+TEST_F(AppServicesTest, TakeVersionOneWhenTheBundleHasNone) {
+    desktop.application().bundle.shortVersion = std::nullopt;
+    build();
+    EXPECT_EQ(services->updates().currentVersion().original(), "1.0");
+}
+
+TEST_F(AppServicesTest, KnowWhetherTheProgramStartsAtLogin) {
+    desktop.loginItem().current = LoginItem::Status::enabled;
+    build();
+    EXPECT_TRUE(std::holds_alternative<LaunchAtLoginService::Enabled>(services->launchAtLogin().state().get()));
+    EXPECT_THAT(desktop.loginItem().requests, IsEmpty());
+}
+
+TEST_F(AppServicesTest, CheckForUpdatesAtTheStartWhenNoneWasEverChecked) {
+    build();
+    EXPECT_EQ(desktop.httpClient().requestCount(), 1U);
+    EXPECT_TRUE(std::holds_alternative<UpdateChecker::Checking>(services->updates().state().get()));
+    desktop.advance(std::chrono::hours(72));
+    EXPECT_EQ(desktop.httpClient().requestCount(), 1U) << "only at the start";
+}
+
+TEST_F(AppServicesTest, CheckForUpdatesAtTheStartAgainAfterADay) {
+    const auto now = desktop.wallTime().time_since_epoch().count();
+    desktop.userDefaults().set("updates.lastCheck", now - 25 * 3600.0);
+    build();
+    EXPECT_EQ(desktop.httpClient().requestCount(), 1U);
+}
+
+TEST_F(AppServicesTest, DoNotCheckForUpdatesWithinADay) {
+    const auto now = desktop.wallTime().time_since_epoch().count();
+    desktop.userDefaults().set("updates.lastCheck", now - 23 * 3600.0);
+    build();
+    EXPECT_EQ(desktop.httpClient().requestCount(), 0U);
+    EXPECT_TRUE(std::holds_alternative<UpdateChecker::Idle>(services->updates().state().get()));
+}
+
+TEST_F(AppServicesTest, DoNotCheckForUpdatesWhenTheUserDoesNotWantTo) {
+    desktop.userDefaults().set("updates.automatic", false);
+    build();
+    EXPECT_EQ(desktop.httpClient().requestCount(), 0U);
+}
+
+TEST_F(AppServicesTest, CheckForUpdatesWithoutTrustToo) {
+    desktop.setTrusted(false);
+    build();
+    EXPECT_EQ(desktop.httpClient().requestCount(), 1U);
 }
 
 TEST_F(AppServicesTest, SuspendEverythingWhenTrustIsLost) {

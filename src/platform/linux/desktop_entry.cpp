@@ -6,43 +6,14 @@
 #include <cstddef>
 #include <limits>
 
+#include "platform/linux/desktop_file_text.h"
+
 namespace ferrowyn {
 
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const auto first = text.find_first_not_of(blanks);
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-std::string unescaped(std::string_view text) {
-    std::string result;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] != '\\' || at + 1 == text.size()) {
-            result += text[at];
-            continue;
-        }
-        switch (text[++at]) {
-            case 's':
-                result += ' ';
-                break;
-            case 'n':
-                result += '\n';
-                break;
-            case 't':
-                result += '\t';
-                break;
-            case 'r':
-                result += '\r';
-                break;
-            default:
-                result += text[at];
-        }
-    }
-    return result;
-}
+using desktop_file::trimmed;
+using desktop_file::unescaped;
 
 /// Takes the next argument of a command line, which may be quoted.
 std::string takeArgument(std::string_view& rest) {

@@ -1,20 +1,17 @@
 #include "platform/linux/session_lock.h"
 
-#include <QThread>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/bus_thread.h"
 #include "platform/linux/session_lock_listener.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
 
 namespace {
-
-/// Milliseconds.
-constexpr unsigned long patienceWithBuses = 1000;
 
 std::optional<std::string> busAddress(const char* variable, const std::filesystem::path& socket) {
     if (const char* address = std::getenv(variable); address != nullptr && *address != '\0') {
@@ -35,46 +32,20 @@ SessionLock::Buses SessionLock::Buses::fromEnvironment() {
     };
 }
 
-/// The listener's thread with the listener on it.
-class SessionLock::Thread {
-public:
-    Thread(const Buses& buses, SessionLockListener::Told told)
-        : thread_(std::make_unique<QThread>()), listener_(new SessionLockListener(buses, std::move(told))) {
-        thread_->setObjectName("ferrowyn-lock");
-        listener_->moveToThread(thread_.get());
-        QObject::connect(thread_.get(), &QThread::started, listener_, &SessionLockListener::start);
-        QObject::connect(thread_.get(), &QThread::finished, listener_, &QObject::deleteLater);
-        thread_->start(QThread::LowPriority);
-    }
-    ~Thread() {
-        thread_->quit();
-        if (!thread_->wait(patienceWithBuses)) {
-            // It still waits for a bus that does not answer. The program is ending: better it ends without it.
-            static_cast<void>(thread_.release());
-        }
-    }
-    Thread(const Thread&) = delete;
-    Thread& operator=(const Thread&) = delete;
-
-private:
-    std::unique_ptr<QThread> thread_;
-    /// Deleted on its own thread, when that ends.
-    SessionLockListener* listener_;
-};
-
 SessionLock::SessionLock(MainLoop& mainLoop, const Buses& buses) {
     if (!buses.system && !buses.session) {
         return;
     }
     // What the listener posts may arrive after this object is gone.
     const std::weak_ptr<bool> alive = alive_;
-    thread_ = std::make_unique<Thread>(buses, [this, &mainLoop, alive](bool isLocked) {
+    auto* const listener = new SessionLockListener(buses, [this, &mainLoop, alive](bool isLocked) {
         mainLoop.post([this, alive, isLocked] {
             if (!alive.expired()) {
                 setLocked(isLocked);
             }
         });
     });
+    thread_ = std::make_unique<BusThread>("ferrowyn-lock", listener, [listener] { listener->start(); });
 }
 
 SessionLock::~SessionLock() = default;

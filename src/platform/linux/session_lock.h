@@ -10,6 +10,7 @@
 
 namespace ferrowyn {
 
+class BusThread;
 class MainLoop;
 
 /// Whether the session is locked, from the login manager and the screen saver over D-Bus. Main thread; the buses are
@@ -36,15 +37,13 @@ public:
     [[nodiscard]] Subscription observe(std::function<void(bool isLocked)> handler) const;
 
 private:
-    class Thread;
-
     void setLocked(bool isLocked);
 
     bool isLocked_ = false;
     Subject<bool> changes_;
     /// Dies with this object, for those that must notice on the main thread.
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
-    std::unique_ptr<Thread> thread_;
+    std::unique_ptr<BusThread> thread_;
 };
 
 }  // namespace ferrowyn

@@ -55,6 +55,11 @@ XdgFolders XdgFolders::fromEnvironment() {
     if (folders.dataDirs.empty()) {
         folders.dataDirs = {"/usr/local/share", "/usr/share"};
     }
+    const char* configDirs = std::getenv("XDG_CONFIG_DIRS");
+    folders.configDirs = absolutePaths(configDirs == nullptr ? "" : configDirs);
+    if (folders.configDirs.empty()) {
+        folders.configDirs = {"/etc/xdg"};
+    }
     return folders;
 }
 

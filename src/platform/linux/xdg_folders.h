@@ -11,6 +11,8 @@ struct XdgFolders {
     std::filesystem::path dataHome;
     /// In the order of their importance, after `dataHome`.
     std::vector<std::filesystem::path> dataDirs;
+    /// In the order of their importance, after `configHome`.
+    std::vector<std::filesystem::path> configDirs;
 
     [[nodiscard]] static XdgFolders fromEnvironment();
     /// `dataHome`, then `dataDirs`.

@@ -4,11 +4,15 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDesktopServices>
 #include <QSysInfo>
+#include <QUrl>
 #include <QVersionNumber>
 #include <algorithm>
 #include <utility>
 
+#include "platform/linux/file_manager.h"
 #include "platform/x11/x11_element.h"
 
 namespace ferrowyn {
@@ -48,6 +52,9 @@ void X11Application::terminate() {
     QCoreApplication::quit();
 }
 
-void X11Application::revealInFileManager() {}
+void X11Application::revealInFileManager() {
+    ferrowyn::revealInFileManager(QDBusConnection::sessionBus(), bundleInfo().path,
+                                  [](const QString& address) { QDesktopServices::openUrl(QUrl(address)); });
+}
 
 }  // namespace ferrowyn

@@ -8,14 +8,16 @@
 #include <utility>
 
 #include "core/text_table.h"
+#include "platform/linux/application_id.h"
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/journal_log.h"
+#include "platform/linux/linux_tray_icon.h"
 #include "platform/linux/session_lock.h"
+#include "platform/linux/xdg_login_item.h"
 #include "platform/qt/qt_background_work.h"
+#include "platform/qt/qt_http_client.h"
 #include "platform/qt/qt_main_loop.h"
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_login_item.h"
 #include "platform/x11/x11_accessibility_observers.h"
 #include "platform/x11/x11_application.h"
 #include "platform/x11/x11_compositor.h"
@@ -27,8 +29,8 @@
 #include "platform/x11/x11_panel.h"
 #include "platform/x11/x11_pointer.h"
 #include "platform/x11/x11_screens.h"
+#include "platform/x11/x11_tray_icon.h"
 #include "platform/x11/x11_trust.h"
-#include "platform/x11/x11_wayland_session.h"
 #include "platform/x11/x11_window_control.h"
 #include "platform/x11/x11_window_inventory.h"
 #include "platform/x11/x11_workspace.h"
@@ -43,26 +45,13 @@ struct Connections {
     std::unique_ptr<X11Connection> panel;
 };
 
-std::optional<Connections> openConnections(const std::string& display, std::string& error) {
+std::optional<Connections> openConnections(const std::string& display) {
     const char* const name = display.empty() ? nullptr : display.c_str();
     Connections connections{X11Connection::open(name), X11Connection::open(name), X11Connection::open(name)};
-    if (connections.events && connections.snapshots && connections.panel) {
-        if (isServerOfWaylandSession(connections.events->get(), connections.events->root())) {
-            error = waylandExplanation;
-            return std::nullopt;
-        }
-        return connections;
+    if (!connections.events || !connections.snapshots || !connections.panel) {
+        return std::nullopt;
     }
-    const char* const wanted = name != nullptr ? name : std::getenv("DISPLAY");
-    if (wanted == nullptr || *wanted == '\0') {
-        error = std::getenv("WAYLAND_DISPLAY") != nullptr
-                    ? waylandExplanation
-                    : "No X11 display: DISPLAY is not set. Start Ferrowyn from within an X11 session, or set DISPLAY.";
-    } else {
-        error = "No X11 display: there is no X server at \"" + std::string(wanted) +
-                "\", or it refuses this user. Check DISPLAY and XAUTHORITY.";
-    }
-    return std::nullopt;
+    return connections;
 }
 
 void endProgram(Log& log) {
@@ -81,6 +70,7 @@ bool openAddress(std::string_view url) {
 struct X11Platform::Parts {
     Parts(Connections connections, const X11PlatformOptions& options);
 
+    std::string display;
     QtMainLoop mainLoop;
     JournalLog log;
     QtBackgroundWork backgroundWork;
@@ -104,8 +94,8 @@ struct X11Platform::Parts {
     X11Workspace workspace;
     X11Application application;
     X11IconSource icons;
-    SimulatedHttpClient httpClient;
-    SimulatedLoginItem loginItem;
+    QtHttpClient httpClient;
+    XdgLoginItem loginItem;
     X11EventTaps eventTaps;
     X11Trust trust;
 
@@ -123,7 +113,8 @@ struct X11Platform::Parts {
 };
 
 X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& options)
-    : log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
+    : display(options.display),
+      log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
       folders(XdgFolders::fromEnvironment()),
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
@@ -147,6 +138,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
            .openSettingsPage = [this](std::string_view url) { return openSettingsPage && openSettingsPage(url); }}),
       application(monitor.model(), control),
       icons(monitor, atoms, entries),
+      httpClient(mainLoop, backgroundWork),
+      loginItem(folders, {std::string(applicationId), "Ferrowyn", application.bundleInfo().path}),
       eventTaps(inputContext, log, options.display),
       trust(monitor.model(), inputContext,
             {.isLocked = [this] { return sessionLock.isLocked(); },
@@ -180,8 +173,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     });
 }
 
-std::unique_ptr<X11Platform> X11Platform::create(const X11PlatformOptions& options, std::string& error) {
-    auto connections = openConnections(options.display, error);
+std::unique_ptr<X11Platform> X11Platform::create(const X11PlatformOptions& options) {
+    auto connections = openConnections(options.display);
     if (!connections) {
         return nullptr;
     }
@@ -197,6 +190,22 @@ const Platform& X11Platform::platform() const {
 
 void X11Platform::setSettingsPageHandler(std::function<bool(std::string_view)> handler) {
     parts_->openSettingsPage = std::move(handler);
+}
+
+std::unique_ptr<LinuxTrayIcon> X11Platform::makeTrayIcon(TraySymbolPainter painter) {
+    const auto makeEmbedded = [this, painter]() -> std::unique_ptr<TrayIcon> {
+        auto connection = X11Connection::open(parts_->display.empty() ? nullptr : parts_->display.c_str());
+        if (connection == nullptr) {
+            return nullptr;
+        }
+        return std::make_unique<X11TrayIcon>(std::move(connection), parts_->mainLoop, painter);
+    };
+    return std::make_unique<LinuxTrayIcon>(parts_->mainLoop, parts_->backgroundWork,
+                                           SessionLock::Buses::fromEnvironment().session, painter, makeEmbedded);
+}
+
+bool X11Platform::isComposited() const {
+    return parts_->compositor.isRunning();
 }
 
 }  // namespace ferrowyn

@@ -7,8 +7,11 @@
 
 #include "platform/log.h"
 #include "platform/platform.h"
+#include "platform/qt/tray_symbol_painter.h"
 
 namespace ferrowyn {
+
+class LinuxTrayIcon;
 
 struct X11PlatformOptions {
     /// As in DISPLAY; empty for the environment's.
@@ -26,9 +29,9 @@ struct X11PlatformOptions {
 /// it.
 class X11Platform {
 public:
-    /// Null, with what is missing and what to do about it, when the program cannot run here. A missing window manager
-    /// or input extension is no such case: they are a lack of trust, and a manager may still come.
-    [[nodiscard]] static std::unique_ptr<X11Platform> create(const X11PlatformOptions& options, std::string& error);
+    /// Null when the X server cannot be connected to. A missing window manager or input extension is no such case: they
+    /// are a lack of trust, and a manager may still come.
+    [[nodiscard]] static std::unique_ptr<X11Platform> create(const X11PlatformOptions& options);
     ~X11Platform();
     X11Platform(const X11Platform&) = delete;
     X11Platform& operator=(const X11Platform&) = delete;
@@ -38,6 +41,11 @@ public:
     /// Shows the program's own page for an address of the system settings ("x-apple.systempreferences:…") when the
     /// logic opens one; false from the handler counts as not opened.
     void setSettingsPageHandler(std::function<bool(std::string_view)> handler);
+
+    /// The program's icon in whatever tray this desktop has, now or later. It does not outlive this.
+    [[nodiscard]] std::unique_ptr<LinuxTrayIcon> makeTrayIcon(TraySymbolPainter painter);
+    /// Whether windows may be translucent now.
+    [[nodiscard]] bool isComposited() const;
 
 private:
     struct Parts;

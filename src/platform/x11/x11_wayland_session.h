@@ -8,9 +8,4 @@ namespace ferrowyn {
 /// own clients only. A few round trips.
 [[nodiscard]] bool isServerOfWaylandSession(xcb_connection_t* connection, xcb_window_t root);
 
-/// Why the program cannot work there, for the user.
-inline constexpr const char* waylandExplanation =
-    "This is a Wayland session. Ferrowyn supports X11 so far: under Wayland no program sees the keys that go to "
-    "another one, so its shortcut cannot be captured, XWayland included. Log in to an X11 session to use it.";
-
 }  // namespace ferrowyn

@@ -24,6 +24,13 @@ TEST(CommandLineTest, WithoutArgumentsTheProgramRunsOnX11) {
     EXPECT_EQ(line({}).logLevel, std::nullopt);
 }
 
+TEST(CommandLineTest, TheDoctorWinsOverWhatFollows) {
+    EXPECT_EQ(line({"--doctor"}).action, CommandLine::Action::examineSession);
+    EXPECT_EQ(line({"--log-level=debug", "--doctor", "nonsense"}).action, CommandLine::Action::examineSession);
+    EXPECT_EQ(error({"--doctor=x"}), "unknown option \"--doctor=x\"");
+    EXPECT_THAT(std::string(helpText()), HasSubstr("--doctor"));
+}
+
 TEST(CommandLineTest, ReadsTheDesktop) {
     EXPECT_EQ(line({"--platform=x11"}).desktop, CommandLine::Desktop::x11);
     EXPECT_EQ(line({"--platform=simulated"}).desktop, CommandLine::Desktop::simulated);
@@ -35,6 +42,22 @@ TEST(CommandLineTest, ReadsTheLogLevel) {
     EXPECT_EQ(line({"--log-level=debug"}).logLevel, LogLevel::debug);
     EXPECT_EQ(line({"--log-level=default"}).logLevel, LogLevel::standard);
     EXPECT_EQ(line({"--log-level", "error"}).logLevel, LogLevel::error);
+}
+
+TEST(CommandLineTest, ReadsWhatToAskOfTheProgramThatRuns) {
+    EXPECT_EQ(line({}).request, std::nullopt);
+    EXPECT_EQ(line({"--show"}).request, ProgramRequest::openSwitcher);
+    EXPECT_EQ(line({"--settings"}).request, ProgramRequest::openSettings);
+    EXPECT_EQ(line({"--setup"}).request, ProgramRequest::openSetup);
+    EXPECT_EQ(line({"--quit"}).request, ProgramRequest::quit);
+    EXPECT_EQ(line({"--show", "--log-level=debug", "--quit"}).request, ProgramRequest::quit);
+    EXPECT_EQ(error({"show"}), "unknown argument \"show\"");
+    EXPECT_EQ(error({"--show=x"}), "unknown option \"--show=x\"");
+}
+
+TEST(CommandLineTest, ReadsThatTheSessionBusStartsIt) {
+    EXPECT_FALSE(line({}).isStartedByBus);
+    EXPECT_TRUE(line({"--dbus-service"}).isStartedByBus);
 }
 
 TEST(CommandLineTest, HelpAndVersionWinOverWhatFollows) {
@@ -55,7 +78,8 @@ TEST(CommandLineTest, SaysWhatIsWrong) {
 }
 
 TEST(CommandLineTest, TheHelpNamesEveryOption) {
-    for (const auto* option : {"--platform=x11|simulated", "--log-level=debug|default|error", "--help", "--version"}) {
+    for (const auto* option : {"--platform=x11|simulated", "--log-level=debug|default|error", "--help", "--version",
+                               "--show", "--settings", "--setup", "--quit", "--dbus-service"}) {
         EXPECT_THAT(std::string(helpText()), HasSubstr(option));
     }
 }

@@ -19,7 +19,8 @@ class ProgramTest : public testing::Test {
 protected:
     ProgramTest() {
         environment = QProcessEnvironment::systemEnvironment();
-        for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "DBUS_SESSION_BUS_ADDRESS"}) {
+        for (const char* variable :
+             {"DISPLAY", "WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"}) {
             environment.remove(variable);
         }
         environment.insert("XDG_CONFIG_HOME", settings.path());
@@ -112,6 +113,17 @@ TEST_F(ProgramTest, OnAWaylandSessionItSaysWhyAndEndsWithStatus1) {
     }
 }
 
+TEST_F(ProgramTest, NothingCanBeAskedWhereNothingCanRun) {
+    for (const char* request : {"--show", "--settings", "--setup", "--quit"}) {
+        const auto result = run({request});
+        EXPECT_EQ(result.status, 1) << request;
+        EXPECT_THAT(result.errors, HasSubstr("DISPLAY is not set")) << request;
+    }
+    const auto simulated = run({"--platform=simulated", "--quit"});
+    EXPECT_EQ(simulated.status, 1);
+    EXPECT_THAT(simulated.errors, HasSubstr("Ferrowyn is not running"));
+}
+
 TEST_F(ProgramTest, RunsOnTheSimulatedDesktopWithoutADisplayUntilItIsAskedToEnd) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         const auto program = start({"--platform=simulated", "--log-level=default"});
@@ -143,7 +155,7 @@ TEST_F(ProgramOnX11Test, OnlyOneRunsOnADisplayAndItLearnsOfTheSecondStart) {
     const auto second = run({});
     EXPECT_EQ(second.status, 0);
     EXPECT_EQ(second.output, "Ferrowyn is already running on this display.\n");
-    EXPECT_TRUE(waitForLog(*first, "Ferrowyn was started again"));
+    EXPECT_TRUE(waitForLog(*first, "Asked from outside: setup"));
     signal(*first, SIGTERM);
     EXPECT_EQ(resultOf(*first).status, 0);
 }

@@ -1,5 +1,5 @@
-// Renders the panel and the windows in many states to PNG files, for looking at: ferrowyn_gallery <folder> [<font
-// family>].
+// Renders the panel, the menu and the windows in many states to PNG files, for looking at: ferrowyn_gallery <folder>
+// [<font family>].
 
 #include <QApplication>
 #include <QDir>
@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 
+#include "tests/ui/gallery/menu_shots.h"
 #include "tests/ui/gallery/window_pictures.h"
 #include "tests/ui/panel_model.h"
 #include "ui/panel_geometry.h"
@@ -186,7 +187,7 @@ int main(int argc, char** argv) {
     if (argc > 2) {
         QApplication::setFont(QFont(QString::fromLocal8Bit(argv[2])));
     }
-    bool isSaved = ferrowyn::test::drawWindows(folder);
+    bool isSaved = ferrowyn::gallery::saveMenuShots(folder) && ferrowyn::test::drawWindows(folder);
     for (const auto& shot : shots()) {
         isSaved =
             photograph(shot, argc > 3).save(folder.filePath(QString::fromStdString(shot.name + ".png"))) && isSaved;

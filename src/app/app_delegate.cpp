@@ -1,0 +1,170 @@
+#include "app/app_delegate.h"
+
+#include <cassert>
+#include <optional>
+#include <utility>
+
+#include "app/app_services.h"
+#include "core/text_table.h"
+#include "input/switcher_controller.h"
+#include "platform/application.h"
+#include "platform/main_loop.h"
+#include "platform/platform.h"
+#include "ui/status_item_controller.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view accessibilityPage =
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+constexpr std::string_view loginItemsPage = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
+
+}  // namespace
+
+AppDelegate::AppDelegate(const Platform& platform, UserInterface& userInterface)
+    : platform_(platform), userInterface_(userInterface) {}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching() {
+    assert(platform_.mainLoop.isMainThread());
+    assert(!services_);
+    platform_.application.setActivationPolicy(ActivationPolicy::accessory);
+    services_ = std::make_unique<AppServices>(platform_, userInterface_.switcherContentFactory());
+    makeWindows();
+    makeStatusItem();
+    if (services_->authorizer().status().get() == AccessibilityStatus::notTrusted) {
+        welcomeWithoutTrust();
+    }
+}
+
+void AppDelegate::makeWindows() {
+    const auto& texts = platform_.texts.windows;
+    const auto name = platform_.application.bundleInfo().name.value_or("Ferrowyn");
+    onboarding_ = userInterface_.makeOnboardingWindow({.title = {texts.setupWindowTitle, {}}}, *services_,
+                                                      weakly(&AppDelegate::closeOnboarding));
+    settings_ =
+        userInterface_.makeSettingsWindow({.title = {texts.settingsWindowTitle, {}}, .isResizable = true}, *services_);
+    about_ =
+        userInterface_.makeAboutWindow({.title = {texts.aboutWindowTitle, {name}}}, weakly(&AppDelegate::closeAbout));
+}
+
+void AppDelegate::makeStatusItem() {
+    statusItem_ = userInterface_.makeStatusItem();
+    statusItemController_ = std::make_unique<StatusItemController>(
+        platform_, *statusItem_, *services_,
+        StatusItemController::Actions{.onOpenSettings = weakly(&AppDelegate::showSettings),
+                                      .onOpenOnboarding = weakly(&AppDelegate::showOnboarding),
+                                      .onOpenAbout = weakly(&AppDelegate::showAbout)},
+        [&userInterface = userInterface_](const Phrase& phrase) { return userInterface.translated(phrase); });
+    statusItemController_->configureButton();
+    statusItemController_->buildMenu();
+    statusItemController_->followServices();
+}
+
+void AppDelegate::welcomeWithoutTrust() {
+    auto& authorizer = services_->authorizer();
+    authorizer.requestTrust();
+    // The user is about to grant it: the next look should be a whole interval after the prompt, not after the start.
+    authorizer.restartBackstopTimer();
+    showOnboarding();
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
+    showOnboarding();
+    return true;
+}
+
+void AppDelegate::applicationWillTerminate() {
+    if (services_) {
+        services_->terminate();
+    }
+}
+
+void AppDelegate::perform(ProgramRequest request) {
+    switch (request) {
+        case ProgramRequest::openSetup:
+            return showOnboarding();
+        case ProgramRequest::openSwitcher:
+            return openSwitcher();
+        case ProgramRequest::openSettings:
+            return showSettings();
+        case ProgramRequest::quit:
+            return platform_.application.terminate();
+    }
+}
+
+bool AppDelegate::showSettingsPage(std::string_view url) {
+    if (!services_) {
+        return false;
+    }
+    if (url == accessibilityPage) {
+        showOnboarding();
+        return true;
+    }
+    if (url == loginItemsPage) {
+        showSettings();
+        return true;
+    }
+    return false;
+}
+
+void AppDelegate::openSwitcher() {
+    if (!services_) {
+        return;
+    }
+    if (!services_->isActive()) {
+        return showOnboarding();
+    }
+    // The list that a session shows is the one of the moment it opens: right after the start there is none yet.
+    const auto& lastRefresh = services_->windowIndex().lastRefresh();
+    if (lastRefresh.get()) {
+        services_->switcher().showFromMenu();
+        return;
+    }
+    firstWindowList_ = lastRefresh.subscribeToChanges([this](const std::optional<TimePoint>&) {
+        firstWindowList_.reset();
+        services_->switcher().showFromMenu();
+    });
+}
+
+std::function<void()> AppDelegate::weakly(void (AppDelegate::*action)()) {
+    return [this, action, alive = std::weak_ptr(isAlive_)] {
+        if (!alive.expired()) {
+            (this->*action)();
+        }
+    };
+}
+
+void AppDelegate::showOnboarding() {
+    if (onboarding_) {
+        onboarding_->show();
+    }
+}
+
+void AppDelegate::closeOnboarding() {
+    if (onboarding_) {
+        onboarding_->close();
+    }
+}
+
+void AppDelegate::showSettings() {
+    if (settings_) {
+        settings_->show();
+    }
+}
+
+void AppDelegate::showAbout() {
+    if (about_) {
+        about_->show();
+    }
+}
+
+void AppDelegate::closeAbout() {
+    if (about_) {
+        about_->close();
+    }
+}
+
+}  // namespace ferrowyn

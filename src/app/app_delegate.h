@@ -1,0 +1,66 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "app/program_request.h"
+#include "app/user_interface.h"
+#include "core/subscription.h"
+
+namespace ferrowyn {
+
+struct Platform;
+class AppServices;
+class StatusItemController;
+
+/// Carries out what happens to the program as a whole: its launch, being opened again, its end, and what is asked of it
+/// from outside. Owns the services and everything that the user sees of them. Main thread. The platform and the user
+/// interface outlive it.
+class AppDelegate {
+public:
+    AppDelegate(const Platform& platform, UserInterface& userInterface);
+    ~AppDelegate();
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+
+    /// Once. Nothing below has an effect before it.
+    void applicationDidFinishLaunching();
+    /// The user opens the program while it runs. The answer is whether the desktop may do what it does then, too.
+    bool applicationShouldHandleReopen(bool hasVisibleWindows);
+    void applicationWillTerminate();
+
+    void perform(ProgramRequest request);
+    /// Shows the program's own page in the place of one of the system's settings, where the desktop has no such
+    /// settings; false when there is none for this address.
+    bool showSettingsPage(std::string_view url);
+
+    /// Null before the launch.
+    [[nodiscard]] AppServices* services() { return services_.get(); }
+
+private:
+    void makeWindows();
+    void makeStatusItem();
+    void welcomeWithoutTrust();
+    void openSwitcher();
+    /// For callbacks of those that may outlive this object: they do nothing then.
+    [[nodiscard]] std::function<void()> weakly(void (AppDelegate::*action)());
+    void showOnboarding();
+    void closeOnboarding();
+    void showSettings();
+    void showAbout();
+    void closeAbout();
+
+    const Platform& platform_;
+    UserInterface& userInterface_;
+    std::unique_ptr<AppServices> services_;
+    std::unique_ptr<OnDemandWindow> onboarding_;
+    std::unique_ptr<OnDemandWindow> settings_;
+    std::unique_ptr<OnDemandWindow> about_;
+    std::unique_ptr<StatusItem> statusItem_;
+    std::unique_ptr<StatusItemController> statusItemController_;
+    Subscription firstWindowList_;
+    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+};
+
+}  // namespace ferrowyn

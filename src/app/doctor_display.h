@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+
+#include "app/doctor_report.h"
+#include "core/switcher_modifier.h"
+
+namespace ferrowyn {
+
+class X11Connection;
+
+/// What the X server and its clients are like for the program: the server, the window manager, the input extension, the
+/// keys, the compositor. Reads no window but the manager's own. Each part of the look has a connection of its own to
+/// `display` (as in DISPLAY), for what one asks changes what the server grants to the next.
+class DoctorDisplay {
+public:
+    DoctorDisplay(const X11Connection& connection, std::string display, SwitcherModifier trigger);
+
+    [[nodiscard]] DoctorFinding server() const;
+    [[nodiscard]] DoctorFinding windowManager() const;
+    [[nodiscard]] DoctorFinding inputExtension() const;
+    /// Tries to take the trigger keys as the program does, and gives them back.
+    [[nodiscard]] DoctorFinding triggerKeys() const;
+    /// Tries to take the keyboard, and gives it back.
+    [[nodiscard]] DoctorFinding secureInput() const;
+    [[nodiscard]] DoctorFinding compositor() const;
+
+    [[nodiscard]] bool hasEmbeddingTray() const;
+    [[nodiscard]] bool isProgramRunning() const;
+
+private:
+    [[nodiscard]] bool hasOwner(const std::string& selection) const;
+    [[nodiscard]] int screenNumber() const;
+
+    const X11Connection& connection_;
+    std::string display_;
+    SwitcherModifier trigger_;
+};
+
+}  // namespace ferrowyn

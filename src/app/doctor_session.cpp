@@ -1,0 +1,147 @@
+#include "app/doctor_session.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QSysInfo>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+#include <variant>
+
+#include "platform/linux/application_id.h"
+#include "platform/linux/atomic_file.h"
+#include "platform/linux/ini_document.h"
+#include "platform/linux/xdg_login_item.h"
+
+namespace ferrowyn {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Verdict = DoctorFinding::Verdict;
+
+/// Milliseconds; a bus or a watcher that is slower than this is as good as none.
+constexpr int patienceWithBus = 3000;
+constexpr std::size_t largestSettings = 4U << 20U;
+constexpr const char* connectionName = "ferrowyn-doctor";
+
+/// A path as it may stand in a bug report: without the name of the person.
+std::string shown(const fs::path& path) {
+    const char* const home = std::getenv("HOME");
+    const auto text = path.string();
+    const auto prefix = home != nullptr && *home != '\0' ? std::string(home) + "/" : std::string();
+    return !prefix.empty() && text.starts_with(prefix) ? "~/" + text.substr(prefix.size()) : text;
+}
+
+bool hostIsRegistered(const QDBusConnection& bus) {
+    auto question = QDBusMessage::createMethodCall("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+                                                   "org.freedesktop.DBus.Properties", "Get");
+    question.setAutoStartService(false);
+    question.setArguments({"org.kde.StatusNotifierWatcher", "IsStatusNotifierHostRegistered"});
+    const auto answer = bus.call(question, QDBus::Block, patienceWithBus);
+    return answer.type() == QDBusMessage::ReplyMessage &&
+           answer.arguments().value(0).value<QDBusVariant>().variant().toBool();
+}
+
+}  // namespace
+
+DoctorSession::DoctorSession(XdgFolders folders, std::optional<std::string> busAddress)
+    : folders_(std::move(folders)), busAddress_(std::move(busAddress)) {}
+
+DoctorFinding DoctorSession::trayHost(bool hasEmbeddingTray) const {
+    if (hasTrayHostOnBus()) {
+        return {Verdict::good, "tray", "a StatusNotifierItem host on the session bus", {}};
+    }
+    if (hasEmbeddingTray) {
+        return {Verdict::good, "tray", "an XEmbed tray", {}};
+    }
+    return {Verdict::notice, "tray", busAddress_ ? "none" : "none, and no session bus",
+            "Without an icon, \"ferrowyn --settings\" and \"ferrowyn --quit\" reach the program."};
+}
+
+bool DoctorSession::hasTrayHostOnBus() const {
+    if (!busAddress_) {
+        return false;
+    }
+    bool hasHost = false;
+    {
+        const auto bus = QDBusConnection::connectToBus(QString::fromStdString(*busAddress_), connectionName);
+        hasHost = bus.isConnected() && hostIsRegistered(bus);
+    }
+    QDBusConnection::disconnectFromBus(connectionName);
+    return hasHost;
+}
+
+DoctorFinding DoctorSession::autostart() const {
+    const XdgLoginItem item(
+        folders_, {std::string(applicationId), "Ferrowyn", QCoreApplication::applicationFilePath().toStdString()});
+    switch (item.status()) {
+        case LoginItem::Status::enabled:
+            return {Verdict::good, "autostart", "on", {}};
+        case LoginItem::Status::requiresApproval:
+            return {Verdict::notice, "autostart", "there is an entry, but it is turned off or changed",
+                    "Allow Ferrowyn in your desktop's settings for autostart."};
+        case LoginItem::Status::notFound:
+            return {Verdict::notice, "autostart",
+                    fmt::format("{} cannot be written", shown(item.userEntry().parent_path())),
+                    "Make sure that the folder is yours."};
+        case LoginItem::Status::notRegistered:
+            break;
+    }
+    return {Verdict::good, "autostart", "off", {}};
+}
+
+fs::path DoctorSession::settingsPath() const {
+    return folders_.configHome / "Ferrowyn" / "Ferrowyn.ini";
+}
+
+DoctorFinding DoctorSession::settingsFile() const {
+    const auto file = settingsPath();
+    std::error_code error;
+    const auto text = readFile(file, largestSettings, error);
+    if (error == std::errc::no_such_file_or_directory) {
+        return {
+            Verdict::good, "settings", fmt::format("{} is not there yet; the defaults are in force", shown(file)), {}};
+    }
+    if (error) {
+        return {Verdict::notice, "settings", fmt::format("{} cannot be read: {}", shown(file), error.message()),
+                "Make sure that the file is yours."};
+    }
+    if (!IniDocument::parse(text)) {
+        return {Verdict::notice, "settings", fmt::format("{} is damaged", shown(file)),
+                "Ferrowyn will keep it aside and start with the defaults."};
+    }
+    if (::access(file.c_str(), W_OK) != 0 || ::access(file.parent_path().c_str(), W_OK) != 0) {
+        return {Verdict::notice, "settings", fmt::format("{} cannot be written", shown(file)),
+                "Changes last until Ferrowyn ends."};
+    }
+    return {Verdict::good, "settings", shown(file), {}};
+}
+
+SwitcherModifier DoctorSession::trigger() const {
+    std::error_code error;
+    const auto document = IniDocument::parse(readFile(settingsPath(), largestSettings, error));
+    if (error || !document) {
+        return SwitcherModifier::option;
+    }
+    const auto values = document->values();
+    const auto stored = values.find("switcher.modifier");
+    const auto* const raw = stored != values.end() ? std::get_if<std::string>(&stored->second) : nullptr;
+    return raw != nullptr ? switcherModifierFromRawValue(*raw).value_or(SwitcherModifier::option)
+                          : SwitcherModifier::option;
+}
+
+DoctorFinding DoctorSession::versions(const std::string& ownVersion) {
+    return {Verdict::good,
+            "versions",
+            fmt::format("Ferrowyn {}, Qt {}, {}, kernel {}", ownVersion, qVersion(),
+                        QSysInfo::prettyProductName().toStdString(), QSysInfo::kernelVersion().toStdString()),
+            {}};
+}
+
+}  // namespace ferrowyn

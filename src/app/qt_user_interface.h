@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "app/user_interface.h"
+
+namespace ferrowyn {
+
+struct Platform;
+
+/// The windows and the panel's content made with Qt. The platform outlives it and everything that it makes.
+class QtUserInterface final : public UserInterface {
+public:
+    using StatusItemFactory = std::function<std::unique_ptr<StatusItem>()>;
+
+    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem);
+
+    [[nodiscard]] std::string translated(const Phrase& phrase) override;
+    [[nodiscard]] SwitcherContentFactory switcherContentFactory() override;
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeOnboardingWindow(const WindowOptions& options,
+                                                                       AppServices& services,
+                                                                       std::function<void()> onDone) override;
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& options,
+                                                                     AppServices& services) override;
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
+                                                                  std::function<void()> onClose) override;
+    [[nodiscard]] std::unique_ptr<StatusItem> makeStatusItem() override { return makeStatusItem_(); }
+
+private:
+    const Platform& platform_;
+    StatusItemFactory makeStatusItem_;
+};
+
+}  // namespace ferrowyn

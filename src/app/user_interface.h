@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/on_demand_window.h"
+#include "core/phrase.h"
+#include "input/switcher_content.h"
+#include "platform/status_item.h"
+
+namespace ferrowyn {
+
+class AppServices;
+
+/// Makes what only the toolkit can make; the delegate owns it. The services outlive all of it. Main thread.
+class UserInterface {
+public:
+    struct WindowOptions {
+        Phrase title;
+        bool isResizable = false;
+    };
+
+    virtual ~UserInterface() = default;
+
+    /// Into the language of the user.
+    [[nodiscard]] virtual std::string translated(const Phrase& phrase) = 0;
+    [[nodiscard]] virtual SwitcherContentFactory switcherContentFactory() = 0;
+    [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeOnboardingWindow(const WindowOptions& options,
+                                                                               AppServices& services,
+                                                                               std::function<void()> onDone) = 0;
+    [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& options,
+                                                                             AppServices& services) = 0;
+    [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
+                                                                          std::function<void()> onClose) = 0;
+    [[nodiscard]] virtual std::unique_ptr<StatusItem> makeStatusItem() = 0;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,69 @@
+#include "platform/linux/application_service_listener.h"
+
+#include <QDBusError>
+#include <QLatin1String>
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+#include "platform/linux/application_id.h"
+
+namespace ferrowyn {
+
+namespace {
+
+/// Connections are known by name within the process.
+QString nextConnectionName() {
+    static std::atomic<int> count{0};
+    return QStringLiteral("ferrowyn-application-%1").arg(++count);
+}
+
+}  // namespace
+
+ApplicationServiceListener::ApplicationServiceListener(std::string busAddress, std::vector<std::string> actions,
+                                                       ApplicationService::Handlers handlers)
+    : busAddress_(std::move(busAddress)),
+      actions_(std::move(actions)),
+      handlers_(std::move(handlers)),
+      connectionName_(nextConnectionName()) {}
+
+ApplicationServiceListener::~ApplicationServiceListener() {
+    bus_.reset();
+    QDBusConnection::disconnectFromBus(connectionName_);
+}
+
+QString ApplicationServiceListener::serviceName() {
+    return QLatin1String(applicationId.data(), static_cast<int>(applicationId.size()));
+}
+
+QString ApplicationServiceListener::objectPath() {
+    return QLatin1Char('/') + serviceName().replace(QLatin1Char('.'), QLatin1Char('/'));
+}
+
+void ApplicationServiceListener::start() {
+    bus_ = QDBusConnection::connectToBus(QString::fromStdString(busAddress_), connectionName_);
+    // The object first: from the moment it has the name, the bus delivers what was asked of the name.
+    if (bus_->isConnected() && bus_->registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots)) {
+        bus_->registerService(serviceName());
+    }
+}
+
+void ApplicationServiceListener::Activate(const QVariantMap& /*platformData*/) {
+    handlers_.activate();
+}
+
+void ApplicationServiceListener::Open(const QStringList& /*uris*/, const QVariantMap& /*platformData*/) {
+    handlers_.activate();
+}
+
+void ApplicationServiceListener::ActivateAction(const QString& action, const QVariantList& /*parameters*/,
+                                                const QVariantMap& /*platformData*/) {
+    const auto name = action.toStdString();
+    if (std::ranges::find(actions_, name) == actions_.end()) {
+        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no action \"%1\".").arg(action));
+        return;
+    }
+    handlers_.activateAction(name);
+}
+
+}  // namespace ferrowyn

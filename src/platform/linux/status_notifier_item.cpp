@@ -1,0 +1,185 @@
+#include "platform/linux/status_notifier_item.h"
+
+#include <unistd.h>
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QFile>
+#include <QVariant>
+#include <atomic>
+#include <utility>
+
+#include "platform/background_work.h"
+#include "platform/main_loop.h"
+
+namespace ferrowyn {
+
+namespace {
+
+const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
+const QString watcherInterface = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString itemPath = QStringLiteral("/StatusNotifierItem");
+const QString busService = QStringLiteral("org.freedesktop.DBus");
+const QString busPath = QStringLiteral("/org/freedesktop/DBus");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+/// Connections are known by name within the process, items by number within it.
+int nextNumber() {
+    static std::atomic<int> count{0};
+    return ++count;
+}
+
+QDBusMessage callToWatcher(const QString& interface, const QString& method, const QVariantList& arguments) {
+    auto message = QDBusMessage::createMethodCall(watcherService, watcherPath, interface, method);
+    message.setArguments(arguments);
+    message.setAutoStartService(false);
+    return message;
+}
+
+QDBusMessage callToBus(const QString& method, const QString& argument) {
+    auto message = QDBusMessage::createMethodCall(busService, busPath, busService, method);
+    message.setArguments({argument});
+    return message;
+}
+
+/// Whether the process is one of Xfce's panel, whose plugins are processes of their own.
+bool isPanelOfXfce(unsigned pid) {
+    QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(pid));
+    return commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().contains("/xfce4/panel/");
+}
+
+}  // namespace
+
+StatusNotifierItem::StatusNotifierItem(MainLoop& mainLoop, BackgroundWork& backgroundWork,
+                                       const std::optional<std::string>& busAddress)
+    : object_(new StatusNotifierObject(exported_)) {  // NOLINT: its parent owns it.
+    const std::weak_ptr<bool> alive = alive_;
+    if (!busAddress) {
+        mainLoop.post([this, alive] {
+            if (!alive.expired()) {
+                setHost(StatusNotifierHost::none);
+            }
+        });
+        return;
+    }
+    const int number = nextNumber();
+    serviceName_ = QStringLiteral("org.kde.StatusNotifierItem-%1-%2").arg(getpid()).arg(number);
+    const QString connectionName = QStringLiteral("ferrowyn-status-notifier-%1").arg(number);
+    backgroundWork.run([this, alive, &mainLoop, connectionName, address = QString::fromStdString(*busAddress)] {
+        const auto bus = QDBusConnection::connectToBus(address, connectionName);
+        mainLoop.post([this, alive, bus] {
+            if (alive.expired()) {
+                QDBusConnection::disconnectFromBus(bus.name());
+            } else {
+                connected(bus);
+            }
+        });
+    });
+}
+
+StatusNotifierItem::~StatusNotifierItem() {
+    ownerWatcher_.reset();
+    if (bus_) {
+        const QString name = bus_->name();
+        bus_.reset();
+        QDBusConnection::disconnectFromBus(name);
+    }
+}
+
+void StatusNotifierItem::connected(const QDBusConnection& bus) {
+    bus_ = bus;
+    if (!bus_->isConnected() || !bus_->registerService(serviceName_)) {
+        setHost(StatusNotifierHost::none);
+        return;
+    }
+    bus_->registerObject(itemPath, &exported_, QDBusConnection::ExportAdaptors);
+    bus_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                  SLOT(onDisconnected()));
+    for (const char* const signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+        bus_->connect(watcherService, watcherPath, watcherInterface, QLatin1String(signal), this,
+                      SLOT(onHostsChanged()));
+    }
+    ownerWatcher_ = std::make_unique<QDBusServiceWatcher>(watcherService, *bus_);
+    connect(ownerWatcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& /*service*/, const QString& /*oldOwner*/, const QString& newOwner) {
+                watcherChanged(newOwner);
+            });
+    askForWatcher();
+}
+
+template <typename Answer>
+void StatusNotifierItem::ask(const QDBusMessage& question, std::function<void(const std::optional<Answer>&)> answered) {
+    auto* const waiting = new QDBusPendingCallWatcher(bus_->asyncCall(question), this);
+    connect(waiting, &QDBusPendingCallWatcher::finished, this,
+            [this, waiting, asked = watcherCount_, answered = std::move(answered)] {
+                const QDBusPendingReply<Answer> reply = *waiting;
+                if (asked == watcherCount_) {
+                    answered(reply.isError() ? std::nullopt : std::optional<Answer>(reply.value()));
+                }
+                waiting->deleteLater();
+            });
+}
+
+void StatusNotifierItem::askForWatcher() {
+    ask<QString>(callToBus(QStringLiteral("GetNameOwner"), watcherService),
+                 [this](const std::optional<QString>& owner) { watcherChanged(owner.value_or(QString())); });
+}
+
+void StatusNotifierItem::watcherChanged(const QString& owner) {
+    ++watcherCount_;
+    watcherKeepsSecondButton_ = false;
+    if (owner.isEmpty()) {
+        setHost(StatusNotifierHost::none);
+    } else {
+        askForWatcherProcess(owner);
+    }
+}
+
+void StatusNotifierItem::askForWatcherProcess(const QString& owner) {
+    ask<unsigned>(callToBus(QStringLiteral("GetConnectionUnixProcessID"), owner),
+                  [this](const std::optional<unsigned>& pid) {
+                      watcherKeepsSecondButton_ = pid && isPanelOfXfce(*pid);
+                      if (!watcherKeepsSecondButton_) {
+                          offer();
+                      }
+                      askForHost();
+                  });
+}
+
+void StatusNotifierItem::offer() {
+    if (bus_) {
+        bus_->asyncCall(callToWatcher(watcherInterface, QStringLiteral("RegisterStatusNotifierItem"), {serviceName_}));
+    }
+}
+
+void StatusNotifierItem::askForHost() {
+    ask<QDBusVariant>(callToWatcher(propertiesInterface, QStringLiteral("Get"),
+                                    {watcherInterface, QStringLiteral("IsStatusNotifierHostRegistered")}),
+                      [this](const std::optional<QDBusVariant>& isRegistered) {
+                          const bool hasHost = isRegistered && isRegistered->variant().toBool();
+                          const auto kind = watcherKeepsSecondButton_ ? StatusNotifierHost::keepsSecondButton
+                                                                      : StatusNotifierHost::present;
+                          setHost(hasHost ? kind : StatusNotifierHost::none);
+                      });
+}
+
+void StatusNotifierItem::onHostsChanged() {
+    askForHost();
+}
+
+void StatusNotifierItem::onDisconnected() {
+    ++watcherCount_;
+    setHost(StatusNotifierHost::none);
+}
+
+void StatusNotifierItem::setHost(StatusNotifierHost host) {
+    if (std::exchange(host_, host) != host && onHost_) {
+        onHost_(host);
+    }
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,51 @@
+#include "ui/health_state.h"
+
+#include "app/app_services.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr std::string_view warning = "exclamationmark.triangle";
+constexpr std::string_view pausedKeyboard = "keyboard.badge.ellipsis";
+
+HealthAppearance failure(const StatusItemTexts::Health& texts) {
+    return {.buttonSymbol = warning,
+            .texts = texts,
+            .repairSymbol = "arrow.clockwise",
+            .repairAction = MenuRow::Action::retryInput};
+}
+
+}  // namespace
+
+HealthState healthState(AppServices& services) {
+    if (services.authorizer().status().get() == AccessibilityStatus::notTrusted) {
+        return HealthState::accessRequired;
+    }
+    if (const auto failure = services.inputFailure().get()) {
+        return *failure == HotKeyMonitor::Failure::trustRevoked ? HealthState::trustRevoked
+                                                                : HealthState::repeatedTimeouts;
+    }
+    return services.authorizer().isSecureInputActive().get() ? HealthState::secureInput : HealthState::ready;
+}
+
+HealthAppearance appearance(HealthState state, const StatusItemTexts& texts) {
+    switch (state) {
+        case HealthState::accessRequired:
+            return {.buttonSymbol = warning,
+                    .texts = texts.accessRequired,
+                    .repairSymbol = "lock.shield",
+                    .repairAction = MenuRow::Action::openOnboarding};
+        case HealthState::trustRevoked:
+            return failure(texts.trustRevoked);
+        case HealthState::repeatedTimeouts:
+            return failure(texts.repeatedTimeouts);
+        case HealthState::secureInput:
+            return {.buttonSymbol = pausedKeyboard, .texts = texts.secureInput, .repairSymbol = pausedKeyboard};
+        case HealthState::ready:
+            break;
+    }
+    return {.buttonSymbol = "macwindow.on.rectangle", .texts = texts.ready};
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/status_item_texts.h"
+#include "platform/status_item.h"
+
+namespace ferrowyn {
+
+class AppServices;
+
+/// How the keyboard shortcut is doing. Derived from the services whenever it is shown, and kept nowhere.
+enum class HealthState { ready, accessRequired, trustRevoked, repeatedTimeouts, secureInput };
+
+/// Missing trust explains every other failure, and a shortcut that failed will not return when secure input ends.
+[[nodiscard]] HealthState healthState(AppServices& services);
+
+/// How a state shows in the status item.
+struct HealthAppearance {
+    std::string_view buttonSymbol;
+    StatusItemTexts::Health texts;
+    /// Of the row that repairs it, or says what is being waited for.
+    std::string_view repairSymbol;
+    MenuRow::Action repairAction = MenuRow::Action::none;
+};
+
+[[nodiscard]] HealthAppearance appearance(HealthState state, const StatusItemTexts& texts);
+
+}  // namespace ferrowyn

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSslCertificate>
+#include <stdexcept>
+
+#include "tests/platform/linux/temporary_folder.h"
+
+namespace ferrowyn {
+
+/// The test's own HTTPS servers, each with another kind of certificate, in a process of their own.
+class HttpsServers {
+public:
+    HttpsServers() {
+        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process_.start(FERROWYN_PYTHON, {FERROWYN_HTTPS_SERVER, QString::fromStdString(folder_.path().string())});
+        if (!process_.waitForReadyRead(60000)) {
+            throw std::runtime_error("the HTTPS servers did not start");
+        }
+        ports_ = QJsonDocument::fromJson(process_.readLine()).object();
+    }
+    ~HttpsServers() {
+        process_.closeWriteChannel();
+        process_.waitForFinished();
+    }
+    HttpsServers(const HttpsServers&) = delete;
+    HttpsServers& operator=(const HttpsServers&) = delete;
+
+    [[nodiscard]] QList<QSslCertificate> authority() const {
+        return QSslCertificate::fromPath(QString::fromStdString((folder_.path() / "ca.pem").string()));
+    }
+    /// "127.0.0.1:port" of the server with this kind of certificate.
+    [[nodiscard]] std::string host(const char* certificate = "good") const {
+        return "127.0.0.1:" + std::to_string(ports_[certificate].toInt());
+    }
+
+private:
+    TemporaryFolder folder_;
+    QProcess process_;
+    QJsonObject ports_;
+};
+
+}  // namespace ferrowyn

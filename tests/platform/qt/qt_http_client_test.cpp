@@ -1,0 +1,317 @@
+#include "platform/qt/qt_http_client.h"
+
+#include <QEventLoop>
+#include <QTcpServer>
+#include <chrono>
+#include <memory>
+#include <optional>
+
+#include "platform/qt/qt_background_work.h"
+#include "platform/qt/qt_main_loop.h"
+#include "platform/simulated/simulated_desktop.h"
+#include "services/update_checker.h"
+#include "tests/platform/qt/https_servers.h"
+
+namespace ferrowyn {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+class QtHttpClientTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        // The system's proxy, if there is one, knows nothing of this machine's own servers.
+        qputenv("no_proxy", "127.0.0.1");
+        servers = std::make_unique<HttpsServers>();
+    }
+    static void TearDownTestSuite() { servers.reset(); }
+
+    [[nodiscard]] static std::string address(const std::string& behaviour, const char* certificate = "good") {
+        return "https://" + servers->host(certificate) + "/x?v=" + behaviour;
+    }
+    /// The one answer to the request; nothing when none came for a long time.
+    std::optional<HttpResult> get(const HttpRequest& request) {
+        std::vector<HttpResult> answers;
+        QEventLoop events;
+        const auto patience = mainLoop.after(30s, [&] { events.quit(); });
+        const auto token = client.get(request, [&](const HttpResult& result) {
+            answers.push_back(result);
+            events.quit();
+        });
+        EXPECT_EQ(answers.size(), 0U) << "answered before the call returned";
+        events.exec();
+        // Whatever else would still come, comes now.
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(answers.size(), 1U);
+        return answers.empty() ? std::nullopt : std::optional(answers.front());
+    }
+    HttpResponse response(const HttpRequest& request) {
+        const auto result = get(request);
+        if (const auto* failure = result ? std::get_if<HttpFailure>(&*result) : nullptr) {
+            ADD_FAILURE() << request.url << ": " << failure->description;
+        }
+        const auto* answer = result ? std::get_if<HttpResponse>(&*result) : nullptr;
+        return answer != nullptr ? *answer : HttpResponse{-1, {}};
+    }
+    std::string failure(const HttpRequest& request) {
+        const auto result = get(request);
+        if (const auto* answer = result ? std::get_if<HttpResponse>(&*result) : nullptr) {
+            ADD_FAILURE() << request.url << " answered with " << answer->status;
+        }
+        const auto* failed = result ? std::get_if<HttpFailure>(&*result) : nullptr;
+        return failed != nullptr ? failed->description : "";
+    }
+
+    static inline std::unique_ptr<HttpsServers> servers;
+    QtMainLoop mainLoop;
+    QtBackgroundWork backgroundWork;
+    QtHttpClient client{mainLoop, backgroundWork, servers->authority()};
+};
+
+// --- answers
+// ----------------------------------------------------------------------------------------------------------
+
+TEST_F(QtHttpClientTest, HandsOverTheBodyAsItIs) {
+    EXPECT_EQ(response({address("text")}).status, 200);
+    EXPECT_EQ(response({address("text")}).body, "It works!");
+    EXPECT_EQ(response({address("empty")}).body, "");
+    std::string everyByte;
+    for (int byte = 0; byte < 256; ++byte) {
+        everyByte += static_cast<char>(byte);
+    }
+    EXPECT_EQ(response({address("binary")}).body, everyByte);
+}
+
+TEST_F(QtHttpClientTest, AStatusThatIsNoSuccessIsAnAnswerToo) {
+    for (const int status : {404, 500, 401, 403, 418, 503, 204, 304}) {
+        EXPECT_EQ(response({address(std::to_string(status))}).status, status);
+    }
+}
+
+TEST_F(QtHttpClientTest, FollowsARedirectThatStaysOnHttps) {
+    const auto answer = response({address("redirect-https")});
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_THAT(answer.body, HasSubstr("9.1"));
+}
+
+TEST_F(QtHttpClientTest, SendsNothingThatItRemembersOrThatNamesTheMachine) {
+    static_cast<void>(response({address("echo")}));
+    const auto request = response({address("echo")}).body;
+    EXPECT_THAT(request, HasSubstr("GET /x?v=echo HTTP/1.1\r\n"));
+    EXPECT_THAT(request, HasSubstr("User-Agent: Ferrowyn\r\n"));
+    EXPECT_THAT(request, AllOf(Not(HasSubstr("Cookie")), Not(HasSubstr("If-")), Not(HasSubstr("Referer"))));
+}
+
+TEST_F(QtHttpClientTest, WhatSpeaksNoHttpAnswersWithStatusZero) {
+    EXPECT_EQ(response({address("not-http")}).status, 0);
+    EXPECT_EQ(response({address("broken-status")}).status, 0);
+    EXPECT_EQ(response({address("reset")}).status, 0) << "which cannot be told from it";
+}
+
+// --- failures
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_F(QtHttpClientTest, NeverLeavesHttps) {
+    EXPECT_EQ(failure({address("redirect-http")}), "The server redirects to an address that is not secure.");
+    EXPECT_EQ(failure({address("redirect-file")}), "The server redirects to an address that is not secure.");
+    EXPECT_EQ(failure({"http://" + servers->host("plain") + "/?v=manifest"}), "The address is not an https address.");
+    for (const char* url : {"", "file:///etc/hostname", "https://", "no address", "ftp://127.0.0.1/x"}) {
+        EXPECT_EQ(failure({url}), "The address is not an https address.") << url;
+    }
+}
+
+TEST_F(QtHttpClientTest, ACircleOfRedirectsEnds) {
+    EXPECT_EQ(failure({address("redirect-for-ever")}), "Too many redirects");
+}
+
+TEST_F(QtHttpClientTest, TrustsNoCertificateThatIsWrongInAnyWay) {
+    EXPECT_THAT(failure({address("text", "unknown")}), HasSubstr("certificate"));
+    EXPECT_THAT(failure({address("text", "other-host")}), HasSubstr("certificate"));
+    EXPECT_THAT(failure({address("text", "expired")}), HasSubstr("certificate"));
+}
+
+TEST_F(QtHttpClientTest, TheTestsOwnAuthorityIsAStrangerToTheProduct) {
+    QtHttpClient product(mainLoop, backgroundWork);
+    std::optional<HttpResult> answer;
+    QEventLoop events;
+    const auto token = product.get({address("text")}, [&](const HttpResult& result) {
+        answer = result;
+        events.quit();
+    });
+    events.exec();
+    ASSERT_TRUE(std::holds_alternative<HttpFailure>(*answer));
+    EXPECT_THAT(std::get<HttpFailure>(*answer).description, HasSubstr("certificate"));
+}
+
+TEST_F(QtHttpClientTest, AServerWithoutEncryptionIsAFailure) {
+    EXPECT_THAT(failure({address("text", "plain")}), HasSubstr("SSL handshake failed"));
+}
+
+TEST_F(QtHttpClientTest, AnAnswerThatBreaksOffIsAFailure) {
+    for (const char* behaviour : {"cut-off", "broken-chunk"}) {
+        EXPECT_NE(failure({address(behaviour)}), "") << behaviour;
+    }
+}
+
+TEST_F(QtHttpClientTest, NobodyListeningIsAFailure) {
+    QTcpServer placeholder;
+    ASSERT_TRUE(placeholder.listen(QHostAddress::LocalHost));
+    const auto url = "https://127.0.0.1:" + std::to_string(placeholder.serverPort()) + "/";
+    placeholder.close();
+    EXPECT_EQ(failure({url}), "Connection refused");
+}
+
+TEST_F(QtHttpClientTest, TheTimeOutCountsFromTheStartToTheEnd) {
+    for (const char* behaviour : {"silent", "unfinished"}) {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(failure({.url = address(behaviour), .timeout = Seconds(0.3)}), "The request timed out.");
+        const Seconds taken = std::chrono::steady_clock::now() - start;
+        EXPECT_GE(taken.count(), 0.3) << behaviour;
+        EXPECT_LT(taken.count(), 5) << behaviour;
+    }
+}
+
+TEST_F(QtHttpClientTest, ABodyMayBeAsLongAsAllowedAndNotOneByteLonger) {
+    EXPECT_EQ(response({address("mebibyte")}).body.size(), std::size_t{1} << 20U);
+    EXPECT_EQ(failure({address("mebibyte-and-one")}), "The server's answer is too long.");
+    EXPECT_EQ(response({.url = address("text"), .maximumBodySize = 9}).body, "It works!");
+    EXPECT_EQ(failure({.url = address("text"), .maximumBodySize = 8}), "The server's answer is too long.");
+}
+
+TEST_F(QtHttpClientTest, ATooLongBodyIsToldAtOnceAndNotReadToItsEnd) {
+    // One is announced and never sent, the other never ends.
+    EXPECT_EQ(failure({address("five-megabytes-announced")}), "The server's answer is too long.");
+    EXPECT_EQ(failure({address("endless")}), "The server's answer is too long.");
+}
+
+// --- tokens
+// -----------------------------------------------------------------------------------------------------------
+
+TEST_F(QtHttpClientTest, ADroppedTokenEndsTheRequestInSilence) {
+    bool wasTold = false;
+    const auto told = [&](const HttpResult&) { wasTold = true; };
+    static_cast<void>(client.get({address("text")}, told));
+    static_cast<void>(client.get({"http://127.0.0.1/"}, told));
+    auto onItsWay = client.get({.url = address("silent"), .timeout = Seconds(0.1)}, told);
+    // A request that was made later has ended: the dropped ones would have, too.
+    EXPECT_EQ(response({address("text")}).status, 200);
+    onItsWay.reset();
+    EXPECT_EQ(failure({.url = address("silent"), .timeout = Seconds(0.2)}), "The request timed out.");
+    EXPECT_FALSE(wasTold);
+}
+
+TEST_F(QtHttpClientTest, TheCallbackMayDropItsTokenAndAskAgain) {
+    QEventLoop events;
+    Subscription token;
+    int answers = 0;
+    std::function<void(const HttpResult&)> again = [&](const HttpResult&) {
+        if (++answers == 3) {
+            token.reset();
+            events.quit();
+        } else {
+            token = client.get({address("text")}, again);
+        }
+    };
+    token = client.get({address("text")}, again);
+    events.exec();
+    EXPECT_EQ(answers, 3);
+}
+
+TEST_F(QtHttpClientTest, ARequestMayOutliveTheClientUnheard) {
+    bool wasTold = false;
+    Subscription token;
+    {
+        QtHttpClient brief(mainLoop, backgroundWork, servers->authority());
+        token = brief.get({address("text")}, [&](const HttpResult&) { wasTold = true; });
+    }
+    EXPECT_EQ(response({address("text")}).status, 200);
+    EXPECT_FALSE(wasTold);
+}
+
+// --- the update check over a real connection
+// --------------------------------------------------------------------------
+
+class UpdateOverHttpsTest : public QtHttpClientTest {
+protected:
+    /// Runs one check of a program whose version names what the server is to do.
+    UpdateChecker::State check(const std::string& behaviour, const char* certificate = "good") {
+        const auto& simulated = desktop.platform();
+        const Platform platform{simulated.mainLoop,
+                                simulated.backgroundWork,
+                                simulated.log,
+                                simulated.userDefaults,
+                                simulated.application,
+                                simulated.workspace,
+                                simulated.windowInventory,
+                                simulated.accessibilityObservers,
+                                simulated.windowControl,
+                                simulated.trust,
+                                simulated.eventTaps,
+                                simulated.screens,
+                                simulated.pointer,
+                                simulated.panel,
+                                simulated.icons,
+                                client,
+                                simulated.loginItem,
+                                simulated.texts};
+        UpdateChecker checker(platform, AppVersion(behaviour), servers->host(certificate));
+        QEventLoop events;
+        const auto patience = mainLoop.after(30s, [&] { events.quit(); });
+        const auto subscription = checker.state().subscribeToChanges([&](const UpdateChecker::State& state) {
+            if (!std::holds_alternative<UpdateChecker::Checking>(state)) {
+                events.quit();
+            }
+        });
+        checker.check();
+        events.exec();
+        return checker.state().get();
+    }
+    std::string failureOf(const std::string& behaviour, const char* certificate = "good") {
+        const auto state = check(behaviour, certificate);
+        const auto* failed = std::get_if<UpdateChecker::Failed>(&state);
+        return failed != nullptr ? failed->text : "";
+    }
+
+    SimulatedDesktop desktop;
+};
+
+TEST_F(UpdateOverHttpsTest, ReadsAManifest) {
+    const auto state = check("manifest");
+    ASSERT_TRUE(std::holds_alternative<UpdateChecker::UpdateAvailable>(state));
+    const auto& release = std::get<UpdateChecker::UpdateAvailable>(state).release;
+    EXPECT_EQ(release.version.original(), "9.1");
+    EXPECT_EQ(release.downloadURL, "https://ferrowyn.example/Ferrowyn-9.1.dmg");
+    EXPECT_EQ(release.notes, "Ünïcode");
+}
+
+TEST_F(UpdateOverHttpsTest, AnOlderReleaseIsUpToDate) {
+    EXPECT_EQ(check("same"), UpdateChecker::State(UpdateChecker::UpToDate{desktop.wallTime()}));
+    EXPECT_EQ(desktop.userDefaults().real("updates.lastCheck"), desktop.wallTime().time_since_epoch().count());
+}
+
+TEST_F(UpdateOverHttpsTest, SaysWhatWentWrong) {
+    EXPECT_EQ(failureOf("404"), "The update server replied with 404.");
+    EXPECT_EQ(failureOf("500"), "The update server replied with 500.");
+    EXPECT_EQ(failureOf("not-http"), "The update server replied with 0.");
+    for (const char* body : {"no-url", "array", "text", "binary", "empty", "mebibyte"}) {
+        EXPECT_EQ(failureOf(body), "The update manifest could not be read.") << body;
+    }
+    EXPECT_EQ(failureOf("redirect-http"), "The server redirects to an address that is not secure.");
+    EXPECT_EQ(failureOf("five-megabytes-announced"), "The server's answer is too long.");
+    EXPECT_THAT(failureOf("manifest", "unknown"), HasSubstr("certificate"));
+    EXPECT_EQ(failureOf("cut-off"), "Connection closed");
+    EXPECT_EQ(desktop.userDefaults().value("updates.lastCheck"), std::nullopt);
+}
+
+TEST_F(UpdateOverHttpsTest, ADownloadAddressThatIsNotHttpsIsShown) {
+    const auto state = check("insecure-download");
+    ASSERT_TRUE(std::holds_alternative<UpdateChecker::UpdateAvailable>(state));
+    EXPECT_EQ(std::get<UpdateChecker::UpdateAvailable>(state).release.downloadURL, "http://ferrowyn.example/x");
+}
+
+}  // namespace
+}  // namespace ferrowyn

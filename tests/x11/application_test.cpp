@@ -1,0 +1,147 @@
+#include "tests/x11/application_fixture.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class ApplicationTest : public ApplicationFixture {};
+
+TEST_F(ApplicationTest, ASecondStartOpensTheSetupWindowOfTheFirstAndEndsWell) {
+    startProgram();
+    EXPECT_FALSE(findWindow("Ferrowyn Setup")) << "it started silently";
+    const auto second = run({});
+    EXPECT_EQ(second.status, 0);
+    EXPECT_THAT(second.output, HasSubstr("already running"));
+    EXPECT_TRUE(waitForWindow("Ferrowyn Setup"));
+    EXPECT_TRUE(program->process().isRunning());
+}
+
+TEST_F(ApplicationTest, TheCommandLineOpensTheSwitcherWhichStaysOpen) {
+    startProgram();
+    const auto result = run({"--show"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, IsEmpty());
+    waitForSwitcher();
+    // The first row is the window that is active already: the second is one key away.
+    input.tap(key::down);
+    input.tap(key::enter);
+    EXPECT_TRUE(desktop.waitForActiveWindow(windows.front()->id()));
+    EXPECT_TRUE(desktop.waitForPanel(false));
+}
+
+TEST_F(ApplicationTest, TheCommandLineOpensTheWindows) {
+    startProgram();
+    EXPECT_EQ(run({"--settings"}).status, 0);
+    const auto settings = waitForWindow("Ferrowyn Settings");
+    ASSERT_TRUE(settings);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*settings));
+    EXPECT_EQ(run({"--setup"}).status, 0);
+    const auto setup = waitForWindow("Ferrowyn Setup");
+    ASSERT_TRUE(setup);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*setup));
+    EXPECT_EQ(run({"--settings"}).status, 0);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*settings)) << "the same window comes to the front again";
+}
+
+TEST_F(ApplicationTest, TheCommandLineEndsItAndReturnsWhenTheKeyboardIsBack) {
+    startProgram();
+    input.press(key::leftAlt);
+    input.tap(key::tab);
+    ASSERT_TRUE(desktop.waitForPanel(true));
+    EXPECT_FALSE(desktop.keyboardIsFree());
+    const auto result = run({"--quit"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, IsEmpty());
+    expectKeyboardIsBack();
+    expectEnd();
+}
+
+TEST_F(ApplicationTest, WithoutAWindowManagerItShowsTheSetupWindowAndStaysReachable) {
+    manager.process().signal(SIGTERM);
+    ASSERT_TRUE(manager.process().waitForExit());
+    FerrowynProgram::Options options{.environment = environment()};
+    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
+    ASSERT_TRUE(program->process().waitForOutput("Ferrowyn is running"));
+    EXPECT_TRUE(desktop.waitUntil([&] { return isShownUnmanaged("Ferrowyn Setup"); }));
+    EXPECT_EQ(run({"--quit"}).status, 0);
+    expectEnd();
+}
+
+TEST_F(ApplicationTest, EndingWhatDoesNotRunIsAnErrorThatSaysSo) {
+    const auto result = run({"--quit"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr("ferrowyn: Ferrowyn is not running on this display."));
+    startBus();
+    EXPECT_EQ(run({"--quit"}).status, 1);
+    EXPECT_FALSE(isOnBus()) << "nothing was started to be ended";
+}
+
+TEST_F(ApplicationTest, WhatIsAskedOfAProgramThatDoesNotRunStartsIt) {
+    startProgram({"--show"});
+    waitForSwitcher();
+    input.tap(key::down);
+    input.tap(key::enter);
+    EXPECT_TRUE(desktop.waitForActiveWindow(windows.front()->id())) << "it opened with the windows in it";
+}
+
+TEST_F(ApplicationTest, TheDesktopsActionsReachItOverTheBus) {
+    startBus();
+    startProgram();
+    EXPECT_EQ(activateAction("settings").type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(waitForWindow("Ferrowyn Settings"));
+    EXPECT_EQ(activateAction("setup").type(), QDBusMessage::ReplyMessage);
+    const auto setup = waitForWindow("Ferrowyn Setup");
+    ASSERT_TRUE(setup);
+    EXPECT_TRUE(desktop.waitForActiveWindow(*setup));
+    input.tap(key::escape);
+    EXPECT_TRUE(desktop.waitUntil([&] { return !findWindow("Ferrowyn Setup"); }));
+    EXPECT_EQ(activateAction("show").type(), QDBusMessage::ReplyMessage);
+    waitForSwitcher();
+    input.tap(key::escape);
+    EXPECT_TRUE(desktop.waitForPanel(false));
+    EXPECT_EQ(activateAction("explode").type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(activate().type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(waitForWindow("Ferrowyn Setup"));
+    EXPECT_EQ(activateAction("quit").type(), QDBusMessage::ReplyMessage);
+    expectEnd();
+    EXPECT_FALSE(isOnBus());
+    expectKeyboardIsBack();
+}
+
+TEST_F(ApplicationTest, TheCommandLineReachesItFromWhereThereIsNoDisplay) {
+    startBus();
+    startProgram();
+    auto elsewhere = environment();
+    elsewhere["DISPLAY"] = "";
+    EXPECT_EQ(run({"--show"}, elsewhere).status, 0);
+    ASSERT_TRUE(desktop.waitForPanel(true));
+    EXPECT_EQ(run({"--quit"}, elsewhere).status, 0);
+    expectEnd();
+    const auto late = run({"--settings"}, elsewhere);
+    EXPECT_EQ(late.status, 1);
+    EXPECT_THAT(late.output, HasSubstr("DISPLAY is not set"));
+}
+
+TEST_F(ApplicationTest, TheBusStartsItSilentlyWhenALauncherOpensIt) {
+    startBus();
+    EXPECT_EQ(activate().type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(activateAction("show").type(), QDBusMessage::ReplyMessage);
+    ASSERT_TRUE(desktop.waitForPanel(true));
+    EXPECT_FALSE(findWindow("Ferrowyn Setup"));
+    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_FALSE(isOnBus());
+    expectKeyboardIsBack();
+}
+
+TEST_F(ApplicationTest, TheBusStartsItForAnAction) {
+    startBus();
+    EXPECT_EQ(activateAction("show").type(), QDBusMessage::ReplyMessage);
+    ASSERT_TRUE(desktop.waitForPanel(true));
+    EXPECT_EQ(activateAction("quit").type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(desktop.waitForPanel(false));
+}
+
+}  // namespace
+}  // namespace ferrowyn::x11test
