@@ -103,7 +103,7 @@ public:
         qputenv("DISPLAY", QByteArray::fromStdString(server.display()));
         qputenv("QT_QPA_PLATFORM", "xcb");
         qputenv("QT_SCALE_FACTOR", QByteArray::fromStdString(options.scale));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "");
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
         application = std::make_unique<QApplication>(argumentCount, arguments);
         events = std::make_unique<X11PanelEvents>(X11Connection::open(server.display().c_str()));
         screens = std::make_unique<X11Screens>(*events);

@@ -66,7 +66,8 @@ std::map<std::string, std::string> PrivateXServer::clientEnvironment() const {
         {"XDG_SESSION_TYPE", "x11"},
         {"WAYLAND_DISPLAY", ""},
         {"XAUTHORITY", ""},
-        {"DBUS_SESSION_BUS_ADDRESS", ""},
+        // An empty one has some libraries start a bus, which nobody ends.
+        {"DBUS_SESSION_BUS_ADDRESS", "disabled:"},
         {"XDG_CURRENT_DESKTOP", ""},
         {"DESKTOP_SESSION", ""},
         {"GSETTINGS_BACKEND", "memory"},
