@@ -120,6 +120,17 @@ TEST_F(StatusMenuPopupTest, APressOutsideClosesTheMenu) {
     EXPECT_FALSE(popup->isVisible());
 }
 
+TEST_F(StatusMenuPopupTest, AWindowThatTakesTheFocusClosesTheMenu) {
+    QWidget window;
+    window.show();
+    window.activateWindow();
+    for (int turn = 0; turn < 50 && popup->isVisible(); ++turn) {
+        QCoreApplication::processEvents();
+    }
+    EXPECT_FALSE(popup->isVisible());
+    EXPECT_THAT(happened, ElementsAre("closed"));
+}
+
 TEST_F(StatusMenuPopupTest, ArrowsGoThroughEverythingThatCanBeChosenAndAround) {
     key(Qt::Key_Down);
     EXPECT_EQ(selectedTitle(), "Open Switcher");
