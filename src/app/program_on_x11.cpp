@@ -24,6 +24,7 @@
 #include "platform/x11/x11_wayland_session.h"
 #include "ui/popup_status_item.h"
 #include "ui/tray_symbol.h"
+#include "ui/window_icon.h"
 
 namespace ferrowyn {
 
@@ -42,6 +43,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(windowIcon());
     QApplication::setDesktopFileName(QString::fromUtf8(applicationId.data(), applicationId.size()));
 
     const auto desktop = X11Platform::create(
