@@ -72,8 +72,6 @@ void setAppearancePane(WindowTexts& texts) {
         translatable("Ferrowyn", "Each application heads a section listing its own windows.");
     texts.settings.gridDescription = translatable("Ferrowyn", "Large icons like the system switcher, five across.");
     texts.settings.maximumRows = translatable("Ferrowyn", "Show up to %1 rows before scrolling");
-    texts.settings.fewerRows = translatable("Ferrowyn", "Fewer rows");
-    texts.settings.moreRows = translatable("Ferrowyn", "More rows");
     texts.settings.showHints = translatable("Ferrowyn", "Show shortcut hints");
 }
 

@@ -57,8 +57,6 @@ struct WindowTexts {
         std::string_view groupedDescription;
         std::string_view gridDescription;
         std::string_view maximumRows;
-        std::string_view fewerRows;
-        std::string_view moreRows;
         std::string_view showHints;
 
         std::string_view orderingSection;
@@ -118,7 +116,7 @@ struct WindowTexts {
     Settings settings;
     Onboarding onboarding;
     About about;
-    /// Between the keys of the setup window's list, and Shift as this desktop's keyboards name it.
+    /// Shift, as this desktop's keyboards name it.
     std::string_view shiftKey;
 };
 

@@ -65,8 +65,8 @@ AboutContent::AboutContent(const Platform& platform, int iconSize) {
                               TextStyle::note, Tone::secondary));
     connect(site, &QAbstractButton::clicked, this,
             [&workspace = platform.workspace] { workspace.open(product_site::homePage); });
-    setAccessibleName(translated(about_lines::accessibilitySummary(bundle, texts)));
     setAccessibleRole(*this, QAccessible::Grouping);
+    setAccessibleName(translated(about_lines::accessibilitySummary(bundle, texts)));
 }
 
 }  // namespace ferrowyn

@@ -6,6 +6,7 @@
 #include <QWheelEvent>
 #include <algorithm>
 
+#include "ui/accessible_choice_box.h"
 #include "ui/control_painting.h"
 #include "ui/text_style.h"
 
@@ -35,6 +36,12 @@ void paintArrows(QPainter& painter, const QPointF& middle, const QColor& color) 
 ChoiceBox::ChoiceBox() {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
+    installChoiceBoxAccessibility();
+    // What is said of a choice follows it; the toolkit tells of the name alone.
+    connect(this, &QComboBox::currentIndexChanged, this, [this] {
+        QAccessibleValueChangeEvent event(this, currentText());
+        QAccessible::updateAccessibility(&event);
+    });
     adopt();
 }
 

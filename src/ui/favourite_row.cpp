@@ -36,8 +36,8 @@ FavouriteRow::FavouriteRow(const std::string& name, std::shared_ptr<const IconIm
     line->addStretch();
     line->addWidget(remove_);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setAccessibleName(name_);
     setAccessibleRole(*this, QAccessible::ListItem);
+    setAccessibleName(name_);
 }
 
 QSize FavouriteRow::sizeHint() const {

@@ -69,6 +69,8 @@ void FavouritesPane::showFavourites(const std::vector<std::string>& identifiers)
         connect(&row->removeButton(), &QAbstractButton::clicked, this,
                 [this, identifier] { services_.favourites.remove(identifier); });
         pinned_->addRow(row);
+        // Not only when the layout gets to it: the keyboard can go to nothing that is hidden.
+        row->show();
         rows_.push_back(row);
     }
     nothingPinned_->setVisible(rows_.empty());

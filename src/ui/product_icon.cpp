@@ -15,8 +15,8 @@ namespace ferrowyn {
 ProductIcon::ProductIcon(int side, const QString& name) {
     loadIconResource();
     setFixedSize(side, side);
-    setAccessibleName(name);
     setAccessibleRole(*this, QAccessible::Graphic);
+    setAccessibleName(name);
 }
 
 void ProductIcon::paintEvent(QPaintEvent* /*event*/) {

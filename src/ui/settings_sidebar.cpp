@@ -32,7 +32,7 @@ public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& /*option*/, const QModelIndex& /*index*/) const override {
-        return {SettingsSidebar::width - 2 * sideMargin, rowHeight};
+        return {SettingsSidebar::barWidth - 2 * sideMargin, rowHeight};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
@@ -77,7 +77,7 @@ SettingsSidebar::SettingsSidebar(const WindowTexts& texts) {
         addItem(translated(title(pane, texts)));
     }
     setItemDelegate(new RowDelegate(this));
-    setFixedWidth(width);
+    setFixedWidth(barWidth);
     setFrameShape(QFrame::NoFrame);
     setViewportMargins(sideMargin, topMargin, sideMargin, 0);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -11,7 +11,7 @@ class SettingsSidebar final : public QListWidget {
     Q_OBJECT
 
 public:
-    static constexpr int width = 190;
+    static constexpr int barWidth = 190;
 
     explicit SettingsSidebar(const WindowTexts& texts);
 

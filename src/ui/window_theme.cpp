@@ -52,6 +52,7 @@ void setDarkColors(WindowTheme& theme) {
     theme.hairline = withAlpha(Qt::white, 0.10);
     theme.selectionInactive = QColor(0x44, 0x46, 0x4E);
     theme.rowHovered = withAlpha(Qt::white, 0.06);
+    theme.keyCapFill = withAlpha(Qt::white, 0.06);
     theme.controlFill = QColor(0x3E, 0x40, 0x48);
     theme.controlFillHovered = QColor(0x48, 0x4A, 0x53);
     theme.controlFillPressed = QColor(0x36, 0x38, 0x3F);

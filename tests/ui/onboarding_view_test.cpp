@@ -1,0 +1,133 @@
+#include "ui/onboarding_view.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+#include "platform/simulated/simulated_application.h"
+#include "services/product_site.h"
+#include "tests/ui/widget_search.h"
+#include "tests/ui/windows_model.h"
+#include "ui/utility_window.h"
+
+namespace ferrowyn {
+namespace {
+
+using test::buttonNamed;
+using test::visibleButtons;
+using test::visibleKeyCaps;
+using test::visibleTexts;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+class OnboardingViewTest : public testing::Test {
+protected:
+    std::unique_ptr<OnboardingView> makeView(test::WindowsModel& from) {
+        return std::make_unique<OnboardingView>(
+            from.platform, from.authorizer, from.preferences, [this] { ++closings; },
+            [] { return std::string("all is well"); });
+    }
+
+    void setTrusted(bool isTrusted) {
+        model.desktop.setTrusted(isTrusted);
+        model.authorizer.refresh();
+    }
+
+    int closings = 0;
+    test::WindowsModel model;
+    std::unique_ptr<OnboardingView> view = makeView(model);
+    const std::string site = "ferrowyn.example";
+};
+
+TEST_F(OnboardingViewTest, GrantedItTeachesTheKeys) {
+    EXPECT_THAT(visibleTexts(*view),
+                ElementsAre("Ferrowyn", "Switch between every open window, not just apps.", "Version 1.0",
+                            "Accessibility access granted", "The switcher is running in the menu bar.", "open / next",
+                            "previous", "jump", "cancel",
+                            "Start typing while the switcher is open to filter by app name or window title."));
+    EXPECT_THAT(visibleKeyCaps(*view), ElementsAre("⌥⇥", "⌥⇧⇥", "⌥1–9", "esc"));
+    EXPECT_THAT(visibleButtons(*view), ElementsAre("Done", site, "Close"));
+}
+
+TEST_F(OnboardingViewTest, TheKeysFollowTheTrigger) {
+    model.preferences.modifier.set(SwitcherModifier::control);
+    EXPECT_THAT(visibleKeyCaps(*view), ElementsAre("⌃⇥", "⌃⇧⇥", "⌃1–9", "esc"));
+}
+
+TEST_F(OnboardingViewTest, NotTrustedItSaysWhatIsMissingAndHowToRepairIt) {
+    setTrusted(false);
+    const WindowTexts::Onboarding& words = macWindowTexts().onboarding;
+    EXPECT_THAT(visibleTexts(*view),
+                ElementsAre("Ferrowyn", "Switch between every open window, not just apps.", "Version 1.0",
+                            "Accessibility access required", std::string(words.requiredExplanation), "1.",
+                            "Open Privacy & Security → Accessibility.", "2.", "Enable Ferrowyn in the list.", "3.",
+                            "Come back here — it detects the change automatically.",
+                            "Switch already on, but still not working?", std::string(words.troubleText)));
+    EXPECT_THAT(visibleButtons(*view),
+                ElementsAre("Open System Settings", "Request Access", "Reveal App", site, "Close"));
+}
+
+TEST_F(OnboardingViewTest, ItChangesByItselfWhenTrustComesAndGoes) {
+    UtilityWindow window(std::move(view), false);
+    window.show();
+    QCoreApplication::processEvents();
+    const int height = window.height();
+    setTrusted(false);
+    QCoreApplication::processEvents();
+    EXPECT_THAT(visibleTexts(window), Contains("Accessibility access required"));
+    EXPECT_THAT(visibleTexts(window), Not(Contains("Accessibility access granted")));
+    EXPECT_NE(window.height(), height) << "the window takes the size of what it shows";
+    model.desktop.setTrusted(true, true);
+    model.desktop.advance(Seconds(1));
+    QCoreApplication::processEvents();
+    EXPECT_THAT(visibleTexts(window), Contains("Accessibility access granted"));
+    EXPECT_EQ(window.height(), height);
+}
+
+TEST_F(OnboardingViewTest, EachButtonDoesWhatItSays) {
+    setTrusted(false);
+    model.desktop.takeControlCalls();
+    buttonNamed(*view, "Open System Settings")->click();
+    EXPECT_THAT(model.desktop.takeControlCalls(),
+                ElementsAre("open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    EXPECT_EQ(model.desktop.trustPromptCount(), 0);
+    buttonNamed(*view, "Request Access")->click();
+    EXPECT_EQ(model.desktop.trustPromptCount(), 1);
+    EXPECT_TRUE(model.authorizer.hasRequestedTrust());
+    buttonNamed(*view, "Reveal App")->click();
+    EXPECT_EQ(model.desktop.application().revealCount, 1);
+    buttonNamed(*view, site)->click();
+    EXPECT_THAT(model.desktop.takeControlCalls(), ElementsAre("open " + std::string(product_site::homePage)));
+    EXPECT_EQ(closings, 0);
+    buttonNamed(*view, "Close")->click();
+    EXPECT_EQ(closings, 1);
+}
+
+TEST_F(OnboardingViewTest, DoneClosesIt) {
+    buttonNamed(*view, "Done")->click();
+    EXPECT_EQ(closings, 1);
+}
+
+TEST_F(OnboardingViewTest, OnALinuxDesktopItExplainsTheWindowManager) {
+    test::WindowsModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.setTrusted(false); });
+    const auto setup = makeView(desktop);
+    EXPECT_THAT(visibleTexts(*setup), Contains(std::string(linuxWindowTexts().onboarding.requiredExplanation)));
+    EXPECT_THAT(visibleTexts(*setup), Contains(std::string(linuxWindowTexts().onboarding.firstStep)));
+    EXPECT_THAT(visibleButtons(*setup), ElementsAre("Check Again", "Copy Report", "Reveal App", site, "Close"));
+    desktop.desktop.setTrusted(true);
+    buttonNamed(*setup, "Check Again")->click();
+    EXPECT_THAT(visibleTexts(*setup), Contains("The switcher is running in the background."));
+    EXPECT_THAT(visibleKeyCaps(*setup), ElementsAre("Alt+Tab", "Alt+Shift+Tab", "Alt+1–9", "Esc"));
+}
+
+TEST_F(OnboardingViewTest, TheReportIsCopied) {
+    test::WindowsModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.setTrusted(false); });
+    const auto setup = makeView(desktop);
+    buttonNamed(*setup, "Copy Report")->click();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("all is well"));
+    const OnboardingView without(desktop.platform, desktop.authorizer, desktop.preferences, [] {});
+    EXPECT_THAT(visibleButtons(without), Not(Contains("Copy Report")));
+}
+
+}  // namespace
+}  // namespace ferrowyn

@@ -1,0 +1,173 @@
+#include "ui/utility_window_controller.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QScreen>
+#include <QWindow>
+#include <cstdlib>
+
+#include "platform/simulated/simulated_application.h"
+
+namespace ferrowyn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class UtilityWindowControllerTest : public testing::Test {
+protected:
+    UtilityWindowController make(const char* title, bool isResizable = false) {
+        return {application, Phrase{title, {}}, isResizable, [this] {
+                    ++builds;
+                    auto content = std::make_unique<QLabel>(QStringLiteral("content"));
+                    content->setMinimumSize(200, 100);
+                    return content;
+                }};
+    }
+
+    static void processEvents() { QCoreApplication::processEvents(); }
+
+    SimulatedApplication application{1};
+    int builds = 0;
+};
+
+TEST_F(UtilityWindowControllerTest, NothingIsMadeBeforeTheFirstShow) {
+    const UtilityWindowController controller = make("Ferrowyn Setup");
+    EXPECT_EQ(controller.window(), nullptr);
+    EXPECT_EQ(builds, 0);
+    EXPECT_THAT(application.policies, IsEmpty());
+}
+
+TEST_F(UtilityWindowControllerTest, ShowingMakesTheProgramRegularAndActive) {
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.show();
+    processEvents();
+    EXPECT_THAT(application.policies, ElementsAre(ActivationPolicy::regular));
+    EXPECT_EQ(application.activationCount, 1);
+    ASSERT_NE(controller.window(), nullptr);
+    EXPECT_TRUE(controller.window()->isVisible());
+    EXPECT_EQ(controller.window()->windowTitle(), QStringLiteral("Ferrowyn Setup"));
+    EXPECT_THAT(application.broughtToFront, ElementsAre(static_cast<WindowId>(controller.window()->winId())));
+}
+
+TEST_F(UtilityWindowControllerTest, ShowingTwiceBringsTheSameWindowToTheFront) {
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.show();
+    processEvents();
+    const QWidget* const first = controller.window();
+    controller.show();
+    processEvents();
+    EXPECT_EQ(controller.window(), first);
+    EXPECT_EQ(builds, 1);
+    EXPECT_EQ(application.activationCount, 2);
+    EXPECT_EQ(application.broughtToFront.size(), 2U);
+    EXPECT_TRUE(controller.window()->isActiveWindow());
+}
+
+TEST_F(UtilityWindowControllerTest, AClosedWindowIsKeptAndShownAgain) {
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.show();
+    processEvents();
+    controller.close();
+    EXPECT_FALSE(controller.window()->isVisible());
+    controller.show();
+    processEvents();
+    EXPECT_TRUE(controller.window()->isVisible());
+    EXPECT_EQ(builds, 1);
+    EXPECT_EQ(application.broughtToFront.size(), 2U);
+    EXPECT_THAT(application.policies,
+                ElementsAre(ActivationPolicy::regular, ActivationPolicy::accessory, ActivationPolicy::regular));
+}
+
+TEST_F(UtilityWindowControllerTest, AMinimisedWindowIsRestored) {
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.show();
+    controller.window()->showMinimized();
+    controller.show();
+    EXPECT_FALSE(controller.window()->isMinimized());
+}
+
+TEST_F(UtilityWindowControllerTest, OnlyTheLastWindowToCloseGivesUpThePlaceAmongTheApplications) {
+    UtilityWindowController setup = make("Ferrowyn Setup");
+    UtilityWindowController settings = make("Ferrowyn Settings", true);
+    setup.show();
+    settings.show();
+    application.policies.clear();
+    setup.close();
+    EXPECT_THAT(application.policies, IsEmpty());
+    settings.close();
+    EXPECT_THAT(application.policies, ElementsAre(ActivationPolicy::accessory));
+}
+
+TEST_F(UtilityWindowControllerTest, ThePanelAndTooltipsDoNotCountAsOpenWindows) {
+    QWidget panel(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
+    QWidget tooltip(nullptr, Qt::ToolTip);
+    QWidget menu(nullptr, Qt::Popup);
+    QWidget passive(nullptr, Qt::Window | Qt::WindowDoesNotAcceptFocus);
+    for (QWidget* const other : {&panel, &tooltip, &menu, &passive}) {
+        other->show();
+    }
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.show();
+    application.policies.clear();
+    controller.close();
+    EXPECT_THAT(application.policies, ElementsAre(ActivationPolicy::accessory));
+}
+
+TEST_F(UtilityWindowControllerTest, AnotherOrdinaryWindowCounts) {
+    QWidget other;
+    other.show();
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.show();
+    application.policies.clear();
+    controller.close();
+    EXPECT_THAT(application.policies, IsEmpty());
+}
+
+TEST_F(UtilityWindowControllerTest, ClosingWhatWasNeverShownDoesNothing) {
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.close();
+    EXPECT_THAT(application.policies, IsEmpty());
+}
+
+TEST_F(UtilityWindowControllerTest, OnlyTheResizableOneCanBeResized) {
+    UtilityWindowController fixed = make("Ferrowyn Setup");
+    UtilityWindowController resizable = make("Ferrowyn Settings", true);
+    EXPECT_FALSE(fixed.isResizable());
+    EXPECT_TRUE(resizable.isResizable());
+    fixed.show();
+    resizable.show();
+    processEvents();
+    EXPECT_EQ(fixed.window()->minimumSize(), fixed.window()->maximumSize());
+    resizable.window()->resize(640, 480);
+    EXPECT_EQ(resizable.window()->size(), QSize(640, 480));
+}
+
+TEST_F(UtilityWindowControllerTest, TheWindowIsCentred) {
+    UtilityWindowController controller = make("Ferrowyn Setup");
+    controller.show();
+    processEvents();
+    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+    const QPoint off = QRect(controller.window()->pos(), controller.window()->size()).center() - area.center();
+    EXPECT_LE(std::abs(off.x()), 1);
+    EXPECT_LE(std::abs(off.y()), 1);
+}
+
+TEST_F(UtilityWindowControllerTest, TheKeyboardClosesIt) {
+    for (const auto& [key, modifiers] :
+         {std::pair(Qt::Key_Escape, Qt::NoModifier), std::pair(Qt::Key_W, Qt::ControlModifier)}) {
+        UtilityWindowController controller = make("Ferrowyn Setup");
+        controller.show();
+        processEvents();
+        QKeyEvent press(QEvent::KeyPress, key, modifiers);
+        QApplication::sendEvent(controller.window()->windowHandle(), &press);
+        EXPECT_FALSE(controller.window()->isVisible()) << key;
+    }
+}
+
+}  // namespace
+}  // namespace ferrowyn

@@ -1,0 +1,231 @@
+#include <QAccessible>
+#include <QAccessibleInterface>
+
+#include "tests/ui/settings_view_fixture.h"
+#include "ui/about_view.h"
+#include "ui/choice_box.h"
+#include "ui/onboarding_view.h"
+#include "ui/settings_sidebar.h"
+#include "ui/utility_window.h"
+
+namespace ferrowyn {
+namespace {
+
+using test::SettingsViewTest;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+using Role = QAccessible::Role;
+using Read = std::pair<Role, std::string>;
+
+void read(QAccessibleInterface* element, std::vector<Read>& all) {
+    for (int index = 0; index < element->childCount(); ++index) {
+        QAccessibleInterface* const child = element->child(index);
+        if (child == nullptr || child->state().invisible) {
+            continue;
+        }
+        all.emplace_back(child->role(), child->text(QAccessible::Name).toStdString());
+        read(child, all);
+    }
+}
+
+/// What assistive technology hears in the widget, in its order; not the boxes that only hold others.
+std::vector<Read> heard(QWidget& widget) {
+    std::vector<Read> all;
+    read(QAccessible::queryAccessibleInterface(&widget), all);
+    std::erase_if(all, [](const Read& element) { return element.second.empty(); });
+    return all;
+}
+
+/// What can be operated without a name is lost to whoever cannot see it.
+std::vector<Role> namelessControls(QWidget& widget) {
+    std::vector<Read> all;
+    read(QAccessible::queryAccessibleInterface(&widget), all);
+    std::vector<Role> nameless;
+    for (const auto& [role, name] : all) {
+        const bool isControl = role == Role::CheckBox || role == Role::Button || role == Role::RadioButton ||
+                               role == Role::ComboBox || role == Role::SpinBox || role == Role::List ||
+                               role == Role::ListItem || role == Role::Graphic;
+        if (isControl && name.empty()) {
+            nameless.push_back(role);
+        }
+    }
+    return nameless;
+}
+
+class WindowsAccessibilityTest : public SettingsViewTest {
+protected:
+    WindowsAccessibilityTest() {
+        view.resize(720, 500);
+        view.show();
+        view.activateWindow();
+        QCoreApplication::processEvents();
+    }
+
+    /// The names of the controls that the Tab key goes through, from the sidebar on.
+    std::vector<std::string> tabOrder(SettingsPane pane) {
+        open(pane);
+        QWidget* const sidebar = view.findChild<SettingsSidebar*>();
+        sidebar->setFocus();
+        std::vector<std::string> names;
+        for (int steps = 0; steps < 40; ++steps) {
+            press(*QApplication::focusWidget(), Qt::Key_Tab);
+            QWidget* const focus = QApplication::focusWidget();
+            if (focus == sidebar) {
+                return names;
+            }
+            names.push_back(QAccessible::queryAccessibleInterface(focus)->text(QAccessible::Name).toStdString());
+        }
+        ADD_FAILURE() << "the Tab key never came back";
+        return names;
+    }
+};
+
+TEST_F(WindowsAccessibilityTest, NoControlIsWithoutAName) {
+    model.pin({"org.example.mail", "org.example.maps"});
+    for (const auto pane : allSettingsPanes) {
+        open(pane);
+        EXPECT_THAT(namelessControls(view), IsEmpty()) << rawValue(pane);
+    }
+    AboutView about(model.platform, [] {});
+    EXPECT_THAT(namelessControls(about), IsEmpty());
+    OnboardingView setup(model.platform, model.authorizer, model.preferences, [] {});
+    EXPECT_THAT(namelessControls(setup), IsEmpty());
+}
+
+TEST_F(WindowsAccessibilityTest, TheSidebarIsAListOfPanes) {
+    QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(view.findChild<SettingsSidebar*>());
+    EXPECT_EQ(list->role(), Role::List);
+    EXPECT_EQ(list->text(QAccessible::Name), QStringLiteral("Settings"));
+    ASSERT_EQ(list->childCount(), 6);
+    EXPECT_EQ(list->child(0)->role(), Role::ListItem);
+    EXPECT_EQ(list->child(4)->text(QAccessible::Name), QStringLiteral("Favourites"));
+    EXPECT_TRUE(list->child(0)->state().selected);
+}
+
+TEST_F(WindowsAccessibilityTest, TheGeneralPaneIsRead) {
+    EXPECT_THAT(heard(open(SettingsPane::general)),
+                ElementsAreArray(std::vector<Read>{
+                    {Role::StaticText, "General"},
+                    {Role::CheckBox, "Launch Ferrowyn at login"},
+                    {Role::StaticText, "Updates"},
+                    {Role::Grouping, "Updates"},
+                    {Role::CheckBox, "Check for updates automatically"},
+                    {Role::StaticText, std::string(macWindowTexts().settings.automaticUpdatesNote)},
+                    {Role::StaticText, "Not checked yet."},
+                    {Role::Button, "Check Now"},
+                    {Role::StaticText, "Permissions"},
+                    {Role::Grouping, "Permissions"},
+                    {Role::StaticText, "Accessibility access granted"},
+                }));
+}
+
+TEST_F(WindowsAccessibilityTest, NotesDescribeTheirControls) {
+    const auto description = [](QWidget& control) {
+        return QAccessible::queryAccessibleInterface(&control)->text(QAccessible::Description).toStdString();
+    };
+    QWidget& pane = open(SettingsPane::windows);
+    EXPECT_EQ(description(*test::buttonNamed(pane, "Windows on other Spaces")),
+              macWindowTexts().settings.otherSpacesNote);
+    QAbstractButton& order = *test::buttonNamed(pane, "Show the active app's windows first");
+    EXPECT_EQ(description(order), macWindowTexts().settings.activeAppFirstOnNote);
+    order.click();
+    EXPECT_EQ(description(order), macWindowTexts().settings.activeAppFirstOffNote);
+}
+
+TEST_F(WindowsAccessibilityTest, ChoicesHaveTheirRoles) {
+    EXPECT_THAT(heard(open(SettingsPane::shortcut)), Contains(Read(Role::ComboBox, "Summon with")));
+    QAccessibleInterface* const trigger = QAccessible::queryAccessibleInterface(view.findChild<ChoiceBox*>());
+    EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Option + Tab"));
+    model.preferences.modifier.set(SwitcherModifier::control);
+    EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Control + Tab"));
+    EXPECT_FALSE(trigger->state().expanded);
+    trigger->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    EXPECT_TRUE(trigger->state().expanded);
+    trigger->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    EXPECT_FALSE(trigger->state().expanded);
+    const auto appearance = heard(open(SettingsPane::appearance));
+    EXPECT_THAT(appearance, Contains(Read(Role::RadioButton, "Grouped")));
+    EXPECT_THAT(appearance, Contains(Read(Role::SpinBox, "Show up to 9 rows before scrolling")));
+    EXPECT_THAT(appearance, Contains(Read(Role::Grouping, "Layout")));
+    model.pin({"org.example.mail"});
+    const auto favourites = heard(open(SettingsPane::favourites));
+    EXPECT_THAT(favourites, Contains(Read(Role::ListItem, "mail")));
+    EXPECT_THAT(favourites, Contains(Read(Role::Button, "Remove mail from favourites")));
+    EXPECT_THAT(heard(open(SettingsPane::about)), Contains(Read(Role::Grouping, "About Ferrowyn, version 1.0")));
+}
+
+TEST_F(WindowsAccessibilityTest, TheTabKeyGoesThroughEveryControlInReadingOrder) {
+    model.pin({"org.example.mail", "org.example.maps"});
+    EXPECT_THAT(tabOrder(SettingsPane::general),
+                ElementsAre("Launch Ferrowyn at login", "Check for updates automatically", "Check Now"));
+    EXPECT_THAT(tabOrder(SettingsPane::shortcut), ElementsAre("Summon with", "Switch when the modifier is released"));
+    EXPECT_THAT(tabOrder(SettingsPane::appearance),
+                ElementsAre("List", "Show up to 9 rows before scrolling", "Show shortcut hints"));
+    EXPECT_THAT(tabOrder(SettingsPane::windows),
+                ElementsAre("Show the active app's windows first", "Minimised windows", "Windows on other Spaces"));
+    EXPECT_THAT(tabOrder(SettingsPane::favourites),
+                ElementsAre("Show favourite apps first", "Remove mail from favourites", "Remove maps from favourites",
+                            "Remove All"));
+    EXPECT_THAT(tabOrder(SettingsPane::about), ElementsAre("ferrowyn.example"));
+}
+
+TEST_F(WindowsAccessibilityTest, SpaceWorksTheFocusedControl) {
+    open(SettingsPane::windows);
+    view.findChild<SettingsSidebar*>()->setFocus();
+    press(*QApplication::focusWidget(), Qt::Key_Tab);
+    press(*QApplication::focusWidget(), Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+    EXPECT_FALSE(model.preferences.showActiveAppWindowsFirst.get());
+    press(*QApplication::focusWidget(), Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+    EXPECT_TRUE(model.preferences.showActiveAppWindowsFirst.get());
+}
+
+TEST_F(WindowsAccessibilityTest, TheKeyboardsPlaceIsSeen) {
+    QWidget& pane = open(SettingsPane::windows);
+    const auto picture = [&pane] {
+        QImage image(pane.size(), QImage::Format_RGB32);
+        pane.render(&image);
+        return image;
+    };
+    view.findChild<SettingsSidebar*>()->setFocus();
+    const QImage before = picture();
+    press(*QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_EQ(QApplication::focusWidget(), test::buttonNamed(pane, "Show the active app's windows first"));
+    EXPECT_NE(picture(), before);
+}
+
+TEST_F(WindowsAccessibilityTest, AFocusedControlIsScrolledIntoSight) {
+    view.resize(560, 340);
+    model.pin({"a.one", "a.two", "a.three", "a.four", "a.five", "a.six", "a.seven", "a.eight"});
+    QWidget& pane = open(SettingsPane::favourites);
+    QCoreApplication::processEvents();
+    QWidget* const removeAll = test::buttonNamed(pane, "Remove All");
+    ASSERT_TRUE(removeAll->visibleRegion().isEmpty()) << "it is out of sight at first";
+    view.findChild<SettingsSidebar*>()->setFocus();
+    for (int step = 0; step < 10; ++step) {
+        press(*QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    ASSERT_EQ(QApplication::focusWidget(), removeAll);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(removeAll->visibleRegion().boundingRect(), removeAll->rect());
+}
+
+TEST_F(WindowsAccessibilityTest, TheSetupWindowIsRead) {
+    UtilityWindow window(std::make_unique<OnboardingView>(model.platform, model.authorizer, model.preferences, [] {}),
+                         false);
+    model.desktop.setTrusted(false);
+    model.authorizer.refresh();
+    window.show();
+    const auto all = heard(window);
+    EXPECT_THAT(all, Contains(Read(Role::Graphic, "Ferrowyn")));
+    EXPECT_THAT(all, Contains(Read(Role::StaticText, "Accessibility access required")));
+    for (const char* const button : {"Open System Settings", "Request Access", "Reveal App", "Close"}) {
+        EXPECT_THAT(all, Contains(Read(Role::Button, button)));
+    }
+    EXPECT_THAT(all, testing::Not(Contains(Read(Role::Button, "Done")))) << "what is hidden is not read";
+}
+
+}  // namespace
+}  // namespace ferrowyn
