@@ -28,6 +28,7 @@
 #include "ui/popup_status_item.h"
 #include "ui/translations.h"
 #include "ui/tray_symbol.h"
+#include "ui/window_icon.h"
 
 namespace ferrowyn {
 
@@ -47,6 +48,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
     installTranslations(application, QLocale());
+    QApplication::setWindowIcon(windowIcon());
     QApplication::setDesktopFileName(QString::fromUtf8(applicationId.data(), applicationId.size()));
 
     const auto desktop = X11Platform::create(

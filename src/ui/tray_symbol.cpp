@@ -10,7 +10,7 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr double rimOpacity = 0.28;
+constexpr double rimOpacity = 0.4;
 
 void paintRim(QPainter& painter, SymbolImages& images, const std::string& symbol, int side, QColor color) {
     color.setAlphaF(static_cast<float>(rimOpacity));

@@ -18,19 +18,25 @@ QImage plainIcon(const std::string& /*symbol*/, int side, const std::optional<QC
 }  // namespace
 
 TrayRig::TrayRig(const Options& options)
-    : bus(server), manager(server, "openbox"), desktop(server.display()), input(server.display()) {
+    : server({options.screen}),
+      bus(server),
+      manager(server, "openbox"),
+      desktop(server.display()),
+      input(server.display()) {
     qputenv("DISPLAY", QByteArray::fromStdString(server.display()));
     qputenv("QT_QPA_PLATFORM", "xcb");
+    qputenv("QT_SCALE_FACTOR", QByteArray::fromStdString(options.scale));
     qputenv("DBUS_SESSION_BUS_ADDRESS", "");
     application = std::make_unique<QApplication>(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
     mainLoop = std::make_unique<QtMainLoop>();
     backgroundWork = std::make_unique<QtBackgroundWork>();
-    const auto makeEmbedded = [this] {
-        return std::make_unique<X11TrayIcon>(X11Connection::open(server.display().c_str()), *mainLoop, plainIcon);
+    const TraySymbolPainter painter = options.draws ? options.draws : plainIcon;
+    const auto makeEmbedded = [this, painter] {
+        return std::make_unique<X11TrayIcon>(X11Connection::open(server.display().c_str()), *mainLoop, painter);
     };
     icon = std::make_unique<LinuxTrayIcon>(*mainLoop, *backgroundWork,
-                                           options.hasBus ? std::optional(bus.address()) : std::nullopt, plainIcon,
+                                           options.hasBus ? std::optional(bus.address()) : std::nullopt, painter,
                                            options.hasFallback ? LinuxTrayIcon::MakeFallback(makeEmbedded) : nullptr);
     item = std::make_unique<PopupStatusItem>(*icon, linuxTexts());
     item->setButton({"macwindow.on.rectangle", "Ferrowyn", "Ferrowyn"});

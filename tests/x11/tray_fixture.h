@@ -35,6 +35,10 @@ public:
         bool hasBus = true;
         /// Whether the icon may be embedded.
         bool hasFallback = true;
+        /// Draws the icon; a plain square of `iconColor` by default.
+        TraySymbolPainter draws;
+        std::string scale = "1";
+        std::string screen = "1280x800x24";
     };
 
     TrayRig() : TrayRig(Options{}) {}

@@ -64,6 +64,22 @@ TEST(TrayTest, ATrayThatEmbedsWindowsShowsTheIconAndBothButtonsOpenTheMenuBeside
     expectBothButtonsToOpenTheMenu(rig);
 }
 
+TEST(TrayTest, OnAScreenOfDoubleResolutionTheMenuIsBesideTheIconToo) {
+    TrayRig rig({.hasBus = false, .scale = "2", .screen = "2560x1600x24"});
+    const auto host = rig.startHost("trayer");
+    ASSERT_TRUE(rig.waitForHost(Host::fallback));
+    const auto menu = rig.openMenu(leftButton);
+    ASSERT_TRUE(menu);
+    const auto icon = rig.iconPlace();
+    ASSERT_TRUE(icon);
+    EXPECT_EQ(menu->width, 2 * menuWidth);
+    EXPECT_LE(menu->x, icon->x + icon->width);
+    EXPECT_GE(menu->x + menu->width, icon->x);
+    EXPECT_LE(menu->x + menu->width, 2560);
+    EXPECT_LE(menu->y + menu->height, icon->y);
+    EXPECT_GE(menu->y + menu->height, icon->y - 32);
+}
+
 TEST(TrayTest, TheIconComesBackWhenTheHostIsRestarted) {
     TrayRig rig;
     auto host = rig.startHost("lxqt-panel");
