@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QLocale>
 #include <chrono>
 #include <iostream>
 #include <memory>
@@ -7,6 +8,8 @@
 #include <utility>
 
 #include "app/app_delegate.h"
+#include "app/doctor.h"
+#include "app/doctor_report.h"
 #include "app/outside_requests.h"
 #include "app/program.h"
 #include "app/qt_user_interface.h"
@@ -23,7 +26,9 @@
 #include "platform/x11/x11_platform.h"
 #include "platform/x11/x11_wayland_session.h"
 #include "ui/popup_status_item.h"
+#include "ui/translations.h"
 #include "ui/tray_symbol.h"
+#include "ui/window_icon.h"
 
 namespace ferrowyn {
 
@@ -42,6 +47,8 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    installTranslations(application, QLocale());
+    QApplication::setWindowIcon(windowIcon());
     QApplication::setDesktopFileName(QString::fromUtf8(applicationId.data(), applicationId.size()));
 
     const auto desktop = X11Platform::create(
@@ -53,9 +60,13 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     const auto trayIcon = desktop->makeTrayIcon(traySymbol);
-    QtUserInterface userInterface(platform, [&] {
-        return std::make_unique<PopupStatusItem>(*trayIcon, platform.texts, [&] { return desktop->isComposited(); });
-    });
+    QtUserInterface userInterface(
+        platform,
+        [&] {
+            return std::make_unique<PopupStatusItem>(*trayIcon, platform.texts,
+                                                     [&] { return desktop->isComposited(); });
+        },
+        [] { return formatted(examineSession(FERROWYN_VERSION)); });
     AppDelegate delegate(platform, userInterface);
     desktop->setSettingsPageHandler([&delegate](std::string_view url) { return delegate.showSettingsPage(url); });
     delegate.applicationDidFinishLaunching();

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "app/user_interface.h"
 
@@ -14,7 +15,10 @@ class QtUserInterface final : public UserInterface {
 public:
     using StatusItemFactory = std::function<std::unique_ptr<StatusItem>()>;
 
-    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem);
+    /// Describes this desktop for a bug report.
+    using ReportMaker = std::function<std::string()>;
+
+    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport = nullptr);
 
     [[nodiscard]] std::string translated(const Phrase& phrase) override;
     [[nodiscard]] SwitcherContentFactory switcherContentFactory() override;
@@ -30,6 +34,7 @@ public:
 private:
     const Platform& platform_;
     StatusItemFactory makeStatusItem_;
+    ReportMaker makeReport_;
 };
 
 }  // namespace ferrowyn

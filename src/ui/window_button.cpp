@@ -47,7 +47,8 @@ QSize WindowButton::sizeHint() const {
         return {symbolButtonSide, symbolButtonSide};
     }
     const int textWidth = fontMetrics().horizontalAdvance(text()) + 1;
-    return look_ == Look::link ? QSize(textWidth, fontMetrics().height() + 2) : QSize(textWidth + 2 * padding, controlHeight);
+    return look_ == Look::link ? QSize(textWidth, fontMetrics().height() + 2)
+                               : QSize(textWidth + 2 * padding, controlHeight);
 }
 
 bool WindowButton::event(QEvent* event) {

@@ -5,6 +5,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 class ApplicationTest : public ApplicationFixture {};
 
@@ -37,6 +38,9 @@ TEST_F(ApplicationTest, TheCommandLineOpensTheWindows) {
     const auto settings = waitForWindow("Ferrowyn Settings");
     ASSERT_TRUE(settings);
     EXPECT_TRUE(desktop.waitForActiveWindow(*settings));
+    // What a task bar finds the desktop file by, and what it shows without one.
+    EXPECT_THAT(desktop.text(*settings, "WM_CLASS"), HasSubstr(std::string("ferrowyn") + '\0' + "ferrowyn"));
+    EXPECT_THAT(desktop.cardinals(*settings, "_NET_WM_ICON"), Not(IsEmpty()));
     EXPECT_EQ(run({"--setup"}).status, 0);
     const auto setup = waitForWindow("Ferrowyn Setup");
     ASSERT_TRUE(setup);
