@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/app_delegate.h"
+#include "app/doctor.h"
 #include "app/outside_requests.h"
 #include "app/program.h"
 #include "app/qt_user_interface.h"
@@ -55,15 +56,19 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     const auto trayIcon = desktop->makeTrayIcon(traySymbol);
-    QtUserInterface userInterface(platform, [&] {
-        return std::make_unique<PopupStatusItem>(*trayIcon, platform.texts, [&] { return desktop->isComposited(); });
-    });
+    QtUserInterface userInterface(
+        platform,
+        [&] {
+            return std::make_unique<PopupStatusItem>(*trayIcon, platform.texts,
+                                                     [&] { return desktop->isComposited(); });
+        },
+        [] { return formatted(examineSession(FERROWYN_VERSION)); });
     AppDelegate delegate(platform, userInterface);
     desktop->setSettingsPageHandler([&delegate](std::string_view url) { return delegate.showSettingsPage(url); });
     delegate.applicationDidFinishLaunching();
     OutsideRequests requests(platform, delegate, line);
     requests.offerOnBus(SessionLock::Buses::fromEnvironment().session);
-    instance.listen([&requests](ProgramRequest request) { requests.perform(request); });
+    const auto listening = instance.listen([&requests](ProgramRequest request) { requests.perform(request); });
     platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     const int status = QApplication::exec();
     delegate.applicationWillTerminate();

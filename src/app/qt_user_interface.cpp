@@ -31,8 +31,9 @@ private:
 
 }  // namespace
 
-QtUserInterface::QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem)
-    : platform_(platform), makeStatusItem_(std::move(makeStatusItem)) {}
+QtUserInterface::QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem,
+                                 std::function<std::string()> makeReport)
+    : platform_(platform), makeStatusItem_(std::move(makeStatusItem)), makeReport_(std::move(makeReport)) {}
 
 std::string QtUserInterface::translated(const Phrase& phrase) {
     return ferrowyn::translated(phrase).toStdString();
@@ -46,8 +47,10 @@ std::unique_ptr<OnDemandWindow> QtUserInterface::makeOnboardingWindow(const Wind
                                                                       AppServices& services,
                                                                       std::function<void()> onDone) {
     return std::make_unique<HostedWindow>(
-        platform_.application, options, [&platform = platform_, &services, onDone = std::move(onDone)] {
-            return std::make_unique<OnboardingView>(platform, services.authorizer(), services.preferences(), onDone);
+        platform_.application, options,
+        [&platform = platform_, &services, onDone = std::move(onDone), makeReport = makeReport_] {
+            return std::make_unique<OnboardingView>(platform, services.authorizer(), services.preferences(), onDone,
+                                                    makeReport);
         });
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "app/user_interface.h"
 
@@ -14,7 +15,9 @@ class QtUserInterface final : public UserInterface {
 public:
     using StatusItemFactory = std::function<std::unique_ptr<StatusItem>()>;
 
-    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem);
+    /// `makeReport` describes this desktop for a bug report; without it the setup window offers none.
+    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem,
+                    std::function<std::string()> makeReport = nullptr);
 
     [[nodiscard]] std::string translated(const Phrase& phrase) override;
     [[nodiscard]] SwitcherContentFactory switcherContentFactory() override;
@@ -30,6 +33,7 @@ public:
 private:
     const Platform& platform_;
     StatusItemFactory makeStatusItem_;
+    std::function<std::string()> makeReport_;
 };
 
 }  // namespace ferrowyn
