@@ -32,6 +32,17 @@ TEST_F(SimulatedMainLoopTest, TimePassesOnlyWhenItIsToldTo) {
     EXPECT_EQ(loop.now() - beginning, Seconds(0.5)) << "exactly: the steps do not add up an error";
 }
 
+TEST_F(SimulatedMainLoopTest, TheCalendarGoesOnWithTheClockFromWhereItIsSet) {
+    EXPECT_EQ(loop.wallTime(), WallTime(Seconds(1'767'225'600))) << "2026-01-01 00:00 UTC";
+    loop.advance(90s);
+    EXPECT_EQ(loop.wallTime(), WallTime(Seconds(1'767'225'690)));
+    const auto before = loop.now();
+    loop.setWallTime(WallTime(Seconds(1000)));
+    loop.advance(1s);
+    EXPECT_EQ(loop.wallTime(), WallTime(Seconds(1001)));
+    EXPECT_EQ(loop.now() - before, Seconds(1)) << "setting the calendar moves no timer";
+}
+
 TEST_F(SimulatedMainLoopTest, RunsTimersInTheOrderOfTheirMoments) {
     const auto second = loop.after(2s, event("second"));
     const auto first = loop.after(1s, event("first"));

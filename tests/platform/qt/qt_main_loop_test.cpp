@@ -21,6 +21,13 @@ protected:
     std::optional<QtMainLoop> loop{std::in_place};
 };
 
+TEST_F(QtMainLoopTest, TheCalendarIsTheSystems) {
+    const WallTime before = std::chrono::system_clock::now();
+    const auto now = loop->wallTime();
+    EXPECT_GE(now, before);
+    EXPECT_LE(now, WallTime(std::chrono::system_clock::now()));
+}
+
 TEST_F(QtMainLoopTest, RunsPostedTasksInOrderAndNeverBeforePostReturns) {
     std::vector<int> order;
     for (int number = 1; number <= 3; ++number) {
