@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QLocale>
 #include <chrono>
 #include <iostream>
 #include <memory>
@@ -8,6 +9,7 @@
 
 #include "app/app_delegate.h"
 #include "app/doctor.h"
+#include "app/doctor_report.h"
 #include "app/outside_requests.h"
 #include "app/program.h"
 #include "app/qt_user_interface.h"
@@ -24,6 +26,7 @@
 #include "platform/x11/x11_platform.h"
 #include "platform/x11/x11_wayland_session.h"
 #include "ui/popup_status_item.h"
+#include "ui/translations.h"
 #include "ui/tray_symbol.h"
 #include "ui/window_icon.h"
 
@@ -44,6 +47,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    installTranslations(application, QLocale());
     QApplication::setWindowIcon(windowIcon());
     QApplication::setDesktopFileName(QString::fromUtf8(applicationId.data(), applicationId.size()));
 

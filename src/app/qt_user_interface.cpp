@@ -31,8 +31,7 @@ private:
 
 }  // namespace
 
-QtUserInterface::QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem,
-                                 std::function<std::string()> makeReport)
+QtUserInterface::QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport)
     : platform_(platform), makeStatusItem_(std::move(makeStatusItem)), makeReport_(std::move(makeReport)) {}
 
 std::string QtUserInterface::translated(const Phrase& phrase) {
@@ -47,10 +46,9 @@ std::unique_ptr<OnDemandWindow> QtUserInterface::makeOnboardingWindow(const Wind
                                                                       AppServices& services,
                                                                       std::function<void()> onDone) {
     return std::make_unique<HostedWindow>(
-        platform_.application, options,
-        [&platform = platform_, &services, onDone = std::move(onDone), makeReport = makeReport_] {
-            return std::make_unique<OnboardingView>(platform, services.authorizer(), services.preferences(), onDone,
-                                                    makeReport);
+        platform_.application, options, [this, &services, onDone = std::move(onDone)] {
+            return std::make_unique<OnboardingView>(platform_, services.authorizer(), services.preferences(), onDone,
+                                                    makeReport_);
         });
 }
 

@@ -15,9 +15,10 @@ class QtUserInterface final : public UserInterface {
 public:
     using StatusItemFactory = std::function<std::unique_ptr<StatusItem>()>;
 
-    /// `makeReport` describes this desktop for a bug report; without it the setup window offers none.
-    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem,
-                    std::function<std::string()> makeReport = nullptr);
+    /// Describes this desktop for a bug report.
+    using ReportMaker = std::function<std::string()>;
+
+    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport = nullptr);
 
     [[nodiscard]] std::string translated(const Phrase& phrase) override;
     [[nodiscard]] SwitcherContentFactory switcherContentFactory() override;
@@ -33,7 +34,7 @@ public:
 private:
     const Platform& platform_;
     StatusItemFactory makeStatusItem_;
-    std::function<std::string()> makeReport_;
+    ReportMaker makeReport_;
 };
 
 }  // namespace ferrowyn

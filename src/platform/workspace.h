@@ -57,6 +57,10 @@ public:
     /// string counts as a name); nothing when it is not installed or cannot be read.
     [[nodiscard]] virtual std::optional<std::string> installedApplicationName(
         std::string_view bundleIdentifier) const = 0;
+    /// Where the installed application with this identifier lies, as `RunningApplication::bundleURL` says it; nothing
+    /// when it is not installed.
+    [[nodiscard]] virtual std::optional<std::string> installedApplicationPath(
+        std::string_view bundleIdentifier) const = 0;
 
     /// Hands the address to the desktop's default handler; false when that could not even be started. A page of the
     /// system settings that this desktop does not have opens the program's own twin of it.

@@ -102,7 +102,12 @@ std::shared_ptr<const IconImage> FavouritesPane::icon(const std::string& identif
             return services_.icons.icon(window).image;
         }
     }
-    // Not through the provider: it would go on showing the stand-in when the application starts.
+    // Not through the provider: it would go on showing a stand-in when the application starts.
+    if (const auto path = platform_.workspace.installedApplicationPath(identifier)) {
+        if (auto image = platform_.icons.iconForFile(*path)) {
+            return image;
+        }
+    }
     return platform_.icons.genericApplicationIcon(name);
 }
 

@@ -94,6 +94,14 @@ TEST_F(FavouritesPaneTest, TheKeyboardStaysInTheListWhenARowGoes) {
     EXPECT_TRUE(buttonNamed(pane, "Remove Maps from favourites")->hasFocus());
 }
 
+TEST_F(FavouritesPaneTest, AnAppKeepsItsIconWhileItDoesNotRun) {
+    // Nobody lists what does not run: its icon comes from where it is installed, or it gets a stand-in.
+    model.pin({"org.example.mail", "org.example.gone"});
+    model.desktop.takeIconLoads();
+    const FavouritesPane shown(model.platformWithRecordedIcons(), model.services);
+    EXPECT_THAT(model.desktop.takeIconLoads(), ElementsAre("file /Applications/org.example.mail.app", "generic gone"));
+}
+
 TEST_F(FavouritesPaneTest, NamesFromOtherProgramsAreOneLine) {
     model.desktop.setInstalledApplicationName("org.example.odd", "Two\nlines\tand a tab");
     model.pin({"org.example.odd"});

@@ -38,6 +38,9 @@ public:
     [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view /*id*/) const override {
         return {};
     }
+    [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view /*id*/) const override {
+        return {};
+    }
     bool open(std::string_view /*url*/) override { return false; }
 };
 

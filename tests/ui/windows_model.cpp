@@ -43,6 +43,10 @@ WindowsModel::WindowsModel(const TextTable& texts, const std::function<void(Simu
       updates(platform, AppVersion("1.0")),
       icons(platform.icons, platform.workspace) {}
 
+Platform WindowsModel::platformWithRecordedIcons() {
+    return withTexts(desktop.platform(), desktop.platform().icons, platform.texts);
+}
+
 void WindowsModel::pin(const std::vector<std::string>& identifiers) {
     for (const auto& identifier : identifiers) {
         AppWindow window;

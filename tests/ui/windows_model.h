@@ -26,6 +26,8 @@ public:
         const TextTable& texts = macTexts(),
         const std::function<void(SimulatedDesktop&)>& arrange = [](SimulatedDesktop&) {});
 
+    /// The same platform with the simulated desktop's own icons, which records what is loaded.
+    [[nodiscard]] Platform platformWithRecordedIcons();
     /// Pins applications whose identifiers are given, in this order.
     void pin(const std::vector<std::string>& identifiers);
 

@@ -23,6 +23,11 @@ std::optional<std::string> SimulatedWorkspace::installedApplicationName(std::str
     return found != installedNames_.end() ? found->second : std::nullopt;
 }
 
+std::optional<std::string> SimulatedWorkspace::installedApplicationPath(std::string_view bundleIdentifier) const {
+    const bool isInstalled = installedNames_.contains(bundleIdentifier);
+    return isInstalled ? std::optional("/Applications/" + std::string(bundleIdentifier) + ".app") : std::nullopt;
+}
+
 bool SimulatedWorkspace::open(std::string_view url) {
     calls_.push_back("open " + std::string(url));
     return !openingFails_;

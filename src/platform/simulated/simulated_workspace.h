@@ -22,6 +22,8 @@ public:
     [[nodiscard]] std::optional<Pid> frontmostPid() const override { return model_.frontmost; }
     [[nodiscard]] Subscription observe(EventHandler handler) override { return events_.subscribe(std::move(handler)); }
     [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view bundleIdentifier) const override;
+    /// "/Applications/<identifier>.app" for one whose name was set.
+    [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view bundleIdentifier) const override;
     bool open(std::string_view url) override;
 
     void announce(const WorkspaceEvent& event) { events_.send(event); }

@@ -134,6 +134,10 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
                const auto entry = entries.byId(identifier);
                return entry ? std::optional(entry->name) : std::nullopt;
            },
+           .installedApplicationPath = [this](std::string_view identifier) -> std::optional<std::string> {
+               const auto entry = entries.byId(identifier);
+               return entry ? std::optional(entry->path) : std::nullopt;
+           },
            .openAddress = openAddress,
            .openSettingsPage = [this](std::string_view url) { return openSettingsPage && openSettingsPage(url); }}),
       application(monitor.model(), control),

@@ -32,6 +32,10 @@ std::optional<std::string> X11Workspace::installedApplicationName(std::string_vi
     return desktop_.installedApplicationName ? desktop_.installedApplicationName(bundleIdentifier) : std::nullopt;
 }
 
+std::optional<std::string> X11Workspace::installedApplicationPath(std::string_view bundleIdentifier) const {
+    return desktop_.installedApplicationPath ? desktop_.installedApplicationPath(bundleIdentifier) : std::nullopt;
+}
+
 bool X11Workspace::open(std::string_view url) {
     if (url.starts_with("x-apple.systempreferences:")) {
         return desktop_.openSettingsPage && desktop_.openSettingsPage(url);

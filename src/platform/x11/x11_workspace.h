@@ -18,6 +18,7 @@ public:
     struct Desktop {
         /// The display name of the installed application with this identifier.
         std::function<std::optional<std::string>(std::string_view)> installedApplicationName;
+        std::function<std::optional<std::string>(std::string_view)> installedApplicationPath;
         /// Hands an address to the desktop's handler without waiting for it; false when that cannot be started.
         std::function<bool(std::string_view)> openAddress;
         /// Shows the program's own page for an address of the system settings; false when there is none (yet).
@@ -32,6 +33,7 @@ public:
     [[nodiscard]] std::optional<Pid> frontmostPid() const override;
     [[nodiscard]] Subscription observe(EventHandler handler) override;
     [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view bundleIdentifier) const override;
+    [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view bundleIdentifier) const override;
     bool open(std::string_view url) override;
 
 private:
