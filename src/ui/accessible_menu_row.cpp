@@ -68,7 +68,7 @@ QRect AccessibleMenuRow::rect() const {
     if (!isValid()) {
         return {};
     }
-    const Rect row = popup_.geometryNow().row(index_);
+    const Rect row = popup_.rowRect(index_);
     const bool isHeader = popup_.rowAt(index_).kind == MenuRow::Kind::header;
     const QRect local = toQt(isHeader ? MenuHeaderView::gearArea(row) : row).toAlignedRect();
     return {popup_.mapToGlobal(local.topLeft()), local.size()};

@@ -46,7 +46,7 @@ public:
 
     QAccessibleInterface* childAt(int x, int y) const override {
         const QPoint local = popup_.mapFromGlobal(QPoint(x, y));
-        const auto index = popup_.geometryNow().rowAt({static_cast<double>(local.x()), static_cast<double>(local.y())});
+        const auto index = popup_.rowUnder(local);
         return index ? child(*index) : nullptr;
     }
 
@@ -59,7 +59,7 @@ private:
     mutable std::map<int, QAccessible::Id> rows_;
 };
 
-QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
+QAccessibleInterface* makeMenuInterface(const QString& className, QObject* object) {
     if (className != QLatin1String(StatusMenuPopup::staticMetaObject.className())) {
         return nullptr;
     }
@@ -71,7 +71,7 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
 
 void installStatusMenuAccessibility() {
     // Qt itself ignores a factory that is installed already.
-    QAccessible::installFactory(makeInterface);
+    QAccessible::installFactory(makeMenuInterface);
 }
 
 void announceMenu(StatusMenuPopup& popup, bool isOpen) {

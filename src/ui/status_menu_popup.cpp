@@ -21,11 +21,11 @@ namespace {
 constexpr double cornerRadius = 10;
 /// Longer titles are elided: a menu is no page.
 constexpr double widestMenu = 420;
-constexpr double anyWidth = 10000;
+constexpr double unboundedWidth = 10000;
 
 double neededHeaderWidth(const MenuHeader& header, TextLines& lines) {
     const auto width = [&](const std::string& text, TextStyle style) {
-        return lines.line(display_text::singleLine(text), style, anyWidth).width();
+        return lines.line(display_text::singleLine(text), style, unboundedWidth).width();
     };
     const double room = MenuGeometry::minimumWidth -
                         MenuHeaderView::titleRect({0, 0, MenuGeometry::minimumWidth, MenuGeometry::headerHeight}).width;
@@ -109,6 +109,7 @@ void StatusMenuPopup::select(std::optional<int> index) {
     }
     update();
     if (index) {
+        scrollToSelection();
         announceSelectedRow(*this, *index);
     }
 }
@@ -147,14 +148,41 @@ void StatusMenuPopup::layOut() {
 }
 
 void StatusMenuPopup::place() {
-    const QScreen* screen = QGuiApplication::screenAt(anchor_.center());
+    const QScreen* screen = QGuiApplication::screenAt(anchor_.isEmpty() ? anchor_.topLeft() : anchor_.center());
     screen = screen != nullptr ? screen : QGuiApplication::primaryScreen();
     if (screen == nullptr) {
         return;
     }
-    const Rect frame = menuPlacement(fromQt(anchor_), {geometry_.width(), geometry_.height()},
-                                     fromQt(screen->geometry()), fromQt(screen->availableGeometry()));
-    setGeometry(toQt(frame).toRect());
+    const Rect available = fromQt(screen->availableGeometry());
+    const Size size{geometry_.width(), std::min(geometry_.height(), available.height)};
+    setGeometry(toQt(menuPlacement(fromQt(anchor_), size, fromQt(screen->geometry()), available)).toRect());
+    scrollTo(scroll_);
+}
+
+Rect StatusMenuPopup::rowRect(int index) const {
+    Rect rect = geometry_.row(index);
+    rect.y -= scroll_;
+    return rect;
+}
+
+std::optional<int> StatusMenuPopup::rowUnder(const QPointF& position) const {
+    return geometry_.rowAt({position.x(), position.y() + scroll_});
+}
+
+void StatusMenuPopup::scrollTo(double scroll) {
+    const double most = std::max(geometry_.height() - height(), 0.0);
+    const double kept = std::clamp(scroll, 0.0, most);
+    if (std::exchange(scroll_, kept) != kept) {
+        update();
+    }
+}
+
+void StatusMenuPopup::scrollToSelection() {
+    if (selected_) {
+        const Rect row = geometry_.row(*selected_);
+        const double below = row.maxY() + MenuGeometry::padding - height();
+        scrollTo(std::min(std::max(scroll_, below), row.minY() - MenuGeometry::padding));
+    }
 }
 
 PaintContext StatusMenuPopup::paintContext(double devicePixelRatio) {
@@ -180,10 +208,9 @@ void StatusMenuPopup::paintEvent(QPaintEvent* /*event*/) {
         const MenuRow& row = rowAt(index);
         const bool isSelected = selected_ == index;
         if (row.kind == MenuRow::Kind::header) {
-            header_.paint(painter, geometry_.row(index), row.header, isSelected && isSelectedByKeyboard_, colors_,
-                          context);
+            header_.paint(painter, rowRect(index), row.header, isSelected && isSelectedByKeyboard_, colors_, context);
         } else {
-            MenuRowView{row, isSelected}.paint(painter, geometry_.row(index), colors_, context);
+            MenuRowView{row, isSelected}.paint(painter, rowRect(index), colors_, context);
         }
     }
 }

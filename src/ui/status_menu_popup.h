@@ -38,6 +38,9 @@ public:
     [[nodiscard]] const StatusMenu& menu() const { return menu_; }
     [[nodiscard]] const MenuRow& rowAt(int index) const { return menu_.at(static_cast<std::size_t>(index)); }
     [[nodiscard]] const MenuGeometry& geometryNow() const { return geometry_; }
+    /// Where the row is now: on a screen that is too small for the menu, it scrolls.
+    [[nodiscard]] Rect rowRect(int index) const;
+    [[nodiscard]] std::optional<int> rowUnder(const QPointF& position) const;
     [[nodiscard]] const MenuColors& colors() const { return colors_; }
     [[nodiscard]] const TextTable& texts() const { return texts_; }
     [[nodiscard]] bool isHoveringGear() const { return header_.isHoveringGear(); }
@@ -58,6 +61,7 @@ protected:
     void leaveEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool event(QEvent* event) override;
 
@@ -74,6 +78,8 @@ private:
     [[nodiscard]] std::optional<int> rowWithKey(const QKeyEvent& event) const;
     void showToolTip(const QPoint& position, const QPoint& globalPosition);
     void takeInput();
+    void scrollTo(double scroll);
+    void scrollToSelection();
 
     StatusMenu menu_;
     const TextTable& texts_;
@@ -90,6 +96,7 @@ private:
     IconImages icons_;
 
     QRect anchor_;
+    double scroll_ = 0;
     std::optional<int> selected_;
     /// Whether the arrow keys, not the pointer, chose the row.
     bool isSelectedByKeyboard_ = false;

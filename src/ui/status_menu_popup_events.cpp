@@ -8,6 +8,7 @@
 #include <QMouseEvent>
 #include <QStyleHints>
 #include <QToolTip>
+#include <QWheelEvent>
 #include <QWindow>
 #include <chrono>
 
@@ -60,17 +61,17 @@ void StatusMenuPopup::takeInput() {
 }
 
 std::optional<int> StatusMenuPopup::itemUnder(const QPointF& position) const {
-    const auto index = geometry_.rowAt({position.x(), position.y()});
+    const auto index = rowUnder(position);
     const bool isItem = index && rowAt(*index).kind == MenuRow::Kind::item && isSelectable(*index);
     return isItem ? index : std::nullopt;
 }
 
 void StatusMenuPopup::pointTo(const QPointF& position) {
     isSelectedByKeyboard_ = false;
-    const auto under = geometry_.rowAt({position.x(), position.y()});
+    const auto under = rowUnder(position);
     bool isChanged = false;
     if (under && rowAt(*under).kind == MenuRow::Kind::header) {
-        isChanged = header_.pointerMoved(geometry_.row(*under), {position.x(), position.y()});
+        isChanged = header_.pointerMoved(rowRect(*under), {position.x(), position.y()});
     } else {
         isChanged = header_.pointerExited();
     }
@@ -102,15 +103,22 @@ void StatusMenuPopup::mouseReleaseEvent(QMouseEvent* event) {
     if (!isArmed_) {
         return;
     }
-    const auto under = geometry_.rowAt({event->position().x(), event->position().y()});
+    const auto under = rowUnder(event->position());
     if (!under) {
         return;
     }
     const Point point{event->position().x(), event->position().y()};
     const bool isHeader = rowAt(*under).kind == MenuRow::Kind::header;
-    if (!isHeader || MenuHeaderView::gearArea(geometry_.row(*under)).contains(point)) {
+    if (!isHeader || MenuHeaderView::gearArea(rowRect(*under)).contains(point)) {
         choose(*under);
     }
+}
+
+void StatusMenuPopup::wheelEvent(QWheelEvent* event) {
+    constexpr double stepsPerNotch = 120;
+    scrollTo(scroll_ - event->angleDelta().y() / stepsPerNotch * MenuGeometry::rowHeight);
+    pointTo(event->position());
+    event->accept();
 }
 
 void StatusMenuPopup::leaveEvent(QEvent* event) {
@@ -138,13 +146,13 @@ bool StatusMenuPopup::event(QEvent* event) {
 }
 
 void StatusMenuPopup::showToolTip(const QPoint& position, const QPoint& globalPosition) {
-    const auto index = geometry_.rowAt({static_cast<double>(position.x()), static_cast<double>(position.y())});
+    const auto index = rowUnder(position);
     if (!index || rowAt(*index).tooltip.empty()) {
         QToolTip::hideText();
         return;
     }
     QToolTip::showText(globalPosition, display_text::singleLine(rowAt(*index).tooltip).toHtmlEscaped(), this,
-                       toQt(geometry_.row(*index)).toRect());
+                       toQt(rowRect(*index)).toRect());
 }
 
 void StatusMenuPopup::keyPressEvent(QKeyEvent* event) {

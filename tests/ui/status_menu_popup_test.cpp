@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <QHelpEvent>
+#include <QScreen>
 #include <QToolTip>
+#include <QWheelEvent>
 
 #include "tests/ui/status_menu_fixture.h"
 #include "ui/contrast.h"
@@ -118,6 +120,17 @@ TEST_F(StatusMenuPopupTest, APressOutsideClosesTheMenu) {
     EXPECT_FALSE(popup->isVisible());
 }
 
+TEST_F(StatusMenuPopupTest, AWindowThatTakesTheFocusClosesTheMenu) {
+    QWidget window;
+    window.show();
+    window.activateWindow();
+    for (int turn = 0; turn < 50 && popup->isVisible(); ++turn) {
+        QCoreApplication::processEvents();
+    }
+    EXPECT_FALSE(popup->isVisible());
+    EXPECT_THAT(happened, ElementsAre("closed"));
+}
+
 TEST_F(StatusMenuPopupTest, ArrowsGoThroughEverythingThatCanBeChosenAndAround) {
     key(Qt::Key_Down);
     EXPECT_EQ(selectedTitle(), "Open Switcher");
@@ -199,6 +212,34 @@ TEST_F(StatusMenuPopupTest, AnOpenMenuFollowsAndKeepsTheSelectionOnTheRowThatDoe
     click(centreOf("Re-enable Shortcut"));
     ASSERT_EQ(chosen.size(), 1U);
     EXPECT_EQ(chosen.front().action, MenuRow::Action::retryInput);
+}
+
+TEST_F(StatusMenuPopupTest, OnAScreenThatIsTooSmallTheMenuScrolls) {
+    StatusMenu menu = test::statusMenu(test::Health::ready);
+    const MenuRow filler = menu.at(static_cast<std::size_t>(test::rowTitled(menu, "Grid")));
+    menu.insert(menu.begin() + 10, 40, filler);
+    open(menu);
+    const QRect available = popup->screen()->availableGeometry();
+    ASSERT_GT(popup->geometryNow().height(), available.height());
+    EXPECT_EQ(popup->height(), available.height());
+    EXPECT_TRUE(available.contains(popup->geometry()));
+    EXPECT_EQ(popup->rowRect(0).y, 6);
+
+    key(Qt::Key_End);
+    const Rect last = popup->rowRect(popup->geometryNow().rowCount() - 1);
+    EXPECT_EQ(last.maxY() + 6, popup->height()) << "what is selected is to be seen";
+    click({last.midX(), last.midY()});
+    ASSERT_EQ(chosen.size(), 1U);
+    EXPECT_EQ(chosen.front().title, "Quit Ferrowyn");
+
+    open(menu);
+    const QPointF place(100, 300);
+    QWheelEvent down(place, popup->mapToGlobal(place), QPoint(), QPoint(0, -240), Qt::NoButton, Qt::NoModifier,
+                     Qt::NoScrollPhase, false);
+    QApplication::sendEvent(popup.get(), &down);
+    EXPECT_EQ(popup->rowRect(0).y, 6 - 50) << "two notches are two rows";
+    key(Qt::Key_Home);
+    EXPECT_EQ(popup->rowRect(0).y, 6);
 }
 
 TEST_F(StatusMenuPopupTest, ASelectionThatCannotBeChosenAnyMoreIsDropped) {

@@ -48,6 +48,18 @@ TEST(TrayTest, XfcesPanelEmbedsTheIconSinceItKeepsTheSecondButtonOfStatusNotifie
     expectBothButtonsToOpenTheMenu(rig);
 }
 
+TEST(TrayTest, TheIconComesBackWhenXfcesPanelIsRestarted) {
+    TrayRig rig;
+    auto host = rig.startHost("xfce4-panel");
+    ASSERT_TRUE(rig.waitForHost(Host::fallback));
+    ASSERT_TRUE(rig.waitForIcon());
+    host.reset();
+    ASSERT_TRUE(rig.waitForHost(Host::none));
+    host = rig.startHost("xfce4-panel");
+    ASSERT_TRUE(rig.waitForHost(Host::fallback));
+    EXPECT_TRUE(rig.openMenu(rightButton));
+}
+
 TEST(TrayTest, XfcesPanelShowsAStatusNotifierWhereTheIconCannotBeEmbedded) {
     TrayRig rig({.hasFallback = false});
     const auto host = rig.startHost("xfce4-panel");

@@ -49,6 +49,8 @@ public:
     [[nodiscard]] StatusNotifierPixmaps noPixmap() const { return {}; }
     [[nodiscard]] StatusNotifierToolTip toolTip() const { return {{}, {}, toolTip_, {}}; }
 
+    // The names on the bus.
+    // NOLINTBEGIN(readability-identifier-naming)
 public slots:
     void Activate(int x, int y) { press(x, y); }
     void ContextMenu(int x, int y) { press(x, y); }
@@ -62,6 +64,7 @@ signals:
     void NewIcon();
     void NewToolTip();
     void NewStatus(const QString& status);
+    // NOLINTEND(readability-identifier-naming)
 
 private:
     void press(int x, int y) const;
