@@ -91,7 +91,9 @@ void AppDelegate::perform(ProgramRequest request) {
         case ProgramRequest::openSettings:
             return showSettings();
         case ProgramRequest::quit:
-            return platform_.application.terminate();
+            // It may come while the program is still starting, when there is no loop yet that could be ended.
+            platform_.mainLoop.post([&application = platform_.application] { application.terminate(); });
+            return;
     }
 }
 

@@ -72,7 +72,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     delegate.applicationDidFinishLaunching();
     OutsideRequests requests(platform, delegate, line);
     requests.offerOnBus(SessionLock::Buses::fromEnvironment().session);
-    instance.listen([&requests](ProgramRequest request) { requests.perform(request); });
+    const auto listening = instance.listen([&requests](ProgramRequest request) { requests.perform(request); });
     platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     const int status = QApplication::exec();
     delegate.applicationWillTerminate();

@@ -134,34 +134,52 @@ SingleInstance::Ending SingleInstance::endRunning(const X11Connection& connectio
     return waitUntilDestroyed(connection, owner, patience) ? Ending::ended : Ending::stillRuns;
 }
 
+/// Reads the messages as they come.
+class SingleInstance::Listener {
+public:
+    Listener(const X11Connection& connection, xcb_atom_t requestType, std::function<void(ProgramRequest)> onRequest)
+        : connection_(connection),
+          requestType_(requestType),
+          onRequest_(std::move(onRequest)),
+          notifier_(connection.fileDescriptor(), QSocketNotifier::Read) {
+        QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { readEvents(); });
+    }
+
+    void readEvents() {
+        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) {
+            if ((event->response_type & 0x7FU) != XCB_CLIENT_MESSAGE) {
+                continue;
+            }
+            const auto& message = *reinterpret_cast<const xcb_client_message_event_t*>(event.get());
+            const auto request = message.type == requestType_ ? requestIn(message) : std::nullopt;
+            if (request) {
+                onRequest_(*request);
+            }
+        }
+        if (!connection_.isAlive()) {
+            // A dead connection is readable for ever.
+            notifier_.setEnabled(false);
+        }
+    }
+
+private:
+    const X11Connection& connection_;
+    xcb_atom_t requestType_;
+    std::function<void(ProgramRequest)> onRequest_;
+    QSocketNotifier notifier_;
+};
+
 SingleInstance::SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t requestType)
     : connection_(std::move(connection)), requestType_(requestType) {}
 
 SingleInstance::~SingleInstance() = default;
 
-void SingleInstance::listen(std::function<void(ProgramRequest)> onRequest) {
-    onRequest_ = std::move(onRequest);
-    notifier_ = std::make_unique<QSocketNotifier>(connection_->fileDescriptor(), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { readEvents(); });
+Subscription SingleInstance::listen(std::function<void(ProgramRequest)> onRequest) {
+    // Shared with the token only because a token must be copyable into a function.
+    const auto listener = std::make_shared<Listener>(*connection_, requestType_, std::move(onRequest));
     // One may have asked while the program was still starting: its message is read already, so nothing wakes up.
-    readEvents();
-}
-
-void SingleInstance::readEvents() {
-    while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
-        if ((event->response_type & 0x7FU) != XCB_CLIENT_MESSAGE) {
-            continue;
-        }
-        const auto& message = *reinterpret_cast<const xcb_client_message_event_t*>(event.get());
-        const auto request = message.type == requestType_ ? requestIn(message) : std::nullopt;
-        if (request) {
-            onRequest_(*request);
-        }
-    }
-    if (!connection_->isAlive()) {
-        // A dead connection is readable for ever.
-        notifier_->setEnabled(false);
-    }
+    listener->readEvents();
+    return Subscription([held = listener]() mutable { held.reset(); });
 }
 
 }  // namespace ferrowyn

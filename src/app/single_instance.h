@@ -8,8 +8,7 @@
 #include <string>
 
 #include "app/program_request.h"
-
-class QSocketNotifier;
+#include "core/subscription.h"
 
 namespace ferrowyn {
 
@@ -34,18 +33,17 @@ public:
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
-    /// Calls the handler with what each later start asks. With a QCoreApplication, which outlives this object.
-    void listen(std::function<void(ProgramRequest)> onRequest);
+    /// Calls the handler with what each later start asks, and has asked until now, until the token is dropped. With a
+    /// QCoreApplication, which outlives the token; as this object does.
+    [[nodiscard]] Subscription listen(std::function<void(ProgramRequest)> onRequest);
 
 private:
     SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t requestType);
 
-    void readEvents();
+    class Listener;
 
     std::unique_ptr<X11Connection> connection_;
     xcb_atom_t requestType_;
-    std::function<void(ProgramRequest)> onRequest_;
-    std::unique_ptr<QSocketNotifier> notifier_;
 };
 
 }  // namespace ferrowyn

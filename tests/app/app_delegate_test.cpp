@@ -229,6 +229,8 @@ TEST_F(AppDelegateTest, DoesWhatIsAskedFromOutside) {
     EXPECT_TRUE(delegate->services()->switcher().isVisible());
     EXPECT_TRUE(delegate->services()->switcher().viewModel().isPinned.get());
     delegate->perform(ProgramRequest::quit);
+    EXPECT_EQ(desktop.application().terminationCount, 0) << "not before the loop runs";
+    desktop.settle();
     EXPECT_EQ(desktop.application().terminationCount, 1);
 }
 

@@ -60,6 +60,9 @@ protected:
     /// No client holds the keyboard, and the window manager has its own Alt+Tab back.
     void expectKeyboardIsBack();
 
+    /// For what no event tells of.
+    [[nodiscard]] bool poll(const std::function<bool()>& condition);
+
     PrivateXServer server;
     WindowManagerProcess manager{server, "openbox"};
     TestDesktop desktop{server.display()};
@@ -70,8 +73,6 @@ protected:
 
 private:
     [[nodiscard]] std::vector<xcb_window_t> shownTopLevels() const;
-    /// For what no event tells of.
-    [[nodiscard]] bool poll(const std::function<bool()>& condition);
 
     int argumentCount_ = 0;
     QCoreApplication application_{argumentCount_, nullptr};

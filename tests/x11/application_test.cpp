@@ -1,3 +1,8 @@
+#include <unistd.h>
+
+#include <string>
+
+#include "platform/x11/xcb_reply.h"
 #include "tests/x11/application_fixture.h"
 
 namespace ferrowyn::x11test {
@@ -7,7 +12,15 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-class ApplicationTest : public ApplicationFixture {};
+class ApplicationTest : public ApplicationFixture {
+protected:
+    [[nodiscard]] xcb_window_t selectionOwner(xcb_atom_t selection) const {
+        const auto cookie = xcb_get_selection_owner(desktop.connection(), selection);
+        const XcbReply<xcb_get_selection_owner_reply_t> reply(
+            xcb_get_selection_owner_reply(desktop.connection(), cookie, nullptr));
+        return reply ? reply->owner : xcb_window_t{XCB_NONE};
+    }
+};
 
 TEST_F(ApplicationTest, ASecondStartOpensTheSetupWindowOfTheFirstAndEndsWell) {
     startProgram();
@@ -69,6 +82,16 @@ TEST_F(ApplicationTest, WithoutAWindowManagerItShowsTheSetupWindowAndStaysReacha
     program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
     ASSERT_TRUE(program->process().waitForOutput("Ferrowyn is running"));
     EXPECT_TRUE(desktop.waitUntil([&] { return isShownUnmanaged("Ferrowyn Setup"); }));
+    EXPECT_EQ(run({"--quit"}).status, 0);
+    expectEnd();
+}
+
+TEST_F(ApplicationTest, EndingItWhileItStillStartsIsNotForgotten) {
+    FerrowynProgram::Options options{.environment = environment()};
+    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
+    // It has the display's claim from the very beginning, long before it can do anything.
+    const auto claim = desktop.atom("_FERROWYN_INSTANCE_" + std::to_string(getuid()));
+    ASSERT_TRUE(poll([&] { return selectionOwner(claim) != XCB_NONE; }));
     EXPECT_EQ(run({"--quit"}).status, 0);
     expectEnd();
 }
