@@ -66,7 +66,16 @@ public:
     }
 
 private:
-    [[nodiscard]] static bool isHigh(char character) { return (static_cast<std::uint8_t>(character) & highBit) != 0; }
+    /// Spaces and controls belong to no set.
+    enum class Part { common, left, right };
+
+    [[nodiscard]] static Part partOf(char character) {
+        const auto byte = static_cast<std::uint8_t>(character);
+        if ((byte & highBit) != 0) {
+            return Part::right;
+        }
+        return byte <= 0x20 || byte == 0x7F ? Part::common : Part::left;
+    }
 
     void readRun() {
         const auto run = text_.substr(0, text_.find(escape));
@@ -76,18 +85,25 @@ private:
             out_ += textFromProperty(run, X11TextEncoding::utf8, endsInTheCut);
             return;
         }
-        for (auto half = run.begin(); half != run.end();) {
-            const bool high = isHigh(*half);
-            const auto end =
-                std::find_if(half, run.end(), [high](char character) { return isHigh(character) != high; });
-            appendHalf({half, end}, high ? right_ : left_, endsInTheCut && end == run.end());
+        for (const auto* half = run.begin(); half != run.end();) {
+            const Part part = partOf(*half);
+            const auto* const end =
+                std::find_if(half, run.end(), [part](char character) { return partOf(character) != part; });
+            const std::string_view bytes(half, static_cast<std::size_t>(end - half));
+            if (part == Part::common) {
+                out_ += bytes;
+            } else {
+                appendHalf(bytes, part == Part::right ? right_ : left_, endsInTheCut && end == run.end());
+            }
             half = end;
         }
     }
 
     void appendHalf(std::string_view bytes, const CharacterSet& set, bool endsInTheCut) {
         if (set.name == ascii.name) {
-            out_ += bytes;
+            for (const char byte : bytes) {
+                out_ += static_cast<char>(static_cast<std::uint8_t>(byte) & ~highBit);
+            }
             return;
         }
         if (set.converter == nullptr) {
@@ -156,11 +172,12 @@ private:
         }
         const auto length = (static_cast<std::size_t>(static_cast<std::uint8_t>(text_[0]) & 0x7FU) << 7U) |
                             (static_cast<std::uint8_t>(text_[1]) & 0x7FU);
-        auto segment = text_.substr(2, length);
+        const auto segment = text_.substr(2, length);
         text_.remove_prefix(2 + segment.size());
+        const bool isSegmentCut = isCut_ && segment.size() < length;
         const auto nameEnd = segment.find(startOfText);
         if (nameEnd == std::string_view::npos) {
-            out_ += replacement;
+            out_ += isSegmentCut ? std::string_view() : replacement;
             return;
         }
         std::string name(segment.substr(0, nameEnd));
@@ -168,7 +185,11 @@ private:
         if (name.ends_with("-0")) {
             name.resize(name.size() - 2);
         }
-        out_ += convert(segment.substr(nameEnd + 1), name);
+        auto decoded = convert(segment.substr(nameEnd + 1), name);
+        if (isSegmentCut && decoded.ends_with(replacement)) {
+            decoded.resize(decoded.size() - replacement.size());
+        }
+        out_ += decoded;
     }
 
     std::string_view text_;

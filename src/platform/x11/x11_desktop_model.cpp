@@ -130,12 +130,14 @@ void X11DesktopModel::stopExpectingActive() {
         return;
     }
     expectedActive_.reset();
+    sessionStart_.reset();
     Announcements announcements;
     reportActive(announcements);
     send(announcements);
 }
 
 void X11DesktopModel::startSessionFrom(xcb_window_t active) {
+    sessionStart_.reset();
     if (const auto* const window = find(expectedActive_.value_or(active))) {
         sessionStart_ = window->id;
         Announcements announcements;

@@ -13,11 +13,12 @@ struct X11InputContext {
     /// CurrentTime. 0 before the first event.
     std::atomic<std::uint32_t> lastUserTime{0};
 
-    /// The tap's thread hears of keys, the main thread of clicks, and either may be late. Times wrap around after some
-    /// weeks.
+    /// The tap's thread hears of keys, the main thread of clicks, and either may be a little late: an older time is not
+    /// taken. One that is older by much more than that is the clock, which wraps around after some weeks.
     void noteUserTime(std::uint32_t time) {
+        constexpr std::uint32_t latest = 60'000;
         auto known = lastUserTime.load(std::memory_order_relaxed);
-        while ((known == 0 || static_cast<std::int32_t>(time - known) > 0) &&
+        while ((known == 0 || known - time > latest) &&
                !lastUserTime.compare_exchange_weak(known, time, std::memory_order_relaxed)) {
         }
     }

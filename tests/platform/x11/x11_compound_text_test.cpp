@@ -26,7 +26,9 @@ TEST(X11CompoundText, ReadsEastAsianSetsInEitherHalf) {
     EXPECT_EQ(read("\x1B)I\xB1\xB2"), "ｱｲ");
     EXPECT_EQ(read("\x1B$)C\xC7\xD1\xB1\xDB"), "한글");
     EXPECT_EQ(read("\x1B$(AVPND\x1B(B"), "中文");
-    EXPECT_EQ(read("\x1B$(G'\x22\x1B(B").size(), 3U) << "one character of the Taiwanese set";
+    EXPECT_EQ(read("\x1B$(GD!\x1B(B"), "一");
+    EXPECT_EQ(read("\x1B$(BF| K\\8l\n\x1B(B"), "日 本語\n") << "spaces and controls belong to no set";
+    EXPECT_EQ(read("\x1B)B\xE9\x1B)J\xE1"), "ia") << "ASCII in the right half";
 }
 
 TEST(X11CompoundText, ReadsTheSetsOfOtherAlphabets) {
@@ -53,6 +55,14 @@ TEST(X11CompoundText, ShowsWhatItCannotReadAsUnknown) {
               "a");
     EXPECT_EQ(read("\x1B$(BF"), "\xEF\xBF\xBD");
     EXPECT_EQ(compoundTextToUtf8("\x1B$(BF|K", true), "日");
+    EXPECT_EQ(compoundTextToUtf8("\x1B%/2\x80\xA0"
+                                 "big5\x02\xA4\xA4\xA4",
+                                 true),
+              "中");
+    EXPECT_EQ(compoundTextToUtf8("\x1B%/2\x80\xA0"
+                                 "big",
+                                 true),
+              "");
     EXPECT_EQ(read("a\x1B"), "a");
     EXPECT_EQ(read("a\x1B$("), "a");
     EXPECT_EQ(read("a\x1B%/2\x80"), "a");
