@@ -82,7 +82,8 @@ bool TestDesktop::waitUntil(const std::function<bool()>& predicate, milliseconds
         if (predicate()) {
             return true;
         }
-        if (XcbReply<xcb_generic_event_t>(xcb_poll_for_queued_event(connection_))) {
+        // A predicate may cause events itself: they must not keep it from its end.
+        if (!deadline.hasPassed() && XcbReply<xcb_generic_event_t>(xcb_poll_for_queued_event(connection_))) {
             continue;
         }
         xcb_flush(connection_);
@@ -324,9 +325,9 @@ bool TestDesktop::waitForUntouchedKeyboard(milliseconds budget) {
 bool TestDesktop::keyboardIsFree() const {
     const auto cookie =
         xcb_grab_keyboard(connection_, 0, root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    const XcbReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(connection_, cookie, nullptr));
+    // Sent together: the question must not itself be in the way of another client's grab.
     xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME);
-    xcb_flush(connection_);
+    const XcbReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(connection_, cookie, nullptr));
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
