@@ -495,8 +495,8 @@ TEST_F(TapKeyboardTest, AMapThatChangesInTheMiddleOfSessionsLosesNone) {
 }
 
 TEST_F(TapKeyboardTest, GivesTheKeyboardBackAndReportsItWhenTheSessionIsLocked) {
-    // Not Alt: a disabled tap would leave the trigger to the manager, which takes the keyboard in its own time and may miss
-    // the release.
+    // Not Alt: a disabled tap would leave the trigger to the manager, which takes the keyboard in its own time and may
+    // miss the release.
     TapRig rig(server.display(), {.trigger = SwitcherModifier::control});
     startSession(rig, key::leftControl);
     rig.taps().notifyKeyboardUnavailable();
