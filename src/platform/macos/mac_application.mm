@@ -1,0 +1,77 @@
+#include "platform/macos/mac_application.h"
+
+#import <AppKit/AppKit.h>
+
+#include <string>
+#include <utility>
+
+#include "platform/macos/mac_notification_observation.h"
+#include "platform/macos/mac_strings.h"
+#include "platform/macos/mac_views.h"
+
+namespace ferrowyn {
+
+namespace {
+
+NSApplicationActivationPolicy systemPolicy(ActivationPolicy policy) {
+    switch (policy) {
+        case ActivationPolicy::regular:
+            return NSApplicationActivationPolicyRegular;
+        case ActivationPolicy::accessory:
+            return NSApplicationActivationPolicyAccessory;
+        case ActivationPolicy::prohibited:
+            return NSApplicationActivationPolicyProhibited;
+    }
+    return NSApplicationActivationPolicyRegular;
+}
+
+}  // namespace
+
+Pid MacApplication::ownPid() const {
+    return NSProcessInfo.processInfo.processIdentifier;
+}
+
+Subscription MacApplication::observeDidBecomeActive(std::function<void()> handler) {
+    return observeNotification(NSNotificationCenter.defaultCenter, NSApplicationDidBecomeActiveNotification,
+                               [handler = std::move(handler)](NSNotification*) { handler(); });
+}
+
+BundleInfo MacApplication::bundleInfo() const {
+    NSBundle* const bundle = NSBundle.mainBundle;
+    return {.name = stringOrNothing([bundle objectForInfoDictionaryKey:@"CFBundleName"]),
+            .shortVersion = stringOrNothing([bundle objectForInfoDictionaryKey:@"CFBundleShortVersionString"]),
+            .copyright = stringOrNothing([bundle objectForInfoDictionaryKey:@"NSHumanReadableCopyright"]),
+            .path = utf8(bundle.bundlePath)};
+}
+
+std::string MacApplication::systemVersion() const {
+    const NSOperatingSystemVersion version = NSProcessInfo.processInfo.operatingSystemVersion;
+    return std::to_string(version.majorVersion) + "." + std::to_string(version.minorVersion);
+}
+
+void MacApplication::setActivationPolicy(ActivationPolicy policy) {
+    [NSApplication.sharedApplication setActivationPolicy:systemPolicy(policy)];
+}
+
+void MacApplication::activate() {
+    [NSApplication.sharedApplication activateIgnoringOtherApps:YES];
+}
+
+void MacApplication::bringToFront(WindowId window) {
+    for (NSWindow* candidate in NSApplication.sharedApplication.windows) {
+        if (static_cast<WindowId>(addressOf(candidate.contentView)) == window) {
+            [candidate makeKeyAndOrderFront:nil];
+            return;
+        }
+    }
+}
+
+void MacApplication::terminate() {
+    [NSApplication.sharedApplication terminate:nil];
+}
+
+void MacApplication::revealInFileManager() {
+    [NSWorkspace.sharedWorkspace activateFileViewerSelectingURLs:@[ NSBundle.mainBundle.bundleURL ]];
+}
+
+}  // namespace ferrowyn

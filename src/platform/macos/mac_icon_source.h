@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/icon_source.h"
+
+namespace ferrowyn {
+
+/// The icons that the workspace and running applications give. Main thread.
+class MacIconSource final : public IconSource {
+public:
+    [[nodiscard]] std::shared_ptr<const IconImage> iconForFile(std::string_view path) override;
+    [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid pid) override;
+    /// The same for every name.
+    [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
+};
+
+}  // namespace ferrowyn

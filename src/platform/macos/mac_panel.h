@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/macos/mac_hosted_widget.h"
+#include "platform/panel.h"
+
+namespace ferrowyn {
+
+/// The switcher's panel: a window of the system with the blurred material, and the toolkit's widget upon it. Main
+/// thread.
+class MacPanel final : public Panel {
+public:
+    /// `cornerRadius` is that of the content's outline.
+    MacPanel(MacWidgetHost host, double cornerRadius);
+    ~MacPanel() override;
+    MacPanel(const MacPanel&) = delete;
+    MacPanel& operator=(const MacPanel&) = delete;
+
+    void setContent(std::unique_ptr<PanelContent> content) override;
+    void setFrame(const Rect& frame) override;
+    void layOutContent() override;
+    /// The window takes the size ahead, so that its memory is there when it is shown.
+    void prepare(const Rect& frame) override;
+    void orderFront() override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+
+private:
+    struct Parts;
+
+    void beginShowing();
+    void takeFrame(const Rect& frame);
+
+    std::unique_ptr<PanelContent> content_;
+    std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,43 @@
+#include "platform/macos/mac_qt_widget.h"
+
+#include <QWidget>
+#include <QWindow>
+#include <cmath>
+
+namespace ferrowyn {
+
+MacQtWidget::MacQtWidget(QWidget& widget, std::uintptr_t view) : widget_(widget) {
+    // The system's material shows through, and the keys belong to the application in front.
+    widget_.setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
+    widget_.setAttribute(Qt::WA_TranslucentBackground);
+    widget_.setAttribute(Qt::WA_ShowWithoutActivating);
+    widget_.winId();
+    parent_.reset(QWindow::fromWinId(static_cast<WId>(view)));
+    widget_.windowHandle()->setParent(parent_.get());
+}
+
+MacQtWidget::~MacQtWidget() {
+    widget_.hide();
+    // The widget's window belongs to the widget, not to what stands for the view.
+    if (auto* const window = widget_.windowHandle()) {
+        window->setParent(nullptr);
+    }
+}
+
+std::uintptr_t MacQtWidget::view() const {
+    return static_cast<std::uintptr_t>(widget_.internalWinId());
+}
+
+void MacQtWidget::fill(const Size& size) {
+    widget_.setGeometry(0, 0, static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height)));
+}
+
+void MacQtWidget::setVisible(bool isVisible) {
+    widget_.setVisible(isVisible);
+}
+
+std::unique_ptr<MacHostedWidget> hostQtWidget(QWidget& widget, std::uintptr_t view) {
+    return std::make_unique<MacQtWidget>(widget, view);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/screens.h"
+
+namespace ferrowyn {
+
+/// The screens, in the coordinates in which macOS places windows: y grows upward, and the first screen, which has the
+/// menu bar, has its lower left corner at the origin. Main thread.
+class MacScreens final : public Screens {
+public:
+    [[nodiscard]] std::vector<Screen> all() const override;
+    [[nodiscard]] std::optional<Screen> main() const override;
+    [[nodiscard]] Subscription observe(std::function<void()> handler) const override;
+};
+
+}  // namespace ferrowyn

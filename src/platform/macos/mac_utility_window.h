@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdint>
+
+namespace ferrowyn {
+
+/// Gives the window of a top-level widget, named by the address of its view, the looks of the program's ordinary
+/// windows: its content reaches under a transparent title bar. It is not released when it is closed. Main thread.
+void configureUtilityWindow(std::uintptr_t view, bool isResizable);
+
+}  // namespace ferrowyn

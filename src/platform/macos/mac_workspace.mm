@@ -1,0 +1,95 @@
+#include "platform/macos/mac_workspace.h"
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+#include <utility>
+
+#include "platform/macos/mac_notification_observation.h"
+#include "platform/macos/mac_running_application.h"
+#include "platform/macos/mac_strings.h"
+
+namespace ferrowyn {
+
+namespace {
+
+using Kind = WorkspaceEvent::Kind;
+using Subscriptions = std::vector<Subscription>;
+
+struct NotificationKind {
+    NSNotificationName name;
+    Kind kind;
+};
+
+std::optional<RunningApplication> applicationOf(NSNotification* notification) {
+    const id application = [notification.userInfo objectForKey:NSWorkspaceApplicationKey];
+    return [application isKindOfClass:[NSRunningApplication class]] ? std::optional(describe(application))
+                                                                    : std::nullopt;
+}
+
+NSURL* placeOf(std::string_view bundleIdentifier) {
+    return [NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:nsString(bundleIdentifier)];
+}
+
+}  // namespace
+
+std::vector<RunningApplication> MacWorkspace::runningApplications() const {
+    std::vector<RunningApplication> all;
+    for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications) {
+        all.push_back(describe(application));
+    }
+    return all;
+}
+
+std::optional<RunningApplication> MacWorkspace::runningApplication(Pid pid) const {
+    auto* const application = [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
+    return application == nil ? std::nullopt : std::optional(describe(application));
+}
+
+std::optional<Pid> MacWorkspace::frontmostPid() const {
+    auto* const application = NSWorkspace.sharedWorkspace.frontmostApplication;
+    return application == nil ? std::nullopt : std::optional<Pid>(application.processIdentifier);
+}
+
+Subscription MacWorkspace::observe(EventHandler handler) {
+    auto* const center = NSWorkspace.sharedWorkspace.notificationCenter;
+    const auto shared = std::make_shared<const EventHandler>(std::move(handler));
+    auto subscriptions = std::make_shared<Subscriptions>();
+    for (const auto& [name, kind] : {
+             NotificationKind{NSWorkspaceDidLaunchApplicationNotification, Kind::didLaunch},
+             NotificationKind{NSWorkspaceDidTerminateApplicationNotification, Kind::didTerminate},
+             NotificationKind{NSWorkspaceDidActivateApplicationNotification, Kind::didActivate},
+             NotificationKind{NSWorkspaceDidHideApplicationNotification, Kind::didHide},
+             NotificationKind{NSWorkspaceDidUnhideApplicationNotification, Kind::didUnhide},
+             NotificationKind{NSWorkspaceActiveSpaceDidChangeNotification, Kind::activeSpaceDidChange},
+         }) {
+        subscriptions->push_back(
+            observeNotification(center, name, [shared, reported = kind](NSNotification* notification) {
+                (*shared)({.kind = reported, .application = applicationOf(notification)});
+            }));
+    }
+    subscriptions->push_back(
+        observeNotification(NSNotificationCenter.defaultCenter, NSApplicationDidChangeScreenParametersNotification,
+                            [shared](NSNotification*) { (*shared)({.kind = Kind::screenParametersDidChange}); }));
+    return Subscription([subscriptions] { subscriptions->clear(); });
+}
+
+std::optional<std::string> MacWorkspace::installedApplicationName(std::string_view bundleIdentifier) const {
+    NSURL* const place = placeOf(bundleIdentifier);
+    NSBundle* const bundle = place == nil ? nil : [NSBundle bundleWithURL:place];
+    if (auto displayName = stringOrNothing([bundle objectForInfoDictionaryKey:@"CFBundleDisplayName"])) {
+        return displayName;
+    }
+    return stringOrNothing([bundle objectForInfoDictionaryKey:@"CFBundleName"]);
+}
+
+std::optional<std::string> MacWorkspace::installedApplicationPath(std::string_view bundleIdentifier) const {
+    return optionalUtf8(placeOf(bundleIdentifier).path);
+}
+
+bool MacWorkspace::open(std::string_view url) {
+    NSURL* const address = [NSURL URLWithString:nsString(url)];
+    return address != nil && [NSWorkspace.sharedWorkspace openURL:address];
+}
+
+}  // namespace ferrowyn

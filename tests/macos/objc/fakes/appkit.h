@@ -1,0 +1,120 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#import "tests/macos/objc/fakes/foundation.h"
+
+// What a test says to the fake AppKit, and asks it.
+
+@interface NSColor ()
+/// The name by which the system knows the colour.
+@property(readonly) std::string name;
+@property(readonly) CGFloat alpha;
+@end
+
+@interface NSFont ()
+@property(readonly) BOOL isMenuFont;
+@end
+
+@interface NSImageSymbolConfiguration ()
+@property(readonly) CGFloat pointSize;
+@property(readonly) NSFontWeight weight;
+@property(readonly, strong) NSArray<NSColor*>* paletteColors;
+@end
+
+@interface NSImage ()
+/// An icon whose every pixel tells its place: 0xFF000000 + column × 256 + row, from the top.
++ (NSImage*)icon;
+@property(readonly, copy) NSString* symbolName;
+@property(readonly, copy) NSString* symbolDescription;
+@property(readonly, strong) NSImageSymbolConfiguration* configuration;
+@property(readonly, copy) BOOL (^drawingHandler)(NSRect);
+/// Where it was drawn last.
+@property(readonly) NSRect lastDrawnRect;
+@end
+
+@interface NSRunningApplication ()
+- (instancetype)initWithPid:(int)pid;
+@property(readwrite, getter=isTerminated) BOOL terminated;
+@property(readwrite) NSApplicationActivationPolicy activationPolicy;
+@property(readwrite, copy) NSString* localizedName;
+@property(readwrite, copy) NSString* bundleIdentifier;
+@property(readwrite, copy) NSURL* bundleURL;
+@property(readwrite, strong) NSImage* icon;
+@property(readwrite, getter=isHidden) BOOL hidden;
+@property(readwrite, getter=isActive) BOOL active;
+@property(readonly) NSApplicationActivationOptions lastOptions;
+@end
+
+@interface NSWorkspace ()
+@property(readwrite, copy) NSArray<NSRunningApplication*>* runningApplications;
+@property(readwrite, strong) NSRunningApplication* frontmostApplication;
+@property(readonly) std::vector<std::string> openedAddresses;
+@property(readonly) std::vector<std::string> revealedPaths;
+@property BOOL refusesToOpen;
+/// Posts the notification with the application, as the system does.
+- (void)post:(NSNotificationName)name application:(NSRunningApplication*)application;
+@end
+
+@interface NSScreen ()
++ (NSScreen*)screenWithFrame:(NSRect)frame visibleFrame:(NSRect)visibleFrame;
++ (void)setScreens:(NSArray<NSScreen*>*)screens main:(NSScreen*)main;
+@end
+
+@interface NSEvent ()
++ (NSEvent*)eventAt:(NSPoint)place;
++ (void)setMouseLocation:(NSPoint)place;
++ (void)setRefusesMonitors:(BOOL)refuses;
++ (NSUInteger)monitorCount;
++ (NSEventMask)lastMonitorMask;
+/// A press of a button that goes to another application: every monitor that wants this kind is told.
++ (void)pressElsewhere:(NSEventType)type;
+@end
+
+@interface NSWindow ()
+@property(readonly) std::vector<std::string> calls;
+@property(readonly) NSBackingStoreType backing;
+@property(readonly) BOOL isDeferred;
+@end
+
+@interface NSMenu ()
+@property BOOL wasCancelled;
+/// The user chooses the row: its action is sent if the row is enabled.
+- (BOOL)choose:(NSMenuItem*)item;
+@end
+
+@interface NSStatusItem ()
+@property BOOL isInBar;
+@end
+
+@interface NSStatusBar ()
++ (NSUInteger)itemCount;
++ (NSStatusItem*)onlyItem;
+@end
+
+@interface NSApplication ()
+@property(readonly) std::vector<std::string> calls;
+@property(readonly) NSApplicationActivationPolicy policy;
+- (void)finishLaunching;
+/// The answer of the delegate; YES when it does not say.
+- (BOOL)reopenWithVisibleWindows:(BOOL)hasVisibleWindows;
+- (void)willTerminate;
+@end
+
+namespace fake_mac {
+
+void forgetAppKit();
+/// Drawing that went to no image: the colours and rectangles of filled paths.
+struct Fill {
+    std::string color;
+    CGFloat alpha;
+    NSRect rect;
+    CGFloat radius;
+};
+[[nodiscard]] std::vector<Fill>& fills();
+
+}  // namespace fake_mac

@@ -1,0 +1,275 @@
+#include <string>
+#include <vector>
+
+#import "tests/macos/objc/fakes/appkit.h"
+
+@interface NSGraphicsContext ()
+@property(strong) NSBitmapImageRep* bitmap;
+@end
+
+namespace {
+
+std::string currentColor;
+CGFloat currentAlpha = 0;
+/// Held by what draws into it.
+NSGraphicsContext* __weak currentContext;
+std::vector<NSGraphicsContext*> savedContexts;
+
+}  // namespace
+
+namespace fake_mac {
+
+std::vector<Fill>& fills() {
+    static std::vector<Fill> all;
+    return all;
+}
+
+}  // namespace fake_mac
+
+@implementation NSColor
+@synthesize name = _name;
+@synthesize alpha = _alpha;
++ (NSColor*)named:(const char*)name {
+    NSColor* const color = [[NSColor alloc] init];
+    color->_name = name;
+    color->_alpha = 1;
+    return color;
+}
++ (NSColor*)clearColor {
+    return [self named:"clear"];
+}
++ (NSColor*)blackColor {
+    return [self named:"black"];
+}
++ (NSColor*)labelColor {
+    return [self named:"label"];
+}
++ (NSColor*)secondaryLabelColor {
+    return [self named:"secondaryLabel"];
+}
++ (NSColor*)tertiaryLabelColor {
+    return [self named:"tertiaryLabel"];
+}
++ (NSColor*)controlAccentColor {
+    return [self named:"controlAccent"];
+}
++ (NSColor*)systemOrangeColor {
+    return [self named:"systemOrange"];
+}
+- (NSColor*)colorWithAlphaComponent:(CGFloat)alpha {
+    NSColor* const color = [NSColor named:_name.c_str()];
+    color->_alpha = alpha;
+    return color;
+}
+- (void)setFill {
+    currentColor = _name;
+    currentAlpha = _alpha;
+}
+- (id)copyWithZone:(void*)zone {
+    static_cast<void>(zone);
+    return self;
+}
+@end
+
+const NSFontWeight NSFontWeightRegular = 0;
+NSAttributedStringKey const NSFontAttributeName = @"NSFont";
+NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
+
+@implementation NSFont
+@synthesize pointSize = _pointSize;
+@synthesize isMenuFont = _isMenuFont;
++ (NSFont*)systemFontOfSize:(CGFloat)fontSize {
+    NSFont* const font = [[NSFont alloc] init];
+    font->_pointSize = fontSize;
+    return font;
+}
++ (NSFont*)menuFontOfSize:(CGFloat)fontSize {
+    NSFont* const font = [self systemFontOfSize:fontSize];
+    font->_isMenuFont = YES;
+    return font;
+}
+- (id)copyWithZone:(void*)zone {
+    static_cast<void>(zone);
+    return self;
+}
+@end
+
+@implementation NSImageSymbolConfiguration
+@synthesize pointSize = _pointSize;
+@synthesize weight = _weight;
+@synthesize paletteColors = _paletteColors;
++ (instancetype)configurationWithPointSize:(CGFloat)pointSize weight:(NSFontWeight)weight {
+    NSImageSymbolConfiguration* const configuration = [[self alloc] init];
+    configuration->_pointSize = pointSize;
+    configuration->_weight = weight;
+    return configuration;
+}
++ (instancetype)configurationWithPaletteColors:(NSArray<NSColor*>*)paletteColors {
+    NSImageSymbolConfiguration* const configuration = [[self alloc] init];
+    configuration->_paletteColors = paletteColors;
+    return configuration;
+}
+- (instancetype)configurationByApplyingConfiguration:(NSImageSymbolConfiguration*)configuration {
+    NSImageSymbolConfiguration* const sum = [[NSImageSymbolConfiguration alloc] init];
+    sum->_pointSize = configuration->_pointSize > 0 ? configuration->_pointSize : _pointSize;
+    sum->_weight = configuration->_pointSize > 0 ? configuration->_weight : _weight;
+    sum->_paletteColors = configuration->_paletteColors ?: _paletteColors;
+    return sum;
+}
+- (id)copyWithZone:(void*)zone {
+    static_cast<void>(zone);
+    return self;
+}
+@end
+
+@implementation NSImage {
+    BOOL _isTemplate;
+    BOOL _isIcon;
+}
+@synthesize size = _size;
+@synthesize capInsets = _capInsets;
+@synthesize resizingMode = _resizingMode;
+@synthesize symbolName = _symbolName;
+@synthesize symbolDescription = _symbolDescription;
+@synthesize configuration = _configuration;
+@synthesize drawingHandler = _drawingHandler;
+@synthesize lastDrawnRect = _lastDrawnRect;
++ (NSImage*)icon {
+    NSImage* const image = [[NSImage alloc] init];
+    image->_isIcon = YES;
+    image->_size = NSMakeSize(512, 512);
+    return image;
+}
++ (instancetype)imageWithSystemSymbolName:(NSString*)symbolName accessibilityDescription:(NSString*)description {
+    if ([symbolName isEqualToString:@"no.such.symbol"]) {
+        return nil;
+    }
+    NSImage* const image = [[self alloc] init];
+    image->_symbolName = [symbolName copy];
+    image->_symbolDescription = [description copy];
+    image->_size = NSMakeSize(16, 14);
+    // As symbols of the system are.
+    image->_isTemplate = YES;
+    return image;
+}
++ (NSImage*)imageWithSize:(NSSize)size flipped:(BOOL)flipped drawingHandler:(BOOL (^)(NSRect))drawingHandler {
+    static_cast<void>(flipped);
+    NSImage* const image = [[NSImage alloc] init];
+    image->_size = size;
+    image->_drawingHandler = [drawingHandler copy];
+    return image;
+}
+- (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration {
+    NSImage* const image = [self copy];
+    image->_configuration = configuration;
+    return image;
+}
+- (BOOL)isTemplate {
+    return _isTemplate;
+}
+- (void)setTemplate:(BOOL)isTemplate {
+    _isTemplate = isTemplate;
+}
+- (id)copyWithZone:(void*)zone {
+    static_cast<void>(zone);
+    NSImage* const image = [[NSImage alloc] init];
+    image->_isIcon = _isIcon;
+    image->_isTemplate = _isTemplate;
+    image->_size = _size;
+    image->_symbolName = _symbolName;
+    image->_symbolDescription = _symbolDescription;
+    image->_configuration = _configuration;
+    image->_drawingHandler = _drawingHandler;
+    return image;
+}
+- (void)drawInRect:(NSRect)rect {
+    _lastDrawnRect = rect;
+    fake_mac::fills().push_back({_symbolName.UTF8String == nullptr ? "image" : _symbolName.UTF8String, 1, rect, 0});
+}
+- (void)drawInRect:(NSRect)target
+          fromRect:(NSRect)source
+         operation:(NSCompositingOperation)operation
+          fraction:(CGFloat)fraction {
+    NSBitmapImageRep* const bitmap = [NSGraphicsContext.currentContext bitmap];
+    if (!_isIcon || source.size.width > 0 || operation != NSCompositingOperationCopy || fraction < 1) {
+        return;
+    }
+    for (NSInteger row = 0; row < static_cast<NSInteger>(target.size.height); ++row) {
+        auto* const line = reinterpret_cast<std::uint32_t*>(bitmap.bitmapData + row * bitmap.bytesPerRow);
+        for (NSInteger column = 0; column < static_cast<NSInteger>(target.size.width); ++column) {
+            line[column] = static_cast<std::uint32_t>(0xFF000000 + column * 256 + row);
+        }
+    }
+}
+@end
+
+NSColorSpaceName const NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
+
+@implementation NSBitmapImageRep {
+    std::vector<unsigned char> _data;
+}
+@synthesize bytesPerRow = _bytesPerRow;
+- (instancetype)initWithBitmapDataPlanes:(unsigned char**)planes
+                              pixelsWide:(NSInteger)width
+                              pixelsHigh:(NSInteger)height
+                           bitsPerSample:(NSInteger)bps
+                         samplesPerPixel:(NSInteger)spp
+                                hasAlpha:(BOOL)alpha
+                                isPlanar:(BOOL)isPlanar
+                          colorSpaceName:(NSColorSpaceName)colorSpaceName
+                            bitmapFormat:(NSBitmapFormat)bitmapFormat
+                             bytesPerRow:(NSInteger)rBytes
+                            bitsPerPixel:(NSInteger)pBits {
+    self = [super init];
+    const NSBitmapFormat expected = NSBitmapFormatAlphaFirst | NSBitmapFormatThirtyTwoBitLittleEndian;
+    const bool isKnown = planes == nullptr && bps == 8 && spp == 4 && alpha && !isPlanar && pBits == 32 &&
+                         bitmapFormat == expected && [colorSpaceName isEqualToString:NSDeviceRGBColorSpace];
+    if (!isKnown || width < 1 || height < 1 || rBytes < 4 * width) {
+        return nil;
+    }
+    _bytesPerRow = rBytes;
+    _data.resize(static_cast<std::size_t>(rBytes * height));
+    return self;
+}
+- (unsigned char*)bitmapData {
+    return _data.data();
+}
+@end
+
+@implementation NSGraphicsContext
+@synthesize imageInterpolation = _imageInterpolation;
+@synthesize bitmap = _bitmap;
++ (NSGraphicsContext*)graphicsContextWithBitmapImageRep:(NSBitmapImageRep*)bitmapRep {
+    NSGraphicsContext* const context = [[NSGraphicsContext alloc] init];
+    context.bitmap = bitmapRep;
+    return context;
+}
++ (NSGraphicsContext*)currentContext {
+    return currentContext;
+}
++ (void)setCurrentContext:(NSGraphicsContext*)context {
+    currentContext = context;
+}
++ (void)saveGraphicsState {
+    savedContexts.push_back(currentContext);
+}
++ (void)restoreGraphicsState {
+    currentContext = savedContexts.back();
+    savedContexts.pop_back();
+}
+@end
+
+@implementation NSBezierPath {
+    NSRect _rect;
+    CGFloat _radius;
+}
++ (NSBezierPath*)bezierPathWithRoundedRect:(NSRect)rect xRadius:(CGFloat)xRadius yRadius:(CGFloat)yRadius {
+    NSBezierPath* const path = [[NSBezierPath alloc] init];
+    path->_rect = rect;
+    path->_radius = xRadius == yRadius ? xRadius : -1;
+    return path;
+}
+- (void)fill {
+    fake_mac::fills().push_back({currentColor, currentAlpha, _rect, _radius});
+}
+@end

@@ -1,0 +1,93 @@
+#import "tests/macos/objc/fakes/services.h"
+
+#include <cstdarg>
+
+namespace {
+
+SMAppService* mainService;
+int madeLogs = 0;
+
+}  // namespace
+
+@implementation SMAppService {
+    std::vector<std::string> _calls;
+}
+@synthesize status = _status;
+@synthesize nextError = _nextError;
++ (SMAppService*)mainAppService {
+    if (mainService == nil) {
+        mainService = [[SMAppService alloc] init];
+    }
+    return mainService;
+}
+- (BOOL)answer:(NSError* __autoreleasing*)error {
+    if (_nextError == nil) {
+        return YES;
+    }
+    *error = _nextError;
+    _nextError = nil;
+    return NO;
+}
+- (BOOL)registerAndReturnError:(NSError* __autoreleasing*)error {
+    _calls.emplace_back("register");
+    return [self answer:error];
+}
+- (BOOL)unregisterAndReturnError:(NSError* __autoreleasing*)error {
+    _calls.emplace_back("unregister");
+    return [self answer:error];
+}
+- (std::vector<std::string>)calls {
+    return _calls;
+}
+@end
+
+@interface FakeLog : NSObject <OS_os_log> {
+@public
+    std::string _subsystem;
+    std::string _category;
+}
+@end
+
+@implementation FakeLog
+@end
+
+extern "C" {
+
+os_log_t os_log_create(const char* subsystem, const char* category) {
+    FakeLog* const log = [[FakeLog alloc] init];
+    log->_subsystem = subsystem;
+    log->_category = category;
+    ++madeLogs;
+    return log;
+}
+
+void os_log_with_type(os_log_t log, os_log_type_t type, const char* format, ...) {
+    auto* const known = static_cast<FakeLog*>(log);
+    std::va_list arguments;
+    va_start(arguments, format);
+    const char* const argument = va_arg(arguments, const char*);
+    va_end(arguments);
+    const std::string form = format;
+    const std::string text = form == "%{public}s" ? argument : form == "%s" ? "<private>" : "?";
+    fake_mac::logLines().push_back({known->_subsystem, known->_category, type, form, text});
+}
+}
+
+namespace fake_mac {
+
+std::vector<LogLine>& logLines() {
+    static std::vector<LogLine> all;
+    return all;
+}
+
+int logCount() {
+    return madeLogs;
+}
+
+void forgetServices() {
+    mainService = nil;
+    madeLogs = 0;
+    logLines().clear();
+}
+
+}  // namespace fake_mac

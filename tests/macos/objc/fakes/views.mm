@@ -1,0 +1,297 @@
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#import "tests/macos/objc/fakes/appkit.h"
+
+NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
+
+@implementation NSResponder
+- (instancetype)init {
+    return [super init];
+}
+- (void)mouseUp:(NSEvent*)event {
+    static_cast<void>(event);
+}
+- (void)mouseMoved:(NSEvent*)event {
+    static_cast<void>(event);
+}
+- (void)mouseExited:(NSEvent*)event {
+    static_cast<void>(event);
+}
+@end
+
+@implementation NSTrackingArea
+@synthesize rect = _rect;
+@synthesize options = _options;
+@synthesize owner = _owner;
+- (instancetype)initWithRect:(NSRect)rect
+                     options:(NSTrackingAreaOptions)options
+                       owner:(id)owner
+                    userInfo:(NSDictionary*)userInfo {
+    static_cast<void>(userInfo);
+    self = [super init];
+    _rect = rect;
+    _options = options;
+    _owner = owner;
+    return self;
+}
+- (id)copyWithZone:(void*)zone {
+    static_cast<void>(zone);
+    return self;
+}
+@end
+
+@interface NSView ()
+@property(readwrite, weak) NSWindow* window;
+@property(readwrite, weak) NSView* superview;
+@property(readwrite, weak) NSMenuItem* enclosingMenuItem;
+@end
+
+@implementation NSView {
+    std::vector<NSView*> _subviews;
+    std::vector<NSTrackingArea*> _trackingAreas;
+    NSRect _frame;
+    NSString* _accessibilityLabel;
+}
+@synthesize window = _window;
+@synthesize superview = _superview;
+@synthesize autoresizingMask = _autoresizingMask;
+@synthesize needsDisplay = _needsDisplay;
+@synthesize enclosingMenuItem = _enclosingMenuItem;
+- (instancetype)initWithFrame:(NSRect)frameRect {
+    self = [super init];
+    _frame = frameRect;
+    return self;
+}
+- (instancetype)initWithCoder:(NSCoder*)coder {
+    static_cast<void>(coder);
+    return [self initWithFrame:NSZeroRect];
+}
+- (void)addSubview:(NSView*)view {
+    _subviews.push_back(view);
+    view.superview = self;
+}
+- (NSArray*)subviews {
+    return [NSArray arrayWithObjects:_subviews.data() count:_subviews.size()];
+}
+- (void)setSubviews:(NSArray*)subviews {
+    _subviews.clear();
+    for (NSView* view in subviews) {
+        [self addSubview:view];
+    }
+}
+- (NSRect)frame {
+    return _frame;
+}
+- (void)setFrame:(NSRect)frame {
+    _frame.origin = frame.origin;
+    [self setFrameSize:frame.size];
+}
+- (void)setFrameSize:(NSSize)newSize {
+    _frame.size = newSize;
+}
+- (NSRect)bounds {
+    return NSMakeRect(0, 0, _frame.size.width, _frame.size.height);
+}
+- (void)setBounds:(NSRect)bounds {
+    _frame.size = bounds.size;
+}
+- (NSPoint)convertPoint:(NSPoint)point fromView:(NSView*)view {
+    static_cast<void>(view);
+    return NSMakePoint(point.x - _frame.origin.x, point.y - _frame.origin.y);
+}
+- (void)layoutSubtreeIfNeeded {
+}
+- (void)drawRect:(NSRect)dirtyRect {
+    static_cast<void>(dirtyRect);
+}
+- (void)updateTrackingAreas {
+}
+- (void)addTrackingArea:(NSTrackingArea*)trackingArea {
+    _trackingAreas.push_back(trackingArea);
+}
+- (void)removeTrackingArea:(NSTrackingArea*)trackingArea {
+    std::erase(_trackingAreas, trackingArea);
+}
+- (NSArray*)trackingAreas {
+    return [NSArray arrayWithObjects:_trackingAreas.data() count:_trackingAreas.size()];
+}
+- (BOOL)isAccessibilityElement {
+    return NO;
+}
+- (NSAccessibilityRole)accessibilityRole {
+    return nil;
+}
+- (NSString*)accessibilityLabel {
+    return _accessibilityLabel;
+}
+- (void)setAccessibilityLabel:(NSString*)accessibilityLabel {
+    _accessibilityLabel = [accessibilityLabel copy];
+}
+- (BOOL)accessibilityPerformPress {
+    return NO;
+}
+@end
+
+@implementation NSControl
+@synthesize stringValue = _stringValue;
+@synthesize font = _font;
+@synthesize lineBreakMode = _lineBreakMode;
+@end
+
+@implementation NSTextField
+@synthesize textColor = _textColor;
++ (instancetype)labelWithString:(NSString*)stringValue {
+    NSTextField* const field = [[NSTextField alloc] initWithFrame:NSZeroRect];
+    field.stringValue = stringValue;
+    return field;
+}
+@end
+
+@implementation NSImageView
+@synthesize image = _image;
+@synthesize imageScaling = _imageScaling;
++ (instancetype)imageViewWithImage:(NSImage*)image {
+    NSImageView* const view = [[NSImageView alloc] initWithFrame:NSZeroRect];
+    view.image = image;
+    return view;
+}
+@end
+
+@implementation NSButton
+@synthesize image = _image;
+@synthesize toolTip = _toolTip;
+@end
+
+@implementation NSStatusBarButton
+@end
+
+@implementation NSVisualEffectView
+@synthesize material = _material;
+@synthesize blendingMode = _blendingMode;
+@synthesize state = _state;
+@synthesize maskImage = _maskImage;
+@end
+
+namespace fake_mac {
+void registerWindow(NSWindow* window);
+}
+
+@interface NSWindow ()
+@property(readwrite, getter=isVisible) BOOL visible;
+@end
+
+@implementation NSWindow {
+    NSRect _frame;
+    NSView* _contentView;
+    std::vector<std::string> _calls;
+}
+@synthesize styleMask = _styleMask;
+@synthesize level = _level;
+@synthesize opaque = _opaque;
+@synthesize backgroundColor = _backgroundColor;
+@synthesize hasShadow = _hasShadow;
+@synthesize hidesOnDeactivate = _hidesOnDeactivate;
+@synthesize releasedWhenClosed = _releasedWhenClosed;
+@synthesize animationBehavior = _animationBehavior;
+@synthesize collectionBehavior = _collectionBehavior;
+@synthesize tabbingMode = _tabbingMode;
+@synthesize movable = _movable;
+@synthesize acceptsMouseMovedEvents = _acceptsMouseMovedEvents;
+@synthesize titlebarAppearsTransparent = _titlebarAppearsTransparent;
+@synthesize visible = _visible;
+@synthesize backing = _backing;
+@synthesize isDeferred = _isDeferred;
+- (instancetype)initWithContentRect:(NSRect)contentRect
+                          styleMask:(NSWindowStyleMask)style
+                            backing:(NSBackingStoreType)backingStoreType
+                              defer:(BOOL)flag {
+    self = [super init];
+    _frame = contentRect;
+    _styleMask = style;
+    _backing = backingStoreType;
+    _isDeferred = flag;
+    // What a new window is like.
+    _opaque = YES;
+    _movable = YES;
+    _releasedWhenClosed = YES;
+    fake_mac::registerWindow(self);
+    return self;
+}
+- (NSView*)contentView {
+    return _contentView;
+}
+- (void)setContentView:(NSView*)contentView {
+    _contentView = contentView;
+    contentView.window = self;
+    contentView.frame = NSMakeRect(0, 0, _frame.size.width, _frame.size.height);
+}
+- (NSRect)frame {
+    return _frame;
+}
+- (void)setFrame:(NSRect)frameRect display:(BOOL)flag {
+    _frame = frameRect;
+    [_contentView setFrame:NSMakeRect(0, 0, frameRect.size.width, frameRect.size.height)];
+    _calls.emplace_back(flag ? "setFrame and display" : "setFrame");
+}
+- (std::vector<std::string>)calls {
+    return _calls;
+}
+- (BOOL)canBecomeKeyWindow {
+    return (_styleMask & NSWindowStyleMaskTitled) != 0;
+}
+- (BOOL)canBecomeMainWindow {
+    return (_styleMask & NSWindowStyleMaskTitled) != 0;
+}
+- (NSInteger)windowNumber {
+    return 1;
+}
+- (void)invalidateShadow {
+    _calls.emplace_back("invalidateShadow");
+}
+- (void)displayIfNeeded {
+    _calls.emplace_back("displayIfNeeded");
+}
+- (void)orderFront:(id)sender {
+    static_cast<void>(sender);
+    self.visible = YES;
+    _calls.emplace_back("orderFront");
+}
+- (void)orderFrontRegardless {
+    self.visible = YES;
+    _calls.emplace_back("orderFrontRegardless");
+}
+- (void)orderOut:(id)sender {
+    static_cast<void>(sender);
+    self.visible = NO;
+    _calls.emplace_back("orderOut");
+}
+- (void)makeKeyAndOrderFront:(id)sender {
+    static_cast<void>(sender);
+    self.visible = YES;
+    _calls.emplace_back("makeKeyAndOrderFront");
+}
+- (void)close {
+    self.visible = NO;
+    _calls.emplace_back("close");
+    if (_releasedWhenClosed) {
+        // One reference too few from now on, as in the real one.
+        extern void objc_release(id) asm("objc_release");
+        objc_release(self);
+    }
+}
+@end
+
+@implementation NSPanel
+@synthesize floatingPanel = _floatingPanel;
+- (void)setFloatingPanel:(BOOL)floatingPanel {
+    _floatingPanel = floatingPanel;
+    // The level of floating windows.
+    self.level = floatingPanel ? 3 : NSNormalWindowLevel;
+}
+- (BOOL)isFloatingPanel {
+    return _floatingPanel;
+}
+@end

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "tests/macos/objc/fakes/appkit.h"
+#include "tests/macos/objc/runtime/objects.h"
+
+namespace ferrowyn::test {
+
+/// A Mac on which nothing has happened yet. When the test ends, nothing that it or the layer made may be left: no
+/// observer, no monitor, no item in the menu bar, no object at all.
+class MacTest : public testing::Test {
+protected:
+    void TearDown() override;
+
+    [[nodiscard]] static std::string text(NSString* string);
+    [[nodiscard]] static NSString* string(const std::string& text);
+};
+
+}  // namespace ferrowyn::test

@@ -1,0 +1,31 @@
+#include "tests/macos/objc/mac_test.h"
+
+#include "tests/macos/objc/fakes/services.h"
+
+namespace ferrowyn::test {
+
+void MacTest::TearDown() {
+    @autoreleasepool {
+        [NSOperationQueue.mainQueue drain];
+        EXPECT_EQ(NSNotificationCenter.defaultCenter.observerCount, 0U);
+        EXPECT_EQ([NSDistributedNotificationCenter defaultCenter].observerCount, 0U);
+        EXPECT_EQ(NSWorkspace.sharedWorkspace.notificationCenter.observerCount, 0U);
+        EXPECT_EQ([NSEvent monitorCount], 0U);
+        EXPECT_EQ([NSStatusBar itemCount], 0U);
+    }
+    fake_mac::forgetServices();
+    fake_mac::forgetAppKit();
+    fake_mac::forgetFoundation();
+    // What the test itself autoreleased outside every callback; the first of its pools is the test program's own.
+    EXPECT_EQ(objc_runtime::liveObjectCount(), 0) << objc_runtime::liveObjects();
+}
+
+std::string MacTest::text(NSString* string) {
+    return string.UTF8String == nullptr ? "(nil)" : string.UTF8String;
+}
+
+NSString* MacTest::string(const std::string& text) {
+    return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
+}
+
+}  // namespace ferrowyn::test

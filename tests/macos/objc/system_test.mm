@@ -1,0 +1,300 @@
+#include <gmock/gmock.h>
+
+#include "platform/macos/mac_accessibility_notifications.h"
+#include "platform/macos/mac_application.h"
+#include "platform/macos/mac_application_delegate.h"
+#include "platform/macos/mac_log.h"
+#include "platform/macos/mac_login_item.h"
+#include "platform/macos/mac_user_defaults.h"
+#include "tests/macos/objc/fakes/services.h"
+#include "tests/macos/objc/mac_test.h"
+
+namespace ferrowyn::test {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class MacSystemTest : public MacTest {};
+
+TEST_F(MacSystemTest, AProgramOutsideABundleSaysNothingOfItself) {
+    @autoreleasepool {
+        const MacApplication application;
+        const auto info = application.bundleInfo();
+        EXPECT_FALSE(info.name);
+        EXPECT_FALSE(info.shortVersion);
+        EXPECT_FALSE(info.copyright);
+        EXPECT_EQ(info.path, "/usr/local/bin");
+    }
+}
+
+TEST_F(MacSystemTest, TheBundleSaysWhatTheProgramIs) {
+    @autoreleasepool {
+        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
+                                                    identifier:@"com.larkmoor.Ferrowyn"
+                                                          info:@{
+                                                              @"CFBundleName" : @"Ferrowyn",
+                                                              @"CFBundleShortVersionString" : @"1.4.0",
+                                                              @"NSHumanReadableCopyright" : @"© 2026 Larkmoor",
+                                                          }]);
+        const auto info = MacApplication().bundleInfo();
+        EXPECT_EQ(info.name, "Ferrowyn");
+        EXPECT_EQ(info.shortVersion, "1.4.0");
+        EXPECT_EQ(info.copyright, "© 2026 Larkmoor");
+        EXPECT_EQ(info.path, "/Applications/Ferrowyn.app");
+    }
+}
+
+TEST_F(MacSystemTest, AValueOfAnotherTypeInTheBundleCountsAsAbsent) {
+    @autoreleasepool {
+        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
+                                                    identifier:nil
+                                                          info:@{
+                                                              @"CFBundleShortVersionString" : @2
+                                                          }]);
+        EXPECT_FALSE(MacApplication().bundleInfo().shortVersion);
+    }
+}
+
+TEST_F(MacSystemTest, TheSystemsVersionIsMajorAndMinor) {
+    @autoreleasepool {
+        fake_mac::setSystemVersion(14, 5, 1);
+        EXPECT_EQ(MacApplication().systemVersion(), "14.5");
+        EXPECT_EQ(MacApplication().ownPid(), fake_mac::ownPid);
+    }
+}
+
+TEST_F(MacSystemTest, ThePolicyAndTheRestAreAskedOfTheApplicationObject) {
+    @autoreleasepool {
+        MacApplication application;
+        application.setActivationPolicy(ActivationPolicy::accessory);
+        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyAccessory);
+        application.setActivationPolicy(ActivationPolicy::prohibited);
+        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyProhibited);
+        application.setActivationPolicy(ActivationPolicy::regular);
+        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyRegular);
+        application.activate();
+        application.terminate();
+        application.revealInFileManager();
+        const auto calls = [NSApplication.sharedApplication calls];
+        EXPECT_THAT(calls, ElementsAre("setActivationPolicy", "setActivationPolicy", "setActivationPolicy",
+                                       "activate ignoring others", "terminate"));
+        EXPECT_THAT(NSWorkspace.sharedWorkspace.revealedPaths, ElementsAre("/usr/local/bin"));
+    }
+}
+
+TEST_F(MacSystemTest, BecomingActiveIsToldUntilTheTokenIsDropped) {
+    @autoreleasepool {
+        MacApplication application;
+        int count = 0;
+        auto subscription = application.observeDidBecomeActive([&] { ++count; });
+        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+        [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
+        EXPECT_EQ(count, 1);
+        subscription.reset();
+        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+        EXPECT_EQ(count, 1);
+    }
+}
+
+TEST_F(MacSystemTest, WhatStillWaitsInTheQueueIsNotToldAfterTheTokenIsDropped) {
+    @autoreleasepool {
+        NSOperationQueue.mainQueue.isDeferring = YES;
+        MacApplication application;
+        int count = 0;
+        auto subscription = application.observeDidBecomeActive([&] { ++count; });
+        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+        [NSOperationQueue.mainQueue drain];
+        EXPECT_EQ(count, 1);
+        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+        subscription.reset();
+        [NSOperationQueue.mainQueue drain];
+        EXPECT_EQ(count, 1);
+    }
+}
+
+TEST_F(MacSystemTest, TheAccessibilityDatabaseIsHeardOfFromAllProcesses) {
+    @autoreleasepool {
+        int count = 0;
+        auto subscription = observeAccessibilityDatabase([&] { ++count; });
+        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
+        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.other" userInfo:nil];
+        [NSNotificationCenter.defaultCenter post:@"com.apple.accessibility.api" userInfo:nil];
+        EXPECT_EQ(count, 1);
+        subscription.reset();
+        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
+        EXPECT_EQ(count, 1);
+    }
+}
+
+TEST_F(MacSystemTest, TheDelegateHearsOfTheLaunchOfReopeningAndOfTheEnd) {
+    @autoreleasepool {
+        std::vector<std::string> heard;
+        bool answer = true;
+        NSApplication* const application = NSApplication.sharedApplication;
+        {
+            const MacApplicationDelegate delegate(
+                {.onDidFinishLaunching = [&] { heard.emplace_back("launched"); },
+                 .onShouldHandleReopen =
+                     [&](bool hasVisibleWindows) {
+                         heard.emplace_back(hasVisibleWindows ? "reopened with windows" : "reopened");
+                         return answer;
+                     },
+                 .onWillTerminate = [&] { heard.emplace_back("ends"); }});
+            [application finishLaunching];
+            EXPECT_TRUE([application reopenWithVisibleWindows:YES]);
+            answer = false;
+            EXPECT_FALSE([application reopenWithVisibleWindows:NO]);
+            [application willTerminate];
+        }
+        EXPECT_THAT(heard, ElementsAre("launched", "reopened with windows", "reopened", "ends"));
+        EXPECT_EQ(application.delegate, nil);
+    }
+}
+
+TEST_F(MacSystemTest, ADelegateThatTheToolkitKeepsIsSilentOnceItsOwnerIsGone) {
+    @autoreleasepool {
+        int count = 0;
+        id<NSApplicationDelegate> kept = nil;
+        {
+            const MacApplicationDelegate delegate({.onDidFinishLaunching = [&] { ++count; }});
+            kept = NSApplication.sharedApplication.delegate;
+        }
+        NSApplication.sharedApplication.delegate = kept;
+        [NSApplication.sharedApplication finishLaunching];
+        EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
+        EXPECT_EQ(count, 0);
+    }
+}
+
+TEST_F(MacSystemTest, EveryStateOfTheLoginItemIsToldApart) {
+    @autoreleasepool {
+        const MacLoginItem item;
+        const std::vector<std::pair<SMAppServiceStatus, LoginItem::Status>> table{
+            {SMAppServiceStatusNotRegistered, LoginItem::Status::notRegistered},
+            {SMAppServiceStatusEnabled, LoginItem::Status::enabled},
+            {SMAppServiceStatusRequiresApproval, LoginItem::Status::requiresApproval},
+            {SMAppServiceStatusNotFound, LoginItem::Status::notFound},
+            {static_cast<SMAppServiceStatus>(17), LoginItem::Status::notRegistered},
+        };
+        for (const auto& [status, expected] : table) {
+            SMAppService.mainAppService.status = status;
+            EXPECT_EQ(item.status(), expected) << static_cast<int>(status);
+        }
+    }
+}
+
+TEST_F(MacSystemTest, RegisteringAndUnregisteringTheLoginItemSucceed) {
+    @autoreleasepool {
+        MacLoginItem item;
+        EXPECT_FALSE(item.registerProgram());
+        EXPECT_FALSE(item.unregisterProgram());
+        EXPECT_THAT(SMAppService.mainAppService.calls, ElementsAre("register", "unregister"));
+    }
+}
+
+TEST_F(MacSystemTest, ARefusalOfTheLoginItemComesWithDomainCodeAndWords) {
+    @autoreleasepool {
+        MacLoginItem item;
+        SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"SMAppServiceErrorDomain"
+                                                                           code:1
+                                                                           text:@"Operation not permitted"];
+        const auto refused = item.registerProgram();
+        ASSERT_TRUE(refused);
+        EXPECT_EQ(refused->domain, "SMAppServiceErrorDomain");
+        EXPECT_EQ(refused->code, 1);
+        EXPECT_EQ(refused->localizedDescription, "Operation not permitted");
+        SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"NSPOSIXErrorDomain"
+                                                                           code:-5
+                                                                           text:@"Input/output error"];
+        const auto failed = item.unregisterProgram();
+        ASSERT_TRUE(failed);
+        EXPECT_EQ(failed->domain, "NSPOSIXErrorDomain");
+        EXPECT_EQ(failed->code, -5);
+        EXPECT_EQ(failed->localizedDescription, "Input/output error");
+    }
+}
+
+TEST_F(MacSystemTest, DefaultsAnswerWithWhatIsRegisteredUntilSomethingIsStored) {
+    @autoreleasepool {
+        MacUserDefaults defaults;
+        EXPECT_FALSE(defaults.value("switcher.layout"));
+        defaults.registerDefaults({{"switcher.layout", std::string("list")}, {"switcher.includeMinimized", true}});
+        EXPECT_EQ(defaults.string("switcher.layout"), "list");
+        EXPECT_TRUE(defaults.boolean("switcher.includeMinimized"));
+        EXPECT_EQ([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"], nil);
+        defaults.set("switcher.layout", std::string("grid"));
+        EXPECT_EQ(defaults.string("switcher.layout"), "grid");
+        EXPECT_EQ(text([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"]), "grid");
+    }
+}
+
+TEST_F(MacSystemTest, EveryTypeOfDefaultComesBackAsItWasStored) {
+    @autoreleasepool {
+        MacUserDefaults defaults;
+        const std::vector<DefaultsValue> values{true,
+                                                false,
+                                                std::int64_t{1},
+                                                std::int64_t{0},
+                                                std::int64_t{-9'000'000'000},
+                                                1.5,
+                                                1763712000.25,
+                                                std::string("Größe ⌥⇥"),
+                                                std::string(),
+                                                std::vector<std::string>{"com.example.Mail", "com.example.Notes"},
+                                                std::vector<std::string>{}};
+        for (const auto& value : values) {
+            defaults.set("key", value);
+            EXPECT_EQ(defaults.value("key"), value) << "alternative " << value.index();
+        }
+    }
+}
+
+TEST_F(MacSystemTest, WhatOthersWroteIntoTheDefaultsIsReadAsFarAsItCanBe) {
+    @autoreleasepool {
+        const MacUserDefaults defaults;
+        auto* const store = NSUserDefaults.standardUserDefaults;
+        [store setObject:[NSNumber numberWithInt:12] forKey:@"switcher.maximumVisibleRows"];
+        [store setObject:@[ @"a", @2 ] forKey:@"mixed"];
+        [store setObject:@{@"a" : @"b"} forKey:@"dictionary"];
+        EXPECT_EQ(defaults.value("switcher.maximumVisibleRows"), DefaultsValue(std::int64_t{12}));
+        EXPECT_FALSE(defaults.value("mixed"));
+        EXPECT_FALSE(defaults.value("dictionary"));
+    }
+}
+
+TEST_F(MacSystemTest, LinesGoToTheLogOfTheirCategoryAndCanBeReadByAll) {
+    @autoreleasepool {
+        MacLog log;
+        log.write(LogLevel::standard, "permissions", "Services active");
+        log.write(LogLevel::error, "input", "100 % of the taps failed: %s");
+        log.write(LogLevel::debug, "permissions", "");
+        const auto& lines = fake_mac::logLines();
+        ASSERT_EQ(lines.size(), 3U);
+        EXPECT_EQ(lines[0].subsystem, "com.larkmoor.Ferrowyn");
+        EXPECT_EQ(lines[0].category, "permissions");
+        EXPECT_EQ(lines[0].type, OS_LOG_TYPE_DEFAULT);
+        EXPECT_EQ(lines[0].text, "Services active");
+        EXPECT_EQ(lines[1].category, "input");
+        EXPECT_EQ(lines[1].type, OS_LOG_TYPE_ERROR);
+        EXPECT_EQ(lines[1].text, "100 % of the taps failed: %s");
+        EXPECT_EQ(lines[2].type, OS_LOG_TYPE_DEBUG);
+        EXPECT_EQ(fake_mac::logCount(), 2) << "one a category";
+    }
+}
+
+TEST_F(MacSystemTest, TheLogsSubsystemIsTheBundlesIdentifier) {
+    @autoreleasepool {
+        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Other.app"
+                                                    identifier:@"com.example.Other"
+                                                          info:[NSDictionary dictionary]]);
+        MacLog log;
+        log.write(LogLevel::standard, "ui", "line");
+        EXPECT_EQ(fake_mac::logLines().at(0).subsystem, "com.example.Other");
+    }
+}
+
+}  // namespace
+
+}  // namespace ferrowyn::test

@@ -1,0 +1,25 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <AppKit/NSAccessibility.h>
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSBezierPath.h>
+#include <AppKit/NSBitmapImageRep.h>
+#include <AppKit/NSColor.h>
+#include <AppKit/NSControls.h>
+#include <AppKit/NSEvent.h>
+#include <AppKit/NSFont.h>
+#include <AppKit/NSGraphicsContext.h>
+#include <AppKit/NSImage.h>
+#include <AppKit/NSMenu.h>
+#include <AppKit/NSResponder.h>
+#include <AppKit/NSRunningApplication.h>
+#include <AppKit/NSScreen.h>
+#include <AppKit/NSStatusBar.h>
+#include <AppKit/NSTrackingArea.h>
+#include <AppKit/NSView.h>
+#include <AppKit/NSVisualEffectView.h>
+#include <AppKit/NSWindow.h>
+#include <AppKit/NSWorkspace.h>
+#include <Foundation/Foundation.h>

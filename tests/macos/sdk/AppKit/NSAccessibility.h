@@ -1,0 +1,12 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+typedef NSString* NSAccessibilityRole NS_TYPED_EXTENSIBLE_ENUM;
+APPKIT_EXTERN NSAccessibilityRole const NSAccessibilityButtonRole;
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,21 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+typedef CGFloat NSFontWeight NS_TYPED_EXTENSIBLE_ENUM;
+APPKIT_EXTERN const NSFontWeight NSFontWeightRegular;
+
+@interface NSFont : NSObject <NSCopying>
++ (NSFont*)systemFontOfSize:(CGFloat)fontSize;
++ (NSFont*)menuFontOfSize:(CGFloat)fontSize;
+@property(readonly) CGFloat pointSize;
+@end
+
+APPKIT_EXTERN NSAttributedStringKey const NSFontAttributeName;
+APPKIT_EXTERN NSAttributedStringKey const NSForegroundColorAttributeName;
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,30 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <AppKit/NSRunningApplication.h>
+#include <UniformTypeIdentifiers/UniformTypeIdentifiers.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface NSWorkspace : NSObject
+@property(class, readonly, strong) NSWorkspace* sharedWorkspace;
+@property(readonly, strong) NSNotificationCenter* notificationCenter;
+@property(readonly, copy) NSArray<NSRunningApplication*>* runningApplications;
+@property(nullable, readonly, strong) NSRunningApplication* frontmostApplication;
+- (BOOL)openURL:(NSURL*)url;
+- (nullable NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)bundleIdentifier;
+- (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)fileURLs;
+- (NSImage*)iconForFile:(NSString*)fullPath;
+- (NSImage*)iconForContentType:(UTType*)contentType API_AVAILABLE(macos(11.0));
+@end
+
+APPKIT_EXTERN NSString* const NSWorkspaceApplicationKey;
+APPKIT_EXTERN NSNotificationName const NSWorkspaceDidLaunchApplicationNotification;
+APPKIT_EXTERN NSNotificationName const NSWorkspaceDidTerminateApplicationNotification;
+APPKIT_EXTERN NSNotificationName const NSWorkspaceDidActivateApplicationNotification;
+APPKIT_EXTERN NSNotificationName const NSWorkspaceDidHideApplicationNotification;
+APPKIT_EXTERN NSNotificationName const NSWorkspaceDidUnhideApplicationNotification;
+APPKIT_EXTERN NSNotificationName const NSWorkspaceActiveSpaceDidChangeNotification;
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,36 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <objc/NSObject.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+typedef struct {
+    unsigned long state;
+    id __unsafe_unretained _Nullable* _Nullable itemsPtr;
+    unsigned long* _Nullable mutationsPtr;
+    unsigned long extra[5];
+} NSFastEnumerationState;
+
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id __unsafe_unretained _Nullable[_Nonnull])buffer
+                                    count:(NSUInteger)length;
+@end
+
+@interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
+@property(readonly) NSUInteger count;
+- (ObjectType)objectAtIndex:(NSUInteger)index;
+- (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
+@property(nullable, nonatomic, readonly) ObjectType firstObject;
++ (instancetype)array;
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nullable])objects count:(NSUInteger)count;
+@end
+
+@interface NSMutableArray<ObjectType> : NSArray <ObjectType>
++ (instancetype)arrayWithCapacity:(NSUInteger)capacity;
+- (void)addObject:(ObjectType)object;
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,57 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <Foundation/NSObjCRuntime.h>
+
+#ifndef CGGEOMETRY_H_
+typedef double CGFloat;
+struct CGPoint {
+    CGFloat x;
+    CGFloat y;
+};
+typedef struct CGPoint CGPoint;
+struct CGSize {
+    CGFloat width;
+    CGFloat height;
+};
+typedef struct CGSize CGSize;
+struct CGRect {
+    CGPoint origin;
+    CGSize size;
+};
+typedef struct CGRect CGRect;
+#endif
+
+typedef CGPoint NSPoint;
+typedef CGSize NSSize;
+typedef CGRect NSRect;
+
+typedef struct NSEdgeInsets {
+    CGFloat top;
+    CGFloat left;
+    CGFloat bottom;
+    CGFloat right;
+} NSEdgeInsets;
+
+static inline NSPoint NSMakePoint(CGFloat x, CGFloat y) {
+    return {x, y};
+}
+static inline NSSize NSMakeSize(CGFloat width, CGFloat height) {
+    return {width, height};
+}
+static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+    return {{x, y}, {width, height}};
+}
+static inline NSEdgeInsets NSEdgeInsetsMake(CGFloat top, CGFloat left, CGFloat bottom, CGFloat right) {
+    return {top, left, bottom, right};
+}
+static const NSRect NSZeroRect = {{0, 0}, {0, 0}};
+
+static inline NSRect NSInsetRect(NSRect rect, CGFloat dx, CGFloat dy) {
+    return {{rect.origin.x + dx, rect.origin.y + dy}, {rect.size.width - 2 * dx, rect.size.height - 2 * dy}};
+}
+static inline BOOL NSPointInRect(NSPoint point, NSRect rect) {
+    return point.x >= rect.origin.x && point.x < rect.origin.x + rect.size.width && point.y >= rect.origin.y &&
+           point.y < rect.origin.y + rect.size.height;
+}

@@ -1,0 +1,37 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <objc/objc.h>
+
+#define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
+#define NS_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")
+
+#define NS_ENUM(_type, _name) \
+    enum _name : _type _name; \
+    enum __attribute__((enum_extensibility(open))) _name : _type
+// In C++ the options are a plain integer, so that they can be combined.
+#define NS_OPTIONS(_type, _name) \
+    _type _name;                 \
+    enum __attribute__((flag_enum, enum_extensibility(open))) : _name
+#define NS_TYPED_EXTENSIBLE_ENUM
+
+#define NS_DESIGNATED_INITIALIZER __attribute__((objc_designated_initializer))
+#define NS_REQUIRES_SUPER __attribute__((objc_requires_super))
+#define NS_UNAVAILABLE __attribute__((unavailable))
+#define NS_RETURNS_RETAINED __attribute__((ns_returns_retained))
+#define NS_RETURNS_INNER_POINTER __attribute__((objc_returns_inner_pointer))
+#define NS_NOESCAPE __attribute__((noescape))
+#define NS_FORMAT_FUNCTION(F, A) __attribute__((format(__NSString__, F, A)))
+#define NS_WARN_UNUSED_RESULT __attribute__((warn_unused_result))
+#define NS_SWIFT_UI_ACTOR
+
+#define FOUNDATION_EXPORT extern "C" __attribute__((visibility("default")))
+#define APPKIT_EXTERN FOUNDATION_EXPORT
+
+#define API_AVAILABLE_macos(version) availability(macos, introduced = version)
+#define API_AVAILABLE(platform) __attribute__((API_AVAILABLE_##platform))
+#define API_DEPRECATED_macos(from, to) availability(macos, introduced = from, deprecated = to)
+#define API_DEPRECATED(text, platform) __attribute__((API_DEPRECATED_##platform))
+
+typedef NSInteger NSComparisonResult;

@@ -1,0 +1,15 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <Foundation/NSString.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface NSURL : NSObject <NSCopying>
++ (nullable instancetype)URLWithString:(NSString*)string;
+@property(readonly, copy) NSString* absoluteString;
+@property(nullable, readonly, copy) NSString* path;
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,36 @@
+// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
+// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+#pragma once
+
+#include <stdint.h>
+
+#if defined(__OBJC__)
+#include <objc/NSObject.h>
+
+@protocol OS_os_log <NSObject>
+@end
+typedef NSObject<OS_os_log>* os_log_t;
+#else
+typedef struct os_log_s* os_log_t;
+#endif
+
+typedef uint8_t os_log_type_t;
+enum : os_log_type_t {
+    OS_LOG_TYPE_DEFAULT = 0x00,
+    OS_LOG_TYPE_INFO = 0x01,
+    OS_LOG_TYPE_DEBUG = 0x02,
+    OS_LOG_TYPE_ERROR = 0x10,
+    OS_LOG_TYPE_FAULT = 0x11,
+};
+
+extern "C" {
+os_log_t _Nonnull os_log_create(const char* _Nonnull subsystem, const char* _Nonnull category)
+    __attribute__((warn_unused_result))
+#if defined(__OBJC__)
+    __attribute__((ns_returns_retained))
+#endif
+    ;
+/// A macro on a Mac; the checks of the format are the same.
+void os_log_with_type(os_log_t _Nonnull log, os_log_type_t type, const char* _Nonnull format, ...)
+    __attribute__((format(os_log, 3, 4)));
+}
