@@ -50,7 +50,8 @@ void MacPanel::setContent(std::unique_ptr<PanelContent> content) {
         return;
     }
     parts_->widget = parts_->host(*content_->widget(), addressOf(parts_->window.contentView));
-    takeFrame(fromNSRect(parts_->window.frame));
+    const NSSize size = parts_->window.frame.size;
+    parts_->widget->fill({.width = size.width, .height = size.height});
     followPointer(viewAt(parts_->widget->view()));
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 #include "tests/macos/objc/fakes/appkit.h"
 #include "tests/macos/objc/runtime/objects.h"
 
@@ -14,7 +17,10 @@ protected:
     void TearDown() override;
 
     [[nodiscard]] static std::string text(NSString* string);
-    [[nodiscard]] static NSString* string(const std::string& text);
+
+private:
+    /// Whatever the test autoreleases outside the callbacks of the system, which have pools of their own.
+    std::optional<objc_runtime::AutoreleasePool> pool_{std::in_place};
 };
 
 }  // namespace ferrowyn::test

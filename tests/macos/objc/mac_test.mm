@@ -13,19 +13,15 @@ void MacTest::TearDown() {
         EXPECT_EQ([NSEvent monitorCount], 0U);
         EXPECT_EQ([NSStatusBar itemCount], 0U);
     }
+    pool_.reset();
     fake_mac::forgetServices();
     fake_mac::forgetAppKit();
     fake_mac::forgetFoundation();
-    // What the test itself autoreleased outside every callback; the first of its pools is the test program's own.
     EXPECT_EQ(objc_runtime::liveObjectCount(), 0) << objc_runtime::liveObjects();
 }
 
 std::string MacTest::text(NSString* string) {
     return string.UTF8String == nullptr ? "(nil)" : string.UTF8String;
-}
-
-NSString* MacTest::string(const std::string& text) {
-    return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
 }
 
 }  // namespace ferrowyn::test

@@ -1,0 +1,317 @@
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QWidget>
+#include <memory>
+#include <utility>
+
+#include "platform/macos/mac_application.h"
+#include "platform/macos/mac_panel.h"
+#include "platform/macos/mac_qt_widget.h"
+#include "platform/macos/mac_utility_window.h"
+#include "platform/macos/mac_views.h"
+#include "tests/macos/objc/mac_test.h"
+
+namespace ferrowyn::test {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// What happened to the content and to the widget, in order.
+using Calls = std::vector<std::string>;
+
+class SpyContent final : public PanelContent {
+public:
+    SpyContent(Calls& calls, QWidget* widget) : calls_(calls), widget_(widget) {}
+
+    QWidget* widget() override { return widget_; }
+    void synchronize() override { calls_.emplace_back("synchronize"); }
+    void setTranslucent(bool isTranslucent) override { calls_.emplace_back(isTranslucent ? "translucent" : "opaque"); }
+    void renderPreview(QImage& /*target*/) override { calls_.emplace_back("renderPreview"); }
+    [[nodiscard]] bool matchesPreview() const override { return false; }
+
+private:
+    Calls& calls_;
+    QWidget* widget_;
+};
+
+/// Stands for the toolkit's widget: a view of its own within the panel's.
+class SpyWidget final : public MacHostedWidget {
+public:
+    SpyWidget(Calls& calls, std::uintptr_t parent) : calls_(calls), view_([[NSView alloc] initWithFrame:NSZeroRect]) {
+        [viewAt(parent) addSubview:view_];
+    }
+    ~SpyWidget() override { calls_.emplace_back("widget goes"); }
+
+    [[nodiscard]] std::uintptr_t view() const override { return addressOf(view_); }
+    void fill(const Size& size) override {
+        calls_.push_back("fill " + std::to_string(static_cast<int>(size.width)) + " " +
+                         std::to_string(static_cast<int>(size.height)));
+    }
+    void setVisible(bool isVisible) override { calls_.emplace_back(isVisible ? "show" : "hide"); }
+
+private:
+    Calls& calls_;
+    NSView* view_;
+};
+
+class MacPanelTest : public MacTest {
+protected:
+    static constexpr double cornerRadius = 14;
+
+    MacPanelTest() {
+        @autoreleasepool {
+            panel = std::make_unique<MacPanel>(
+                [this](QWidget& /*widget*/, std::uintptr_t view) { return std::make_unique<SpyWidget>(calls, view); },
+                cornerRadius);
+        }
+    }
+    void TearDown() override {
+        @autoreleasepool {
+            panel.reset();
+        }
+        MacTest::TearDown();
+    }
+    [[nodiscard]] static NSPanel* window() {
+        return static_cast<NSPanel*>(NSApplication.sharedApplication.windows.firstObject);
+    }
+    void setContent(QWidget* widget) {
+        panel->setContent(std::make_unique<SpyContent>(calls, widget));
+        calls.clear();
+    }
+    /// It is never looked into: the host above stands for the toolkit.
+    [[nodiscard]] QWidget* someWidget() { return reinterpret_cast<QWidget*>(&place_); }
+
+    Calls calls;
+    std::unique_ptr<MacPanel> panel;
+
+private:
+    std::max_align_t place_{};
+};
+
+TEST_F(MacPanelTest, TheWindowFloatsAboveEverythingAndNeverTakesTheKeyboard) {
+    @autoreleasepool {
+        NSPanel* const made = window();
+        EXPECT_EQ(made.styleMask, 0x8080UL);
+        EXPECT_EQ(made.level, 1000);
+        EXPECT_EQ(made.collectionBehavior, 0x151UL);
+        EXPECT_EQ(made.backing, NSBackingStoreBuffered);
+        EXPECT_FALSE(made.isDeferred);
+        EXPECT_TRUE(made.floatingPanel);
+        EXPECT_FALSE(made.opaque);
+        EXPECT_EQ(made.backgroundColor.name, "clear");
+        EXPECT_TRUE(made.hasShadow);
+        EXPECT_FALSE(made.hidesOnDeactivate);
+        EXPECT_FALSE(made.releasedWhenClosed);
+        EXPECT_EQ(made.animationBehavior, NSWindowAnimationBehaviorNone);
+        EXPECT_EQ(made.tabbingMode, NSWindowTabbingModeDisallowed);
+        EXPECT_FALSE(made.movable);
+        EXPECT_FALSE(made.canBecomeKeyWindow);
+        EXPECT_FALSE(made.canBecomeMainWindow);
+        EXPECT_FALSE(made.visible);
+        EXPECT_EQ(made.frame.size.width, 640);
+        EXPECT_EQ(made.frame.size.height, 200);
+    }
+}
+
+TEST_F(MacPanelTest, TheMaterialBehindTheContentIsAlwaysActiveAndRound) {
+    @autoreleasepool {
+        NSView* const content = window().contentView;
+        ASSERT_TRUE([content isKindOfClass:[NSVisualEffectView class]]);
+        auto* const material = static_cast<NSVisualEffectView*>(content);
+        EXPECT_EQ(material.blendingMode, NSVisualEffectBlendingModeBehindWindow);
+        EXPECT_EQ(material.state, NSVisualEffectStateActive);
+        EXPECT_EQ(material.material, NSVisualEffectMaterialPopover);
+        EXPECT_EQ(material.autoresizingMask, NSViewWidthSizable | NSViewHeightSizable);
+        NSImage* const mask = material.maskImage;
+        EXPECT_EQ(mask.size.width, 2 * cornerRadius + 1);
+        EXPECT_EQ(mask.capInsets.left, cornerRadius);
+        EXPECT_EQ(mask.capInsets.bottom, cornerRadius);
+        EXPECT_EQ(mask.resizingMode, NSImageResizingModeStretch);
+        EXPECT_TRUE(mask.drawingHandler(NSMakeRect(0, 0, 29, 29)));
+        ASSERT_EQ(fake_mac::fills().size(), 1U);
+        EXPECT_EQ(fake_mac::fills()[0].radius, cornerRadius);
+        EXPECT_EQ(fake_mac::fills()[0].color, "black");
+        EXPECT_EQ(fake_mac::fills()[0].rect.size.width, 29);
+    }
+}
+
+TEST_F(MacPanelTest, TheContentIsTranslucentAndFillsThePanel) {
+    @autoreleasepool {
+        panel->setContent(std::make_unique<SpyContent>(calls, someWidget()));
+        EXPECT_THAT(calls, ElementsAre("translucent", "fill 640 200"));
+        EXPECT_EQ(window().contentView.subviews.count, 1U);
+    }
+}
+
+TEST_F(MacPanelTest, ThePointerIsFollowedWhileAnotherApplicationIsActive) {
+    @autoreleasepool {
+        setContent(someWidget());
+        NSView* const view = window().contentView.subviews.firstObject;
+        ASSERT_EQ(view.trackingAreas.count, 1U);
+        NSTrackingArea* const area = view.trackingAreas.firstObject;
+        EXPECT_EQ(area.owner, view);
+        EXPECT_EQ(area.options, NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved | NSTrackingActiveAlways |
+                                    NSTrackingInVisibleRect);
+        EXPECT_TRUE(window().acceptsMouseMovedEvents);
+    }
+}
+
+TEST_F(MacPanelTest, ItTakesAFrameWithoutDrawingAtOnce) {
+    @autoreleasepool {
+        setContent(someWidget());
+        panel->setFrame({-300, 120, 760, 412});
+        EXPECT_EQ(window().frame.origin.x, -300);
+        EXPECT_EQ(window().frame.origin.y, 120);
+        EXPECT_EQ(window().frame.size.height, 412);
+        EXPECT_THAT(calls, ElementsAre("fill 760 412"));
+        EXPECT_THAT(window().calls, ElementsAre("setFrame"));
+    }
+}
+
+TEST_F(MacPanelTest, ItIsShownWithWhatTheModelHoldsAndWithoutActivating) {
+    @autoreleasepool {
+        setContent(someWidget());
+        panel->orderFrontRegardless();
+        EXPECT_THAT(calls, ElementsAre("synchronize", "show"));
+        EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless"));
+        EXPECT_TRUE(window().visible);
+        EXPECT_THAT([NSApplication.sharedApplication calls], IsEmpty());
+        panel->orderOut();
+        EXPECT_FALSE(window().visible);
+        EXPECT_EQ(calls.back(), "hide");
+    }
+}
+
+TEST_F(MacPanelTest, AFrameWhileItIsShownBringsTheContentUpToDate) {
+    @autoreleasepool {
+        setContent(someWidget());
+        panel->orderFrontRegardless();
+        calls.clear();
+        panel->setFrame({0, 0, 640, 300});
+        EXPECT_THAT(calls, ElementsAre("synchronize", "fill 640 300"));
+        EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless", "setFrame", "invalidateShadow"));
+    }
+}
+
+TEST_F(MacPanelTest, ItWarmsUpWhereNobodySeesIt) {
+    @autoreleasepool {
+        setContent(someWidget());
+        panel->setFrame({-10000, -10000, 640, 300});
+        panel->orderFront();
+        panel->layOutContent();
+        panel->orderOut();
+        EXPECT_THAT(calls, ElementsAre("fill 640 300", "synchronize", "show", "synchronize", "hide"));
+        EXPECT_THAT(window().calls, ElementsAre("setFrame", "orderFront", "displayIfNeeded", "orderOut"));
+    }
+}
+
+TEST_F(MacPanelTest, PreparingMovesNothingThatIsShown) {
+    @autoreleasepool {
+        setContent(someWidget());
+        panel->prepare({10, 20, 640, 300});
+        EXPECT_EQ(window().frame.origin.x, 10);
+        panel->orderFrontRegardless();
+        panel->prepare({50, 60, 640, 400});
+        EXPECT_EQ(window().frame.origin.x, 10);
+        EXPECT_EQ(window().frame.size.height, 300);
+    }
+}
+
+TEST_F(MacPanelTest, ContentThatDrawsNothingIsNotHosted) {
+    @autoreleasepool {
+        setContent(nullptr);
+        panel->setFrame({0, 0, 640, 300});
+        panel->orderFrontRegardless();
+        panel->layOutContent();
+        panel->orderOut();
+        EXPECT_THAT(calls, ElementsAre("synchronize", "synchronize"));
+        EXPECT_EQ(window().contentView.subviews.count, 0U);
+    }
+}
+
+TEST_F(MacPanelTest, TheWidgetLeavesTheWindowBeforeTheWindowGoes) {
+    @autoreleasepool {
+        setContent(someWidget());
+        panel->orderFrontRegardless();
+        NSPanel* const kept = window();
+        calls.clear();
+        panel.reset();
+        EXPECT_THAT(calls, ElementsAre("hide", "widget goes"));
+        EXPECT_EQ(kept.calls.back(), "close");
+    }
+}
+
+class MacToolkitTest : public MacTest {
+protected:
+    int argumentCount = 1;
+    char name[5] = "test";
+    char* arguments[2] = {name, nullptr};
+};
+
+TEST_F(MacToolkitTest, AWidgetInTheHostTakesItsSizeAndIsGivenBack) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argumentCount, arguments);
+    QWidget widget;
+    {
+        // There is no view for the toolkit to know here, which leaves everything else to see.
+        const auto hosted = hostQtWidget(widget, 0);
+        hosted->fill({.width = 640.4, .height = 188});
+        EXPECT_EQ(widget.geometry(), QRect(0, 0, 641, 188));
+        EXPECT_NE(hosted->view(), 0U);
+        EXPECT_FALSE(widget.isVisible());
+        hosted->setVisible(true);
+        EXPECT_TRUE(widget.isVisible());
+        EXPECT_TRUE(widget.testAttribute(Qt::WA_TranslucentBackground));
+        EXPECT_TRUE(widget.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
+        EXPECT_TRUE(widget.windowFlags().testFlag(Qt::FramelessWindowHint));
+    }
+    EXPECT_FALSE(widget.isVisible());
+}
+
+class MacWindowsTest : public MacTest {
+protected:
+    static NSWindow* makeWindow() {
+        NSWindow* const window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 100, 100)
+                                                             styleMask:NSWindowStyleMaskTitled
+                                                               backing:NSBackingStoreBuffered
+                                                                 defer:NO];
+        window.contentView = [[NSView alloc] initWithFrame:NSZeroRect];
+        return window;
+    }
+};
+
+TEST_F(MacWindowsTest, UtilityWindowsReachUnderATransparentTitleBar) {
+    @autoreleasepool {
+        NSWindow* const window = makeWindow();
+        const auto view = addressOf(window.contentView);
+        configureUtilityWindow(view, false);
+        constexpr NSUInteger fixedSize = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
+                                         NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskFullSizeContentView;
+        EXPECT_EQ(window.styleMask, fixedSize);
+        EXPECT_TRUE(window.titlebarAppearsTransparent);
+        EXPECT_FALSE(window.releasedWhenClosed);
+        configureUtilityWindow(view, true);
+        EXPECT_EQ(window.styleMask, fixedSize | NSWindowStyleMaskResizable);
+    }
+}
+
+TEST_F(MacWindowsTest, TheWindowThatIsBroughtToTheFrontIsTheOneOfThatNumber) {
+    @autoreleasepool {
+        NSWindow* const first = makeWindow();
+        NSWindow* const second = makeWindow();
+        MacApplication application;
+        application.bringToFront(static_cast<WindowId>(addressOf(second.contentView)));
+        EXPECT_THAT(first.calls, IsEmpty());
+        EXPECT_THAT(second.calls, ElementsAre("makeKeyAndOrderFront"));
+        application.bringToFront(1);
+        EXPECT_THAT(first.calls, IsEmpty());
+        EXPECT_EQ(second.calls.size(), 1U);
+    }
+}
+
+}  // namespace
+
+}  // namespace ferrowyn::test
