@@ -118,9 +118,10 @@ TEST_F(MacSystemTest, TheAccessibilityDatabaseIsHeardOfFromAllProcesses) {
     @autoreleasepool {
         int count = 0;
         auto subscription = observeAccessibilityDatabase([&] { ++count; });
-        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
-        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.other" userInfo:nil];
         [NSNotificationCenter.defaultCenter post:@"com.apple.accessibility.api" userInfo:nil];
+        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.other" userInfo:nil];
+        EXPECT_EQ(count, 0);
+        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
         EXPECT_EQ(count, 1);
         subscription.reset();
         [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
