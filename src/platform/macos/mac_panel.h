@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "platform/macos/mac_hosted_widget.h"
 #include "platform/panel.h"
+#include "platform/qt/hosted_widget.h"
 
 namespace ferrowyn {
 
@@ -12,7 +12,7 @@ namespace ferrowyn {
 class MacPanel final : public Panel {
 public:
     /// `cornerRadius` is that of the content's outline.
-    MacPanel(MacWidgetHost host, double cornerRadius);
+    MacPanel(WidgetHost host, double cornerRadius);
     ~MacPanel() override;
     MacPanel(const MacPanel&) = delete;
     MacPanel& operator=(const MacPanel&) = delete;

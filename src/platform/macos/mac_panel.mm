@@ -23,13 +23,13 @@ void followPointer(NSView* view) {
 }  // namespace
 
 struct MacPanel::Parts {
-    MacWidgetHost host;
+    WidgetHost host;
     FerrowynSwitcherPanel* window;
-    std::unique_ptr<MacHostedWidget> widget;
+    std::unique_ptr<HostedWidget> widget;
     bool isShown = false;
 };
 
-MacPanel::MacPanel(MacWidgetHost host, double cornerRadius)
+MacPanel::MacPanel(WidgetHost host, double cornerRadius)
     : parts_(new Parts{.host = std::move(host), .window = [FerrowynSwitcherPanel switcherPanel]}) {
     NSRect bounds = parts_->window.frame;
     bounds.origin = NSMakePoint(0, 0);

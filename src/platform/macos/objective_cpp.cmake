@@ -28,8 +28,8 @@ list(TRANSFORM ferrowyn_objective_cpp_sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/
 
 # ferrowyn_add_objective_cpp(<target>): on a Mac, where the frameworks are.
 function(ferrowyn_add_objective_cpp target)
-  target_sources(${target} PRIVATE ${ferrowyn_objective_cpp_sources} ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/mac_qt_widget.cpp)
+  target_sources(${target} PRIVATE ${ferrowyn_objective_cpp_sources})
   set_source_files_properties(${ferrowyn_objective_cpp_sources} PROPERTIES COMPILE_OPTIONS -fobjc-arc)
-  target_link_libraries(${target} PRIVATE Qt6::Widgets "-framework AppKit" "-framework Foundation"
-                                          "-framework ServiceManagement" "-framework UniformTypeIdentifiers")
+  target_link_libraries(${target} PRIVATE "-framework AppKit" "-framework Foundation" "-framework ServiceManagement"
+                                          "-framework UniformTypeIdentifiers")
 endfunction()

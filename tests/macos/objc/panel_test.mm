@@ -7,9 +7,9 @@
 
 #include "platform/macos/mac_application.h"
 #include "platform/macos/mac_panel.h"
-#include "platform/macos/mac_qt_widget.h"
 #include "platform/macos/mac_utility_window.h"
 #include "platform/macos/mac_views.h"
+#include "platform/qt/qt_hosted_widget.h"
 #include "tests/macos/objc/mac_test.h"
 
 namespace ferrowyn::test {
@@ -38,7 +38,7 @@ private:
 };
 
 /// Stands for the toolkit's widget: a view of its own within the panel's.
-class SpyWidget final : public MacHostedWidget {
+class SpyWidget final : public HostedWidget {
 public:
     SpyWidget(Calls& calls, std::uintptr_t parent) : calls_(calls), view_([[NSView alloc] initWithFrame:NSZeroRect]) {
         [viewAt(parent) addSubview:view_];

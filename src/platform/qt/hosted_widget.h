@@ -11,9 +11,9 @@ class QWidget;
 namespace ferrowyn {
 
 /// A widget of the toolkit within one of the system's views. Main thread.
-class MacHostedWidget {
+class HostedWidget {
 public:
-    virtual ~MacHostedWidget() = default;
+    virtual ~HostedWidget() = default;
 
     /// The address of the widget's own view.
     [[nodiscard]] virtual std::uintptr_t view() const = 0;
@@ -24,6 +24,6 @@ public:
 };
 
 /// Puts the widget into the view at this address. Both outlive the result.
-using MacWidgetHost = std::function<std::unique_ptr<MacHostedWidget>(QWidget& widget, std::uintptr_t view)>;
+using WidgetHost = std::function<std::unique_ptr<HostedWidget>(QWidget& widget, std::uintptr_t view)>;
 
 }  // namespace ferrowyn

@@ -2,20 +2,20 @@
 
 #include <memory>
 
-#include "platform/macos/mac_hosted_widget.h"
+#include "platform/qt/hosted_widget.h"
 
 class QWindow;
 
 namespace ferrowyn {
 
 /// A widget whose window the toolkit places in a view that is not its own. Main thread, with a QApplication.
-class MacQtWidget final : public MacHostedWidget {
+class QtHostedWidget final : public HostedWidget {
 public:
     /// Both outlive this.
-    MacQtWidget(QWidget& widget, std::uintptr_t view);
-    ~MacQtWidget() override;
-    MacQtWidget(const MacQtWidget&) = delete;
-    MacQtWidget& operator=(const MacQtWidget&) = delete;
+    QtHostedWidget(QWidget& widget, std::uintptr_t view);
+    ~QtHostedWidget() override;
+    QtHostedWidget(const QtHostedWidget&) = delete;
+    QtHostedWidget& operator=(const QtHostedWidget&) = delete;
 
     [[nodiscard]] std::uintptr_t view() const override;
     void fill(const Size& size) override;
@@ -27,7 +27,7 @@ private:
     std::unique_ptr<QWindow> parent_;
 };
 
-/// As a `MacWidgetHost`.
-[[nodiscard]] std::unique_ptr<MacHostedWidget> hostQtWidget(QWidget& widget, std::uintptr_t view);
+/// As a `WidgetHost`.
+[[nodiscard]] std::unique_ptr<HostedWidget> hostQtWidget(QWidget& widget, std::uintptr_t view);
 
 }  // namespace ferrowyn

@@ -1,4 +1,4 @@
-#include "platform/macos/mac_qt_widget.h"
+#include "platform/qt/qt_hosted_widget.h"
 
 #include <QWidget>
 #include <QWindow>
@@ -6,7 +6,7 @@
 
 namespace ferrowyn {
 
-MacQtWidget::MacQtWidget(QWidget& widget, std::uintptr_t view) : widget_(widget) {
+QtHostedWidget::QtHostedWidget(QWidget& widget, std::uintptr_t view) : widget_(widget) {
     // The system's material shows through, and the keys belong to the application in front.
     widget_.setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
     widget_.setAttribute(Qt::WA_TranslucentBackground);
@@ -16,7 +16,7 @@ MacQtWidget::MacQtWidget(QWidget& widget, std::uintptr_t view) : widget_(widget)
     widget_.windowHandle()->setParent(parent_.get());
 }
 
-MacQtWidget::~MacQtWidget() {
+QtHostedWidget::~QtHostedWidget() {
     widget_.hide();
     // The widget's window belongs to the widget, not to what stands for the view.
     if (auto* const window = widget_.windowHandle()) {
@@ -24,20 +24,20 @@ MacQtWidget::~MacQtWidget() {
     }
 }
 
-std::uintptr_t MacQtWidget::view() const {
+std::uintptr_t QtHostedWidget::view() const {
     return static_cast<std::uintptr_t>(widget_.internalWinId());
 }
 
-void MacQtWidget::fill(const Size& size) {
+void QtHostedWidget::fill(const Size& size) {
     widget_.setGeometry(0, 0, static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height)));
 }
 
-void MacQtWidget::setVisible(bool isVisible) {
+void QtHostedWidget::setVisible(bool isVisible) {
     widget_.setVisible(isVisible);
 }
 
-std::unique_ptr<MacHostedWidget> hostQtWidget(QWidget& widget, std::uintptr_t view) {
-    return std::make_unique<MacQtWidget>(widget, view);
+std::unique_ptr<HostedWidget> hostQtWidget(QWidget& widget, std::uintptr_t view) {
+    return std::make_unique<QtHostedWidget>(widget, view);
 }
 
 }  // namespace ferrowyn
