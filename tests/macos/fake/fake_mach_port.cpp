@@ -12,8 +12,6 @@ namespace {
 
 /// Longer than any thread of a loaded machine is kept waiting.
 constexpr std::chrono::seconds patience{20};
-/// The layer has no use for one.
-constexpr CGEventTapProxy noProxy = nullptr;
 
 }  // namespace
 
@@ -73,7 +71,7 @@ bool MachPort::serveNext() {
         question = questions_.front();
         questions_.pop_front();
     }
-    const auto answer = callback_(noProxy, question->type, question->event, userInfo_);
+    const auto answer = callback_(proxy_, question->type, question->event, userInfo_);
     const std::lock_guard lock(lock_);
     question->answer = answer;
     answered_.notify_all();

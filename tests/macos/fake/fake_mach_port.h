@@ -37,6 +37,8 @@ private:
 
     CGEventTapCallBack callback_;
     void* userInfo_;
+    /// The layer has no use for one.
+    CGEventTapProxy proxy_ = nullptr;
     mutable std::mutex lock_;
     std::condition_variable answered_;
     std::deque<std::shared_ptr<Question>> questions_;

@@ -10,7 +10,7 @@ CF_ENUM(CFStringEncoding, CFStringBuiltInEncodings){
     kCFStringEncodingUTF8 = 0x08000100,
 };
 
-#ifdef __CONSTANT_CFSTRINGS__
+#if defined(__CONSTANT_CFSTRINGS__) && defined(__APPLE__)
 #define CFSTR(text) ((CFStringRef)__builtin___CFStringMakeConstantString("" text ""))
 #else
 #define CFSTR(text) __CFStringMakeConstantString("" text "")
