@@ -1,4 +1,5 @@
 #include "inventory/window_enumerator.h"
+#include "platform/background_work.h"
 #include "platform/macos/mac_window_inventory.h"
 #include "platform/macos/mac_window_number_lookup.h"
 #include "tests/macos/layer/mac_fixture.h"
@@ -214,7 +215,9 @@ TEST_F(InventoryReadingTest, ASnapshotMatchesTheServersListWithTheApplicationsWi
                                              {"kCGWindowBounds", Rect{10, 20, 300, 400}},
                                              {"kCGWindowOwnerPID", std::int64_t{notes}}}});
     const WindowEnumerator enumerator(WindowFilter(1), inventory, desktop.platform().backgroundWork, log);
-    const auto snapshot = enumerator.snapshot();
+    WindowEnumerator::Snapshot snapshot;
+    desktop.platform().backgroundWork.run([&] { snapshot = enumerator.snapshot(); });
+    desktop.settle();
     ASSERT_EQ(snapshot.windows.size(), 1U);
     EXPECT_EQ(snapshot.windows.front().id, 77U);
     EXPECT_EQ(snapshot.windows.front().title, "Shopping");
