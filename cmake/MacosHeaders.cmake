@@ -3,8 +3,8 @@
 
 # Fails when anything below the folder can find the declarations.
 function(ferrowyn_forbid_check_headers folder declarations)
-  foreach(variable CMAKE_CXX_FLAGS CMAKE_C_FLAGS CMAKE_OBJCXX_FLAGS CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES ENV_PATHS)
-    set(ENV_PATHS "$ENV{CPATH}:$ENV{CPLUS_INCLUDE_PATH}:$ENV{OBJCPLUS_INCLUDE_PATH}")
+  set(environment "$ENV{CPATH}:$ENV{CPLUS_INCLUDE_PATH}:$ENV{OBJCPLUS_INCLUDE_PATH}")
+  foreach(variable CMAKE_CXX_FLAGS CMAKE_C_FLAGS CMAKE_OBJCXX_FLAGS CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES environment)
     if("${${variable}}" MATCHES "tests/macos/sdk")
       message(FATAL_ERROR "${declarations} is for checks on Linux, and is on the include path of this build (${variable}).")
     endif()
