@@ -38,6 +38,9 @@ std::optional<AccessibleApplication> MacInventoryReading::windowsOf(Pid pid, Sec
         return read;
     }
     const auto focused = accessibility::copyAttribute(application.get(), kAXFocusedWindowAttribute);
+    if (focused.error == kAXErrorCannotComplete) {
+        return std::nullopt;
+    }
     if (const auto element = castTo<AXUIElementRef>(focused.value.get())) {
         read.focusedWindow = MacElement::make(element);
     }

@@ -19,6 +19,8 @@ AXError _AXUIElementGetWindow(AXUIElementRef element, CGWindowID* number) {
     const AXError error = Accessibility::shared().ask("number", handle->id(), handle->timeout);
     const auto found = Accessibility::shared().windowNumber(handle->id());
     if (error != kAXErrorSuccess || !found) {
+        // Nobody promises that a failure leaves the number alone.
+        *number = 4242;
         return error != kAXErrorSuccess ? error : kAXErrorFailure;
     }
     *number = *found;

@@ -154,6 +154,13 @@ TEST_F(InventoryReadingTest, AHungApplicationCostsOneTimeout) {
     EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
 }
 
+TEST_F(InventoryReadingTest, AnApplicationThatHangsAfterItsListCostsOneTimeout) {
+    addWindow({});
+    accessibility.application(notes).requestsUntilItHangs = 1;
+    EXPECT_EQ(read(), std::nullopt);
+    EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
+}
+
 TEST_F(InventoryReadingTest, AnApplicationThatHangsMidwayCostsOneTimeoutHoweverManyWindowsItHas) {
     for (CGWindowID number = 1; number <= 50; ++number) {
         addWindow({}, number);
