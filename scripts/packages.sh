@@ -26,6 +26,7 @@ test_packages=(
   dbus dbus-bin dbus-daemon dex i3-wm icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
   xfce4-panel xfwm4 xfconf
   x11-utils x11-xkb-utils x11-xserver-utils xinput xterm xvfb xkb-data
+  clang-14 libc++-14-dev llvm-14 musl-dev
 )
 
 # The further checks of ./test --full.

@@ -1,5 +1,5 @@
-// Declarations written for this project from public documentation, only of what it calls. They are used for checks on
-// Linux alone, are not Apple's headers, and are never on the include path of a build on a Mac.
+// Written for Ferrowyn, and used only for its checks on Linux; not Apple's headers. They declare what the macOS layer
+// calls and nothing else, from public knowledge of the API; see README.md here.
 #pragma once
 
 #include <Foundation/NSArray.h>

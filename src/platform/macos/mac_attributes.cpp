@@ -1,0 +1,65 @@
+#include "platform/macos/mac_attributes.h"
+
+#include "platform/macos/cf_cast.h"
+#include "platform/macos/cf_values.h"
+
+namespace ferrowyn::accessibility {
+
+namespace {
+
+Answers copyOneByOne(AXUIElementRef element, std::initializer_list<CFStringRef> attributes) {
+    Answers answers;
+    for (const CFStringRef attribute : attributes) {
+        Answer answer = copyAttribute(element, attribute);
+        if (answer.error == kAXErrorCannotComplete) {
+            // It hangs: each further attribute would cost another timeout.
+            return {answer.error, {}};
+        }
+        answers.values.push_back(std::move(answer.value));
+    }
+    return answers;
+}
+
+}  // namespace
+
+Owned<AXUIElementRef> applicationElement(Pid pid) {
+    return Owned<AXUIElementRef>(AXUIElementCreateApplication(pid));
+}
+
+void setMessagingTimeout(AXUIElementRef element, Seconds timeout) {
+    // It can only fail for an element or a number that is no such thing, and then there is nobody to wait for either.
+    static_cast<void>(AXUIElementSetMessagingTimeout(element, static_cast<float>(timeout.count())));
+}
+
+Answer copyAttribute(AXUIElementRef element, CFStringRef attribute) {
+    CFTypeRef value = nullptr;
+    const AXError error = AXUIElementCopyAttributeValue(element, attribute, &value);
+    return {error, Owned<CFTypeRef>(value)};
+}
+
+Answers copyAttributes(AXUIElementRef element, std::initializer_list<CFStringRef> attributes) {
+    const auto names = cf::makeArray(std::vector<CFTypeRef>(attributes.begin(), attributes.end()));
+    CFArrayRef copied = nullptr;
+    // Without the option to stop at the first error: an attribute that a window lacks leaves an error in its place.
+    const AXError error = AXUIElementCopyMultipleAttributeValues(element, names.get(), 0, &copied);
+    const Owned<CFArrayRef> values(copied);
+    if (error == kAXErrorNotImplemented) {
+        return copyOneByOne(element, attributes);
+    }
+    const auto list = castTo<CFArrayRef>(values.get());
+    if (error != kAXErrorSuccess || list == nullptr) {
+        return {error != kAXErrorSuccess ? error : kAXErrorFailure, {}};
+    }
+    Answers answers;
+    for (const CFTypeRef value : cf::valuesOf(list)) {
+        answers.values.push_back(Owned<CFTypeRef>::retaining(value));
+    }
+    answers.values.resize(attributes.size());
+    return answers;
+}
+
+std::string describe(std::string_view request, AXError error) {
+    return std::string(request) + ": error " + std::to_string(error);
+}
+
+}  // namespace ferrowyn::accessibility

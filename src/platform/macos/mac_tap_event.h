@@ -1,0 +1,25 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include "platform/event_tap.h"
+
+namespace ferrowyn {
+
+/// An event of the system's tap, borrowed for the length of the callback. Tap thread.
+class MacTapEvent final : public TapEvent {
+public:
+    /// The two "disabled" types come without an event worth asking, or with none.
+    MacTapEvent(CGEventType type, CGEventRef event) : type_(type), event_(event) {}
+
+    [[nodiscard]] Type type() const override;
+    [[nodiscard]] std::uint64_t flags() const override;
+    [[nodiscard]] std::uint16_t keyCode() const override;
+    [[nodiscard]] std::u16string text(std::optional<std::uint64_t> withFlags) const override;
+
+private:
+    CGEventType type_;
+    CGEventRef event_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <ApplicationServices/ApplicationServices.h>
+
+#include "platform/macos/mac_application_control.h"
+#include "platform/macos/mac_window_number_lookup.h"
+#include "platform/macos/owned.h"
+#include "platform/window_control.h"
+
+namespace ferrowyn {
+
+class Log;
+
+/// Each step of an activation is a call of its own, to the application or to its Accessibility interface. Main thread.
+class MacWindowControl final : public WindowControl {
+public:
+    /// All of them outlive this.
+    MacWindowControl(MacApplicationControl& applications, const MacWindowNumberLookup& windowNumbers, Log& log)
+        : applications_(applications), windowNumbers_(windowNumbers), log_(log) {}
+
+    [[nodiscard]] bool isHidden(Pid pid) const override { return applications_.isHidden(pid); }
+    void unhide(Pid pid) override { applications_.unhide(pid); }
+    void activate(Pid pid) override { applications_.activate(pid); }
+    [[nodiscard]] bool isActive(Pid pid) const override { return applications_.isActive(pid); }
+
+    void setMessagingTimeout(Pid pid, Seconds timeout) override;
+    void setMessagingTimeout(const AXElementRef& window, Seconds timeout) override;
+
+    void unminimize(const AXElementRef& window) override;
+    void raise(const AXElementRef& window) override;
+    void setMain(const AXElementRef& window) override;
+    void setFocused(const AXElementRef& window) override;
+    void setFocusedWindow(Pid pid, const AXElementRef& window) override;
+    void setFrontmost(Pid pid) override;
+
+    [[nodiscard]] std::optional<bool> isMain(const AXElementRef& window) const override;
+    [[nodiscard]] std::optional<bool> isFocused(const AXElementRef& window) const override;
+
+    [[nodiscard]] std::vector<AXElementRef> windowElements(Pid pid) const override;
+    [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
+
+private:
+    /// The handle on which the timeout was set. One is enough: windows are activated one at a time.
+    [[nodiscard]] AXUIElementRef application(Pid pid) const;
+    void set(AXUIElementRef element, CFStringRef attribute, CFTypeRef value);
+    void logRefusal(CFStringRef request, AXError error) const;
+
+    MacApplicationControl& applications_;
+    const MacWindowNumberLookup& windowNumbers_;
+    Log& log_;
+    mutable Pid applicationPid_ = 0;
+    mutable Owned<AXUIElementRef> application_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,320 @@
+#include "tests/macos/fake/fake_accessibility.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "core/text_encoding.h"
+#include "tests/macos/fake/fake_core_foundation.h"
+#include "tests/macos/fake/fake_element.h"
+#include "tests/macos/fake/fake_objects.h"
+#include "tests/macos/fake/fake_observer.h"
+#include "tests/macos/fake/fake_system.h"
+
+namespace ferrowyn::fake {
+
+namespace {
+
+std::string shortNumber(float number) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", static_cast<double>(number));
+    return text;
+}
+
+Held<const Object> numberObject(double number) {
+    return Held<const Object>(new Number(number));
+}
+
+struct Copier {
+    CFTypeRef operator()(std::monostate) const { return (new Object("CFNull"))->as<CFTypeRef>(); }
+    CFTypeRef operator()(const std::string& text) const {
+        return (new String(text::utf16FromUtf8(text)))->as<CFTypeRef>();
+    }
+    CFTypeRef operator()(const std::u16string& units) const { return (new String(units))->as<CFTypeRef>(); }
+    CFTypeRef operator()(bool value) const { return CFRetain(value ? kCFBooleanTrue : kCFBooleanFalse); }
+    CFTypeRef operator()(std::int64_t number) const { return (new Number(number))->as<CFTypeRef>(); }
+    CFTypeRef operator()(double number) const { return (new Number(number))->as<CFTypeRef>(); }
+    CFTypeRef operator()(const Point& point) const { return (new AccessibilityValue(point))->as<CFTypeRef>(); }
+    CFTypeRef operator()(const Size& size) const { return (new AccessibilityValue(size))->as<CFTypeRef>(); }
+    CFTypeRef operator()(const AccessibilityRect& value) const {
+        return (new AccessibilityValue(value.rect))->as<CFTypeRef>();
+    }
+    CFTypeRef operator()(AXError error) const { return (new AccessibilityValue(error))->as<CFTypeRef>(); }
+    CFTypeRef operator()(ElementId id) const { return (new ElementHandle(id))->as<CFTypeRef>(); }
+    CFTypeRef operator()(const Rect& rect) const {
+        Dictionary::Entries entries;
+        entries.emplace("X", numberObject(rect.x));
+        entries.emplace("Y", numberObject(rect.y));
+        entries.emplace("Width", numberObject(rect.width));
+        entries.emplace("Height", numberObject(rect.height));
+        return (new Dictionary(std::move(entries)))->as<CFTypeRef>();
+    }
+    CFTypeRef operator()(const std::vector<Value>& values) const {
+        std::vector<Held<const Object>> held;
+        for (const auto& value : values) {
+            held.push_back(Held<const Object>(static_cast<const Object*>(copy(value))));
+        }
+        return (new Array(std::move(held)))->as<CFTypeRef>();
+    }
+};
+
+}  // namespace
+
+CFTypeRef copy(const Value& value) {
+    return std::visit(Copier{}, static_cast<const Value::variant&>(value));
+}
+
+Accessibility& Accessibility::shared() {
+    static auto* const accessibility = new Accessibility;
+    return *accessibility;
+}
+
+void Accessibility::reset() {
+    const std::lock_guard lock(lock_);
+    applications_.clear();
+    elements_.clear();
+    requests_.clear();
+    secondsWaited_ = 0;
+    lastElement_ = 0;
+}
+
+ElementId Accessibility::addApplication(Pid pid) {
+    const std::lock_guard lock(lock_);
+    const ElementId id{++lastElement_};
+    elements_[id] = Element{.pid = pid};
+    applications_[pid] = Application{.element = id};
+    return id;
+}
+
+ElementId Accessibility::addWindow(Pid pid, Element window) {
+    const std::lock_guard lock(lock_);
+    const ElementId id{++lastElement_};
+    window.pid = pid;
+    elements_[id] = std::move(window);
+    auto& windows = elements_.at(applications_.at(pid).element).attributes["AXWindows"];
+    if (!std::holds_alternative<std::vector<Value>>(windows)) {
+        windows = std::vector<Value>();
+    }
+    std::get<std::vector<Value>>(windows).emplace_back(id);
+    return id;
+}
+
+void Accessibility::post(ElementId element, const std::string& notification) {
+    {
+        const std::lock_guard lock(lock_);
+        for (auto* const observer : observers_) {
+            observer->enqueue(element, notification);
+        }
+    }
+    RunLoop::wakeAll();
+}
+
+std::vector<std::string> Accessibility::takeRequests() {
+    const std::lock_guard lock(lock_);
+    return std::exchange(requests_, {});
+}
+
+double Accessibility::secondsWaited() const {
+    const std::lock_guard lock(lock_);
+    return secondsWaited_;
+}
+
+AXError Accessibility::ask(const std::string& request, ElementId id, float timeout) {
+    const std::lock_guard lock(lock_);
+    requests_.push_back(request + " of " + std::to_string(id.number) + " within " + shortNumber(timeout));
+    if (!System::shared().isTrusted) {
+        return kAXErrorAPIDisabled;
+    }
+    const auto element = elements_.find(id);
+    const auto application = element != elements_.end() ? applications_.find(element->second.pid) : applications_.end();
+    if (application == applications_.end()) {
+        return kAXErrorInvalidUIElement;
+    }
+    auto& left = application->second.requestsUntilItHangs;
+    if (left && (*left)-- == 0) {
+        application->second.hangs = true;
+    }
+    if (application->second.hangs) {
+        secondsWaited_ += static_cast<double>(timeout);
+        return kAXErrorCannotComplete;
+    }
+    return element->second.isGone ? kAXErrorInvalidUIElement : kAXErrorSuccess;
+}
+
+AXError Accessibility::copyValue(ElementId id, const std::string& attribute, CFTypeRef& value) const {
+    const std::lock_guard lock(lock_);
+    const auto& attributes = elements_.at(id).attributes;
+    const auto found = attributes.find(attribute);
+    if (found == attributes.end()) {
+        return kAXErrorAttributeUnsupported;
+    }
+    if (const auto* const error = std::get_if<AXError>(&found->second)) {
+        return *error;
+    }
+    value = copy(found->second);
+    return kAXErrorSuccess;
+}
+
+AXError Accessibility::refusalOf(ElementId id, const std::string& name) const {
+    const std::lock_guard lock(lock_);
+    const auto& refusals = elements_.at(id).refusals;
+    const auto found = refusals.find(name);
+    return found != refusals.end() ? found->second : kAXErrorSuccess;
+}
+
+void Accessibility::setValue(ElementId id, const std::string& attribute, Value value) {
+    const std::lock_guard lock(lock_);
+    elements_.at(id).attributes[attribute] = std::move(value);
+}
+
+ElementId Accessibility::elementOfApplication(Pid pid) {
+    const std::lock_guard lock(lock_);
+    const auto found = applications_.find(pid);
+    // Anybody may make an element of any number; what is asked of it is refused.
+    return found != applications_.end() ? found->second.element : ElementId{-pid};
+}
+
+bool Accessibility::canObserve(Pid pid) const {
+    const std::lock_guard lock(lock_);
+    const auto found = applications_.find(pid);
+    return found != applications_.end() && found->second.canBeObserved;
+}
+
+bool Accessibility::answersInBulk(ElementId id) const {
+    const std::lock_guard lock(lock_);
+    return applications_.at(elements_.at(id).pid).answersInBulk;
+}
+
+std::optional<CGWindowID> Accessibility::windowNumber(ElementId id) const {
+    const std::lock_guard lock(lock_);
+    const auto found = elements_.find(id);
+    return found != elements_.end() ? found->second.windowNumber : std::nullopt;
+}
+
+void Accessibility::addObserver(Observer& observer) {
+    const std::lock_guard lock(lock_);
+    observers_.push_back(&observer);
+}
+
+void Accessibility::removeObserver(const Observer& observer) {
+    const std::lock_guard lock(lock_);
+    std::erase(observers_, &observer);
+}
+
+}  // namespace ferrowyn::fake
+
+using namespace ferrowyn::fake;
+
+namespace {
+
+/// The value that "AXMain" and the others are set to, as a script would say it.
+Value valueOf(CFTypeRef value) {
+    auto* const object = Objects::shared().findAny(value, "AXUIElementSetAttributeValue");
+    if (const auto* const truth = dynamic_cast<const Truth*>(object)) {
+        return truth->value();
+    }
+    if (const auto* const element = dynamic_cast<const ElementHandle*>(object)) {
+        return element->id();
+    }
+    Objects::shared().fault("AXUIElementSetAttributeValue to a value that no window takes");
+    return {};
+}
+
+std::string describe(const Value& value) {
+    if (const auto* const truth = std::get_if<bool>(&value)) {
+        return *truth ? "true" : "false";
+    }
+    const auto* const element = std::get_if<ElementId>(&value);
+    return element != nullptr ? std::to_string(element->number) : "?";
+}
+
+}  // namespace
+
+CFTypeID AXUIElementGetTypeID() {
+    return std::hash<std::string>{}("AXUIElement");
+}
+
+AXUIElementRef AXUIElementCreateApplication(pid_t pid) {
+    return (new ElementHandle(Accessibility::shared().elementOfApplication(pid)))->as<AXUIElementRef>();
+}
+
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds) {
+    auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementSetMessagingTimeout");
+    if (handle == nullptr || timeoutInSeconds < 0) {
+        return kAXErrorIllegalArgument;
+    }
+    handle->timeout = timeoutInSeconds;
+    return kAXErrorSuccess;
+}
+
+AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef* value) {
+    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementCopyAttributeValue");
+    if (handle == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    const std::string name = String::textOf(attribute, "AXUIElementCopyAttributeValue");
+    const AXError error = accessibility.ask("copy " + name, handle->id(), handle->timeout);
+    return error != kAXErrorSuccess ? error : accessibility.copyValue(handle->id(), name, *value);
+}
+
+AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRef attributes,
+                                               AXCopyMultipleAttributeOptions options, CFArrayRef* values) {
+    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementCopyMultipleAttributeValues");
+    const auto* const names = Objects::shared().find<Array>(attributes, "AXUIElementCopyMultipleAttributeValues");
+    if (handle == nullptr || names == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    std::string request = "copy";
+    for (const auto& name : names->values()) {
+        request += " " + String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name");
+    }
+    if (const AXError error = accessibility.ask(request, handle->id(), handle->timeout); error != kAXErrorSuccess) {
+        return error;
+    }
+    if (!accessibility.answersInBulk(handle->id())) {
+        return kAXErrorNotImplemented;
+    }
+    std::vector<Held<const Object>> answers;
+    for (const auto& name : names->values()) {
+        CFTypeRef value = nullptr;
+        const AXError error = accessibility.copyValue(
+            handle->id(), String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name"), value);
+        if (error != kAXErrorSuccess && (options & kAXCopyMultipleAttributeOptionStopOnError) != 0) {
+            return error;
+        }
+        answers.push_back(error == kAXErrorSuccess ? Held<const Object>(static_cast<const Object*>(value))
+                                                   : Held<const Object>(new AccessibilityValue(error)));
+    }
+    *values = (new Array(std::move(answers)))->as<CFArrayRef>();
+    return kAXErrorSuccess;
+}
+
+AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef value) {
+    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementSetAttributeValue");
+    if (handle == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    const std::string name = String::textOf(attribute, "AXUIElementSetAttributeValue");
+    const Value script = valueOf(value);
+    AXError error = accessibility.ask("set " + name + " to " + describe(script), handle->id(), handle->timeout);
+    if (error == kAXErrorSuccess) {
+        error = accessibility.refusalOf(handle->id(), name);
+    }
+    if (error == kAXErrorSuccess) {
+        accessibility.setValue(handle->id(), name, script);
+    }
+    return error;
+}
+
+AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action) {
+    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementPerformAction");
+    if (handle == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    const std::string name = String::textOf(action, "AXUIElementPerformAction");
+    const AXError error = accessibility.ask("perform " + name, handle->id(), handle->timeout);
+    return error != kAXErrorSuccess ? error : accessibility.refusalOf(handle->id(), name);
+}

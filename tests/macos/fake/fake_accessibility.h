@@ -1,0 +1,81 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+#include <HIServices/HIServices.h>
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/identifiers.h"
+#include "tests/macos/fake/fake_object.h"
+#include "tests/macos/fake/fake_value.h"
+
+namespace ferrowyn::fake {
+
+class Observer;
+
+/// The Accessibility interfaces of the scripted applications. Scripted on the main thread, asked from any.
+class Accessibility {
+public:
+    struct Element {
+        Pid pid = 0;
+        std::map<std::string, Value> attributes;
+        /// What setting an attribute, performing an action or registering a notification of this name is answered with.
+        std::map<std::string, AXError> refusals;
+        std::optional<CGWindowID> windowNumber;
+        /// It was destroyed; whoever holds it gets no other answer.
+        bool isGone = false;
+    };
+
+    struct Application {
+        ElementId element;
+        bool hangs = false;
+        /// Answers this many requests more, then hangs.
+        std::optional<int> requestsUntilItHangs;
+        bool canBeObserved = true;
+        bool answersInBulk = true;
+    };
+
+    [[nodiscard]] static Accessibility& shared();
+    void reset();
+
+    ElementId addApplication(Pid pid);
+    /// Also listed last among the application's "AXWindows".
+    ElementId addWindow(Pid pid, Element window);
+    [[nodiscard]] Application& application(Pid pid) { return applications_.at(pid); }
+    [[nodiscard]] Element& element(ElementId id) { return elements_.at(id); }
+
+    /// The application tells its observers; they hear of it when their run loop runs.
+    void post(ElementId element, const std::string& notification);
+
+    /// Each message in its order, such as "copy AXWindows of 1 within 0.35".
+    [[nodiscard]] std::vector<std::string> takeRequests();
+    /// How long answers of applications that hang were waited for, in all.
+    [[nodiscard]] double secondsWaited() const;
+
+    // What the fake's functions need.
+    [[nodiscard]] AXError ask(const std::string& request, ElementId id, float timeout);
+    [[nodiscard]] AXError copyValue(ElementId id, const std::string& attribute, CFTypeRef& value) const;
+    [[nodiscard]] AXError refusalOf(ElementId id, const std::string& name) const;
+    void setValue(ElementId id, const std::string& attribute, Value value);
+    [[nodiscard]] ElementId elementOfApplication(Pid pid);
+    [[nodiscard]] bool canObserve(Pid pid) const;
+    [[nodiscard]] bool answersInBulk(ElementId id) const;
+    [[nodiscard]] std::optional<CGWindowID> windowNumber(ElementId id) const;
+    void addObserver(Observer& observer);
+    void removeObserver(const Observer& observer);
+
+private:
+    mutable std::recursive_mutex lock_;
+    std::map<Pid, Application> applications_;
+    std::map<ElementId, Element> elements_;
+    std::vector<Observer*> observers_;
+    std::vector<std::string> requests_;
+    double secondsWaited_ = 0;
+    int lastElement_ = 0;
+};
+
+}  // namespace ferrowyn::fake

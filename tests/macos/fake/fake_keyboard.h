@@ -1,0 +1,71 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/macos/fake/fake_object.h"
+
+namespace ferrowyn::fake {
+
+class MachPort;
+
+/// The session's keyboard and its taps. Keys are pressed on the main thread; taps answer on theirs.
+class Keyboard {
+public:
+    struct TapRequest {
+        CGEventTapLocation location;
+        CGEventTapPlacement placement;
+        CGEventTapOptions options;
+        CGEventMask mask;
+        friend bool operator==(const TapRequest&, const TapRequest&) = default;
+    };
+    struct Key {
+        CGEventType type = kCGEventKeyDown;
+        std::int64_t keyCode = 0;
+        CGEventFlags flags = 0;
+    };
+    /// What became of a key.
+    enum class Outcome {
+        reachedApplication,
+        swallowed,
+        /// The tap let another event through than the one it was given.
+        replaced,
+        /// An enabled tap that nobody serves: the user's keyboard stands still.
+        stuck,
+    };
+
+    [[nodiscard]] static Keyboard& shared();
+    void reset();
+
+    bool refusesTaps = false;
+    bool refusesSources = false;
+    bool refusesCopies = false;
+    /// What a key types with exactly these of the modifier flags; nothing for a key that types nothing.
+    std::map<std::pair<std::int64_t, CGEventFlags>, std::u16string> layout;
+
+    [[nodiscard]] Outcome press(const Key& key);
+    /// The system disables the tap and says so through its callback; returns when that has been called.
+    void disableTap(CGEventType reason);
+    [[nodiscard]] bool isTapEnabled() const;
+    /// Of the tap made last.
+    [[nodiscard]] std::optional<TapRequest> tapRequest() const;
+    [[nodiscard]] bool hasTap() const;
+
+    // What the fake's functions need.
+    void add(MachPort& port, const TapRequest& request);
+    void remove(const MachPort& port);
+
+private:
+    mutable std::mutex lock_;
+    MachPort* port_ = nullptr;
+    std::optional<TapRequest> request_;
+};
+
+}  // namespace ferrowyn::fake

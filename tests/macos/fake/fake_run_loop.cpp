@@ -1,0 +1,207 @@
+#include "tests/macos/fake/fake_run_loop.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "tests/macos/fake/fake_core_foundation.h"
+#include "tests/macos/fake/fake_objects.h"
+
+namespace ferrowyn::fake {
+
+namespace {
+
+constexpr const char* commonModes = "kCFRunLoopCommonModes";
+constexpr const char* defaultMode = "kCFRunLoopDefaultMode";
+
+/// One lock for all loops: they are few, and every wait is for all of them.
+std::mutex lock;
+std::condition_variable changed;
+std::vector<std::string> journal;
+std::vector<double> slices;
+/// Counts what may have made a source ready, so that no wake-up falls between looking and waiting.
+std::uint64_t wakeUps = 0;
+
+/// The thread's own hold on its loop, given up when the thread ends.
+struct ThreadLoop {
+    ThreadLoop() { Objects::shared().giveToSystem(*loop, true); }
+    ThreadLoop(const ThreadLoop&) = delete;
+    ThreadLoop& operator=(const ThreadLoop&) = delete;
+    ~ThreadLoop() {
+        Objects::shared().giveToSystem(*loop, false);
+        CFRelease(loop);
+    }
+    RunLoop* loop = new RunLoop;
+};
+
+}  // namespace
+
+RunLoop& RunLoop::current() {
+    thread_local const ThreadLoop own;
+    return *own.loop;
+}
+
+RunLoop& RunLoop::main() {
+    static RunLoop& loop = current();
+    return loop;
+}
+
+void RunLoop::add(RunLoopSource& source, const std::string& mode) {
+    const std::lock_guard guard(lock);
+    journal.push_back("add " + source.name() + " to " + name() + " in " + mode);
+    sources_[mode].push_back(Held<RunLoopSource>::retaining(&source));
+    ++wakeUps;
+    changed.notify_all();
+}
+
+void RunLoop::remove(RunLoopSource& source, const std::string& mode) {
+    std::vector<Held<RunLoopSource>> removed;
+    const std::lock_guard guard(lock);
+    journal.push_back("remove " + source.name() + " from " + name() + " in " + mode);
+    auto& held = sources_[mode];
+    const auto found = std::find_if(held.begin(), held.end(), [&](const auto& each) { return each.get() == &source; });
+    if (found == held.end()) {
+        Objects::shared().fault("CFRunLoopRemoveSource of a source that is not on this loop in this mode");
+        return;
+    }
+    removed.push_back(std::move(*found));
+    held.erase(found);
+}
+
+CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    {
+        const std::lock_guard guard(lock);
+        slices.push_back(seconds);
+        isRunning_ = true;
+        // A stop from before is forgotten, as the system forgets it.
+        isStopped_ = false;
+    }
+    auto result = kCFRunLoopRunTimedOut;
+    for (;;) {
+        std::uint64_t seen = 0;
+        {
+            const std::lock_guard guard(lock);
+            seen = wakeUps;
+        }
+        const auto sources = sourcesIn(mode);
+        if (sources.empty()) {
+            result = kCFRunLoopRunFinished;
+            break;
+        }
+        const bool didSomething =
+            std::any_of(sources.begin(), sources.end(), [](const auto& each) { return each->performNext(); });
+        std::unique_lock guard(lock);
+        if (isStopped_) {
+            result = kCFRunLoopRunStopped;
+            break;
+        }
+        if (!didSomething && !changed.wait_until(guard, end, [&] { return isStopped_ || wakeUps != seen; })) {
+            break;
+        }
+    }
+    const std::lock_guard guard(lock);
+    isRunning_ = false;
+    return result;
+}
+
+void RunLoop::stop() {
+    const std::lock_guard guard(lock);
+    if (isRunning_) {
+        isStopped_ = true;
+        changed.notify_all();
+    }
+}
+
+void RunLoop::drain(const std::string& mode) {
+    for (bool didSomething = true; didSomething;) {
+        const auto sources = sourcesIn(mode);
+        didSomething =
+            std::any_of(sources.begin(), sources.end(), [](const auto& each) { return each->performNext(); });
+    }
+}
+
+void RunLoop::wakeAll() {
+    const std::lock_guard guard(lock);
+    ++wakeUps;
+    changed.notify_all();
+}
+
+std::vector<std::string> RunLoop::takeJournal() {
+    const std::lock_guard guard(lock);
+    return std::exchange(journal, {});
+}
+
+std::vector<double> RunLoop::takeSlices() {
+    const std::lock_guard guard(lock);
+    return std::exchange(slices, {});
+}
+
+bool RunLoop::hasSources() const {
+    const std::lock_guard guard(lock);
+    return std::any_of(sources_.begin(), sources_.end(), [](const auto& each) { return !each.second.empty(); });
+}
+
+/// Those of the common modes are served in every mode that a program runs its loops in.
+std::vector<Held<RunLoopSource>> RunLoop::sourcesIn(const std::string& mode) const {
+    const std::lock_guard guard(lock);
+    std::vector<Held<RunLoopSource>> found;
+    for (const auto& [each, sources] : sources_) {
+        if (each == mode || each == commonModes) {
+            for (const auto& source : sources) {
+                if (source->isValid()) {
+                    found.push_back(Held<RunLoopSource>::retaining(source.get()));
+                }
+            }
+        }
+    }
+    return found;
+}
+
+std::string RunLoop::name() const {
+    return this == &main() ? "the main loop" : "a thread's loop";
+}
+
+}  // namespace ferrowyn::fake
+
+using namespace ferrowyn::fake;
+
+const CFRunLoopMode kCFRunLoopDefaultMode = String::constant(defaultMode);
+const CFRunLoopMode kCFRunLoopCommonModes = String::constant(commonModes);
+
+CFRunLoopRef CFRunLoopGetCurrent() {
+    return RunLoop::current().as<CFRunLoopRef>();
+}
+
+CFRunLoopRef CFRunLoopGetMain() {
+    return RunLoop::main().as<CFRunLoopRef>();
+}
+
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean returnAfterSourceHandled) {
+    if (returnAfterSourceHandled) {
+        Objects::shared().fault("CFRunLoopRunInMode that returns after each source");
+    }
+    return RunLoop::current().run(String::textOf(mode, "CFRunLoopRunInMode"), seconds);
+}
+
+void CFRunLoopStop(CFRunLoopRef loop) {
+    if (auto* const found = Objects::shared().find<RunLoop>(loop, "CFRunLoopStop")) {
+        found->stop();
+    }
+}
+
+void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+    auto* const found = Objects::shared().find<RunLoop>(loop, "CFRunLoopAddSource");
+    auto* const added = Objects::shared().find<RunLoopSource>(source, "CFRunLoopAddSource");
+    if (found != nullptr && added != nullptr) {
+        found->add(*added, String::textOf(mode, "CFRunLoopAddSource"));
+    }
+}
+
+void CFRunLoopRemoveSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+    auto* const found = Objects::shared().find<RunLoop>(loop, "CFRunLoopRemoveSource");
+    auto* const removed = Objects::shared().find<RunLoopSource>(source, "CFRunLoopRemoveSource");
+    if (found != nullptr && removed != nullptr) {
+        found->remove(*removed, String::textOf(mode, "CFRunLoopRemoveSource"));
+    }
+}

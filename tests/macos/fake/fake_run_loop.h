@@ -1,0 +1,69 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "tests/macos/fake/fake_object.h"
+
+namespace ferrowyn::fake {
+
+/// A source of a run loop: an observer's, or that of a tap's port.
+class RunLoopSource final : public Object {
+public:
+    /// Takes the next thing that waits and handles it without any lock; false when nothing waits.
+    using Perform = std::function<bool()>;
+
+    RunLoopSource(std::string name, Perform perform)
+        : Object("CFRunLoopSource"), name_(std::move(name)), perform_(std::move(perform)) {}
+
+    [[nodiscard]] const std::string& name() const { return name_; }
+    [[nodiscard]] bool performNext() const { return perform_(); }
+    /// A port that is no more leaves a source that the loop does not count.
+    std::function<bool()> isValid = [] { return true; };
+
+private:
+    std::string name_;
+    Perform perform_;
+};
+
+/// One thread's run loop. Its modes are served from its own thread; sources come and go from any.
+class RunLoop final : public Object {
+public:
+    RunLoop() : Object("CFRunLoop") {}
+
+    /// The calling thread's; it belongs to the system until the thread ends.
+    [[nodiscard]] static RunLoop& current();
+    /// That of the thread which asked first.
+    [[nodiscard]] static RunLoop& main();
+
+    void add(RunLoopSource& source, const std::string& mode);
+    void remove(RunLoopSource& source, const std::string& mode);
+    CFRunLoopRunResult run(const std::string& mode, double seconds);
+    void stop();
+    /// Handles what waits in the mode and returns. Own thread.
+    void drain(const std::string& mode);
+    /// Something may wait now.
+    static void wakeAll();
+
+    /// "add tap to a thread's loop in kCFRunLoopCommonModes" and so on, from all loops.
+    [[nodiscard]] static std::vector<std::string> takeJournal();
+    /// How long each `run` was asked to last, from all loops.
+    [[nodiscard]] static std::vector<double> takeSlices();
+    [[nodiscard]] bool hasSources() const;
+
+private:
+    [[nodiscard]] std::vector<Held<RunLoopSource>> sourcesIn(const std::string& mode) const;
+    [[nodiscard]] std::string name() const;
+
+    std::map<std::string, std::vector<Held<RunLoopSource>>> sources_;
+    bool isRunning_ = false;
+    bool isStopped_ = false;
+};
+
+}  // namespace ferrowyn::fake

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace ferrowyn::fake {
+
+/// What the system says of this process, of the keyboard as a whole and of its threads. Scripted on the main thread.
+class System {
+public:
+    struct Thread {
+        std::string name;
+        unsigned qualityOfService = 0;
+        friend bool operator==(const Thread&, const Thread&) = default;
+    };
+
+    [[nodiscard]] static System& shared();
+    void reset();
+
+    bool isTrusted = true;
+    bool isSecureInputEnabled = false;
+    int promptCount = 0;
+
+    /// New threads get no further than to their name until they are let go.
+    void holdNewThreads();
+    void letThreadsGo();
+    [[nodiscard]] std::vector<Thread> threads() const;
+
+    // What the fake's functions need.
+    void nameThread(const std::string& name);
+    void setQualityOfService(unsigned qualityOfService);
+
+private:
+    mutable std::mutex lock_;
+    std::condition_variable letGo_;
+    bool holdsThreads_ = false;
+    std::vector<Thread> threads_;
+};
+
+}  // namespace ferrowyn::fake

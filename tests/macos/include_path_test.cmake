@@ -1,0 +1,38 @@
+# Configures a tiny project the way a Mac would, with and without the declarations on its include path.
+#   cmake -DMODULE=… -DSDK=… -DWORK=… -P include_path_test.cmake
+
+# configure(<result variable> <line of CMake> [<option>…])
+function(configure result line)
+  file(REMOVE_RECURSE ${WORK})
+  file(WRITE ${WORK}/CMakeLists.txt "cmake_minimum_required(VERSION 3.25)
+project(include_path LANGUAGES NONE)
+include(${MODULE})
+add_subdirectory(below)
+ferrowyn_forbid_check_headers(\${CMAKE_SOURCE_DIR} ${SDK})
+")
+  file(WRITE ${WORK}/below/CMakeLists.txt "add_library(layer INTERFACE)\n${line}\n")
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env --unset=CPATH ${environment} ${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build ${ARGN} RESULT_VARIABLE code
+                  ERROR_VARIABLE errors OUTPUT_QUIET)
+  if(code EQUAL 0)
+    set(${result} accepted PARENT_SCOPE)
+  elseif(errors MATCHES "is for checks on Linux")
+    set(${result} refused PARENT_SCOPE)
+  else()
+    set(${result} "broken: ${errors}" PARENT_SCOPE)
+  endif()
+endfunction()
+
+function(expect answer line)
+  configure(result "${line}" ${ARGN})
+  if(NOT result STREQUAL answer)
+    message(SEND_ERROR "${line} ${ARGN}: ${result}, not ${answer}")
+  endif()
+endfunction()
+
+expect(accepted "target_include_directories(layer INTERFACE /somewhere/else)")
+expect(refused "target_include_directories(layer INTERFACE ${SDK})")
+expect(refused "target_include_directories(layer SYSTEM INTERFACE ${SDK})")
+expect(refused "target_compile_options(layer INTERFACE -isystem ${SDK})")
+expect(refused "" -DCMAKE_CXX_FLAGS=-I${SDK})
+set(environment CPATH=/somewhere:${SDK})
+expect(refused "")

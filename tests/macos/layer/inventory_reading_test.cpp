@@ -1,0 +1,237 @@
+#include "inventory/window_enumerator.h"
+#include "platform/background_work.h"
+#include "platform/macos/mac_window_inventory.h"
+#include "platform/macos/mac_window_number_lookup.h"
+#include "tests/macos/layer/mac_fixture.h"
+
+namespace ferrowyn {
+namespace {
+
+using fake::ElementId;
+using fake::Value;
+using testing::ElementsAre;
+using testing::Eq;
+using testing::Field;
+using testing::IsEmpty;
+using testing::Optional;
+
+constexpr Pid notes = 501;
+constexpr Seconds timeout{0.35};
+const std::string bulkRequest = "copy AXSubrole AXTitle AXMinimized AXPosition AXSize AXFullScreen of ";
+
+class InventoryReadingTest : public MacFixture {
+protected:
+    [[nodiscard]] std::optional<AccessibleApplication> read(Pid pid = notes) const {
+        return inventory.beginReading()->windowsOf(pid, timeout);
+    }
+    ElementId addWindow(std::map<std::string, Value> attributes, std::optional<CGWindowID> number = std::nullopt) {
+        return accessibility.addWindow(notes, {.attributes = std::move(attributes), .windowNumber = number});
+    }
+
+    ElementId app = accessibility.addApplication(notes);
+    std::vector<RunningApplication> running{{.pid = notes, .localizedName = "Notes"}};
+    MacWindowNumberLookup lookup;
+    MacWindowInventory inventory{[this] { return running; }, lookup};
+};
+
+TEST_F(InventoryReadingTest, EveryAttributeOfAWindowIsRead) {
+    addWindow({{"AXSubrole", std::string("AXStandardWindow")},
+               {"AXTitle", std::string("Shopping")},
+               {"AXMinimized", false},
+               {"AXFullScreen", true},
+               {"AXPosition", Point{10, 20}},
+               {"AXSize", Size{300, 400}}},
+              77);
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    ASSERT_EQ(application->windows.size(), 1U);
+    const auto& window = application->windows.front();
+    EXPECT_THAT(window.windowNumber, Optional(77U));
+    EXPECT_THAT(window.subrole, Optional(Eq("AXStandardWindow")));
+    EXPECT_THAT(window.title, Optional(Eq("Shopping")));
+    EXPECT_THAT(window.isMinimized, Optional(false));
+    EXPECT_THAT(window.isFullScreen, Optional(true));
+    EXPECT_THAT(window.position, Optional(Point{10, 20}));
+    EXPECT_THAT(window.size, Optional(Size{300, 400}));
+}
+
+TEST_F(InventoryReadingTest, EachWindowCostsOneMessageForAllItsAttributes) {
+    addWindow({}, 1);
+    addWindow({}, 2);
+    ASSERT_TRUE(read().has_value());
+    EXPECT_THAT(accessibility.takeRequests(),
+                ElementsAre("copy AXWindows of 1 within 0.35", "copy AXFocusedWindow of 1 within 0.35",
+                            bulkRequest + "2 within 0.35", "number of 2 within 0.35", bulkRequest + "3 within 0.35",
+                            "number of 3 within 0.35"));
+}
+
+TEST_F(InventoryReadingTest, AnAttributeThatCannotBeReadLeavesTheOthers) {
+    addWindow({{"AXSubrole", kAXErrorNoValue},
+               {"AXTitle", std::string("Kept")},
+               {"AXMinimized", std::string("no Boolean")},
+               {"AXPosition", Size{1, 2}},
+               {"AXSize", Size{300, 400}}});
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    const auto& window = application->windows.front();
+    EXPECT_EQ(window.subrole, std::nullopt);
+    EXPECT_THAT(window.title, Optional(Eq("Kept")));
+    EXPECT_EQ(window.isMinimized, std::nullopt);
+    EXPECT_EQ(window.isFullScreen, std::nullopt) << "the window has no such attribute";
+    EXPECT_EQ(window.position, std::nullopt);
+    EXPECT_THAT(window.size, Optional(Size{300, 400}));
+    EXPECT_EQ(window.windowNumber, std::nullopt);
+}
+
+TEST_F(InventoryReadingTest, AnApplicationThatKnowsNoBulkIsAskedOneByOne) {
+    accessibility.application(notes).answersInBulk = false;
+    addWindow({{"AXTitle", std::string("Old")}, {"AXFullScreen", true}}, 77);
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    EXPECT_THAT(application->windows.front().title, Optional(Eq("Old")));
+    EXPECT_THAT(application->windows.front().isFullScreen, Optional(true));
+    EXPECT_EQ(application->windows.front().subrole, std::nullopt);
+    EXPECT_THAT(application->windows.front().windowNumber, Optional(77U));
+}
+
+TEST_F(InventoryReadingTest, AWindowThatHasGoneIsListedWithoutAnything) {
+    const auto window = addWindow({{"AXTitle", std::string("Gone")}}, 77);
+    accessibility.element(window).isGone = true;
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    ASSERT_EQ(application->windows.size(), 1U);
+    EXPECT_EQ(application->windows.front().title, std::nullopt);
+    EXPECT_EQ(application->windows.front().windowNumber, std::nullopt);
+}
+
+TEST_F(InventoryReadingTest, TheFocusedWindowIsTheSameElementAsItsWindow) {
+    addWindow({});
+    const auto second = addWindow({});
+    accessibility.element(app).attributes["AXFocusedWindow"] = second;
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    EXPECT_FALSE(application->focusedWindow == application->windows[0].element);
+    EXPECT_TRUE(application->focusedWindow == application->windows[1].element);
+    EXPECT_EQ(application->focusedWindow->hash(), application->windows[1].element.hash());
+}
+
+TEST_F(InventoryReadingTest, ElementsOutliveTheReadingAndAreComparedAcrossReadings) {
+    const auto window = addWindow({});
+    std::optional<AXElementRef> kept;
+    { kept = read()->windows.front().element; }
+    EXPECT_TRUE(kept == read()->windows.front().element);
+    EXPECT_TRUE(*kept == handleOf(window));
+    EXPECT_FALSE(*kept == handleOf(addWindow({})));
+    EXPECT_EQ(kept->description(), "AXElementRef(" + std::to_string(kept->hash()) + ")");
+}
+
+TEST_F(InventoryReadingTest, AnApplicationWithoutWindowsIsToldFromOneThatDoesNotAnswer) {
+    EXPECT_EQ(read(), std::nullopt) << "it knows no \"AXWindows\"";
+    accessibility.element(app).attributes["AXWindows"] = std::vector<Value>();
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    EXPECT_THAT(application->windows, IsEmpty());
+    accessibility.element(app).attributes["AXWindows"] = std::string("no list");
+    EXPECT_EQ(read(), std::nullopt);
+    EXPECT_EQ(read(9999), std::nullopt) << "no such process";
+}
+
+TEST_F(InventoryReadingTest, WhatIsNoElementAmongTheWindowsIsLeftOut) {
+    const auto window = addWindow({{"AXTitle", std::string("Real")}});
+    accessibility.element(app).attributes["AXWindows"] =
+        std::vector<Value>{Value(std::string("no element")), Value(window), Value()};
+    accessibility.element(app).attributes["AXFocusedWindow"] = std::string("no element");
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    EXPECT_THAT(application->windows, ElementsAre(Field(&AccessibleWindow::title, Optional(Eq("Real")))));
+    EXPECT_EQ(application->focusedWindow, std::nullopt);
+}
+
+TEST_F(InventoryReadingTest, AHungApplicationCostsOneTimeout) {
+    addWindow({});
+    accessibility.application(notes).hangs = true;
+    EXPECT_EQ(read(), std::nullopt);
+    EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
+}
+
+TEST_F(InventoryReadingTest, AnApplicationThatHangsAfterItsListCostsOneTimeout) {
+    addWindow({});
+    accessibility.application(notes).requestsUntilItHangs = 1;
+    EXPECT_EQ(read(), std::nullopt);
+    EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
+}
+
+TEST_F(InventoryReadingTest, AnApplicationThatHangsMidwayCostsOneTimeoutHoweverManyWindowsItHas) {
+    for (CGWindowID number = 1; number <= 50; ++number) {
+        addWindow({}, number);
+    }
+    accessibility.application(notes).requestsUntilItHangs = 4;
+    EXPECT_EQ(read(), std::nullopt);
+    EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
+}
+
+TEST_F(InventoryReadingTest, AnApplicationThatIsAskedOneByOneAndHangsCostsOneTimeout) {
+    accessibility.application(notes).answersInBulk = false;
+    addWindow({});
+    addWindow({});
+    accessibility.application(notes).requestsUntilItHangs = 5;
+    EXPECT_EQ(read(), std::nullopt);
+    EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
+}
+
+TEST_F(InventoryReadingTest, WithoutTrustNothingIsRead) {
+    addWindow({});
+    system.isTrusted = false;
+    EXPECT_EQ(read(), std::nullopt);
+}
+
+TEST_F(InventoryReadingTest, TheRunningApplicationsAreThoseOfTheWorkspace) {
+    const auto reading = inventory.beginReading();
+    EXPECT_THAT(reading->runningApplications(), ElementsAre(Field(&RunningApplication::pid, notes)));
+    EXPECT_TRUE(reading->hasWindowNumberLookup());
+}
+
+TEST_F(InventoryReadingTest, TheFocusedWindowsNumberIsAskedForWithItsOwnTimeout) {
+    const auto window = addWindow({}, 77);
+    accessibility.element(app).attributes["AXFocusedWindow"] = window;
+    EXPECT_THAT(inventory.focusedWindowNumber(notes, Seconds(0.1)), Optional(77U));
+    EXPECT_THAT(accessibility.takeRequests(),
+                ElementsAre("copy AXFocusedWindow of 1 within 0.1", "number of 2 within 0.1"));
+}
+
+TEST_F(InventoryReadingTest, NoFocusedWindowHasNoNumber) {
+    EXPECT_EQ(inventory.focusedWindowNumber(notes, Seconds(0.1)), std::nullopt);
+    accessibility.element(app).attributes["AXFocusedWindow"] = std::string("no element");
+    EXPECT_EQ(inventory.focusedWindowNumber(notes, Seconds(0.1)), std::nullopt);
+    accessibility.element(app).attributes["AXFocusedWindow"] = addWindow({});
+    EXPECT_EQ(inventory.focusedWindowNumber(notes, Seconds(0.1)), std::nullopt) << "its element has none";
+    accessibility.element(app).attributes["AXFocusedWindow"] = addWindow({}, 0);
+    EXPECT_EQ(inventory.focusedWindowNumber(notes, Seconds(0.1)), std::nullopt) << "no window has the number 0";
+    accessibility.application(notes).hangs = true;
+    EXPECT_EQ(inventory.focusedWindowNumber(notes, Seconds(0.1)), std::nullopt);
+    EXPECT_NEAR(accessibility.secondsWaited(), 0.1, 1e-6);
+}
+
+TEST_F(InventoryReadingTest, ASnapshotMatchesTheServersListWithTheApplicationsWindows) {
+    addWindow({{"AXSubrole", std::string("AXStandardWindow")},
+               {"AXTitle", std::string("Shopping")},
+               {"AXPosition", Point{10, 20}},
+               {"AXSize", Size{300, 400}}},
+              77);
+    windowServer.windows.push_back({.keys = {{"kCGWindowNumber", std::int64_t{77}},
+                                             {"kCGWindowBounds", Rect{10, 20, 300, 400}},
+                                             {"kCGWindowOwnerPID", std::int64_t{notes}}}});
+    const WindowEnumerator enumerator(WindowFilter(1), inventory, desktop.platform().backgroundWork, log);
+    WindowEnumerator::Snapshot snapshot;
+    desktop.platform().backgroundWork.run([&] { snapshot = enumerator.snapshot(); });
+    desktop.settle();
+    ASSERT_EQ(snapshot.windows.size(), 1U);
+    EXPECT_EQ(snapshot.windows.front().id, 77U);
+    EXPECT_EQ(snapshot.windows.front().title, "Shopping");
+    EXPECT_TRUE(snapshot.windows.front().isOnActiveSpace);
+    EXPECT_THAT(windowServer.options, ElementsAre(16U, 17U));
+    EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace ferrowyn

@@ -1,0 +1,44 @@
+#include "tests/macos/layer/mac_fixture.h"
+
+#include "tests/macos/fake/fake_element.h"
+#include "tests/macos/fake/fake_objects.h"
+#include "tests/macos/fake/fake_run_loop.h"
+
+namespace ferrowyn {
+
+MacFixture::MacFixture() {
+    accessibility.reset();
+    windowServer.reset();
+    keyboard.reset();
+    system.reset();
+    static_cast<void>(fake::Objects::shared().takeFaults());
+    static_cast<void>(fake::RunLoop::main().takeJournal());
+    static_cast<void>(fake::RunLoop::main().takeSlices());
+}
+
+MacFixture::~MacFixture() {
+    // What waits on the main loop goes with it.
+    desktop_.reset();
+    EXPECT_EQ(fake::Objects::shared().liveCount(), 0U) << fake::Objects::shared().describeLive();
+    EXPECT_THAT(fake::Objects::shared().takeFaults(), testing::IsEmpty());
+    EXPECT_FALSE(fake::RunLoop::main().hasSources());
+}
+
+void MacFixture::runMainLoop(const std::string& mode) {
+    fake::RunLoop::main().drain(mode);
+}
+
+std::vector<std::string> MacFixture::takeLog() {
+    std::vector<std::string> messages;
+    for (const auto& line : desktop.takeLog()) {
+        messages.push_back(line.message);
+    }
+    return messages;
+}
+
+AXElementRef MacFixture::handleOf(fake::ElementId id) {
+    return AXElementRef(
+        std::make_shared<const MacElement>(Owned<AXUIElementRef>((new fake::ElementHandle(id))->as<AXUIElementRef>())));
+}
+
+}  // namespace ferrowyn

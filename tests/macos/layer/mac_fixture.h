@@ -1,0 +1,47 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/macos/mac_element.h"
+#include "platform/platform.h"
+#include "platform/simulated/simulated_desktop.h"
+#include "tests/macos/fake/fake_accessibility.h"
+#include "tests/macos/fake/fake_keyboard.h"
+#include "tests/macos/fake/fake_system.h"
+#include "tests/macos/fake/fake_window_server.h"
+
+namespace ferrowyn {
+
+/// A fresh fake system, with the clock and the log of the simulated desktop. When the test and everything in it has
+/// gone, no object of the system may be held any more, and none may have been misused.
+class MacFixture : public testing::Test {
+protected:
+    MacFixture();
+    ~MacFixture() override;
+
+    /// Delivers what waits on the main run loop, as in this mode.
+    static void runMainLoop(const std::string& mode = "kCFRunLoopDefaultMode");
+    /// The messages of the log, without their categories.
+    [[nodiscard]] std::vector<std::string> takeLog();
+    [[nodiscard]] static AXElementRef handleOf(fake::ElementId id);
+
+    fake::Accessibility& accessibility = fake::Accessibility::shared();
+    fake::WindowServer& windowServer = fake::WindowServer::shared();
+    fake::Keyboard& keyboard = fake::Keyboard::shared();
+    fake::System& system = fake::System::shared();
+
+private:
+    std::unique_ptr<SimulatedDesktop> desktop_ = std::make_unique<SimulatedDesktop>();
+
+protected:
+    SimulatedDesktop& desktop = *desktop_;
+    MainLoop& mainLoop = desktop_->platform().mainLoop;
+    Log& log = desktop_->platform().log;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,48 @@
+#include "platform/macos/mac_trust.h"
+
+#include "core/subject.h"
+#include "tests/macos/layer/mac_fixture.h"
+
+namespace ferrowyn {
+namespace {
+
+class MacTrustTest : public MacFixture {
+protected:
+    Subject<bool> database;
+    MacTrust trust{[this](std::function<void()> handler) {
+        return database.subscribe([told = std::move(handler)](bool) { told(); });
+    }};
+};
+
+TEST_F(MacTrustTest, TrustIsWhatTheSystemSaysAtThatMoment) {
+    EXPECT_TRUE(trust.isTrusted());
+    system.isTrusted = false;
+    EXPECT_FALSE(trust.isTrusted());
+    EXPECT_EQ(system.promptCount, 0) << "asking alone never prompts";
+}
+
+TEST_F(MacTrustTest, RequestingShowsTheSystemsPromptAndAnswers) {
+    system.isTrusted = false;
+    EXPECT_FALSE(trust.requestWithPrompt());
+    EXPECT_EQ(system.promptCount, 1);
+    system.isTrusted = true;
+    EXPECT_TRUE(trust.requestWithPrompt());
+}
+
+TEST_F(MacTrustTest, SecureInputIsWhatTheSystemSaysAtThatMoment) {
+    EXPECT_FALSE(trust.isSecureInputActive());
+    system.isSecureInputEnabled = true;
+    EXPECT_TRUE(trust.isSecureInputActive());
+}
+
+TEST_F(MacTrustTest, ChangesOfTheDatabaseAreHintsUntilTheTokenIsDropped) {
+    int hints = 0;
+    auto subscription = trust.observeChanges([&] { ++hints; });
+    database.send(true);
+    subscription.reset();
+    database.send(true);
+    EXPECT_EQ(hints, 1);
+}
+
+}  // namespace
+}  // namespace ferrowyn
