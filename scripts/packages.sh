@@ -1,4 +1,4 @@
-# Debian packages by purpose; sourced by the two commands.
+# Packages by purpose, Debian's first; sourced by the two commands.
 
 # What compiles and links the program.
 build_packages=(
@@ -31,3 +31,6 @@ test_packages=(
 
 # The further checks of ./test --full.
 full_packages=(clang-format-14 clang-tidy-16)
+
+# Homebrew's formulae on a Mac: what compiles, links and draws the icon, and what the tests need.
+mac_packages=(ccache cmake fmt googletest icu4c librsvg ninja nlohmann-json pkgconf qt)
