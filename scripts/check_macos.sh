@@ -13,6 +13,8 @@ output=build/macos-check
 clang=clang++-14
 nm=llvm-nm-14
 resources=$("$clang" -print-resource-dir)
+machine=$(g++ -dumpmachine)
+libstdcxx=$(g++ -dumpversion)
 
 warnings=(-Wall -Wextra -Wconversion -Wshadow -Wunguarded-availability -Wundeclared-selector -Wimplicit-retain-self
   -Warc-retain-cycles -Wnullable-to-nonnull-conversion -Wassign-enum -Wno-missing-field-initializers -Werror)
@@ -20,12 +22,12 @@ language=(-std=c++20 -fobjc-arc -fblocks -Isrc)
 declarations=(-isystem tests/macos/sdk)
 # Intel: the C++ library of g++.
 intel=(-target x86_64-apple-macos13 -U__nonnull -D_GNU_SOURCE "${declarations[@]}" -nostdinc++
-  -isystem /usr/include/c++/12 -isystem /usr/include/x86_64-linux-gnu/c++/12 -isystem /usr/include/x86_64-linux-gnu
+  -isystem "/usr/include/c++/$libstdcxx" -isystem "/usr/include/$machine/c++/$libstdcxx" -isystem "/usr/include/$machine"
   "${language[@]}" "${warnings[@]}")
 # Apple silicon: clang's C++ library, as on a Mac, over a small C library.
 silicon=(-target arm64-apple-macos13 -D_GNU_SOURCE -D_LIBCPP_PROVIDES_DEFAULT_RUNE_TABLE
   -D_LIBCPP_HAS_NO_LOCALIZATION -nostdinc -stdlib=libc++ "${declarations[@]}" -isystem tests/macos/shim
-  -isystem /usr/lib/llvm-14/include/c++/v1 -isystem "$resources/include" -isystem /usr/include/x86_64-linux-musl
+  -isystem "${resources%/lib/clang/*}/include/c++/v1" -isystem "$resources/include" -isystem "/usr/include/${machine%-gnu}-musl"
   "${language[@]}" "${warnings[@]}")
 # The bound keeps one long function from taking as much time as all others together.
 analyzer=(--analyze --analyzer-output text -Xclang -analyzer-checker=core,osx,cplusplus,nullability

@@ -62,7 +62,7 @@ std::u16string MacTapEvent::text(std::optional<std::uint64_t> withFlags) const {
     if (!copy) {
         return textOf(event_);
     }
-    CGEventSetFlags(copy.get(), *withFlags);
+    CGEventSetFlags(copy.get(), static_cast<CGEventFlags>(*withFlags));
     return textOf(copy.get());
 }
 
