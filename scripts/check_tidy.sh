@@ -8,13 +8,14 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
   echo "Build the asan preset first." >&2
   exit 1
 }
+# The Objective-C++ files have checks of their own (scripts/check_macos.sh).
 # xcb names a member `explicit`, which its includers must define away; shadowing is for g++ to judge, file by file.
 # Tidy runs clang: it knows neither g++'s precompiled headers nor some of its flags, and needs no sanitizer.
 mkdir -p build/tidy
 sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g; s/ -fsanitize=[^ ]*//g; s/ -fno-sanitize[^ ]*//g; s/ -Wno-(maybe-uninitialized|stringop-overflow|restrict)//g' \
   build/asan/compile_commands.json >build/tidy/compile_commands.json
 sed -nE 's/^ *"file": "(.*)",?$/\1/p' build/tidy/compile_commands.json |
-  grep -E "^$PWD/(src/|build/asan/src/.*/Unity/)" |
+  grep -E "^$PWD/(src/|build/asan/src/.*/Unity/).*\.(cpp|cxx)$" |
   xargs -d '\n' -P 2 -n 1 clang-tidy-16 --quiet -p build/tidy --extra-arg=-Wno-keyword-macro --extra-arg=-Wno-shadow 2>build/tidy/stderr.log || {
   grep -E 'error:' build/tidy/stderr.log || true
   exit 1
