@@ -78,9 +78,12 @@ protected:
         ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), number), 0);
     }
 
-    int argumentCount = 0;
+    // Kept for as long as the application is, which wants at least a name.
+    int argumentCount = 1;
+    char nameOfTest[13] = "program_test";
+    char* ownArguments[2] = {nameOfTest, nullptr};
     /// Before the first process, whose end it tells of.
-    QCoreApplication application{argumentCount, nullptr};
+    QCoreApplication application{argumentCount, ownArguments};
     QTemporaryDir settings;
     QProcessEnvironment environment;
 };
@@ -162,10 +165,11 @@ protected:
 
     /// Waits for the ends of all the others.
     static bool waitUntilOneRuns(const std::vector<std::unique_ptr<QProcess>>& programs) {
-        bool isOver = false;
-        QTimer::singleShot(patience, [&] { isOver = true; });
+        QTimer deadline;
+        deadline.setSingleShot(true);
+        deadline.start(patience);
         const auto isRunning = [](const auto& program) { return program->state() == QProcess::Running; };
-        while (std::count_if(programs.begin(), programs.end(), isRunning) > 1 && !isOver) {
+        while (std::count_if(programs.begin(), programs.end(), isRunning) > 1 && deadline.isActive()) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
         return std::count_if(programs.begin(), programs.end(), isRunning) == 1;
