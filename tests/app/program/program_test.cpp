@@ -1,6 +1,7 @@
 #include <signal.h>
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
@@ -30,9 +31,11 @@ protected:
         environment.insert("XDG_CONFIG_HOME", settings.path());
     }
 
-    std::unique_ptr<QProcess> start(const QStringList& arguments) {
+    std::unique_ptr<QProcess> start(const QStringList& arguments, void (*hangup)(int) = SIG_DFL) {
         auto program = std::make_unique<QProcess>();
         program->setProcessEnvironment(environment);
+        // Whatever this test was started with.
+        program->setChildProcessModifier([hangup] { ::signal(SIGHUP, hangup); });
         program->start(FERROWYN_PROGRAM, arguments);
         EXPECT_TRUE(program->waitForStarted(patience));
         return program;
@@ -76,6 +79,21 @@ protected:
     }
     static void signal(const QProcess& program, int number) {
         ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), number), 0);
+    }
+
+    /// As the kernel tells it of a running program.
+    static bool ignores(const QProcess& program, int number) {
+        QFile file(QStringLiteral("/proc/%1/status").arg(program.processId()));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray key = "SigIgn:";
+        const auto lines = file.readAll().split('\n');
+        const auto line =
+            std::find_if(lines.begin(), lines.end(), [&](const auto& each) { return each.startsWith(key); });
+        if (line == lines.end()) {
+            ADD_FAILURE() << "the kernel does not tell";
+            return false;
+        }
+        return (line->mid(key.size()).trimmed().toULongLong(nullptr, 16) >> (number - 1) & 1U) != 0;
     }
 
     // Kept for as long as the application is, which wants at least a name.
@@ -148,6 +166,16 @@ TEST_F(ProgramTest, RunsOnTheSimulatedDesktopWithoutADisplayUntilItIsAskedToEnd)
         signal(*program, number);
         EXPECT_EQ(resultOf(*program).status, 0);
     }
+}
+
+TEST_F(ProgramTest, StartedWithNohupItOutlivesItsTerminal) {
+    const auto program = start({"--platform=simulated", "--log-level=default"}, SIG_IGN);
+    ASSERT_TRUE(waitForLog(*program, "Services active"));
+    EXPECT_TRUE(ignores(*program, SIGHUP));
+    EXPECT_FALSE(ignores(*program, SIGTERM));
+    signal(*program, SIGHUP);
+    signal(*program, SIGTERM);
+    EXPECT_EQ(resultOf(*program).status, 0);
 }
 
 /// A server of the test's own.
