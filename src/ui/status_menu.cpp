@@ -47,7 +47,7 @@ public:
 
     void addHeader(const HealthAppearance& health, bool isReady) {
         menu.push_back({.kind = MenuRow::Kind::header,
-                        .header = {.title = "Ferrowyn",
+                        .header = {.title = say(texts_.programName),
                                    .subtitle = say(health.texts.subtitle),
                                    .subtitleTint = isReady ? MenuTint::secondaryLabel : MenuTint::orange},
                         .action = Action::openSettings});

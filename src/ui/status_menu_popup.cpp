@@ -9,10 +9,12 @@
 #include <cmath>
 #include <utility>
 
+#include "core/text_table.h"
 #include "ui/accessible_status_menu.h"
 #include "ui/display_text.h"
 #include "ui/menu_placement.h"
 #include "ui/menu_row_view.h"
+#include "ui/translated.h"
 
 namespace ferrowyn {
 
@@ -45,8 +47,9 @@ StatusMenuPopup::StatusMenuPopup(StatusMenu menu, const TextTable& texts, bool i
       texts_(texts),
       isTranslucent_(isTranslucent) {
     installStatusMenuAccessibility();
-    setWindowTitle(QStringLiteral("Ferrowyn"));
-    setAccessibleName(QStringLiteral("Ferrowyn"));
+    const auto name = translated(texts_.statusItem.programName);
+    setWindowTitle(name);
+    setAccessibleName(name);
     setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu);
     setAttribute(isTranslucent_ ? Qt::WA_TranslucentBackground : Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);

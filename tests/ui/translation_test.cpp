@@ -15,6 +15,7 @@
 namespace ferrowyn {
 namespace {
 
+using testing::Contains;
 using testing::Each;
 using testing::StartsWith;
 
@@ -65,6 +66,25 @@ TEST_F(TranslationTest, EveryTextOfEveryWindowCanBeTranslated) {
     model.desktop.setTrusted(false);
     model.authorizer.refresh();
     EXPECT_THAT(words(setup), Each(StartsWith("¶")));
+}
+
+TEST_F(TranslationTest, WhatTheServicesSayCanBeTranslated) {
+    test::WindowsModel model(
+        linuxTexts(), [](SimulatedDesktop& desktop) { desktop.loginItem().current = LoginItem::Status::notFound; });
+    SettingsView settings(model.platform, model.services);
+    settings.select(SettingsPane::general);
+    const auto said = [&] { return words(*settings.findChild<QStackedWidget*>()->currentWidget()); };
+    EXPECT_THAT(said(), Contains("¶Ferrowyn must be able to write to the autostart folder to launch at login."));
+    model.desktop.loginItem().current = LoginItem::Status::requiresApproval;
+    model.launchAtLogin.refresh();
+    EXPECT_THAT(said(), Contains("¶Allow Ferrowyn in your desktop's settings for autostart."));
+    auto& http = model.desktop.httpClient();
+    model.updates.check();
+    http.answer(http.requestCount() - 1, HttpResponse{404, {}});
+    EXPECT_THAT(said(), Contains("¶The update server replied with 404."));
+    model.updates.check();
+    http.answer(http.requestCount() - 1, HttpResponse{200, "[]"});
+    EXPECT_THAT(said(), Contains("¶The update manifest could not be read."));
 }
 
 TEST_F(TranslationTest, WhatIsPutIntoATextIsNotTranslated) {
