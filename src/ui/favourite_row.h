@@ -28,7 +28,9 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    /// As they are when lines run from left to right.
     [[nodiscard]] QRectF nameRect() const;
+    [[nodiscard]] QRectF starRect() const;
 
     QString name_;
     std::shared_ptr<const IconImage> icon_;

@@ -13,6 +13,11 @@
 namespace ferrowyn {
 
 UtilityWindow::UtilityWindow(std::unique_ptr<QWidget> content, bool isResizable) : QWidget(nullptr, Qt::Window) {
+    if (!isResizable) {
+        // Otherwise some managers offer to maximise what cannot grow.
+        setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                       Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+    }
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(isResizable ? QLayout::SetMinimumSize : QLayout::SetFixedSize);
