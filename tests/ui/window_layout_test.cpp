@@ -1,8 +1,11 @@
+#include <QScreen>
+#include <QScrollBar>
 #include <QTranslator>
 
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/choice_box.h"
 #include "ui/favourite_row.h"
+#include "ui/fitting_scroll_area.h"
 #include "ui/flow_layout.h"
 #include "ui/onboarding_view.h"
 #include "ui/settings_pane_view.h"
@@ -141,6 +144,24 @@ TEST_F(WindowLayoutTest, TheSetupWindowGrowsDownwardWithItsTexts) {
     EXPECT_THAT(cutTexts(*window), testing::IsEmpty());
     EXPECT_EQ(window->width(), before.width());
     EXPECT_GT(window->height(), before.height());
+}
+
+TEST_F(WindowLayoutTest, OnALowScreenTheSetupWindowScrollsToItsLastButton) {
+    speakWordily();
+    openSetup();
+    auto& area = *window->findChild<FittingScrollArea*>();
+    // Higher than the screen of the tests, which cannot be made lower.
+    area.widget()->setMinimumHeight(2000);
+    QCoreApplication::processEvents();
+    const QRect screen = window->screen()->availableGeometry();
+    EXPECT_LE(window->height(), screen.height());
+    QAbstractButton& close = *test::buttonNamed(*window, "Close und Cl");
+    ASSERT_TRUE(close.visibleRegion().isEmpty());
+    area.ensureWidgetVisible(&close);
+    EXPECT_EQ(close.visibleRegion().boundingRect(), close.rect());
+    area.widget()->setMinimumHeight(0);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(area.verticalScrollBar()->isVisible());
 }
 
 TEST_F(WindowLayoutTest, InARightToLeftLanguageEverythingStandsTheOtherWayRound) {
