@@ -37,7 +37,7 @@ struct Shot {
 };
 
 QImage photograph(const Shot& shot) {
-    const StatusMenu menu = test::statusMenu(shot.health);
+    const StatusMenu menu = test::statusMenu(shot.health, linuxStatusItemTexts());
     StatusMenuPopup popup(menu, linuxTexts(), shot.isTranslucent);
     popup.setPalette(palette(shot.scheme));
     popup.select(test::rowTitled(menu, shot.selected));
