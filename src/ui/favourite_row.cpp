@@ -27,8 +27,8 @@ constexpr int buttonOverhang = 5;
 
 }  // namespace
 
-FavouriteRow::FavouriteRow(const std::string& name, std::shared_ptr<const IconImage> icon, const WindowTexts& texts)
-    : name_(display_text::singleLine(name)), icon_(std::move(icon)) {
+FavouriteRow::FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts)
+    : name_(display_text::singleLine(name)), loadIcon_(std::move(loadIcon)) {
     remove_ = new WindowButton(translated(settings_lines::removeHelp(name_.toStdString(), texts)), "minus.circle.fill");
     auto* const line = new QHBoxLayout(this);
     // The symbol in the button stands as far from the edge as the switches do.
@@ -69,6 +69,9 @@ void FavouriteRow::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const WindowTheme theme = WindowTheme::current();
     const double scale = painter.deviceTransform().m11();
+    if (loadIcon_) {
+        icon_ = std::exchange(loadIcon_, nullptr)();
+    }
     const QImage& image = icons_.image(icon_, static_cast<int>(std::lround(iconSide * scale)));
     const QRectF iconRect(group_metrics::rowInset, (height() - iconSide) / 2, iconSide, iconSide);
     painter.drawImage(control_painting::mirrored(*this, iconRect), image);
