@@ -1,5 +1,6 @@
 #include "ui/settings_sidebar.h"
 
+#include <QEvent>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QStyledItemDelegate>
