@@ -70,9 +70,8 @@ QRect AccessibleMenuRow::rect() const {
     if (!isValid()) {
         return {};
     }
-    const Rect row = popup_.rowRect(index_);
     const bool isHeader = popup_.rowAt(index_).kind == MenuRow::Kind::header;
-    const QRect local = toQt(isHeader ? MenuHeaderView::gearArea(row) : row).toAlignedRect();
+    const QRect local = toQt(isHeader ? popup_.gearRect(index_) : popup_.rowRect(index_)).toAlignedRect();
     return {popup_.mapToGlobal(local.topLeft()), local.size()};
 }
 

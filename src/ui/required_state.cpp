@@ -3,7 +3,6 @@
 #include <QClipboard>
 #include <QGridLayout>
 #include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QVBoxLayout>
 #include <string_view>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "platform/application.h"
 #include "platform/platform.h"
 #include "services/accessibility_authorizer.h"
+#include "ui/flow_layout.h"
 #include "ui/settings_group.h"
 #include "ui/text_label.h"
 #include "ui/window_button.h"
@@ -23,7 +23,9 @@ namespace {
 
 constexpr int betweenParagraphs = 8;
 constexpr int betweenSteps = 6;
-constexpr int behindNumber = 6;
+/// The steps' texts stand under the titles, their numbers under the symbols.
+constexpr int numberWidth = 16;
+constexpr int behindNumber = 9;
 constexpr int aboveButtons = 8;
 constexpr int betweenButtons = 8;
 constexpr int belowTitle = 4;
@@ -34,6 +36,7 @@ QWidget* makeSteps(const WindowTexts::Onboarding& words) {
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(betweenSteps);
     grid->setHorizontalSpacing(behindNumber);
+    grid->setColumnMinimumWidth(0, numberWidth);
     grid->setColumnStretch(1, 1);
     int row = 0;
     for (const std::string_view step : {words.firstStep, words.secondStep, words.thirdStep}) {
@@ -92,9 +95,8 @@ QWidget* RequiredState::makeButtons(const Platform& platform, AccessibilityAutho
                                     std::function<std::string()> makeReport) {
     const WindowTexts::Onboarding& words = platform.texts.windows.onboarding;
     auto* const buttons = new QWidget;
-    auto* const line = new QHBoxLayout(buttons);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(betweenButtons);
+    auto* const line = new FlowLayout(betweenButtons);
+    buttons->setLayout(line);
     const auto add = [this, line](std::string_view text, std::function<void()> action) {
         const auto look = line->count() == 0 ? WindowButton::Look::primary : WindowButton::Look::standard;
         auto* const button = new WindowButton({text, {}}, look);
@@ -110,7 +112,6 @@ QWidget* RequiredState::makeButtons(const Platform& platform, AccessibilityAutho
             [make = std::move(makeReport)] { QGuiApplication::clipboard()->setText(QString::fromStdString(make())); });
     }
     add(words.revealApp, [&application = platform.application] { application.revealInFileManager(); });
-    line->addStretch();
     return buttons;
 }
 

@@ -1,5 +1,6 @@
 #include "ui/settings_pane_view.h"
 
+#include <QEvent>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -43,6 +44,19 @@ SettingsPaneView::SettingsPaneView(const Phrase& title) {
     // The area would have it filled in the palette's own colour.
     form->setAutoFillBackground(false);
     setAccessibleName(translated(title));
+}
+
+QSize SettingsPaneView::minimumSizeHint() const {
+    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(),
+            QScrollArea::minimumSizeHint().height()};
+}
+
+bool SettingsPaneView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+        // A control has come or gone, and the area asks for nothing by itself.
+        updateGeometry();
+    }
+    return QScrollArea::eventFilter(watched, event);
 }
 
 SettingsGroup& SettingsPaneView::addGroup() {

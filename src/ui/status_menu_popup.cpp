@@ -168,6 +168,12 @@ Rect StatusMenuPopup::rowRect(int index) const {
     return rect;
 }
 
+Rect StatusMenuPopup::gearRect(int header) const {
+    const Rect row = rowRect(header);
+    const Rect gear = MenuHeaderView::gearArea(row);
+    return isRightToLeft() ? MenuGeometry::mirrored(row, gear) : gear;
+}
+
 std::optional<int> StatusMenuPopup::rowUnder(const QPointF& position) const {
     return geometry_.rowAt({position.x(), position.y() + scroll_});
 }
@@ -189,7 +195,7 @@ void StatusMenuPopup::scrollToSelection() {
 }
 
 PaintContext StatusMenuPopup::paintContext(double devicePixelRatio) {
-    return {theme_, texts_, lines_, symbols_, icons_, devicePixelRatio};
+    return {theme_, texts_, lines_, symbols_, icons_, devicePixelRatio, isRightToLeft()};
 }
 
 void StatusMenuPopup::paintEvent(QPaintEvent* /*event*/) {

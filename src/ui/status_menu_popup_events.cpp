@@ -71,7 +71,7 @@ void StatusMenuPopup::pointTo(const QPointF& position) {
     const auto under = rowUnder(position);
     bool isChanged = false;
     if (under && rowAt(*under).kind == MenuRow::Kind::header) {
-        isChanged = header_.pointerMoved(rowRect(*under), {position.x(), position.y()});
+        isChanged = header_.pointerMoved(gearRect(*under), {position.x(), position.y()});
     } else {
         isChanged = header_.pointerExited();
     }
@@ -109,7 +109,7 @@ void StatusMenuPopup::mouseReleaseEvent(QMouseEvent* event) {
     }
     const Point point{event->position().x(), event->position().y()};
     const bool isHeader = rowAt(*under).kind == MenuRow::Kind::header;
-    if (!isHeader || MenuHeaderView::gearArea(rowRect(*under)).contains(point)) {
+    if (!isHeader || gearRect(*under).contains(point)) {
         choose(*under);
     }
 }
