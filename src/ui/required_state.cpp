@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QGridLayout>
 #include <QGuiApplication>
+#include <QPointer>
 #include <QVBoxLayout>
 #include <string_view>
 #include <utility>
@@ -10,6 +11,8 @@
 #include "core/text_table.h"
 #include "core/window_presentation.h"
 #include "platform/application.h"
+#include "platform/background_work.h"
+#include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "services/accessibility_authorizer.h"
 #include "ui/flow_layout.h"
@@ -29,6 +32,20 @@ constexpr int behindNumber = 9;
 constexpr int aboveButtons = 8;
 constexpr int betweenButtons = 8;
 constexpr int belowTitle = 4;
+
+/// On a worker thread: a report asks the session bus, which may take its time. Until it is there the button is off.
+void copyReport(const Platform& platform, QAbstractButton& button, const std::function<std::string()>& makeReport) {
+    button.setEnabled(false);
+    platform.backgroundWork.run(
+        [makeReport, &mainLoop = platform.mainLoop, button = QPointer<QAbstractButton>(&button)] {
+            mainLoop.post([report = makeReport(), button] {
+                QGuiApplication::clipboard()->setText(QString::fromStdString(report));
+                if (button != nullptr) {
+                    button->setEnabled(true);
+                }
+            });
+        });
+}
 
 QWidget* makeSteps(const WindowTexts::Onboarding& words) {
     auto* const steps = new QWidget;
@@ -101,15 +118,19 @@ QWidget* RequiredState::makeButtons(const Platform& platform, AccessibilityAutho
         const auto look = line->count() == 0 ? WindowButton::Look::primary : WindowButton::Look::standard;
         auto* const button = new WindowButton({text, {}}, look);
         line->addWidget(button);
-        connect(button, &QAbstractButton::clicked, this, std::move(action));
+        if (action) {
+            connect(button, &QAbstractButton::clicked, this, std::move(action));
+        }
+        return button;
     };
     if (!words.openSystemSettings.empty()) {
         add(words.openSystemSettings, [&authorizer] { authorizer.openAccessibilitySettings(); });
     }
     add(words.requestAccess, [&authorizer] { authorizer.requestTrust(); });
     if (!words.copyReport.empty() && makeReport) {
-        add(words.copyReport,
-            [make = std::move(makeReport)] { QGuiApplication::clipboard()->setText(QString::fromStdString(make())); });
+        auto* const button = add(words.copyReport, nullptr);
+        connect(button, &QAbstractButton::clicked, this,
+                [&platform, button, make = std::move(makeReport)] { copyReport(platform, *button, make); });
     }
     add(words.revealApp, [&application = platform.application] { application.revealInFileManager(); });
     return buttons;

@@ -128,10 +128,19 @@ TEST_F(OnboardingViewTest, OnALinuxDesktopItExplainsTheWindowManager) {
     EXPECT_THAT(visibleKeyCaps(*setup), ElementsAre("Alt+Tab", "Alt+Shift+Tab", "Alt+1–9", "Esc"));
 }
 
-TEST_F(OnboardingViewTest, TheReportIsCopied) {
+TEST_F(OnboardingViewTest, TheReportIsMadeInTheBackgroundAndCopied) {
     test::WindowsModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.setTrusted(false); });
     const auto setup = makeView(desktop);
-    buttonNamed(*setup, "Copy Report")->click();
+    QGuiApplication::clipboard()->clear();
+    auto* const button = buttonNamed(*setup, "Copy Report");
+    desktop.desktop.holdBackgroundWork(true);
+    button->click();
+    desktop.desktop.settle();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString());
+    EXPECT_FALSE(button->isEnabled());
+    desktop.desktop.holdBackgroundWork(false);
+    desktop.desktop.settle();
+    EXPECT_TRUE(button->isEnabled());
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("all is well"));
     const OnboardingView without(desktop.platform, desktop.authorizer, desktop.preferences, [] {});
     EXPECT_THAT(visibleButtons(without), Not(Contains("Copy Report")));
