@@ -1,6 +1,4 @@
-// The program where the session's bus is missing or ends, and where the tray comes and goes.
-
-#include <csignal>
+// The program where the session's bus is missing or ends.
 
 #include "tests/x11/desk_test.h"
 #include "tests/x11/harness/private_bus.h"
@@ -90,21 +88,6 @@ TEST_F(SessionBusFaultsTest, TheBusEndsWhileTheMenuOfItsTrayIsOpen) {
     EXPECT_TRUE(own.choose("Settings…")) << "the icon is where it was";
     EXPECT_TRUE(own.waitForActive("Ferrowyn Settings"));
     expectAllToWork();
-}
-
-TEST_F(SessionBusFaultsTest, TheTrayEndsAndStartsAgain) {
-    auto tray = std::make_unique<TrayHostProcess>(server, "trayer");
-    openWindows(2);
-    startProgram();
-    ASSERT_TRUE(own.openMenu());
-    tray->process().signal(SIGKILL);
-    ASSERT_TRUE(tray->process().waitForExit());
-    input.tap(key::escape);
-    EXPECT_TRUE(desktop.waitForPanel(false));
-    expectAllToWork();
-    tray = std::make_unique<TrayHostProcess>(server, "trayer");
-    EXPECT_TRUE(own.choose("Settings…"));
-    EXPECT_TRUE(own.waitForActive("Ferrowyn Settings"));
 }
 
 }  // namespace
