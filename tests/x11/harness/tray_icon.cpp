@@ -1,5 +1,6 @@
 #include "tests/x11/harness/tray_icon.h"
 
+#include <algorithm>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,7 +23,10 @@ std::vector<xcb_window_t> childrenOf(xcb_connection_t* connection, xcb_window_t 
 }
 
 bool isIcon(const TestDesktop& desktop, xcb_window_t window) {
-    return desktop.text(window, "WM_CLASS").find("ferrowyn") != std::string::npos &&
+    // The toolkit's windows could be embedded too.
+    const auto clients = desktop.clientList();
+    return std::ranges::find(clients, window) == clients.end() &&
+           desktop.text(window, "WM_CLASS").find("ferrowyn") != std::string::npos &&
            !desktop.cardinals(window, "_XEMBED_INFO").empty() && desktop.isViewable(window);
 }
 
