@@ -12,18 +12,15 @@ constexpr const char* settings = "Ferrowyn Settings";
 class OpeningWindowsTest : public ManagedDeskTest {
 protected:
     void SetUp() override {
-        // A check for updates has a mark of its own.
-        server.home().write(".config/Ferrowyn/Ferrowyn.ini", "[updates]\nautomatic=false\n");
         // Over a part of the settings window, but not over its sidebar.
         openActive({.title = "Window 1", .x = 700, .y = 60});
         startProgram();
     }
 
-    /// Until it is drawn: while it comes onto the screen, the program asks for it to be active once more.
     void openSettings() {
         ASSERT_TRUE(own.choose("Settings…"));
         settingsWindow = own.waitForActive(settings).value_or(XCB_WINDOW_NONE);
-        ASSERT_TRUE(desktop.waitUntil([this] { return own.showsAllRight(settingsWindow); }));
+        ASSERT_NE(settingsWindow, xcb_window_t{XCB_WINDOW_NONE}) << "waited for the settings window";
     }
 
     /// Goes to the other window, until the settings window knows it: the toolkit, which hears of that a moment later,

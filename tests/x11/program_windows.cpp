@@ -68,9 +68,22 @@ std::optional<xcb_window_t> ProgramWindows::waitForActive(const std::string& tit
             return !types.empty() && types.front() == desktop.atom("_NET_WM_WINDOW_TYPE_DOCK");
         };
         const auto top = std::find_if_not(stacked.rbegin(), stacked.rend(), isTray);
-        return window && desktop.activeWindow() == *window && top != stacked.rend() && *top == *window;
+        return window && desktop.activeWindow() == *window && top != stacked.rend() && *top == *window &&
+               isDrawn(*window);
     });
     return isThere ? window : std::nullopt;
+}
+
+bool ProgramWindows::isDrawn(xcb_window_t window) const {
+    constexpr int inset = 6;
+    constexpr std::uint32_t bright = 0xE0;
+    const auto place = desk_.desktop.placeOf(window);
+    if (!place) {
+        return false;
+    }
+    // No other window of these tests, nor the screen behind, is as bright.
+    const auto pixel = desk_.desktop.pixel(place->x + place->width - inset, place->y + place->height - inset);
+    return (pixel >> 16U & 0xFFU) > bright && (pixel >> 8U & 0xFFU) > bright && (pixel & 0xFFU) > bright;
 }
 
 bool ProgramWindows::waitUntilGone(const std::string& title) const {

@@ -24,7 +24,8 @@ public:
 
     /// The window with this title on the screen, whether or not a window manager runs.
     [[nodiscard]] std::optional<xcb_window_t> find(const std::string& title) const;
-    /// Waits until this window is the active one, and above all others.
+    /// Waits until this window is the active one, above all others and drawn: while it comes onto the screen, the
+    /// program asks for it to be active once more, and would take it from another that was made active meanwhile.
     [[nodiscard]] std::optional<xcb_window_t> waitForActive(const std::string& title) const;
     [[nodiscard]] bool waitUntilGone(const std::string& title) const;
 
@@ -52,6 +53,7 @@ public:
 private:
     enum class Mark { none, success, warning, both };
 
+    [[nodiscard]] bool isDrawn(xcb_window_t window) const;
     [[nodiscard]] bool shows(xcb_window_t window, Mark mark) const;
 
     SwitchingDesk& desk_;
