@@ -26,11 +26,18 @@ protected:
     /// Goes to the other window, until the settings window knows it: the toolkit, which hears of that a moment later,
     /// closes its menus then, and no hand opens one that fast.
     void leaveSettings() {
-        const auto place = *desktop.placeOf(settingsWindow);
-        const auto selectedRow = [&] { return desktop.pixel(place.x + 175, place.y + 29); };
-        const auto whileActive = selectedRow();
+        ASSERT_TRUE(waitUntilItLooksActive(true));
         use(window(1));
-        EXPECT_TRUE(desktop.waitUntil([&] { return selectedRow() != whileActive; })) << "waited for it to be inactive";
+        ASSERT_TRUE(waitUntilItLooksActive(false));
+    }
+    /// The selected row of the sidebar is blue while the window has the keyboard.
+    [[nodiscard]] bool waitUntilItLooksActive(bool isActive) {
+        return desktop.waitUntil([&] {
+            const auto place = desktop.placeOf(settingsWindow);
+            const auto pixel = place ? desktop.pixel(place->x + 175, place->y + 29) : 0;
+            const auto red = pixel >> 16U & 0xFFU, blue = pixel & 0xFFU;
+            return (blue > red + 80) == isActive;
+        });
     }
 
     xcb_window_t settingsWindow = XCB_WINDOW_NONE;
@@ -48,6 +55,7 @@ TEST_P(OpeningWindowsTest, TheMenuBringsAWindowToTheFrontWithTheKeyboardEachTime
     ASSERT_TRUE(desktop.waitUntil([&] { return !desktop.isViewable(settingsWindow); }));
     ASSERT_TRUE(own.choose("Settings…"));
     EXPECT_EQ(own.waitForActive(settings), settingsWindow) << "it was minimised";
+    EXPECT_TRUE(waitUntilItLooksActive(true));
     input.tap(key::escape);
     EXPECT_TRUE(own.waitUntilGone(settings)) << "its key was to close it";
     use(window(1));
