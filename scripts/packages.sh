@@ -17,7 +17,7 @@ runtime_packages=(
 
 # The private desktop that ./run makes where there is no display.
 demo_packages=(
-  dbus dbus-bin dbus-daemon mousepad openbox pcmanfm x11-apps xterm xvfb
+  dbus dbus-bin dbus-daemon mousepad openbox pcmanfm trayer x11-apps xterm xvfb
 )
 
 # The private desktops of the tests.

@@ -497,6 +497,13 @@ TEST_F(SwitcherControllerTest, OpensOnTheScreenOfThePointer) {
     EXPECT_EQ(desktop.panel().frame.x, 1440 + 500 - 320);
 }
 
+TEST_F(SwitcherControllerTest, TheMenuOpensItOnTheScreenThatThePointerIsOnNow) {
+    desktop.setScreens({{{0, 0, 1440, 900}, {0, 0, 1440, 875}}, {{1440, 0, 1000, 900}, {1440, 0, 1000, 875}}});
+    desktop.movePointerUnnoticed({1500, 10});
+    controller->showFromMenu();
+    EXPECT_EQ(desktop.panel().frame.x, 1440 + 500 - 320);
+}
+
 TEST_F(SwitcherControllerTest, KeepsItsTopEdgeWhileTheRowsChange) {
     controller->handle(Invoke{false});
     const double top = desktop.panel().frame.maxY();

@@ -26,7 +26,7 @@ TrayRig::TrayRig(const Options& options)
     qputenv("DISPLAY", QByteArray::fromStdString(server.display()));
     qputenv("QT_QPA_PLATFORM", "xcb");
     qputenv("QT_SCALE_FACTOR", QByteArray::fromStdString(options.scale));
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     application = std::make_unique<QApplication>(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
     mainLoop = std::make_unique<QtMainLoop>();
