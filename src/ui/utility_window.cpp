@@ -10,9 +10,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/accessible_roles.h"
+
 namespace ferrowyn {
 
 UtilityWindow::UtilityWindow(std::unique_ptr<QWidget> content, bool isResizable) : QWidget(nullptr, Qt::Window) {
+    setAccessibleRole(*this, QAccessible::Window);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(isResizable ? QLayout::SetMinimumSize : QLayout::SetFixedSize);
