@@ -1,5 +1,7 @@
 // What assistive technology is told of every pane of the settings window.
 
+#include <filesystem>
+
 #include "tests/x11/windows_fixture.h"
 
 namespace ferrowyn::x11test {
@@ -134,6 +136,39 @@ TEST_F(SettingsContentsTest, WhatIsChosenAndWhatCannotBeUsedIsTold) {
     const auto favourites = shown(settingsTitle);
     EXPECT_TRUE(favourites.find("check box", "Show favourite apps first")->is(State::enabled));
     EXPECT_FALSE(favourites.find("push button", "Remove All")->is(State::enabled)) << "there is nothing to remove";
+}
+
+TEST_F(SettingsContentsTest, WhatKeepsItFromStartingAtLoginIsToldInTheWindowAndInTheMenu) {
+    const std::string entry = ".config/autostart/com.larkmoor.ferrowyn.desktop";
+    const std::string turnedOff = "Allow Ferrowyn in your desktop's settings for autostart.";
+    server.home().write(entry, "[Desktop Entry]\nType=Application\nName=Ferrowyn\nExec=" FERROWYN_PROGRAM
+                               "\nX-GNOME-Autostart-enabled=false\n");
+    startTray();
+    start();
+    open("--settings", settingsTitle);
+    expectChecked(settingsTitle, "check box", "Launch Ferrowyn at login", true);
+    EXPECT_TRUE(shows(settingsTitle, "label", turnedOff));
+    EXPECT_TRUE(shows(settingsTitle, "push button", "Open Autostart Settings"));
+    openMenu();
+    EXPECT_EQ(menuRow("Launch at Login").description, turnedOff);
+    EXPECT_TRUE(menuRow("Launch at Login").is(State::checked));
+    chooseFromMenu("Launch at Login");
+    expectChecked(settingsTitle, "check box", "Launch Ferrowyn at login", false);
+    EXPECT_FALSE(shows(settingsTitle, "label", turnedOff));
+
+    const std::string unwritable = "Ferrowyn must be able to write to the autostart folder to launch at login.";
+    std::filesystem::remove_all(server.home().path() + "/.config/autostart");
+    server.home().write(".config/autostart", "a file, where a folder should be");
+    restart();
+    open("--settings", settingsTitle);
+    EXPECT_FALSE(control(settingsTitle, "check box", "Launch Ferrowyn at login").is(State::enabled));
+    EXPECT_TRUE(shows(settingsTitle, "label", unwritable));
+    EXPECT_FALSE(shows(settingsTitle, "push button", "Open Autostart Settings"));
+    openMenu();
+    EXPECT_EQ(menuRow("Launch at Login").description, unwritable);
+    EXPECT_FALSE(menuRow("Launch at Login").is(State::enabled));
+    input.tap(key::escape);
+    waitUntilMenuIsGone();
 }
 
 TEST_F(SettingsContentsTest, EveryFavouriteIsAnItemWithAButtonThatSaysWhatItRemoves) {

@@ -130,10 +130,12 @@ void WindowsFixture::click(const std::string& title, const std::string& role, co
                            int horizontally) {
     std::optional<TestDesktop::Place> place;
     ASSERT_TRUE(reader->waitUntil([&] {
+        const auto before = place;
         const auto window = shown(title);
         const auto* const control = window.find(role, name);
         place = control != nullptr && control->is(State::enabled) ? std::optional(control->place) : std::nullopt;
-        return place.has_value();
+        // Not while the window is still being laid out.
+        return place && place == before;
     })) << "waited for the "
         << role << ' ' << name << " in\n"
         << shown(title);
@@ -196,16 +198,24 @@ void WindowsFixture::leaveSwitcher(std::uint8_t modifier) {
 }
 
 void WindowsFixture::expectSwitcher(const Lines& lines, int width, std::uint8_t modifier) {
-    openSwitcher(modifier);
+    constexpr milliseconds forOneSession{1500};
     const auto read = [&] {
         const auto now = panel();
         return now ? now->find("list", "Windows")->lines() : Lines();
     };
-    static_cast<void>(reader->waitUntil([&] { return read() == lines; }));
-    EXPECT_EQ(read(), lines);
-    EXPECT_TRUE(reader->waitUntil([&] { return isSwitcherAsWide(width); }))
-        << "waited for a panel " << width << " wide";
-    leaveSwitcher(modifier);
+    // The list is the one of the moment when the switcher opens: what the window manager did just before may have come
+    // too late for it.
+    const Deadline deadline(patience);
+    Lines last;
+    bool isAsWide = false;
+    while (!(last == lines && isAsWide) && !deadline.hasPassed()) {
+        openSwitcher(modifier);
+        isAsWide = reader->waitUntil([&] { return read() == lines && isSwitcherAsWide(width); }, forOneSession);
+        last = read();
+        leaveSwitcher(modifier);
+    }
+    EXPECT_EQ(last, lines);
+    EXPECT_TRUE(isAsWide) << "waited for a panel " << width << " wide";
 }
 
 bool WindowsFixture::isSwitcherAsWide(int width) const {
@@ -214,13 +224,18 @@ bool WindowsFixture::isSwitcherAsWide(int width) const {
     return told && window && told->place.width == width && desktop.placeOf(*window) == told->place;
 }
 
-int WindowsFixture::switcherHeight(int width) {
+int WindowsFixture::switcherHeight(const std::function<bool(int)>& isIt) {
     openSwitcher(key::leftAlt);
-    EXPECT_TRUE(reader->waitUntil([&] { return isSwitcherAsWide(width); }))
-        << "waited for a panel " << width << " wide";
-    const auto now = panel();
+    int height = 0;
+    EXPECT_TRUE(reader->waitUntil([&] {
+        const auto window = desktop.visiblePanel();
+        const auto place = window ? desktop.placeOf(*window) : std::nullopt;
+        height = place ? place->height : 0;
+        return isIt(height);
+    })) << "waited for the panel to be as high; it is "
+        << height;
     leaveSwitcher(key::leftAlt);
-    return now ? now->place.height : 0;
+    return height;
 }
 
 std::optional<xcb_window_t> WindowsFixture::trayIcon(xcb_window_t parent, bool isInTray) const {
@@ -249,13 +264,16 @@ std::optional<AccessibleNode> WindowsFixture::menu() const {
 }
 
 void WindowsFixture::clickTrayIcon() {
+    // The tray makes room for it first.
+    constexpr int looks = 5;
     std::optional<TestDesktop::Place> place;
+    int timesSeen = 0;
     ASSERT_TRUE(reader->waitUntil([&] {
         const auto before = place;
         const auto icon = trayIcon(desktop.root(), false);
         place = icon ? desktop.placeOf(*icon) : std::nullopt;
-        // The tray makes room for it first.
-        return place && place == before;
+        timesSeen = place && place == before ? timesSeen + 1 : 0;
+        return timesSeen == looks;
     })) << "waited for the icon in the tray";
     input.click(place->x + place->width / 2, place->y + place->height / 2);
 }

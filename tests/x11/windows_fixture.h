@@ -1,6 +1,6 @@
 #pragma once
 
-#include <map>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -66,8 +66,8 @@ protected:
     /// Opens the switcher by Tab with this modifier held, and waits until its rows and headings read so and it is as
     /// wide. It is left again without switching.
     void expectSwitcher(const Lines& lines, int width, std::uint8_t modifier = key::leftAlt);
-    /// How high the switcher is, when it is as wide.
-    [[nodiscard]] int switcherHeight(int width);
+    /// Opens the switcher and waits until it is as high as asked; how high it is.
+    [[nodiscard]] int switcherHeight(const std::function<bool(int)>& isIt);
 
     void clickTrayIcon();
     /// Clicks the program's icon in the tray and waits for its menu.
