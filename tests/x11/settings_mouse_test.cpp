@@ -68,8 +68,7 @@ TEST_F(SettingsMouseTest, ShortcutTheNewTriggerOpensTheSwitcherAndTheOldOneDoesN
             "list item: Letter, Writer, 5 of 5",
         },
         listWidth, key::leftSuper);
-    // Alt and Tab are the window manager's again.
-    expectKeyboardIsBack();
+    expectTheManagerSwitches();
 
     restartAt("Shortcut");
     EXPECT_EQ(shownTrigger(), "Super + Tab");
