@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "ui/accessible_roles.h"
 #include "ui/settings_group.h"
 #include "ui/text_label.h"
 #include "ui/thin_scroll_bar.h"
@@ -43,6 +44,7 @@ SettingsPaneView::SettingsPaneView(const Phrase& title) {
     setWidget(form);
     // The area would have it filled in the palette's own colour.
     form->setAutoFillBackground(false);
+    setAccessibleRole(*this, QAccessible::Pane);
     setAccessibleName(translated(title));
 }
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/accessible_roles.h"
 #include "ui/fitting_scroll_area.h"
 #include "ui/window_metrics.h"
 #include "ui/window_theme.h"
@@ -23,6 +24,7 @@ UtilityWindow::UtilityWindow(std::unique_ptr<QWidget> content, bool isResizable)
         setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                        Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     }
+    setAccessibleRole(*this, QAccessible::Window);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(isResizable ? QLayout::SetMinimumSize : QLayout::SetFixedSize);

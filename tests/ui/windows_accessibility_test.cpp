@@ -238,6 +238,8 @@ TEST_F(WindowsAccessibilityTest, ChoicesHaveTheirRoles) {
     EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Option + Tab"));
     model.preferences.modifier.set(SwitcherModifier::control);
     EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Control + Tab"));
+    EXPECT_EQ(trigger->textInterface()->text(0, trigger->textInterface()->characterCount()),
+              QStringLiteral("Control + Tab"));
     EXPECT_FALSE(trigger->state().expanded);
     trigger->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
     EXPECT_TRUE(trigger->state().expanded);
