@@ -8,6 +8,7 @@
 
 #include "app/app_services.h"
 #include "core/text_table.h"
+#include "core/window_presentation.h"
 #include "services/launch_at_login_service.h"
 #include "services/update_checker.h"
 #include "ui/health_state.h"
@@ -25,18 +26,6 @@ MenuRow item(std::string title, std::string_view symbol, Action action) {
 MenuRow withKey(MenuRow row, std::string_view key) {
     row.keyEquivalent = key;
     return row;
-}
-
-std::string_view symbolOf(SwitcherLayout layout) {
-    switch (layout) {
-        case SwitcherLayout::list:
-            return "list.bullet";
-        case SwitcherLayout::grouped:
-            return "list.bullet.indent";
-        case SwitcherLayout::grid:
-            return "square.grid.3x2";
-    }
-    return {};
 }
 
 /// Makes the rows, each from the services as they are now.
@@ -79,7 +68,7 @@ public:
     void addLayouts() {
         menu.push_back({.kind = MenuRow::Kind::sectionTitle, .title = say(texts_.layoutSection), .isEnabled = false});
         for (const auto layout : allSwitcherLayouts) {
-            auto row = item(say(title(layout)), symbolOf(layout), Action::selectLayout);
+            auto row = item(say(title(layout)), WindowPresentation::layoutSymbol(layout), Action::selectLayout);
             row.representedValue = rawValue(layout);
             row.isChecked = layout == services_.preferences().layout.get();
             menu.push_back(std::move(row));

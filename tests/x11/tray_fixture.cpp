@@ -44,19 +44,6 @@ TrayRig::TrayRig(const Options& options)
     item->setActionHandler([this](const MenuRow& row) { chosen.push_back(row.action); });
 }
 
-bool TrayRig::runUntil(const std::function<bool()>& predicate) {
-    const Deadline deadline(patience);
-    QTimer tick;
-    tick.start(10);
-    while (!predicate()) {
-        if (deadline.hasPassed()) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    }
-    return true;
-}
-
 bool TrayRig::waitForHost(LinuxTrayIcon::Host host) {
     return runUntil([&] { return icon->shownBy() == host; });
 }
