@@ -17,12 +17,12 @@ runtime_packages=(
 
 # The private desktop that ./run makes where there is no display.
 demo_packages=(
-  dbus dbus-bin dbus-daemon mousepad openbox pcmanfm x11-apps xterm xvfb
+  dbus dbus-bin dbus-daemon mousepad openbox pcmanfm trayer x11-apps xterm xvfb
 )
 
 # The private desktops of the tests.
 test_packages=(
-  appstream at-spi2-core desktop-file-utils libbenchmark-dev libgmock-dev libglib2.0-bin libgtest-dev openssl python3
+  appstream at-spi2-core desktop-file-utils libbenchmark-dev libgmock-dev libglib2.0-bin libgtest-dev libsm-dev openssl python3
   dbus dbus-bin dbus-daemon dex i3-wm icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
   xfce4-panel xfwm4 xfconf
   x11-utils x11-xkb-utils x11-xserver-utils xinput xterm xvfb xkb-data

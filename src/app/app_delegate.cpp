@@ -129,6 +129,9 @@ void AppDelegate::openSwitcher() {
         firstWindowList_.reset();
         services_->switcher().showFromMenu();
     });
+    // A list that comes after trust was lost and found again is no answer any more: the person has gone on.
+    trustChange_ =
+        services_->authorizer().status().subscribeToChanges([this](AccessibilityStatus) { firstWindowList_.reset(); });
 }
 
 std::function<void()> AppDelegate::weakly(void (AppDelegate::*action)()) {

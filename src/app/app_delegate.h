@@ -60,6 +60,7 @@ private:
     std::unique_ptr<StatusItem> statusItem_;
     std::unique_ptr<StatusItemController> statusItemController_;
     Subscription firstWindowList_;
+    Subscription trustChange_;
     std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
 };
 

@@ -32,7 +32,7 @@ AppServices::AppServices(const Platform& platform, const SwitcherContentFactory&
       authorizer_(platform),
       iconProvider_(platform.icons, platform.workspace),
       windowIndex_(platform),
-      iconPrefetcher_(platform.mainLoop, iconProvider_, windowIndex_.windows()),
+      iconPrefetcher_(platform.mainLoop, platform.workspace, iconProvider_, windowIndex_.windows()),
       hotKeyMonitor_(platform, preferences_->modifier.get()),
       launchAtLogin_(platform),
       favourites_(platform.userDefaults, platform.workspace),

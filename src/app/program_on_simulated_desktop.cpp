@@ -11,6 +11,7 @@
 #include "app/qt_user_interface.h"
 #include "app/termination_signals.h"
 #include "platform/linux/journal_log.h"
+#include "platform/platform_replacement.h"
 #include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "platform/simulated/simulated_status_item.h"
@@ -21,30 +22,6 @@ namespace {
 
 /// How often the simulated clock catches up with the real one.
 constexpr std::chrono::milliseconds tick{10};
-
-/// The same desktop with the real log.
-Platform withLog(const Platform& platform, Log& log) {
-    return {
-        .mainLoop = platform.mainLoop,
-        .backgroundWork = platform.backgroundWork,
-        .log = log,
-        .userDefaults = platform.userDefaults,
-        .application = platform.application,
-        .workspace = platform.workspace,
-        .windowInventory = platform.windowInventory,
-        .accessibilityObservers = platform.accessibilityObservers,
-        .windowControl = platform.windowControl,
-        .trust = platform.trust,
-        .eventTaps = platform.eventTaps,
-        .screens = platform.screens,
-        .pointer = platform.pointer,
-        .panel = platform.panel,
-        .icons = platform.icons,
-        .httpClient = platform.httpClient,
-        .loginItem = platform.loginItem,
-        .texts = platform.texts,
-    };
-}
 
 }  // namespace
 
@@ -62,7 +39,7 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
     JournalLog log = makeLog(line);
     SimulatedDesktop desktop;
     openDemoWindows(desktop);
-    const Platform platform = withLog(desktop.platform(), log);
+    const Platform platform = replacedIn(desktop.platform(), {.log = &log});
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     QtUserInterface userInterface(platform, [] { return std::make_unique<SimulatedStatusItem>(); });

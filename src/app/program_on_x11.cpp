@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QLocale>
+#include <QSessionManager>
 #include <chrono>
 #include <iostream>
 #include <memory>
@@ -41,12 +42,21 @@ int refuse(const std::string& message) {
     return exit_status::unusableDesktop;
 }
 
+/// A session that restores its programs at the next login would start this one whatever its login item says, or a
+/// second time beside it, which opens the setup window.
+void stayOutOfRestoredSessions(QApplication& application) {
+    const auto refuse = [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); };
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, &application, refuse);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application, refuse);
+}
+
 /// The program in a session that it can work in, as the only one there.
 int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCount, char** arguments) {
     // A platform plugin for Wayland would find a compositor that this program cannot work with.
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    stayOutOfRestoredSessions(application);
     installTranslations(application, QLocale());
     QApplication::setWindowIcon(windowIcon());
     QApplication::setDesktopFileName(QString::fromUtf8(applicationId.data(), applicationId.size()));

@@ -15,7 +15,7 @@ class QtUserInterface final : public UserInterface {
 public:
     using StatusItemFactory = std::function<std::unique_ptr<StatusItem>()>;
 
-    /// Describes this desktop for a bug report.
+    /// Describes this desktop for a bug report. Called on a worker thread.
     using ReportMaker = std::function<std::string()>;
 
     QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport = nullptr);

@@ -25,13 +25,21 @@ extern "C" void writeToSignalPipe(int /*signal*/) {
     errno = savedError;
 }
 
+/// Whoever starts a program with nohup wants it to outlive the terminal.
+bool isToBeSurvived(int signal) {
+    struct sigaction inherited {};
+    return signal == SIGHUP && sigaction(signal, nullptr, &inherited) == 0 && inherited.sa_handler == SIG_IGN;
+}
+
 void setHandlers(void (*handler)(int), int flags) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = flags;
     sigemptyset(&action.sa_mask);
     for (const int signal : handledSignals) {
-        sigaction(signal, &action, nullptr);
+        if (!isToBeSurvived(signal)) {
+            sigaction(signal, &action, nullptr);
+        }
     }
 }
 

@@ -7,8 +7,9 @@ class QSocketNotifier;
 
 namespace ferrowyn {
 
-/// Turns SIGTERM, SIGINT and SIGHUP into a call on the main loop, where the program can end in order. The second signal
-/// ends it at once, should it not get there. At most one at a time; with a QCoreApplication, which outlives it.
+/// Turns SIGTERM, SIGINT and, unless the program was started with nohup, SIGHUP into a call on the main loop, where the
+/// program can end in order. The second signal ends it at once, should it not get there. At most one at a time; with a
+/// QCoreApplication, which outlives it.
 class TerminationSignals {
 public:
     explicit TerminationSignals(std::function<void()> onSignal);

@@ -9,6 +9,8 @@ namespace {
 StatusItemTexts sharedTexts() {
     const auto reEnable = translatable("Ferrowyn", "Re-enable Shortcut");
     return {
+        .programName = "Ferrowyn",
+        .settingsButton = translatable("Ferrowyn", "Settings"),
         .ready = {.tooltip = "Ferrowyn", .subtitle = translatable("Ferrowyn", "Ready"), .repair = ""},
         .trustRevoked = {.repair = reEnable},
         .repeatedTimeouts = {.tooltip = translatable("Ferrowyn", "Ferrowyn — shortcut disabled by the system"),

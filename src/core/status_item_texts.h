@@ -15,6 +15,11 @@ struct StatusItemTexts {
         std::string_view repair;
     };
 
+    /// The same in every language.
+    std::string_view programName;
+    /// The button in the menu's header, for assistive technology.
+    std::string_view settingsButton;
+
     Health ready;
     Health accessRequired;
     Health trustRevoked;

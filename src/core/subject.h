@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "core/subscription.h"
+#include "core/thread_checker.h"
 
 namespace ferrowyn {
 
@@ -24,19 +26,22 @@ public:
     Subject& operator=(const Subject&) = delete;
 
     [[nodiscard]] Subscription subscribe(Handler handler) const {
+        assert(list_->thread.isOnItsThread());
         const auto entry = std::make_shared<Entry>(Entry{std::move(handler), true});
-        list_->push_back(entry);
+        list_->entries.push_back(entry);
         // The list is held weakly: a token that outlives the subject has nothing left to end.
         return Subscription([list = std::weak_ptr<List>(list_), entry] {
             entry->isLive = false;
             if (const auto alive = list.lock()) {
-                std::erase(*alive, entry);
+                assert(alive->thread.isOnItsThread());
+                std::erase(alive->entries, entry);
             }
         });
     }
 
     void send(const Value& value) const {
-        const List current = *list_;
+        assert(list_->thread.isOnItsThread());
+        const auto current = list_->entries;
         for (const auto& entry : current) {
             if (entry->isLive) {
                 entry->handler(value);
@@ -44,14 +49,17 @@ public:
         }
     }
 
-    [[nodiscard]] bool hasSubscribers() const { return !list_->empty(); }
+    [[nodiscard]] bool hasSubscribers() const { return !list_->entries.empty(); }
 
 private:
     struct Entry {
         Handler handler;
         bool isLive;
     };
-    using List = std::vector<std::shared_ptr<Entry>>;
+    struct List {
+        std::vector<std::shared_ptr<Entry>> entries;
+        ThreadChecker thread;
+    };
 
     std::shared_ptr<List> list_ = std::make_shared<List>();
 };

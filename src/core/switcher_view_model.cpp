@@ -5,6 +5,7 @@
 
 #include "core/fuzzy_matcher.h"
 #include "core/graphemes.h"
+#include "core/prepared_text_cache.h"
 #include "core/switcher_row_builder.h"
 
 namespace ferrowyn {
@@ -13,6 +14,9 @@ namespace {
 
 /// A key press that comes meanwhile waits for them: a quarter of a millisecond.
 constexpr std::size_t windowsPreparedInOneTurn = 8;
+/// A window has up to three texts. What is prepared beyond one generation of the cache pushes out what was prepared
+/// first, which is that of the windows used last.
+constexpr std::size_t mostPreparedWindows = PreparedTextCache::generationSize / 3;
 
 /// A session begins on the second row: the window that was used just before the present one.
 int firstSelection(std::size_t rowCount, bool reverse) {
@@ -42,6 +46,7 @@ void SwitcherViewModel::bind(const Published<std::vector<AppWindow>>& windows,
         allWindows_ = std::make_shared<const std::vector<AppWindow>>(list);
         rebuildRows(true);
         nextToPrepare_ = 0;
+        preparedWindows_ = 0;
         prepareTextsLater();
     }));
     cancellables_.push_back(status.subscribe([this](const AccessibilityStatus& current) {
@@ -67,6 +72,9 @@ void SwitcherViewModel::rebuildRowsLater() {
 }
 
 void SwitcherViewModel::prepareTextsLater() {
+    if (preparedWindows_ == mostPreparedWindows) {
+        return;
+    }
     const auto& windows = *allWindows_;
     const auto first = std::find_if(windows.begin() + static_cast<std::ptrdiff_t>(nextToPrepare_), windows.end(),
                                     FuzzyMatcher::needsPreparation);
@@ -85,8 +93,11 @@ void SwitcherViewModel::prepareSomeTexts() {
     isPreparationPosted_ = false;
     const auto& windows = *allWindows_;
     std::size_t prepared = 0;
-    while (nextToPrepare_ < windows.size() && prepared < windowsPreparedInOneTurn) {
-        prepared += FuzzyMatcher::prepareAhead(windows[nextToPrepare_++]) ? 1 : 0;
+    while (nextToPrepare_ < windows.size() && prepared < windowsPreparedInOneTurn &&
+           preparedWindows_ < mostPreparedWindows) {
+        const AppWindow& window = windows[nextToPrepare_++];
+        preparedWindows_ += FuzzyMatcher::needsPreparation(window) ? 1 : 0;
+        prepared += FuzzyMatcher::prepareAhead(window) ? 1 : 0;
     }
     prepareTextsLater();
 }

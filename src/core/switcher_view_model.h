@@ -117,6 +117,8 @@ private:
     SharedWindow::List allWindows_ = std::make_shared<const std::vector<AppWindow>>();
     /// The windows before it have their texts prepared.
     std::size_t nextToPrepare_ = 0;
+    /// How many of those take room in the cache.
+    std::size_t preparedWindows_ = 0;
     bool isPreparationPosted_ = false;
     std::optional<Pid> sessionFrontmostPID_;
     std::optional<std::vector<SharedWindow>> sessionWindows_;

@@ -1,5 +1,7 @@
 #include "core/text_table.h"
 
+#include "core/phrase.h"
+
 namespace ferrowyn {
 
 std::string_view TextTable::modifierKey(SwitcherModifier modifier) const {
@@ -27,14 +29,16 @@ const TextTable& macTexts() {
         .sessionCommandKeyWithControlTrigger = "⌘",
         .keySeparator = "",
         .tabKey = "⇥",
-        .permissionTitle = "Accessibility access is required",
-        .permissionExplanation = "Ferrowyn cannot list or focus other apps' windows without it.",
-        .permissionButton = "Open System Settings",
-        .otherSpaceBadge = "Other Space",
+        .permissionTitle = translatable("Ferrowyn", "Accessibility access is required"),
+        .permissionExplanation =
+            translatable("Ferrowyn", "Ferrowyn cannot list or focus other apps' windows without it."),
+        .permissionButton = translatable("Ferrowyn", "Open System Settings"),
+        .otherSpaceBadge = translatable("Ferrowyn", "Other Space"),
 
-        .loginItemUnavailable = "Ferrowyn must be in /Applications to launch at login.",
-        .loginItemRefused = "macOS refused the request. Move Ferrowyn to /Applications and try again.",
-        .loginItemApproval = "Approve Ferrowyn in System Settings → General → Login Items.",
+        .loginItemUnavailable = translatable("Ferrowyn", "Ferrowyn must be in /Applications to launch at login."),
+        .loginItemRefused =
+            translatable("Ferrowyn", "macOS refused the request. Move Ferrowyn to /Applications and try again."),
+        .loginItemApproval = translatable("Ferrowyn", "Approve Ferrowyn in System Settings → General → Login Items."),
 
         .statusItem = macStatusItemTexts(),
         .windows = macWindowTexts(),
@@ -51,19 +55,21 @@ const TextTable& linuxTexts() {
         .sessionCommandKeyWithControlTrigger = "Super",
         .keySeparator = "+",
         .tabKey = "Tab",
-        .permissionTitle = "A window manager is required",
+        .permissionTitle = translatable("Ferrowyn", "A window manager is required"),
         // The user meets this text in two states, so it names the way out of both.
         .permissionExplanation =
-            "Ferrowyn cannot list or focus other apps' windows without an EWMH window manager and "
-            "XInput 2.2. Start a window manager or update the X server; Ferrowyn then goes on by "
-            "itself.",
-        .permissionButton = "Open Setup",
-        .otherSpaceBadge = "Other Space",
+            translatable("Ferrowyn",
+                         "Ferrowyn cannot list or focus other apps' windows without an EWMH window manager and "
+                         "XInput 2.2. Start a window manager or update the X server; Ferrowyn then goes on by "
+                         "itself."),
+        .permissionButton = translatable("Ferrowyn", "Open Setup"),
+        .otherSpaceBadge = translatable("Ferrowyn", "Other Space"),
 
-        .loginItemUnavailable = "Ferrowyn must be able to write to the autostart folder to launch at login.",
-        .loginItemRefused =
-            "The system refused the request. Make sure that the autostart folder is yours and try again.",
-        .loginItemApproval = "Allow Ferrowyn in your desktop's settings for autostart.",
+        .loginItemUnavailable =
+            translatable("Ferrowyn", "Ferrowyn must be able to write to the autostart folder to launch at login."),
+        .loginItemRefused = translatable(
+            "Ferrowyn", "The system refused the request. Make sure that the autostart folder is yours and try again."),
+        .loginItemApproval = translatable("Ferrowyn", "Allow Ferrowyn in your desktop's settings for autostart."),
 
         .statusItem = linuxStatusItemTexts(),
         .windows = linuxWindowTexts(),

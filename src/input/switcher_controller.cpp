@@ -76,6 +76,8 @@ void SwitcherController::show(bool reverse) {
 }
 
 void SwitcherController::showFromMenu() {
+    // No key has just told where it is, and the panel comes to the screen that it is on.
+    pointerDevice_.refresh();
     show(false);
     viewModel_->isPinned.set(true);
     if (!viewModel_->rows.get().empty()) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <vector>
 
 #include "core/identifiers.h"
+#include "core/subscription.h"
 
 namespace ferrowyn {
 
@@ -36,6 +38,9 @@ public:
     [[nodiscard]] virtual std::shared_ptr<const IconImage> iconForProcess(Pid pid) = 0;
     /// The last resort: never null. `name` may be drawn into it (a lettered tile) where the desktop has no such icon.
     [[nodiscard]] virtual std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) = 0;
+
+    /// Tells that the running process gives itself another icon from now on, or its first one.
+    [[nodiscard]] virtual Subscription observeProcessIcons(std::function<void(Pid)> handler) = 0;
 };
 
 }  // namespace ferrowyn

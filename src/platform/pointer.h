@@ -15,6 +15,9 @@ public:
     /// Where the pointer is, in points growing upward (`Screen`). Never waits: an adapter for which asking is a round
     /// trip answers with the place that came with the latest key or pointer event.
     [[nodiscard]] virtual Point location() const = 0;
+    /// Makes `location` the place of this moment, for what no key or pointer event has led to. May wait for a round
+    /// trip.
+    virtual void refresh() = 0;
 
     /// Told about each press of any mouse button that goes to another application. The press still reaches its target.
     [[nodiscard]] virtual Subscription observeClicksElsewhere(std::function<void()> handler) = 0;

@@ -6,15 +6,35 @@
 #include <utility>
 
 #include "platform/main_loop.h"
+#include "platform/workspace.h"
 #include "services/icon_provider.h"
 
 namespace ferrowyn {
 
-IconPrefetcher::IconPrefetcher(MainLoop& mainLoop, IconProvider& icons,
+namespace {
+
+/// An application that replaces its icon all the time (a progress, an unread count) is read no more often than this.
+constexpr Seconds replacementInterval{1.0};
+
+}  // namespace
+
+IconPrefetcher::IconPrefetcher(MainLoop& mainLoop, const Workspace& workspace, IconProvider& icons,
                                const Published<std::vector<AppWindow>>& windows)
     : mainLoop_(mainLoop),
+      workspace_(workspace),
       icons_(icons),
-      subscription_(windows.subscribe([this](const std::vector<AppWindow>& list) { collect(list); })) {}
+      windows_(windows),
+      subscription_(windows.subscribe([this](const std::vector<AppWindow>& list) { collect(list); })),
+      replacements_(icons.replacements().subscribe([this](const Pid&) { collectAgainLater(); })) {}
+
+void IconPrefetcher::collectAgainLater() {
+    if (!collection_) {
+        collection_ = mainLoop_.after(replacementInterval, [this] {
+            collect(windows_.get());
+            collection_.reset();
+        });
+    }
+}
 
 void IconPrefetcher::collect(const std::vector<AppWindow>& windows) {
     wanted_.clear();
@@ -45,8 +65,12 @@ void IconPrefetcher::loadLater() {
 void IconPrefetcher::loadNext() {
     isPosted_ = false;
     if (!wanted_.empty()) {
-        static_cast<void>(icons_.icon(wanted_.back()));
+        const auto window = std::move(wanted_.back());
         wanted_.pop_back();
+        // A list may name an application that has quit: what were kept for it now, nothing would ever forget.
+        if (workspace_.runningApplication(window.pid)) {
+            static_cast<void>(icons_.icon(window));
+        }
     }
     loadLater();
 }

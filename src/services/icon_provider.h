@@ -7,6 +7,7 @@
 
 #include "core/app_window.h"
 #include "core/geometry.h"
+#include "core/subject.h"
 #include "core/subscription.h"
 
 namespace ferrowyn {
@@ -21,7 +22,7 @@ struct Icon {
     Size size{32, 32};
 };
 
-/// Application icons, cached per application until it quits. Main thread.
+/// Application icons, cached per application until it quits, or until it gives itself another one. Main thread.
 class IconProvider {
 public:
     IconProvider(IconSource& source, Workspace& workspace);
@@ -33,13 +34,27 @@ public:
     /// Forgets every icon.
     void removeAll();
 
+    /// An icon was forgotten because the process with this id gives itself another one.
+    [[nodiscard]] const Subject<Pid>& replacements() const { return replacements_; }
+
     /// The bundle identifier, else "pid:" and the process id.
     [[nodiscard]] static std::string cacheKey(const std::optional<std::string>& bundleIdentifier, Pid pid);
 
 private:
+    struct Entry {
+        Icon icon;
+        /// The process that the icon stands for; none when it is the installed application's own.
+        std::optional<Pid> process;
+    };
+
+    [[nodiscard]] Entry load(const AppWindow& window);
+    void forgetIconOf(Pid process);
+
     IconSource& source_;
-    std::unordered_map<std::string, Icon> cache_;
+    std::unordered_map<std::string, Entry> cache_;
+    Subject<Pid> replacements_;
     Subscription terminationObserver_;
+    Subscription processIconObserver_;
 };
 
 }  // namespace ferrowyn

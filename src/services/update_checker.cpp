@@ -34,7 +34,7 @@ std::optional<std::string> textMember(const nlohmann::json& manifest, const char
 std::string_view UpdateChecker::description(UpdateError error) {
     switch (error) {
         case UpdateError::malformedManifest:
-            return "The update manifest could not be read.";
+            return translatable("Ferrowyn", "The update manifest could not be read.");
     }
     return {};
 }
@@ -65,7 +65,7 @@ void UpdateChecker::check() {
     state_.set(Checking{});
     const auto address = requestAddress();
     if (!address) {
-        state_.set(Failed{"Could not build the update URL."});
+        state_.set(Failed{{translatable("Ferrowyn", "Could not build the update URL."), {}}});
         return;
     }
     checkTask_ = session_.get({.url = *address, .timeout = requestTimeout, .maximumBodySize = largestManifest},
@@ -80,17 +80,18 @@ std::optional<std::string> UpdateChecker::requestAddress() const {
 
 void UpdateChecker::finish(const HttpResult& result) {
     if (const auto* failure = std::get_if<HttpFailure>(&result)) {
-        state_.set(Failed{failure->description});
+        state_.set(Failed{Phrase::verbatim(failure->description)});
         return;
     }
     const auto& response = std::get<HttpResponse>(result);
     if (response.status < 200 || response.status > 299) {
-        state_.set(Failed{fmt::format("The update server replied with {}.", response.status)});
+        state_.set(Failed{
+            {translatable("Ferrowyn", "The update server replied with %1."), {std::to_string(response.status)}}});
         return;
     }
     auto manifest = parseManifest(response.body);
     if (const auto* error = std::get_if<UpdateError>(&manifest)) {
-        state_.set(Failed{std::string(description(*error))});
+        state_.set(Failed{{description(*error), {}}});
         return;
     }
     accept(std::get<Release>(std::move(manifest)));

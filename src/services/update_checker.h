@@ -5,6 +5,7 @@
 #include <string_view>
 #include <variant>
 
+#include "core/phrase.h"
 #include "core/published.h"
 #include "core/subscription.h"
 #include "platform/http_client.h"
@@ -43,11 +44,13 @@ public:
 
         friend bool operator==(const UpdateAvailable&, const UpdateAvailable&) = default;
     };
-    /// The last check failed; the text is for the user as it stands.
+    /// The last check failed; the text is for the user as it stands. Two are equal when they say the same.
     struct Failed {
-        std::string text;
+        Phrase text;
 
-        friend bool operator==(const Failed&, const Failed&) = default;
+        friend bool operator==(const Failed& a, const Failed& b) {
+            return a.text.untranslated() == b.text.untranslated();
+        }
     };
     /// No check has run yet.
     struct Idle {

@@ -9,7 +9,8 @@ namespace ferrowyn {
 
 namespace {
 
-class AccessibleChoiceBox final : public QAccessibleWidget {
+/// What is chosen as a text that can be read, for there is no other way to tell screen readers on Linux of it.
+class AccessibleChoiceBox final : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     explicit AccessibleChoiceBox(ChoiceBox& box) : QAccessibleWidget(&box, QAccessible::ComboBox), box_(box) {}
 
@@ -24,6 +25,29 @@ public:
     QString text(QAccessible::Text kind) const override {
         return kind == QAccessible::Value ? box_.currentText() : QAccessibleWidget::text(kind);
     }
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::TextInterface ? static_cast<QAccessibleTextInterface*>(this)
+                                                  : QAccessibleWidget::interface_cast(type);
+    }
+    QString text(int start, int end) const override { return box_.currentText().mid(start, end - start); }
+    int characterCount() const override { return static_cast<int>(box_.currentText().size()); }
+    QRect characterRect(int /*offset*/) const override { return rect(); }
+    int offsetAtPoint(const QPoint& /*point*/) const override { return 0; }
+    QString attributes(int /*offset*/, int* start, int* end) const override {
+        *start = 0;
+        *end = characterCount();
+        return {};
+    }
+    // Nothing of it can be selected, and it has no cursor.
+    int selectionCount() const override { return 0; }
+    void selection(int /*index*/, int* start, int* end) const override { *start = *end = 0; }
+    void addSelection(int /*start*/, int /*end*/) override {}
+    void removeSelection(int /*index*/) override {}
+    void setSelection(int /*index*/, int /*start*/, int /*end*/) override {}
+    int cursorPosition() const override { return 0; }
+    void setCursorPosition(int /*position*/) override {}
+    void scrollToSubstring(int /*start*/, int /*end*/) override {}
 
     QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();

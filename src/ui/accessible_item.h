@@ -3,13 +3,15 @@
 #include <QAccessible>
 #include <compare>
 
+#include "ui/accessible_leaf.h"
+
 namespace ferrowyn {
 
 class SwitcherView;
 
 /// A row, a group header, or what stands in the place of rows, as assistive technology sees it. It is no object of its
 /// own: it reads the view whenever it is asked. Main thread.
-class AccessibleItem final : public QAccessibleInterface, public QAccessibleActionInterface {
+class AccessibleItem final : public AccessibleLeaf {
 public:
     enum class Kind { row, header, message };
     struct Key {
@@ -24,14 +26,8 @@ public:
     [[nodiscard]] const Key& key() const { return key_; }
 
     [[nodiscard]] bool isValid() const override;
-    [[nodiscard]] QObject* object() const override { return nullptr; }
     [[nodiscard]] QAccessibleInterface* parent() const override;
-    [[nodiscard]] QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
-    [[nodiscard]] QAccessibleInterface* childAt(int /*x*/, int /*y*/) const override { return nullptr; }
-    [[nodiscard]] int childCount() const override { return 0; }
-    [[nodiscard]] int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }
     [[nodiscard]] QString text(QAccessible::Text kind) const override;
-    void setText(QAccessible::Text /*kind*/, const QString& /*text*/) override {}
     [[nodiscard]] QRect rect() const override;
     [[nodiscard]] QAccessible::Role role() const override;
     [[nodiscard]] QAccessible::State state() const override;

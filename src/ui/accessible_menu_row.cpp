@@ -2,9 +2,11 @@
 
 #include <QStringList>
 
+#include "core/text_table.h"
 #include "ui/display_text.h"
 #include "ui/menu_row_view.h"
 #include "ui/status_menu_popup.h"
+#include "ui/translated.h"
 
 namespace ferrowyn {
 
@@ -15,10 +17,10 @@ bool isCheckable(const MenuRow& row) {
     return row.action == MenuRow::Action::selectLayout || row.action == MenuRow::Action::toggleLaunchAtLogin;
 }
 
-QString nameOf(const MenuRow& row) {
+QString nameOf(const MenuRow& row, const StatusItemTexts& texts) {
     switch (row.kind) {
         case MenuRow::Kind::header:
-            return QStringLiteral("Settings");
+            return translated(texts.settingsButton);
         case MenuRow::Kind::separator:
             return {};
         case MenuRow::Kind::sectionTitle:
@@ -53,7 +55,7 @@ QString AccessibleMenuRow::text(QAccessible::Text kind) const {
     }
     const MenuRow& row = popup_.rowAt(index_);
     if (kind == QAccessible::Name) {
-        return nameOf(row);
+        return nameOf(row, popup_.texts().statusItem);
     }
     if (kind == QAccessible::Description) {
         return descriptionOf(row);
@@ -68,9 +70,8 @@ QRect AccessibleMenuRow::rect() const {
     if (!isValid()) {
         return {};
     }
-    const Rect row = popup_.rowRect(index_);
     const bool isHeader = popup_.rowAt(index_).kind == MenuRow::Kind::header;
-    const QRect local = toQt(isHeader ? MenuHeaderView::gearArea(row) : row).toAlignedRect();
+    const QRect local = toQt(isHeader ? popup_.gearRect(index_) : popup_.rowRect(index_)).toAlignedRect();
     return {popup_.mapToGlobal(local.topLeft()), local.size()};
 }
 

@@ -14,9 +14,9 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr int controlHeight = 26;
 constexpr int padding = 10;
 constexpr int arrowsWidth = 22;
+constexpr double arrowsSide = 8;
 constexpr double cornerRadius = 6;
 
 void paintArrows(QPainter& painter, const QPointF& middle, const QColor& color) {
@@ -66,7 +66,7 @@ QSize ChoiceBox::sizeHint() const {
     for (int index = 0; index < count(); ++index) {
         widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(index)) + 1);
     }
-    return {widest + 2 * padding + arrowsWidth, controlHeight};
+    return {widest + 2 * padding + arrowsWidth, control_painting::controlHeight(fontMetrics())};
 }
 
 bool ChoiceBox::event(QEvent* event) {
@@ -84,9 +84,11 @@ void ChoiceBox::paintEvent(QPaintEvent* /*event*/) {
     const WindowTheme theme = WindowTheme::current();
     control_painting::paintBox(painter, rect(), cornerRadius,
                                underMouse() ? theme.controlFillHovered : theme.controlFill, theme.controlEdge);
-    control_painting::paintText(painter, QRectF(padding, 0, width() - 2 * padding - arrowsWidth + 6, height()),
-                                currentText(), font(), theme.textPrimary);
-    paintArrows(painter, {width() - padding - 4.0, height() / 2.0}, theme.textSecondary);
+    const QRectF arrows(width() - padding - arrowsSide, (height() - arrowsSide) / 2, arrowsSide, arrowsSide);
+    const QRectF textRect(padding, 0, width() - 2 * padding - arrowsWidth + 6, height());
+    control_painting::paintText(painter, *this, control_painting::mirrored(*this, textRect), currentText(), font(),
+                                theme.textPrimary);
+    paintArrows(painter, control_painting::mirrored(*this, arrows).center(), theme.textSecondary);
     if (control_painting::showsFocus(*this)) {
         constexpr double inset = 3;
         control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),

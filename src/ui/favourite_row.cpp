@@ -27,12 +27,13 @@ constexpr int buttonOverhang = 5;
 
 }  // namespace
 
-FavouriteRow::FavouriteRow(const std::string& name, std::shared_ptr<const IconImage> icon, const WindowTexts& texts)
-    : name_(display_text::singleLine(name)), icon_(std::move(icon)) {
+FavouriteRow::FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts)
+    : name_(display_text::singleLine(name)), loadIcon_(std::move(loadIcon)) {
     remove_ = new WindowButton(translated(settings_lines::removeHelp(name_.toStdString(), texts)), "minus.circle.fill");
     auto* const line = new QHBoxLayout(this);
     // The symbol in the button stands as far from the edge as the switches do.
-    line->setContentsMargins(0, 0, group_metrics::rowInset - buttonOverhang, 0);
+    constexpr int behindButton = group_metrics::rowInset - buttonOverhang;
+    line->setContentsMargins(isRightToLeft() ? behindButton : 0, 0, isRightToLeft() ? 0 : behindButton, 0);
     line->addStretch();
     line->addWidget(remove_);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -41,13 +42,18 @@ FavouriteRow::FavouriteRow(const std::string& name, std::shared_ptr<const IconIm
 }
 
 QSize FavouriteRow::sizeHint() const {
-    return {0, group_metrics::rowHeight};
+    return {minimumSizeHint().width(), group_metrics::rowHeight};
 }
 
 QRectF FavouriteRow::nameRect() const {
     const double left = group_metrics::rowInset + iconSide + behindIcon;
-    const double right = remove_->x() - starSide - 2 * aroundStar;
+    const double right = starRect().left() - aroundStar;
     return {left, 0, right - left, static_cast<double>(height())};
+}
+
+QRectF FavouriteRow::starRect() const {
+    const QRectF button = control_painting::mirrored(*this, remove_->geometry());
+    return {button.left() - aroundStar - starSide, (height() - starSide) / 2, starSide, starSide};
 }
 
 void FavouriteRow::resizeEvent(QResizeEvent* event) {
@@ -63,11 +69,16 @@ void FavouriteRow::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const WindowTheme theme = WindowTheme::current();
     const double scale = painter.deviceTransform().m11();
-    const double middle = height() / 2.0;
+    if (loadIcon_) {
+        icon_ = std::exchange(loadIcon_, nullptr)();
+    }
     const QImage& image = icons_.image(icon_, static_cast<int>(std::lround(iconSide * scale)));
-    painter.drawImage(QRectF(group_metrics::rowInset, middle - iconSide / 2, iconSide, iconSide), image);
-    control_painting::paintText(painter, nameRect(), name_, fontFor(TextStyle::body), theme.textPrimary);
-    symbols_.paint(painter, "star.fill", remove_->x() - aroundStar - starSide / 2, middle, starSide, theme.favourite);
+    const QRectF iconRect(group_metrics::rowInset, (height() - iconSide) / 2, iconSide, iconSide);
+    painter.drawImage(control_painting::mirrored(*this, iconRect), image);
+    control_painting::paintText(painter, *this, control_painting::mirrored(*this, nameRect()), name_,
+                                fontFor(TextStyle::body), theme.textPrimary);
+    const QPointF star = control_painting::mirrored(*this, starRect()).center();
+    symbols_.paint(painter, "star.fill", star.x(), star.y(), starSide, theme.favourite);
 }
 
 }  // namespace ferrowyn

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -18,7 +19,10 @@ class FavouriteRow final : public QWidget {
     Q_OBJECT
 
 public:
-    FavouriteRow(const std::string& name, std::shared_ptr<const IconImage> icon, const WindowTexts& texts);
+    /// Loading may be slow: it is asked for once, when the row comes into sight.
+    using IconLoader = std::function<std::shared_ptr<const IconImage>()>;
+
+    FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts);
 
     [[nodiscard]] WindowButton& removeButton() { return *remove_; }
     [[nodiscard]] QSize sizeHint() const override;
@@ -28,9 +32,12 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    /// As they are when lines run from left to right.
     [[nodiscard]] QRectF nameRect() const;
+    [[nodiscard]] QRectF starRect() const;
 
     QString name_;
+    IconLoader loadIcon_;
     std::shared_ptr<const IconImage> icon_;
     WindowButton* remove_ = nullptr;
     IconImages icons_;

@@ -65,7 +65,8 @@ void FavouritesPane::showFavourites(const std::vector<std::string>& identifiers)
     rows_.clear();
     for (const auto& identifier : identifiers) {
         const std::string name = services_.favourites.displayName(identifier);
-        auto* const row = new FavouriteRow(name, icon(identifier, name), platform_.texts.windows);
+        auto* const row = new FavouriteRow(
+            name, [this, identifier, name] { return icon(identifier, name); }, platform_.texts.windows);
         connect(&row->removeButton(), &QAbstractButton::clicked, this,
                 [this, identifier] { services_.favourites.remove(identifier); });
         pinned_->addRow(row);

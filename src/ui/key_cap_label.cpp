@@ -13,6 +13,7 @@ namespace {
 
 constexpr int controlHeight = 22;
 constexpr int padding = 8;
+constexpr int aroundText = 4;
 constexpr double cornerRadius = 5;
 
 }  // namespace
@@ -24,7 +25,8 @@ KeyCapLabel::KeyCapLabel() {
 }
 
 QSize KeyCapLabel::sizeHint() const {
-    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * padding, controlHeight), controlHeight};
+    const int high = std::max(controlHeight, fontMetrics().height() + aroundText);
+    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * padding, high), high};
 }
 
 bool KeyCapLabel::event(QEvent* event) {

@@ -40,6 +40,10 @@ public:
     [[nodiscard]] std::optional<int> rowAt(const Point& point) const;
 
     [[nodiscard]] static double heightOf(MenuRow::Kind kind);
+    /// Where a piece of a row stands in a language that runs from right to left.
+    [[nodiscard]] static Rect mirrored(const Rect& row, const Rect& piece) {
+        return {row.minX() + row.maxX() - piece.maxX(), piece.y, piece.width, piece.height};
+    }
 
 private:
     double width_ = minimumWidth;

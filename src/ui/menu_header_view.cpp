@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "ui/display_text.h"
+#include "ui/menu_geometry.h"
 #include "ui/resources.h"
 
 namespace ferrowyn {
@@ -23,7 +24,8 @@ Rect textRect(const Rect& header, double top, double height) {
 void paintText(QPainter& painter, const std::string& text, TextStyle style, const Rect& rect, const QColor& color,
                const PaintContext& context) {
     const double baseline = context.lines.centredBaseline(style, rect.y, rect.height, context.devicePixelRatio);
-    context.lines.line(display_text::singleLine(text), style, rect.width).paint(painter, rect.x, baseline, color);
+    const TextLine& line = context.lines.line(display_text::singleLine(text), style, rect.width);
+    line.paint(painter, context.isRightToLeft ? rect.maxX() - line.width() : rect.x, baseline, color);
 }
 
 }  // namespace
@@ -55,8 +57,8 @@ Rect MenuHeaderView::subtitleRect(const Rect& header) {
     return textRect(header, top, height);
 }
 
-bool MenuHeaderView::pointerMoved(const Rect& header, const Point& point) {
-    const bool isInside = gearArea(header).contains(point);
+bool MenuHeaderView::pointerMoved(const Rect& gear, const Point& point) {
+    const bool isInside = gear.contains(point);
     return std::exchange(isHoveringGear_, isInside) != isInside;
 }
 
@@ -66,14 +68,17 @@ bool MenuHeaderView::pointerExited() {
 
 void MenuHeaderView::paint(QPainter& painter, const Rect& rect, const MenuHeader& header, bool hasKeyboard,
                            const MenuColors& colors, const PaintContext& context) {
-    icon_->render(&painter, toQt(iconRect(rect)));
-    paintText(painter, header.title, TextStyle::menuHeaderTitle, titleRect(rect), colors.label, context);
-    paintText(painter, header.subtitle, TextStyle::menuHeaderSubtitle, subtitleRect(rect),
+    const auto placed = [&](const Rect& piece) {
+        return context.isRightToLeft ? MenuGeometry::mirrored(rect, piece) : piece;
+    };
+    icon_->render(&painter, toQt(placed(iconRect(rect))));
+    paintText(painter, header.title, TextStyle::menuHeaderTitle, placed(titleRect(rect)), colors.label, context);
+    paintText(painter, header.subtitle, TextStyle::menuHeaderSubtitle, placed(subtitleRect(rect)),
               colors.tint(header.subtitleTint), context);
 
     constexpr double hoverInset = 1;
     constexpr double hoverRadius = 5;
-    const Rect gear = gearArea(rect);
+    const Rect gear = placed(gearArea(rect));
     if (isHoveringGear_ || hasKeyboard) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(hasKeyboard ? colors.selection : colors.gearHover);

@@ -27,14 +27,14 @@ public:
     MenuHeaderView(const MenuHeaderView&) = delete;
     MenuHeaderView& operator=(const MenuHeaderView&) = delete;
 
-    /// The parts within the header's rectangle, y growing downward.
+    /// The parts within the header's rectangle, y growing downward, where lines run from left to right.
     [[nodiscard]] static Rect iconRect(const Rect& header);
     [[nodiscard]] static Rect gearArea(const Rect& header);
     [[nodiscard]] static Rect titleRect(const Rect& header);
     [[nodiscard]] static Rect subtitleRect(const Rect& header);
 
-    /// The pointer moved to, or left; true when the picture has changed.
-    bool pointerMoved(const Rect& header, const Point& point);
+    /// The pointer moved to a point, or left; true when the picture has changed. The gear's area is as it is drawn.
+    bool pointerMoved(const Rect& gear, const Point& point);
     bool pointerExited();
     [[nodiscard]] bool isHoveringGear() const { return isHoveringGear_; }
 

@@ -29,6 +29,11 @@ void paintSeparator(QPainter& painter, const Rect& rect, const MenuColors& color
         colors.separator);
 }
 
+/// The left edge of a piece of a row, from the one that it has where lines run from left to right.
+double placeOf(const Rect& row, double left, double width, const PaintContext& context) {
+    return context.isRightToLeft ? MenuGeometry::mirrored(row, {left, row.y, width, row.height}).x : left;
+}
+
 }  // namespace
 
 QString MenuRowView::keyEquivalentText(const MenuRow& row, const TextTable& texts) {
@@ -66,10 +71,10 @@ void MenuRowView::paint(QPainter& painter, const Rect& rect, const MenuColors& c
         case MenuRow::Kind::sectionTitle: {
             const double baseline = context.lines.centredBaseline(TextStyle::menuSectionTitle, rect.y, rect.height,
                                                                   context.devicePixelRatio);
-            context.lines
-                .line(display_text::singleLine(row.title), TextStyle::menuSectionTitle,
-                      rect.width - 2 * MenuGeometry::inset)
-                .paint(painter, rect.x + MenuGeometry::inset, baseline, colors.tertiaryLabel);
+            const TextLine& line = context.lines.line(display_text::singleLine(row.title), TextStyle::menuSectionTitle,
+                                                      rect.width - 2 * MenuGeometry::inset);
+            const double left = placeOf(rect, rect.x + MenuGeometry::inset, line.width(), context);
+            line.paint(painter, left, baseline, colors.tertiaryLabel);
             return;
         }
         case MenuRow::Kind::item:
@@ -90,12 +95,13 @@ void MenuRowView::paintItem(QPainter& painter, const Rect& rect, const MenuColor
     const QColor text = isSelected ? colors.selectionText : label;
     const QColor note = isSelected ? colors.selectionTextSecondary : colors.tertiaryLabel;
     if (row.isChecked) {
-        context.symbols.paint(painter, "checkmark", rect.x + MenuGeometry::checkCenter, rect.midY(), checkSide, text);
+        context.symbols.paint(painter, "checkmark", placeOf(rect, rect.x + MenuGeometry::checkCenter, 0, context),
+                              rect.midY(), checkSide, text);
     }
     if (!row.symbol.empty()) {
         const QColor tint = row.symbolTint == MenuTint::label ? label : colors.tint(row.symbolTint);
-        context.symbols.paint(painter, row.symbol, rect.x + MenuGeometry::symbolCenter, rect.midY(),
-                              MenuGeometry::symbolSide, isSelected ? colors.selectionText : tint,
+        context.symbols.paint(painter, row.symbol, placeOf(rect, rect.x + MenuGeometry::symbolCenter, 0, context),
+                              rect.midY(), MenuGeometry::symbolSide, isSelected ? colors.selectionText : tint,
                               SymbolWeight::regular);
     }
 
@@ -104,16 +110,20 @@ void MenuRowView::paintItem(QPainter& painter, const Rect& rect, const MenuColor
     double right = rect.maxX() - MenuGeometry::inset;
     if (const QString keys = keyEquivalentText(row, context.texts); !keys.isEmpty()) {
         const TextLine& line = context.lines.line(keys, TextStyle::menuItem, anyWidth);
-        line.paint(painter, right - line.width(), baseline, note);
+        line.paint(painter, placeOf(rect, right - line.width(), line.width(), context), baseline, note);
         right -= line.width() + keyGap;
     }
     const double left = rect.x + MenuGeometry::titleLeft;
     const TextLine& title =
         context.lines.line(display_text::singleLine(row.title), TextStyle::menuItem, std::max(right - left, 0.0));
     const double titleEnd = left + title.width();
-    title.paint(painter, left, baseline, text);
+    title.paint(painter, placeOf(rect, left, title.width(), context), baseline, text);
     if (const QString suffix = suffixText(); !suffix.isEmpty() && titleEnd < right) {
-        context.lines.line(suffix, TextStyle::menuItem, right - titleEnd).paint(painter, titleEnd, baseline, note);
+        // The spaces stand before it, which is the wrong side where the title stands behind it.
+        const double bareWidth = context.lines.line(suffix.trimmed(), TextStyle::menuItem, anyWidth).width();
+        const TextLine& line = context.lines.line(suffix, TextStyle::menuItem, right - titleEnd);
+        const double spaces = context.isRightToLeft ? std::max(line.width() - bareWidth, 0.0) : 0;
+        line.paint(painter, placeOf(rect, titleEnd, line.width(), context) - spaces, baseline, note);
     }
 }
 

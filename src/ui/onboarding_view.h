@@ -18,8 +18,8 @@ class OnboardingView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `onDone` closes the setup window. `makeReport` describes this desktop for a bug report; without it nothing
-    /// offers to copy one.
+    /// `onDone` closes the setup window. `makeReport` describes this desktop for a bug report, on a worker thread;
+    /// without it nothing offers to copy one.
     OnboardingView(const Platform& platform, AccessibilityAuthorizer& authorizer, const Preferences& preferences,
                    std::function<void()> onDone, std::function<std::string()> makeReport = nullptr);
     ~OnboardingView() override;

@@ -19,6 +19,8 @@ struct PaintContext {
     SymbolImages& symbols;
     IconImages& icons;
     double devicePixelRatio = 1;
+    /// Of the language, for what stands at its lines' beginnings and ends.
+    bool isRightToLeft = false;
 };
 
 [[nodiscard]] inline QRectF toQt(const Rect& rect) {

@@ -3,7 +3,7 @@
 #include <QClipboard>
 #include <QGridLayout>
 #include <QGuiApplication>
-#include <QHBoxLayout>
+#include <QPointer>
 #include <QVBoxLayout>
 #include <string_view>
 #include <utility>
@@ -11,8 +11,11 @@
 #include "core/text_table.h"
 #include "core/window_presentation.h"
 #include "platform/application.h"
+#include "platform/background_work.h"
+#include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "services/accessibility_authorizer.h"
+#include "ui/flow_layout.h"
 #include "ui/settings_group.h"
 #include "ui/text_label.h"
 #include "ui/window_button.h"
@@ -23,10 +26,26 @@ namespace {
 
 constexpr int betweenParagraphs = 8;
 constexpr int betweenSteps = 6;
-constexpr int behindNumber = 6;
+/// The steps' texts stand under the titles, their numbers under the symbols.
+constexpr int numberWidth = 16;
+constexpr int behindNumber = 9;
 constexpr int aboveButtons = 8;
 constexpr int betweenButtons = 8;
 constexpr int belowTitle = 4;
+
+/// On a worker thread: a report asks the session bus, which may take its time. Until it is there the button is off.
+void copyReport(const Platform& platform, QAbstractButton& button, const std::function<std::string()>& makeReport) {
+    button.setEnabled(false);
+    platform.backgroundWork.run(
+        [makeReport, &mainLoop = platform.mainLoop, button = QPointer<QAbstractButton>(&button)] {
+            mainLoop.post([report = makeReport(), button] {
+                QGuiApplication::clipboard()->setText(QString::fromStdString(report));
+                if (button != nullptr) {
+                    button->setEnabled(true);
+                }
+            });
+        });
+}
 
 QWidget* makeSteps(const WindowTexts::Onboarding& words) {
     auto* const steps = new QWidget;
@@ -34,6 +53,7 @@ QWidget* makeSteps(const WindowTexts::Onboarding& words) {
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(betweenSteps);
     grid->setHorizontalSpacing(behindNumber);
+    grid->setColumnMinimumWidth(0, numberWidth);
     grid->setColumnStretch(1, 1);
     int row = 0;
     for (const std::string_view step : {words.firstStep, words.secondStep, words.thirdStep}) {
@@ -92,25 +112,27 @@ QWidget* RequiredState::makeButtons(const Platform& platform, AccessibilityAutho
                                     std::function<std::string()> makeReport) {
     const WindowTexts::Onboarding& words = platform.texts.windows.onboarding;
     auto* const buttons = new QWidget;
-    auto* const line = new QHBoxLayout(buttons);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(betweenButtons);
+    auto* const line = new FlowLayout(betweenButtons);
+    buttons->setLayout(line);
     const auto add = [this, line](std::string_view text, std::function<void()> action) {
         const auto look = line->count() == 0 ? WindowButton::Look::primary : WindowButton::Look::standard;
         auto* const button = new WindowButton({text, {}}, look);
         line->addWidget(button);
-        connect(button, &QAbstractButton::clicked, this, std::move(action));
+        if (action) {
+            connect(button, &QAbstractButton::clicked, this, std::move(action));
+        }
+        return button;
     };
     if (!words.openSystemSettings.empty()) {
         add(words.openSystemSettings, [&authorizer] { authorizer.openAccessibilitySettings(); });
     }
     add(words.requestAccess, [&authorizer] { authorizer.requestTrust(); });
     if (!words.copyReport.empty() && makeReport) {
-        add(words.copyReport,
-            [make = std::move(makeReport)] { QGuiApplication::clipboard()->setText(QString::fromStdString(make())); });
+        auto* const button = add(words.copyReport, nullptr);
+        connect(button, &QAbstractButton::clicked, this,
+                [&platform, button, make = std::move(makeReport)] { copyReport(platform, *button, make); });
     }
     add(words.revealApp, [&application = platform.application] { application.revealInFileManager(); });
-    line->addStretch();
     return buttons;
 }
 

@@ -12,7 +12,7 @@ namespace ferrowyn {
 namespace {
 
 constexpr int controlHeight = 58;
-constexpr int narrowest = 96;
+constexpr int usualWidth = 96;
 constexpr int padding = 14;
 constexpr double cornerRadius = 7;
 constexpr double symbolSide = 20;
@@ -30,7 +30,13 @@ SegmentButton::SegmentButton(std::string_view symbol, const Phrase& title)
 }
 
 QSize SegmentButton::sizeHint() const {
-    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * padding, narrowest), controlHeight};
+    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * padding, usualWidth),
+            controlHeight + static_cast<int>(std::max(fontMetrics().height() - titleHeight, 0.0))};
+}
+
+QSize SegmentButton::minimumSizeHint() const {
+    constexpr int narrowestPadding = 8;
+    return {fontMetrics().horizontalAdvance(text()) + 2 * narrowestPadding, sizeHint().height()};
 }
 
 bool SegmentButton::event(QEvent* event) {
@@ -57,7 +63,8 @@ void SegmentButton::paintEvent(QPaintEvent* /*event*/) {
     symbols_.paint(painter, symbol_, width() / 2.0, symbolCentre, symbolSide, ink, SymbolWeight::regular);
     painter.setFont(font());
     painter.setPen(ink);
-    painter.drawText(QRectF(0, titleTop, width(), titleHeight), Qt::AlignCenter | Qt::TextSingleLine, text());
+    painter.drawText(QRectF(0, titleTop, width(), std::max(titleHeight, fontMetrics().height() + 0.0)),
+                     Qt::AlignCenter | Qt::TextSingleLine, text());
     if (control_painting::showsFocus(*this)) {
         constexpr double inset = 4;
         WindowTheme ring = theme;

@@ -17,7 +17,7 @@ public:
     SegmentButton(std::string_view symbol, const Phrase& title);
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+    [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] const std::string& symbol() const { return symbol_; }
 
 protected:

@@ -39,12 +39,15 @@ QWidget* SettingsGroup::addInsetRow(QWidget* row) {
     inside->setContentsMargins(group_metrics::rowInset, group_metrics::rowPadding, group_metrics::rowInset,
                                group_metrics::rowPadding);
     inside->addWidget(row);
+    frame->setMinimumHeight(group_metrics::rowHeight);
     addRow(frame);
     return frame;
 }
 
 QWidget* SettingsGroup::addRow(QWidget* text, QWidget* control) {
     constexpr int aboveControl = 7;
+    constexpr int narrowestText = 140;
+    text->setMinimumWidth(narrowestText);
     auto* const row = new QWidget;
     auto* const line = new QHBoxLayout(row);
     line->setContentsMargins(group_metrics::rowInset, aboveControl, group_metrics::rowInset, aboveControl);

@@ -27,7 +27,7 @@ std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const 
                           {texts.settings.updateAvailable, {available->release.version.original()}}};
     }
     if (const auto* const failed = std::get_if<UpdateChecker::Failed>(&state)) {
-        return StatusLine{attentionSymbol, Tint::attention, Phrase::verbatim(failed->text)};
+        return StatusLine{attentionSymbol, Tint::attention, failed->text};
     }
     return StatusLine{"", Tint::none, {texts.settings.notChecked, {}}};
 }
@@ -43,8 +43,8 @@ StatusLine secureInputStatus(const WindowTexts& texts) {
     return {"keyboard.badge.ellipsis", StatusLine::Tint::attention, {texts.settings.secureInput, {}}};
 }
 
-StatusLine loginItemMessage(const std::string& message) {
-    return {attentionSymbol, StatusLine::Tint::attention, Phrase::verbatim(message)};
+StatusLine loginItemMessage(std::string_view message) {
+    return {attentionSymbol, StatusLine::Tint::attention, {message, {}}};
 }
 
 std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts) {

@@ -30,7 +30,8 @@ struct StatusLine {
 [[nodiscard]] std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts);
 [[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, const WindowTexts& texts);
 [[nodiscard]] StatusLine secureInputStatus(const WindowTexts& texts);
-[[nodiscard]] StatusLine loginItemMessage(const std::string& message);
+/// The line's text is a view of the message, which is looked up like any text: most come from the table of texts.
+[[nodiscard]] StatusLine loginItemMessage(std::string_view message);
 
 [[nodiscard]] std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts);
 /// The modifier's name followed by " + Tab".

@@ -1,8 +1,10 @@
 #include "ui/settings_pane_view.h"
 
+#include <QEvent>
 #include <QVBoxLayout>
 #include <utility>
 
+#include "ui/accessible_roles.h"
 #include "ui/settings_group.h"
 #include "ui/text_label.h"
 #include "ui/thin_scroll_bar.h"
@@ -42,7 +44,21 @@ SettingsPaneView::SettingsPaneView(const Phrase& title) {
     setWidget(form);
     // The area would have it filled in the palette's own colour.
     form->setAutoFillBackground(false);
+    setAccessibleRole(*this, QAccessible::Pane);
     setAccessibleName(translated(title));
+}
+
+QSize SettingsPaneView::minimumSizeHint() const {
+    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(),
+            QScrollArea::minimumSizeHint().height()};
+}
+
+bool SettingsPaneView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+        // A control has come or gone, and the area asks for nothing by itself.
+        updateGeometry();
+    }
+    return QScrollArea::eventFilter(watched, event);
 }
 
 SettingsGroup& SettingsPaneView::addGroup() {

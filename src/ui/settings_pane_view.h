@@ -19,7 +19,12 @@ class SettingsPaneView : public QScrollArea {
 public:
     explicit SettingsPaneView(const Phrase& title);
 
+    /// Wide enough for every control: what does not fit in height scrolls, what does not fit in width would be lost.
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
     SettingsGroup& addGroup();
     /// The section's title stands over the box and names it.
     SettingsGroup& addGroup(const Phrase& sectionTitle);

@@ -1,8 +1,11 @@
 #include "ui/settings_sidebar.h"
 
+#include <QEvent>
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 #include "ui/control_painting.h"
@@ -22,6 +25,7 @@ constexpr double cornerRadius = 6;
 constexpr double symbolCentre = 18;
 constexpr double symbolSide = 16;
 constexpr double textLeft = 35;
+constexpr double textRight = 8;
 
 SettingsPane paneAt(int row) {
     return allSettingsPanes[static_cast<std::size_t>(std::max(row, 0))];
@@ -31,8 +35,10 @@ class RowDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& /*option*/, const QModelIndex& /*index*/) const override {
-        return {SettingsSidebar::barWidth - 2 * sideMargin, rowHeight};
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& /*index*/) const override {
+        constexpr int aroundText = 12;
+        return {SettingsSidebar::barWidth - 2 * sideMargin,
+                std::max(rowHeight, option.fontMetrics.height() + aroundText)};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
@@ -52,10 +58,13 @@ public:
             painter->drawRoundedRect(row, cornerRadius, cornerRadius);
         }
         const QColor ink = isActive ? theme.accentText : theme.textPrimary;
-        symbols_.paint(*painter, symbol(paneAt(index.row())), row.left() + symbolCentre, row.center().y(), symbolSide,
-                       ink, SymbolWeight::regular);
-        control_painting::paintText(*painter, row.adjusted(textLeft, 0, -cornerRadius, 0),
-                                    index.data(Qt::DisplayRole).toString(), list.font(), ink);
+        const bool isMirrored = list.isRightToLeft();
+        symbols_.paint(*painter, symbol(paneAt(index.row())),
+                       isMirrored ? row.right() - symbolCentre : row.left() + symbolCentre, row.center().y(),
+                       symbolSide, ink, SymbolWeight::regular);
+        const QRectF textRect =
+            isMirrored ? row.adjusted(textRight, 0, -textLeft, 0) : row.adjusted(textLeft, 0, -textRight, 0);
+        control_painting::paintText(*painter, list, textRect, index.data(Qt::DisplayRole).toString(), list.font(), ink);
         if (isSelected && control_painting::showsFocus(list)) {
             constexpr double inset = 4;
             WindowTheme ring = theme;
@@ -77,7 +86,6 @@ SettingsSidebar::SettingsSidebar(const WindowTexts& texts) {
         addItem(translated(title(pane, texts)));
     }
     setItemDelegate(new RowDelegate(this));
-    setFixedWidth(barWidth);
     setFrameShape(QFrame::NoFrame);
     setViewportMargins(sideMargin, topMargin, sideMargin, 0);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -97,6 +105,13 @@ void SettingsSidebar::adopt() {
     own.setColor(QPalette::Base, Qt::transparent);
     own.setColor(QPalette::Window, Qt::transparent);
     setPalette(own);
+
+    double widest = 0;
+    for (int row = 0; row < count(); ++row) {
+        widest = std::max(widest, QFontMetricsF(font()).horizontalAdvance(item(row)->text()));
+    }
+    const int needed = static_cast<int>(std::ceil(widest + textLeft + textRight)) + 2 * sideMargin;
+    setFixedWidth(std::clamp(needed, barWidth, widestBar));
 }
 
 SettingsPane SettingsSidebar::selection() const {

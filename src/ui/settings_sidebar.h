@@ -11,7 +11,9 @@ class SettingsSidebar final : public QListWidget {
     Q_OBJECT
 
 public:
+    /// Longer titles make it wider, up to a point.
     static constexpr int barWidth = 190;
+    static constexpr int widestBar = 280;
 
     explicit SettingsSidebar(const WindowTexts& texts);
 

@@ -41,7 +41,6 @@ SettingsView::SettingsView(const Platform& platform, const SettingsServices& ser
     line->setSpacing(1);
     line->addWidget(sidebar_);
     line->addWidget(panes_, 1);
-    setMinimumSize(leastSize);
     connect(sidebar_, &QListWidget::currentRowChanged, panes_, &QStackedWidget::setCurrentIndex);
     setFocusProxy(sidebar_);
 }
@@ -57,17 +56,23 @@ void SettingsView::select(SettingsPane pane) {
 }
 
 QSize SettingsView::sizeHint() const {
-    return firstSize;
+    return firstSize.expandedTo(minimumSizeHint());
+}
+
+QSize SettingsView::minimumSizeHint() const {
+    // The panes scroll downward only.
+    return leastSize.expandedTo(layout()->minimumSize());
 }
 
 void SettingsView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const WindowTheme theme = WindowTheme::current();
     painter.fillRect(rect(), theme.ground);
-    const int edge = sidebar_->geometry().right() + 1;
-    painter.fillRect(QRect(0, 0, edge, height()), theme.sidebar);
+    const QRectF sidebar(sidebar_->x(), 0, sidebar_->width(), height());
+    painter.fillRect(sidebar, theme.sidebar);
     const double hairline = 1 / painter.deviceTransform().m11();
-    painter.fillRect(QRectF(edge, 0, hairline, height()), theme.hairline);
+    painter.fillRect(QRectF(isRightToLeft() ? sidebar.left() - hairline : sidebar.right(), 0, hairline, height()),
+                     theme.hairline);
 }
 
 }  // namespace ferrowyn

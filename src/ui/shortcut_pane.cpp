@@ -1,5 +1,6 @@
 #include "ui/shortcut_pane.h"
 
+#include <QAbstractItemView>
 #include <QWidget>
 #include <algorithm>
 #include <cstddef>
@@ -33,6 +34,7 @@ void ShortcutPane::addTrigger(const TextTable& texts, Preferences& preferences) 
     }
     label->setBuddy(choice);
     choice->setAccessibleName(label->text());
+    choice->view()->setAccessibleName(label->text());
     group.addRow(label, choice);
     auto* const note = new TextLabel({words.settings.commandReplacesNote, {}}, TextStyle::note, Tone::secondary);
     QWidget* const noteFrame = group.addNote(note);

@@ -46,7 +46,7 @@ void StatusItemController::configureButton() {
     const auto health = appearance(healthState(services_), texts_.statusItem);
     statusItem_.setButton({.symbol = std::string(health.buttonSymbol),
                            .tooltip = translate_({health.texts.tooltip, {}}),
-                           .accessibilityLabel = "Ferrowyn"});
+                           .accessibilityLabel = translate_({texts_.statusItem.programName, {}})});
 }
 
 void StatusItemController::buildMenu() {

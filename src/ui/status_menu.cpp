@@ -8,6 +8,7 @@
 
 #include "app/app_services.h"
 #include "core/text_table.h"
+#include "core/window_presentation.h"
 #include "services/launch_at_login_service.h"
 #include "services/update_checker.h"
 #include "ui/health_state.h"
@@ -27,18 +28,6 @@ MenuRow withKey(MenuRow row, std::string_view key) {
     return row;
 }
 
-std::string_view symbolOf(SwitcherLayout layout) {
-    switch (layout) {
-        case SwitcherLayout::list:
-            return "list.bullet";
-        case SwitcherLayout::grouped:
-            return "list.bullet.indent";
-        case SwitcherLayout::grid:
-            return "square.grid.3x2";
-    }
-    return {};
-}
-
 /// Makes the rows, each from the services as they are now.
 class MenuMaker {
 public:
@@ -47,7 +36,7 @@ public:
 
     void addHeader(const HealthAppearance& health, bool isReady) {
         menu.push_back({.kind = MenuRow::Kind::header,
-                        .header = {.title = "Ferrowyn",
+                        .header = {.title = say(texts_.programName),
                                    .subtitle = say(health.texts.subtitle),
                                    .subtitleTint = isReady ? MenuTint::secondaryLabel : MenuTint::orange},
                         .action = Action::openSettings});
@@ -79,7 +68,7 @@ public:
     void addLayouts() {
         menu.push_back({.kind = MenuRow::Kind::sectionTitle, .title = say(texts_.layoutSection), .isEnabled = false});
         for (const auto layout : allSwitcherLayouts) {
-            auto row = item(say(title(layout)), symbolOf(layout), Action::selectLayout);
+            auto row = item(say(title(layout)), WindowPresentation::layoutSymbol(layout), Action::selectLayout);
             row.representedValue = rawValue(layout);
             row.isChecked = layout == services_.preferences().layout.get();
             menu.push_back(std::move(row));

@@ -9,10 +9,12 @@
 #include <cmath>
 #include <utility>
 
+#include "core/text_table.h"
 #include "ui/accessible_status_menu.h"
 #include "ui/display_text.h"
 #include "ui/menu_placement.h"
 #include "ui/menu_row_view.h"
+#include "ui/translated.h"
 
 namespace ferrowyn {
 
@@ -45,8 +47,9 @@ StatusMenuPopup::StatusMenuPopup(StatusMenu menu, const TextTable& texts, bool i
       texts_(texts),
       isTranslucent_(isTranslucent) {
     installStatusMenuAccessibility();
-    setWindowTitle(QStringLiteral("Ferrowyn"));
-    setAccessibleName(QStringLiteral("Ferrowyn"));
+    const auto name = translated(texts_.statusItem.programName);
+    setWindowTitle(name);
+    setAccessibleName(name);
     setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu);
     setAttribute(isTranslucent_ ? Qt::WA_TranslucentBackground : Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
@@ -165,6 +168,12 @@ Rect StatusMenuPopup::rowRect(int index) const {
     return rect;
 }
 
+Rect StatusMenuPopup::gearRect(int header) const {
+    const Rect row = rowRect(header);
+    const Rect gear = MenuHeaderView::gearArea(row);
+    return isRightToLeft() ? MenuGeometry::mirrored(row, gear) : gear;
+}
+
 std::optional<int> StatusMenuPopup::rowUnder(const QPointF& position) const {
     return geometry_.rowAt({position.x(), position.y() + scroll_});
 }
@@ -186,7 +195,7 @@ void StatusMenuPopup::scrollToSelection() {
 }
 
 PaintContext StatusMenuPopup::paintContext(double devicePixelRatio) {
-    return {theme_, texts_, lines_, symbols_, icons_, devicePixelRatio};
+    return {theme_, texts_, lines_, symbols_, icons_, devicePixelRatio, isRightToLeft()};
 }
 
 void StatusMenuPopup::paintEvent(QPaintEvent* /*event*/) {

@@ -40,6 +40,8 @@ public:
     [[nodiscard]] const MenuGeometry& geometryNow() const { return geometry_; }
     /// Where the row is now: on a screen that is too small for the menu, it scrolls.
     [[nodiscard]] Rect rowRect(int index) const;
+    /// Where a header's gear is now.
+    [[nodiscard]] Rect gearRect(int header) const;
     [[nodiscard]] std::optional<int> rowUnder(const QPointF& position) const;
     [[nodiscard]] const MenuColors& colors() const { return colors_; }
     [[nodiscard]] const TextTable& texts() const { return texts_; }

@@ -51,11 +51,14 @@ void StatusMenuPopup::hideEvent(QHideEvent* event) {
 }
 
 /// A tray that tells of the press while the button is down still holds the pointer, and no event says when it lets go.
-/// Without the pointer a click elsewhere would not close the menu, and without the keyboard no key would reach it.
+/// Without the pointer a click elsewhere would not close the menu, and without the keyboard no key would reach it. Who
+/// keeps the keyboard to himself, as a password prompt does, need not be in the way of the pointer.
 void StatusMenuPopup::takeInput() {
     QWindow* const window = windowHandle();
     const bool isLast = --inputRetriesLeft_ <= 0;
-    if (isLast || window == nullptr || (window->setKeyboardGrabEnabled(true) && window->setMouseGrabEnabled(true))) {
+    const bool hasPointer = window != nullptr && window->setMouseGrabEnabled(true);
+    const bool hasKeyboard = window != nullptr && window->setKeyboardGrabEnabled(true);
+    if (isLast || window == nullptr || (hasPointer && hasKeyboard)) {
         inputTimer_.stop();
     }
 }
@@ -71,7 +74,7 @@ void StatusMenuPopup::pointTo(const QPointF& position) {
     const auto under = rowUnder(position);
     bool isChanged = false;
     if (under && rowAt(*under).kind == MenuRow::Kind::header) {
-        isChanged = header_.pointerMoved(rowRect(*under), {position.x(), position.y()});
+        isChanged = header_.pointerMoved(gearRect(*under), {position.x(), position.y()});
     } else {
         isChanged = header_.pointerExited();
     }
@@ -109,7 +112,7 @@ void StatusMenuPopup::mouseReleaseEvent(QMouseEvent* event) {
     }
     const Point point{event->position().x(), event->position().y()};
     const bool isHeader = rowAt(*under).kind == MenuRow::Kind::header;
-    if (!isHeader || MenuHeaderView::gearArea(rowRect(*under)).contains(point)) {
+    if (!isHeader || gearRect(*under).contains(point)) {
         choose(*under);
     }
 }

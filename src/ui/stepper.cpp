@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "ui/control_painting.h"
 #include "ui/text_style.h"
@@ -11,9 +12,9 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr int controlHeight = 26;
 constexpr int buttonWidth = 28;
 constexpr int numberWidth = 32;
+constexpr int aroundNumber = 6;
 constexpr double cornerRadius = 6;
 constexpr double disabledOpacity = 0.35;
 
@@ -34,7 +35,9 @@ Stepper::Stepper(int minimum, int maximum) {
 }
 
 QSize Stepper::sizeHint() const {
-    return {2 * buttonWidth + numberWidth, controlHeight};
+    const int digits = fontMetrics().horizontalAdvance(QString::number(maximum()));
+    return {2 * buttonWidth + std::max(numberWidth, digits + 2 * aroundNumber),
+            control_painting::controlHeight(fontMetrics())};
 }
 
 bool Stepper::event(QEvent* event) {
@@ -75,8 +78,8 @@ void Stepper::paintEvent(QPaintEvent* /*event*/) {
     paintPart(painter, Part::more);
     painter.setOpacity(1);
     const double line = 1 / painter.deviceTransform().m11();
-    painter.fillRect(QRectF(buttonWidth, line, line, controlHeight - 2 * line), theme.hairline);
-    painter.fillRect(QRectF(width() - buttonWidth, line, line, controlHeight - 2 * line), theme.hairline);
+    painter.fillRect(QRectF(buttonWidth, line, line, height() - 2 * line), theme.hairline);
+    painter.fillRect(QRectF(width() - buttonWidth, line, line, height() - 2 * line), theme.hairline);
     painter.setFont(font());
     painter.setPen(theme.textPrimary);
     painter.drawText(rect(), Qt::AlignCenter, text());

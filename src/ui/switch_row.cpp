@@ -38,9 +38,12 @@ QSize SwitchRow::minimumSizeHint() const {
     return {narrowestText + beforeSwitch + switchWidth + 2 * group_metrics::rowInset, group_metrics::rowHeight};
 }
 
+int SwitchRow::textWidth(int width) const {
+    return width - 2 * group_metrics::rowInset - switchWidth - beforeSwitch;
+}
+
 int SwitchRow::textHeight(int width) const {
-    const int room = width - 2 * group_metrics::rowInset - switchWidth - beforeSwitch;
-    return fontMetrics().boundingRect(QRect(0, 0, room, 1), Qt::TextWordWrap, text()).height();
+    return fontMetrics().boundingRect(QRect(0, 0, textWidth(width), 1), Qt::TextWordWrap, text()).height();
 }
 
 int SwitchRow::heightForWidth(int width) const {
@@ -57,8 +60,9 @@ bool SwitchRow::event(QEvent* event) {
 }
 
 QRectF SwitchRow::switchRect() const {
-    return {static_cast<double>(width() - group_metrics::rowInset - switchWidth),
-            std::round((height() - switchHeight) / 2.0), switchWidth, switchHeight};
+    const QRectF atTheEnd(width() - group_metrics::rowInset - switchWidth, std::round((height() - switchHeight) / 2.0),
+                          switchWidth, switchHeight);
+    return control_painting::mirrored(*this, atTheEnd);
 }
 
 void SwitchRow::paintEvent(QPaintEvent* /*event*/) {
@@ -72,9 +76,9 @@ void SwitchRow::paintEvent(QPaintEvent* /*event*/) {
     const QRectF track = switchRect();
     painter.setFont(font());
     painter.setPen(theme.textPrimary);
-    painter.drawText(
-        QRectF(group_metrics::rowInset, 0, track.left() - beforeSwitch - group_metrics::rowInset, height()),
-        static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextWordWrap, text());
+    const QRectF textRect(group_metrics::rowInset, 0, textWidth(width()), height());
+    painter.drawText(control_painting::mirrored(*this, textRect),
+                     static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextWordWrap, text());
 
     QColor fill = isChecked() ? theme.accent : theme.switchOff;
     if (isDown()) {
@@ -82,7 +86,8 @@ void SwitchRow::paintEvent(QPaintEvent* /*event*/) {
     }
     control_painting::paintBox(painter, track, switchHeight / 2.0, fill, isChecked() ? fill : theme.switchOffEdge);
     const double side = switchHeight - 2 * knobInset;
-    const QRectF knob(isChecked() ? track.right() - knobInset - side : track.left() + knobInset,
+    const bool isAtTheRight = isChecked() != isRightToLeft();
+    const QRectF knob(isAtTheRight ? track.right() - knobInset - side : track.left() + knobInset,
                       track.top() + knobInset, side, side);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.switchKnob);

@@ -25,6 +25,8 @@ protected:
 
 private:
     [[nodiscard]] QRectF switchRect() const;
+    /// What a row of this width leaves for the text, and how high the text is then.
+    [[nodiscard]] int textWidth(int width) const;
     [[nodiscard]] int textHeight(int width) const;
 };
 

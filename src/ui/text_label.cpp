@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QPainter>
 
+#include "ui/control_painting.h"
 #include "ui/translated.h"
 
 namespace ferrowyn {
@@ -35,7 +36,9 @@ void TextLabel::setSymbol(std::string_view name, Tone tone, double side) {
     symbolTone_ = tone;
     symbolSide_ = side;
     QMargins margins = contentsMargins();
-    margins.setLeft(name.empty() ? 0 : static_cast<int>(side) + behindSymbol);
+    const int room = name.empty() ? 0 : static_cast<int>(side) + behindSymbol;
+    margins.setLeft(isRightToLeft() ? 0 : room);
+    margins.setRight(isRightToLeft() ? room : 0);
     setContentsMargins(margins);
     update();
 }
@@ -62,11 +65,15 @@ void TextLabel::paintEvent(QPaintEvent* event) {
         return;
     }
     QPainter painter(this);
-    // Beside the first line.
-    const double middle = contentsRect().height() > 2 * fontMetrics().height()
-                              ? contentsRect().top() + fontMetrics().height() / 2.0
-                              : contentsRect().center().y() + 0.5;
-    symbols_.paint(painter, symbol_, symbolSide_ / 2, middle, symbolSide_, WindowTheme::current().color(symbolTone_));
+    // Beside the first line of a text that stands in the middle of its place.
+    const QRectF room = contentsRect();
+    const double textHeight =
+        fontMetrics().boundingRect(contentsRect(), Qt::TextWordWrap | Qt::AlignLeft, text()).height();
+    const double middle = room.center().y() - textHeight / 2 + fontMetrics().height() / 2.0;
+    const QRectF place =
+        control_painting::mirrored(*this, QRectF(0, middle - symbolSide_ / 2, symbolSide_, symbolSide_));
+    symbols_.paint(painter, symbol_, place.center().x(), place.center().y(), symbolSide_,
+                   WindowTheme::current().color(symbolTone_));
 }
 
 }  // namespace ferrowyn

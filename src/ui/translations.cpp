@@ -1,6 +1,6 @@
 #include "ui/translations.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QStandardPaths>
 #include <QTranslator>
 #include <memory>
@@ -15,6 +15,9 @@ bool installTranslations(QCoreApplication& application, const QLocale& locale) {
         if (translator->load(locale, QStringLiteral("ferrowyn"), QStringLiteral("_"), folder)) {
             // The application keeps it, and takes it out when it ends.
             translator->setParent(&application);
+            const QString language = translator->language();
+            const QLocale spoken = language.isEmpty() ? locale : QLocale(language);
+            QGuiApplication::setLayoutDirection(spoken.textDirection());
             return QCoreApplication::installTranslator(translator.release());
         }
     }

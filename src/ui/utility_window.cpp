@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QCursor>
 #include <QGuiApplication>
+#include <QPainter>
 #include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -10,13 +11,24 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/accessible_roles.h"
+#include "ui/fitting_scroll_area.h"
+#include "ui/window_metrics.h"
+#include "ui/window_theme.h"
+
 namespace ferrowyn {
 
 UtilityWindow::UtilityWindow(std::unique_ptr<QWidget> content, bool isResizable) : QWidget(nullptr, Qt::Window) {
+    if (!isResizable) {
+        // Otherwise some managers offer to maximise what cannot grow.
+        setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                       Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+    }
+    setAccessibleRole(*this, QAccessible::Window);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(isResizable ? QLayout::SetMinimumSize : QLayout::SetFixedSize);
-    layout->addWidget(content.release());
+    layout->addWidget(isResizable ? content.release() : new FittingScrollArea(std::move(content)));
     auto closing = QKeySequence::keyBindings(QKeySequence::Close);
     closing.append(QKeySequence(Qt::Key_Escape));
     for (const QKeySequence& keys : std::as_const(closing)) {
@@ -38,12 +50,18 @@ void UtilityWindow::centre() {
     ensurePolished();
     layout()->activate();
     const QRect area = screen->availableGeometry();
+    // One that cannot be resized has fitted itself already.
+    resize(size().boundedTo(area.size() - QSize(0, window_metrics::titleBarHeight)));
     QRect place(QPoint(), size());
     place.moveCenter(area.center());
     // One that is larger than the screen shows its beginning.
     place.moveLeft(std::max(place.left(), area.left()));
     place.moveTop(std::max(place.top(), area.top()));
     move(place.topLeft());
+}
+
+void UtilityWindow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter(this).fillRect(rect(), WindowTheme::current().ground);
 }
 
 void UtilityWindow::closeEvent(QCloseEvent* event) {

@@ -6,8 +6,8 @@
 
 namespace ferrowyn {
 
-/// A top-level window around one content widget. It keeps to its content's size where it is not resizable, closes on
-/// Escape and the desktop's shortcut for closing, and tells before it goes. Main thread.
+/// A top-level window around one content widget. It keeps to its content's size where it is not resizable, as far as
+/// the screen has room, closes on Escape and the desktop's shortcut for closing, and tells before it goes. Main thread.
 class UtilityWindow final : public QWidget {
     Q_OBJECT
 
@@ -24,6 +24,7 @@ public:
     void centre();
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -11,7 +11,6 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr int controlHeight = 26;
 constexpr int padding = 12;
 constexpr double cornerRadius = 6;
 constexpr int symbolButtonSide = 26;
@@ -48,7 +47,7 @@ QSize WindowButton::sizeHint() const {
     }
     const int textWidth = fontMetrics().horizontalAdvance(text()) + 1;
     return look_ == Look::link ? QSize(textWidth, fontMetrics().height() + 2)
-                               : QSize(textWidth + 2 * padding, controlHeight);
+                               : QSize(textWidth + 2 * padding, control_painting::controlHeight(fontMetrics()));
 }
 
 bool WindowButton::event(QEvent* event) {

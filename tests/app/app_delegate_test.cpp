@@ -246,6 +246,20 @@ TEST_F(AppDelegateTest, TheSwitcherAskedForAtTheLaunchOpensWithTheWindows) {
     EXPECT_FALSE(delegate->services()->switcher().isVisible()) << "once";
 }
 
+TEST_F(AppDelegateTest, TheSwitcherAskedForIsForgottenWhenTrustIsLostBeforeThereAreWindows) {
+    delegate->applicationDidFinishLaunching();
+    delegate->perform(ProgramRequest::openSwitcher);
+    desktop.setTrusted(false);
+    delegate->services()->authorizer().refresh();
+    desktop.advance(10s);
+    ASSERT_FALSE(delegate->services()->isActive());
+    desktop.setTrusted(true);
+    delegate->services()->authorizer().refresh();
+    desktop.advance(10s);
+    ASSERT_TRUE(delegate->services()->isActive());
+    EXPECT_FALSE(delegate->services()->switcher().isVisible());
+}
+
 TEST_F(AppDelegateTest, TheSwitcherAskedForWithoutTrustIsTheSetupWindow) {
     desktop.setTrusted(false);
     launchQuietly();

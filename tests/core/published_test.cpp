@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -162,6 +163,19 @@ TEST(Subscription, EndsOnceHoweverOftenItIsMovedOrReset) {
         EXPECT_EQ(ended, 1);
     }
     EXPECT_EQ(ended, 1);
+}
+
+TEST(ThreadChecker, BelongsToTheThreadOfItsFirstUse) {
+    ThreadChecker checker;
+    bool wasRightElsewhere = false;
+    std::thread([&] { wasRightElsewhere = checker.isOnItsThread(); }).join();
+    EXPECT_TRUE(wasRightElsewhere);
+    EXPECT_FALSE(checker.isOnItsThread());
+    ThreadChecker another;
+    EXPECT_TRUE(another.isOnItsThread());
+    std::thread([&] { wasRightElsewhere = another.isOnItsThread(); }).join();
+    EXPECT_FALSE(wasRightElsewhere);
+    EXPECT_TRUE(another.isOnItsThread());
 }
 
 TEST(Subscription, TakingAnotherEndsTheOldOne) {

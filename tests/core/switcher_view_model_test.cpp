@@ -331,6 +331,23 @@ TEST_F(SwitcherViewModelTest, PreparesTheTextsOfANewListInLaterTurnsOfTheLoop) {
     EXPECT_THAT(ids(), SizeIs(20));
 }
 
+TEST_F(SwitcherViewModelTest, PreparesNoMoreTextsThanTheCacheKeepsStartingWithTheLatestUsed) {
+    std::vector<AppWindow> list;
+    for (WindowId id = 1; id <= 3000; ++id) {
+        AppWindow window = testWindow(id, "Fenêtre " + std::to_string(id));
+        window.appName = "Éditeur " + std::to_string(id);
+        list.push_back(std::move(window));
+    }
+    windows.set(list);
+    while (tasks.size() > 0) {
+        tasks.run();
+    }
+    auto& cache = PreparedTextCache::ofThisThread();
+    EXPECT_FALSE(cache.prepareAhead("Fenêtre 1")) << "prepared first, and still there";
+    EXPECT_FALSE(cache.prepareAhead("Fenêtre 682"));
+    EXPECT_TRUE(cache.prepareAhead("Fenêtre 683"));
+}
+
 TEST_F(SwitcherViewModelTest, PlainTextsNeedNoPreparation) {
     open(5);
     EXPECT_EQ(tasks.size(), 0U);

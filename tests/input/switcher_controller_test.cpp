@@ -7,6 +7,7 @@
 #include "input/window_activator.h"
 #include "inventory/window_index.h"
 #include "platform/main_loop.h"
+#include "platform/platform_replacement.h"
 #include "platform/pointer.h"
 #include "platform/screens.h"
 #include "platform/simulated/simulated_desktop.h"
@@ -37,7 +38,8 @@ constexpr Pid browser = 200;
 /// Five windows, 1 to 5 in the order of their use, on the first screen; 1, 2 and 3 are the editor's.
 class SwitcherControllerTest : public ::testing::Test {
 protected:
-    SwitcherControllerTest() : spy(desktop.platform().panel), platform(platformWithSpy()) {
+    SwitcherControllerTest()
+        : spy(desktop.platform().panel), platform(replacedIn(desktop.platform(), {.panel = &spy})) {
         desktop.launch({.pid = editor, .bundleIdentifier = "org.editor", .localizedName = "Editor"});
         desktop.launch({.pid = browser, .bundleIdentifier = "org.browser", .localizedName = "Browser"});
         for (const WindowId id : {5U, 4U, 3U, 2U, 1U}) {
@@ -67,28 +69,6 @@ protected:
         desktop.advance(1s);
         forgetLog();
         forgetCalls();
-    }
-
-    Platform platformWithSpy() {
-        const Platform& p = desktop.platform();
-        return {p.mainLoop,
-                p.backgroundWork,
-                p.log,
-                p.userDefaults,
-                p.application,
-                p.workspace,
-                p.windowInventory,
-                p.accessibilityObservers,
-                p.windowControl,
-                p.trust,
-                p.eventTaps,
-                p.screens,
-                p.pointer,
-                spy,
-                p.icons,
-                p.httpClient,
-                p.loginItem,
-                p.texts};
     }
 
     void forgetLog() { static_cast<void>(desktop.takeLog()); }
@@ -494,6 +474,13 @@ TEST_F(SwitcherControllerTest, OpensOnTheScreenOfThePointer) {
     desktop.setScreens({{{0, 0, 1440, 900}, {0, 0, 1440, 875}}, {{1440, 0, 1000, 900}, {1440, 0, 1000, 875}}});
     desktop.movePointer({1500, 10});
     controller->handle(Invoke{false});
+    EXPECT_EQ(desktop.panel().frame.x, 1440 + 500 - 320);
+}
+
+TEST_F(SwitcherControllerTest, TheMenuOpensItOnTheScreenThatThePointerIsOnNow) {
+    desktop.setScreens({{{0, 0, 1440, 900}, {0, 0, 1440, 875}}, {{1440, 0, 1000, 900}, {1440, 0, 1000, 875}}});
+    desktop.movePointerUnnoticed({1500, 10});
+    controller->showFromMenu();
     EXPECT_EQ(desktop.panel().frame.x, 1440 + 500 - 320);
 }
 

@@ -6,7 +6,7 @@
 
 #include "input/hot_key_monitor.h"
 #include "platform/main_loop.h"
-#include "platform/platform.h"
+#include "platform/platform_replacement.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "tests/input/busy_event_taps.h"
 
@@ -16,30 +16,9 @@ namespace {
 /// A monitor whose tap is served by a real thread while the test plays the main thread.
 class TapThreadTest : public ::testing::Test {
 protected:
-    static Platform platformWith(const Platform& p, EventTaps& taps) {
-        return {p.mainLoop,
-                p.backgroundWork,
-                p.log,
-                p.userDefaults,
-                p.application,
-                p.workspace,
-                p.windowInventory,
-                p.accessibilityObservers,
-                p.windowControl,
-                p.trust,
-                taps,
-                p.screens,
-                p.pointer,
-                p.panel,
-                p.icons,
-                p.httpClient,
-                p.loginItem,
-                p.texts};
-    }
-
     SimulatedDesktop desktop;
     BusyEventTaps taps;
-    Platform platform = platformWith(desktop.platform(), taps);
+    Platform platform = replacedIn(desktop.platform(), {.eventTaps = &taps});
     HotKeyMonitor monitor{platform, SwitcherModifier::option};
 };
 

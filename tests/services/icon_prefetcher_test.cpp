@@ -12,7 +12,11 @@ using testing::SizeIs;
 
 class IconPrefetcherTest : public testing::Test {
 protected:
-    static AppWindow windowOf(WindowId id, Pid pid) {
+    /// Of an application that runs.
+    AppWindow windowOf(WindowId id, Pid pid) {
+        if (!desktop.platform().workspace.runningApplication(pid)) {
+            desktop.launch({.pid = pid});
+        }
         AppWindow window;
         window.id = id;
         window.pid = pid;
@@ -24,7 +28,7 @@ protected:
     IconProvider icons{desktop.platform().icons, desktop.platform().workspace};
     Published<std::vector<AppWindow>> windows;
     std::unique_ptr<IconPrefetcher> prefetcher =
-        std::make_unique<IconPrefetcher>(desktop.platform().mainLoop, icons, windows);
+        std::make_unique<IconPrefetcher>(desktop.platform().mainLoop, desktop.platform().workspace, icons, windows);
 };
 
 TEST_F(IconPrefetcherTest, LoadsOneIconAnApplicationInLaterTurnsMostRecentFirst) {
@@ -52,6 +56,33 @@ TEST_F(IconPrefetcherTest, ForgetsWhatANewerListDoesNotHave) {
     windows.set({windowOf(2, 11)});
     desktop.settle();
     EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 11"));
+}
+
+TEST_F(IconPrefetcherTest, LoadsNothingForAnApplicationThatHasQuit) {
+    windows.set({windowOf(1, 10), windowOf(2, 11)});
+    desktop.terminate(10);
+    desktop.settle();
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 11"));
+    // A reading that began before the end may still name its windows.
+    auto late = windows.get();
+    windows.set(std::move(late));
+    desktop.settle();
+    EXPECT_THAT(desktop.takeIconLoads(), IsEmpty());
+}
+
+TEST_F(IconPrefetcherTest, LoadsAnIconThatWasReplacedAtMostOnceASecond) {
+    windows.set({windowOf(1, 10), windowOf(2, 11)});
+    desktop.settle();
+    static_cast<void>(desktop.takeIconLoads());
+    for (int change = 0; change < 5; ++change) {
+        desktop.setProcessHasIcon(10, true);
+        desktop.advance(Seconds(0.1));
+    }
+    EXPECT_THAT(desktop.takeIconLoads(), IsEmpty());
+    desktop.advance(Seconds(0.6));
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 10"));
+    desktop.advance(Seconds(10));
+    EXPECT_THAT(desktop.takeIconLoads(), IsEmpty());
 }
 
 TEST_F(IconPrefetcherTest, ATaskThatRunsAfterTheEndTouchesNothing) {

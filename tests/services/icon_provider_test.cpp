@@ -68,6 +68,25 @@ TEST_F(IconProviderTest, AnExitedProcessGetsTheGenericIconAndKeepsIt) {
     EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 9", "generic Editor"));
 }
 
+TEST_F(IconProviderTest, AnIconThatComesAfterTheWindowTakesThePlaceOfTheGenericOne) {
+    desktop.setProcessHasIcon(9, false);
+    const auto generic = provider.icon(window(1, 9, "org.example.late", std::nullopt)).image;
+    std::vector<Pid> replaced;
+    const auto subscription = provider.replacements().subscribe([&](const Pid& pid) { replaced.push_back(pid); });
+    desktop.setProcessHasIcon(10, true);
+    EXPECT_THAT(replaced, IsEmpty()) << "another process's icon is none of its business";
+    desktop.setProcessHasIcon(9, true);
+    EXPECT_THAT(replaced, ElementsAre(9));
+    EXPECT_FALSE(provider.holds(window(1, 9, "org.example.late", std::nullopt)));
+    EXPECT_NE(provider.icon(window(1, 9, "org.example.late", std::nullopt)).image, generic);
+}
+
+TEST_F(IconProviderTest, TheIconOfAnInstalledApplicationStaysWhateverItsWindowsCarry) {
+    static_cast<void>(provider.icon(window(1, 9, "org.example.editor", "/apps/editor.desktop")));
+    desktop.setProcessHasIcon(9, true);
+    EXPECT_TRUE(provider.holds(window(1, 9, "org.example.editor", "/apps/editor.desktop")));
+}
+
 TEST_F(IconProviderTest, FallsBackWhenTheFileHasNoIcon) {
     desktop.setFileHasIcon("/apps/editor.desktop", false);
     ASSERT_NE(provider.icon(window(1, 9, "org.example.editor", "/apps/editor.desktop")).image, nullptr);

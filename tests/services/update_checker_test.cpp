@@ -36,7 +36,7 @@ protected:
     [[nodiscard]] double lastCheck() { return desktop.userDefaults().real(lastCheckKey); }
     void storeLastCheck(double seconds) { desktop.userDefaults().set(lastCheckKey, seconds); }
 
-    static State failed(std::string text) { return UpdateChecker::Failed{std::move(text)}; }
+    static State failed(std::string text) { return UpdateChecker::Failed{Phrase::verbatim(std::move(text))}; }
     static State checking() { return UpdateChecker::Checking{}; }
 
     SimulatedDesktop desktop;

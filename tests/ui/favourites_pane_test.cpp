@@ -98,8 +98,20 @@ TEST_F(FavouritesPaneTest, AnAppKeepsItsIconWhileItDoesNotRun) {
     // Nobody lists what does not run: its icon comes from where it is installed, or it gets a stand-in.
     model.pin({"org.example.mail", "org.example.gone"});
     model.desktop.takeIconLoads();
-    const FavouritesPane shown(model.platformWithRecordedIcons(), model.services);
+    FavouritesPane shown(model.platformWithRecordedIcons(), model.services);
+    shown.grab();
     EXPECT_THAT(model.desktop.takeIconLoads(), ElementsAre("file /Applications/org.example.mail.app", "generic gone"));
+    shown.grab();
+    EXPECT_THAT(model.desktop.takeIconLoads(), IsEmpty()) << "once is enough";
+}
+
+TEST_F(FavouritesPaneTest, RowsThatNobodySeesLoadNoIcons) {
+    // Pinning happens in the open switcher, which waits for nobody.
+    const FavouritesPane hidden(model.platformWithRecordedIcons(), model.services);
+    model.desktop.takeIconLoads();
+    model.pin({"org.example.mail", "org.example.gone"});
+    QCoreApplication::processEvents();
+    EXPECT_THAT(model.desktop.takeIconLoads(), IsEmpty());
 }
 
 TEST_F(FavouritesPaneTest, NamesFromOtherProgramsAreOneLine) {

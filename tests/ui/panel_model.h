@@ -50,6 +50,7 @@ public:
     [[nodiscard]] std::shared_ptr<const IconImage> iconForFile(std::string_view /*path*/) override { return nullptr; }
     [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid /*pid*/) override { return nullptr; }
     [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
+    [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> /*handler*/) override { return {}; }
 };
 
 class NamedFavourites final : public FavouriteApplications {

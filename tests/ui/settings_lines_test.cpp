@@ -24,9 +24,9 @@ TEST(SettingsLinesTest, TheUpdateLineSaysHowTheLastCheckEnded) {
     ASSERT_TRUE(found);
     EXPECT_EQ(found->symbol, "arrow.down.circle.fill");
     EXPECT_EQ(found->text.untranslated(), "Version 1.4-beta is available");
-    EXPECT_EQ(line(UpdateChecker::Failed{"The update server replied with 404."}),
+    EXPECT_EQ(line(UpdateChecker::Failed{{"The update server replied with %1.", {"404"}}}),
               (StatusLine{"exclamationmark.triangle.fill", Tint::attention,
-                          Phrase::verbatim("The update server replied with 404.")}));
+                          Phrase{"The update server replied with %1.", {"404"}}}));
     EXPECT_EQ(line(UpdateChecker::Checking{}), std::nullopt);
 }
 
@@ -40,7 +40,7 @@ TEST(SettingsLinesTest, ThePermissionLineFollowsTrust) {
                           Tint::attention,
                           {"Secure input is active — another app is blocking global shortcuts.", {}}}));
     EXPECT_EQ(settings_lines::loginItemMessage("Because."),
-              (StatusLine{"exclamationmark.triangle.fill", Tint::attention, Phrase::verbatim("Because.")}));
+              (StatusLine{"exclamationmark.triangle.fill", Tint::attention, Phrase{"Because.", {}}}));
 }
 
 TEST(SettingsLinesTest, TheTriggersAreNamedAsTheirKeyboardNamesThem) {

@@ -5,6 +5,7 @@
 #include "app/app_services.h"
 #include "core/text_table.h"
 #include "input/switcher_controller.h"
+#include "platform/platform_replacement.h"
 #include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "platform/simulated/simulated_http_client.h"
@@ -84,28 +85,6 @@ MenuRow repairRow(const std::string& title, const std::string& symbol, Action ac
             .symbolTint = MenuTint::orange,
             .isEnabled = action != Action::none,
             .action = action};
-}
-
-/// The simulated desktop with the texts of a Linux one.
-Platform withLinuxTexts(const Platform& p) {
-    return {p.mainLoop,
-            p.backgroundWork,
-            p.log,
-            p.userDefaults,
-            p.application,
-            p.workspace,
-            p.windowInventory,
-            p.accessibilityObservers,
-            p.windowControl,
-            p.trust,
-            p.eventTaps,
-            p.screens,
-            p.pointer,
-            p.panel,
-            p.icons,
-            p.httpClient,
-            p.loginItem,
-            linuxTexts()};
 }
 
 class StatusItemControllerTest : public testing::Test {
@@ -229,7 +208,7 @@ TEST_F(StatusItemControllerTest, SecureInputIsWaitedForWithNothingToChoose) {
 }
 
 TEST_F(StatusItemControllerTest, OnLinuxTheTextsNameWhatIsMissingThereAndTheKeysOfAPcKeyboard) {
-    const Platform platform = withLinuxTexts(desktop.platform());
+    const Platform platform = replacedIn(desktop.platform(), {.texts = &linuxTexts()});
     build(platform);
     EXPECT_THAT(item.menu,
                 ElementsAreArray(rowsBelow({header("Ready", MenuTint::secondaryLabel), separator}, true, "Alt+Tab")));

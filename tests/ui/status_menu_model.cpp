@@ -1,6 +1,7 @@
 #include "tests/ui/status_menu_model.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace ferrowyn::test {
@@ -24,39 +25,40 @@ MenuRow separator() {
     return row;
 }
 
-MenuRow header(Health health) {
-    MenuRow row;
-    row.kind = MenuRow::Kind::header;
-    row.header = {"Ferrowyn", "Ready", MenuTint::secondaryLabel};
-    row.action = Action::openSettings;
+const StatusItemTexts::Health& textsOf(Health health, const StatusItemTexts& texts) {
     switch (health) {
         case Health::ready:
-            return row;
+            break;
         case Health::accessRequired:
-            row.header.subtitle = "Accessibility access required";
-            break;
+            return texts.accessRequired;
         case Health::trustRevoked:
-            row.header.subtitle = "Accessibility access was revoked";
-            break;
+            return texts.trustRevoked;
         case Health::repeatedTimeouts:
-            row.header.subtitle = "Shortcut disabled by the system";
-            break;
+            return texts.repeatedTimeouts;
         case Health::secureInput:
-            row.header.subtitle = "Secure input active — shortcut paused";
-            break;
+            return texts.secureInput;
     }
-    row.header.subtitleTint = MenuTint::orange;
+    return texts.ready;
+}
+
+MenuRow header(Health health, const StatusItemTexts& texts) {
+    MenuRow row;
+    row.kind = MenuRow::Kind::header;
+    row.header = {"Ferrowyn", std::string(textsOf(health, texts).subtitle),
+                  health == Health::ready ? MenuTint::secondaryLabel : MenuTint::orange};
+    row.action = Action::openSettings;
     return row;
 }
 
-MenuRow repair(Health health) {
+MenuRow repair(Health health, const StatusItemTexts& texts) {
+    const std::string title(textsOf(health, texts).repair);
     MenuRow row;
     if (health == Health::accessRequired) {
-        row = item("Grant Accessibility Access…", "lock.shield", Action::openOnboarding);
+        row = item(title, "lock.shield", Action::openOnboarding);
     } else if (health == Health::secureInput) {
-        row = item("Waiting for the other app to release it", "keyboard.badge.ellipsis", Action::none);
+        row = item(title, "keyboard.badge.ellipsis", Action::none);
     } else {
-        row = item("Re-enable Shortcut", "arrow.clockwise", Action::retryInput);
+        row = item(title, "arrow.clockwise", Action::retryInput);
     }
     row.symbolTint = MenuTint::orange;
     return row;
@@ -124,10 +126,10 @@ const char* nameOf(Health health) {
     return "";
 }
 
-StatusMenu statusMenu(Health health) {
-    StatusMenu menu{header(health), separator()};
+StatusMenu statusMenu(Health health, const StatusItemTexts& texts) {
+    StatusMenu menu{header(health, texts), separator()};
     if (health != Health::ready) {
-        menu.push_back(repair(health));
+        menu.push_back(repair(health, texts));
         menu.push_back(separator());
     }
     appendSwitcher(menu, health);

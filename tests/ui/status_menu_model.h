@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "core/status_item_texts.h"
 #include "platform/status_item.h"
 
 namespace ferrowyn::test {
@@ -14,7 +15,7 @@ inline constexpr std::array allHealths{Health::ready, Health::accessRequired, He
 
 [[nodiscard]] const char* nameOf(Health health);
 /// A whole menu, with an update to install.
-[[nodiscard]] StatusMenu statusMenu(Health health);
+[[nodiscard]] StatusMenu statusMenu(Health health, const StatusItemTexts& texts = macStatusItemTexts());
 /// Where the row with this title is; -1 for none.
 [[nodiscard]] int rowTitled(const StatusMenu& menu, const std::string& title);
 

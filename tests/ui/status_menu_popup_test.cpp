@@ -297,6 +297,30 @@ TEST_F(StatusMenuPopupTest, SymbolsHaveTheirTint) {
     EXPECT_TRUE(shows(image, symbolColumn("9 windows tracked"), popup->colors().disabledLabel));
 }
 
+TEST_F(StatusMenuPopupTest, InARightToLeftLanguageEverythingStandsTheOtherWayRound) {
+    popup->setLayoutDirection(Qt::RightToLeft);
+    const Rect header = popup->geometryNow().row(0);
+    const Rect gear = popup->gearRect(0);
+    EXPECT_EQ(gear.x, MenuHeaderView::gearRightInset);
+    const QImage image = picture(2);
+    EXPECT_TRUE(shows(image, gear, popup->colors().label));
+    EXPECT_FALSE(shows(image, MenuHeaderView::gearArea(header), popup->colors().label)) << "the icon stands there";
+
+    const Rect list = popup->geometryNow().row(row("List"));
+    const Rect check{list.maxX() - MenuGeometry::checkCenter - 6, list.y, 12, list.height};
+    EXPECT_TRUE(shows(image, check, popup->colors().label));
+    const Rect quit = popup->geometryNow().row(row("Quit Ferrowyn"));
+    EXPECT_TRUE(shows(image, {MenuGeometry::inset, quit.y, 30, quit.height}, popup->colors().tertiaryLabel));
+    const double beforeTitle = quit.maxX() - MenuGeometry::titleLeft;
+    EXPECT_TRUE(shows(image, {beforeTitle - 40, quit.y, 40, quit.height}, popup->colors().label));
+
+    move({gear.midX(), gear.midY()});
+    EXPECT_TRUE(popup->isHoveringGear());
+    click({gear.midX(), gear.midY()});
+    ASSERT_EQ(chosen.size(), 1U);
+    EXPECT_EQ(chosen.front().action, MenuRow::Action::openSettings);
+}
+
 TEST_F(StatusMenuPopupTest, TheTitlesSuffixIsLessImportantThanTheTitle) {
     const Rect place = popup->geometryNow().row(row("Open Switcher"));
     const QImage image = picture(2);

@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <QTemporaryDir>
 #include <QTranslator>
 #include <string>
 
@@ -11,10 +15,12 @@
 #include "ui/about_view.h"
 #include "ui/onboarding_view.h"
 #include "ui/translated.h"
+#include "ui/translations.h"
 
 namespace ferrowyn {
 namespace {
 
+using testing::Contains;
 using testing::Each;
 using testing::StartsWith;
 
@@ -67,10 +73,77 @@ TEST_F(TranslationTest, EveryTextOfEveryWindowCanBeTranslated) {
     EXPECT_THAT(words(setup), Each(StartsWith("¶")));
 }
 
+TEST_F(TranslationTest, WhatTheServicesSayCanBeTranslated) {
+    test::WindowsModel model(
+        linuxTexts(), [](SimulatedDesktop& desktop) { desktop.loginItem().current = LoginItem::Status::notFound; });
+    SettingsView settings(model.platform, model.services);
+    settings.select(SettingsPane::general);
+    const auto said = [&] { return words(*settings.findChild<QStackedWidget*>()->currentWidget()); };
+    EXPECT_THAT(said(), Contains("¶Ferrowyn must be able to write to the autostart folder to launch at login."));
+    model.desktop.loginItem().current = LoginItem::Status::requiresApproval;
+    model.launchAtLogin.refresh();
+    EXPECT_THAT(said(), Contains("¶Allow Ferrowyn in your desktop's settings for autostart."));
+    auto& http = model.desktop.httpClient();
+    model.updates.check();
+    http.answer(http.requestCount() - 1, HttpResponse{404, {}});
+    EXPECT_THAT(said(), Contains("¶The update server replied with 404."));
+    model.updates.check();
+    http.answer(http.requestCount() - 1, HttpResponse{200, "[]"});
+    EXPECT_THAT(said(), Contains("¶The update manifest could not be read."));
+}
+
 TEST_F(TranslationTest, WhatIsPutIntoATextIsNotTranslated) {
     EXPECT_EQ(translated(Phrase{"Remove %1 from favourites", {"Close"}}),
               QStringLiteral("¶Remove Close from favourites"));
     EXPECT_EQ(translated(Phrase::verbatim("Close")), QStringLiteral("Close"));
+}
+
+/// The least that the toolkit accepts as the file of a translation: a language, and one message that nobody asks for.
+QByteArray translationFile(const QByteArray& language) {
+    QByteArray file = QByteArray::fromHex("3cb86418caef9c95cd211cbf60a1bddd");
+    const auto append = [&file](char tag, const QByteArray& content) {
+        QByteArray length(4, '\0');
+        length[3] = static_cast<char>(content.size());
+        file += tag + length + content;
+    };
+    append('\xa7', language);
+    append('\x42', QByteArray(8, '\0'));
+    append('\x69', QByteArray(4, '\0'));
+    return file;
+}
+
+class InstalledTranslationTest : public testing::Test {
+protected:
+    InstalledTranslationTest() { qputenv("XDG_DATA_HOME", folder.path().toLocal8Bit()); }
+    ~InstalledTranslationTest() override {
+        qDeleteAll(qApp->findChildren<QTranslator*>());
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+        qunsetenv("XDG_DATA_HOME");
+    }
+
+    void install(const QString& language) const {
+        const QDir data(folder.path());
+        ASSERT_TRUE(data.mkpath(QStringLiteral("ferrowyn/translations")));
+        QFile file(data.filePath(QStringLiteral("ferrowyn/translations/ferrowyn_%1.qm").arg(language)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(translationFile(language.toUtf8()));
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(InstalledTranslationTest, TheWindowsRunInTheDirectionOfTheirLanguage) {
+    install(QStringLiteral("ar"));
+    install(QStringLiteral("de"));
+    EXPECT_TRUE(installTranslations(*qApp, QLocale(QLocale::Arabic)));
+    EXPECT_EQ(QGuiApplication::layoutDirection(), Qt::RightToLeft);
+    EXPECT_TRUE(installTranslations(*qApp, QLocale(QLocale::German)));
+    EXPECT_EQ(QGuiApplication::layoutDirection(), Qt::LeftToRight);
+}
+
+TEST_F(InstalledTranslationTest, WithoutATranslationTheTextsAndTheirDirectionStayAsWritten) {
+    EXPECT_FALSE(installTranslations(*qApp, QLocale(QLocale::Arabic)));
+    EXPECT_EQ(QGuiApplication::layoutDirection(), Qt::LeftToRight);
 }
 
 }  // namespace

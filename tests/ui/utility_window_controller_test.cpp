@@ -143,6 +143,9 @@ TEST_F(UtilityWindowControllerTest, OnlyTheResizableOneCanBeResized) {
     resizable.show();
     processEvents();
     EXPECT_EQ(fixed.window()->minimumSize(), fixed.window()->maximumSize());
+    EXPECT_FALSE(fixed.window()->windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+    EXPECT_TRUE(fixed.window()->windowFlags().testFlags(Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint));
+    EXPECT_TRUE(resizable.window()->windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
     resizable.window()->resize(640, 480);
     EXPECT_EQ(resizable.window()->size(), QSize(640, 480));
 }

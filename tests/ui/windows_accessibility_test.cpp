@@ -1,6 +1,8 @@
 #include <QAccessible>
 #include <QAccessibleInterface>
+#include <QDateTime>
 
+#include "platform/main_loop.h"
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/about_view.h"
 #include "ui/choice_box.h"
@@ -122,6 +124,101 @@ TEST_F(WindowsAccessibilityTest, TheGeneralPaneIsRead) {
                 }));
 }
 
+TEST_F(WindowsAccessibilityTest, TheShortcutPaneIsRead) {
+    EXPECT_THAT(heard(open(SettingsPane::shortcut)),
+                ElementsAreArray(std::vector<Read>{
+                    {Role::StaticText, "Shortcut"},
+                    {Role::StaticText, "Summon with"},
+                    {Role::ComboBox, "Summon with"},
+                    {Role::CheckBox, "Switch when the modifier is released"},
+                    {Role::StaticText, "With this off, the switcher stays open until you press Return or Escape."},
+                    {Role::StaticText, "While the switcher is open"},
+                    {Role::Grouping, "While the switcher is open"},
+                    {Role::StaticText, "Cycle List → Grouped → Grid"},
+                    {Role::StaticText, "⌘L"},
+                    {Role::StaticText, "Pin or unpin the highlighted app"},
+                    {Role::StaticText, "⌘D"},
+                    {Role::StaticText, "Jump straight to a row"},
+                    {Role::StaticText, "⌘1–9"},
+                    {Role::StaticText, "Move the selection"},
+                    {Role::StaticText, "↑ ↓"},
+                    {Role::StaticText, "Close without switching"},
+                    {Role::StaticText, "esc"},
+                }));
+}
+
+TEST_F(WindowsAccessibilityTest, TheAppearancePaneIsRead) {
+    EXPECT_THAT(heard(open(SettingsPane::appearance)),
+                ElementsAreArray(std::vector<Read>{
+                    {Role::StaticText, "Appearance"},
+                    {Role::StaticText, "Layout"},
+                    {Role::Grouping, "Layout"},
+                    {Role::RadioButton, "List"},
+                    {Role::RadioButton, "Grouped"},
+                    {Role::RadioButton, "Grid"},
+                    {Role::StaticText,
+                     "A flat list, one window per line — densest, and the fastest to scan when titles differ."},
+                    {Role::StaticText, "Show up to 9 rows before scrolling"},
+                    {Role::SpinBox, "Show up to 9 rows before scrolling"},
+                    {Role::CheckBox, "Show shortcut hints"},
+                }));
+}
+
+TEST_F(WindowsAccessibilityTest, TheWindowsPaneIsRead) {
+    EXPECT_THAT(heard(open(SettingsPane::windows)),
+                ElementsAreArray(std::vector<Read>{
+                    {Role::StaticText, "Windows"},
+                    {Role::StaticText, "Ordering"},
+                    {Role::Grouping, "Ordering"},
+                    {Role::CheckBox, "Show the active app's windows first"},
+                    {Role::StaticText,
+                     "Every window of the app you are in is grouped at the top, then everything "
+                     "else by most recent use."},
+                    {Role::StaticText, "Include"},
+                    {Role::Grouping, "Include"},
+                    {Role::CheckBox, "Minimised windows"},
+                    {Role::CheckBox, "Windows on other Spaces"},
+                    {Role::StaticText,
+                     "A Space is a Desktop you switch between with Control-Arrow or Mission Control. "
+                     "Turn this off to list only what is on the Desktop in front of you."},
+                }));
+}
+
+TEST_F(WindowsAccessibilityTest, TheFavouritesPaneIsRead) {
+    model.pin({"org.example.mail"});
+    EXPECT_THAT(heard(open(SettingsPane::favourites)),
+                ElementsAreArray(std::vector<Read>{
+                    {Role::StaticText, "Favourites"},
+                    {Role::CheckBox, "Show favourite apps first"},
+                    {Role::StaticText,
+                     "Press ⌘D while the switcher is open to pin or unpin the highlighted window's "
+                     "app. Favourites are remembered per app rather than per window, so they survive "
+                     "closing and reopening."},
+                    {Role::StaticText, "Pinned apps"},
+                    {Role::Grouping, "Pinned apps"},
+                    {Role::ListItem, "mail"},
+                    {Role::Button, "Remove mail from favourites"},
+                    {Role::Button, "Remove All"},
+                }));
+}
+
+TEST_F(WindowsAccessibilityTest, TheAboutPaneIsRead) {
+    // The simulated clock starts with a year, which has not begun yet everywhere.
+    const auto seconds = static_cast<qint64>(model.platform.mainLoop.wallTime().time_since_epoch().count());
+    const int year = QDateTime::fromSecsSinceEpoch(seconds).date().year();
+    EXPECT_THAT(heard(open(SettingsPane::about)),
+                ElementsAreArray(std::vector<Read>{
+                    {Role::StaticText, "About"},
+                    {Role::Grouping, "About Ferrowyn, version 1.0"},
+                    {Role::Graphic, "Ferrowyn"},
+                    {Role::StaticText, "Ferrowyn"},
+                    {Role::StaticText, "Version 1.0"},
+                    {Role::StaticText, "Switch between every open window, not just apps."},
+                    {Role::Button, "ferrowyn.example"},
+                    {Role::StaticText, "© " + std::to_string(year) + " Ferrowyn"},
+                }));
+}
+
 TEST_F(WindowsAccessibilityTest, NotesDescribeTheirControls) {
     const auto description = [](QWidget& control) {
         return QAccessible::queryAccessibleInterface(&control)->text(QAccessible::Description).toStdString();
@@ -141,6 +238,8 @@ TEST_F(WindowsAccessibilityTest, ChoicesHaveTheirRoles) {
     EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Option + Tab"));
     model.preferences.modifier.set(SwitcherModifier::control);
     EXPECT_EQ(trigger->text(QAccessible::Value), QStringLiteral("Control + Tab"));
+    EXPECT_EQ(trigger->textInterface()->text(0, trigger->textInterface()->characterCount()),
+              QStringLiteral("Control + Tab"));
     EXPECT_FALSE(trigger->state().expanded);
     trigger->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
     EXPECT_TRUE(trigger->state().expanded);

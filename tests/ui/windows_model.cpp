@@ -1,31 +1,10 @@
 #include "tests/ui/windows_model.h"
 
+#include "platform/platform_replacement.h"
+
 namespace ferrowyn::test {
 
 namespace {
-
-Platform withTexts(const Platform& platform, IconSource& icons, const TextTable& texts) {
-    return {
-        .mainLoop = platform.mainLoop,
-        .backgroundWork = platform.backgroundWork,
-        .log = platform.log,
-        .userDefaults = platform.userDefaults,
-        .application = platform.application,
-        .workspace = platform.workspace,
-        .windowInventory = platform.windowInventory,
-        .accessibilityObservers = platform.accessibilityObservers,
-        .windowControl = platform.windowControl,
-        .trust = platform.trust,
-        .eventTaps = platform.eventTaps,
-        .screens = platform.screens,
-        .pointer = platform.pointer,
-        .panel = platform.panel,
-        .icons = icons,
-        .httpClient = platform.httpClient,
-        .loginItem = platform.loginItem,
-        .texts = texts,
-    };
-}
 
 const Platform& arranged(SimulatedDesktop& desktop, const std::function<void(SimulatedDesktop&)>& arrange) {
     arrange(desktop);
@@ -35,7 +14,7 @@ const Platform& arranged(SimulatedDesktop& desktop, const std::function<void(Sim
 }  // namespace
 
 WindowsModel::WindowsModel(const TextTable& texts, const std::function<void(SimulatedDesktop&)>& arrange)
-    : platform(withTexts(arranged(desktop, arrange), tiles, texts)),
+    : platform(replacedIn(arranged(desktop, arrange), {.icons = &tiles, .texts = &texts})),
       preferences(platform.userDefaults),
       authorizer(platform),
       launchAtLogin(platform),
@@ -44,7 +23,7 @@ WindowsModel::WindowsModel(const TextTable& texts, const std::function<void(Simu
       icons(platform.icons, platform.workspace) {}
 
 Platform WindowsModel::platformWithRecordedIcons() {
-    return withTexts(desktop.platform(), desktop.platform().icons, platform.texts);
+    return replacedIn(desktop.platform(), {.texts = &platform.texts});
 }
 
 void WindowsModel::pin(const std::vector<std::string>& identifiers) {

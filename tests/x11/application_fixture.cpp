@@ -3,9 +3,6 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <algorithm>
-#include <cstddef>
-
-#include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn::x11test {
 
@@ -85,15 +82,6 @@ bool ApplicationFixture::isOnBus() const {
     return QDBusConnection(connectionName).interface()->isServiceRegistered(serviceName).value();
 }
 
-std::optional<xcb_window_t> ApplicationFixture::findWindow(const std::string& title) const {
-    for (const auto window : desktop.clientList()) {
-        if (desktop.text(window, "_NET_WM_NAME") == title && desktop.isViewable(window)) {
-            return window;
-        }
-    }
-    return std::nullopt;
-}
-
 std::optional<xcb_window_t> ApplicationFixture::waitForWindow(const std::string& title) {
     static_cast<void>(desktop.waitUntil([&] { return findWindow(title).has_value(); }));
     return findWindow(title);
@@ -119,20 +107,8 @@ void ApplicationFixture::expectEnd() {
     EXPECT_EQ(program->process().waitForExit(), 0) << program->process().output();
 }
 
-std::vector<xcb_window_t> ApplicationFixture::shownTopLevels() const {
-    const auto cookie = xcb_query_tree(desktop.connection(), desktop.root());
-    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(desktop.connection(), cookie, nullptr));
-    if (!tree) {
-        return {};
-    }
-    const auto* const first = xcb_query_tree_children(tree.get());
-    std::vector<xcb_window_t> shown(first, first + xcb_query_tree_children_length(tree.get()));
-    std::erase_if(shown, [&](xcb_window_t window) { return !desktop.isViewable(window); });
-    return shown;
-}
-
 bool ApplicationFixture::isShownUnmanaged(const std::string& title) const {
-    return std::ranges::any_of(shownTopLevels(),
+    return std::ranges::any_of(desktop.shownTopLevels(),
                                [&](xcb_window_t window) { return desktop.text(window, "_NET_WM_NAME") == title; });
 }
 
@@ -140,11 +116,11 @@ void ApplicationFixture::expectKeyboardIsBack() {
     EXPECT_FALSE(desktop.visiblePanel());
     input.releaseAll();
     const auto active = desktop.activeWindow();
-    const auto shownBefore = shownTopLevels().size();
+    const auto shownBefore = desktop.shownTopLevels().size();
     input.press(key::leftAlt);
     input.tap(key::tab);
     // It misses a release of Alt that comes while it is about to take the keyboard for its popup.
-    EXPECT_TRUE(desktop.waitUntil([&] { return shownTopLevels().size() > shownBefore; }))
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.shownTopLevels().size() > shownBefore; }))
         << "waited for the window manager's own switching";
     input.release(key::leftAlt);
     EXPECT_TRUE(desktop.waitUntil([&] { return desktop.activeWindow() != active; }))

@@ -51,7 +51,9 @@ protected:
 
     /// The program's window with this title, once it is on the screen.
     [[nodiscard]] std::optional<xcb_window_t> waitForWindow(const std::string& title);
-    [[nodiscard]] std::optional<xcb_window_t> findWindow(const std::string& title) const;
+    [[nodiscard]] std::optional<xcb_window_t> findWindow(const std::string& title) const {
+        return desktop.windowTitled(title);
+    }
     /// The same where no window manager keeps a list.
     [[nodiscard]] bool isShownUnmanaged(const std::string& title) const;
     /// Until the panel is on the screen and has the keyboard, which it takes a moment later.
@@ -72,8 +74,6 @@ protected:
     std::unique_ptr<FerrowynProgram> program;
 
 private:
-    [[nodiscard]] std::vector<xcb_window_t> shownTopLevels() const;
-
     int argumentCount_ = 0;
     QCoreApplication application_{argumentCount_, nullptr};
 };

@@ -4,6 +4,7 @@
 
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/application_fixture.h"
+#include "tests/x11/session_manager.h"
 
 namespace ferrowyn::x11test {
 namespace {
@@ -111,6 +112,19 @@ TEST_F(ApplicationTest, WhatIsAskedOfAProgramThatDoesNotRunStartsIt) {
     input.tap(key::down);
     input.tap(key::enter);
     EXPECT_TRUE(desktop.waitForActiveWindow(windows.front()->id())) << "it opened with the windows in it";
+}
+
+TEST_F(ApplicationTest, ASavedSessionDoesNotStartItASecondTime) {
+    SessionManager session;
+    auto variables = environment();
+    variables["SESSION_MANAGER"] = session.address();
+    FerrowynProgram::Options options{.environment = variables};
+    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
+    ASSERT_TRUE(session.waitForSaving());
+    EXPECT_EQ(session.restartStyle(), SmRestartNever);
+    ASSERT_TRUE(program->process().waitForOutput("Ferrowyn is running"));
+    EXPECT_EQ(run({"--quit"}).status, 0);
+    expectEnd();
 }
 
 TEST_F(ApplicationTest, TheDesktopsActionsReachItOverTheBus) {

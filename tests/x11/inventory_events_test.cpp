@@ -1,7 +1,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
+#include "platform/simulated/simulated_main_loop.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/harness/application_process.h"
 #include "tests/x11/inventory_fixture.h"
@@ -96,6 +99,19 @@ TEST_F(InventoryEventsTest, ASessionStartsInTheApplicationThatTheEventsHaveNotTo
     EXPECT_TRUE(parts.runUntil([&] { return parts.workspace.frontmostPid() == getpid(); }));
 }
 
+TEST_F(InventoryEventsTest, TellsOfAnIconThatComesAfterTheWindow) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    std::vector<xcb_window_t> changed;
+    const auto iconChanges =
+        parts.monitor.iconChanges().subscribe([&](const xcb_window_t& each) { changed.push_back(each); });
+    const std::array<std::uint32_t, 3> icon{1, 1, 0xFF00FF00};
+    manager.set(window, "_NET_WM_ICON", "CARDINAL", 32, icon.data(), icon.size());
+    ASSERT_TRUE(parts.runUntil([&] { return !changed.empty(); }));
+    EXPECT_THAT(changed, testing::ElementsAre(window));
+}
+
 TEST_F(InventoryEventsTest, ARequestIsForgottenAfterAWhile) {
     const auto window = manager.createWindow();
     manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
@@ -112,14 +128,14 @@ TEST_F(InventoryEventsTest, ARequestIsForgottenAfterAWhile) {
             manager.connection(), xcb_get_window_attributes(manager.connection(), window), nullptr));
         return attributes && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
     };
+    SimulatedMainLoop clock;
+    X11WindowControl control(clock, parts.monitor, parts.atoms, parts.context, parts.log);
     const auto element = X11Element::make(window);
-    parts.control.raise(element);
-    bool isOver = false;
-    const auto later = parts.mainLoop.after(Seconds(1.2), [&] { isOver = true; });
-    ASSERT_TRUE(parts.runUntil([&] { return isOver; }));
-    parts.control.raise(element);
+    control.raise(element);
+    clock.advance(Seconds(1.2));
+    control.raise(element);
     EXPECT_FALSE(isMapped()) << "taken for the second request of an activation that ended long ago";
-    parts.control.raise(element);
+    control.raise(element);
     EXPECT_TRUE(isMapped()) << "the manager did not restore it at the first";
 }
 

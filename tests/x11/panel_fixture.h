@@ -5,7 +5,6 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -21,6 +20,7 @@
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_input.h"
 #include "tests/x11/harness/test_window.h"
+#include "tests/x11/harness/toolkit_wait.h"
 #include "tests/x11/harness/window_manager_process.h"
 
 namespace ferrowyn::x11test {
@@ -136,19 +136,7 @@ public:
         panel->orderFrontRegardless();
     }
 
-    /// Runs the loop until the predicate holds; what happens outside this process is looked at again at each tick.
-    [[nodiscard]] static bool runUntil(const std::function<bool()>& predicate) {
-        const Deadline deadline(patience);
-        QTimer tick;
-        tick.start(5);
-        while (!predicate()) {
-            if (deadline.hasPassed()) {
-                return false;
-            }
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-        }
-        return true;
-    }
+    [[nodiscard]] static bool runUntil(const std::function<bool()>& predicate) { return runToolkitUntil(predicate); }
     /// Lets everything that is under way arrive, both ways.
     void settle() {
         for (int round = 0; round < 3; ++round) {

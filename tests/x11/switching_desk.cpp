@@ -11,7 +11,7 @@ SwitchingDesk::SwitchingDesk(const std::string& managerName, const Options& opti
       manager(std::make_unique<WindowManagerProcess>(server, managerName)),
       desktop(server.display()),
       input(server.display()),
-      programOptions_(options.program) {
+      programOptions(options.program) {
     for (std::size_t index = 0; index < options.monitors.size(); ++index) {
         // The server's one output goes to the first monitor, or the undivided screen would remain beside them.
         run({"xrandr", "--setmonitor", "monitor" + std::to_string(index), options.monitors[index],
@@ -64,7 +64,7 @@ void SwitchingDesk::openWindows(int count) {
 }
 
 void SwitchingDesk::startProgram(std::optional<std::size_t> listed) {
-    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, programOptions_);
+    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, programOptions);
     ASSERT_TRUE(program->waitUntilActive()) << "waited for the services; it said: " << program->process().output();
     if (!windows.empty()) {
         ASSERT_TRUE(program->waitForList(listed.value_or(windows.size()), desktop.activeWindow()))

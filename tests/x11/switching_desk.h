@@ -40,6 +40,8 @@ public:
     TestInput input;
     std::vector<std::unique_ptr<TestWindow>> windows;
     std::unique_ptr<FerrowynProgram> program;
+    /// What the program is started with.
+    FerrowynProgram::Options programOptions;
 
     /// Opens windows "Window 1" … one after the other, each active in its turn, so that the last one opened is the most
     /// recently used one.
@@ -77,9 +79,6 @@ public:
     void expectQuiet();
     /// The same, and the program ends by itself when asked to, without a sanitizer's report.
     void expectCleanEnd();
-
-private:
-    FerrowynProgram::Options programOptions_;
 };
 
 }  // namespace ferrowyn::x11test

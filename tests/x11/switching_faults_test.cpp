@@ -80,6 +80,7 @@ TEST_P(SwitchingFaultsTest, SwitchingGoesOnAfterTheWindowManagerWasReplaced) {
     manager.reset();
     ASSERT_TRUE(program->process().waitForOutput("Accessibility trust changed to notTrusted"));
     EXPECT_TRUE(program->process().waitForOutput("Services suspended"));
+    EXPECT_EQ(program->sanitizerReport(), "");
     program->process().discardOutput();
     manager = std::make_unique<WindowManagerProcess>(server, GetParam());
     ASSERT_TRUE(program->waitUntilActive());

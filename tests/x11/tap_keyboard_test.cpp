@@ -521,6 +521,20 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackAndReportsItWhenTheSessionIsLocked) 
     expectNothingLeft();
 }
 
+TEST_F(TapKeyboardTest, OfSeveralRequestsTheLastSaysWhetherItIsEnabled) {
+    TapRig rig(server.display(), {});
+    for (int repetition = 0; repetition < 20; ++repetition) {
+        rig.taps().notifyKeyboardUnavailable();
+        rig.tap().setEnabled(true);
+        ASSERT_TRUE(rig.settle());
+        EXPECT_TRUE(rig.tap().isEnabled());
+        rig.tap().setEnabled(true);
+        rig.tap().setEnabled(false);
+        ASSERT_TRUE(rig.settle());
+        EXPECT_FALSE(rig.tap().isEnabled());
+    }
+}
+
 TEST_F(TapKeyboardTest, AnInvalidatedOrDisabledTapGivesTheKeyboardBack) {
     TapRig rig(server.display(), {});
     startSession(rig);

@@ -50,8 +50,13 @@ TapRig::TapRig(const std::string& display, const Options& options)
                 const std::lock_guard guard(lock_);
                 requested = requestedLaps_;
             }
-            // A pass of its own, because a stopped loop handles nothing.
-            loop_->runFor(requested > laps_ ? Seconds::zero() : Seconds(1));
+            if (requested > laps_) {
+                // Two passes of its own, because a stopped loop handles nothing: the first may end with the request.
+                loop_->runFor(Seconds::zero());
+                loop_->runFor(Seconds::zero());
+            } else {
+                loop_->runFor(Seconds(1));
+            }
             {
                 const std::lock_guard guard(lock_);
                 laps_ = requested;
@@ -263,8 +268,9 @@ bool TapRig::settle() {
         {
             const std::lock_guard guard(lock_);
             lap = ++requestedLaps_;
+            // Never later than the thread sees the request.
+            loop_->stop();
         }
-        loop_->stop();
         if (!waitUntil([&] { return laps_ >= lap && commands_.empty() && !isMainBusy_; })) {
             return false;
         }

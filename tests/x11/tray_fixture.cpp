@@ -26,7 +26,7 @@ TrayRig::TrayRig(const Options& options)
     qputenv("DISPLAY", QByteArray::fromStdString(server.display()));
     qputenv("QT_QPA_PLATFORM", "xcb");
     qputenv("QT_SCALE_FACTOR", QByteArray::fromStdString(options.scale));
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     application = std::make_unique<QApplication>(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
     mainLoop = std::make_unique<QtMainLoop>();
@@ -42,19 +42,6 @@ TrayRig::TrayRig(const Options& options)
     item->setButton({"macwindow.on.rectangle", "Ferrowyn", "Ferrowyn"});
     item->setMenu(test::statusMenu(test::Health::ready));
     item->setActionHandler([this](const MenuRow& row) { chosen.push_back(row.action); });
-}
-
-bool TrayRig::runUntil(const std::function<bool()>& predicate) {
-    const Deadline deadline(patience);
-    QTimer tick;
-    tick.start(10);
-    while (!predicate()) {
-        if (deadline.hasPassed()) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    }
-    return true;
 }
 
 bool TrayRig::waitForHost(LinuxTrayIcon::Host host) {

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -19,6 +18,7 @@
 #include "tests/x11/harness/private_x_server.h"
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_input.h"
+#include "tests/x11/harness/toolkit_wait.h"
 #include "tests/x11/harness/tray_host_process.h"
 #include "tests/x11/harness/window_manager_process.h"
 #include "ui/popup_status_item.h"
@@ -60,7 +60,7 @@ public:
     std::vector<MenuRow::Action> chosen;
 
     /// Runs the loop until the predicate holds; what happens outside this process is looked at again at each tick.
-    [[nodiscard]] static bool runUntil(const std::function<bool()>& predicate);
+    [[nodiscard]] static bool runUntil(const std::function<bool()>& predicate) { return runToolkitUntil(predicate); }
     [[nodiscard]] bool waitForHost(LinuxTrayIcon::Host host);
     /// Where the icon is on the screen, found by its colour.
     [[nodiscard]] std::optional<TestDesktop::Place> iconPlace() const;

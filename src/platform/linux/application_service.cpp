@@ -25,7 +25,7 @@ ApplicationService::ApplicationService(MainLoop& mainLoop, const std::optional<s
         return;
     }
     // What the listener posts may arrive after this object is gone.
-    const auto onMainLoop = [this, &mainLoop, alive = std::weak_ptr(isAlive_)](std::function<void()> task) {
+    const auto onMainLoop = [&mainLoop, alive = std::weak_ptr(isAlive_)](std::function<void()> task) {
         mainLoop.post([alive, task = std::move(task)] {
             if (!alive.expired()) {
                 task();

@@ -34,11 +34,13 @@ public:
 
 public slots:
     // Named as on the bus. What launchers say of the screen and the time of the click has no use here yet.
+    // NOLINTBEGIN(readability-identifier-naming)
     Q_SCRIPTABLE void Activate(const QVariantMap& platformData);
     /// The program opens no documents: like launchers without any, it shows itself.
     Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platformData);
     Q_SCRIPTABLE void ActivateAction(const QString& action, const QVariantList& parameters,
                                      const QVariantMap& platformData);
+    // NOLINTEND(readability-identifier-naming)
 
 private:
     std::string busAddress_;

@@ -21,12 +21,12 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t largestEntry = 1U << 20U;
-/// The switch of several desktops' own settings.
-constexpr std::string_view desktopSwitch = "X-GNOME-Autostart-enabled";
+/// The switches of desktops' own settings: of several, and of MATE.
+constexpr std::array<std::string_view, 2> desktopSwitches{"X-GNOME-Autostart-enabled", "X-MATE-Autostart-enabled"};
 /// Tells an entry that this program turned off from one that the user did.
 constexpr std::string_view turnedOffByProgram = "X-Ferrowyn-TurnedOff";
-constexpr std::array<std::string_view, 8> ownKeys{"Type", "Name",   "Exec",        "TryExec",
-                                                  "Icon", "Hidden", desktopSwitch, turnedOffByProgram};
+constexpr std::array<std::string_view, 9> ownKeys{
+    "Type", "Name", "Exec", "TryExec", "Icon", "Hidden", desktopSwitches[0], desktopSwitches[1], turnedOffByProgram};
 
 std::string environmentText(const char* variable) {
     const char* value = std::getenv(variable);
@@ -125,7 +125,8 @@ std::optional<DesktopFileDocument> XdgLoginItem::systemEntry() const {
 }
 
 bool XdgLoginItem::isTurnedOff(const DesktopFileDocument& entry) const {
-    return entry.boolean("Hidden").value_or(false) || !entry.boolean(desktopSwitch).value_or(true);
+    return entry.boolean("Hidden").value_or(false) ||
+           std::ranges::any_of(desktopSwitches, [&](const auto key) { return !entry.boolean(key).value_or(true); });
 }
 
 bool XdgLoginItem::isShownHere(const DesktopFileDocument& entry) const {
@@ -207,8 +208,10 @@ std::optional<LoginItem::Error> XdgLoginItem::registerProgram() {
         entry.set("Exec", desktop_file::quotedArgument(executable));
         entry.set("TryExec", executable);
     }
-    if (entry.value(desktopSwitch)) {
-        entry.set(desktopSwitch, "true");
+    for (const auto key : desktopSwitches) {
+        if (entry.value(key)) {
+            entry.set(key, "true");
+        }
     }
     entry.remove("Hidden");
     entry.remove(turnedOffByProgram);

@@ -359,6 +359,10 @@ void SimulatedDesktop::movePointer(Point location) {
     implementation_->pointer.move(location);
 }
 
+void SimulatedDesktop::movePointerUnnoticed(Point location) {
+    implementation_->pointer.moveUnnoticed(location);
+}
+
 void SimulatedDesktop::clickElsewhere() {
     implementation_->pointer.clickElsewhere();
 }

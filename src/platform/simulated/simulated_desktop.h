@@ -153,6 +153,8 @@ public:
     // --------------------------------------------------------------------------------------
     void setScreens(std::vector<Screen> screens, std::optional<std::size_t> mainIndex = 0);
     void movePointer(Point location);
+    /// As when no key or pointer event has told of it yet.
+    void movePointerUnnoticed(Point location);
     void clickElsewhere();
     using PanelState = SimulatedPanelState;
     [[nodiscard]] const PanelState& panel() const;

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/subject.h"
 #include "platform/icon_source.h"
 
 namespace ferrowyn {
@@ -18,8 +19,15 @@ public:
     [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid pid) override;
     [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
 
+    [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> handler) override {
+        return processChanges_.subscribe([told = std::move(handler)](const Pid& pid) { told(pid); });
+    }
+
     void setFileHasIcon(std::string path, bool hasIcon) { files_.insert_or_assign(std::move(path), hasIcon); }
-    void setProcessHasIcon(Pid pid, bool hasIcon) { processes_.insert_or_assign(pid, hasIcon); }
+    void setProcessHasIcon(Pid pid, bool hasIcon) {
+        processes_.insert_or_assign(pid, hasIcon);
+        processChanges_.send(pid);
+    }
     /// "file <path>", "process <pid>" and "generic <name>", in the order in which they were asked for.
     [[nodiscard]] std::vector<std::string> takeLoads() { return std::exchange(loads_, {}); }
 
@@ -27,6 +35,7 @@ private:
     std::map<std::string, bool, std::less<>> files_;
     std::map<Pid, bool> processes_;
     std::vector<std::string> loads_;
+    Subject<Pid> processChanges_;
 };
 
 }  // namespace ferrowyn

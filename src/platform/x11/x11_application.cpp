@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "platform/linux/file_manager.h"
-#include "platform/x11/x11_element.h"
 
 namespace ferrowyn {
 
@@ -45,7 +44,7 @@ void X11Application::activate() {}
 
 /// As a pager asks, which no manager refuses: the user chose to see this window, a moment ago and perhaps elsewhere.
 void X11Application::bringToFront(WindowId window) {
-    windows_.raise(X11Element::make(window));
+    windows_.bringToFront(window);
 }
 
 void X11Application::terminate() {

@@ -98,6 +98,10 @@ void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event)
         model_.noteTitleChanged(event.window);
         return;
     }
+    if (event.atom == atoms_.netWmIcon) {
+        iconChanges_.send(event.window);
+        return;
+    }
     const std::array relevant{atoms_.netWmState,
                               atoms_.wmState,
                               atoms_.netWmDesktop,

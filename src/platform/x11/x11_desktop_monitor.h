@@ -41,6 +41,9 @@ public:
     /// These windows are new or have changed, and have just been read; what others knew of them may be old.
     [[nodiscard]] const Subject<std::vector<xcb_window_t>>& windowReadings() const { return windowReadings_; }
 
+    /// The window carries another icon from now on.
+    [[nodiscard]] const Subject<xcb_window_t>& iconChanges() const { return iconChanges_; }
+
     /// The arrangement of the screens changed.
     [[nodiscard]] const Subject<bool>& screenChanges() const { return screenChanges_; }
 
@@ -73,6 +76,7 @@ private:
     bool isReading_ = false;
     Subscription expectation_;
     Subject<std::vector<xcb_window_t>> windowReadings_;
+    Subject<xcb_window_t> iconChanges_;
     Subject<bool> screenChanges_;
 };
 

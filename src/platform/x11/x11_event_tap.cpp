@@ -71,8 +71,12 @@ void X11EventTap::serve() {
         if (engine_ == nullptr || !isConnected_) {
             continue;
         }
-        if (request->kind == X11TapRequest::Kind::keyboardUnavailable) {
+        using Kind = X11TapRequest::Kind;
+        if (request->kind == Kind::keyboardUnavailable || request->kind == Kind::disable) {
             isEnabled_.store(false);
+        } else if (request->kind == Kind::enable) {
+            // Whoever asked has said so already, but the keyboard may have become unavailable just before.
+            isEnabled_.store(true);
         }
         engine_->handle(*request);
     }

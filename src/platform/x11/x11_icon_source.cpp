@@ -40,6 +40,14 @@ std::shared_ptr<const IconImage> X11IconSource::genericApplicationIcon(std::stri
     return std::make_shared<LetteredTile>(name);
 }
 
+Subscription X11IconSource::observeProcessIcons(std::function<void(Pid)> handler) {
+    return monitor_.iconChanges().subscribe([this, told = std::move(handler)](const xcb_window_t& window) {
+        if (const auto* const facts = monitor_.model().find(window)) {
+            told(facts->pid);
+        }
+    });
+}
+
 std::vector<PixelBuffer> iconsFromProperty(std::span<const std::uint32_t> items) {
     std::vector<PixelBuffer> icons;
     while (items.size() >= 2) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -22,6 +23,7 @@ public:
     [[nodiscard]] std::shared_ptr<const IconImage> iconForFile(std::string_view path) override;
     [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid pid) override;
     [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
+    [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> handler) override;
 
 private:
     X11DesktopMonitor& monitor_;

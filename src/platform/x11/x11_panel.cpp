@@ -114,14 +114,14 @@ void X11Panel::makeWindow() {
     finishHiding();
     const bool isTranslucent = compositor_.isRunning();
     content_->setTranslucent(isTranslucent);
-    const auto previous =
-        std::exchange(window_, std::make_unique<X11PanelWindow>(isTranslucent, *content_->widget(),
-                                                                [this](int x, int y, std::uint32_t pressTime) {
-                                                                    pointer_.moved(x, y);
-                                                                    if (pressTime != 0) {
-                                                                        pointer_.pressed(pressTime);
-                                                                    }
-                                                                }));
+    const auto previous = std::exchange(
+        window_, std::make_unique<X11PanelWindow>(isTranslucent, *content_->widget(),
+                                                  [this](int x, int y, std::optional<std::uint32_t> pressTime) {
+                                                      pointer_.moved(x, y);
+                                                      if (pressTime) {
+                                                          pointer_.pressed(*pressTime);
+                                                      }
+                                                  }));
     isPrimed_ = false;
     if (isShown_) {
         redraw();

@@ -141,10 +141,12 @@ bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonRelease: {
             const QPointF inPoints = static_cast<const QSinglePointEvent*>(event)->position();
             const double scale = devicePixelRatioF();
-            const bool isPress = event->type() == QEvent::MouseButtonPress;
+            std::optional<std::uint32_t> pressTime;
+            if (event->type() == QEvent::MouseButtonPress) {
+                pressTime = static_cast<std::uint32_t>(static_cast<const QInputEvent*>(event)->timestamp());
+            }
             onPointer_(frame_.x + static_cast<int>(std::lround(inPoints.x() * scale)),
-                       frame_.y + static_cast<int>(std::lround(inPoints.y() * scale)),
-                       isPress ? static_cast<std::uint32_t>(static_cast<const QInputEvent*>(event)->timestamp()) : 0);
+                       frame_.y + static_cast<int>(std::lround(inPoints.y() * scale)), pressTime);
             break;
         }
         default:

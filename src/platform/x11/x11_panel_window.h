@@ -23,8 +23,8 @@ namespace ferrowyn {
 /// panel that nobody sees, so it is not done. The rest is the server clipping what lies below.
 class X11PanelWindow final : public QWidget {
 public:
-    /// `pressTime` is the server's when a button went down, else 0.
-    using PointerHandler = std::function<void(int rootX, int rootY, std::uint32_t pressTime)>;
+    /// `pressTime` is the server's, when a button went down.
+    using PointerHandler = std::function<void(int rootX, int rootY, std::optional<std::uint32_t> pressTime)>;
 
     /// `content` fills the window, and is let go, not destroyed, with it. A translucent window needs a compositor.
     X11PanelWindow(bool isTranslucent, QWidget& content, PointerHandler onPointer);

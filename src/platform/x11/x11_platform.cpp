@@ -197,7 +197,7 @@ void X11Platform::setSettingsPageHandler(std::function<bool(std::string_view)> h
     parts_->openSettingsPage = std::move(handler);
 }
 
-std::unique_ptr<LinuxTrayIcon> X11Platform::makeTrayIcon(TraySymbolPainter painter) {
+std::unique_ptr<LinuxTrayIcon> X11Platform::makeTrayIcon(const TraySymbolPainter& painter) {
     const auto makeEmbedded = [this, painter]() -> std::unique_ptr<TrayIcon> {
         auto connection = X11Connection::open(parts_->display.empty() ? nullptr : parts_->display.c_str());
         if (connection == nullptr) {

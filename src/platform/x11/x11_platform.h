@@ -43,7 +43,7 @@ public:
     void setSettingsPageHandler(std::function<bool(std::string_view)> handler);
 
     /// The program's icon in whatever tray this desktop has, now or later. It does not outlive this.
-    [[nodiscard]] std::unique_ptr<LinuxTrayIcon> makeTrayIcon(TraySymbolPainter painter);
+    [[nodiscard]] std::unique_ptr<LinuxTrayIcon> makeTrayIcon(const TraySymbolPainter& painter);
     /// Whether windows may be translucent now.
     [[nodiscard]] bool isComposited() const;
 

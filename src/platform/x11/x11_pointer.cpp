@@ -31,16 +31,26 @@ X11Pointer::X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11Inp
         selectPresses();
         eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { handle(event); });
     }
-    const XcbReply<xcb_query_pointer_reply_t> pointer(
-        xcb_query_pointer_reply(events_.get(), xcb_query_pointer(events_.get(), events_.root()), nullptr));
-    if (pointer) {
-        moved(pointer->root_x, pointer->root_y);
-    }
+    refresh();
 }
 
 Point X11Pointer::location() const {
     const auto [x, y] = context_.pointer();
     return screens_.coordinates().toPoints(static_cast<int>(x), static_cast<int>(y));
+}
+
+void X11Pointer::refresh() {
+    static_cast<void>(ask());
+}
+
+std::optional<std::pair<int, int>> X11Pointer::ask() {
+    const XcbReply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(events_.get(), xcb_query_pointer(events_.get(), events_.root()), nullptr));
+    if (!pointer) {
+        return std::nullopt;
+    }
+    moved(pointer->root_x, pointer->root_y);
+    return std::pair<int, int>(pointer->root_x, pointer->root_y);
 }
 
 Subscription X11Pointer::observeClicksElsewhere(std::function<void()> handler) {
@@ -80,13 +90,8 @@ void X11Pointer::handle(const xcb_generic_event_t& event) {
         return;
     }
     // A raw event does not say where; this is no hot path, so the server may be asked.
-    const XcbReply<xcb_query_pointer_reply_t> pointer(
-        xcb_query_pointer_reply(events_.get(), xcb_query_pointer(events_.get(), events_.root()), nullptr));
-    if (!pointer) {
-        return;
-    }
-    moved(pointer->root_x, pointer->root_y);
-    if (!panel_->contains(pointer->root_x, pointer->root_y)) {
+    const auto place = ask();
+    if (place && !panel_->contains(place->first, place->second)) {
         clicks_.send(true);
     }
 }

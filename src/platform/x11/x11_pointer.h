@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "core/subject.h"
 #include "platform/pointer.h"
@@ -17,6 +18,7 @@ public:
     X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11InputContext& context);
 
     [[nodiscard]] Point location() const override;
+    void refresh() override;
     [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override;
 
     /// Where the panel is while it is shown: presses outside are clicks elsewhere. Others are let pass.
@@ -27,6 +29,8 @@ public:
     void pressed(std::uint32_t time) { context_.noteUserTime(time); }
 
 private:
+    /// Asks the server where the pointer is on the root window; nothing when it does not say.
+    std::optional<std::pair<int, int>> ask();
     void selectPresses();
     void handle(const xcb_generic_event_t& event);
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/x11/x11_element.h"
+#include "platform/x11/x11_server_time.h"
 
 namespace ferrowyn {
 namespace {
@@ -27,6 +28,15 @@ void X11WindowControl::raise(const AXElementRef& window) {
         xcb_map_window(monitor_.connection().get(), *id);
     }
     requestActivation(*id);
+}
+
+void X11WindowControl::bringToFront(xcb_window_t window) {
+    // The click in a menu that asked for it may have been heard by the toolkit only so far, and a command line is typed
+    // into another program: a manager that knows of a later input than this would only highlight the window.
+    if (const auto now = serverTimeNow(monitor_.connection().get())) {
+        context_.noteUserTime(*now);
+    }
+    raise(X11Element::make(window));
 }
 
 void X11WindowControl::activate(Pid pid) {

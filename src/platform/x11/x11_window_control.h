@@ -15,12 +15,12 @@ namespace ferrowyn {
 /// Asks the window manager to activate windows, as a pager does. One request does what takes other desktops eight: the
 /// manager restores, raises and focuses the window together. So `raise` sends it at once, `setFrontmost` adds the
 /// stacking for managers that focus without raising, and the steps between find their work done. Main thread; nothing
-/// here waits for an answer.
+/// here waits for an answer, except what is asked for the program's own windows.
 class X11WindowControl final : public WindowControl {
 public:
     /// All references outlive this.
-    X11WindowControl(MainLoop& mainLoop, X11DesktopMonitor& monitor, const X11Atoms& atoms,
-                     const X11InputContext& context, Log& log)
+    X11WindowControl(MainLoop& mainLoop, X11DesktopMonitor& monitor, const X11Atoms& atoms, X11InputContext& context,
+                     Log& log)
         : mainLoop_(mainLoop), monitor_(monitor), atoms_(atoms), context_(context), log_(log) {}
 
     /// Applications as a whole cannot be hidden here. All of one's windows being minimised is not that: the user
@@ -39,6 +39,8 @@ public:
     /// Activation restores a minimised window; see `raise` for managers with which it does not.
     void unminimize(const AXElementRef& /*window*/) override {}
     void raise(const AXElementRef& window) override;
+    /// One of this program's own windows, which the user has asked for now.
+    void bringToFront(xcb_window_t window);
     void setMain(const AXElementRef& /*window*/) override {}
     void setFocused(const AXElementRef& /*window*/) override {}
     void setFocusedWindow(Pid /*pid*/, const AXElementRef& /*window*/) override {}
@@ -60,7 +62,7 @@ private:
     MainLoop& mainLoop_;
     X11DesktopMonitor& monitor_;
     const X11Atoms& atoms_;
-    const X11InputContext& context_;
+    X11InputContext& context_;
     Log& log_;
     /// The window that was last asked for; forgotten after a while, or it would stand in the way of the next request
     /// for its application.

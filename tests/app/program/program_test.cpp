@@ -1,6 +1,7 @@
 #include <signal.h>
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
@@ -30,9 +31,11 @@ protected:
         environment.insert("XDG_CONFIG_HOME", settings.path());
     }
 
-    std::unique_ptr<QProcess> start(const QStringList& arguments) {
+    std::unique_ptr<QProcess> start(const QStringList& arguments, void (*hangup)(int) = SIG_DFL) {
         auto program = std::make_unique<QProcess>();
         program->setProcessEnvironment(environment);
+        // Whatever this test was started with.
+        program->setChildProcessModifier([hangup] { ::signal(SIGHUP, hangup); });
         program->start(FERROWYN_PROGRAM, arguments);
         EXPECT_TRUE(program->waitForStarted(patience));
         return program;
@@ -78,9 +81,27 @@ protected:
         ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), number), 0);
     }
 
-    int argumentCount = 0;
+    /// As the kernel tells it of a running program.
+    static bool ignores(const QProcess& program, int number) {
+        QFile file(QStringLiteral("/proc/%1/status").arg(program.processId()));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray key = "SigIgn:";
+        const auto lines = file.readAll().split('\n');
+        const auto line =
+            std::find_if(lines.begin(), lines.end(), [&](const auto& each) { return each.startsWith(key); });
+        if (line == lines.end()) {
+            ADD_FAILURE() << "the kernel does not tell";
+            return false;
+        }
+        return (line->mid(key.size()).trimmed().toULongLong(nullptr, 16) >> (number - 1) & 1U) != 0;
+    }
+
+    // Kept for as long as the application is, which wants at least a name.
+    int argumentCount = 1;
+    char nameOfTest[13] = "program_test";
+    char* ownArguments[2] = {nameOfTest, nullptr};
     /// Before the first process, whose end it tells of.
-    QCoreApplication application{argumentCount, nullptr};
+    QCoreApplication application{argumentCount, ownArguments};
     QTemporaryDir settings;
     QProcessEnvironment environment;
 };
@@ -147,6 +168,16 @@ TEST_F(ProgramTest, RunsOnTheSimulatedDesktopWithoutADisplayUntilItIsAskedToEnd)
     }
 }
 
+TEST_F(ProgramTest, StartedWithNohupItOutlivesItsTerminal) {
+    const auto program = start({"--platform=simulated", "--log-level=default"}, SIG_IGN);
+    ASSERT_TRUE(waitForLog(*program, "Services active"));
+    EXPECT_TRUE(ignores(*program, SIGHUP));
+    EXPECT_FALSE(ignores(*program, SIGTERM));
+    signal(*program, SIGHUP);
+    signal(*program, SIGTERM);
+    EXPECT_EQ(resultOf(*program).status, 0);
+}
+
 /// A server of the test's own.
 class ProgramOnX11Test : public ProgramTest {
 protected:
@@ -162,10 +193,11 @@ protected:
 
     /// Waits for the ends of all the others.
     static bool waitUntilOneRuns(const std::vector<std::unique_ptr<QProcess>>& programs) {
-        bool isOver = false;
-        QTimer::singleShot(patience, [&] { isOver = true; });
+        QTimer deadline;
+        deadline.setSingleShot(true);
+        deadline.start(patience);
         const auto isRunning = [](const auto& program) { return program->state() == QProcess::Running; };
-        while (std::count_if(programs.begin(), programs.end(), isRunning) > 1 && !isOver) {
+        while (std::count_if(programs.begin(), programs.end(), isRunning) > 1 && deadline.isActive()) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
         return std::count_if(programs.begin(), programs.end(), isRunning) == 1;

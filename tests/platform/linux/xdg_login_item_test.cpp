@@ -90,6 +90,8 @@ TEST_F(XdgLoginItemTest, WhatSomebodyElseTurnedOffNeedsApproval) {
     EXPECT_EQ(statusOf(entry("Hidden=false\n")), Status::enabled);
     EXPECT_EQ(statusOf(entry("X-GNOME-Autostart-enabled=false\n")), Status::requiresApproval);
     EXPECT_EQ(statusOf(entry("X-GNOME-Autostart-enabled=true\n")), Status::enabled);
+    EXPECT_EQ(statusOf(entry("X-MATE-Autostart-enabled=false\n")), Status::requiresApproval);
+    EXPECT_EQ(statusOf(entry("X-MATE-Autostart-enabled=true\n")), Status::enabled);
 }
 
 TEST_F(XdgLoginItemTest, AnEntryForOtherDesktopsNeedsApproval) {

@@ -273,7 +273,7 @@ protected:
     std::string failureOf(const std::string& behaviour, const char* certificate = "good") {
         const auto state = check(behaviour, certificate);
         const auto* failed = std::get_if<UpdateChecker::Failed>(&state);
-        return failed != nullptr ? failed->text : "";
+        return failed != nullptr ? failed->text.untranslated() : "";
     }
 
     SimulatedDesktop desktop;
@@ -297,12 +297,17 @@ TEST_F(UpdateOverHttpsTest, SaysWhatWentWrong) {
     EXPECT_EQ(failureOf("404"), "The update server replied with 404.");
     EXPECT_EQ(failureOf("500"), "The update server replied with 500.");
     EXPECT_EQ(failureOf("not-http"), "The update server replied with 0.");
+    EXPECT_EQ(failureOf("reset"), "The update server replied with 0.");
     for (const char* body : {"no-url", "array", "text", "binary", "empty", "mebibyte"}) {
         EXPECT_EQ(failureOf(body), "The update manifest could not be read.") << body;
     }
     EXPECT_EQ(failureOf("redirect-http"), "The server redirects to an address that is not secure.");
+    EXPECT_EQ(failureOf("redirect-for-ever"), "Too many redirects");
     EXPECT_EQ(failureOf("five-megabytes-announced"), "The server's answer is too long.");
-    EXPECT_THAT(failureOf("manifest", "unknown"), HasSubstr("certificate"));
+    EXPECT_EQ(failureOf("endless"), "The server's answer is too long.");
+    for (const char* certificate : {"unknown", "other-host", "expired"}) {
+        EXPECT_THAT(failureOf("manifest", certificate), HasSubstr("certificate")) << certificate;
+    }
     EXPECT_EQ(failureOf("cut-off"), "Connection closed");
     EXPECT_EQ(desktop.userDefaults().value("updates.lastCheck"), std::nullopt);
 }

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "tests/ui/gallery/menu_shots.h"
+#include "tests/ui/gallery/sheets.h"
 #include "tests/ui/gallery/window_pictures.h"
 #include "tests/ui/panel_model.h"
 #include "ui/panel_geometry.h"
@@ -192,5 +193,6 @@ int main(int argc, char** argv) {
         isSaved =
             photograph(shot, argc > 3).save(folder.filePath(QString::fromStdString(shot.name + ".png"))) && isSaved;
     }
+    isSaved = ferrowyn::gallery::saveSheets(folder) && isSaved;
     return isSaved ? 0 : 1;
 }

@@ -34,15 +34,17 @@ struct Shot {
     /// Title of the row under the pointer.
     std::string selected;
     bool isGearHovered = false;
+    Qt::LayoutDirection direction = Qt::LeftToRight;
 };
 
 QImage photograph(const Shot& shot) {
-    const StatusMenu menu = test::statusMenu(shot.health);
+    const StatusMenu menu = test::statusMenu(shot.health, linuxStatusItemTexts());
     StatusMenuPopup popup(menu, linuxTexts(), shot.isTranslucent);
     popup.setPalette(palette(shot.scheme));
+    popup.setLayoutDirection(shot.direction);
     popup.select(test::rowTitled(menu, shot.selected));
     if (shot.isGearHovered) {
-        const Rect gear = MenuHeaderView::gearArea(popup.geometryNow().row(0));
+        const Rect gear = popup.gearRect(0);
         const QPointF place(gear.midX(), gear.midY());
         QMouseEvent press(QEvent::MouseButtonPress, place, popup.mapToGlobal(place), Qt::LeftButton, Qt::LeftButton,
                           Qt::NoModifier);
@@ -104,6 +106,8 @@ bool saveMenuShots(const QDir& folder) {
         const Shot selected{test::Health::ready, scheme, 2, true, "Open Switcher"};
         const Shot quit{test::Health::ready, scheme, 1, false, "Quit Ferrowyn"};
         const Shot gear{test::Health::trustRevoked, scheme, 2, true, {}, true};
+        const Shot mirrored{test::Health::secureInput, scheme, 2, true, {}, false, Qt::RightToLeft};
+        isSaved = save(folder, mirrored, "-right-to-left") && isSaved;
         isSaved = save(folder, selected, "-selected") && save(folder, quit, "-opaque") && save(folder, gear, "-gear") &&
                   isSaved;
     }

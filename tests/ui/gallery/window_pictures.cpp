@@ -3,10 +3,12 @@
 #include <QApplication>
 #include <QImage>
 #include <QKeyEvent>
+#include <QTranslator>
 #include <QWindow>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/simulated/simulated_application.h"
@@ -23,6 +25,36 @@ namespace ferrowyn::test {
 namespace {
 
 enum class Scheme { light, dark };
+
+/// What a translation may do to the windows: its words are half as long again, or run from right to left.
+enum class Language { asWritten, wordy, rightToLeft };
+
+/// Keeps what is put into a text, as a translator would.
+QString rightToLeft(const QString& text) {
+    const QString words = QStringLiteral("إظهار كل النوافذ المفتوحة والتطبيقات في القائمة عند الضغط على المفتاح ");
+    QString result = words.repeated(text.size() / words.size() + 1).left(text.size()).trimmed();
+    return text.contains(QStringLiteral("%1")) ? result + QStringLiteral(" %1") : result;
+}
+
+class StandInTranslator final : public QTranslator {
+public:
+    explicit StandInTranslator(Language language) : language_(language) {}
+    [[nodiscard]] bool isEmpty() const override { return false; }
+    [[nodiscard]] QString translate(const char* context, const char* text, const char* /*disambiguation*/,
+                                    int /*count*/) const override {
+        const QString written = QString::fromUtf8(text);
+        if (QLatin1String(context) != QLatin1String("Ferrowyn") || written == QLatin1String("%1")) {
+            return {};
+        }
+        if (language_ == Language::rightToLeft) {
+            return rightToLeft(written);
+        }
+        return written + QStringLiteral(" und ") + written.left(written.size() / 2).remove(QStringLiteral("%1"));
+    }
+
+private:
+    Language language_;
+};
 
 QPalette palette(Scheme scheme) {
     const bool isDark = scheme == Scheme::dark;
@@ -43,9 +75,31 @@ struct Shot {
     QSize size;
     /// How often the Tab key was pressed.
     int tabs = 0;
+    Language language = Language::asWritten;
+};
+
+/// While it lives the windows speak another language.
+class InLanguage {
+public:
+    explicit InLanguage(Language language) : translator_(language) {
+        if (language != Language::asWritten) {
+            QCoreApplication::installTranslator(&translator_);
+        }
+        QGuiApplication::setLayoutDirection(language == Language::rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    }
+    ~InLanguage() {
+        QCoreApplication::removeTranslator(&translator_);
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+    InLanguage(const InLanguage&) = delete;
+    InLanguage& operator=(const InLanguage&) = delete;
+
+private:
+    StandInTranslator translator_;
 };
 
 bool photograph(const Shot& shot, Scheme scheme, double scale, const QDir& folder) {
+    const InLanguage language(shot.language);
     QApplication::setPalette(palette(scheme));
     WindowsModel model(shot.texts, shot.arrange);
     UtilityWindow window(shot.build(model), shot.isResizable);
@@ -102,6 +156,33 @@ void distrust(SimulatedDesktop& desktop) {
     desktop.setTrusted(false);
     desktop.setSecureInput(true);
     desktop.loginItem().current = LoginItem::Status::requiresApproval;
+}
+
+void appendTranslated(std::vector<Shot>& list) {
+    for (const auto& [name, language] :
+         {std::pair("wordy", Language::wordy), std::pair("right-to-left", Language::rightToLeft)}) {
+        const auto add = [&list, end = "-" + std::string(name), spoken = language](Shot shot) {
+            shot.name += end;
+            shot.language = spoken;
+            list.push_back(std::move(shot));
+        };
+        for (const auto pane : allSettingsPanes) {
+            add({.name = "settings-" + std::string(rawValue(pane)),
+                 .build = settings(pane),
+                 .change = pinMany,
+                 .isResizable = true});
+            add({.name = "settings-" + std::string(rawValue(pane)) + "-narrow",
+                 .build = settings(pane),
+                 .arrange = distrust,
+                 .change = pinMany,
+                 .isResizable = true,
+                 .size = QSize(1, 1)});
+        }
+        add({.name = "setup-granted", .build = setup});
+        add({.name = "setup-required", .build = setup, .arrange = distrust});
+        add({.name = "setup-required-mac", .build = setup, .arrange = distrust, .texts = macTexts()});
+        add({.name = "about", .build = about});
+    }
 }
 
 std::vector<Shot> shots() {
@@ -163,6 +244,7 @@ std::vector<Shot> shots() {
     list.push_back({.name = "setup-required", .build = setup, .arrange = distrust});
     list.push_back({.name = "setup-required-mac", .build = setup, .arrange = distrust, .texts = macTexts()});
     list.push_back({.name = "about", .build = about});
+    appendTranslated(list);
     return list;
 }
 

@@ -15,7 +15,8 @@ void require(bool holds, const std::string& what) {
 
 }  // namespace
 
-DemoDesktop::DemoDesktop(const std::string& programPath) : desktop(server.display()), input(server.display()) {
+DemoDesktop::DemoDesktop(const std::string& programPath)
+    : desktop(server.display()), input(server.display()), programPath_(programPath) {
     paintBackground();
     server.home().write("Documents/Minutes.txt", "Minutes\n=======\n\nThe switcher shows every window.\n");
     server.home().write("Documents/Report.txt", "Report\n");
@@ -83,6 +84,18 @@ xcb_window_t DemoDesktop::launch(const std::vector<std::string>& command, const 
                          values);
     xcb_flush(desktop.connection());
     return opened;
+}
+
+std::string DemoDesktop::ask(const std::string& argument) const {
+    ChildProcess::Options options;
+    options.command = {programPath_, argument};
+    options.environment = server.clientEnvironment();
+    ChildProcess process(options);
+    const auto status = process.waitForExit();
+    if (!status) {
+        return "it does not end";
+    }
+    return *status == 0 ? process.output() : "it ended with " + std::to_string(*status) + ": " + process.output();
 }
 
 void DemoDesktop::arrange() {

@@ -7,6 +7,7 @@
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/ferrowyn_program.h"
 #include "tests/x11/harness/private_x_server.h"
+#include "tests/x11/harness/settings_file.h"
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_input.h"
 #include "tests/x11/harness/window_manager_process.h"
@@ -19,7 +20,11 @@ class DemoDesktop {
 public:
     explicit DemoDesktop(const std::string& program);
 
+    /// Another start of the program, with this argument, until it ends: what it says, nothing when all is well.
+    [[nodiscard]] std::string ask(const std::string& argument) const;
+
     PrivateXServer server;
+    SettingsFile settings{server};
     TestDesktop desktop;
     TestInput input;
     std::unique_ptr<WindowManagerProcess> manager;
@@ -38,6 +43,7 @@ private:
     xcb_window_t launch(const std::vector<std::string>& command, const TestDesktop::Place& place);
     void arrange();
 
+    std::string programPath_;
     std::vector<std::unique_ptr<ChildProcess>> applications_;
 };
 

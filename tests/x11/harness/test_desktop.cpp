@@ -226,6 +226,15 @@ bool TestDesktop::isViewable(xcb_window_t window) const {
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
+std::optional<xcb_window_t> TestDesktop::windowTitled(const std::string& title) const {
+    for (const auto window : clientList()) {
+        if (text(window, "_NET_WM_NAME") == title && isViewable(window)) {
+            return window;
+        }
+    }
+    return std::nullopt;
+}
+
 std::set<xcb_window_t> TestDesktop::shownTopLevels() const {
     const auto cookie = xcb_query_tree(connection_, root());
     const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection_, cookie, nullptr));

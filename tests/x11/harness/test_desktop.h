@@ -63,6 +63,8 @@ public:
     };
     [[nodiscard]] std::optional<Place> placeOf(xcb_window_t window) const;
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
+    /// The window with this title on the screen, among those that the manager lists.
+    [[nodiscard]] std::optional<xcb_window_t> windowTitled(const std::string& title) const;
     /// Every window that a person could see, except the ones inside others; panels and popups are among them.
     [[nodiscard]] std::set<xcb_window_t> shownTopLevels() const;
     /// The switcher's panel as it is on the screen: a visible override-redirect window of the class "ferrowyn".

@@ -69,11 +69,11 @@ std::vector<std::string> commandFor(const std::string& name, const PrivateXServe
 
 }  // namespace
 
-TrayHostProcess::TrayHostProcess(const PrivateXServer& server, const PrivateBus& bus, const std::string& name) {
+TrayHostProcess::TrayHostProcess(const PrivateXServer& server, const std::string& name, const std::string& busAddress) {
     ChildProcess::Options options;
     options.command = commandFor(name, server);
     options.environment = server.clientEnvironment();
-    options.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    options.environment["DBUS_SESSION_BUS_ADDRESS"] = busAddress;
     process_ = std::make_unique<ChildProcess>(options);
 }
 

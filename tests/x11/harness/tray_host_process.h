@@ -14,11 +14,17 @@ namespace ferrowyn::x11test {
 /// windows, at its lower edge.
 class TrayHostProcess {
 public:
-    TrayHostProcess(const PrivateXServer& server, const PrivateBus& bus, const std::string& name);
+    TrayHostProcess(const PrivateXServer& server, const PrivateBus& bus, const std::string& name)
+        : TrayHostProcess(server, name, bus.address()) {}
+    /// Where the session has no bus; "trayer" needs none.
+    TrayHostProcess(const PrivateXServer& server, const std::string& name)
+        : TrayHostProcess(server, name, "disabled:") {}
 
     [[nodiscard]] ChildProcess& process() { return *process_; }
 
 private:
+    TrayHostProcess(const PrivateXServer& server, const std::string& name, const std::string& busAddress);
+
     std::unique_ptr<ChildProcess> process_;
 };
 

@@ -1,0 +1,125 @@
+#include "tests/x11/demo/windows_demo.h"
+
+#include "tests/x11/harness/tray_host_process.h"
+#include "tests/x11/harness/tray_icon.h"
+
+namespace ferrowyn::x11test {
+
+namespace {
+
+constexpr int menuWidth = 268;
+/// From the menu's lower edge to the middle of "Settings…": the margin, "Quit", a line, "About", "Setup Guide".
+constexpr int settingsAboveLowerEdge = 6 + 25 + 11 + 25 + 25 + 12;
+/// In the settings window: the third row of the sidebar, and the layouts' buttons in the pane behind it.
+constexpr int appearanceX = 60, appearanceY = 14 + 2 * 30 + 15;
+constexpr int listX = 240, gridX = 608, layoutsY = 122;
+constexpr int gridWidth = 760;
+
+}  // namespace
+
+void WindowsDemo::run() {
+    statusMenu();
+    changedSetting();
+    setupWindow();
+}
+
+void WindowsDemo::statusMenu() {
+    DemoStage::step("The program's icon in a tray, and its menu");
+    auto& desktop = desk_.desktop;
+    const auto started = DemoStage::Clock::now();
+    const TrayHostProcess tray(desk_.server, "trayer");
+    const bool isShown = desktop.waitUntil([&] { return embeddedTrayIcon(desktop).has_value(); });
+    stage_.report(isShown, "A tray started", "icon in it", DemoStage::Clock::now() - started);
+    const auto icon = embeddedTrayIcon(desktop);
+    if (!icon) {
+        return;
+    }
+    const auto before = stage_.screen();
+    const auto pressed = DemoStage::Clock::now();
+    desk_.input.click(icon->x + icon->width / 2, icon->y + icon->height / 2);
+    std::optional<TestDesktop::Place> menu;
+    const bool isOpen = desktop.waitUntil([&] {
+        const auto window = desktop.visiblePanel();
+        menu = window ? desktop.placeOf(*window) : std::nullopt;
+        // It holds the keyboard once it can be used.
+        return menu && menu->width == menuWidth && !desktop.keyboardIsFree() && stage_.isPainted(*menu, before);
+    });
+    stage_.report(isOpen, "Icon clicked", "menu on the screen", DemoStage::Clock::now() - pressed);
+    stage_.picture("menu");
+    if (!isOpen) {
+        return;
+    }
+    const int row = menu->y + menu->height - settingsAboveLowerEdge;
+    openWindow(
+        "Row \"Settings\" clicked", [&] { desk_.input.click(menu->x + menuWidth / 2, row); }, "Ferrowyn Settings");
+    stage_.report(desktop.waitForPanel(false), "the menu is gone");
+    stage_.picture("settings");
+    closeWindow("Ferrowyn Settings");
+}
+
+void WindowsDemo::changedSetting() {
+    DemoStage::step("A setting is changed: the grid, from now on");
+    const auto place = openWindow(
+        "ferrowyn --settings", [&] { ask("--settings"); }, "Ferrowyn Settings");
+    if (!place) {
+        return;
+    }
+    desk_.input.click(place->x + appearanceX, place->y + appearanceY);
+    const auto clicked = DemoStage::Clock::now();
+    desk_.input.click(place->x + gridX, place->y + layoutsY);
+    const bool isStored = desk_.settings.waitFor("layout=\"grid\"");
+    stage_.report(isStored, "Appearance clicked, Grid clicked", "settings file changed",
+                  DemoStage::Clock::now() - clicked);
+    // The chosen layout's button is filled, the others have one colour.
+    const bool isDrawn = desk_.desktop.waitUntil([&] {
+        return desk_.desktop.pixel(place->x + gridX - 30, place->y + layoutsY) !=
+               desk_.desktop.pixel(place->x + listX, place->y + layoutsY);
+    });
+    stage_.report(isDrawn, "the button of the grid is the chosen one");
+    stage_.picture("settings-grid");
+    closeWindow("Ferrowyn Settings");
+    stage_.open("Alt held, Tab");
+    stage_.pictureOfPanel("panel-follows", [](const auto& panel) { return panel.width == gridWidth; });
+    stage_.finish("Escape", key::escape, desk_.desktop.activeWindow());
+}
+
+void WindowsDemo::setupWindow() {
+    DemoStage::step("The setup window");
+    if (openWindow(
+            "ferrowyn --setup", [&] { ask("--setup"); }, "Ferrowyn Setup")) {
+        stage_.picture("setup");
+        closeWindow("Ferrowyn Setup");
+    }
+}
+
+std::optional<TestDesktop::Place> WindowsDemo::openWindow(const std::string& done, const std::function<void()>& act,
+                                                          const std::string& title) {
+    auto& desktop = desk_.desktop;
+    const auto before = stage_.screen();
+    const auto start = DemoStage::Clock::now();
+    act();
+    std::optional<TestDesktop::Place> place;
+    const bool isActive = desktop.waitUntil([&] {
+        const auto window = desktop.windowTitled(title);
+        place = window && desktop.activeWindow() == *window ? desktop.placeOf(*window) : std::nullopt;
+        return place && stage_.isPainted(*place, before);
+    });
+    stage_.report(isActive, done, "window active and painted", DemoStage::Clock::now() - start, title);
+    return isActive ? place : std::nullopt;
+}
+
+void WindowsDemo::closeWindow(const std::string& title) {
+    const auto start = DemoStage::Clock::now();
+    desk_.input.tap(key::escape);
+    const bool isGone = desk_.desktop.waitUntil([&] { return !desk_.desktop.windowTitled(title); });
+    stage_.report(isGone, "Escape", "window gone", DemoStage::Clock::now() - start, title);
+}
+
+void WindowsDemo::ask(const std::string& argument) {
+    const auto answer = desk_.ask(argument);
+    if (!answer.empty()) {
+        stage_.report(false, argument + " was taken: " + answer);
+    }
+}
+
+}  // namespace ferrowyn::x11test
