@@ -11,6 +11,8 @@ public:
     [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid pid) override;
     /// The same for every name.
     [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
+    /// Nobody is ever told: the system does not say when a process gives itself another icon.
+    [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> /*handler*/) override { return {}; }
 };
 
 }  // namespace ferrowyn

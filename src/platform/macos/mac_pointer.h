@@ -8,6 +8,8 @@ namespace ferrowyn {
 class MacPointer final : public Pointer {
 public:
     [[nodiscard]] Point location() const override;
+    /// The system's answer is of this moment already.
+    void refresh() override {}
     /// Presses in the program's own windows do not count: the system's global monitor sees none of them.
     [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override;
 };
