@@ -16,6 +16,8 @@ target_include_directories(ferrowyn_compiler INTERFACE ${CMAKE_SOURCE_DIR}/src)
 if(FERROWYN_SANITIZE)
   add_compile_options(-fsanitize=${FERROWYN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${FERROWYN_SANITIZE})
+endif()
+if(FERROWYN_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 loses sight of initializations between the instrumentation's own calls.
   add_compile_options(-Wno-maybe-uninitialized -Wno-array-bounds -Wno-stringop-overflow -Wno-restrict)
 endif()
@@ -26,7 +28,8 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
 endif()
 
 find_program(FERROWYN_LLD ld.lld)
-if(FERROWYN_LLD)
+# That one writes no programs for a Mac.
+if(FERROWYN_LLD AND NOT APPLE)
   add_link_options(-fuse-ld=lld)
 endif()
 

@@ -1,11 +1,12 @@
 find_package(Threads REQUIRED)
-find_package(PkgConfig REQUIRED)
 find_package(ICU 72 REQUIRED COMPONENTS uc i18n)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg DBus Network)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg Network)
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  find_package(PkgConfig REQUIRED)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
   pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-ewmh xcb-icccm xcb-xinput xcb-xtest xcb-res xcb-randr xcb-xkb
                                                  xcb-xfixes xcb-shape xcb-shm xcb-damage xcb-sync xcb-image xcb-render xcb-xinerama)
   pkg_check_modules(XKBCOMMON REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11)

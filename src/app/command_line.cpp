@@ -13,10 +13,11 @@ namespace {
 template <typename Value>
 using Choice = std::pair<std::string_view, Value>;
 
-constexpr std::array desktops{
-    Choice<CommandLine::Desktop>{"x11", CommandLine::Desktop::x11},
-    Choice<CommandLine::Desktop>{"simulated", CommandLine::Desktop::simulated},
-};
+using Desktop = CommandLine::Desktop;
+
+constexpr Choice<Desktop> simulatedDesktop{"simulated", Desktop::simulated};
+constexpr std::array desktopsOnMacOS{Choice<Desktop>{"macos", Desktop::macos}, simulatedDesktop};
+constexpr std::array desktopsOnX11{Choice<Desktop>{"x11", Desktop::x11}, simulatedDesktop};
 constexpr std::array logLevels{
     Choice<LogLevel>{"debug", LogLevel::debug},
     Choice<LogLevel>{"default", LogLevel::standard},
@@ -45,8 +46,10 @@ CommandLineError badValue(const std::array<Choice<Value>, count>& choices, std::
 }
 
 /// Sets what an option with a value asks for; nothing went wrong when the answer is empty.
-std::optional<CommandLineError> apply(CommandLine& line, std::string_view option, std::string_view value) {
+std::optional<CommandLineError> apply(CommandLine& line, Desktop native, std::string_view option,
+                                      std::string_view value) {
     if (option == "--platform") {
+        const auto& desktops = native == Desktop::macos ? desktopsOnMacOS : desktopsOnX11;
         const auto desktop = choose(desktops, value);
         if (!desktop) {
             return badValue(desktops, option, value);
@@ -62,7 +65,10 @@ std::optional<CommandLineError> apply(CommandLine& line, std::string_view option
 }
 
 /// Whether it is one of the options without a value that say what to do.
-bool applyFlag(CommandLine& line, std::string_view argument) {
+bool applyFlag(CommandLine& line, Desktop native, std::string_view argument) {
+    if (native == Desktop::macos) {
+        return false;
+    }
     if (argument == "--dbus-service") {
         line.isStartedByBus = true;
         return true;
@@ -75,48 +81,7 @@ bool applyFlag(CommandLine& line, std::string_view argument) {
     return true;
 }
 
-}  // namespace
-
-std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments) {
-    CommandLine line;
-    while (!arguments.empty()) {
-        const std::string_view argument = arguments.front();
-        arguments = arguments.subspan(1);
-        if (argument == "--help" || argument == "-h") {
-            return CommandLine{.action = CommandLine::Action::showHelp};
-        }
-        if (argument == "--version") {
-            return CommandLine{.action = CommandLine::Action::showVersion};
-        }
-        if (argument == "--doctor") {
-            return CommandLine{.action = CommandLine::Action::examineSession};
-        }
-        if (applyFlag(line, argument)) {
-            continue;
-        }
-        const auto equals = argument.find('=');
-        const auto option = argument.substr(0, equals);
-        if (option != "--platform" && option != "--log-level") {
-            return CommandLineError{
-                fmt::format("unknown {} \"{}\"", argument.starts_with('-') ? "option" : "argument", argument)};
-        }
-        std::string_view value;
-        if (equals != std::string_view::npos) {
-            value = argument.substr(equals + 1);
-        } else if (!arguments.empty()) {
-            value = arguments.front();
-            arguments = arguments.subspan(1);
-        } else {
-            return CommandLineError{fmt::format("{} needs a value", option)};
-        }
-        if (auto error = apply(line, option, value)) {
-            return *std::move(error);
-        }
-    }
-    return line;
-}
-
-std::string_view helpText() {
+std::string_view helpOnX11() {
     return "Usage: ferrowyn [options]\n"
            "\n"
            "Switches between all open windows: hold Alt and press Tab.\n"
@@ -137,6 +102,64 @@ std::string_view helpText() {
            "                                   bug report; the exit status is 0 when switching can work\n"
            "  -h, --help                       Show this text\n"
            "  --version                        Show the version\n";
+}
+
+std::string_view helpOnMacOS() {
+    return "Usage: Ferrowyn [options]\n"
+           "\n"
+           "Switches between all open windows: hold Option and press Tab.\n"
+           "\n"
+           "Options:\n"
+           "  --platform=macos|simulated       The desktop to work on: this Mac (the default), or a\n"
+           "                                   simulated one without a display, for trying out\n"
+           "  --log-level=debug|default|error  What to log to standard error, beside the unified log\n"
+           "  -h, --help                       Show this text\n"
+           "  --version                        Show the version\n";
+}
+
+}  // namespace
+
+std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments, Desktop native) {
+    CommandLine line{.desktop = native};
+    while (!arguments.empty()) {
+        const std::string_view argument = arguments.front();
+        arguments = arguments.subspan(1);
+        if (argument == "--help" || argument == "-h") {
+            return CommandLine{.action = CommandLine::Action::showHelp};
+        }
+        if (argument == "--version") {
+            return CommandLine{.action = CommandLine::Action::showVersion};
+        }
+        if (argument == "--doctor" && native != Desktop::macos) {
+            return CommandLine{.action = CommandLine::Action::examineSession};
+        }
+        if (applyFlag(line, native, argument)) {
+            continue;
+        }
+        const auto equals = argument.find('=');
+        const auto option = argument.substr(0, equals);
+        if (option != "--platform" && option != "--log-level") {
+            return CommandLineError{
+                fmt::format("unknown {} \"{}\"", argument.starts_with('-') ? "option" : "argument", argument)};
+        }
+        std::string_view value;
+        if (equals != std::string_view::npos) {
+            value = argument.substr(equals + 1);
+        } else if (!arguments.empty()) {
+            value = arguments.front();
+            arguments = arguments.subspan(1);
+        } else {
+            return CommandLineError{fmt::format("{} needs a value", option)};
+        }
+        if (auto error = apply(line, native, option, value)) {
+            return *std::move(error);
+        }
+    }
+    return line;
+}
+
+std::string_view helpText(Desktop native) {
+    return native == Desktop::macos ? helpOnMacOS() : helpOnX11();
 }
 
 }  // namespace ferrowyn

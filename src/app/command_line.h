@@ -14,7 +14,7 @@ namespace ferrowyn {
 /// What the user asks of the program when starting it.
 struct CommandLine {
     enum class Action { run, showHelp, showVersion, examineSession };
-    enum class Desktop { x11, simulated };
+    enum class Desktop { x11, macos, simulated };
 
     Action action = Action::run;
     Desktop desktop = Desktop::x11;
@@ -33,10 +33,13 @@ struct CommandLineError {
     std::string message;
 };
 
-/// `arguments` without the program's name. A value stands after "=" or as the next argument; the last of several
-/// values or requests counts. Help, version and doctor win over everything that follows them.
-[[nodiscard]] std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments);
+/// `arguments` without the program's name; `native` is the desktop that this program was built for, which is what it
+/// works on unless it is told otherwise. A value stands after "=" or as the next argument; the last of several values
+/// or requests counts. Help, version and doctor win over everything that follows them. On macOS, where the system
+/// itself finds the program that runs, there are neither requests nor a doctor.
+[[nodiscard]] std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments,
+                                                                           CommandLine::Desktop native);
 
-[[nodiscard]] std::string_view helpText();
+[[nodiscard]] std::string_view helpText(CommandLine::Desktop native);
 
 }  // namespace ferrowyn

@@ -1,13 +1,30 @@
-#include <QCoreApplication>
 #include <iostream>
 #include <span>
 #include <variant>
 
 #include "app/command_line.h"
-#include "app/doctor.h"
 #include "app/program.h"
+#ifndef __APPLE__
+#include <QCoreApplication>
+
+#include "app/doctor.h"
+#endif
 
 namespace {
+
+using ferrowyn::CommandLine;
+
+#ifdef __APPLE__
+
+constexpr auto native = CommandLine::Desktop::macos;
+
+int runOnNativeDesktop(const CommandLine& line, int& argumentCount, char** arguments) {
+    return ferrowyn::runOnMacOS(line, argumentCount, arguments);
+}
+
+#else
+
+constexpr auto native = CommandLine::Desktop::x11;
 
 int examine(int& argumentCount, char** arguments) {
     const QCoreApplication application(argumentCount, arguments);
@@ -16,35 +33,40 @@ int examine(int& argumentCount, char** arguments) {
     return ferrowyn::switchingCanWork(report) ? ferrowyn::exit_status::success : ferrowyn::exit_status::unusableDesktop;
 }
 
-int run(const ferrowyn::CommandLine& line, int& argumentCount, char** arguments) {
-    using ferrowyn::CommandLine;
+int runOnNativeDesktop(const CommandLine& line, int& argumentCount, char** arguments) {
+    return line.action == CommandLine::Action::examineSession ? examine(argumentCount, arguments)
+                                                              : ferrowyn::runOnX11(line, argumentCount, arguments);
+}
+
+#endif
+
+int run(const CommandLine& line, int& argumentCount, char** arguments) {
     switch (line.action) {
         case CommandLine::Action::showHelp:
-            std::cout << ferrowyn::helpText();
+            std::cout << ferrowyn::helpText(native);
             return ferrowyn::exit_status::success;
         case CommandLine::Action::showVersion:
             std::cout << "ferrowyn " << FERROWYN_VERSION << "\n";
             return ferrowyn::exit_status::success;
         case CommandLine::Action::examineSession:
-            return examine(argumentCount, arguments);
         case CommandLine::Action::run:
             break;
     }
     return line.desktop == CommandLine::Desktop::simulated
                ? ferrowyn::runOnSimulatedDesktop(line, argumentCount, arguments)
-               : ferrowyn::runOnX11(line, argumentCount, arguments);
+               : runOnNativeDesktop(line, argumentCount, arguments);
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
     const std::span<const char* const> all(arguments, static_cast<std::size_t>(argumentCount));
-    const auto parsed = ferrowyn::parseCommandLine(all.subspan(all.empty() ? 0 : 1));
+    const auto parsed = ferrowyn::parseCommandLine(all.subspan(all.empty() ? 0 : 1), native);
     if (const auto* error = std::get_if<ferrowyn::CommandLineError>(&parsed)) {
         std::cerr << "ferrowyn: " << error->message << "\nTry \"ferrowyn --help\".\n";
         return ferrowyn::exit_status::badCommandLine;
     }
     // The toolkit has options of its own, which are not this program's.
     int toolkitArgumentCount = argumentCount > 0 ? 1 : 0;
-    return run(std::get<ferrowyn::CommandLine>(parsed), toolkitArgumentCount, arguments);
+    return run(std::get<CommandLine>(parsed), toolkitArgumentCount, arguments);
 }

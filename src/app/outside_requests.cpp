@@ -4,11 +4,9 @@
 
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "app/app_delegate.h"
 #include "app/command_line.h"
-#include "platform/linux/application_service.h"
 #include "platform/log.h"
 #include "platform/platform.h"
 
@@ -25,24 +23,6 @@ OutsideRequests::OutsideRequests(const Platform& platform, AppDelegate& delegate
     if (line.request) {
         perform(*line.request);
     }
-}
-
-OutsideRequests::~OutsideRequests() = default;
-
-void OutsideRequests::offerOnBus(const std::optional<std::string>& busAddress) {
-    std::vector<std::string> actions;
-    for (const auto& [request, name] : programRequestNames) {
-        actions.emplace_back(name);
-    }
-    service_ = std::make_unique<ApplicationService>(
-        platform_.mainLoop, busAddress, std::move(actions),
-        ApplicationService::Handlers{.activate = [this] { activate(); },
-                                     .activateAction =
-                                         [this](const std::string& action) {
-                                             if (const auto request = programRequestNamed(action)) {
-                                                 perform(*request);
-                                             }
-                                         }});
 }
 
 void OutsideRequests::perform(ProgramRequest request) {

@@ -1,9 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-
 #include "app/program_request.h"
 
 namespace ferrowyn {
@@ -11,8 +7,6 @@ namespace ferrowyn {
 struct CommandLine;
 struct Platform;
 class AppDelegate;
-class ApplicationService;
-class Log;
 
 /// Passes on what later starts of the program, its command line and the desktop ask, and says so in the log. Main
 /// thread. The platform and the launched delegate outlive it.
@@ -20,12 +14,9 @@ class OutsideRequests {
 public:
     /// Carries out at once what the command line asks.
     OutsideRequests(const Platform& platform, AppDelegate& delegate, const CommandLine& line);
-    ~OutsideRequests();
     OutsideRequests(const OutsideRequests&) = delete;
     OutsideRequests& operator=(const OutsideRequests&) = delete;
 
-    /// From now on, the desktop can ask too, where there is a bus.
-    void offerOnBus(const std::optional<std::string>& busAddress);
     void perform(ProgramRequest request);
     /// The user opened the program from a launcher.
     void activate();
@@ -35,7 +26,6 @@ private:
     AppDelegate& delegate_;
     /// The bus has started the program to be opened, and has not said so yet.
     bool awaitsOpening_;
-    std::unique_ptr<ApplicationService> service_;
 };
 
 }  // namespace ferrowyn

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "app/command_line.h"
-#include "platform/linux/journal_log.h"
-
 namespace ferrowyn {
+
+struct CommandLine;
 
 /// Exit statuses, as the shell sees them.
 namespace exit_status {
@@ -16,14 +15,9 @@ inline constexpr int badCommandLine = 2;
 /// For the user.
 inline constexpr const char* notRunningMessage = "ferrowyn: Ferrowyn is not running on this display.";
 
-/// Someone who asks for a level wants to read the log: then it goes to standard error in any case.
-[[nodiscard]] inline JournalLog makeLog(const CommandLine& line) {
-    return {line.logLevel.value_or(LogLevel::standard),
-            line.logLevel ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal};
-}
-
 /// Each runs the program on its desktop until it is asked to quit, and answers the exit status. `argumentCount` and
-/// `arguments` are for the toolkit, which keeps references to them.
+/// `arguments` are for the toolkit, which keeps references to them. A build has its own system's and the simulated one.
+[[nodiscard]] int runOnMacOS(const CommandLine& line, int& argumentCount, char** arguments);
 [[nodiscard]] int runOnX11(const CommandLine& line, int& argumentCount, char** arguments);
 [[nodiscard]] int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** arguments);
 

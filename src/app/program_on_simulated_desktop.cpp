@@ -5,12 +5,14 @@
 #include <memory>
 
 #include "app/app_delegate.h"
+#include "app/command_line.h"
 #include "app/demo_desktop.h"
 #include "app/outside_requests.h"
 #include "app/program.h"
+#include "app/program_log.h"
 #include "app/qt_user_interface.h"
 #include "app/termination_signals.h"
-#include "platform/linux/journal_log.h"
+#include "platform/log.h"
 #include "platform/platform_replacement.h"
 #include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
@@ -36,10 +38,10 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
 
-    JournalLog log = makeLog(line);
+    const auto log = makeProgramLog(line);
     SimulatedDesktop desktop;
     openDemoWindows(desktop);
-    const Platform platform = replacedIn(desktop.platform(), {.log = &log});
+    const Platform platform = replacedIn(desktop.platform(), {.log = log.get()});
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     QtUserInterface userInterface(platform, [] { return std::make_unique<SimulatedStatusItem>(); });

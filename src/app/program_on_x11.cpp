@@ -9,6 +9,8 @@
 #include <utility>
 
 #include "app/app_delegate.h"
+#include "app/bus_requests.h"
+#include "app/command_line.h"
 #include "app/doctor.h"
 #include "app/doctor_report.h"
 #include "app/outside_requests.h"
@@ -81,7 +83,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     desktop->setSettingsPageHandler([&delegate](std::string_view url) { return delegate.showSettingsPage(url); });
     delegate.applicationDidFinishLaunching();
     OutsideRequests requests(platform, delegate, line);
-    requests.offerOnBus(SessionLock::Buses::fromEnvironment().session);
+    const auto service = offerOnBus(platform.mainLoop, requests, SessionLock::Buses::fromEnvironment().session);
     const auto listening = instance.listen([&requests](ProgramRequest request) { requests.perform(request); });
     platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     const int status = QApplication::exec();

@@ -19,8 +19,9 @@ namespace {
 class HostedWindow final : public OnDemandWindow {
 public:
     HostedWindow(Application& application, const UserInterface::WindowOptions& options,
+                 const UtilityWindowController::WindowConfiguration& configure,
                  UtilityWindowController::ContentBuilder content)
-        : controller_(application, options.title, options.isResizable, std::move(content)) {}
+        : controller_(application, options.title, options.isResizable, std::move(content), configure) {}
 
     void show() override { controller_.show(); }
     void close() override { controller_.close(); }
@@ -31,8 +32,12 @@ private:
 
 }  // namespace
 
-QtUserInterface::QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport)
-    : platform_(platform), makeStatusItem_(std::move(makeStatusItem)), makeReport_(std::move(makeReport)) {}
+QtUserInterface::QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport,
+                                 WindowConfiguration configureWindow)
+    : platform_(platform),
+      makeStatusItem_(std::move(makeStatusItem)),
+      makeReport_(std::move(makeReport)),
+      configureWindow_(std::move(configureWindow)) {}
 
 std::string QtUserInterface::translated(const Phrase& phrase) {
     return ferrowyn::translated(phrase).toStdString();
@@ -46,7 +51,7 @@ std::unique_ptr<OnDemandWindow> QtUserInterface::makeOnboardingWindow(const Wind
                                                                       AppServices& services,
                                                                       std::function<void()> onDone) {
     return std::make_unique<HostedWindow>(
-        platform_.application, options, [this, &services, onDone = std::move(onDone)] {
+        platform_.application, options, configureWindow_, [this, &services, onDone = std::move(onDone)] {
             return std::make_unique<OnboardingView>(platform_, services.authorizer(), services.preferences(), onDone,
                                                     makeReport_);
         });
@@ -54,19 +59,20 @@ std::unique_ptr<OnDemandWindow> QtUserInterface::makeOnboardingWindow(const Wind
 
 std::unique_ptr<OnDemandWindow> QtUserInterface::makeSettingsWindow(const WindowOptions& options,
                                                                     AppServices& services) {
-    return std::make_unique<HostedWindow>(platform_.application, options, [&platform = platform_, &services] {
-        return std::make_unique<SettingsView>(platform, SettingsServices{.preferences = services.preferences(),
-                                                                         .authorizer = services.authorizer(),
-                                                                         .launchAtLogin = services.launchAtLogin(),
-                                                                         .favourites = services.favourites(),
-                                                                         .updates = services.updates(),
-                                                                         .icons = services.iconProvider()});
-    });
+    return std::make_unique<HostedWindow>(
+        platform_.application, options, configureWindow_, [&platform = platform_, &services] {
+            return std::make_unique<SettingsView>(platform, SettingsServices{.preferences = services.preferences(),
+                                                                             .authorizer = services.authorizer(),
+                                                                             .launchAtLogin = services.launchAtLogin(),
+                                                                             .favourites = services.favourites(),
+                                                                             .updates = services.updates(),
+                                                                             .icons = services.iconProvider()});
+        });
 }
 
 std::unique_ptr<OnDemandWindow> QtUserInterface::makeAboutWindow(const WindowOptions& options,
                                                                  std::function<void()> onClose) {
-    return std::make_unique<HostedWindow>(platform_.application, options,
+    return std::make_unique<HostedWindow>(platform_.application, options, configureWindow_,
                                           [&platform = platform_, onClose = std::move(onClose)] {
                                               return std::make_unique<AboutView>(platform, onClose);
                                           });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -18,7 +19,11 @@ public:
     /// Describes this desktop for a bug report. Called on a worker thread.
     using ReportMaker = std::function<std::string()>;
 
-    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport = nullptr);
+    /// As `UtilityWindowController` has it.
+    using WindowConfiguration = std::function<void(std::uintptr_t windowNumber, bool isResizable)>;
+
+    QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport = nullptr,
+                    WindowConfiguration configureWindow = nullptr);
 
     [[nodiscard]] std::string translated(const Phrase& phrase) override;
     [[nodiscard]] SwitcherContentFactory switcherContentFactory() override;
@@ -35,6 +40,7 @@ private:
     const Platform& platform_;
     StatusItemFactory makeStatusItem_;
     ReportMaker makeReport_;
+    WindowConfiguration configureWindow_;
 };
 
 }  // namespace ferrowyn

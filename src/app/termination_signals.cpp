@@ -43,10 +43,22 @@ void setHandlers(void (*handler)(int), int flags) {
     }
 }
 
+/// Not pipe2, which not every system has.
+bool openSignalPipe() {
+    if (pipe(signalPipe.data()) != 0) {
+        return false;
+    }
+    for (const int end : signalPipe) {
+        fcntl(end, F_SETFD, FD_CLOEXEC);
+        fcntl(end, F_SETFL, O_NONBLOCK);
+    }
+    return true;
+}
+
 }  // namespace
 
 TerminationSignals::TerminationSignals(std::function<void()> onSignal) : onSignal_(std::move(onSignal)) {
-    if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+    if (!openSignalPipe()) {
         return;  // Without a pipe the signals end the program the hard way, as they do by default.
     }
     notifier_ = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);

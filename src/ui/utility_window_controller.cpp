@@ -22,8 +22,12 @@ bool canBecomeMain(const QWidget& window) {
 }  // namespace
 
 UtilityWindowController::UtilityWindowController(Application& application, Phrase title, bool isResizable,
-                                                 ContentBuilder content)
-    : application_(application), title_(std::move(title)), isResizable_(isResizable), content_(std::move(content)) {}
+                                                 ContentBuilder content, WindowConfiguration configure)
+    : application_(application),
+      title_(std::move(title)),
+      isResizable_(isResizable),
+      content_(std::move(content)),
+      configure_(std::move(configure)) {}
 
 UtilityWindowController::~UtilityWindowController() = default;
 
@@ -59,6 +63,9 @@ void UtilityWindowController::makeWindow() {
     // The toolkit's own request carries the time of the last event that it saw, which may be hours old, and says that
     // an application asks: a manager that guards the focus then refuses.
     window_->onExposed = [this] { application_.bringToFront(static_cast<WindowId>(window_->winId())); };
+    if (configure_) {
+        configure_(static_cast<std::uintptr_t>(window_->winId()), isResizable_);
+    }
     window_->centre();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,9 +20,12 @@ class UtilityWindow;
 class UtilityWindowController {
 public:
     using ContentBuilder = std::function<std::unique_ptr<QWidget>()>;
+    /// Gives a window what its desktop knows and the toolkit does not, once, before it is first shown.
+    using WindowConfiguration = std::function<void(std::uintptr_t windowNumber, bool isResizable)>;
 
     /// A window that is not resizable is as large as its content asks to be, at every moment.
-    UtilityWindowController(Application& application, Phrase title, bool isResizable, ContentBuilder content);
+    UtilityWindowController(Application& application, Phrase title, bool isResizable, ContentBuilder content,
+                            WindowConfiguration configure = nullptr);
     ~UtilityWindowController();
     UtilityWindowController(const UtilityWindowController&) = delete;
     UtilityWindowController& operator=(const UtilityWindowController&) = delete;
@@ -43,6 +47,7 @@ private:
     Phrase title_;
     bool isResizable_;
     ContentBuilder content_;
+    WindowConfiguration configure_;
 };
 
 }  // namespace ferrowyn

@@ -172,5 +172,27 @@ TEST_F(UtilityWindowControllerTest, TheKeyboardClosesIt) {
     }
 }
 
+TEST_F(UtilityWindowControllerTest, TheDesktopConfiguresEachWindowOnceBeforeItIsSeen) {
+    struct Configured {
+        std::uintptr_t number;
+        bool isResizable;
+        bool wasVisible;
+    };
+    std::vector<Configured> configured;
+    std::unique_ptr<UtilityWindowController> controller;
+    controller = std::make_unique<UtilityWindowController>(
+        application, Phrase{"Ferrowyn Settings", {}}, true, [] { return std::make_unique<QLabel>(); },
+        [&](std::uintptr_t number, bool isResizable) {
+            configured.push_back({number, isResizable, controller->window()->isVisible()});
+        });
+    controller->show();
+    controller->close();
+    controller->show();
+    ASSERT_EQ(configured.size(), 1U);
+    EXPECT_EQ(configured.front().number, static_cast<std::uintptr_t>(controller->window()->winId()));
+    EXPECT_TRUE(configured.front().isResizable);
+    EXPECT_FALSE(configured.front().wasVisible);
+}
+
 }  // namespace
 }  // namespace ferrowyn

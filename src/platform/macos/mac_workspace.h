@@ -8,6 +8,7 @@ namespace ferrowyn {
 /// its notifications.
 class MacWorkspace final : public Workspace {
 public:
+    /// Any thread; it changes only when the main loop runs.
     [[nodiscard]] std::vector<RunningApplication> runningApplications() const override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(Pid pid) const override;
     [[nodiscard]] std::optional<Pid> frontmostPid() const override;

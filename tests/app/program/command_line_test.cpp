@@ -5,16 +5,18 @@ namespace {
 
 using testing::HasSubstr;
 
-std::variant<CommandLine, CommandLineError> parse(const std::vector<const char*>& arguments) {
-    return parseCommandLine(arguments);
+using Desktop = CommandLine::Desktop;
+
+CommandLine line(const std::vector<const char*>& arguments, Desktop native = Desktop::x11) {
+    return std::get<CommandLine>(parseCommandLine(arguments, native));
 }
 
-CommandLine line(const std::vector<const char*>& arguments) {
-    return std::get<CommandLine>(parse(arguments));
+std::string error(const std::vector<const char*>& arguments, Desktop native = Desktop::x11) {
+    return std::get<CommandLineError>(parseCommandLine(arguments, native)).message;
 }
 
-std::string error(const std::vector<const char*>& arguments) {
-    return std::get<CommandLineError>(parse(arguments)).message;
+std::string help(Desktop native = Desktop::x11) {
+    return std::string(helpText(native));
 }
 
 TEST(CommandLineTest, WithoutArgumentsTheProgramRunsOnX11) {
@@ -28,7 +30,7 @@ TEST(CommandLineTest, TheDoctorWinsOverWhatFollows) {
     EXPECT_EQ(line({"--doctor"}).action, CommandLine::Action::examineSession);
     EXPECT_EQ(line({"--log-level=debug", "--doctor", "nonsense"}).action, CommandLine::Action::examineSession);
     EXPECT_EQ(error({"--doctor=x"}), "unknown option \"--doctor=x\"");
-    EXPECT_THAT(std::string(helpText()), HasSubstr("--doctor"));
+    EXPECT_THAT(help(), HasSubstr("--doctor"));
 }
 
 TEST(CommandLineTest, ReadsTheDesktop) {
@@ -80,8 +82,30 @@ TEST(CommandLineTest, SaysWhatIsWrong) {
 TEST(CommandLineTest, TheHelpNamesEveryOption) {
     for (const auto* option : {"--platform=x11|simulated", "--log-level=debug|default|error", "--help", "--version",
                                "--show", "--settings", "--setup", "--quit", "--dbus-service"}) {
-        EXPECT_THAT(std::string(helpText()), HasSubstr(option));
+        EXPECT_THAT(help(), HasSubstr(option));
     }
+}
+
+TEST(CommandLineTest, OnAMacItRunsThereUnlessToldOtherwise) {
+    EXPECT_EQ(line({}, Desktop::macos).desktop, Desktop::macos);
+    EXPECT_EQ(line({"--platform=macos"}, Desktop::macos).desktop, Desktop::macos);
+    EXPECT_EQ(line({"--platform", "simulated"}, Desktop::macos).desktop, Desktop::simulated);
+    EXPECT_EQ(line({"--log-level=debug"}, Desktop::macos).logLevel, LogLevel::debug);
+    EXPECT_EQ(error({"--platform=x11"}, Desktop::macos), "--platform must be macos or simulated, not \"x11\"");
+    EXPECT_EQ(error({"--platform=macos"}), "--platform must be x11 or simulated, not \"macos\"");
+}
+
+TEST(CommandLineTest, OnAMacThereIsNeitherWhatLinuxBringsNorWordOfIt) {
+    for (const auto* option : {"--show", "--settings", "--setup", "--quit", "--dbus-service", "--doctor"}) {
+        EXPECT_EQ(error({option}, Desktop::macos), "unknown option \"" + std::string(option) + "\"");
+        EXPECT_THAT(help(Desktop::macos), testing::Not(HasSubstr(option)));
+    }
+    for (const auto* option :
+         {"--platform=macos|simulated", "--log-level=debug|default|error", "--help", "--version"}) {
+        EXPECT_THAT(help(Desktop::macos), HasSubstr(option));
+    }
+    EXPECT_EQ(line({"--help"}, Desktop::macos).action, CommandLine::Action::showHelp);
+    EXPECT_EQ(line({"--version"}, Desktop::macos).action, CommandLine::Action::showVersion);
 }
 
 }  // namespace

@@ -1,0 +1,20 @@
+#include "app/mirrored_log.h"
+
+#include <ostream>
+#include <utility>
+
+namespace ferrowyn {
+
+MirroredLog::MirroredLog(std::unique_ptr<Log> log, LogLevel minimumLevel, std::ostream& mirror)
+    : log_(std::move(log)), minimumLevel_(minimumLevel), mirror_(mirror) {}
+
+void MirroredLog::write(LogLevel level, std::string_view category, std::string_view message) {
+    log_->write(level, category, message);
+    if (level < minimumLevel_) {
+        return;
+    }
+    const std::scoped_lock lock(mutex_);
+    mirror_ << "ferrowyn: [" << category << "] " << message << std::endl;
+}
+
+}  // namespace ferrowyn

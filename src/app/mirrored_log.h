@@ -1,0 +1,26 @@
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <mutex>
+
+#include "platform/log.h"
+
+namespace ferrowyn {
+
+/// Writes what it passes on to another log to a stream as well, one line a message. Any thread.
+class MirroredLog final : public Log {
+public:
+    /// Messages below `minimumLevel` go to the other log alone. The stream outlives this.
+    MirroredLog(std::unique_ptr<Log> log, LogLevel minimumLevel, std::ostream& mirror);
+
+    void write(LogLevel level, std::string_view category, std::string_view message) override;
+
+private:
+    std::unique_ptr<Log> log_;
+    LogLevel minimumLevel_;
+    std::mutex mutex_;
+    std::ostream& mirror_;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,24 @@
+# What the program is besides on Linux.
+target_sources(ferrowyn_app_start PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/session_check.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/single_instance.cpp
+)
+target_link_libraries(ferrowyn_app_start PUBLIC PkgConfig::XCB PRIVATE ferrowyn_platform_x11)
+
+# Says what is right and wrong in a session; starts nothing.
+ferrowyn_library(ferrowyn_doctor
+  SOURCES
+    doctor.cpp
+    doctor_display.cpp
+    doctor_report.cpp
+    doctor_session.cpp
+  PUBLIC ferrowyn_app_start ferrowyn_platform_linux
+  PRIVATE ferrowyn_platform_x11 PkgConfig::XKBCOMMON Qt6::Core Qt6::DBus fmt::fmt
+)
+
+target_sources(ferrowyn PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/bus_requests.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/program_log_on_linux.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/program_on_x11.cpp
+)
+target_link_libraries(ferrowyn PRIVATE ferrowyn_doctor ferrowyn_platform_linux ferrowyn_platform_x11)

@@ -1,0 +1,82 @@
+#include <QApplication>
+#include <QLocale>
+#include <iostream>
+#include <memory>
+
+#include "app/app_delegate.h"
+#include "app/command_line.h"
+#include "app/mac_application_events.h"
+#include "app/other_instance.h"
+#include "app/program.h"
+#include "app/program_log.h"
+#include "app/qt_user_interface.h"
+#include "app/termination_signals.h"
+#include "platform/log.h"
+#include "platform/macos/mac_application_delegate.h"
+#include "platform/macos/mac_platform.h"
+#include "platform/macos/mac_status_item.h"
+#include "platform/macos/mac_utility_window.h"
+#include "platform/qt/qt_background_work.h"
+#include "platform/qt/qt_hosted_widget.h"
+#include "platform/qt/qt_http_client.h"
+#include "platform/qt/qt_main_loop.h"
+#include "ui/translations.h"
+#include "ui/visual_effect_background.h"
+
+namespace ferrowyn {
+
+namespace {
+
+/// In the order in which they need each other.
+struct Desktop {
+    explicit Desktop(const CommandLine& line)
+        : log(makeProgramLog(line)),
+          httpClient(mainLoop, backgroundWork),
+          adapter({.mainLoop = mainLoop,
+                   .backgroundWork = backgroundWork,
+                   .httpClient = httpClient,
+                   .log = *log,
+                   .hostWidget = hostQtWidget,
+                   .panelCornerRadius = VisualEffectBackground::cornerRadius}) {}
+
+    QtMainLoop mainLoop;
+    std::unique_ptr<Log> log;
+    QtHttpClient httpClient;
+    MacPlatform adapter;
+    /// Waits, before anything else here goes, for a snapshot that is still being read.
+    QtBackgroundWork backgroundWork;
+};
+
+}  // namespace
+
+int runOnMacOS(const CommandLine& line, int& argumentCount, char** arguments) {
+    AppDelegate* told = nullptr;
+    const auto events = passingOnTo(told);
+    const MacApplicationDelegate systemDelegate(events);
+    QApplication application(argumentCount, arguments);
+    QApplication::setQuitOnLastWindowClosed(false);
+    installTranslations(application, QLocale());
+
+    const Desktop desktop(line);
+    const Platform& platform = desktop.adapter.platform();
+    if (isRunningElsewhere(platform)) {
+        std::cout << "Ferrowyn is already running.\n";
+        return exit_status::success;
+    }
+    // Before the services say that they are active: who reads that may end the program at once.
+    const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
+    QtUserInterface userInterface(
+        platform, [] { return std::make_unique<MacStatusItem>(); }, nullptr, configureUtilityWindow);
+    AppDelegate delegate(platform, userInterface);
+    told = &delegate;
+    // The system tells of the launch when the loop begins. Whatever becomes of that between it and the toolkit, the
+    // program must not sit there without a sign of itself.
+    platform.mainLoop.post(events.onDidFinishLaunching);
+    const int status = QApplication::exec();
+    // The toolkit ends its loop without the system's knowing.
+    events.onWillTerminate();
+    told = nullptr;
+    return status;
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,80 @@
+#include "platform/macos/mac_platform.h"
+
+#include <utility>
+
+#include "core/text_table.h"
+#include "platform/macos/mac_accessibility_notifications.h"
+#include "platform/macos/mac_accessibility_observers.h"
+#include "platform/macos/mac_application.h"
+#include "platform/macos/mac_event_taps.h"
+#include "platform/macos/mac_icon_source.h"
+#include "platform/macos/mac_login_item.h"
+#include "platform/macos/mac_panel.h"
+#include "platform/macos/mac_pointer.h"
+#include "platform/macos/mac_running_application_control.h"
+#include "platform/macos/mac_screens.h"
+#include "platform/macos/mac_trust.h"
+#include "platform/macos/mac_user_defaults.h"
+#include "platform/macos/mac_window_control.h"
+#include "platform/macos/mac_window_inventory.h"
+#include "platform/macos/mac_window_number_lookup.h"
+#include "platform/macos/mac_workspace.h"
+
+namespace ferrowyn {
+
+/// In the order in which they need each other.
+struct MacPlatform::Parts {
+    explicit Parts(MacPlatformFoundation foundation);
+
+    MacWindowNumberLookup windowNumbers;
+    MacRunningApplicationControl applications;
+    MacApplication application;
+    MacWorkspace workspace;
+    MacUserDefaults userDefaults;
+    MacWindowInventory inventory;
+    MacAccessibilityObservers observers;
+    MacWindowControl control;
+    MacTrust trust;
+    MacEventTaps eventTaps;
+    MacScreens screens;
+    MacPointer pointer;
+    MacPanel panel;
+    MacIconSource icons;
+    MacLoginItem loginItem;
+    Platform platform;
+};
+
+MacPlatform::Parts::Parts(MacPlatformFoundation foundation)
+    : inventory([this] { return workspace.runningApplications(); }, windowNumbers),
+      observers(foundation.mainLoop, foundation.log),
+      control(applications, windowNumbers, foundation.log),
+      trust(observeAccessibilityDatabase),
+      eventTaps(foundation.log),
+      panel(std::move(foundation.hostWidget), foundation.panelCornerRadius),
+      platform{.mainLoop = foundation.mainLoop,
+               .backgroundWork = foundation.backgroundWork,
+               .log = foundation.log,
+               .userDefaults = userDefaults,
+               .application = application,
+               .workspace = workspace,
+               .windowInventory = inventory,
+               .accessibilityObservers = observers,
+               .windowControl = control,
+               .trust = trust,
+               .eventTaps = eventTaps,
+               .screens = screens,
+               .pointer = pointer,
+               .panel = panel,
+               .icons = icons,
+               .httpClient = foundation.httpClient,
+               .loginItem = loginItem,
+               .texts = macTexts()} {}
+
+MacPlatform::MacPlatform(MacPlatformFoundation foundation) : parts_(std::make_unique<Parts>(std::move(foundation))) {}
+MacPlatform::~MacPlatform() = default;
+
+const Platform& MacPlatform::platform() const {
+    return parts_->platform;
+}
+
+}  // namespace ferrowyn
