@@ -40,6 +40,9 @@ void UtilityWindowController::show() {
     if (!window_) {
         makeWindow();
     }
+    if (configure_ && !window_->isVisible()) {
+        configure_(static_cast<std::uintptr_t>(window_->winId()), isResizable_);
+    }
     application_.activate();
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
     window_->show();
@@ -63,9 +66,6 @@ void UtilityWindowController::makeWindow() {
     // The toolkit's own request carries the time of the last event that it saw, which may be hours old, and says that
     // an application asks: a manager that guards the focus then refuses.
     window_->onExposed = [this] { application_.bringToFront(static_cast<WindowId>(window_->winId())); };
-    if (configure_) {
-        configure_(static_cast<std::uintptr_t>(window_->winId()), isResizable_);
-    }
     window_->centre();
 }
 
