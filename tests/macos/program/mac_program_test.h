@@ -1,0 +1,93 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/app_delegate.h"
+#include "app/app_services.h"
+#include "platform/macos/mac_application_delegate.h"
+#include "platform/macos/mac_log.h"
+#include "platform/macos/mac_platform.h"
+#include "platform/simulated/simulated_desktop.h"
+#include "tests/macos/fake/fake_accessibility.h"
+#include "tests/macos/fake/fake_keyboard.h"
+#include "tests/macos/fake/fake_system.h"
+#include "tests/macos/fake/fake_window_server.h"
+#include "tests/macos/objc/mac_test.h"
+#include "tests/macos/program/stub_user_interface.h"
+
+namespace ferrowyn::test {
+
+/// The whole program on a Mac with two applications: Notes, in front with window 77, and behind it Mail with window 88.
+/// The clock, the workers and the network are the simulated desktop's. When a test ends, no object of either half of
+/// the system may be held any more, and none may have been misused.
+class MacProgramTest : public MacTest {
+protected:
+    static constexpr Pid notes = 501;
+    static constexpr Pid mail = 502;
+    using Outcome = fake::Keyboard::Outcome;
+    static constexpr fake::Keyboard::Key optionTab{.keyCode = 48, .flags = kCGEventFlagMaskAlternate};
+    static constexpr fake::Keyboard::Key optionReleased{.type = kCGEventFlagsChanged};
+
+    MacProgramTest();
+    ~MacProgramTest() override;
+    void TearDown() override;
+
+    /// The system says that the program was launched, and all comes to rest.
+    void launch();
+    /// Whatever waits for the main thread, on the run loop and on the program's own, is done.
+    void settle();
+    /// Time passes.
+    void advance(Seconds duration);
+    Outcome press(const fake::Keyboard::Key& key);
+    /// The system disables the tap as being too slow, and the program waits as long as it does before it retries.
+    void timeOutTapFor(Seconds delay);
+
+    [[nodiscard]] AppServices& services() { return *program->delegate.services(); }
+    [[nodiscard]] StubUserInterface& interface() { return program->interface; }
+    [[nodiscard]] NSRunningApplication* running(Pid pid) const;
+    [[nodiscard]] NSPanel* panel() const;
+    /// The messages of the unified log since it was last asked for, without the debug ones.
+    [[nodiscard]] std::vector<std::string> takeLog();
+    [[nodiscard]] std::vector<WindowId> listedWindows();
+
+    [[nodiscard]] static NSMenu* menu();
+    [[nodiscard]] static NSMenuItem* row(const std::string& title);
+    /// One entry a row: what the user reads.
+    [[nodiscard]] static std::vector<std::string> rows();
+    /// The user chooses the row; false when it is not enabled.
+    bool choose(const std::string& title);
+    [[nodiscard]] static std::string buttonSymbol();
+    [[nodiscard]] static std::string buttonTooltip();
+
+    fake::Accessibility& accessibility = fake::Accessibility::shared();
+    fake::WindowServer& windowServer = fake::WindowServer::shared();
+    fake::Keyboard& keyboard = fake::Keyboard::shared();
+    fake::System& system = fake::System::shared();
+    fake::ElementId mailElement;
+    fake::ElementId notesWindow;
+    fake::ElementId mailWindow;
+
+    /// As the program composes itself.
+    struct Program {
+        explicit Program(const Platform& toolkit);
+
+        AppDelegate* told = nullptr;
+        MacApplicationDelegate systemDelegate;
+        MacLog log;
+        MacPlatform adapter;
+        StubUserInterface interface;
+        AppDelegate delegate;
+    };
+    std::unique_ptr<SimulatedDesktop> toolkit = std::make_unique<SimulatedDesktop>();
+    std::unique_ptr<Program> program;
+
+private:
+    fake::ElementId addApplication(Pid pid, NSString* name, NSString* identifier);
+    fake::ElementId addWindow(Pid pid, WindowId id, const std::string& title);
+};
+
+}  // namespace ferrowyn::test

@@ -1,0 +1,126 @@
+#include "platform/macos/mac_menu_header_view.h"
+#include "tests/macos/program/mac_program_test.h"
+
+namespace ferrowyn::test {
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+/// What every menu ends with.
+const std::vector<std::string> rest{"Open Switcher",
+                                    "2 windows tracked",
+                                    "-",
+                                    "LAYOUT",
+                                    "List",
+                                    "Grouped",
+                                    "Grid",
+                                    "-",
+                                    "Launch at Login",
+                                    "Settings…",
+                                    "Setup Guide…",
+                                    "About Ferrowyn",
+                                    "-",
+                                    "Quit Ferrowyn"};
+
+std::vector<std::string> rowsWithRepair(const std::string& repair) {
+    std::vector<std::string> all{"header", "-", repair, "-"};
+    all.insert(all.end(), rest.begin(), rest.end());
+    return all;
+}
+
+class MenuOnMacTest : public MacProgramTest {
+protected:
+    void SetUp() override {
+        MacProgramTest::SetUp();
+        launch();
+    }
+    void giveTapUp() {
+        for (const Seconds delay : {Seconds(0.25), Seconds(0.5), Seconds(1), Seconds(2), Seconds(0)}) {
+            timeOutTapFor(delay);
+        }
+        // The number of windows waits for the next time that the menu is made.
+        settle();
+    }
+};
+
+TEST_F(MenuOnMacTest, ReadyItOffersNothingToRepair) {
+    @autoreleasepool {
+        // Made anew, now that the windows are known.
+        EXPECT_TRUE(choose("Grouped"));
+        std::vector<std::string> expected{"header", "-"};
+        expected.insert(expected.end(), rest.begin(), rest.end());
+        EXPECT_THAT(rows(), ElementsAreArray(expected));
+        EXPECT_EQ(row("Grouped").state, NSControlStateValueOn);
+        EXPECT_EQ(row("List").state, NSControlStateValueOff);
+        EXPECT_EQ(text([NSUserDefaults.standardUserDefaults objectForKey:@"switcher.layout"]), "grouped");
+        EXPECT_EQ(text(row("Open Switcher").attributedTitle.string), "Open Switcher   ⌥⇥");
+    }
+}
+
+TEST_F(MenuOnMacTest, WithoutAccessItOffersToGrantIt) {
+    @autoreleasepool {
+        system.isTrusted = false;
+        advance(Seconds(3));
+        EXPECT_THAT(rows(), Contains("Grant Accessibility Access…"));
+        EXPECT_EQ(buttonSymbol(), "exclamationmark.triangle");
+        EXPECT_FALSE(choose("Open Switcher"));
+        EXPECT_TRUE(choose("Grant Accessibility Access…"));
+        EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
+    }
+}
+
+TEST_F(MenuOnMacTest, AfterRepeatedTimeoutsItOffersToReEnableTheShortcut) {
+    @autoreleasepool {
+        giveTapUp();
+        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
+        EXPECT_EQ(buttonSymbol(), "exclamationmark.triangle");
+        EXPECT_EQ(buttonTooltip(), "Ferrowyn — shortcut disabled by the system");
+        EXPECT_TRUE(choose("Re-enable Shortcut"));
+        EXPECT_TRUE(keyboard.isTapEnabled());
+    }
+}
+
+TEST_F(MenuOnMacTest, AShortcutThatIsRefusedAgainCountsAsRevoked) {
+    @autoreleasepool {
+        giveTapUp();
+        keyboard.refusesTaps = true;
+        EXPECT_TRUE(choose("Re-enable Shortcut"));
+        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
+        EXPECT_EQ(buttonSymbol(), "exclamationmark.triangle");
+        EXPECT_EQ(buttonTooltip(), "Ferrowyn — Accessibility access was revoked");
+        keyboard.refusesTaps = false;
+        EXPECT_TRUE(choose("Re-enable Shortcut"));
+        EXPECT_EQ(buttonTooltip(), "Ferrowyn");
+    }
+}
+
+TEST_F(MenuOnMacTest, DuringSecureInputItSaysThatItWaits) {
+    @autoreleasepool {
+        system.isSecureInputEnabled = true;
+        advance(Seconds(2));
+        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Waiting for the other app to release it")));
+        EXPECT_FALSE(choose("Waiting for the other app to release it"));
+        EXPECT_EQ(buttonSymbol(), "keyboard.badge.ellipsis");
+    }
+}
+
+TEST_F(MenuOnMacTest, EachRowDoesWhatItSays) {
+    @autoreleasepool {
+        EXPECT_TRUE(choose("Settings…"));
+        EXPECT_TRUE(choose("Setup Guide…"));
+        EXPECT_TRUE(choose("About Ferrowyn"));
+        EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings", "show setup", "show About Ferrowyn"));
+        EXPECT_TRUE(choose("Open Switcher"));
+        EXPECT_THAT([panel() calls], Contains("orderFrontRegardless"));
+        EXPECT_TRUE(choose("Quit Ferrowyn"));
+        EXPECT_THAT([NSApplication.sharedApplication calls], Contains("terminate"));
+    }
+}
+
+}  // namespace
+
+}  // namespace ferrowyn::test
