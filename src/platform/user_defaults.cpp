@@ -1,16 +1,26 @@
 #include "platform/user_defaults.h"
 
 #include <charconv>
+#include <locale>
+#include <sstream>
 
 namespace ferrowyn {
 
 namespace {
 
-template <typename Number>
-Number parsedNumber(const std::string& text) {
-    Number number{};
+std::int64_t parsedInteger(const std::string& text) {
+    std::int64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc{} && end == text.data() + text.size() ? number : Number{};
+    return error == std::errc{} && end == text.data() + text.size() ? number : 0;
+}
+
+/// Not from_chars, which the C++ library of macOS has for whole numbers only.
+double parsedReal(const std::string& text) {
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    double number = 0;
+    stream >> std::noskipws >> number;
+    return stream && stream.peek() == std::istringstream::traits_type::eof() ? number : 0;
 }
 
 }  // namespace
@@ -55,7 +65,7 @@ std::int64_t UserDefaults::integer(std::string_view key) const {
         return *flag ? 1 : 0;
     }
     if (const auto* text = std::get_if<std::string>(&*stored)) {
-        return parsedNumber<std::int64_t>(*text);
+        return parsedInteger(*text);
     }
     return 0;
 }
@@ -69,7 +79,7 @@ double UserDefaults::real(std::string_view key) const {
         return *real;
     }
     if (const auto* text = std::get_if<std::string>(&*stored)) {
-        return parsedNumber<double>(*text);
+        return parsedReal(*text);
     }
     return static_cast<double>(integer(key));
 }
