@@ -1,6 +1,7 @@
 #include "ui/choice_box.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QPainter>
 #include <QPolygonF>
 #include <QWheelEvent>

@@ -1,5 +1,6 @@
 #include "ui/segment_button.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <algorithm>
 
