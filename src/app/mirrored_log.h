@@ -8,7 +8,8 @@
 
 namespace ferrowyn {
 
-/// Writes what it passes on to another log to a stream as well, one line a message. Any thread.
+/// Writes what it passes on to another log to a stream as well, one line a message, for someone who looks on: it waits
+/// for whoever reads the stream. Any thread.
 class MirroredLog final : public Log {
 public:
     /// Messages below `minimumLevel` go to the other log alone. The stream outlives this.
