@@ -72,14 +72,15 @@ class Recipes:
 
     def __init__(self):
         targets = [line.rpartition(": ")[0] for line in ninja("-t", "targets", "all").splitlines()]
-        self.objects = {}
-        for target in targets:
-            if match := re.search(r"src/platform/macos/(\w+\.(?:cpp|mm))\.o$", target):
-                # The layer's own tests come first; a further program with the same sources has objects of its own.
-                if not target.startswith("/"):
-                    self.objects.setdefault(match[1], target)
         self.links = {name: final_step(f"bin/{name}", f" -o bin/{name}")
                       for names in PROGRAMS.values() for name in names}
+        linked = {word for link in self.links.values() for word in link.split()}
+        self.objects = {}
+        # Where several targets have the file, the object that is linked counts; one of a library is not named there.
+        for target in sorted(targets, key=lambda each: each not in linked):
+            match = re.search(r"src/platform/macos/(\w+\.(?:cpp|mm))\.o$", target)
+            if match and not target.startswith("/"):
+                self.objects.setdefault(match[1], target)
 
     def compile(self, file, source, output):
         """The command that compiles the copy as the build compiles the file."""
