@@ -18,6 +18,10 @@ public:
     [[nodiscard]] virtual bool applicationGotTrigger() = 0;
 };
 
-class EventTapContract : public Contract<KeyboardDriver> {};
+class EventTapContract : public Contract<KeyboardDriver> {
+protected:
+    /// A tap that was disabled is not asked any more, but the desktop may take a moment to let the keys pass it by.
+    [[nodiscard]] bool applicationSoonGetsTrigger();
+};
 
 }  // namespace ferrowyn::contract
