@@ -4,8 +4,8 @@
   scripts/check_macos_mutations.py              all of tests/macos/mutations
   scripts/check_macos_mutations.py TEXT…        those whose file or description contains one of the texts
 
-Each mistake is made in a copy of its file. The copy is checked as scripts/check_macos.sh checks the file itself, and if
-that finds nothing, compiled and linked into the tests of its half of the layer, which are run. The tests must have been
+Each mistake is made in a copy of its file. The copy is compiled and linked into the tests of its half of the layer, which
+are run; if they find nothing, it is checked as scripts/check_macos.sh checks the file itself. The tests must have been
 built (preset dev). Fails when fewer than nine in ten are caught, when a mistake is missed that no reason is given for,
 when one is caught that is said to be uncatchable, and when a copy without a mistake is found fault with.
 """
@@ -38,8 +38,8 @@ ENVIRONMENT = os.environ | {"CCACHE_DISABLE": "1", "GTEST_FAIL_FAST": "1"}
 class Mistake:
     file: str
     what: str
-    text: str = ""
-    replacement: str = ""
+    text: str
+    replacement: str
     uncatchable: str = ""
 
 
@@ -129,7 +129,7 @@ def found_by_tests(recipes, file, copy, folder):
         executable = (folder / program).absolute()
         linked = run(recipes.link(program, file, replaced, executable), cwd=BUILD)
         if linked.returncode != 0:
-            return "the linker of the tests"
+            raise Broken(f"{program} does not link: {linked.stdout}")
         try:
             tested = run([str(executable)], cwd=folder, timeout=PATIENCE_SECONDS)
         except subprocess.TimeoutExpired:
@@ -144,20 +144,25 @@ def found_by_tests(recipes, file, copy, folder):
     return None
 
 
-def caught_by(recipes, mistake, folder, with_tests=True):
-    """What finds the mistake; nothing when it is missed."""
+def caught_by(recipes, mistake, folder):
+    """What finds the mistake; nothing when it is missed. The tests come first, since they find most."""
     source = (LAYER / mistake.file).read_text()
-    if mistake.text:
-        if source.count(mistake.text) != 1:
-            raise Broken(f"{mistake.file}: “{mistake.text}” stands there {source.count(mistake.text)} times instead of once")
-        source = source.replace(mistake.text, mistake.replacement)
-    folder.mkdir(parents=True, exist_ok=True)
-    copy = folder / mistake.file
-    copy.write_text(source)
+    if source.count(mistake.text) != 1:
+        raise Broken(f"{mistake.file}: “{mistake.text}” stands there {source.count(mistake.text)} times instead of once")
+    copy = copy_into(folder, mistake.file, source.replace(mistake.text, mistake.replacement))
+    if finder := found_by_tests(recipes, mistake.file, copy, folder):
+        return finder
     finder = found_by_static_checks(copy)
-    if finder is None and with_tests:
-        finder = found_by_tests(recipes, mistake.file, copy, folder)
+    if finder and found_by_static_checks(copy_into(folder / "whole", mistake.file, source)):
+        raise Broken(f"{mistake.file} is found fault with before any mistake is made in it, by {finder}")
     return finder
+
+
+def copy_into(folder, file, source):
+    folder.mkdir(parents=True, exist_ok=True)
+    copy = folder / file
+    copy.write_text(source)
+    return copy
 
 
 def read_mistakes(texts):
@@ -166,17 +171,15 @@ def read_mistakes(texts):
     return [each for each in mistakes if not texts or any(text in f"{each.file}: {each.what}" for text in texts)]
 
 
-def check_copies(recipes, mistakes, workers):
-    """A copy without a mistake must pass, or everything would count as caught. Each file is checked, and one of each
-    kind is linked and run."""
-    files = sorted({mistake.file for mistake in mistakes})
-    run_ones = {next(file for file in files if file.endswith(suffix)) for suffix in PROGRAMS
-                if any(file.endswith(suffix) for file in files)}
-    jobs = {file: workers.submit(caught_by, recipes, Mistake(file, ""), WORK / f"copy-{file}", file in run_ones)
-            for file in files}
-    for file, job in jobs.items():
-        if finder := job.result():
-            raise Broken(f"{file} is found fault with before any mistake is made in it, by {finder}")
+def check_copies(recipes, mistakes):
+    """The tests must pass with a copy that has no mistake, or every one would count as caught."""
+    for suffix in PROGRAMS:
+        file = next((mistake.file for mistake in mistakes if mistake.file.endswith(suffix)), None)
+        if file is not None:
+            folder = WORK / f"whole{suffix}"
+            copy = copy_into(folder, file, (LAYER / file).read_text())
+            if finder := found_by_tests(recipes, file, copy, folder):
+                raise Broken(f"{file} is found fault with before any mistake is made in it, by {finder}")
 
 
 def main():
@@ -189,22 +192,25 @@ def main():
     if prepared.returncode != 0:
         raise Broken(prepared.stdout)
     recipes = Recipes()
+    check_copies(recipes, mistakes)
     caught = 0
     surprises = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        check_copies(recipes, mistakes, workers)
-        jobs = [workers.submit(caught_by, recipes, mistake, WORK / str(number))
-                for number, mistake in enumerate(mistakes)]
-        for mistake, job in zip(mistakes, jobs):
-            finder = job.result()
-            caught += finder is not None
-            verdict = f"caught by {finder}" if finder else "MISSED"
-            if finder is None and mistake.uncatchable:
-                verdict = f"missed, as it must be: {mistake.uncatchable}"
-            elif finder is None or mistake.uncatchable:
-                surprises += 1
-                verdict += ", though it is said to be uncatchable" if mistake.uncatchable else ""
-            print(f"{mistake.file}: {mistake.what}: {verdict}", flush=True)
+        try:
+            jobs = [workers.submit(caught_by, recipes, mistake, WORK / str(number))
+                    for number, mistake in enumerate(mistakes)]
+            for mistake, job in zip(mistakes, jobs):
+                finder = job.result()
+                caught += finder is not None
+                verdict = f"caught by {finder}" if finder else "MISSED"
+                if finder is None and mistake.uncatchable:
+                    verdict = f"missed, as it must be: {mistake.uncatchable}"
+                elif finder is None or mistake.uncatchable:
+                    surprises += 1
+                    verdict += ", though it is said to be uncatchable" if mistake.uncatchable else ""
+                print(f"{mistake.file}: {mistake.what}: {verdict}", flush=True)
+        finally:
+            workers.shutdown(cancel_futures=True)
     print(f"{caught} of {len(mistakes)} mistakes are caught.")
     return 0 if surprises == 0 and caught >= LEAST_CAUGHT * len(mistakes) else 1
 
