@@ -105,28 +105,6 @@ TEST_F(AccessibilityObserversTest, AHandlerMayDestroyItsObserverWithMoreOnTheWay
     EXPECT_EQ(observer, nullptr);
 }
 
-TEST_F(AccessibilityObserversTest, AHandlerThatEndsItsObserverAndRunsTheLoopKeepsWhatItHolds) {
-    std::unique_ptr<AccessibilityObserver> observer;
-    auto held = std::make_shared<int>(0);
-    std::weak_ptr<int> kept = held;
-    bool wasKept = false;
-    observer = observers.create(notes, [this, held, &kept, &observer, &wasKept](std::string_view) {
-        auto& ownKept = kept;
-        auto& ownWasKept = wasKept;
-        auto& ownDesktop = desktop;
-        observer.reset();
-        // As a dialog does. By the references alone from here on: the handler itself may have gone.
-        ownDesktop.settle();
-        ownWasKept = !ownKept.expired();
-    });
-    held.reset();
-    observer->addApplicationNotification("AXWindowCreated");
-    accessibility.post(app, "AXWindowCreated");
-    runMainLoop();
-    EXPECT_TRUE(wasKept);
-    EXPECT_TRUE(kept.expired());
-}
-
 TEST_F(AccessibilityObserversTest, AProcessThatCannotBeObservedHasNoObserver) {
     accessibility.application(notes).canBeObserved = false;
     EXPECT_EQ(observe(), nullptr);
