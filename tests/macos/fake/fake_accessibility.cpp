@@ -184,6 +184,11 @@ bool Accessibility::answersInBulk(ElementId id) const {
     return applications_.at(elements_.at(id).pid).answersInBulk;
 }
 
+std::optional<std::size_t> Accessibility::mostValuesInBulk(ElementId id) const {
+    const std::lock_guard lock(lock_);
+    return applications_.at(elements_.at(id).pid).mostValuesInBulk;
+}
+
 std::optional<CGWindowID> Accessibility::windowNumber(ElementId id) const {
     const std::lock_guard lock(lock_);
     const auto found = elements_.find(id);
@@ -285,6 +290,9 @@ AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRe
         }
         answers.push_back(error == kAXErrorSuccess ? Held<const Object>(static_cast<const Object*>(value))
                                                    : Held<const Object>(new AccessibilityValue(error)));
+    }
+    while (answers.size() > accessibility.mostValuesInBulk(handle->id()).value_or(answers.size())) {
+        answers.pop_back();
     }
     *values = (new Array(std::move(answers)))->as<CFArrayRef>();
     return kAXErrorSuccess;

@@ -37,6 +37,8 @@ public:
         std::optional<int> requestsUntilItHangs;
         bool canBeObserved = true;
         bool answersInBulk = true;
+        /// Answers in bulk with no more values than this, however many were asked for.
+        std::optional<std::size_t> mostValuesInBulk;
     };
 
     [[nodiscard]] static Accessibility& shared();
@@ -64,6 +66,7 @@ public:
     [[nodiscard]] ElementId elementOfApplication(Pid pid);
     [[nodiscard]] bool canObserve(Pid pid) const;
     [[nodiscard]] bool answersInBulk(ElementId id) const;
+    [[nodiscard]] std::optional<std::size_t> mostValuesInBulk(ElementId id) const;
     [[nodiscard]] std::optional<CGWindowID> windowNumber(ElementId id) const;
     void addObserver(Observer& observer);
     void removeObserver(const Observer& observer);

@@ -94,6 +94,16 @@ TEST_F(InventoryReadingTest, AnApplicationThatKnowsNoBulkIsAskedOneByOne) {
     EXPECT_THAT(application->windows.front().windowNumber, Optional(77U));
 }
 
+TEST_F(InventoryReadingTest, AnAnswerWithTooFewValuesLeavesTheOthersAbsent) {
+    accessibility.application(notes).mostValuesInBulk = 2;
+    addWindow({{"AXTitle", std::string("Short")}, {"AXSize", Size{300, 400}}});
+    const auto application = read();
+    ASSERT_TRUE(application.has_value());
+    EXPECT_THAT(application->windows.front().title, Optional(Eq("Short")));
+    EXPECT_EQ(application->windows.front().size, std::nullopt);
+    EXPECT_EQ(application->windows.front().isFullScreen, std::nullopt);
+}
+
 TEST_F(InventoryReadingTest, AWindowThatHasGoneIsListedWithoutAnything) {
     const auto window = addWindow({{"AXTitle", std::string("Gone")}}, 77);
     accessibility.element(window).isGone = true;

@@ -301,6 +301,17 @@ TEST_F(MacDesktopTest, IconsAreDrawnInTheSizeThatIsAskedFor) {
     }
 }
 
+TEST_F(MacDesktopTest, AnIconThatOthersShareKeepsItsSize) {
+    @autoreleasepool {
+        NSRunningApplication* const application = mail();
+        start(application, helper());
+        const auto size = application.icon.size;
+        EXPECT_TRUE(MacIconSource().iconForProcess(512));
+        EXPECT_EQ(application.icon.size.width, size.width);
+        EXPECT_EQ(application.icon.size.height, size.height);
+    }
+}
+
 TEST_F(MacDesktopTest, AProcessThatGivesNoIconOrHasExitedHasNone) {
     @autoreleasepool {
         start(mail(), helper());

@@ -241,6 +241,19 @@ TEST_F(MacStatusItemTest, AMenuThatOutlivesItsOwnerDoesNothing) {
     }
 }
 
+TEST_F(MacStatusItemTest, ATargetThatTheSystemStillHoldsForAChoiceCallsNobodyThatHasGone) {
+    @autoreleasepool {
+        show(statusMenu(Health::ready));
+        NSMenuItem* const row = rowTitled("Quit Ferrowyn");
+        NSMenu* const menu = shownItem().menu;
+        const id target = row.target;
+        ASSERT_NE(target, nil);
+        item.reset();
+        [menu choose:row];
+        EXPECT_THAT(chosen, IsEmpty());
+    }
+}
+
 TEST_F(MacStatusItemTest, ASymbolThatTheSystemDoesNotHaveLeavesTheRowWithoutOne) {
     @autoreleasepool {
         MenuRow row;

@@ -20,8 +20,9 @@ int madeLogs = 0;
     }
     return mainService;
 }
-- (BOOL)answer:(NSError* __autoreleasing*)error {
+- (BOOL)answer:(NSError* __autoreleasing*)error becoming:(SMAppServiceStatus)status {
     if (_nextError == nil) {
+        _status = status;
         return YES;
     }
     *error = _nextError;
@@ -30,11 +31,11 @@ int madeLogs = 0;
 }
 - (BOOL)registerAndReturnError:(NSError* __autoreleasing*)error {
     _calls.emplace_back("register");
-    return [self answer:error];
+    return [self answer:error becoming:SMAppServiceStatusEnabled];
 }
 - (BOOL)unregisterAndReturnError:(NSError* __autoreleasing*)error {
     _calls.emplace_back("unregister");
-    return [self answer:error];
+    return [self answer:error becoming:SMAppServiceStatusNotRegistered];
 }
 - (std::vector<std::string>)calls {
     return _calls;

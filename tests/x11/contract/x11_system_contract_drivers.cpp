@@ -1,0 +1,130 @@
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+
+#include "platform/linux/ini_user_defaults.h"
+#include "platform/linux/xdg_login_item.h"
+#include "platform/x11/x11_panel_events.h"
+#include "platform/x11/x11_screens.h"
+#include "tests/platform/contract/login_item_contract.h"
+#include "tests/platform/contract/screens_contract.h"
+#include "tests/platform/contract/user_defaults_contract.h"
+#include "tests/platform/contract/workspace_contract.h"
+#include "tests/platform/linux/temporary_folder.h"
+#include "tests/x11/harness/application_process.h"
+#include "tests/x11/inventory_fixture.h"
+
+namespace ferrowyn::contract {
+namespace {
+
+using x11test::AdapterParts;
+using x11test::ApplicationProcess;
+using x11test::PrivateXServer;
+using x11test::RememberingLog;
+using x11test::TestDesktop;
+using x11test::TestWindow;
+using x11test::WindowManagerProcess;
+
+class X11WorkspaceDriver final : public WorkspaceDriver {
+public:
+    Workspace& workspace() override { return parts_.workspace; }
+    Pid launch(const std::string& name) override {
+        auto application =
+            std::make_unique<ApplicationProcess>(server_, name, std::vector<std::string>{name + "'s window"});
+        const Pid pid = application->pid();
+        applications_[pid] = std::move(application);
+        return pid;
+    }
+    void quit(Pid application) override { applications_.erase(application); }
+    void activate(Pid application) override { desktop_.activate(applications_.at(application)->windows().front()); }
+    bool runUntil(const std::function<bool()>& predicate) override { return parts_.runUntil(predicate); }
+
+private:
+    PrivateXServer server_;
+    WindowManagerProcess manager_{server_, "openbox"};
+    TestDesktop desktop_{server_.display()};
+    AdapterParts parts_{server_.display()};
+    std::map<Pid, std::unique_ptr<ApplicationProcess>> applications_;
+};
+
+class X11ScreensDriver final : public ScreensDriver {
+public:
+    Screens& screens() override { return screens_; }
+    void showDock(double height) override {
+        const auto pixels = static_cast<std::uint32_t>(height);
+        dock_ =
+            std::make_unique<TestWindow>(server_.display(), TestWindow::Options{.title = "Dock",
+                                                                                .x = 0,
+                                                                                .y = 0,
+                                                                                .width = width,
+                                                                                .height = static_cast<int>(pixels),
+                                                                                .type = "_NET_WM_WINDOW_TYPE_DOCK"});
+        const std::uint32_t strut[12] = {0, 0, pixels, 0, 0, 0, 0, 0, 0, width - 1, 0, 0};
+        dock_->setProperty("_NET_WM_STRUT_PARTIAL", "CARDINAL", 32, strut, 12);
+    }
+    void removeDock() override { dock_.reset(); }
+    bool runUntil(const std::function<bool()>& predicate) override { return parts_.runUntil(predicate); }
+
+private:
+    static constexpr int width = 1280;
+
+    PrivateXServer server_;
+    WindowManagerProcess manager_{server_, "openbox"};
+    /// For its main loop, which the screens' events come through.
+    AdapterParts parts_{server_.display()};
+    X11PanelEvents events_{X11Connection::open(server_.display().c_str())};
+    X11Screens screens_{events_};
+    std::unique_ptr<TestWindow> dock_;
+};
+
+class LinuxUserDefaultsDriver final : public UserDefaultsDriver {
+public:
+    UserDefaults& defaults() override { return defaults_; }
+    bool isStored(const std::string& key) override {
+        defaults_.flush();
+        return IniUserDefaults(file_, log_).value(key).has_value();
+    }
+
+private:
+    TemporaryFolder folder_;
+    std::filesystem::path file_ = folder_.path() / "Ferrowyn.ini";
+    RememberingLog log_;
+    IniUserDefaults defaults_{file_, log_};
+};
+
+class LinuxLoginItemDriver final : public LoginItemDriver {
+public:
+    LoginItem& item() override { return item_; }
+    void refuse() override {
+        // A file in the place of the folder, which stops the administrator as well.
+        std::filesystem::create_directories(folders_.configHome);
+        std::ofstream(folders_.configHome / "autostart") << "in the way";
+    }
+
+private:
+    [[nodiscard]] std::filesystem::path makeProgram() const {
+        const auto program = folder_.path() / "ferrowyn";
+        std::ofstream(program) << "#!/bin/sh\n";
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        return program;
+    }
+    [[nodiscard]] XdgFolders makeFolders() const {
+        XdgFolders folders;
+        folders.configHome = folder_.path() / "config";
+        folders.configDirs = {folder_.path() / "etc"};
+        return folders;
+    }
+
+    TemporaryFolder folder_;
+    XdgFolders folders_ = makeFolders();
+    XdgLoginItem item_{folders_, {"com.larkmoor.ferrowyn", "Ferrowyn", makeProgram()}, {"GNOME", "/usr/bin:/bin"}};
+};
+
+FERROWYN_HOLDS_TO(WorkspaceContract, X11, std::make_unique<X11WorkspaceDriver>());
+FERROWYN_HOLDS_TO(ScreensContract, X11, std::make_unique<X11ScreensDriver>());
+FERROWYN_HOLDS_TO(UserDefaultsContract, X11, std::make_unique<LinuxUserDefaultsDriver>());
+FERROWYN_HOLDS_TO(LoginItemContract, X11, std::make_unique<LinuxLoginItemDriver>());
+
+}  // namespace
+}  // namespace ferrowyn::contract
