@@ -11,11 +11,13 @@ protected:
           desktop(server.display()),
           first(server.display(), {.title = "First"}),
           second(server.display(), {.title = "Second", .x = 300}),
+          other(server.display(), {.title = "Other", .x = 500}),
           parts(server.display()) {}
 
     void SetUp() override {
         ASSERT_TRUE(parts.runUntilKnown(first.id()));
         ASSERT_TRUE(parts.runUntilKnown(second.id()));
+        ASSERT_TRUE(parts.runUntilKnown(other.id()));
         activate(second.id());
         ASSERT_TRUE(desktop.waitForActiveWindow(second.id()));
     }
@@ -32,11 +34,34 @@ protected:
         parts.control.setFrontmost(pid);
     }
 
+    /// The first window and the other one are on a desktop that is not shown; the first has just been reached
+    /// there.
+    void reachAnotherDesktop() {
+        desktop.setDesktopCount(2);
+        for (const auto window : {first.id(), other.id()}) {
+            desktop.moveToDesktop(window, 1);
+            ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window)->desktop == 1U; }));
+        }
+        activate(first.id());
+        ASSERT_TRUE(isSeenActive(first.id()));
+    }
+
+    bool isSeenActive(xcb_window_t window) {
+        return parts.runUntil([&] { return parts.monitor.model().activeWindow() == window; });
+    }
+
+    /// As an application answers the offer of the focus that a manager made it: late, perhaps.
+    static void takeFocus(TestWindow& window) {
+        xcb_set_input_focus(window.connection(), XCB_INPUT_FOCUS_PARENT, window.id(), XCB_CURRENT_TIME);
+        xcb_flush(window.connection());
+    }
+
     PrivateXServer server;
     WindowManagerProcess manager;
     TestDesktop desktop;
     TestWindow first;
     TestWindow second;
+    TestWindow other;
     AdapterParts parts;
 };
 
@@ -65,6 +90,36 @@ TEST_P(ActivationTest, TakesTheUserToAWindowOnAnotherDesktop) {
     EXPECT_TRUE(desktop.waitForActiveWindow(first.id()));
     EXPECT_TRUE(desktop.waitUntil([&] { return desktop.currentDesktop() == 1U; }));
     EXPECT_EQ(parts.listedWindow(first.id())->isOnScreen, true);
+}
+
+TEST_P(ActivationTest, TakesTheFocusBackThatAnotherWindowTakesLateOnTheNewDesktop) {
+    // A theft is one for a moment only: on a busy machine the manager may need another try.
+    bool isStolen = false;
+    const auto watch = parts.monitor.model().focusThefts().subscribe([&](xcb_window_t) { isStolen = true; });
+    for (int attempt = 0; !isStolen && attempt < 20; ++attempt) {
+        activate(second.id());
+        ASSERT_TRUE(isSeenActive(second.id()));
+        reachAnotherDesktop();
+        takeFocus(other);
+        ASSERT_TRUE(parts.runUntil([&] { return isStolen || parts.monitor.model().activeWindow() == other.id(); }));
+    }
+    ASSERT_TRUE(isStolen);
+    EXPECT_TRUE(isSeenActive(first.id()));
+    EXPECT_TRUE(desktop.waitForActiveWindow(first.id()));
+}
+
+TEST_P(ActivationTest, LeavesTheFocusWithAWindowThatTheUserClickedOnTheNewDesktop) {
+    reachAnotherDesktop();
+    std::vector<Pid> announced;
+    const auto watch = parts.monitor.model().notifications().subscribe([&](const X11AccessibilityNotification& told) {
+        if (told.name == "AXFocusedWindowChanged") {
+            announced.push_back(told.pid);
+        }
+    });
+    parts.context.noteUserTime(parts.monitor.latestServerTime() + 1);
+    takeFocus(other);
+    ASSERT_TRUE(isSeenActive(other.id()));
+    EXPECT_THAT(announced, testing::ElementsAre(parts.monitor.model().find(other.id())->pid));
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, ActivationTest, testing::Values("openbox", "xfwm4"),

@@ -59,8 +59,23 @@ QtBackgroundWork::~QtBackgroundWork() {
     pool_.waitForDone();
 }
 
+/// Handed over under a lock of our own, which the thread sanitizer sees; the pool's it does not.
 void QtBackgroundWork::run(std::function<void()> work) {
-    pool_.start(std::move(work));
+    {
+        const std::scoped_lock lock(mutex_);
+        waiting_.push_back(std::move(work));
+    }
+    pool_.start([this] { runNext(); });
+}
+
+void QtBackgroundWork::runNext() {
+    std::function<void()> work;
+    {
+        const std::scoped_lock lock(mutex_);
+        work = std::move(waiting_.front());
+        waiting_.pop_front();
+    }
+    work();
 }
 
 void QtBackgroundWork::concurrentPerform(std::size_t count, const std::function<void(std::size_t)>& iteration) {

@@ -2,6 +2,8 @@
 
 #include <QThreadPool>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -24,9 +26,12 @@ public:
 private:
     class SharedIterations;
 
+    void runNext();
     void helpWith(std::uint64_t key);
 
     std::mutex mutex_;
+    /// What no worker has begun yet, first come first.
+    std::deque<std::function<void()>> waiting_;
     std::uint64_t nextKey_ = 0;
     /// What helpers are handed goes through this class's own lock: the pool's is out of the thread sanitizer's sight.
     std::unordered_map<std::uint64_t, std::shared_ptr<SharedIterations>> shared_;

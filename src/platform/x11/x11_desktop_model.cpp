@@ -34,15 +34,37 @@ void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunnin
     }
     activeWindow_ = root.activeWindow;
     sessionStart_.reset();
-    if (expectedActive_ == activeWindow_) {
-        expectedActive_.reset();
-    }
+    const auto stolenFrom = reviewExpectation();
     reportActive(announcements);
 
     send(announcements);
+    if (stolenFrom) {
+        focusThefts_.send(*stolenFrom);
+    }
     if (managerChanged) {
         windowManagerChanges_.send(isWindowManagerRunning);
     }
+}
+
+std::optional<xcb_window_t> X11DesktopModel::reviewExpectation() {
+    if (!expectation_) {
+        return std::nullopt;
+    }
+    if (expectation_->window == activeWindow_) {
+        expectation_->isReached = true;
+        if (!expectation_->isAcrossDesktops) {
+            expectation_.reset();
+        }
+        return std::nullopt;
+    }
+    const auto* const active = find(activeWindow_);
+    // A dialog may be one of the expected window: then that is where the user wanted to be.
+    if (!expectation_->isReached || active == nullptr || active->isTransient) {
+        return std::nullopt;
+    }
+    const xcb_window_t expected = expectation_->window;
+    expectActive(expected);
+    return expected;
 }
 
 void X11DesktopModel::update(X11WindowFacts window, Announcements& announcements) {
@@ -107,7 +129,8 @@ void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>
 
 void X11DesktopModel::reportActive(Announcements& announcements) {
     const auto* const active = find(activeWindow_);
-    if (active != nullptr && !expectedActive_) {
+    const bool isStage = expectation_ && expectation_->window != activeWindow_;
+    if (active != nullptr && !isStage) {
         report(*active, announcements);
     }
 }
@@ -126,10 +149,10 @@ void X11DesktopModel::report(const X11WindowFacts& active, Announcements& announ
 }
 
 void X11DesktopModel::stopExpectingActive() {
-    if (!expectedActive_) {
+    if (!expectation_) {
         return;
     }
-    expectedActive_.reset();
+    expectation_.reset();
     sessionStart_.reset();
     Announcements announcements;
     reportActive(announcements);
@@ -138,7 +161,7 @@ void X11DesktopModel::stopExpectingActive() {
 
 void X11DesktopModel::startSessionFrom(xcb_window_t active) {
     sessionStart_.reset();
-    if (const auto* const window = find(expectedActive_.value_or(active))) {
+    if (const auto* const window = find(expectation_ ? expectation_->window : active)) {
         sessionStart_ = window->id;
         Announcements announcements;
         report(*window, announcements);

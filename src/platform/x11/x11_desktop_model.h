@@ -30,7 +30,12 @@ public:
 
     /// An activation of this window is under way. What else becomes active on the way there (the window that a manager
     /// focuses first when it switches desktops) is not the user's choice and is announced only if it stays.
-    void expectActive(xcb_window_t window) { expectedActive_ = window; }
+    void expectActive(xcb_window_t window) { expectation_ = Expectation{.window = window, .isAcrossDesktops = false}; }
+    /// The same, with a change of desktops before it, for which the manager focuses a window of its own choice. The
+    /// application of that window may take the focus late, when the right window has it already: see `focusThefts`.
+    void expectActiveAcrossDesktops(xcb_window_t window) {
+        expectation_ = Expectation{.window = window, .isAcrossDesktops = true};
+    }
     void stopExpectingActive();
     /// A session starts while this window is the active one, which the events need not have told yet. It starts from
     /// the window that an activation under way leads to, if there is one: a second quick switch leads back.
@@ -57,6 +62,9 @@ public:
     [[nodiscard]] const Subject<X11AccessibilityNotification>& notifications() const { return notifications_; }
     /// The window manager came or went; the value is whether it runs.
     [[nodiscard]] const Subject<bool>& windowManagerChanges() const { return windowManagerChanges_; }
+    /// Another window has taken the focus from this one, to which an activation across desktops had led. Sent once an
+    /// activation; who is sent it should ask again.
+    [[nodiscard]] const Subject<xcb_window_t>& focusThefts() const { return focusThefts_; }
 
 private:
     /// What an update brought, collected first and announced when the model is whole again.
@@ -65,6 +73,14 @@ private:
         std::vector<X11AccessibilityNotification> notifications;
     };
 
+    struct Expectation {
+        xcb_window_t window;
+        bool isAcrossDesktops;
+        bool isReached = false;
+    };
+
+    /// Looks at the active window in the light of the expectation; the window that has lost the focus, if one has.
+    std::optional<xcb_window_t> reviewExpectation();
     void removeUnlisted(Announcements& announcements);
     void update(X11WindowFacts window, Announcements& announcements);
     void announceLaunchesAndWindows(const std::vector<xcb_window_t>& created, std::unordered_set<Pid> knownProcesses,
@@ -84,7 +100,7 @@ private:
     xcb_window_t activeWindow_ = XCB_WINDOW_NONE;
     xcb_window_t reportedActive_ = XCB_WINDOW_NONE;
     std::optional<Pid> reportedPid_;
-    std::optional<xcb_window_t> expectedActive_;
+    std::optional<Expectation> expectation_;
     /// Newer than what the events have told, until they tell of the root window again.
     std::optional<xcb_window_t> sessionStart_;
     /// Front-most first, desktop elements included.
@@ -94,6 +110,7 @@ private:
     Subject<WorkspaceEvent> workspaceEvents_;
     Subject<X11AccessibilityNotification> notifications_;
     Subject<bool> windowManagerChanges_;
+    Subject<xcb_window_t> focusThefts_;
 };
 
 }  // namespace ferrowyn

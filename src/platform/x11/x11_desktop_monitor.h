@@ -33,6 +33,8 @@ public:
 
     /// See `X11DesktopModel::expectActive`; ends by itself after a moment.
     void expectActive(xcb_window_t window);
+    void expectActiveAcrossDesktops(xcb_window_t window);
+    void stopExpectingActive();
     void startSessionFrom(xcb_window_t active) { model_.startSessionFrom(active); }
 
     /// The server's time at the latest event seen here; never 0.
@@ -56,6 +58,7 @@ private:
     void readWindows(const X11RootFacts& root);
     void subscribeToWindows(const std::vector<xcb_window_t>& windows);
     [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
+    void endExpectationLater();
     [[nodiscard]] xcb_get_property_cookie_t requestManagerCheck(const X11RootFacts& root);
     [[nodiscard]] bool collectManagerCheck(const X11RootFacts& root, xcb_get_property_cookie_t cookie);
 

@@ -58,15 +58,32 @@ void X11WindowControl::activate(Pid pid) {
 void X11WindowControl::requestActivation(xcb_window_t window) {
     requested_ = window;
     requestEnd_ = mainLoop_.after(requestLifetime, [this] { requested_.reset(); });
-    monitor_.expectActive(window);
-    const auto& model = monitor_.model();
-    const auto* const facts = model.find(window);
-    if (facts != nullptr && facts->desktop && !facts->isOnDesktop(model.currentDesktop())) {
+    requestTime_ = userTime();
+    const auto* const facts = monitor_.model().find(window);
+    if (facts == nullptr || !facts->desktop || facts->isOnDesktop(monitor_.model().currentDesktop())) {
+        monitor_.expectActive(window);
+    } else {
+        monitor_.expectActiveAcrossDesktops(window);
         // Left to themselves some managers bring the window here instead of taking the user there.
-        sendToManager(monitor_.connection().root(), atoms_.netCurrentDesktop, {*facts->desktop, userTime(), 0, 0, 0});
+        sendToManager(monitor_.connection().root(), atoms_.netCurrentDesktop, {*facts->desktop, requestTime_, 0, 0, 0});
     }
-    sendToManager(window, atoms_.netActiveWindow, {sourcePager, userTime(), model.activeWindow(), 0, 0});
+    sendActivation(window, requestTime_);
     monitor_.connection().flush();
+}
+
+void X11WindowControl::takeFocusBackFor(xcb_window_t window) {
+    if (context_.lastUserTime.load() > requestTime_) {
+        // It was no theft: the user has clicked there, or pressed the trigger again.
+        monitor_.stopExpectingActive();
+        return;
+    }
+    // Later than the thief's request, or that would prevail.
+    sendActivation(window, monitor_.latestServerTime());
+    monitor_.connection().flush();
+}
+
+void X11WindowControl::sendActivation(xcb_window_t window, xcb_timestamp_t time) {
+    sendToManager(window, atoms_.netActiveWindow, {sourcePager, time, monitor_.model().activeWindow(), 0, 0});
 }
 
 void X11WindowControl::setFrontmost(Pid pid) {

@@ -21,7 +21,9 @@ public:
     /// All references outlive this.
     X11WindowControl(MainLoop& mainLoop, X11DesktopMonitor& monitor, const X11Atoms& atoms, X11InputContext& context,
                      Log& log)
-        : mainLoop_(mainLoop), monitor_(monitor), atoms_(atoms), context_(context), log_(log) {}
+        : mainLoop_(mainLoop), monitor_(monitor), atoms_(atoms), context_(context), log_(log) {
+        thefts_ = monitor_.model().focusThefts().subscribe([this](xcb_window_t window) { takeFocusBackFor(window); });
+    }
 
     /// Applications as a whole cannot be hidden here. All of one's windows being minimised is not that: the user
     /// minimised each, and restoring one must not bring back the others.
@@ -54,6 +56,8 @@ public:
 
 private:
     void requestActivation(xcb_window_t window);
+    void takeFocusBackFor(xcb_window_t window);
+    void sendActivation(xcb_window_t window, xcb_timestamp_t time);
     void stackAbove(xcb_window_t window);
     void sendToManager(xcb_window_t window, xcb_atom_t message, const std::array<std::uint32_t, 5>& data);
     [[nodiscard]] xcb_timestamp_t userTime() const;
@@ -68,6 +72,9 @@ private:
     /// for its application.
     std::optional<xcb_window_t> requested_;
     Subscription requestEnd_;
+    /// The user's latest input when it was asked for.
+    xcb_timestamp_t requestTime_ = 0;
+    Subscription thefts_;
 };
 
 }  // namespace ferrowyn

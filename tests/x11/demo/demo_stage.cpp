@@ -35,6 +35,12 @@ void DemoStage::report(bool isRight, const std::string& done, const std::string&
     report(isRight, text);
 }
 
+void DemoStage::explain(const std::string& what) {
+    std::printf("          %s%sactive instead: %s\n", what.c_str(), what.empty() ? "" : "; ",
+                titleOf(desk.desktop.activeWindow()).c_str());
+    std::fflush(stdout);
+}
+
 void DemoStage::picture(const std::string& name) {
     ++pictureCount_;
     const std::string number = (pictureCount_ < 10 ? "0" : "") + std::to_string(pictureCount_);
@@ -117,6 +123,9 @@ void DemoStage::finish(const std::string& keys, const std::function<void()>& act
     const bool isActive = desk.desktop.waitForActiveWindow(expected);
     const auto elapsed = Clock::now() - pressed;
     report(isActive, keys, "window active", elapsed, titleOf(expected));
+    if (!isActive) {
+        explain();
+    }
     desk.input.release(key::leftAlt);
     const bool isGone = desk.desktop.waitForPanel(false);
     const bool leads = desk.program->waitForFirst(expected);
@@ -131,6 +140,10 @@ void DemoStage::finish(const std::string& keys, std::uint8_t code, xcb_window_t 
 }
 
 int DemoStage::conclude() const {
+    if (failed_ > 0) {
+        // Where only this output is kept, it is all that there is to find out why from.
+        std::printf("\nThe program said:\n%s", desk.program->process().output().c_str());
+    }
     std::printf("\nPictures of every step are in %s\n", pictures_.c_str());
     std::printf("%d passed, %d failed\n", passed_, failed_);
     return failed_ == 0 ? 0 : 1;

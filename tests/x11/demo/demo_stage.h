@@ -27,6 +27,8 @@ public:
     /// A line of the timeline: what was done, and what came of it, how long after.
     void report(bool isRight, const std::string& done, const std::string& what, std::chrono::nanoseconds elapsed,
                 const std::string& detail = {});
+    /// What else there is to know of a failure: which window is active now.
+    void explain(const std::string& what = {});
     void picture(const std::string& name);
     /// All pixels, as they are now.
     [[nodiscard]] std::vector<std::uint32_t> screen() const;

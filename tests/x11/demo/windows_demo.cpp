@@ -12,7 +12,7 @@ constexpr int menuWidth = 268;
 constexpr int settingsAboveLowerEdge = 6 + 25 + 11 + 25 + 25 + 12;
 /// In the settings window: the third row of the sidebar, and the layouts' buttons in the pane behind it.
 constexpr int appearanceX = 60, appearanceY = 14 + 2 * 30 + 15;
-constexpr int listX = 240, gridX = 608, layoutsY = 122;
+constexpr int listX = 303, gridX = 608, layoutsY = 122;
 constexpr int gridWidth = 760;
 
 }  // namespace
@@ -64,18 +64,21 @@ void WindowsDemo::changedSetting() {
     if (!place) {
         return;
     }
+    auto& desktop = desk_.desktop;
+    // The chosen layout's button is filled, the others have another colour. Left of their texts:
+    const auto listColour = [&] { return desktop.pixel(place->x + listX - 30, place->y + layoutsY); };
+    const auto gridColour = [&] { return desktop.pixel(place->x + gridX - 30, place->y + layoutsY); };
+    const auto asked = DemoStage::Clock::now();
     desk_.input.click(place->x + appearanceX, place->y + appearanceY);
+    const bool isPaneShown = desktop.waitUntil([&] { return listColour() != gridColour(); });
+    stage_.report(isPaneShown, "Appearance clicked", "its settings painted", DemoStage::Clock::now() - asked);
+    const auto chosen = listColour();
     const auto clicked = DemoStage::Clock::now();
     desk_.input.click(place->x + gridX, place->y + layoutsY);
     const bool isStored = desk_.settings.waitFor("layout=\"grid\"");
-    stage_.report(isStored, "Appearance clicked, Grid clicked", "settings file changed",
-                  DemoStage::Clock::now() - clicked);
-    // The chosen layout's button is filled, the others have one colour.
-    const bool isDrawn = desk_.desktop.waitUntil([&] {
-        return desk_.desktop.pixel(place->x + gridX - 30, place->y + layoutsY) !=
-               desk_.desktop.pixel(place->x + listX, place->y + layoutsY);
-    });
-    stage_.report(isDrawn, "the button of the grid is the chosen one");
+    stage_.report(isStored, "Grid clicked", "settings file changed", DemoStage::Clock::now() - clicked);
+    stage_.report(desktop.waitUntil([&] { return gridColour() == chosen; }),
+                  "the button of the grid is the chosen one");
     stage_.picture("settings-grid");
     closeWindow("Ferrowyn Settings");
     stage_.open("Alt held, Tab");
@@ -105,13 +108,23 @@ std::optional<TestDesktop::Place> WindowsDemo::openWindow(const std::string& don
         return place && stage_.isPainted(*place, before);
     });
     stage_.report(isActive, done, "window active and painted", DemoStage::Clock::now() - start, title);
+    if (!isActive) {
+        stage_.explain(desktop.windowTitled(title) ? "it is open" : "it is not open");
+        stage_.picture("not-opened");
+    }
     return isActive ? place : std::nullopt;
 }
 
 void WindowsDemo::closeWindow(const std::string& title) {
+    auto& desktop = desk_.desktop;
+    const auto window = desktop.windowTitled(title);
+    const auto place = window ? desktop.placeOf(*window) : std::nullopt;
+    const auto before = stage_.screen();
     const auto start = DemoStage::Clock::now();
     desk_.input.tap(key::escape);
-    const bool isGone = desk_.desktop.waitUntil([&] { return !desk_.desktop.windowTitled(title); });
+    // What it covered is painted again, or the next window could not be told from the picture of this one.
+    const bool isGone =
+        place && desktop.waitUntil([&] { return !desktop.windowTitled(title) && stage_.isPainted(*place, before); });
     stage_.report(isGone, "Escape", "window gone", DemoStage::Clock::now() - start, title);
 }
 

@@ -14,7 +14,7 @@ namespace ferrowyn::x11test {
 
 namespace {
 
-constexpr const char* name = "/Ferrowyn.ini";
+constexpr const char* fileName = "/Ferrowyn.ini";
 
 }  // namespace
 
@@ -32,12 +32,12 @@ SettingsFile::~SettingsFile() {
 }
 
 std::string SettingsFile::text() const {
-    std::ifstream file(folder_ + name);
+    std::ifstream file(folder_ + fileName);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void SettingsFile::write(const std::string& text) const {
-    std::ofstream(folder_ + name) << text;
+    std::ofstream(folder_ + fileName) << text;
 }
 
 bool SettingsFile::waitUntil(const std::function<bool(const std::string&)>& predicate, milliseconds budget) {
