@@ -28,6 +28,8 @@ PROGRAMS = {
     ".cpp": ["macos_layer_test", "macos_layer_without_window_numbers_test"],
     ".mm": ["macos_objc_test"],
 }
+# What puts the layer together needs both halves.
+PROGRAMS_BY_FILE = {"mac_platform.cpp": ["macos_program_test"]}
 LEAST_CAUGHT = 0.9
 # Far more than the tests take, even beside other work: a program that is not done by then hangs.
 PATIENCE_SECONDS = 90
@@ -41,6 +43,10 @@ class Mistake:
     text: str
     replacement: str
     uncatchable: str = ""
+
+
+def programs_for(file):
+    return PROGRAMS_BY_FILE.get(file) or PROGRAMS[pathlib.Path(file).suffix]
 
 
 class Broken(Exception):
@@ -73,7 +79,7 @@ class Recipes:
     def __init__(self):
         targets = [line.rpartition(": ")[0] for line in ninja("-t", "targets", "all").splitlines()]
         self.links = {name: final_step(f"bin/{name}", f" -o bin/{name}")
-                      for names in PROGRAMS.values() for name in names}
+                      for names in [*PROGRAMS.values(), *PROGRAMS_BY_FILE.values()] for name in names}
         linked = {word for link in self.links.values() for word in link.split()}
         self.objects = {}
         # Where several targets have the file, the object that is linked counts; one of a library is not named there.
@@ -125,7 +131,7 @@ def found_by_tests(recipes, file, copy, folder):
     compiled = run(recipes.compile(file, copy.absolute(), replaced), cwd=BUILD)
     if compiled.returncode != 0:
         return "the compiler of the tests"
-    for program in PROGRAMS[copy.suffix]:
+    for program in programs_for(file):
         executable = (folder / program).absolute()
         linked = run(recipes.link(program, file, replaced, executable), cwd=BUILD)
         if linked.returncode != 0:

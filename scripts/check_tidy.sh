@@ -16,7 +16,7 @@ sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g
   build/asan/compile_commands.json >build/tidy/compile_commands.json
 sed -nE 's/^ *"file": "(.*)",?$/\1/p' build/tidy/compile_commands.json |
   grep -E "^$PWD/(src/|build/asan/src/.*/Unity/).*\.(cpp|cxx)$" |
-  xargs -d '\n' -P 2 -n 1 clang-tidy-16 --quiet -p build/tidy --extra-arg=-Wno-keyword-macro --extra-arg=-Wno-shadow 2>build/tidy/stderr.log || {
+  xargs -d '\n' -P 2 -n 1 clang-tidy-16 --quiet -p build/tidy --extra-arg=-Wno-keyword-macro 2>build/tidy/stderr.log || {
   grep -E 'error:' build/tidy/stderr.log || true
   exit 1
 }

@@ -14,7 +14,6 @@ using testing::Not;
 
 namespace {
 
-constexpr Pid nobody = 2'000'000'000;
 constexpr auto* created = "AXWindowCreated";
 constexpr auto* titleChanged = "AXTitleChanged";
 constexpr auto* destroyed = "AXUIElementDestroyed";

@@ -7,7 +7,12 @@
 #include <ostream>
 #include <string>
 
+#include "core/identifiers.h"
+
 namespace ferrowyn::contract {
+
+/// No system hands out such a number.
+constexpr Pid nobody = 2'000'000'000;
 
 /// Makes what plays a desktop towards one adapter, so that the same tests hold every adapter to what its interface
 /// promises. Each program that links a contract instantiates it with the driver of its adapter.

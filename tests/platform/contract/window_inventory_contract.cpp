@@ -16,8 +16,6 @@ using testing::Not;
 namespace {
 
 constexpr Seconds timeout{1};
-/// No system hands out such a number.
-constexpr Pid nobody = 2'000'000'000;
 
 }  // namespace
 

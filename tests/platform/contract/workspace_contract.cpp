@@ -6,12 +6,6 @@
 
 namespace ferrowyn::contract {
 
-namespace {
-
-constexpr Pid nobody = 2'000'000'000;
-
-}  // namespace
-
 Subscription WorkspaceContract::observe(std::vector<Event>& events) {
     return driver->workspace().observe([&events](const WorkspaceEvent& event) {
         events.push_back({event.kind, event.application ? std::optional(event.application->pid) : std::nullopt});
