@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "platform/simulated/simulated_main_loop.h"
+#include "platform/x11/x11_server_time.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/harness/application_process.h"
 #include "tests/x11/inventory_fixture.h"
@@ -161,6 +162,16 @@ TEST_F(InventoryEventsTest, AsksForAProbeOnlyWhileTheKeyboardIsHeldElsewhere) {
     parts.context.isKeyboardHeldElsewhere = true;
     EXPECT_TRUE(trust.isSecureInputActive());
     EXPECT_EQ(probes, 1);
+}
+
+TEST_F(InventoryEventsTest, TheServersTimeIsTheOneOfItsEvents) {
+    TestDesktop desktop(server.display());
+    const auto before = desktop.serverTime();
+    const auto now = serverTimeNow(parts.monitor.connection().get());
+    const auto after = desktop.serverTime();
+    ASSERT_TRUE(now.has_value());
+    EXPECT_GE(*now, before);
+    EXPECT_LE(*now, after);
 }
 
 }  // namespace

@@ -78,6 +78,8 @@ protected:
         return true;
     }
     static void signal(const QProcess& program, int number) {
+        // A program that has ended has the number 0, which stands for all the processes of the test's own group.
+        ASSERT_EQ(program.state(), QProcess::Running);
         ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), number), 0);
     }
 

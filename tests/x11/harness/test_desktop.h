@@ -85,10 +85,11 @@ public:
     [[nodiscard]] bool waitForFreeKeyboard(milliseconds budget = patience);
     /// Waits until no key is down and no client holds the keyboard.
     [[nodiscard]] bool waitForUntouchedKeyboard(milliseconds budget = patience);
+    /// The server's clock, from an event that it stamps.
+    [[nodiscard]] xcb_timestamp_t serverTime();
 
 private:
     [[nodiscard]] bool isShown(xcb_window_t window) const;
-    [[nodiscard]] xcb_timestamp_t serverTime();
     void selectRawKeys() const;
     void sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data);
 
