@@ -38,9 +38,8 @@ SessionManager::SessionManager() {
 }
 
 SessionManager::~SessionManager() {
-    for (const auto connection : connections_) {
-        IceSetShutdownNegotiation(connection, False);
-        IceCloseConnection(connection);
+    while (!connections_.empty()) {
+        close(connections_.back());
     }
     if (listeners_ != nullptr) {
         IceFreeListenObjs(listenerCount_, listeners_);
@@ -54,8 +53,9 @@ std::string SessionManager::address() const {
     return address;
 }
 
-Status SessionManager::acceptClient(SmsConn /*client*/, SmPointer self, unsigned long* mask, SmsCallbacks* callbacks,
+Status SessionManager::acceptClient(SmsConn client, SmPointer self, unsigned long* mask, SmsCallbacks* callbacks,
                                     char** /*failure*/) {
+    managerOf(self).clients_.push_back(client);
     *mask = SmsRegisterClientProcMask | SmsInteractRequestProcMask | SmsInteractDoneProcMask |
             SmsSaveYourselfRequestProcMask | SmsSaveYourselfP2RequestProcMask | SmsSaveYourselfDoneProcMask |
             SmsCloseConnectionProcMask | SmsSetPropertiesProcMask | SmsDeletePropertiesProcMask |
@@ -133,10 +133,21 @@ void SessionManager::accept(IceListenObj listener) {
 
 void SessionManager::serve(IceConn connection) {
     if (IceProcessMessages(connection, nullptr, nullptr) == IceProcessMessagesIOError) {
-        IceSetShutdownNegotiation(connection, False);
-        IceCloseConnection(connection);
-        std::erase(connections_, connection);
+        close(connection);
     }
+}
+
+void SessionManager::close(IceConn connection) {
+    std::erase_if(clients_, [&](SmsConn client) {
+        const bool isItsOwn = SmsGetIceConnection(client) == connection;
+        if (isItsOwn) {
+            SmsCleanUp(client);
+        }
+        return isItsOwn;
+    });
+    IceSetShutdownNegotiation(connection, False);
+    IceCloseConnection(connection);
+    std::erase(connections_, connection);
 }
 
 }  // namespace ferrowyn::x11test

@@ -35,10 +35,12 @@ private:
     void takeProperties(int count, SmProp** properties);
     void accept(IceListenObj listener);
     void serve(IceConn connection);
+    void close(IceConn connection);
 
     int listenerCount_ = 0;
     IceListenObj* listeners_ = nullptr;
     std::vector<IceConn> connections_;
+    std::vector<SmsConn> clients_;
     bool hasSaved_ = false;
     std::optional<int> restartStyle_;
 };

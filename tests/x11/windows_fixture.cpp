@@ -52,6 +52,7 @@ void WindowsFixture::start() {
 }
 
 void WindowsFixture::end() {
+    reader->settle();
     program->process().signal(SIGTERM);
     EXPECT_EQ(program->process().waitForExit(), 0) << program->process().output();
     EXPECT_EQ(program->sanitizerReport(), "");

@@ -18,6 +18,7 @@ constexpr const char* actionInterface = "org.a11y.atspi.Action";
 constexpr const char* valueInterface = "org.a11y.atspi.Value";
 constexpr const char* textInterface = "org.a11y.atspi.Text";
 constexpr const char* properties = "org.freedesktop.DBus.Properties";
+constexpr const char* peer = "org.freedesktop.DBus.Peer";
 constexpr const char* registry = "org.a11y.atspi.Registry";
 constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
 constexpr int answerPatience = 30000;
@@ -240,6 +241,7 @@ bool AccessibilityClient::act(const AccessibleReference& reference, const std::s
         return false;
     }
     const auto argument = reply.arguments().first().value<QDBusArgument>();
+    std::optional<int> wanted;
     argument.beginArray();
     for (int index = 0; !argument.atEnd(); ++index) {
         QString name;
@@ -249,10 +251,20 @@ bool AccessibilityClient::act(const AccessibleReference& reference, const std::s
         argument >> name >> description >> keys;
         argument.endStructure();
         if (name.toStdString() == action) {
-            return call(reference, actionInterface, "DoAction", {index}).type() == QDBusMessage::ReplyMessage;
+            wanted = index;
         }
     }
-    return false;
+    argument.endArray();
+    return wanted && call(reference, actionInterface, "DoAction", {*wanted}).type() == QDBusMessage::ReplyMessage;
+}
+
+void AccessibilityClient::settle() const {
+    const auto ask = [this](const AccessibleReference& whom) { static_cast<void>(call(whom, peer, "Ping")); };
+    for (const auto& program : children({registry, rootPath})) {
+        ask(program);
+        ask({registry, rootPath});
+        ask(program);
+    }
 }
 
 bool AccessibilityClient::waitUntil(const std::function<bool()>& predicate, milliseconds budget) const {

@@ -33,6 +33,10 @@ public:
     /// Has the object do what it names so, such as "Press"; false when it offers no such action.
     [[nodiscard]] bool act(const AccessibleReference& reference, const std::string& action) const;
 
+    /// Waits until the programs have told of every key that they have taken, and have their answers: Qt forgets, when
+    /// a program ends, what it still waits for.
+    void settle() const;
+
     /// Waits until the predicate holds, looking again at every event that a program tells of, and at short intervals
     /// for what none tells of.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& predicate, milliseconds budget = patience) const;
