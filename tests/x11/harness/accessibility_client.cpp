@@ -18,7 +18,6 @@ constexpr const char* actionInterface = "org.a11y.atspi.Action";
 constexpr const char* valueInterface = "org.a11y.atspi.Value";
 constexpr const char* textInterface = "org.a11y.atspi.Text";
 constexpr const char* properties = "org.freedesktop.DBus.Properties";
-constexpr const char* peer = "org.freedesktop.DBus.Peer";
 constexpr const char* registry = "org.a11y.atspi.Registry";
 constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
 constexpr int answerPatience = 30000;
@@ -259,7 +258,8 @@ bool AccessibilityClient::act(const AccessibleReference& reference, const std::s
 }
 
 void AccessibilityClient::settle() const {
-    const auto ask = [this](const AccessibleReference& whom) { static_cast<void>(call(whom, peer, "Ping")); };
+    // An answer of the program itself: its connection answers some questions from a thread of its own.
+    const auto ask = [this](const AccessibleReference& whom) { static_cast<void>(call(whom, accessible, "GetRole")); };
     for (const auto& program : children({registry, rootPath})) {
         ask(program);
         ask({registry, rootPath});
