@@ -96,6 +96,7 @@ TEST_F(ActivationOnMacTest, AnApplicationThatHangsCostsTheSnapshotOneTimeoutAndL
     @autoreleasepool {
         accessibility.application(mail).hangs = true;
         launch();
+        EXPECT_NEAR(accessibility.secondsWaited(), 0.5 + 0.35, 1e-6) << "one registration, and one snapshot";
         EXPECT_THAT(listedWindows(), ElementsAre(77U));
         const auto requests = accessibility.takeRequests();
         const auto ofMail = " of " + std::to_string(mailElement.number) + " within 0.35";
