@@ -179,9 +179,9 @@ bool Accessibility::canObserve(Pid pid) const {
     return found != applications_.end() && found->second.canBeObserved;
 }
 
-bool Accessibility::answersInBulk(ElementId id) const {
+AXError Accessibility::bulkError(ElementId id) const {
     const std::lock_guard lock(lock_);
-    return applications_.at(elements_.at(id).pid).answersInBulk;
+    return applications_.at(elements_.at(id).pid).bulkError;
 }
 
 std::optional<std::size_t> Accessibility::mostValuesInBulk(ElementId id) const {
@@ -277,8 +277,8 @@ AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRe
     if (const AXError error = accessibility.ask(request, handle->id(), handle->timeout); error != kAXErrorSuccess) {
         return error;
     }
-    if (!accessibility.answersInBulk(handle->id())) {
-        return kAXErrorNotImplemented;
+    if (const AXError error = accessibility.bulkError(handle->id()); error != kAXErrorSuccess) {
+        return error;
     }
     std::vector<Held<const Object>> answers;
     for (const auto& name : names->values()) {
