@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "input/switcher_controller.h"
 #include "tests/macos/program/mac_program_test.h"
 
@@ -121,6 +123,8 @@ TEST_F(ActivationOnMacTest, AnApplicationThatHangsWhenItIsActivatedIsTriedFourTi
         EXPECT_EQ(accessibility.takeRequests(), raising());
         EXPECT_NEAR(accessibility.secondsWaited() - before, 2.5, 1e-6) << "half a second for each of five requests";
         advance(Seconds(4));
+        EXPECT_EQ(std::ranges::count(accessibility.takeRequests(), ofWindow("perform AXRaise")), 3)
+            << "after the first";
         EXPECT_THAT(takeLog(), Contains("activation: Could not confirm activation of window 88 in Mail"));
         EXPECT_TRUE(keyboard.isTapEnabled());
     }
