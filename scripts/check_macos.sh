@@ -66,7 +66,7 @@ check_file() {
 check_listed() {
   local file failed=0
   for file in "${files[@]}"; do
-    grep -qw "$(basename "$file")" "$layer/CMakeLists.txt" "$layer/objective_cpp.cmake" || {
+    grep -qw "$(basename "$file")" "$layer/c_half.cmake" "$layer/objective_cpp.cmake" || {
       echo "FAILED: nothing in $layer builds $(basename "$file")"
       failed=1
     }

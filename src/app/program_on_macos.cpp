@@ -43,7 +43,8 @@ struct Desktop {
     std::unique_ptr<Log> log;
     QtHttpClient httpClient;
     MacPlatform adapter;
-    /// Waits, before anything else here goes, for a snapshot that is still being read.
+    /// Handed to what stands above before it is made, which only keeps it in mind, and gone before that goes: it waits
+    /// for a snapshot that is still being read with the adapter.
     QtBackgroundWork backgroundWork;
 };
 

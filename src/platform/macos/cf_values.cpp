@@ -29,12 +29,12 @@ std::optional<std::string> string(CFTypeRef object) {
         return std::nullopt;
     }
     constexpr UInt8 replacement = '?';
-    const CFRange whole = CFRangeMake(0, CFStringGetLength(text));
+    const CFRange everything = CFRangeMake(0, CFStringGetLength(text));
     CFIndex size = 0;
-    CFStringGetBytes(text, whole, kCFStringEncodingUTF8, replacement, false, nullptr, 0, &size);
+    CFStringGetBytes(text, everything, kCFStringEncodingUTF8, replacement, false, nullptr, 0, &size);
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    CFStringGetBytes(text, whole, kCFStringEncodingUTF8, replacement, false, reinterpret_cast<UInt8*>(bytes.data()),
-                     size, &size);
+    CFStringGetBytes(text, everything, kCFStringEncodingUTF8, replacement, false,
+                     reinterpret_cast<UInt8*>(bytes.data()), size, &size);
     return bytes;
 }
 
@@ -84,20 +84,20 @@ std::optional<Rect> rect(CFTypeRef object) {
 
 std::optional<Point> point(CFTypeRef object) {
     const auto value = castTo<AXValueRef>(object);
-    CGPoint point{};
-    if (value == nullptr || AXValueGetValue(value, kAXValueTypeCGPoint, &point) == 0) {
+    CGPoint place{};
+    if (value == nullptr || AXValueGetValue(value, kAXValueTypeCGPoint, &place) == 0) {
         return std::nullopt;
     }
-    return Point{point.x, point.y};
+    return Point{place.x, place.y};
 }
 
 std::optional<Size> size(CFTypeRef object) {
     const auto value = castTo<AXValueRef>(object);
-    CGSize size{};
-    if (value == nullptr || AXValueGetValue(value, kAXValueTypeCGSize, &size) == 0) {
+    CGSize extent{};
+    if (value == nullptr || AXValueGetValue(value, kAXValueTypeCGSize, &extent) == 0) {
         return std::nullopt;
     }
-    return Size{size.width, size.height};
+    return Size{extent.width, extent.height};
 }
 
 Owned<CFStringRef> makeString(std::string_view text) {

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "platform/log.h"
 #include "platform/macos/cf_values.h"
 #include "platform/macos/mac_attributes.h"
 #include "platform/macos/mac_element.h"
@@ -24,13 +23,17 @@ std::unique_ptr<MacAccessibilityObserver> MacAccessibilityObserver::create(Pid p
 }
 
 MacAccessibilityObserver::MacAccessibilityObserver(Pid pid, std::shared_ptr<Watch> watch, MainLoop& mainLoop, Log& log)
-    : pid_(pid),
-      mainLoop_(mainLoop),
-      log_(log),
+    : mainLoop_(mainLoop),
       application_(accessibility::applicationElement(pid)),
-      watch_(std::move(watch)) {
-    CFRunLoopAddSource(CFRunLoopGetMain(), AXObserverGetRunLoopSource(watch_->observer.get()), kCFRunLoopCommonModes);
-    watch_->isAttached = true;
+      watch_(std::move(watch)),
+      registrations_(pid, watch_->observer.get(), watch_.get(), mainLoop, log) {
+    // After what its maker registers in this turn. Nothing is lost in between: what the application tells waits for
+    // the source.
+    mainLoop_.post([watch = std::weak_ptr<Watch>(watch_)] {
+        if (const auto current = watch.lock()) {
+            current->addSource();
+        }
+    });
 }
 
 MacAccessibilityObserver::~MacAccessibilityObserver() {
@@ -41,40 +44,31 @@ MacAccessibilityObserver::~MacAccessibilityObserver() {
 }
 
 void MacAccessibilityObserver::addApplicationNotification(std::string_view notification) {
-    add(application_.get(), notification);
+    registrations_.add(application_.get(), notification);
 }
 
 void MacAccessibilityObserver::addWindowNotification(const AXElementRef& window, std::string_view notification) {
     if (const AXUIElementRef element = MacElement::elementOf(window)) {
-        add(element, notification);
+        registrations_.add(element, notification);
     }
 }
 
 void MacAccessibilityObserver::removeWindowNotification(const AXElementRef& window, std::string_view notification) {
-    const AXUIElementRef element = MacElement::elementOf(window);
-    const auto name = cf::makeString(notification);
-    if (element == nullptr || !name) {
-        return;
-    }
-    // A window that has gone took its registrations along.
-    const AXError error = AXObserverRemoveNotification(watch_->observer.get(), element, name.get());
-    if (error != kAXErrorInvalidUIElement && error != kAXErrorNotificationNotRegistered) {
-        logRefusal(notification, error);
+    if (const AXUIElementRef element = MacElement::elementOf(window)) {
+        registrations_.remove(element, notification);
     }
 }
 
 void MacAccessibilityObserver::detachFromMainLoop() {
-    if (std::exchange(watch_->isAttached, false)) {
-        CFRunLoopRemoveSource(CFRunLoopGetMain(), AXObserverGetRunLoopSource(watch_->observer.get()),
-                              kCFRunLoopCommonModes);
-    }
+    registrations_.forgetWaiting();
+    watch_->removeSource();
 }
 
 void MacAccessibilityObserver::receive(AXObserverRef /*observer*/, AXUIElementRef /*element*/, CFStringRef notification,
                                        void* refcon) {
     const auto* const watch = static_cast<const Watch*>(refcon);
     const auto name = cf::string(notification);
-    if (watch == nullptr || !watch->isAttached || !name) {
+    if (watch == nullptr || watch->source != Watch::Source::onMainLoop || !name) {
         return;
     }
     // A copy: the handler may destroy the observer.
@@ -82,16 +76,16 @@ void MacAccessibilityObserver::receive(AXObserverRef /*observer*/, AXUIElementRe
     handler(*name);
 }
 
-void MacAccessibilityObserver::add(AXUIElementRef element, std::string_view notification) {
-    if (const auto name = cf::makeString(notification)) {
-        logRefusal(notification, AXObserverAddNotification(watch_->observer.get(), element, name.get(), watch_.get()));
+void MacAccessibilityObserver::Watch::addSource() {
+    if (source == Source::notYetAdded) {
+        CFRunLoopAddSource(CFRunLoopGetMain(), AXObserverGetRunLoopSource(observer.get()), kCFRunLoopCommonModes);
+        source = Source::onMainLoop;
     }
 }
 
-void MacAccessibilityObserver::logRefusal(std::string_view notification, AXError error) const {
-    if (error != kAXErrorSuccess) {
-        log_.write(LogLevel::debug, "windows",
-                   accessibility::describe(notification, error) + " for pid " + std::to_string(pid_));
+void MacAccessibilityObserver::Watch::removeSource() {
+    if (std::exchange(source, Source::removed) == Source::onMainLoop) {
+        CFRunLoopRemoveSource(CFRunLoopGetMain(), AXObserverGetRunLoopSource(observer.get()), kCFRunLoopCommonModes);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/accessibility_observers.h"
+#include "platform/macos/mac_notification_registrations.h"
 #include "platform/macos/owned.h"
 
 namespace ferrowyn {
@@ -32,23 +33,25 @@ public:
 private:
     /// What the system's callback is given.
     struct Watch {
+        enum class Source { notYetAdded, onMainLoop, removed };
+
+        void addSource();
+        void removeSource();
+
         Owned<AXObserverRef> observer;
         AccessibilityObservers::Handler handler;
-        bool isAttached = false;
+        Source source = Source::notYetAdded;
     };
 
     MacAccessibilityObserver(Pid pid, std::shared_ptr<Watch> watch, MainLoop& mainLoop, Log& log);
 
     static void receive(AXObserverRef observer, AXUIElementRef element, CFStringRef notification, void* refcon);
-    void add(AXUIElementRef element, std::string_view notification);
-    void logRefusal(std::string_view notification, AXError error) const;
 
-    Pid pid_;
     MainLoop& mainLoop_;
-    Log& log_;
     Owned<AXUIElementRef> application_;
     /// Shared with the main loop for one turn after this object's end: see the destructor.
     std::shared_ptr<Watch> watch_;
+    MacNotificationRegistrations registrations_;
 };
 
 }  // namespace ferrowyn

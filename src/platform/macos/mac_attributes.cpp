@@ -7,12 +7,17 @@ namespace ferrowyn::accessibility {
 
 namespace {
 
+/// Whoever gets this for several attributes gets it for each.
+bool isSilence(AXError error) {
+    return error == kAXErrorCannotComplete || error == kAXErrorInvalidUIElement || error == kAXErrorAPIDisabled;
+}
+
 Answers copyOneByOne(AXUIElementRef element, std::initializer_list<CFStringRef> attributes) {
     Answers answers;
     for (const CFStringRef attribute : attributes) {
         Answer answer = copyAttribute(element, attribute);
-        if (answer.error == kAXErrorCannotComplete) {
-            // It hangs: each further attribute would cost another timeout.
+        if (isSilence(answer.error)) {
+            // If it hangs, each further attribute would cost another timeout.
             return {answer.error, {}};
         }
         answers.values.push_back(std::move(answer.value));
@@ -43,12 +48,12 @@ Answers copyAttributes(AXUIElementRef element, std::initializer_list<CFStringRef
     // Without the option to stop at the first error: an attribute that a window lacks leaves an error in its place.
     const AXError error = AXUIElementCopyMultipleAttributeValues(element, names.get(), 0, &copied);
     const Owned<CFArrayRef> values(copied);
-    if (error == kAXErrorNotImplemented) {
-        return copyOneByOne(element, attributes);
+    if (isSilence(error)) {
+        return {error, {}};
     }
     const auto list = castTo<CFArrayRef>(values.get());
     if (error != kAXErrorSuccess || list == nullptr) {
-        return {error != kAXErrorSuccess ? error : kAXErrorFailure, {}};
+        return copyOneByOne(element, attributes);
     }
     Answers answers;
     for (const CFTypeRef value : cf::valuesOf(list)) {

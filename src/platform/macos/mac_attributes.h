@@ -32,8 +32,8 @@ struct Answers {
 void setMessagingTimeout(AXUIElementRef element, Seconds timeout);
 
 [[nodiscard]] Answer copyAttribute(AXUIElementRef element, CFStringRef attribute);
-/// One message for all of them where the application takes that, one each where it does not. An error for the whole is
-/// that of the message; a value that cannot be read has an entry of its own instead.
+/// One message for all of them where the application takes that, one each where it does not. An error for the whole
+/// means that nobody answers; a value that cannot be read has an entry of its own instead.
 [[nodiscard]] Answers copyAttributes(AXUIElementRef element, std::initializer_list<CFStringRef> attributes);
 
 /// "AXRaise: error -25204", for the log.

@@ -27,9 +27,13 @@ MacEventTap::~MacEventTap() {
 }
 
 void MacEventTap::setEnabled(bool enabled) {
-    if (isValid_.load()) {
+    if (isValid_.load() && (isServed_.load() || !enabled)) {
         CGEventTapEnable(port_.get(), enabled);
     }
+}
+
+void MacEventTap::setServed(bool isServed) {
+    isServed_.store(isServed);
 }
 
 bool MacEventTap::isEnabled() const {

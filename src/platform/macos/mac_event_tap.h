@@ -26,6 +26,10 @@ public:
     void setTrigger(SwitcherModifier /*modifier*/) override {}
     void setSessionOpen(bool /*isOpen*/) override {}
 
+    /// Whether a thread's loop has the tap's source. Without one the tap cannot be enabled: every key would wait for a
+    /// verdict that nobody gives.
+    void setServed(bool isServed);
+
     /// Borrowed from this.
     [[nodiscard]] CFMachPortRef port() const { return port_.get(); }
 
@@ -37,6 +41,7 @@ private:
     EventTaps::Callback callback_;
     Owned<CFMachPortRef> port_;
     std::atomic<bool> isValid_{true};
+    std::atomic<bool> isServed_{false};
 };
 
 }  // namespace ferrowyn

@@ -33,29 +33,29 @@ std::optional<AccessibleApplication> MacInventoryReading::windowsOf(Pid pid, Sec
     if (windows == nullptr) {
         return std::nullopt;
     }
-    AccessibleApplication read;
+    AccessibleApplication result;
     if (CFArrayGetCount(windows) == 0) {
-        return read;
+        return result;
     }
     const auto focused = accessibility::copyAttribute(application.get(), kAXFocusedWindowAttribute);
     if (focused.error == kAXErrorCannotComplete) {
         return std::nullopt;
     }
     if (const auto element = castTo<AXUIElementRef>(focused.value.get())) {
-        read.focusedWindow = MacElement::make(element);
+        result.focusedWindow = MacElement::make(element);
     }
     for (const CFTypeRef each : cf::valuesOf(windows)) {
         const auto element = castTo<AXUIElementRef>(each);
         if (element == nullptr) {
             continue;
         }
-        auto window = this->read(element, messagingTimeout);
+        auto window = read(element, messagingTimeout);
         if (!window) {
             return std::nullopt;
         }
-        read.windows.push_back(std::move(*window));
+        result.windows.push_back(std::move(*window));
     }
-    return read;
+    return result;
 }
 
 /// Nothing when the application has stopped answering: every further window would cost another timeout.
@@ -68,7 +68,11 @@ std::optional<AccessibleWindow> MacInventoryReading::read(AXUIElementRef window,
     if (answers.error == kAXErrorCannotComplete) {
         return std::nullopt;
     }
-    AccessibleWindow result{.element = MacElement::make(window), .windowNumber = windowNumbers_.numberOf(window)};
+    const auto [error, number] = windowNumbers_.lookUp(window);
+    if (error == kAXErrorCannotComplete) {
+        return std::nullopt;
+    }
+    AccessibleWindow result{.element = MacElement::make(window), .windowNumber = number};
     if (!answers.values.empty()) {
         const auto& values = answers.values;
         result.subrole = cf::string(values[0].get());

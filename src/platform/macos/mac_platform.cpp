@@ -6,6 +6,7 @@
 #include "platform/macos/mac_accessibility_notifications.h"
 #include "platform/macos/mac_accessibility_observers.h"
 #include "platform/macos/mac_application.h"
+#include "platform/macos/mac_background_work.h"
 #include "platform/macos/mac_event_taps.h"
 #include "platform/macos/mac_icon_source.h"
 #include "platform/macos/mac_login_item.h"
@@ -26,6 +27,7 @@ namespace ferrowyn {
 struct MacPlatform::Parts {
     explicit Parts(MacPlatformFoundation foundation);
 
+    MacBackgroundWork backgroundWork;
     MacWindowNumberLookup windowNumbers;
     MacRunningApplicationControl applications;
     MacApplication application;
@@ -45,14 +47,15 @@ struct MacPlatform::Parts {
 };
 
 MacPlatform::Parts::Parts(MacPlatformFoundation foundation)
-    : inventory([this] { return workspace.runningApplications(); }, windowNumbers),
+    : backgroundWork(foundation.backgroundWork),
+      inventory([this] { return workspace.runningApplications(); }, windowNumbers),
       observers(foundation.mainLoop, foundation.log),
       control(applications, windowNumbers, foundation.log),
       trust(observeAccessibilityDatabase),
       eventTaps(foundation.log),
       panel(std::move(foundation.hostWidget), foundation.panelCornerRadius),
       platform{.mainLoop = foundation.mainLoop,
-               .backgroundWork = foundation.backgroundWork,
+               .backgroundWork = backgroundWork,
                .log = foundation.log,
                .userDefaults = userDefaults,
                .application = application,

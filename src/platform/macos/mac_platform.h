@@ -8,7 +8,8 @@
 namespace ferrowyn {
 
 /// What the adapter does not make itself: the toolkit's event loop, which runs that of the system, and what the program
-/// has besides. All of it outlives the adapter.
+/// has besides. All of it outlives the adapter, but for the workers: what they do uses the adapter, so they are done
+/// and gone before it goes.
 struct MacPlatformFoundation {
     MainLoop& mainLoop;
     BackgroundWork& backgroundWork;

@@ -16,9 +16,11 @@ std::shared_ptr<MacTapRunLoopSource> MacTapRunLoopSource::create(std::shared_ptr
 
 void MacTapRunLoopSource::addTo(TapRunLoop& loop) {
     CFRunLoopAddSource(dynamic_cast<MacTapRunLoop&>(loop).loop(), source_.get(), kCFRunLoopCommonModes);
+    tap_->setServed(true);
 }
 
 void MacTapRunLoopSource::removeFrom(TapRunLoop& loop) {
+    tap_->setServed(false);
     CFRunLoopRemoveSource(dynamic_cast<MacTapRunLoop&>(loop).loop(), source_.get(), kCFRunLoopCommonModes);
 }
 

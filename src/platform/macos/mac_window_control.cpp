@@ -19,7 +19,9 @@ std::optional<bool> booleanAttribute(const AXElementRef& window, CFStringRef att
 }  // namespace
 
 void MacWindowControl::setMessagingTimeout(Pid pid, Seconds timeout) {
-    accessibility::setMessagingTimeout(application(pid), timeout);
+    // Always a new handle: the one of an earlier activation may be that of a process that had the same number.
+    application_ = {pid, accessibility::applicationElement(pid), timeout};
+    accessibility::setMessagingTimeout(application_.element.get(), timeout);
 }
 
 void MacWindowControl::setMessagingTimeout(const AXElementRef& window, Seconds timeout) {
@@ -48,12 +50,12 @@ void MacWindowControl::setFocused(const AXElementRef& window) {
 
 void MacWindowControl::setFocusedWindow(Pid pid, const AXElementRef& window) {
     if (const AXUIElementRef element = MacElement::elementOf(window)) {
-        set(application(pid), kAXFocusedWindowAttribute, element);
+        set(application(pid).element.get(), kAXFocusedWindowAttribute, element);
     }
 }
 
 void MacWindowControl::setFrontmost(Pid pid) {
-    set(application(pid), kAXFrontmostAttribute, kCFBooleanTrue);
+    set(application(pid).element.get(), kAXFrontmostAttribute, kCFBooleanTrue);
 }
 
 std::optional<bool> MacWindowControl::isMain(const AXElementRef& window) const {
@@ -65,11 +67,16 @@ std::optional<bool> MacWindowControl::isFocused(const AXElementRef& window) cons
 }
 
 std::vector<AXElementRef> MacWindowControl::windowElements(Pid pid) const {
-    const auto answer = accessibility::copyAttribute(application(pid), kAXWindowsAttribute);
+    const Application& owner = application(pid);
+    const auto answer = accessibility::copyAttribute(owner.element.get(), kAXWindowsAttribute);
     std::vector<AXElementRef> elements;
     if (const auto windows = castTo<CFArrayRef>(answer.value.get())) {
         for (const CFTypeRef each : cf::valuesOf(windows)) {
             if (const auto element = castTo<AXUIElementRef>(each)) {
+                // Handles of their own, and their numbers are asked for next.
+                if (owner.timeout) {
+                    accessibility::setMessagingTimeout(element, *owner.timeout);
+                }
                 elements.push_back(MacElement::make(element));
             }
         }
@@ -82,12 +89,11 @@ std::optional<WindowId> MacWindowControl::windowNumber(const AXElementRef& windo
     return element != nullptr ? windowNumbers_.numberOf(element) : std::nullopt;
 }
 
-AXUIElementRef MacWindowControl::application(Pid pid) const {
-    if (!application_ || applicationPid_ != pid) {
-        application_ = accessibility::applicationElement(pid);
-        applicationPid_ = pid;
+const MacWindowControl::Application& MacWindowControl::application(Pid pid) const {
+    if (!application_.element || application_.pid != pid) {
+        application_ = {pid, accessibility::applicationElement(pid), std::nullopt};
     }
-    return application_.get();
+    return application_;
 }
 
 void MacWindowControl::set(AXUIElementRef element, CFStringRef attribute, CFTypeRef value) {

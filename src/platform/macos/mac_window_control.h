@@ -2,6 +2,8 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <optional>
+
 #include "platform/macos/mac_application_control.h"
 #include "platform/macos/mac_window_number_lookup.h"
 #include "platform/macos/owned.h"
@@ -40,16 +42,22 @@ public:
     [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
 
 private:
-    /// The handle on which the timeout was set. One is enough: windows are activated one at a time.
-    [[nodiscard]] AXUIElementRef application(Pid pid) const;
+    /// One application's handle, with the timeout that was set on it.
+    struct Application {
+        Pid pid = 0;
+        Owned<AXUIElementRef> element;
+        std::optional<Seconds> timeout;
+    };
+
+    /// One is enough: windows are activated one at a time.
+    [[nodiscard]] const Application& application(Pid pid) const;
     void set(AXUIElementRef element, CFStringRef attribute, CFTypeRef value);
     void logRefusal(CFStringRef request, AXError error) const;
 
     MacApplicationControl& applications_;
     const MacWindowNumberLookup& windowNumbers_;
     Log& log_;
-    mutable Pid applicationPid_ = 0;
-    mutable Owned<AXUIElementRef> application_;
+    mutable Application application_;
 };
 
 }  // namespace ferrowyn

@@ -4,13 +4,17 @@
 
 namespace ferrowyn {
 
-std::optional<WindowId> MacWindowNumberLookup::numberOf(AXUIElementRef element) const {
-    const Function lookUp = function();
-    CGWindowID number = kCGNullWindowID;
-    if (lookUp == nullptr || lookUp(element, &number) != kAXErrorSuccess || number == kCGNullWindowID) {
-        return std::nullopt;
+MacWindowNumberLookup::Answer MacWindowNumberLookup::lookUp(AXUIElementRef element) const {
+    const Function ask = function();
+    if (ask == nullptr) {
+        return {};
     }
-    return number;
+    CGWindowID number = kCGNullWindowID;
+    const AXError error = ask(element, &number);
+    if (error != kAXErrorSuccess || number == kCGNullWindowID) {
+        return {error, std::nullopt};
+    }
+    return {error, number};
 }
 
 MacWindowNumberLookup::Function MacWindowNumberLookup::function() const {

@@ -14,8 +14,14 @@ namespace ferrowyn {
 class MacWindowNumberLookup {
 public:
     [[nodiscard]] bool isAvailable() const { return function() != nullptr; }
-    /// Nothing when there is no such function, it fails, or the number is 0, which no window has.
-    [[nodiscard]] std::optional<WindowId> numberOf(AXUIElementRef element) const;
+    struct Answer {
+        AXError error = kAXErrorSuccess;
+        /// Nothing when there is no such function, it fails, or the number is 0, which no window has.
+        std::optional<WindowId> number;
+    };
+
+    [[nodiscard]] Answer lookUp(AXUIElementRef element) const;
+    [[nodiscard]] std::optional<WindowId> numberOf(AXUIElementRef element) const { return lookUp(element).number; }
 
 private:
     using Function = AXError (*)(AXUIElementRef element, CGWindowID* number);

@@ -35,11 +35,8 @@ NSURL* placeOf(std::string_view bundleIdentifier) {
 
 std::vector<RunningApplication> MacWorkspace::runningApplications() const {
     std::vector<RunningApplication> all;
-    // Worker threads have no pool of their own.
-    @autoreleasepool {
-        for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications) {
-            all.push_back(describe(application));
-        }
+    for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications) {
+        all.push_back(describe(application));
     }
     return all;
 }

@@ -36,7 +36,8 @@ public:
         /// Answers this many requests more, then hangs.
         std::optional<int> requestsUntilItHangs;
         bool canBeObserved = true;
-        bool answersInBulk = true;
+        /// What it answers to a question for several attributes.
+        AXError bulkError = kAXErrorSuccess;
         /// Answers in bulk with no more values than this, however many were asked for.
         std::optional<std::size_t> mostValuesInBulk;
     };
@@ -65,7 +66,7 @@ public:
     void setValue(ElementId id, const std::string& attribute, Value value);
     [[nodiscard]] ElementId elementOfApplication(Pid pid);
     [[nodiscard]] bool canObserve(Pid pid) const;
-    [[nodiscard]] bool answersInBulk(ElementId id) const;
+    [[nodiscard]] AXError bulkError(ElementId id) const;
     [[nodiscard]] std::optional<std::size_t> mostValuesInBulk(ElementId id) const;
     [[nodiscard]] std::optional<CGWindowID> windowNumber(ElementId id) const;
     void addObserver(Observer& observer);

@@ -1,9 +1,11 @@
 #include "tests/macos/fake/fake_keyboard.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "tests/macos/fake/fake_mach_port.h"
 #include "tests/macos/fake/fake_objects.h"
+#include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/fake/fake_system.h"
 
 namespace ferrowyn::fake {
@@ -77,6 +79,11 @@ bool Keyboard::isTapEnabled() const {
     return port_ != nullptr && port_->isEnabled();
 }
 
+bool Keyboard::waitUntilTapIsEnabled() const {
+    std::unique_lock lock(lock_);
+    return changed_.wait_for(lock, std::chrono::seconds(20), [this] { return port_ != nullptr && port_->isEnabled(); });
+}
+
 std::optional<Keyboard::TapRequest> Keyboard::tapRequest() const {
     const std::lock_guard lock(lock_);
     return request_;
@@ -98,6 +105,12 @@ void Keyboard::remove(const MachPort& port) {
     if (port_ == &port) {
         port_ = nullptr;
     }
+}
+
+void Keyboard::setEnabled(MachPort& port, bool enabled) {
+    const std::lock_guard lock(lock_);
+    port.setEnabled(enabled);
+    changed_.notify_all();
 }
 
 }  // namespace ferrowyn::fake
@@ -127,7 +140,8 @@ void CGEventTapEnable(CFMachPortRef tap, bool enable) {
         if (!port->isValid()) {
             Objects::shared().fault("CGEventTapEnable of an invalidated tap");
         }
-        port->setEnabled(enable);
+        RunLoop::note(enable ? "enable the tap" : "disable the tap");
+        Keyboard::shared().setEnabled(*port, enable);
     }
 }
 

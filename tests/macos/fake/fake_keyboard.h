@@ -2,6 +2,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
+#include <condition_variable>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -54,6 +55,8 @@ public:
     /// The system disables the tap and says so through its callback; returns when that has been called.
     void disableTap(CGEventType reason);
     [[nodiscard]] bool isTapEnabled() const;
+    /// False when nobody enables it for longer than any thread of a loaded machine is kept waiting.
+    [[nodiscard]] bool waitUntilTapIsEnabled() const;
     /// Of the tap made last.
     [[nodiscard]] std::optional<TapRequest> tapRequest() const;
     [[nodiscard]] bool hasTap() const;
@@ -61,9 +64,11 @@ public:
     // What the fake's functions need.
     void add(MachPort& port, const TapRequest& request);
     void remove(const MachPort& port);
+    void setEnabled(MachPort& port, bool enabled);
 
 private:
     mutable std::mutex lock_;
+    mutable std::condition_variable changed_;
     MachPort* port_ = nullptr;
     std::optional<TapRequest> request_;
 };

@@ -96,6 +96,7 @@ CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef p
 
 void CFMachPortInvalidate(CFMachPortRef port) {
     if (auto* const found = Objects::shared().find<MachPort>(port, "CFMachPortInvalidate")) {
+        RunLoop::note("invalidate the tap's port");
         found->invalidate();
         RunLoop::wakeAll();
     }

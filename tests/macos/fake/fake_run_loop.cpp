@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <sstream>
 #include <utility>
 
 #include "tests/macos/fake/fake_core_foundation.h"
@@ -18,7 +19,7 @@ constexpr const char* defaultMode = "kCFRunLoopDefaultMode";
 std::mutex lock;
 std::condition_variable changed;
 std::vector<std::string> journal;
-std::vector<double> slices;
+std::vector<std::string> runs;
 /// Counts what may have made a source ready, so that no wake-up falls between looking and waiting.
 std::uint64_t wakeUps = 0;
 
@@ -72,7 +73,9 @@ CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     {
         const std::lock_guard guard(lock);
-        slices.push_back(seconds);
+        std::ostringstream run;
+        run << mode << " for " << seconds << " s";
+        runs.push_back(run.str());
         isRunning_ = true;
         // A stop from before is forgotten, as the system forgets it.
         isStopped_ = false;
@@ -107,6 +110,7 @@ CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
 
 void RunLoop::stop() {
     const std::lock_guard guard(lock);
+    journal.push_back("stop " + name());
     if (isRunning_) {
         isStopped_ = true;
         changed.notify_all();
@@ -132,9 +136,14 @@ std::vector<std::string> RunLoop::takeJournal() {
     return std::exchange(journal, {});
 }
 
-std::vector<double> RunLoop::takeSlices() {
+void RunLoop::note(const std::string& event) {
     const std::lock_guard guard(lock);
-    return std::exchange(slices, {});
+    journal.push_back(event);
+}
+
+std::vector<std::string> RunLoop::takeRuns() {
+    const std::lock_guard guard(lock);
+    return std::exchange(runs, {});
 }
 
 bool RunLoop::hasSources() const {
@@ -181,7 +190,13 @@ CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds
     if (returnAfterSourceHandled) {
         Objects::shared().fault("CFRunLoopRunInMode that returns after each source");
     }
-    return RunLoop::current().run(String::textOf(mode, "CFRunLoopRunInMode"), seconds);
+    const std::string name = String::textOf(mode, "CFRunLoopRunInMode");
+    if (name == commonModes) {
+        // No mode that a loop can run in: it returns at once, and whoever runs it again and again turns in vain.
+        Objects::shared().fault("CFRunLoopRunInMode in the common modes");
+        return kCFRunLoopRunFinished;
+    }
+    return RunLoop::current().run(name, seconds);
 }
 
 void CFRunLoopStop(CFRunLoopRef loop) {

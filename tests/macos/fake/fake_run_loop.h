@@ -51,10 +51,12 @@ public:
     /// Something may wait now.
     static void wakeAll();
 
-    /// "add tap to a thread's loop in kCFRunLoopCommonModes" and so on, from all loops.
+    /// "add the tap to a thread's loop in kCFRunLoopCommonModes" and so on, from all loops.
     [[nodiscard]] static std::vector<std::string> takeJournal();
-    /// How long each `run` was asked to last, from all loops.
-    [[nodiscard]] static std::vector<double> takeSlices();
+    /// What else happened, in its place among what happened to the loops.
+    static void note(const std::string& event);
+    /// "kCFRunLoopDefaultMode for 1 s", for each `run` of all loops.
+    [[nodiscard]] static std::vector<std::string> takeRuns();
     [[nodiscard]] bool hasSources() const;
 
 private:

@@ -14,8 +14,14 @@ constexpr Pid notes = 501;
 
 class AccessibilityObserversTest : public MacFixture {
 protected:
-    std::unique_ptr<AccessibilityObserver> observe(Pid pid = notes) {
+    std::unique_ptr<AccessibilityObserver> create(Pid pid = notes) {
         return observers.create(pid, [this](std::string_view notification) { heard.emplace_back(notification); });
+    }
+    /// In a turn of its own.
+    std::unique_ptr<AccessibilityObserver> observe() {
+        auto observer = create();
+        desktop.settle();
+        return observer;
     }
 
     fake::ElementId app = accessibility.addApplication(notes);
@@ -36,7 +42,7 @@ TEST_F(AccessibilityObserversTest, RegisteredNotificationsAreHeardByName) {
     runMainLoop();
     EXPECT_THAT(heard, ElementsAre("AXWindowCreated", "AXTitleChanged")) << "and nothing that was not asked for";
     EXPECT_THAT(accessibility.takeRequests(),
-                ElementsAre("add AXWindowCreated of 1 within 6", "add AXTitleChanged of 2 within 6"));
+                ElementsAre("add AXWindowCreated of 1 within 0.5", "add AXTitleChanged of 2 within 0.5"));
 }
 
 TEST_F(AccessibilityObserversTest, TheyAreHeardWhileAMenuIsTracked) {
@@ -56,6 +62,26 @@ TEST_F(AccessibilityObserversTest, TheSourceIsOnTheMainLoopInTheCommonModesUntil
                 ElementsAre("remove the observer of 501 from the main loop in kCFRunLoopCommonModes"));
     observer->detachFromMainLoop();
     EXPECT_THAT(fake::RunLoop::takeJournal(), IsEmpty()) << "once is enough";
+}
+
+TEST_F(AccessibilityObserversTest, TheSourceFollowsWhatIsRegisteredFirstAndNothingIsLostInBetween) {
+    const auto observer = create();
+    observer->addApplicationNotification("AXWindowCreated");
+    EXPECT_FALSE(fake::RunLoop::main().hasSources());
+    accessibility.post(app, "AXWindowCreated");
+    desktop.settle();
+    EXPECT_TRUE(fake::RunLoop::main().hasSources());
+    runMainLoop();
+    EXPECT_THAT(heard, ElementsAre("AXWindowCreated"));
+}
+
+TEST_F(AccessibilityObserversTest, AnObserverThatDetachesInItsFirstTurnNeverGetsASource) {
+    const auto observer = create();
+    observer->detachFromMainLoop();
+    desktop.settle();
+    static_cast<void>(create());
+    desktop.settle();
+    EXPECT_THAT(fake::RunLoop::takeJournal(), IsEmpty());
 }
 
 TEST_F(AccessibilityObserversTest, ADetachedObserverHearsNothing) {
@@ -96,6 +122,7 @@ TEST_F(AccessibilityObserversTest, AHandlerMayDestroyItsObserverWithMoreOnTheWay
         heard.emplace_back(notification);
         observer.reset();
     });
+    desktop.settle();
     observer->addApplicationNotification("AXWindowCreated");
     observer->addApplicationNotification("AXMainWindowChanged");
     accessibility.post(app, "AXWindowCreated");
@@ -107,8 +134,9 @@ TEST_F(AccessibilityObserversTest, AHandlerMayDestroyItsObserverWithMoreOnTheWay
 
 TEST_F(AccessibilityObserversTest, AProcessThatCannotBeObservedHasNoObserver) {
     accessibility.application(notes).canBeObserved = false;
-    EXPECT_EQ(observe(), nullptr);
-    EXPECT_EQ(observe(9999), nullptr);
+    EXPECT_EQ(create(), nullptr);
+    EXPECT_EQ(create(9999), nullptr);
+    desktop.settle();
     EXPECT_THAT(fake::RunLoop::takeJournal(), IsEmpty());
 }
 

@@ -14,6 +14,7 @@ namespace ferrowyn {
 namespace {
 
 using fake::Keyboard;
+using testing::AllOf;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -165,9 +166,22 @@ TEST_F(MacEventTapsTest, AnEventThatIsNoneHasNoKeyAndNoText) {
     EXPECT_EQ(event.text(0), u"");
 }
 
-TEST_F(MacEventTapsTest, AnInvalidatedTapIsGoneForGood) {
+TEST_F(MacEventTapsTest, ATapIsOnlyEnabledWhileItIsServed) {
     const auto tap = createTap();
     tap->setEnabled(true);
+    EXPECT_FALSE(tap->isEnabled());
+    serve(tap);
+    EXPECT_TRUE(tap->isEnabled());
+    tap->setEnabled(false);
+    stopServing();
+    tap->setEnabled(true);
+    EXPECT_FALSE(tap->isEnabled());
+    EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
+}
+
+TEST_F(MacEventTapsTest, AnInvalidatedTapIsGoneForGood) {
+    const auto tap = createTap();
+    serve(tap);
     tap->invalidate();
     EXPECT_FALSE(keyboard.hasTap());
     tap->setEnabled(true);
@@ -202,11 +216,14 @@ TEST_F(MacEventTapsTest, ARefusedSourceIsNone) {
 TEST_F(MacEventTapsTest, TheSourceIsOnItsThreadsLoopInTheCommonModesUntilItIsRemoved) {
     const auto tap = createTap();
     serve(tap);
-    EXPECT_THAT(fake::RunLoop::takeJournal(), ElementsAre("add the tap to a thread's loop in kCFRunLoopCommonModes"));
+    EXPECT_THAT(
+        fake::RunLoop::takeJournal(),
+        ElementsAre("disable the tap", "add the tap to a thread's loop in kCFRunLoopCommonModes", "enable the tap"));
+    EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
     stopServing();
     EXPECT_THAT(fake::RunLoop::takeJournal(),
-                ElementsAre("remove the tap from a thread's loop in kCFRunLoopCommonModes"));
-    EXPECT_THAT(fake::RunLoop::takeSlices(), Each(1.0));
+                ElementsAre("remove the tap from a thread's loop in kCFRunLoopCommonModes", "stop a thread's loop"));
+    EXPECT_THAT(fake::RunLoop::takeRuns(), AllOf(Not(IsEmpty()), Each("kCFRunLoopDefaultMode for 1 s")));
 }
 
 TEST_F(MacEventTapsTest, TheThreadHasItsNameAndTheHighestQualityOfService) {
@@ -243,7 +260,7 @@ TEST_F(MacEventTapsTest, AStopThatComesBeforeTheRunIsNotForgotten) {
     const auto own = taps.currentRunLoop();
     own->stop();
     own->runFor(Seconds(1.0));
-    EXPECT_THAT(fake::RunLoop::takeSlices(), IsEmpty()) << "it did not even begin to wait";
+    EXPECT_THAT(fake::RunLoop::takeRuns(), IsEmpty()) << "it did not even begin to wait";
 }
 
 }  // namespace

@@ -84,14 +84,33 @@ TEST_F(InventoryReadingTest, AnAttributeThatCannotBeReadLeavesTheOthers) {
 }
 
 TEST_F(InventoryReadingTest, AnApplicationThatKnowsNoBulkIsAskedOneByOne) {
-    accessibility.application(notes).answersInBulk = false;
     addWindow({{"AXTitle", std::string("Old")}, {"AXFullScreen", true}}, 77);
-    const auto application = read();
-    ASSERT_TRUE(application.has_value());
-    EXPECT_THAT(application->windows.front().title, Optional(Eq("Old")));
-    EXPECT_THAT(application->windows.front().isFullScreen, Optional(true));
-    EXPECT_EQ(application->windows.front().subrole, std::nullopt);
-    EXPECT_THAT(application->windows.front().windowNumber, Optional(77U));
+    // Nobody says with which error an application refuses.
+    for (const AXError error :
+         {kAXErrorNotImplemented, kAXErrorFailure, kAXErrorAttributeUnsupported, kAXErrorIllegalArgument}) {
+        accessibility.application(notes).bulkError = error;
+        const auto application = read();
+        ASSERT_TRUE(application.has_value()) << error;
+        EXPECT_THAT(application->windows.front().title, Optional(Eq("Old"))) << error;
+        EXPECT_THAT(application->windows.front().isFullScreen, Optional(true)) << error;
+        EXPECT_EQ(application->windows.front().subrole, std::nullopt) << error;
+        EXPECT_THAT(application->windows.front().windowNumber, Optional(77U)) << error;
+    }
+}
+
+TEST_F(InventoryReadingTest, AWindowThatAnswersNobodyIsNotAskedOneByOne) {
+    addWindow({{"AXTitle", std::string("Silent")}}, 77);
+    for (const AXError error : {kAXErrorInvalidUIElement, kAXErrorAPIDisabled}) {
+        accessibility.application(notes).bulkError = error;
+        static_cast<void>(accessibility.takeRequests());
+        const auto application = read();
+        ASSERT_TRUE(application.has_value()) << error;
+        EXPECT_EQ(application->windows.front().title, std::nullopt) << error;
+        EXPECT_THAT(accessibility.takeRequests(),
+                    ElementsAre("copy AXWindows of 1 within 0.35", "copy AXFocusedWindow of 1 within 0.35",
+                                bulkRequest + "2 within 0.35", "number of 2 within 0.35"))
+            << error;
+    }
 }
 
 TEST_F(InventoryReadingTest, AnAnswerWithTooFewValuesLeavesTheOthersAbsent) {
@@ -180,8 +199,17 @@ TEST_F(InventoryReadingTest, AnApplicationThatHangsMidwayCostsOneTimeoutHoweverM
     EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
 }
 
+TEST_F(InventoryReadingTest, AnApplicationThatHangsWhenANumberIsLookedUpCostsOneTimeout) {
+    addWindow({}, 1);
+    addWindow({}, 2);
+    accessibility.application(notes).requestsUntilItHangs = 3;
+    EXPECT_EQ(read(), std::nullopt);
+    EXPECT_EQ(accessibility.takeRequests().back(), "number of 2 within 0.35");
+    EXPECT_NEAR(accessibility.secondsWaited(), 0.35, 1e-6);
+}
+
 TEST_F(InventoryReadingTest, AnApplicationThatIsAskedOneByOneAndHangsCostsOneTimeout) {
-    accessibility.application(notes).answersInBulk = false;
+    accessibility.application(notes).bulkError = kAXErrorNotImplemented;
     addWindow({});
     addWindow({});
     accessibility.application(notes).requestsUntilItHangs = 5;

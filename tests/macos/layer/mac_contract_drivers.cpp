@@ -88,6 +88,8 @@ public:
     }
 
     bool runUntil(const std::function<bool()>& predicate) override {
+        // An observer made in this turn has its source in the next.
+        mac_.desktop.settle();
         FakeMac::runMainLoop();
         mac_.desktop.settle();
         return predicate();

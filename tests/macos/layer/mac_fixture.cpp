@@ -13,7 +13,7 @@ MacFixture::MacFixture() {
     system.reset();
     static_cast<void>(fake::Objects::shared().takeFaults());
     static_cast<void>(fake::RunLoop::main().takeJournal());
-    static_cast<void>(fake::RunLoop::main().takeSlices());
+    static_cast<void>(fake::RunLoop::main().takeRuns());
 }
 
 MacFixture::~MacFixture() {

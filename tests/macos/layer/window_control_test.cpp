@@ -103,6 +103,23 @@ TEST_F(MacWindowControlTest, TheTimeoutOfOneApplicationIsNotThatOfAnother) {
                 ElementsAre("set AXFrontmost to true of " + std::to_string(other.number) + " within 6"));
 }
 
+TEST_F(MacWindowControlTest, WhoeverHasTheNumberOfAnEarlierProcessIsAskedAndNotThatProcess) {
+    control.setMessagingTimeout(notes, timeout);
+    const auto another = accessibility.addApplication(notes);
+    control.setMessagingTimeout(notes, timeout);
+    control.setFrontmost(notes);
+    EXPECT_THAT(accessibility.takeRequests(),
+                ElementsAre("set AXFrontmost to true of " + std::to_string(another.number) + " within 0.5"));
+}
+
+TEST_F(MacWindowControlTest, WhatIsAskedOfTheWindowsFoundIsWaitedForNoLongerThanTheirApplication) {
+    control.setMessagingTimeout(notes, timeout);
+    const auto elements = control.windowElements(notes);
+    ASSERT_EQ(elements.size(), 1U);
+    static_cast<void>(control.windowNumber(elements[0]));
+    EXPECT_THAT(accessibility.takeRequests(), ElementsAre("copy AXWindows of 1 within 0.5", "number of 2 within 0.5"));
+}
+
 TEST_F(MacWindowControlTest, WindowsAreFoundByTheirNumbers) {
     accessibility.addWindow(notes, {.windowNumber = 78});
     const auto elements = control.windowElements(notes);

@@ -3,6 +3,7 @@
 #include "platform/macos/mac_accessibility_notifications.h"
 #include "platform/macos/mac_application.h"
 #include "platform/macos/mac_application_delegate.h"
+#include "platform/macos/mac_background_work.h"
 #include "platform/macos/mac_log.h"
 #include "platform/macos/mac_login_item.h"
 #include "platform/macos/mac_user_defaults.h"
@@ -17,6 +18,37 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 class MacSystemTest : public MacTest {};
+
+/// Workers whose work is done when it is handed over.
+class PromptWorkers final : public BackgroundWork {
+public:
+    void run(std::function<void()> work) override { work(); }
+    void concurrentPerform(std::size_t count, const std::function<void(std::size_t)>& iteration) override {
+        for (std::size_t index = 0; index < count; ++index) {
+            iteration(index);
+        }
+    }
+};
+
+TEST_F(MacSystemTest, AWorkersTaskLeavesNothingBehind) {
+    PromptWorkers workers;
+    MacBackgroundWork work(workers);
+    const auto before = objc_runtime::liveObjectCount();
+    std::vector<std::size_t> iterations;
+    work.run([] {
+        NSObject* __autoreleasing const left = [[NSObject alloc] init];
+        EXPECT_NE(left, nil);
+    });
+    EXPECT_EQ(objc_runtime::liveObjectCount(), before);
+    work.concurrentPerform(2, [&](std::size_t index) {
+        EXPECT_EQ(objc_runtime::liveObjectCount(), before) << "nor does one iteration to the next";
+        NSObject* __autoreleasing const left = [[NSObject alloc] init];
+        EXPECT_NE(left, nil);
+        iterations.push_back(index);
+    });
+    EXPECT_EQ(objc_runtime::liveObjectCount(), before);
+    EXPECT_THAT(iterations, ElementsAre(0U, 1U));
+}
 
 TEST_F(MacSystemTest, AProgramOutsideABundleSaysNothingOfItself) {
     @autoreleasepool {

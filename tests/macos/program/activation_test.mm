@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "input/switcher_controller.h"
 #include "tests/macos/program/mac_program_test.h"
 
@@ -96,6 +98,7 @@ TEST_F(ActivationOnMacTest, AnApplicationThatHangsCostsTheSnapshotOneTimeoutAndL
     @autoreleasepool {
         accessibility.application(mail).hangs = true;
         launch();
+        EXPECT_NEAR(accessibility.secondsWaited(), 0.5 + 0.35, 1e-6) << "one registration, and one snapshot";
         EXPECT_THAT(listedWindows(), ElementsAre(77U));
         const auto requests = accessibility.takeRequests();
         const auto ofMail = " of " + std::to_string(mailElement.number) + " within 0.35";
@@ -120,6 +123,8 @@ TEST_F(ActivationOnMacTest, AnApplicationThatHangsWhenItIsActivatedIsTriedFourTi
         EXPECT_EQ(accessibility.takeRequests(), raising());
         EXPECT_NEAR(accessibility.secondsWaited() - before, 2.5, 1e-6) << "half a second for each of five requests";
         advance(Seconds(4));
+        EXPECT_EQ(std::ranges::count(accessibility.takeRequests(), ofWindow("perform AXRaise")), 3)
+            << "after the first";
         EXPECT_THAT(takeLog(), Contains("activation: Could not confirm activation of window 88 in Mail"));
         EXPECT_TRUE(keyboard.isTapEnabled());
     }

@@ -1,3 +1,4 @@
+#include "platform/background_work.h"
 #include "tests/macos/program/mac_program_test.h"
 
 namespace ferrowyn::test {
@@ -25,6 +26,21 @@ TEST_F(LaunchOnMacTest, WithTrustTheProgramWorksWithoutShowingAnyWindow) {
         EXPECT_THAT(takeLog(), ElementsAre("windows: Observation started for 2 processes", "input: Event tap installed",
                                            "permissions: Services active"));
     }
+}
+
+TEST_F(LaunchOnMacTest, WhatAWorkerDoesForTheProgramLeavesNothingBehind) {
+    NSObject* __weak left = nil;
+    bool wasThere = false;
+    bool isLeft = true;
+    program->adapter.platform().backgroundWork.run([&] {
+        NSObject* __autoreleasing const autoreleased = [[NSObject alloc] init];
+        left = autoreleased;
+        wasThere = left != nil;
+    });
+    program->adapter.platform().backgroundWork.run([&] { isLeft = left != nil; });
+    settle();
+    EXPECT_TRUE(wasThere);
+    EXPECT_FALSE(isLeft);
 }
 
 TEST_F(LaunchOnMacTest, WithoutTrustTheSystemAsksOnceAndTheSetupWindowIsShown) {

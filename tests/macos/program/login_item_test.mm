@@ -63,6 +63,22 @@ TEST_F(LoginItemOnMacTest, ARefusalOfTheServiceIsExplained) {
     }
 }
 
+TEST_F(LoginItemOnMacTest, ARefusalToUnregisterLeavesItRegisteredAndIsExplained) {
+    @autoreleasepool {
+        service().status = SMAppServiceStatusEnabled;
+        service().nextError = error(@"SMAppServiceErrorDomain", 111, @"Invalid signature");
+        launch();
+        static_cast<void>(takeLog());
+        EXPECT_TRUE(choose("Launch at Login"));
+        EXPECT_THAT([service() calls], ElementsAre("unregister"));
+        EXPECT_THAT(takeLog(), Contains("permissions: Launch at login toggle failed: Invalid signature"));
+        NSMenuItem* const shown = freshRow();
+        EXPECT_EQ(text(shown.toolTip), macTexts().loginItemRefused);
+        EXPECT_EQ(shown.state, NSControlStateValueOn);
+        EXPECT_TRUE(shown.enabled) << "the user may try again";
+    }
+}
+
 TEST_F(LoginItemOnMacTest, AnOperationThatIsNotPermittedIsExplainedWhateverItsDomain) {
     @autoreleasepool {
         expectRefusal(error(@"NSPOSIXErrorDomain", 1, @"Operation not permitted"),

@@ -62,6 +62,8 @@ protected:
     bool choose(const std::string& title);
     [[nodiscard]] static std::string buttonSymbol();
     [[nodiscard]] static std::string buttonTooltip();
+    /// What the header says below the program's name.
+    [[nodiscard]] static std::string headerSubtitle();
 
     fake::Accessibility& accessibility = fake::Accessibility::shared();
     fake::WindowServer& windowServer = fake::WindowServer::shared();

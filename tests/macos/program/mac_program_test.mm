@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/mac_application_events.h"
+#include "platform/macos/mac_menu_header_view.h"
 #include "tests/macos/fake/fake_objects.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/objc/fakes/services.h"
@@ -199,6 +200,14 @@ std::string MacProgramTest::buttonSymbol() {
 
 std::string MacProgramTest::buttonTooltip() {
     return text([NSStatusBar onlyItem].button.toolTip);
+}
+
+std::string MacProgramTest::headerSubtitle() {
+    const id header = menu().itemArray.firstObject.view;
+    if (![header isKindOfClass:[FerrowynMenuHeaderView class]]) {
+        return "(no header)";
+    }
+    return text(static_cast<NSTextField*>([static_cast<NSView*>(header).subviews objectAtIndex:2]).stringValue);
 }
 
 }  // namespace ferrowyn::test

@@ -1,4 +1,3 @@
-#include "platform/macos/mac_menu_header_view.h"
 #include "tests/macos/program/mac_program_test.h"
 
 namespace ferrowyn::test {
@@ -10,30 +9,27 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-/// What every menu ends with.
-const std::vector<std::string> rest{"Open Switcher",
-                                    "2 windows tracked",
-                                    "-",
-                                    "LAYOUT",
-                                    "List",
-                                    "Grouped",
-                                    "Grid",
-                                    "-",
-                                    "Launch at Login",
-                                    "Settings…",
-                                    "Setup Guide…",
-                                    "About Ferrowyn",
-                                    "-",
-                                    "Quit Ferrowyn"};
+/// What every menu ends with, after the number of windows.
+const std::vector<std::string> rest{"-", "LAYOUT",          "List",      "Grouped",      "Grid",
+                                    "-", "Launch at Login", "Settings…", "Setup Guide…", "About Ferrowyn",
+                                    "-", "Quit Ferrowyn"};
 
-std::vector<std::string> rowsWithRepair(const std::string& repair) {
-    std::vector<std::string> all{"header", "-", repair, "-"};
+std::vector<std::string> rowsWithRepair(const std::string& repair, const std::string& count = "2 windows tracked") {
+    std::vector<std::string> all{"header", "-", repair, "-", "Open Switcher", count};
     all.insert(all.end(), rest.begin(), rest.end());
     return all;
 }
 
 class MenuOnMacTest : public MacProgramTest {
 protected:
+    struct Health {
+        std::string symbol;
+        std::string tooltip;
+        std::string subtitle;
+        friend bool operator==(const Health&, const Health&) = default;
+    };
+    [[nodiscard]] static Health health() { return {buttonSymbol(), buttonTooltip(), headerSubtitle()}; }
+
     void SetUp() override {
         MacProgramTest::SetUp();
         launch();
@@ -51,9 +47,10 @@ TEST_F(MenuOnMacTest, ReadyItOffersNothingToRepair) {
     @autoreleasepool {
         // Made anew, now that the windows are known.
         EXPECT_TRUE(choose("Grouped"));
-        std::vector<std::string> expected{"header", "-"};
+        std::vector<std::string> expected{"header", "-", "Open Switcher", "2 windows tracked"};
         expected.insert(expected.end(), rest.begin(), rest.end());
         EXPECT_THAT(rows(), ElementsAreArray(expected));
+        EXPECT_EQ(health(), (Health{"macwindow.on.rectangle", "Ferrowyn", "Ready"}));
         EXPECT_EQ(row("Grouped").state, NSControlStateValueOn);
         EXPECT_EQ(row("List").state, NSControlStateValueOff);
         EXPECT_EQ(text([NSUserDefaults.standardUserDefaults objectForKey:@"switcher.layout"]), "grouped");
@@ -65,8 +62,9 @@ TEST_F(MenuOnMacTest, WithoutAccessItOffersToGrantIt) {
     @autoreleasepool {
         system.isTrusted = false;
         advance(Seconds(3));
-        EXPECT_THAT(rows(), Contains("Grant Accessibility Access…"));
-        EXPECT_EQ(buttonSymbol(), "exclamationmark.triangle");
+        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Grant Accessibility Access…", "0 windows tracked")));
+        EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — Accessibility access required",
+                                    "Accessibility access required"}));
         EXPECT_FALSE(choose("Open Switcher"));
         EXPECT_TRUE(choose("Grant Accessibility Access…"));
         EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
@@ -77,8 +75,8 @@ TEST_F(MenuOnMacTest, AfterRepeatedTimeoutsItOffersToReEnableTheShortcut) {
     @autoreleasepool {
         giveTapUp();
         EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
-        EXPECT_EQ(buttonSymbol(), "exclamationmark.triangle");
-        EXPECT_EQ(buttonTooltip(), "Ferrowyn — shortcut disabled by the system");
+        EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — shortcut disabled by the system",
+                                    "Shortcut disabled by the system"}));
         EXPECT_TRUE(choose("Re-enable Shortcut"));
         EXPECT_TRUE(keyboard.isTapEnabled());
     }
@@ -90,11 +88,11 @@ TEST_F(MenuOnMacTest, AShortcutThatIsRefusedAgainCountsAsRevoked) {
         keyboard.refusesTaps = true;
         EXPECT_TRUE(choose("Re-enable Shortcut"));
         EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
-        EXPECT_EQ(buttonSymbol(), "exclamationmark.triangle");
-        EXPECT_EQ(buttonTooltip(), "Ferrowyn — Accessibility access was revoked");
+        EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — Accessibility access was revoked",
+                                    "Accessibility access was revoked"}));
         keyboard.refusesTaps = false;
         EXPECT_TRUE(choose("Re-enable Shortcut"));
-        EXPECT_EQ(buttonTooltip(), "Ferrowyn");
+        EXPECT_EQ(health(), (Health{"macwindow.on.rectangle", "Ferrowyn", "Ready"}));
     }
 }
 
@@ -104,7 +102,8 @@ TEST_F(MenuOnMacTest, DuringSecureInputItSaysThatItWaits) {
         advance(Seconds(2));
         EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Waiting for the other app to release it")));
         EXPECT_FALSE(choose("Waiting for the other app to release it"));
-        EXPECT_EQ(buttonSymbol(), "keyboard.badge.ellipsis");
+        EXPECT_EQ(health(), (Health{"keyboard.badge.ellipsis", "Ferrowyn — secure input is active, shortcut paused",
+                                    "Secure input active — shortcut paused"}));
     }
 }
 

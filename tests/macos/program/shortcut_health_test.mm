@@ -41,6 +41,25 @@ TEST_F(ShortcutHealthOnMacTest, AfterTheFifthTimeoutTheTapIsGivenUpUntilTheUserA
     }
 }
 
+TEST_F(ShortcutHealthOnMacTest, SecureInputThatDisablesTheTapEndsTheSessionAndTheTapComesBackAtOnce) {
+    @autoreleasepool {
+        launch();
+        press(optionTab);
+        ASSERT_TRUE(services().switcher().isVisible());
+        static_cast<void>(takeLog());
+        system.isSecureInputEnabled = true;
+        keyboard.disableTap(kCGEventTapDisabledByUserInput);
+        EXPECT_FALSE(keyboard.isTapEnabled());
+        settle();
+        EXPECT_TRUE(keyboard.isTapEnabled());
+        EXPECT_FALSE(services().switcher().isVisible()) << "a session without a keyboard cannot be ended by it";
+        EXPECT_THAT(takeLog(), Contains("input: Re-enabling event tap (user-input transition)"));
+        EXPECT_EQ(press({.keyCode = 0}), Outcome::reachedApplication);
+        EXPECT_EQ(press(optionTab), Outcome::swallowed) << "and the next session is one";
+        EXPECT_TRUE(services().switcher().isVisible());
+    }
+}
+
 TEST_F(ShortcutHealthOnMacTest, SecureInputIsShownForAsLongAsItLasts) {
     @autoreleasepool {
         launch();

@@ -1,0 +1,25 @@
+#include "platform/macos/mac_background_work.h"
+
+#include <utility>
+
+namespace ferrowyn {
+
+void MacBackgroundWork::run(std::function<void()> work) {
+    workers_.run([task = std::move(work)]() mutable {
+        @autoreleasepool {
+            task();
+            // What it holds goes with it, and may autorelease as it goes.
+            task = nullptr;
+        }
+    });
+}
+
+void MacBackgroundWork::concurrentPerform(std::size_t count, const std::function<void(std::size_t)>& iteration) {
+    workers_.concurrentPerform(count, [&iteration](std::size_t index) {
+        @autoreleasepool {
+            iteration(index);
+        }
+    });
+}
+
+}  // namespace ferrowyn
