@@ -53,9 +53,9 @@ std::string SessionManager::address() const {
     return address;
 }
 
-Status SessionManager::acceptClient(SmsConn client, SmPointer self, unsigned long* mask, SmsCallbacks* callbacks,
+Status SessionManager::acceptClient(SmsConn accepted, SmPointer self, unsigned long* mask, SmsCallbacks* callbacks,
                                     char** /*failure*/) {
-    managerOf(self).clients_.push_back(client);
+    managerOf(self).clients_.push_back(accepted);
     *mask = SmsRegisterClientProcMask | SmsInteractRequestProcMask | SmsInteractDoneProcMask |
             SmsSaveYourselfRequestProcMask | SmsSaveYourselfP2RequestProcMask | SmsSaveYourselfDoneProcMask |
             SmsCloseConnectionProcMask | SmsSetPropertiesProcMask | SmsDeletePropertiesProcMask |

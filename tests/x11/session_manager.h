@@ -30,7 +30,7 @@ public:
     [[nodiscard]] std::optional<int> restartStyle() const { return restartStyle_; }
 
 private:
-    static Status acceptClient(SmsConn client, SmPointer self, unsigned long* mask, SmsCallbacks* callbacks,
+    static Status acceptClient(SmsConn accepted, SmPointer self, unsigned long* mask, SmsCallbacks* callbacks,
                                char** failure);
     void takeProperties(int count, SmProp** properties);
     void accept(IceListenObj listener);
