@@ -346,6 +346,7 @@ TEST_F(MacMenuHeaderTest, TheGearLightsUpUnderThePointer) {
         draw();
         ASSERT_EQ(fake_mac::fills().size(), 1U) << "the symbol alone";
         EXPECT_EQ(fake_mac::fills()[0].color, "gearshape");
+        EXPECT_EQ(fake_mac::fills()[0].tint, "label") << "the menu may be dark";
         header().needsDisplay = NO;
         [header() mouseMoved:[NSEvent eventAt:NSMakePoint(241, 29)]];
         expectHover(YES);
