@@ -16,8 +16,10 @@ resources=$("$clang" -print-resource-dir)
 machine=$(g++ -dumpmachine)
 libstdcxx=$(g++ -dumpversion)
 
-warnings=(-Wall -Wextra -Wconversion -Wshadow -Wunguarded-availability -Wundeclared-selector -Wimplicit-retain-self
-  -Warc-retain-cycles -Wnullable-to-nonnull-conversion -Wassign-enum -Wno-missing-field-initializers -Werror)
+# Those of a build for a Mac (cmake/Compiler.cmake), and more.
+warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wunguarded-availability -Wundeclared-selector
+  -Wimplicit-retain-self -Warc-retain-cycles -Wnullable-to-nonnull-conversion -Wassign-enum
+  -Wno-missing-field-initializers -Werror)
 language=(-std=c++20 -fobjc-arc -fblocks -Isrc)
 declarations=(-isystem tests/macos/sdk)
 # Intel: the C++ library of g++.

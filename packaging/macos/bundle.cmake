@@ -1,5 +1,4 @@
 # The application bundle, on a Mac.
-set(FERROWYN_MACOS_MINIMUM 13.0)
 
 # ferrowyn_make_bundle(<program>): what the program is made of becomes Ferrowyn.app.
 function(ferrowyn_make_bundle program)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sends the signed bundle to Apple's notary, waits for the answer and staples it to the bundle.
-#   FERROWYN_NOTARY_APPLE_ID, FERROWYN_NOTARY_TEAM_ID, FERROWYN_NOTARY_PASSWORD (an app-specific one)
+#   FERROWYN_NOTARY_PROFILE  the name under which the keychain has the account, put there once with
+#                            "xcrun notarytool store-credentials NAME"
 #   notarise.sh Ferrowyn.app
 set -euo pipefail
 (($# == 1)) || {
@@ -8,13 +9,11 @@ set -euo pipefail
   exit 2
 }
 bundle=$1
-: "${FERROWYN_NOTARY_APPLE_ID:?is the account to send with}"
-: "${FERROWYN_NOTARY_TEAM_ID:?is the team of that account}"
-: "${FERROWYN_NOTARY_PASSWORD:?is an app-specific password of that account}"
+# No password is handed over here: every user of a Mac can read what a command is called with.
+: "${FERROWYN_NOTARY_PROFILE:?is the name under which the keychain has the account to send with}"
 
 archive=$(mktemp -d)/Ferrowyn.zip
 trap 'rm -rf "$(dirname "$archive")"' EXIT
 ditto -c -k --keepParent "$bundle" "$archive"
-xcrun notarytool submit "$archive" --wait --apple-id "$FERROWYN_NOTARY_APPLE_ID" \
-  --team-id "$FERROWYN_NOTARY_TEAM_ID" --password "$FERROWYN_NOTARY_PASSWORD"
+xcrun notarytool submit "$archive" --wait --keychain-profile "$FERROWYN_NOTARY_PROFILE"
 xcrun stapler staple "$bundle"

@@ -54,6 +54,9 @@ int runOnMacOS(const CommandLine& line, int& argumentCount, char** arguments) {
     AppDelegate* told = nullptr;
     const auto events = passingOnTo(told);
     const MacApplicationDelegate systemDelegate(events);
+    // The toolkit would give the program a place in the Dock and bring it to the front, where it is no bundle: it
+    // starts silently in the menu bar, and its policy is its own.
+    qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
     installTranslations(application, QLocale());

@@ -20,7 +20,7 @@ public:
     using ReportMaker = std::function<std::string()>;
 
     /// As `UtilityWindowController` has it.
-    using WindowConfiguration = std::function<void(std::uintptr_t windowNumber, bool isResizable)>;
+    using WindowConfiguration = std::function<int(std::uintptr_t windowNumber, bool isResizable)>;
 
     QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport = nullptr,
                     WindowConfiguration configureWindow = nullptr);

@@ -26,7 +26,7 @@ QTextOption singleLineOption() {
 }  // namespace
 
 TextLine::TextLine(const QString& text, TextStyle style, double maximumWidth, TextEmphasis emphasis)
-    : style_(style), emphasis_(std::move(emphasis)) {
+    : emphasis_(std::move(emphasis)) {
     layout_.setFont(fontFor(style));
     layout_.setTextOption(singleLineOption());
     layout_.setCacheEnabled(true);

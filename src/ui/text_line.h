@@ -45,7 +45,6 @@ private:
     void shape(const QString& text, double lineWidth);
     [[nodiscard]] QString elided(const QString& text, double maximumWidth);
 
-    TextStyle style_;
     TextEmphasis emphasis_;
     QTextLayout layout_;
     double width_ = 0;

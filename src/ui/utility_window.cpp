@@ -60,6 +60,11 @@ void UtilityWindow::centre() {
     move(place.topLeft());
 }
 
+void UtilityWindow::leaveRoomAtTheTop(int height) {
+    // The window's own margins, of which the toolkit takes the larger where it knows of the bar itself.
+    setContentsMargins(0, height, 0, 0);
+}
+
 void UtilityWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter(this).fillRect(rect(), WindowTheme::current().ground);
 }

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] bool isExposed() const { return isVisible() && wasExposed_; }
     /// In the middle of the screen on which the pointer is.
     void centre();
+    /// For a title bar that lies over the window instead of above it.
+    void leaveRoomAtTheTop(int height);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

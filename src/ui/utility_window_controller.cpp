@@ -41,7 +41,7 @@ void UtilityWindowController::show() {
         makeWindow();
     }
     if (configure_ && !window_->isVisible()) {
-        configure_(static_cast<std::uintptr_t>(window_->winId()), isResizable_);
+        window_->leaveRoomAtTheTop(configure_(static_cast<std::uintptr_t>(window_->winId()), isResizable_));
     }
     application_.activate();
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);

@@ -22,7 +22,8 @@ public:
     using ContentBuilder = std::function<std::unique_ptr<QWidget>()>;
     /// Gives a window what its desktop knows and the toolkit does not, each time before it comes onto the screen: the
     /// toolkit may have made the desktop's window anew since it was closed.
-    using WindowConfiguration = std::function<void(std::uintptr_t windowNumber, bool isResizable)>;
+    /// The height of what then lies over the top of the window's content.
+    using WindowConfiguration = std::function<int(std::uintptr_t windowNumber, bool isResizable)>;
 
     /// A window that is not resizable is as large as its content asks to be, at every moment.
     UtilityWindowController(Application& application, Phrase title, bool isResizable, ContentBuilder content,

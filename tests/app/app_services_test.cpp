@@ -23,7 +23,7 @@ using LogLine = SimulatedDesktop::LogLine;
 
 constexpr Pid editor = 100;
 constexpr Pid browser = 200;
-constexpr SimulatedDesktop::Key optionTab{48, event_flags::option, u"\t", u"\t"};
+const SimulatedDesktop::Key optionTab{48, event_flags::option, u"\t", u"\t"};
 
 const LogLine active{LogLevel::standard, "permissions", "Services active"};
 const LogLine suspended{LogLevel::standard, "permissions", "Services suspended — Accessibility trust missing"};

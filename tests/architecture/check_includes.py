@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Fails on an #include that turns an arrow of the architecture round.
+"""Fails on an #include or #import that turns an arrow of the architecture round.
 
 Which folder may include which is said once, in ALLOWED; whatever is not said is forbidden. Toolkit and system headers
 belong to the adapters, the user interface and the program; the logic is plain C++ (and ICU in core).
@@ -32,10 +32,11 @@ MAY_USE_ICU = {"core"}
 TOOLKIT_OR_SYSTEM = re.compile(
     r"^(Q[A-Z]|Qt[A-Z]|xcb/|X11/|xkbcommon/|systemd/|sys/|unistd\.h|fcntl\.h|poll\.h|pthread\.h|signal\.h|dlfcn\.h|sched\.h|"
     r"dirent\.h|spawn\.h|syslog\.h|pwd\.h|termios\.h|"
-    r"AppKit/|Application|Carbon/|CoreFoundation/|CoreGraphics/|Foundation/|ServiceManagement/|os/|dispatch/)"
+    r"AppKit/|Application|Carbon/|CoreFoundation/|CoreGraphics/|Foundation/|HIServices/|ServiceManagement/|"
+    r"UniformTypeIdentifiers/|objc/|os/|dispatch/)"
 )
 ICU = re.compile(r"^unicode/")
-INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*([<"])([^>"]+)[>"]')
 PLATFORM_TEST = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b.*__(APPLE|linux)__")
 MAY_TEST_PLATFORM = MAY_USE_TOOLKIT - {"ui"}
 
@@ -89,6 +90,12 @@ def self_test():
         ("input/a.cpp", "#if defined(__APPLE__)"),
         ("core/a.cpp", "#include <ui/switcher_view.h>"),
         ("input/a.cpp", "#include <sched.h>"),
+        ("ui/a.mm", '#import "platform/macos/mac_panel.h"'),
+        ("services/a.mm", "#import <AppKit/AppKit.h>"),
+        ("services/a.mm", "  # import <Foundation/Foundation.h>"),
+        ("input/a.cpp", "#include <HIServices/AXError.h>"),
+        ("platform/a.h", "#include <UniformTypeIdentifiers/UTType.h>"),
+        ("inventory/a.cpp", "#include <objc/runtime.h>"),
         ("elsewhere/a.cpp", '#include "core/text.h"'),
     ]
     allowed = [
@@ -99,6 +106,8 @@ def self_test():
         ("app/main.cpp", '#include "platform/x11/x11_platform.h"'),
         ("platform/x11/a.cpp", "#include <xcb/xcb.h>"),
         ("platform/qt/a.cpp", "#ifdef __linux__"),
+        ("platform/macos/a.mm", "#import <AppKit/AppKit.h>"),
+        ("platform/macos/a.mm", '#import "platform/screens.h"'),
     ]
     wrong = [case for case in forbidden if not complaints_about(*case)]
     wrong += [case for case in allowed if complaints_about(*case)]

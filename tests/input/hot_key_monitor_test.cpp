@@ -17,8 +17,8 @@ using ::testing::Not;
 using Failure = HotKeyMonitor::Failure;
 using LogLine = SimulatedDesktop::LogLine;
 
-constexpr SimulatedDesktop::Key optionTab{48, event_flags::option, u"\t", u"\t"};
-constexpr SimulatedDesktop::Key optionShiftTab{48, event_flags::option | event_flags::shift, u"\t", u"\t"};
+const SimulatedDesktop::Key optionTab{48, event_flags::option, u"\t", u"\t"};
+const SimulatedDesktop::Key optionShiftTab{48, event_flags::option | event_flags::shift, u"\t", u"\t"};
 const SimulatedDesktop::Key rightArrow{124, event_flags::option, u"\uF703", u"\uF703"};
 const SimulatedDesktop::Key letterA{0, 0, u"a", u"a"};
 

@@ -1,46 +1,50 @@
 #!/usr/bin/env python3
 """Fails when the parts of the macOS bundle do not say, or do, what they should.
 
-There is no Mac here: the property lists are read, and the scripts are run with stand-ins for Apple's tools that write
-down how they were called.
+  check_macos_bundle.py information VERSION INFO.PLIST…   as a build for a Mac has written them
+  check_macos_bundle.py scripts SOURCES                   run with stand-ins for the tools that only a Mac has, which
+                                                          write down how they were called
 """
 
 import os
 import pathlib
 import plistlib
+import shutil
 import subprocess
 import sys
 import tempfile
 
-TOOLS = ["codesign", "ditto", "iconutil", "rsvg-convert", "xcrun"]
-STAND_IN = '#!/bin/sh\nprintf "%s" "$(basename "$0")" >>"$CALLS"\nprintf " %s" "$@" >>"$CALLS"\necho >>"$CALLS"\n'
+TOOLS = ["brew", "cmake", "codesign", "ditto", "iconutil", "macdeployqt", "open", "otool", "rsvg-convert", "uname",
+         "xcode-select", "xcrun"]
+STAND_IN = '''#!/bin/sh
+name=$(basename "$0")
+printf "%s" "$name" >>"$CALLS"
+printf " %s" "$@" >>"$CALLS"
+echo >>"$CALLS"
+case $name in
+  uname) echo Darwin ;;
+  otool) printf '%s\\n' "$LINKED" ;;
+esac
+'''
 
 
-def information(packaging):
-    """The property list as the build fills it in."""
-    text = (packaging / "Info.plist.in").read_text(encoding="utf-8")
-    for name, value in {
-        "FERROWYN_BUNDLE_EXECUTABLE": "Ferrowyn",
-        "PROJECT_VERSION": "1.2.3",
-        "FERROWYN_MACOS_MINIMUM": "13.0",
-    }.items():
-        text = text.replace(f"@{name}@", value)
-    return plistlib.loads(text.encode())
-
-
-def complaints_about_information(found):
+def complaints_about_information(path, version):
+    """The property list as the build has filled it in."""
+    found = plistlib.loads(path.read_bytes())
     expected = {
         "CFBundleName": "Ferrowyn",
         "CFBundleIdentifier": "com.larkmoor.Ferrowyn",
         "CFBundleExecutable": "Ferrowyn",
         "CFBundleIconFile": "Ferrowyn",
         "CFBundlePackageType": "APPL",
-        "CFBundleShortVersionString": "1.2.3",
+        "CFBundleShortVersionString": version,
+        "CFBundleVersion": version,
         "LSMinimumSystemVersion": "13.0",
         "LSUIElement": True,
         "NSHumanReadableCopyright": "© 2026 Ferrowyn",
     }
-    return [f"{key} is {found.get(key)!r}, not {value!r}" for key, value in expected.items() if found.get(key) != value]
+    return [f"{path}: {key} is {found.get(key)!r}, not {value!r}"
+            for key, value in expected.items() if found.get(key) != value]
 
 
 class Workshop:
@@ -64,7 +68,8 @@ class Workshop:
     def run(self, script, *arguments, **variables):
         """The exit status, and how the tools were called."""
         self.calls.write_text("", encoding="utf-8")
-        environment = {"PATH": f"{self.folder / 'tools'}:{os.environ['PATH']}", "CALLS": str(self.calls), **variables}
+        environment = {"PATH": f"{self.folder / 'tools'}:{os.environ['PATH']}", "CALLS": str(self.calls),
+                       "LINKED": "\t/usr/lib/libSystem.B.dylib", **variables}
         done = subprocess.run([self.packaging / script, *arguments], env=environment, capture_output=True, check=False)
         return done.returncode, self.calls.read_text(encoding="utf-8").splitlines()
 
@@ -92,22 +97,57 @@ def complaints_about_signing(workshop):
 
 def complaints_about_notarising(workshop):
     bundle = str(workshop.bundle)
-    account = {
-        "FERROWYN_NOTARY_APPLE_ID": "maker@example.org",
-        "FERROWYN_NOTARY_TEAM_ID": "TEAM",
-        "FERROWYN_NOTARY_PASSWORD": "word",
-    }
     found = []
-    for missing in account:
-        status, calls = workshop.run("notarise.sh", bundle, **{k: v for k, v in account.items() if k != missing})
-        if status == 0 or calls:
-            found.append(f"notarise.sh works without {missing}")
-    status, calls = workshop.run("notarise.sh", bundle, **account)
+    status, calls = workshop.run("notarise.sh", bundle)
+    if status == 0 or calls:
+        found.append("notarise.sh works without an account")
+    status, calls = workshop.run("notarise.sh", bundle, FERROWYN_NOTARY_PROFILE="maker")
     steps = [call.split()[0:2] for call in calls]
     if status != 0 or steps != [["ditto", "-c"], ["xcrun", "notarytool"], ["xcrun", "stapler"]]:
         found.append(f"notarise.sh ended with {status} after {calls}")
-    elif "--apple-id maker@example.org --team-id TEAM --password word" not in calls[1]:
+    elif not calls[1].endswith(" --wait --keychain-profile maker"):
         found.append(f"notarise.sh sends without the account: {calls[1]}")
+    return found
+
+
+def complaints_about_bundling(workshop):
+    bundle = str(workshop.bundle)
+    identity = {"FERROWYN_SIGNING_IDENTITY": "Developer ID Application: Larkmoor"}
+    profile = {"FERROWYN_NOTARY_PROFILE": "maker"}
+    deployed = ["macdeployqt", "otool"]
+    signed = [*deployed, *4 * ["codesign"]]
+    found = []
+    for variables, expected, succeeds in [
+        ({}, signed, True),
+        (identity, signed, True),
+        ({**identity, **profile}, [*signed, "ditto", "xcrun", "xcrun"], True),
+        (profile, [], False),
+        ({**identity, **profile, "LINKED": "\t/opt/homebrew/lib/QtCore"}, deployed, False),
+    ]:
+        status, calls = workshop.run("bundle.sh", bundle, **variables)
+        if [call.split()[0] for call in calls] != expected or (status == 0) != succeeds:
+            found.append(f"bundle.sh ended with {status} after {calls} given {variables}")
+    return found
+
+
+def complaints_about_running(workshop):
+    """./run in a copy of its own, where everything is built already."""
+    copy = workshop.folder / "copy"
+    source = workshop.packaging.parent.parent
+    shutil.copytree(source / "scripts", copy / "scripts")
+    shutil.copytree(source / "packaging/macos", copy / "packaging/macos")
+    shutil.copy(source / "run", copy)
+    program = copy / "build/release/bin/Ferrowyn.app/Contents/MacOS/Ferrowyn"
+    program.parent.mkdir(parents=True)
+    program.write_text(STAND_IN, encoding="utf-8")
+    program.chmod(0o755)
+    found = []
+    for arguments, expected in [([], "open build/release/bin/Ferrowyn.app"), (["--version"], "Ferrowyn --version")]:
+        status, calls = workshop.run(copy / "run", *arguments)
+        built = next((index for index, call in enumerate(calls) if call.startswith("cmake --build ")), None)
+        signatures = [index for index, call in enumerate(calls) if call.startswith("codesign --force --sign - ")]
+        if status != 0 or calls[-1:] != [expected] or built is None or not signatures or signatures[0] < built:
+            found.append(f"run {arguments} ended with {status} after {calls}")
     return found
 
 
@@ -122,16 +162,28 @@ def complaints_about_icon(workshop):
     return []
 
 
-def main():
-    packaging = pathlib.Path(sys.argv[1]).resolve() / "packaging/macos"
-    found = complaints_about_information(information(packaging))
+def complaints_about_scripts(packaging):
+    found = []
     if plistlib.loads((packaging / "ferrowyn.entitlements").read_bytes()) != {}:
         found.append("the entitlements ask for an exception")
     with tempfile.TemporaryDirectory() as folder:
         workshop = Workshop(packaging, pathlib.Path(folder))
         found += complaints_about_signing(workshop)
         found += complaints_about_notarising(workshop)
+        found += complaints_about_bundling(workshop)
         found += complaints_about_icon(workshop)
+        found += complaints_about_running(workshop)
+    return found
+
+
+def main():
+    if sys.argv[1] == "information":
+        version, *paths = sys.argv[2:]
+        found = [complaint for path in paths for complaint in complaints_about_information(pathlib.Path(path), version)]
+        if not paths:
+            found.append("there is no property list to read")
+    else:
+        found = complaints_about_scripts(pathlib.Path(sys.argv[2]).resolve() / "packaging/macos")
     print("\n".join(found) if found else "the bundle's parts are as they should be")
     return 1 if found else 0
 

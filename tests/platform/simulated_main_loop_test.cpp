@@ -111,7 +111,7 @@ TEST_F(SimulatedMainLoopTest, PostedTasksRunInOrderBeforeTimersOfTheSameMoment) 
 }
 
 TEST_F(SimulatedMainLoopTest, TakesTasksFromOtherThreads) {
-    std::jthread([this] {
+    std::thread([this] {
         EXPECT_FALSE(loop.isMainThread());
         for (int task = 0; task < 3; ++task) {
             loop.post(event("task " + std::to_string(task)));

@@ -184,6 +184,7 @@ TEST_F(UtilityWindowControllerTest, TheDesktopConfiguresTheWindowEachTimeBeforeI
         application, Phrase{"Ferrowyn Settings", {}}, true, [] { return std::make_unique<QLabel>(); },
         [&](std::uintptr_t number, bool isResizable) {
             configured.push_back({number, isResizable, controller->window()->isVisible()});
+            return 0;
         });
     for (const std::size_t times : {1U, 2U}) {
         controller->show();
@@ -194,6 +195,35 @@ TEST_F(UtilityWindowControllerTest, TheDesktopConfiguresTheWindowEachTimeBeforeI
         controller->show();
         EXPECT_EQ(configured.size(), times) << "it is on the screen already";
         controller->close();
+    }
+}
+
+TEST_F(UtilityWindowControllerTest, NothingOfTheContentStandsUnderATitleBarThatCoversTheWindow) {
+    constexpr int titleBarHeight = 28;
+    for (const bool isResizable : {false, true}) {
+        const auto contentBelow = [this, isResizable](int height) {
+            UtilityWindowController controller(
+                application, Phrase{"Ferrowyn Setup", {}}, isResizable,
+                [] {
+                    auto content = std::make_unique<QWidget>();
+                    content->setObjectName("content");
+                    content->setMinimumSize(300, 200);
+                    return content;
+                },
+                [height](std::uintptr_t /*number*/, bool /*isResizable*/) { return height; });
+            // The second time, too, it is the same window.
+            for (int times = 0; times < 2; ++times) {
+                controller.show();
+                processEvents();
+                controller.close();
+            }
+            auto* const window = controller.window();
+            auto* const content = window->findChild<QWidget*>("content");
+            return QRect(content->mapTo(window, QPoint()), content->size());
+        };
+        const QRect plain = contentBelow(0);
+        EXPECT_EQ(plain.top(), 0);
+        EXPECT_EQ(contentBelow(titleBarHeight), plain.translated(0, titleBarHeight)) << isResizable;
     }
 }
 

@@ -1,6 +1,5 @@
 #include "platform/macos/mac_icon_image.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 

@@ -138,7 +138,7 @@ NSTextField* label(const std::string& text, CGFloat fontSize, NSColor* color) {
                                          xRadius:hoverRadius
                                          yRadius:hoverRadius] fill];
     }
-    NSImage* const symbol = ferrowyn::templateSymbol("gearshape", @"Settings", gearPointSize);
+    NSImage* const symbol = ferrowyn::coloredSymbol("gearshape", @"Settings", gearPointSize, NSColor.labelColor);
     const NSSize size = symbol.size;
     [symbol drawInRect:NSInsetRect(gear, (gear.size.width - size.width) / 2, (gear.size.height - size.height) / 2)];
 }

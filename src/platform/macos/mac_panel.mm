@@ -11,12 +11,23 @@ namespace ferrowyn {
 
 namespace {
 
+/// Who handles the moves of the pointer for the toolkit's view, which need not be the view itself.
+id pointerHandler(NSView* view) {
+    for (NSTrackingArea* area in view.trackingAreas) {
+        const id owner = area.owner;
+        if ([owner respondsToSelector:@selector(mouseMoved:)]) {
+            return owner;
+        }
+    }
+    return view;
+}
+
 /// The toolkit follows the pointer only while its application is the active one, which the panel's never is.
 void followPointer(NSView* view) {
     [view addTrackingArea:[[NSTrackingArea alloc] initWithRect:NSZeroRect
                                                        options:NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
                                                                NSTrackingActiveAlways | NSTrackingInVisibleRect
-                                                         owner:view
+                                                         owner:pointerHandler(view)
                                                       userInfo:nil]];
 }
 

@@ -8,6 +8,14 @@ namespace {
 
 constexpr double menuPointSize = 13;
 
+NSImage* systemSymbol(std::string_view name, NSString* accessibilityDescription) {
+    return [NSImage imageWithSystemSymbolName:nsString(name) accessibilityDescription:accessibilityDescription];
+}
+
+NSImageSymbolConfiguration* ofSize(double pointSize) {
+    return [NSImageSymbolConfiguration configurationWithPointSize:pointSize weight:NSFontWeightRegular];
+}
+
 }  // namespace
 
 NSColor* systemColor(MenuTint tint) {
@@ -27,30 +35,30 @@ NSColor* systemColor(MenuTint tint) {
 }
 
 NSImage* templateSymbol(std::string_view name, NSString* accessibilityDescription) {
-    NSImage* const image = [NSImage imageWithSystemSymbolName:nsString(name)
-                                     accessibilityDescription:accessibilityDescription];
+    NSImage* const image = systemSymbol(name, accessibilityDescription);
     [image setTemplate:YES];
     return image;
 }
 
 NSImage* templateSymbol(std::string_view name, NSString* accessibilityDescription, double pointSize) {
-    auto* const configuration = [NSImageSymbolConfiguration configurationWithPointSize:pointSize
-                                                                                weight:NSFontWeightRegular];
-    NSImage* const image = [templateSymbol(name, accessibilityDescription) imageWithSymbolConfiguration:configuration];
+    NSImage* const symbol = systemSymbol(name, accessibilityDescription);
+    NSImage* const image = [symbol imageWithSymbolConfiguration:ofSize(pointSize)];
     [image setTemplate:YES];
     return image;
 }
 
+NSImage* coloredSymbol(std::string_view name, NSString* accessibilityDescription, double pointSize, NSColor* color) {
+    auto* const palette = [NSImageSymbolConfiguration configurationWithPaletteColors:@[ color ]];
+    auto* const configuration = [ofSize(pointSize) configurationByApplyingConfiguration:palette];
+    NSImage* const symbol = systemSymbol(name, accessibilityDescription);
+    NSImage* const image = [symbol imageWithSymbolConfiguration:configuration];
+    [image setTemplate:NO];
+    return image;
+}
+
 NSImage* menuSymbol(std::string_view name, MenuTint tint) {
-    if (tint == MenuTint::label) {
-        return templateSymbol(name, nil, menuPointSize);
-    }
-    auto* const size = [NSImageSymbolConfiguration configurationWithPointSize:menuPointSize weight:NSFontWeightRegular];
-    auto* const color = [NSImageSymbolConfiguration configurationWithPaletteColors:@[ systemColor(tint) ]];
-    NSImage* const image = [NSImage imageWithSystemSymbolName:nsString(name) accessibilityDescription:nil];
-    NSImage* const tinted = [image imageWithSymbolConfiguration:[size configurationByApplyingConfiguration:color]];
-    [tinted setTemplate:NO];
-    return tinted;
+    return tint == MenuTint::label ? templateSymbol(name, nil, menuPointSize)
+                                   : coloredSymbol(name, nil, menuPointSize, systemColor(tint));
 }
 
 }  // namespace ferrowyn

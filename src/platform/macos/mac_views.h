@@ -3,7 +3,6 @@
 #import <AppKit/AppKit.h>
 
 #include <cstdint>
-#include <cstring>
 
 namespace ferrowyn {
 

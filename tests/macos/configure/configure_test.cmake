@@ -10,7 +10,7 @@ foreach(type Debug Release)
   endif()
   file(READ ${WORK}/${type}/build.ninja build)
   foreach(wanted "Ferrowyn.app/Contents/MacOS/Ferrowyn" "program_on_macos.cpp.o" "mac_status_item.mm.o"
-                 "bin/ferrowyn_app_delegate_tests" "-fobjc-arc" "-framework AppKit")
+                 "bin/ferrowyn_app_delegate_tests" "-fobjc-arc" "-framework AppKit" "-mmacosx-version-min=13.0")
     string(FIND "${build}" "${wanted}" place)
     if(place EQUAL -1)
       message(SEND_ERROR "A build for a Mac (${type}) has no ${wanted}.")

@@ -298,6 +298,12 @@ TEST_F(MacDesktopTest, IconsAreDrawnInTheSizeThatIsAskedFor) {
             EXPECT_EQ(drawn.pixels[48 * 48 - 1], 0xFF002F2FU);
         }
         EXPECT_EQ(NSGraphicsContext.currentContext, nil) << "what was drawn into before is again";
+        EXPECT_THAT(NSWorkspace.sharedWorkspace.iconPaths, ElementsAre("/Applications/Mail.app"));
+        ASSERT_EQ(fake_mac::drawnIconSizes().size(), 3U);
+        for (const NSSize& size : fake_mac::drawnIconSizes()) {
+            EXPECT_EQ(size.width, 32);
+            EXPECT_EQ(size.height, 32);
+        }
     }
 }
 

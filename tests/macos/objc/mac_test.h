@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tests/macos/objc/fakes/appkit.h"
 #include "tests/macos/objc/runtime/objects.h"
@@ -17,6 +18,11 @@ protected:
     void TearDown() override;
 
     [[nodiscard]] static std::string text(NSString* string);
+
+    // Of the menu of the only item in the menu bar:
+    [[nodiscard]] static NSMenuItem* rowTitled(const std::string& title);
+    /// One line a row: what the user sees.
+    [[nodiscard]] static std::vector<std::string> shownRows();
 
 private:
     /// Whatever the test autoreleases outside the callbacks of the system, which have pools of their own.

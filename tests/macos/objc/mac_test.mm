@@ -24,4 +24,21 @@ std::string MacTest::text(NSString* string) {
     return string.UTF8String == nullptr ? "(nil)" : string.UTF8String;
 }
 
+NSMenuItem* MacTest::rowTitled(const std::string& title) {
+    for (NSMenuItem* item in [NSStatusBar onlyItem].menu.itemArray) {
+        if (title == text(item.title)) {
+            return item;
+        }
+    }
+    return nil;
+}
+
+std::vector<std::string> MacTest::shownRows() {
+    std::vector<std::string> lines;
+    for (NSMenuItem* item in [NSStatusBar onlyItem].menu.itemArray) {
+        lines.push_back(item.separatorItem ? "-" : item.view != nil ? "header" : text(item.title));
+    }
+    return lines;
+}
+
 }  // namespace ferrowyn::test

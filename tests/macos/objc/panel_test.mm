@@ -37,11 +37,18 @@ private:
     QWidget* widget_;
 };
 
-/// Stands for the toolkit's widget: a view of its own within the panel's.
+/// Stands for the toolkit's widget: a view of its own within the panel's, with the areas that the toolkit has given it.
 class SpyWidget final : public HostedWidget {
 public:
-    SpyWidget(Calls& calls, std::uintptr_t parent) : calls_(calls), view_([[NSView alloc] initWithFrame:NSZeroRect]) {
+    SpyWidget(Calls& calls, std::uintptr_t parent, const std::vector<id>& areaOwners)
+        : calls_(calls), view_([[NSView alloc] initWithFrame:NSZeroRect]) {
         [viewAt(parent) addSubview:view_];
+        for (const id& owner : areaOwners) {
+            [view_ addTrackingArea:[[NSTrackingArea alloc] initWithRect:NSZeroRect
+                                                                options:NSTrackingMouseMoved
+                                                                  owner:owner
+                                                               userInfo:nil]];
+        }
     }
     ~SpyWidget() override { calls_.emplace_back("widget goes"); }
 
@@ -64,13 +71,16 @@ protected:
     MacPanelTest() {
         @autoreleasepool {
             panel = std::make_unique<MacPanel>(
-                [this](QWidget& /*widget*/, std::uintptr_t view) { return std::make_unique<SpyWidget>(calls, view); },
+                [this](QWidget& /*widget*/, std::uintptr_t view) {
+                    return std::make_unique<SpyWidget>(calls, view, areaOwners);
+                },
                 cornerRadius);
         }
     }
     void TearDown() override {
         @autoreleasepool {
             panel.reset();
+            areaOwners.clear();
         }
         MacTest::TearDown();
     }
@@ -85,6 +95,7 @@ protected:
     [[nodiscard]] QWidget* someWidget() { return reinterpret_cast<QWidget*>(&place_); }
 
     Calls calls;
+    std::vector<id> areaOwners;
     std::unique_ptr<MacPanel> panel;
 
 private:
@@ -159,6 +170,20 @@ TEST_F(MacPanelTest, ThePointerIsFollowedWhileAnotherApplicationIsActive) {
     }
 }
 
+TEST_F(MacPanelTest, MovesOfThePointerGoToWhomeverTheToolkitHasHandleThem) {
+    @autoreleasepool {
+        NSResponder* const handler = [[NSResponder alloc] init];
+        // One that follows something else, one that has gone, and the one.
+        areaOwners = {[[NSObject alloc] init], nil, handler};
+        setContent(someWidget());
+        NSView* const view = window().contentView.subviews.firstObject;
+        ASSERT_EQ(view.trackingAreas.count, 4U);
+        NSTrackingArea* const added = [view.trackingAreas objectAtIndex:3];
+        EXPECT_EQ(added.owner, handler);
+        EXPECT_TRUE((added.options & NSTrackingActiveAlways) != 0);
+    }
+}
+
 TEST_F(MacPanelTest, ItTakesAFrameWithoutDrawingAtOnce) {
     @autoreleasepool {
         setContent(someWidget());
@@ -201,7 +226,9 @@ TEST_F(MacPanelTest, ItWarmsUpWhereNobodySeesIt) {
         setContent(someWidget());
         panel->setFrame({-10000, -10000, 640, 300});
         panel->orderFront();
+        EXPECT_EQ(window().contentView.layoutCount, 0);
         panel->layOutContent();
+        EXPECT_EQ(window().contentView.layoutCount, 1);
         panel->orderOut();
         EXPECT_THAT(calls, ElementsAre("fill 640 300", "synchronize", "show", "synchronize", "hide"));
         EXPECT_THAT(window().calls, ElementsAre("setFrame", "orderFront", "displayIfNeeded", "orderOut"));
@@ -287,13 +314,13 @@ TEST_F(MacWindowsTest, UtilityWindowsReachUnderATransparentTitleBar) {
     @autoreleasepool {
         NSWindow* const window = makeWindow();
         const auto view = addressOf(window.contentView);
-        configureUtilityWindow(view, false);
+        EXPECT_EQ(configureUtilityWindow(view, false), 28);
         constexpr NSUInteger fixedSize = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
                                          NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskFullSizeContentView;
         EXPECT_EQ(window.styleMask, fixedSize);
         EXPECT_TRUE(window.titlebarAppearsTransparent);
         EXPECT_FALSE(window.releasedWhenClosed);
-        configureUtilityWindow(view, true);
+        EXPECT_EQ(configureUtilityWindow(view, true), 28);
         EXPECT_EQ(window.styleMask, fixedSize | NSWindowStyleMaskResizable);
     }
 }

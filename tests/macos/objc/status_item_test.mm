@@ -19,15 +19,6 @@ NSStatusItem* shownItem() {
     return [NSStatusBar onlyItem];
 }
 
-NSMenuItem* rowTitled(const std::string& title) {
-    for (NSMenuItem* item in shownItem().menu.itemArray) {
-        if (title == item.title.UTF8String) {
-            return item;
-        }
-    }
-    return nil;
-}
-
 class MacStatusItemTest : public MacTest {
 protected:
     void show(const StatusMenu& menu) {
@@ -42,14 +33,6 @@ protected:
     }
     [[nodiscard]] static NSFont* fontOf(NSAttributedString* string) {
         return [string.attributes objectForKey:NSFontAttributeName];
-    }
-    /// One line a row: what the user sees.
-    [[nodiscard]] static std::vector<std::string> shownRows() {
-        std::vector<std::string> lines;
-        for (NSMenuItem* row in shownItem().menu.itemArray) {
-            lines.push_back(row.separatorItem ? "-" : row.view != nil ? "header" : text(row.title));
-        }
-        return lines;
     }
 
     void TearDown() override {
@@ -346,6 +329,7 @@ TEST_F(MacMenuHeaderTest, TheGearLightsUpUnderThePointer) {
         draw();
         ASSERT_EQ(fake_mac::fills().size(), 1U) << "the symbol alone";
         EXPECT_EQ(fake_mac::fills()[0].color, "gearshape");
+        EXPECT_EQ(fake_mac::fills()[0].tint, "label") << "the menu may be dark";
         header().needsDisplay = NO;
         [header() mouseMoved:[NSEvent eventAt:NSMakePoint(241, 29)]];
         expectHover(YES);

@@ -170,20 +170,11 @@ NSMenu* MacProgramTest::menu() {
 }
 
 NSMenuItem* MacProgramTest::row(const std::string& title) {
-    for (NSMenuItem* item in menu().itemArray) {
-        if (title == text(item.title)) {
-            return item;
-        }
-    }
-    return nil;
+    return rowTitled(title);
 }
 
 std::vector<std::string> MacProgramTest::rows() {
-    std::vector<std::string> all;
-    for (NSMenuItem* item in menu().itemArray) {
-        all.push_back(item.separatorItem ? "-" : item.view != nil ? "header" : text(item.title));
-    }
-    return all;
+    return shownRows();
 }
 
 bool MacProgramTest::choose(const std::string& title) {

@@ -55,6 +55,8 @@
 @property(readwrite, strong) NSRunningApplication* frontmostApplication;
 @property(readonly) std::vector<std::string> openedAddresses;
 @property(readonly) std::vector<std::string> revealedPaths;
+/// The files whose icons were asked for.
+@property(readonly) std::vector<std::string> iconPaths;
 @property BOOL refusesToOpen;
 /// Posts the notification with the application, as the system does.
 - (void)post:(NSNotificationName)name application:(NSRunningApplication*)application;
@@ -73,6 +75,11 @@
 + (NSEventMask)lastMonitorMask;
 /// A press of a button that goes to another application: every monitor that wants this kind is told.
 + (void)pressElsewhere:(NSEventType)type;
+@end
+
+@interface NSView ()
+/// How often the view was told to lay out what is in it.
+@property(readonly) int layoutCount;
 @end
 
 @interface NSWindow ()
@@ -108,13 +115,17 @@
 namespace fake_mac {
 
 void forgetAppKit();
-/// Drawing that went to no image: the colours and rectangles of filled paths.
+/// Drawing that went to no image: filled paths, and symbols by their names.
 struct Fill {
     std::string color;
     CGFloat alpha;
     NSRect rect;
     CGFloat radius;
+    /// A symbol's own colour. Nothing tints a template that is drawn like this: it is black.
+    std::string tint;
 };
 [[nodiscard]] std::vector<Fill>& fills();
+/// The sizes of the icons that were drawn into bitmaps.
+[[nodiscard]] std::vector<NSSize>& drawnIconSizes();
 
 }  // namespace fake_mac

@@ -55,6 +55,7 @@ void forgetAppKit() {
     state = {};
     lastMonitorMask = 0;
     fills().clear();
+    drawnIconSizes().clear();
     windows().clear();
 }
 
@@ -119,6 +120,7 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     NSNotificationCenter* _notificationCenter;
     std::vector<std::string> _openedAddresses;
     std::vector<std::string> _revealedPaths;
+    std::vector<std::string> _iconPaths;
 }
 @synthesize runningApplications = _runningApplications;
 @synthesize frontmostApplication = _frontmostApplication;
@@ -156,7 +158,7 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     }
 }
 - (NSImage*)iconForFile:(NSString*)fullPath {
-    static_cast<void>(fullPath);
+    _iconPaths.emplace_back(fullPath.UTF8String);
     return [NSImage icon];
 }
 - (NSImage*)iconForContentType:(UTType*)contentType {
@@ -167,6 +169,9 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
 }
 - (std::vector<std::string>)revealedPaths {
     return _revealedPaths;
+}
+- (std::vector<std::string>)iconPaths {
+    return _iconPaths;
 }
 - (void)post:(NSNotificationName)name application:(NSRunningApplication*)application {
     [self.notificationCenter

@@ -24,6 +24,11 @@ std::vector<Fill>& fills() {
     return all;
 }
 
+std::vector<NSSize>& drawnIconSizes() {
+    static std::vector<NSSize> all;
+    return all;
+}
+
 }  // namespace fake_mac
 
 @implementation NSColor
@@ -184,7 +189,9 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
 }
 - (void)drawInRect:(NSRect)rect {
     _lastDrawnRect = rect;
-    fake_mac::fills().push_back({_symbolName.UTF8String == nullptr ? "image" : _symbolName.UTF8String, 1, rect, 0});
+    NSColor* const color = _isTemplate ? nil : _configuration.paletteColors.firstObject;
+    fake_mac::fills().push_back({_symbolName.UTF8String == nullptr ? "image" : _symbolName.UTF8String, 1, rect, 0,
+                                 color == nil ? "black" : color.name});
 }
 - (void)drawInRect:(NSRect)target
           fromRect:(NSRect)source
@@ -194,6 +201,7 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     if (!_isIcon || source.size.width > 0 || operation != NSCompositingOperationCopy || fraction < 1) {
         return;
     }
+    fake_mac::drawnIconSizes().push_back(_size);
     for (NSInteger row = 0; row < static_cast<NSInteger>(target.size.height); ++row) {
         auto* const line = reinterpret_cast<std::uint32_t*>(bitmap.bitmapData + row * bitmap.bytesPerRow);
         for (NSInteger column = 0; column < static_cast<NSInteger>(target.size.width); ++column) {
@@ -270,6 +278,6 @@ NSColorSpaceName const NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
     return path;
 }
 - (void)fill {
-    fake_mac::fills().push_back({currentColor, currentAlpha, _rect, _radius});
+    fake_mac::fills().push_back({currentColor, currentAlpha, _rect, _radius, {}});
 }
 @end

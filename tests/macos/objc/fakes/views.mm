@@ -60,6 +60,7 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 @synthesize autoresizingMask = _autoresizingMask;
 @synthesize needsDisplay = _needsDisplay;
 @synthesize enclosingMenuItem = _enclosingMenuItem;
+@synthesize layoutCount = _layoutCount;
 - (instancetype)initWithFrame:(NSRect)frameRect {
     self = [super init];
     _frame = frameRect;
@@ -103,6 +104,7 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
     return NSMakePoint(point.x - _frame.origin.x, point.y - _frame.origin.y);
 }
 - (void)layoutSubtreeIfNeeded {
+    ++_layoutCount;
 }
 - (void)drawRect:(NSRect)dirtyRect {
     static_cast<void>(dirtyRect);
@@ -230,6 +232,11 @@ void registerWindow(NSWindow* window);
 }
 - (NSRect)frame {
     return _frame;
+}
+- (NSRect)contentLayoutRect {
+    constexpr CGFloat titleBarHeight = 28;
+    const bool isTitled = (_styleMask & NSWindowStyleMaskTitled) != 0;
+    return NSMakeRect(0, 0, _frame.size.width, _frame.size.height - (isTitled ? titleBarHeight : 0));
 }
 - (void)setFrame:(NSRect)frameRect display:(BOOL)flag {
     _frame = frameRect;

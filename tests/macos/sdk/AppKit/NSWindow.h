@@ -67,6 +67,7 @@ static const NSWindowLevel NSScreenSaverWindowLevel = 1000;
 @property(getter=isMovable) BOOL movable;
 @property BOOL acceptsMouseMovedEvents;
 @property BOOL titlebarAppearsTransparent;
+@property(readonly) NSRect contentLayoutRect;
 @property(readonly, getter=isVisible) BOOL visible;
 @property(readonly) BOOL canBecomeKeyWindow;
 @property(readonly) BOOL canBecomeMainWindow;

@@ -25,6 +25,9 @@ static inline NSSize NSMakeSize(CGFloat width, CGFloat height) {
 static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
     return {{x, y}, {width, height}};
 }
+static inline CGFloat NSMaxY(NSRect rect) {
+    return rect.origin.y + rect.size.height;
+}
 static inline NSEdgeInsets NSEdgeInsetsMake(CGFloat top, CGFloat left, CGFloat bottom, CGFloat right) {
     return {top, left, bottom, right};
 }

@@ -1,0 +1,36 @@
+# Reads each declaration as a compiler does where Apple's headers are, of which there is an empty one here.
+#   cmake -DCOMPILER=… -DSDK=… -DWORK=… -P refusing_headers_test.cmake
+
+# preprocess(<result variable> <header> [<option>…])
+function(preprocess result header)
+  execute_process(COMMAND ${COMPILER} -x c++ -std=c++20 -E ${ARGN} -isystem ${SDK} ${header}
+                  RESULT_VARIABLE code ERROR_VARIABLE errors OUTPUT_QUIET)
+  if(code EQUAL 0)
+    set(${result} accepted PARENT_SCOPE)
+  elseif(errors MATCHES "is for checks on Linux: take it off the include path")
+    set(${result} refused PARENT_SCOPE)
+  else()
+    set(${result} "broken: ${errors}" PARENT_SCOPE)
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+file(WRITE ${WORK}/libkern/OSAtomic.h "")
+file(GLOB_RECURSE headers ${SDK}/*.h)
+list(LENGTH headers count)
+if(count EQUAL 0)
+  message(FATAL_ERROR "There are no declarations in ${SDK}.")
+endif()
+foreach(header IN LISTS headers)
+  preprocess(result ${header} -isystem ${WORK})
+  if(NOT result STREQUAL refused)
+    message(SEND_ERROR "Beside Apple's headers, ${header} is not refused: ${result}")
+  endif()
+endforeach()
+if(NOT CMAKE_HOST_APPLE)
+  # Otherwise the test could not tell why they are refused.
+  preprocess(result ${SDK}/FerrowynChecksOnly.h)
+  if(NOT result STREQUAL accepted)
+    message(SEND_ERROR "Without Apple's headers, the declarations are not accepted: ${result}")
+  endif()
+endif()
