@@ -11,6 +11,7 @@ namespace ferrowyn {
 std::unique_ptr<ApplicationService> offerOnBus(MainLoop& mainLoop, OutsideRequests& requests,
                                                const std::optional<std::string>& busAddress) {
     std::vector<std::string> actions;
+    actions.reserve(programRequestNames.size());
     for (const auto& [request, name] : programRequestNames) {
         actions.emplace_back(name);
     }
