@@ -1,6 +1,7 @@
 #include "platform/qt/qt_http_client.h"
 
 #include <QCoreApplication>
+#include <QHostAddress>
 #include <QNetworkProxyFactory>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -11,6 +12,7 @@
 
 #include "platform/background_work.h"
 #include "platform/main_loop.h"
+#include "platform/qt/qt_name_lookups.h"
 
 namespace ferrowyn {
 
@@ -93,6 +95,9 @@ void QtHttpClient::Exchange::start(QNetworkAccessManager& manager, const QSslCon
     if (!completion_) {
         return;
     }
+    if (QHostAddress(address_.host()).isNull()) {
+        name_lookups::noteUnderWay();
+    }
     auto request = requestFor(address_);
     request.setSslConfiguration(configuration);
     reply_ = manager.get(request);
@@ -139,6 +144,8 @@ void QtHttpClient::Exchange::readBody() {
 }
 
 void QtHttpClient::Exchange::readEnd() {
+    // Only here: a request that is given up leaves its lookup behind.
+    name_lookups::noteDone();
     readBody();
     if (completion_) {
         finish(result());

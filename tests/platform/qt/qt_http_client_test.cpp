@@ -3,6 +3,7 @@
 #include <QEventLoop>
 #include <QTcpServer>
 #include <chrono>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 
@@ -230,6 +231,38 @@ TEST_F(QtHttpClientTest, ARequestMayOutliveTheClientUnheard) {
     }
     EXPECT_EQ(response({address("text")}).status, 200);
     EXPECT_FALSE(wasTold);
+}
+
+/// A name is being looked up, or nobody answers yet, when the process ends.
+[[noreturn]] void endWhileWaitingForAnAnswer(bool isGivenUp) {
+    constexpr int status = 7;
+    QTcpServer silent;
+    silent.listen(QHostAddress::LocalHost);
+    QtMainLoop mainLoop;
+    QtBackgroundWork backgroundWork;
+    QtHttpClient client(mainLoop, backgroundWork);
+    auto token = client.get({"https://localhost:" + std::to_string(silent.serverPort()) + "/"}, [](const auto&) {});
+    while (!silent.hasPendingConnections()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    if (isGivenUp) {
+        token.reset();
+    }
+    std::exit(status);
+}
+
+TEST(QtHttpClientDeathTest, TheProcessEndsWithItsStatusAndNoDestructorsWhileARequestIsUnderWay) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    qputenv("no_proxy", "localhost");
+    for (const bool isGivenUp : {false, true}) {
+        EXPECT_EXIT(
+            {
+                // As a destructor of a static object; those that were made first go last.
+                std::atexit([] { std::_Exit(EXIT_FAILURE); });
+                endWhileWaitingForAnAnswer(isGivenUp);
+            },
+            testing::ExitedWithCode(7), "");
+    }
 }
 
 // --- the update check over a real connection
