@@ -1,26 +1,15 @@
 #include "ui/fitting_scroll_area.h"
 
-#include <QEvent>
 #include <QScreen>
 #include <QScrollBar>
 #include <algorithm>
 
-#include "ui/thin_scroll_bar.h"
 #include "ui/window_metrics.h"
 
 namespace ferrowyn {
 
 FittingScrollArea::FittingScrollArea(std::unique_ptr<QWidget> content) {
-    setFrameShape(QFrame::NoFrame);
-    setWidgetResizable(true);
-    setVerticalScrollBar(new ThinScrollBar(this));
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setFocusPolicy(Qt::NoFocus);
-    viewport()->setAutoFillBackground(false);
-    QWidget* const shown = content.release();
-    setWidget(shown);
-    // The area would have it filled in the palette's own colour.
-    shown->setAutoFillBackground(false);
+    setContent(content.release());
 }
 
 QSize FittingScrollArea::contentSize() const {
@@ -40,14 +29,6 @@ QSize FittingScrollArea::sizeHint() const {
         return needed;
     }
     return {needed.width() + verticalScrollBar()->sizeHint().width(), room};
-}
-
-bool FittingScrollArea::eventFilter(QObject* watched, QEvent* event) {
-    const bool isHandled = QScrollArea::eventFilter(watched, event);
-    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
-        updateGeometry();
-    }
-    return isHandled;
 }
 
 }  // namespace ferrowyn

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QScrollArea>
 #include <memory>
+
+#include "ui/plain_scroll_area.h"
 
 namespace ferrowyn {
 
 /// Asks for as much room as its content needs, but for no more than the screen has: there the content scrolls
 /// downward, so that its last button can still be reached. Main thread.
-class FittingScrollArea final : public QScrollArea {
+class FittingScrollArea final : public PlainScrollArea {
     Q_OBJECT
 
 public:
@@ -15,9 +16,6 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     [[nodiscard]] QSize contentSize() const;

@@ -1,13 +1,12 @@
 #include "ui/settings_pane_view.h"
 
-#include <QEvent>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <utility>
 
 #include "ui/accessible_roles.h"
 #include "ui/settings_group.h"
 #include "ui/text_label.h"
-#include "ui/thin_scroll_bar.h"
 #include "ui/translated.h"
 
 namespace ferrowyn {
@@ -35,30 +34,14 @@ SettingsPaneView::SettingsPaneView(const Phrase& title) {
     // What is added later stands before it.
     column_->addStretch(1);
 
-    setFrameShape(QFrame::NoFrame);
-    setWidgetResizable(true);
-    setVerticalScrollBar(new ThinScrollBar(this));
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setFocusPolicy(Qt::NoFocus);
-    viewport()->setAutoFillBackground(false);
-    setWidget(form);
-    // The area would have it filled in the palette's own colour.
-    form->setAutoFillBackground(false);
+    setContent(form);
     setAccessibleRole(*this, QAccessible::Pane);
     setAccessibleName(translated(title));
 }
 
 QSize SettingsPaneView::minimumSizeHint() const {
     return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(),
-            QScrollArea::minimumSizeHint().height()};
-}
-
-bool SettingsPaneView::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
-        // A control has come or gone, and the area asks for nothing by itself.
-        updateGeometry();
-    }
-    return QScrollArea::eventFilter(watched, event);
+            PlainScrollArea::minimumSizeHint().height()};
 }
 
 SettingsGroup& SettingsPaneView::addGroup() {

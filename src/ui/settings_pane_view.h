@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QScrollArea>
 #include <vector>
 
 #include "core/phrase.h"
 #include "core/subscription.h"
+#include "ui/plain_scroll_area.h"
 
 class QVBoxLayout;
 
@@ -13,7 +13,7 @@ namespace ferrowyn {
 class SettingsGroup;
 
 /// A page of the settings window: its title over groups of rows, which scroll when they do not fit. Main thread.
-class SettingsPaneView : public QScrollArea {
+class SettingsPaneView : public PlainScrollArea {
     Q_OBJECT
 
 public:
@@ -23,8 +23,6 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
     SettingsGroup& addGroup();
     /// The section's title stands over the box and names it.
     SettingsGroup& addGroup(const Phrase& sectionTitle);

@@ -52,7 +52,7 @@ std::optional<xcb_window_t> X11DesktopModel::reviewExpectation() {
     }
     if (expectation_->window == activeWindow_) {
         expectation_->isReached = true;
-        if (!expectation_->isAcrossDesktops) {
+        if (expectation_->path == Path::onOneDesktop) {
             expectation_.reset();
         }
         return std::nullopt;
@@ -63,7 +63,7 @@ std::optional<xcb_window_t> X11DesktopModel::reviewExpectation() {
         return std::nullopt;
     }
     const xcb_window_t expected = expectation_->window;
-    expectActive(expected);
+    expectActive(expected, Path::onOneDesktop);
     return expected;
 }
 

@@ -28,14 +28,15 @@ public:
     void apply(const X11RootFacts& root, bool isWindowManagerRunning, std::vector<X11WindowFacts> changedWindows);
     void noteTitleChanged(xcb_window_t window);
 
+    enum class Path {
+        onOneDesktop,
+        /// The manager focuses a window of its own choice first. That one's application may take the focus late, when
+        /// the right window has it already: see `focusThefts`.
+        acrossDesktops,
+    };
     /// An activation of this window is under way. What else becomes active on the way there (the window that a manager
     /// focuses first when it switches desktops) is not the user's choice and is announced only if it stays.
-    void expectActive(xcb_window_t window) { expectation_ = Expectation{.window = window, .isAcrossDesktops = false}; }
-    /// The same, with a change of desktops before it, for which the manager focuses a window of its own choice. The
-    /// application of that window may take the focus late, when the right window has it already: see `focusThefts`.
-    void expectActiveAcrossDesktops(xcb_window_t window) {
-        expectation_ = Expectation{.window = window, .isAcrossDesktops = true};
-    }
+    void expectActive(xcb_window_t window, Path path) { expectation_ = Expectation{.window = window, .path = path}; }
     void stopExpectingActive();
     /// A session starts while this window is the active one, which the events need not have told yet. It starts from
     /// the window that an activation under way leads to, if there is one: a second quick switch leads back.
@@ -75,7 +76,7 @@ private:
 
     struct Expectation {
         xcb_window_t window;
-        bool isAcrossDesktops;
+        Path path;
         bool isReached = false;
     };
 

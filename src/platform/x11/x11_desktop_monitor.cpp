@@ -187,23 +187,14 @@ bool X11DesktopMonitor::collectManagerCheck(const X11RootFacts& root, xcb_get_pr
     return root.supportingWmCheck != XCB_WINDOW_NONE && claimed == root.supportingWmCheck;
 }
 
-void X11DesktopMonitor::expectActive(xcb_window_t window) {
-    model_.expectActive(window);
-    endExpectationLater();
-}
-
-void X11DesktopMonitor::expectActiveAcrossDesktops(xcb_window_t window) {
-    model_.expectActiveAcrossDesktops(window);
-    endExpectationLater();
+void X11DesktopMonitor::expectActive(xcb_window_t window, X11DesktopModel::Path path) {
+    model_.expectActive(window, path);
+    expectation_ = mainLoop_.after(activationGrace, [this] { model_.stopExpectingActive(); });
 }
 
 void X11DesktopMonitor::stopExpectingActive() {
     expectation_.reset();
     model_.stopExpectingActive();
-}
-
-void X11DesktopMonitor::endExpectationLater() {
-    expectation_ = mainLoop_.after(activationGrace, [this] { model_.stopExpectingActive(); });
 }
 
 }  // namespace ferrowyn

@@ -32,8 +32,7 @@ public:
     [[nodiscard]] X11EventConnection& connection() { return connection_; }
 
     /// See `X11DesktopModel::expectActive`; ends by itself after a moment.
-    void expectActive(xcb_window_t window);
-    void expectActiveAcrossDesktops(xcb_window_t window);
+    void expectActive(xcb_window_t window, X11DesktopModel::Path path);
     void stopExpectingActive();
     void startSessionFrom(xcb_window_t active) { model_.startSessionFrom(active); }
 
@@ -58,7 +57,6 @@ private:
     void readWindows(const X11RootFacts& root);
     void subscribeToWindows(const std::vector<xcb_window_t>& windows);
     [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
-    void endExpectationLater();
     [[nodiscard]] xcb_get_property_cookie_t requestManagerCheck(const X11RootFacts& root);
     [[nodiscard]] bool collectManagerCheck(const X11RootFacts& root, xcb_get_property_cookie_t cookie);
 

@@ -59,11 +59,12 @@ void X11WindowControl::requestActivation(xcb_window_t window) {
     requested_ = window;
     requestEnd_ = mainLoop_.after(requestLifetime, [this] { requested_.reset(); });
     requestTime_ = userTime();
-    const auto* const facts = monitor_.model().find(window);
-    if (facts == nullptr || !facts->desktop || facts->isOnDesktop(monitor_.model().currentDesktop())) {
-        monitor_.expectActive(window);
-    } else {
-        monitor_.expectActiveAcrossDesktops(window);
+    const auto& model = monitor_.model();
+    const auto* const facts = model.find(window);
+    const bool changesDesktop = facts != nullptr && facts->desktop && !facts->isOnDesktop(model.currentDesktop());
+    using Path = X11DesktopModel::Path;
+    monitor_.expectActive(window, changesDesktop ? Path::acrossDesktops : Path::onOneDesktop);
+    if (changesDesktop) {
         // Left to themselves some managers bring the window here instead of taking the user there.
         sendToManager(monitor_.connection().root(), atoms_.netCurrentDesktop, {*facts->desktop, requestTime_, 0, 0, 0});
     }

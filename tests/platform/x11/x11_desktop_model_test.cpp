@@ -11,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Path = X11DesktopModel::Path;
 
 constexpr xcb_window_t here = 1, there = 2, neighbour = 3, dialog = 4;
 
@@ -52,7 +53,7 @@ protected:
 };
 
 TEST_F(X11DesktopModelTest, WhatIsFocusedOnTheWayIsNotAnnounced) {
-    model.expectActive(there);
+    model.expectActive(there, Path::onOneDesktop);
     becomesActive(neighbour);
     becomesActive(XCB_WINDOW_NONE);
     becomesActive(there);
@@ -60,14 +61,14 @@ TEST_F(X11DesktopModelTest, WhatIsFocusedOnTheWayIsNotAnnounced) {
 }
 
 TEST_F(X11DesktopModelTest, WhatIsFocusedOnTheWayIsAnnouncedIfItStays) {
-    model.expectActive(there);
+    model.expectActive(there, Path::onOneDesktop);
     becomesActive(neighbour);
     model.stopExpectingActive();
     EXPECT_THAT(focused, ElementsAre(neighbour));
 }
 
 TEST_F(X11DesktopModelTest, OnOneDesktopWhatFollowsTheExpectedWindowIsTheUsersChoice) {
-    model.expectActive(there);
+    model.expectActive(there, Path::onOneDesktop);
     becomesActive(there);
     becomesActive(neighbour);
     EXPECT_THAT(focused, ElementsAre(there, neighbour));
@@ -75,7 +76,7 @@ TEST_F(X11DesktopModelTest, OnOneDesktopWhatFollowsTheExpectedWindowIsTheUsersCh
 }
 
 TEST_F(X11DesktopModelTest, AcrossDesktopsALateAnswerToAnOfferOfTheFocusIsATheft) {
-    model.expectActiveAcrossDesktops(there);
+    model.expectActive(there, Path::acrossDesktops);
     becomesActive(there);
     becomesActive(neighbour);
     EXPECT_THAT(stolenFrom, ElementsAre(there));
@@ -84,7 +85,7 @@ TEST_F(X11DesktopModelTest, AcrossDesktopsALateAnswerToAnOfferOfTheFocusIsATheft
 }
 
 TEST_F(X11DesktopModelTest, TheFocusIsClaimedBackOnce) {
-    model.expectActiveAcrossDesktops(there);
+    model.expectActive(there, Path::acrossDesktops);
     becomesActive(there);
     becomesActive(neighbour);
     becomesActive(there);
@@ -94,7 +95,7 @@ TEST_F(X11DesktopModelTest, TheFocusIsClaimedBackOnce) {
 }
 
 TEST_F(X11DesktopModelTest, AThiefThatKeepsTheFocusIsAnnouncedInTheEnd) {
-    model.expectActiveAcrossDesktops(there);
+    model.expectActive(there, Path::acrossDesktops);
     becomesActive(there);
     becomesActive(neighbour);
     model.stopExpectingActive();
@@ -102,14 +103,14 @@ TEST_F(X11DesktopModelTest, AThiefThatKeepsTheFocusIsAnnouncedInTheEnd) {
 }
 
 TEST_F(X11DesktopModelTest, ADialogMayHaveTheFocusOfItsWindow) {
-    model.expectActiveAcrossDesktops(there);
+    model.expectActive(there, Path::acrossDesktops);
     becomesActive(there);
     becomesActive(dialog);
     EXPECT_THAT(stolenFrom, IsEmpty());
 }
 
 TEST_F(X11DesktopModelTest, ASessionAfterATheftStartsFromTheWindowThatTheUserChose) {
-    model.expectActiveAcrossDesktops(there);
+    model.expectActive(there, Path::acrossDesktops);
     becomesActive(there);
     becomesActive(neighbour);
     model.startSessionFrom(neighbour);

@@ -1,12 +1,12 @@
 #include "tests/x11/harness/accessibility_client.h"
 
-#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QTimer>
 #include <algorithm>
 #include <stdexcept>
+
+#include "tests/x11/harness/toolkit_wait.h"
 
 namespace ferrowyn::x11test {
 
@@ -268,16 +268,8 @@ void AccessibilityClient::settle() const {
 }
 
 bool AccessibilityClient::waitUntil(const std::function<bool()>& predicate, milliseconds budget) const {
-    const Deadline deadline(budget);
-    QTimer tick;
-    tick.start(20);
-    while (!predicate()) {
-        if (deadline.hasPassed()) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    }
-    return true;
+    // Each look asks the programs for all that they show.
+    return runToolkitUntil(predicate, budget, milliseconds{20});
 }
 
 }  // namespace ferrowyn::x11test

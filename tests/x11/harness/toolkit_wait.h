@@ -10,9 +10,9 @@ namespace ferrowyn::x11test {
 
 /// Runs the toolkit's loop in this thread until the predicate holds; false at the deadline. What happens outside this
 /// process is looked at again at each tick.
-[[nodiscard]] inline bool runToolkitUntil(const std::function<bool()>& predicate) {
-    constexpr int between = 5;
-    const Deadline deadline(patience);
+[[nodiscard]] inline bool runToolkitUntil(const std::function<bool()>& predicate, milliseconds budget = patience,
+                                          milliseconds between = milliseconds{5}) {
+    const Deadline deadline(budget);
     QTimer tick;
     tick.start(between);
     while (!predicate()) {
