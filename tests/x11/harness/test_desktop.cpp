@@ -245,7 +245,8 @@ std::set<xcb_window_t> TestDesktop::shownTopLevels() const {
                              static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
     std::set<xcb_window_t> shown;
     for (const auto window : children) {
-        if (isShown(window)) {
+        // A tray may take its icon in while this looks, and map it only then: that one is not a window of the screen.
+        if (isShown(window) && isTopLevel(window)) {
             shown.insert(window);
         }
     }
@@ -265,6 +266,12 @@ bool TestDesktop::isShown(xcb_window_t window) const {
     const auto place = placeOf(window);
     return place && place->x + place->width > 0 && place->y + place->height > 0 &&
            place->x < screen_->width_in_pixels && place->y < screen_->height_in_pixels && place->width > smallest;
+}
+
+bool TestDesktop::isTopLevel(xcb_window_t window) const {
+    const auto cookie = xcb_query_tree(connection_, window);
+    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection_, cookie, nullptr));
+    return tree && tree->parent == root();
 }
 
 std::optional<xcb_window_t> TestDesktop::visiblePanel() const {

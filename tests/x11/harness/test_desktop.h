@@ -90,6 +90,7 @@ public:
 
 private:
     [[nodiscard]] bool isShown(xcb_window_t window) const;
+    [[nodiscard]] bool isTopLevel(xcb_window_t window) const;
     void selectRawKeys() const;
     void sendToRoot(xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data);
 
