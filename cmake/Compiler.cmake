@@ -11,10 +11,10 @@ target_compile_features(ferrowyn_compiler INTERFACE cxx_std_20)
 # g++ warns of members that a designated initializer leaves to their default, which is what one is written for.
 target_compile_options(ferrowyn_compiler INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror
                                                    -Wno-missing-field-initializers)
-if(NOT FERROWYN_SANITIZE)
-  # Those builds compile the files of a folder together; whether a name shadows another one is to be judged alone.
-  target_compile_options(ferrowyn_compiler INTERFACE -Wshadow)
-endif()
+# Where files are compiled together, a local name may hide one of another file; g++ can tell that apart.
+set(shadow_together $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
+target_compile_options(ferrowyn_compiler INTERFACE
+                       $<IF:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,${shadow_together},-Wshadow>)
 target_include_directories(ferrowyn_compiler INTERFACE ${CMAKE_SOURCE_DIR}/src)
 
 if(FERROWYN_SANITIZE)
@@ -43,8 +43,7 @@ function(ferrowyn_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;ALONE;PUBLIC;PRIVATE" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC ferrowyn_compiler ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
-  # A sanitizer build is from scratch as often as not: few large files take a fraction of the time of many small ones.
-  if(FERROWYN_SANITIZE)
+  if(FERROWYN_COMPILE_TOGETHER)
     set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
     set_source_files_properties(${ARG_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   endif()

@@ -12,7 +12,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # xcb names a member `explicit`, which its includers must define away; shadowing is for g++ to judge, file by file.
 # Tidy runs clang: it knows neither g++'s precompiled headers nor some of its flags, and needs no sanitizer.
 mkdir -p build/tidy
-sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g; s/ -fsanitize=[^ ]*//g; s/ -fno-sanitize[^ ]*//g; s/ -Wno-(maybe-uninitialized|stringop-overflow|restrict)//g' \
+sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g; s/ -fsanitize=[^ ]*//g; s/ -fno-sanitize[^ ]*//g; s/ -Wno-(maybe-uninitialized|stringop-overflow|restrict)//g; s/ -Wshadow=local//g' \
   build/asan/compile_commands.json >build/tidy/compile_commands.json
 sed -nE 's/^ *"file": "(.*)",?$/\1/p' build/tidy/compile_commands.json |
   grep -E "^$PWD/(src/|build/asan/src/.*/Unity/).*\.(cpp|cxx)$" |
