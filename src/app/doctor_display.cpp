@@ -190,7 +190,7 @@ DoctorFinding DoctorDisplay::secureInput() const {
 }
 
 DoctorFinding DoctorDisplay::compositor() const {
-    if (hasOwner(fmt::format("_NET_WM_CM_S{}", screenNumber()))) {
+    if (hasOwner(fmt::format("_NET_WM_CM_S{}", connection_.screenNumber()))) {
         return {Verdict::good, "compositor", "running", {}};
     }
     return {Verdict::notice, "compositor", "none; the panel is opaque",
@@ -198,7 +198,7 @@ DoctorFinding DoctorDisplay::compositor() const {
 }
 
 bool DoctorDisplay::hasEmbeddingTray() const {
-    return hasOwner(fmt::format("_NET_SYSTEM_TRAY_S{}", screenNumber()));
+    return hasOwner(fmt::format("_NET_SYSTEM_TRAY_S{}", connection_.screenNumber()));
 }
 
 bool DoctorDisplay::isProgramRunning() const {
@@ -210,17 +210,6 @@ bool DoctorDisplay::hasOwner(const std::string& selection) const {
     const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         server, xcb_get_selection_owner(server, connection_.internAtoms({selection}).front()), nullptr));
     return reply != nullptr && reply->owner != XCB_WINDOW_NONE;
-}
-
-int DoctorDisplay::screenNumber() const {
-    int number = 0;
-    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_.get())); screens.rem > 0;
-         xcb_screen_next(&screens), ++number) {
-        if (screens.data->root == connection_.root()) {
-            break;
-        }
-    }
-    return number;
 }
 
 }  // namespace ferrowyn

@@ -30,7 +30,6 @@ public:
 
 private:
     [[nodiscard]] bool hasOwner(const std::string& selection) const;
-    [[nodiscard]] int screenNumber() const;
 
     const X11Connection& connection_;
     std::string display_;

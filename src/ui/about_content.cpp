@@ -34,12 +34,6 @@ int currentYear(const MainLoop& mainLoop) {
     return QDateTime::fromMSecsSinceEpoch(sinceEpoch.count()).date().year();
 }
 
-TextLabel* centred(const Phrase& text, TextStyle style, Tone tone) {
-    auto* const label = new TextLabel(text, style, tone);
-    label->setAlignment(Qt::AlignHCenter);
-    return label;
-}
-
 }  // namespace
 
 AboutContent::AboutContent(const Platform& platform, int iconSize) {
@@ -51,18 +45,18 @@ AboutContent::AboutContent(const Platform& platform, int iconSize) {
     column->setSpacing(0);
     column->addWidget(new ProductIcon(iconSize, name), 0, Qt::AlignHCenter);
     column->addSpacing(belowIcon);
-    column->addWidget(centred(Phrase::verbatim(name.toStdString()), TextStyle::productName, Tone::primary));
+    column->addWidget(TextLabel::centred(Phrase::verbatim(name.toStdString()), TextStyle::productName, Tone::primary));
     column->addSpacing(belowName);
-    column->addWidget(centred(about_lines::versionLine(bundle, texts), TextStyle::note, Tone::secondary));
+    column->addWidget(TextLabel::centred(about_lines::versionLine(bundle, texts), TextStyle::note, Tone::secondary));
     column->addSpacing(belowVersion);
-    column->addWidget(centred({texts.about.tagline, {}}, TextStyle::body, Tone::primary));
+    column->addWidget(TextLabel::centred({texts.about.tagline, {}}, TextStyle::body, Tone::primary));
     column->addSpacing(belowTagline);
     auto* const site =
         new WindowButton(Phrase::verbatim(about_lines::siteName(product_site::homePage)), WindowButton::Look::link);
     column->addWidget(site, 0, Qt::AlignHCenter);
     column->addSpacing(belowSite);
-    column->addWidget(centred(about_lines::copyrightLine(bundle, currentYear(platform.mainLoop), texts),
-                              TextStyle::note, Tone::secondary));
+    column->addWidget(TextLabel::centred(about_lines::copyrightLine(bundle, currentYear(platform.mainLoop), texts),
+                                         TextStyle::note, Tone::secondary));
     connect(site, &QAbstractButton::clicked, this,
             [&workspace = platform.workspace] { workspace.open(product_site::homePage); });
     setAccessibleRole(*this, QAccessible::Grouping);

@@ -17,6 +17,11 @@ double luminance(const QColor& color) {
 
 }  // namespace
 
+QColor withAlpha(QColor color, double alpha) {
+    color.setAlphaF(static_cast<float>(alpha));
+    return color;
+}
+
 QColor blended(const QColor& top, const QColor& ground) {
     const double alpha = top.alphaF();
     const auto mix = [alpha](int over, int under) {

@@ -5,6 +5,11 @@
 /// How readable one colour is on another. Pure functions; any thread.
 namespace ferrowyn::contrast {
 
+/// The least ratio at which text of ordinary size is read with ease, by the same guidelines as `ratio`.
+inline constexpr double readableRatio = 4.5;
+
+/// The colour, as opaque as `alpha` says: 0 (unseen) to 1.
+[[nodiscard]] QColor withAlpha(QColor color, double alpha);
 /// What is seen where `top`, which may be translucent, lies on the opaque `ground`.
 [[nodiscard]] QColor blended(const QColor& top, const QColor& ground);
 /// 1 (the same) to 21 (black on white), as the accessibility guidelines for web content define it. Opaque colours.

@@ -32,12 +32,6 @@ constexpr int belowTagline = 2;
 constexpr int aboveState = 20;
 constexpr int aboveFooter = 18;
 
-TextLabel* centred(const Phrase& text, TextStyle style, Tone tone) {
-    auto* const label = new TextLabel(text, style, tone);
-    label->setAlignment(Qt::AlignHCenter);
-    return label;
-}
-
 QWidget* makeHeader(const BundleInfo& bundle, const WindowTexts& texts) {
     const std::string name = about_lines::productName(bundle);
     auto* const header = new QWidget;
@@ -46,11 +40,11 @@ QWidget* makeHeader(const BundleInfo& bundle, const WindowTexts& texts) {
     column->setSpacing(0);
     column->addWidget(new ProductIcon(iconSize, QString::fromStdString(name)), 0, Qt::AlignHCenter);
     column->addSpacing(belowIcon);
-    column->addWidget(centred(Phrase::verbatim(name), TextStyle::productName, Tone::primary));
+    column->addWidget(TextLabel::centred(Phrase::verbatim(name), TextStyle::productName, Tone::primary));
     column->addSpacing(belowName);
-    column->addWidget(centred({texts.about.tagline, {}}, TextStyle::body, Tone::secondary));
+    column->addWidget(TextLabel::centred({texts.about.tagline, {}}, TextStyle::body, Tone::secondary));
     column->addSpacing(belowTagline);
-    column->addWidget(centred(about_lines::versionLine(bundle, texts), TextStyle::note, Tone::secondary));
+    column->addWidget(TextLabel::centred(about_lines::versionLine(bundle, texts), TextStyle::note, Tone::secondary));
     return header;
 }
 

@@ -27,6 +27,12 @@ TextLabel::TextLabel(const Phrase& text, TextStyle style, Tone tone) : TextLabel
     setPhrase(text);
 }
 
+TextLabel* TextLabel::centred(const Phrase& text, TextStyle style, Tone tone) {
+    auto* const label = new TextLabel(text, style, tone);
+    label->setAlignment(Qt::AlignHCenter);
+    return label;
+}
+
 void TextLabel::setPhrase(const Phrase& text) {
     setText(translated(text));
 }

@@ -19,6 +19,8 @@ class TextLabel final : public QLabel {
 public:
     explicit TextLabel(TextStyle style, Tone tone = Tone::primary, QWidget* parent = nullptr);
     TextLabel(const Phrase& text, TextStyle style, Tone tone = Tone::primary);
+    /// For whoever takes it in: it has no parent yet.
+    [[nodiscard]] static TextLabel* centred(const Phrase& text, TextStyle style, Tone tone);
 
     void setPhrase(const Phrase& text);
     /// An empty name shows none.

@@ -9,16 +9,12 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr double readableRatio = 4.5;
+using contrast::readableRatio;
+using contrast::withAlpha;
 
 /// What palettes say when the desktop told Qt nothing: the colours of Qt's own styles, which nobody chose.
 const std::array toolkitHighlights{QColor(0, 0, 128), QColor(48, 140, 198)};
 const QColor ownAccent(0x2F, 0x6F, 0xED);
-
-QColor withAlpha(QColor color, double alpha) {
-    color.setAlphaF(static_cast<float>(alpha));
-    return color;
-}
 
 /// The least opacity from `preferred` up at which white can be read on the ground.
 QColor readableWhite(const QColor& ground, double preferred) {

@@ -9,12 +9,8 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr double readableRatio = 4.5;
-
-QColor withAlpha(QColor color, double alpha) {
-    color.setAlphaF(static_cast<float>(alpha));
-    return color;
-}
+using contrast::readableRatio;
+using contrast::withAlpha;
 
 QColor lightenedFor(const QColor& color, const QColor& ground, double minimumRatio) {
     constexpr int steps = 50;

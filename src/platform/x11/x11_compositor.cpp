@@ -8,25 +8,11 @@
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
-namespace {
-
-/// The selection of the screen that is used: its number is its place among the server's screens.
-std::string selectionName(const X11Connection& connection) {
-    int number = 0;
-    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get())); screens.rem > 0;
-         xcb_screen_next(&screens), ++number) {
-        if (screens.data->root == connection.root()) {
-            break;
-        }
-    }
-    return "_NET_WM_CM_S" + std::to_string(number);
-}
-
-}  // namespace
 
 X11Compositor::X11Compositor(X11PanelEvents& events) {
     xcb_connection_t* const connection = events.get();
-    selection_ = events.connection().internAtoms({selectionName(events.connection())}).front();
+    const std::string selection = "_NET_WM_CM_S" + std::to_string(events.connection().screenNumber());
+    selection_ = events.connection().internAtoms({selection}).front();
     if (const auto* const extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
         extension != nullptr && extension->present != 0) {
         firstEvent_ = extension->first_event;

@@ -5,17 +5,18 @@
 namespace ferrowyn {
 
 std::unique_ptr<X11Connection> X11Connection::open(const char* display) {
-    int screenNumber = 0;
-    xcb_connection_t* const connection = xcb_connect(display, &screenNumber);
+    int wanted = 0;
+    xcb_connection_t* const connection = xcb_connect(display, &wanted);
     if (xcb_connection_has_error(connection) != 0) {
         xcb_disconnect(connection);  // also frees a connection that failed
         return nullptr;
     }
+    int number = 0;
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; screenNumber > 0 && screens.rem > 1; --screenNumber) {
+    for (; number < wanted && screens.rem > 1; ++number) {
         xcb_screen_next(&screens);
     }
-    return std::unique_ptr<X11Connection>(new X11Connection(connection, screens.data));
+    return std::unique_ptr<X11Connection>(new X11Connection(connection, screens.data, number));
 }
 
 X11Connection::~X11Connection() {

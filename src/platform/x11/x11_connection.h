@@ -25,6 +25,8 @@ public:
     [[nodiscard]] xcb_connection_t* get() const { return connection_; }
     [[nodiscard]] xcb_screen_t* screen() const { return screen_; }
     [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+    /// The screen's place among the server's, from 0: the selections of one screen end with it.
+    [[nodiscard]] int screenNumber() const { return screenNumber_; }
     [[nodiscard]] int fileDescriptor() const { return xcb_get_file_descriptor(connection_); }
     /// False once the connection is lost; it never comes back.
     [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
@@ -34,10 +36,12 @@ public:
     }
 
 private:
-    X11Connection(xcb_connection_t* connection, xcb_screen_t* screen) : connection_(connection), screen_(screen) {}
+    X11Connection(xcb_connection_t* connection, xcb_screen_t* screen, int screenNumber)
+        : connection_(connection), screen_(screen), screenNumber_(screenNumber) {}
 
     xcb_connection_t* connection_;
     xcb_screen_t* screen_;
+    int screenNumber_;
 };
 
 }  // namespace ferrowyn

@@ -17,17 +17,6 @@ constexpr int largestSide = 64;
 /// Of the tray's colours, three channels each: for text, for an error, a warning and a success.
 constexpr std::size_t colorChannels = 12;
 
-std::string selectionName(const X11Connection& connection) {
-    int number = 0;
-    for (auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection.get())); screen.rem > 0;
-         xcb_screen_next(&screen), ++number) {
-        if (screen.data->root == connection.root()) {
-            break;
-        }
-    }
-    return "_NET_SYSTEM_TRAY_S" + std::to_string(number);
-}
-
 void listen(xcb_connection_t* connection, xcb_window_t window, std::uint32_t mask) {
     xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &mask);
 }
@@ -40,7 +29,7 @@ X11TrayIcon::X11TrayIcon(std::unique_ptr<X11Connection> connection, MainLoop& ma
       events_(
           std::move(connection), [this](const xcb_generic_event_t& event) { handle(event); },
           [this] { isMapped_ = false; }) {
-    const std::string selection = selectionName(events_.connection());
+    const std::string selection = "_NET_SYSTEM_TRAY_S" + std::to_string(events_.connection().screenNumber());
     const auto atoms = events_.connection().internAtoms(
         {selection, "MANAGER", "_NET_SYSTEM_TRAY_OPCODE", "_NET_SYSTEM_TRAY_VISUAL", "_NET_SYSTEM_TRAY_COLORS"});
     atoms_ = {atoms[0], atoms[1], atoms[2], atoms[3], atoms[4]};
