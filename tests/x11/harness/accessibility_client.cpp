@@ -261,6 +261,8 @@ void AccessibilityClient::settle() const {
     // An answer of the program itself: its connection answers some questions from a thread of its own.
     const auto ask = [this](const AccessibleReference& whom) { static_cast<void>(call(whom, accessible, "GetRole")); };
     for (const auto& program : children({registry, rootPath})) {
+        // Asked twice: it may find the first question together with a key, and answers before it looks at the key.
+        ask(program);
         ask(program);
         ask({registry, rootPath});
         ask(program);
