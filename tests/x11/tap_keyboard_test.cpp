@@ -3,7 +3,10 @@
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
+#include <algorithm>
 #include <optional>
+#include <span>
+#include <vector>
 
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/harness/child_process.h"
@@ -95,6 +98,59 @@ protected:
     /// `waitUntil` holds the lock that `typed` takes: reads what `typed` reads, on a copy.
     static std::u16string typedBy(TapRig& rig) { return rig.typedWhileWaiting(); }
 
+    /// The slave keyboard that came last; nothing where there is none.
+    [[nodiscard]] std::optional<xcb_input_device_id_t> latestKeyboard() const {
+        auto* const connection = desktop.connection();
+        const XcbReply<xcb_input_xi_query_device_reply_t> devices(
+            xcb_input_xi_query_device_reply(connection, xcb_input_xi_query_device(connection, 0), nullptr));
+        std::optional<xcb_input_device_id_t> latest;
+        for (auto device = xcb_input_xi_query_device_infos_iterator(devices.get()); device.rem > 0;
+             xcb_input_xi_device_info_next(&device)) {
+            if (device.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD) {
+                latest = device.data->deviceid;
+            }
+        }
+        return latest;
+    }
+    /// What the tap has grabbed, nobody else can: that is how it shows.
+    [[nodiscard]] bool isTabGrabbed(xcb_input_device_id_t keyboard, std::uint32_t modifiers) const {
+        auto* const connection = desktop.connection();
+        const std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+        const XcbReply<xcb_input_xi_passive_grab_device_reply_t> reply(xcb_input_xi_passive_grab_device_reply(
+            connection,
+            xcb_input_xi_passive_grab_device(connection, XCB_CURRENT_TIME, desktop.root(), XCB_CURSOR_NONE, key::tab,
+                                             keyboard, 1, 1, XCB_INPUT_GRAB_TYPE_KEYCODE, 1, 1, 0, &mask, &modifiers),
+            nullptr));
+        EXPECT_NE(reply, nullptr);
+        const bool isRefused = reply != nullptr && reply->num_modifiers == 1;
+        if (!isRefused) {
+            xcb_input_xi_passive_ungrab_device(connection, desktop.root(), key::tab, keyboard, 1,
+                                               XCB_INPUT_GRAB_TYPE_KEYCODE, &modifiers);
+        }
+        return isRefused;
+    }
+    /// No key sets the modifier any more, and the tap knows it.
+    void removeModifierKeys(TapRig& rig, xcb_map_index_t modifier) {
+        auto* const connection = desktop.connection();
+        const XcbReply<xcb_get_modifier_mapping_reply_t> map(
+            xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr));
+        ASSERT_NE(map, nullptr);
+        const std::size_t perModifier = map->keycodes_per_modifier;
+        const std::span keys(xcb_get_modifier_mapping_keycodes(map.get()), 8 * perModifier);
+        std::ranges::fill(keys.subspan(modifier * perModifier, perModifier), xcb_keycode_t{0});
+        const XcbReply<xcb_set_modifier_mapping_reply_t> reply(xcb_set_modifier_mapping_reply(
+            connection, xcb_set_modifier_mapping(connection, map->keycodes_per_modifier, keys.data()), nullptr));
+        ASSERT_NE(reply, nullptr);
+        ASSERT_EQ(reply->status, XCB_MAPPING_STATUS_SUCCESS);
+        ASSERT_TRUE(rig.settle());
+    }
+    /// Whether the lock is on, whichever key has set it.
+    [[nodiscard]] bool isCapsLockOn() const {
+        const XcbReply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
+            desktop.connection(), xcb_query_pointer(desktop.connection(), desktop.root()), nullptr));
+        return pointer != nullptr && (pointer->mask & XCB_MOD_MASK_LOCK) != 0;
+    }
+
     void expectNothingLeft() {
         EXPECT_TRUE(desktop.waitForUntouchedKeyboard())
             << (desktop.anyKeyIsDown() ? "a key is stuck" : "a grab is left");
@@ -118,6 +174,41 @@ TEST_F(TapKeyboardTest, LocksDoNotHideTheTriggerAndNeverAppearInTheFlags) {
     for (const auto& event : rig.seen()) {
         EXPECT_THAT(event.flags, testing::AnyOf(0U, event_flags::option));
     }
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, CapsLockDoesNotHideTheTriggerOnceItsKeyIsGone) {
+    TapRig rig(server.display(), {});
+    input.tap(key::capsLock);
+    removeModifierKeys(rig, XCB_MAP_INDEX_LOCK);
+    ASSERT_TRUE(isCapsLockOn());
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, OnlyTheLocksThatTheMapLosesAreGivenBack) {
+    constexpr std::uint32_t alt = XCB_MOD_MASK_1;
+    constexpr std::uint32_t numLock = XCB_MOD_MASK_2;
+    TapRig rig(server.display(), {});
+    ASSERT_TRUE(rig.settle());
+    const auto keyboard = latestKeyboard();
+    ASSERT_TRUE(keyboard);
+    EXPECT_TRUE(isTabGrabbed(*keyboard, alt | numLock));
+
+    removeModifierKeys(rig, XCB_MAP_INDEX_2);
+    EXPECT_FALSE(isTabGrabbed(*keyboard, alt | numLock));
+    EXPECT_TRUE(isTabGrabbed(*keyboard, alt));
+    EXPECT_TRUE(isTabGrabbed(*keyboard, alt | XCB_MOD_MASK_LOCK));
+    toggle();
+    ASSERT_TRUE(rig.waitForClosed(1));
+
+    setKeyboard({"us"});
+    ASSERT_TRUE(rig.settle());
+    EXPECT_TRUE(isTabGrabbed(*keyboard, alt | numLock));
+    input.tap(key::numLock);
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(2));
     expectNothingLeft();
 }
 
@@ -581,6 +672,7 @@ TEST_F(TapKeyboardTest, TellsWhenTheUserLastActedAndWhereThePointerIs) {
 
 TEST_F(TapKeyboardTest, AKeyboardThatIsPluggedInGetsItsGrabs) {
     TapRig rig(server.display(), {});
+    const auto before = latestKeyboard();
     // A second pair of masters brings test devices of its own: a new slave keyboard, as plugging one in does.
     auto* const connection = desktop.connection();
     struct {
@@ -597,26 +689,10 @@ TEST_F(TapKeyboardTest, AKeyboardThatIsPluggedInGetsItsGrabs) {
         xcb_request_check(connection, xcb_input_xi_change_hierarchy_checked(connection, 1, raw)));
     ASSERT_EQ(error, nullptr);
     ASSERT_TRUE(rig.settle());
-    const XcbReply<xcb_input_xi_query_device_reply_t> devices(
-        xcb_input_xi_query_device_reply(connection, xcb_input_xi_query_device(connection, 0), nullptr));
-    std::optional<xcb_input_device_id_t> added;
-    for (auto device = xcb_input_xi_query_device_infos_iterator(devices.get()); device.rem > 0;
-         xcb_input_xi_device_info_next(&device)) {
-        if (device.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD) {
-            added = device.data->deviceid;
-        }
-    }
+    const auto added = latestKeyboard();
     ASSERT_TRUE(added);
-    // What the tap has grabbed, nobody else can: that is how it shows.
-    const std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
-    const std::uint32_t alt = XCB_MOD_MASK_1;
-    const XcbReply<xcb_input_xi_passive_grab_device_reply_t> refused(xcb_input_xi_passive_grab_device_reply(
-        connection,
-        xcb_input_xi_passive_grab_device(connection, XCB_CURRENT_TIME, desktop.root(), XCB_CURSOR_NONE, key::tab,
-                                         *added, 1, 1, XCB_INPUT_GRAB_TYPE_KEYCODE, 1, 1, 0, &mask, &alt),
-        nullptr));
-    ASSERT_NE(refused, nullptr);
-    EXPECT_EQ(refused->num_modifiers, 1);
+    ASSERT_NE(*added, before);
+    EXPECT_TRUE(isTabGrabbed(*added, XCB_MOD_MASK_1));
     toggle();
     EXPECT_TRUE(rig.waitForClosed(1));
 }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <utility>
 
@@ -20,6 +21,13 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+
+/// What is in the first of two sorted lists alone.
+std::vector<std::uint32_t> without(const std::vector<std::uint32_t>& list, const std::vector<std::uint32_t>& excluded) {
+    std::vector<std::uint32_t> rest;
+    std::ranges::set_difference(list, excluded, std::back_inserter(rest));
+    return rest;
+}
 
 }  // namespace
 
@@ -51,25 +59,28 @@ void X11KeyboardGrabs::readDevices() {
 }
 
 void X11KeyboardGrabs::install() {
-    std::vector<Target> wanted;
+    std::set<Target> wanted;
     for (const auto& [device, master] : masters_) {
         for (const auto keyCode : keyCodes_) {
-            wanted.push_back({device, keyCode});
+            wanted.insert({device, keyCode});
         }
     }
-    for (auto grab = installed_.begin(); grab != installed_.end();) {
-        const bool isWanted = std::find(wanted.begin(), wanted.end(), grab->first) != wanted.end();
-        if (isWanted && grab->second == modifiers_) {
-            ++grab;
-            continue;
+    // What is grabbed already and still wanted is not touched: given back for however short a time, the key would be
+    // the window manager's.
+    for (auto& [target, modifiers] : installed_) {
+        const auto unwanted = wanted.contains(target) ? without(modifiers, modifiers_) : modifiers;
+        if (!unwanted.empty()) {
+            ungrab(target, unwanted);
+            modifiers = without(modifiers, unwanted);
         }
-        ungrab(grab->first, grab->second);
-        grab = installed_.erase(grab);
     }
+    std::erase_if(installed_, [](const auto& grab) { return grab.second.empty(); });
     std::vector<std::pair<Target, xcb_input_xi_passive_grab_device_cookie_t>> requests;
     for (const auto& target : wanted) {
-        if (!installed_.contains(target)) {
-            requests.emplace_back(target, requestGrab(target));
+        const auto installed = installed_.find(target);
+        const auto missing = installed == installed_.end() ? modifiers_ : without(modifiers_, installed->second);
+        if (!missing.empty()) {
+            requests.emplace_back(target, requestGrab(target, missing));
         }
     }
     for (const auto& [target, cookie] : requests) {
@@ -108,11 +119,12 @@ void X11KeyboardGrabs::ungrab(const Target& target, const std::vector<std::uint3
                                        modifiers.data());
 }
 
-xcb_input_xi_passive_grab_device_cookie_t X11KeyboardGrabs::requestGrab(const Target& target) const {
+xcb_input_xi_passive_grab_device_cookie_t X11KeyboardGrabs::requestGrab(
+    const Target& target, const std::vector<std::uint32_t>& modifiers) const {
     return xcb_input_xi_passive_grab_device(
         connection_.get(), XCB_CURRENT_TIME, connection_.root(), XCB_CURSOR_NONE, target.keyCode, target.device,
-        static_cast<std::uint16_t>(modifiers_.size()), 1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,
-        XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, &keyEvents, modifiers_.data());
+        static_cast<std::uint16_t>(modifiers.size()), 1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,
+        XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, &keyEvents, modifiers.data());
 }
 
 void X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_grab_device_cookie_t cookie) {

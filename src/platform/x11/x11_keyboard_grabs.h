@@ -47,7 +47,8 @@ private:
     };
 
     void ungrab(const Target& target, const std::vector<std::uint32_t>& modifiers);
-    [[nodiscard]] xcb_input_xi_passive_grab_device_cookie_t requestGrab(const Target& target) const;
+    [[nodiscard]] xcb_input_xi_passive_grab_device_cookie_t requestGrab(
+        const Target& target, const std::vector<std::uint32_t>& modifiers) const;
     void readAnswer(const Target& target, xcb_input_xi_passive_grab_device_cookie_t cookie);
 
     const X11Connection& connection_;
@@ -57,7 +58,7 @@ private:
     /// Master of each slave keyboard.
     std::map<xcb_input_device_id_t, xcb_input_device_id_t> masters_;
     xcb_input_device_id_t mainMaster_ = 3;
-    /// With the modifiers it was grabbed with.
+    /// With the modifiers it was grabbed with, in order.
     std::map<Target, std::vector<std::uint32_t>> installed_;
 };
 
