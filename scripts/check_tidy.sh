@@ -9,7 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
   exit 1
 }
 # The Objective-C++ files have checks of their own (scripts/check_macos.sh).
-# xcb names a member `explicit`, which its includers must define away; shadowing is for g++ to judge, file by file.
+# xcb names a member `explicit`, which its includers must define away; shadowing is for g++ to judge.
 # Tidy runs clang: it knows neither g++'s precompiled headers nor some of its flags, and needs no sanitizer.
 mkdir -p build/tidy
 sed -E 's/ -fpch-preprocess//g; s/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g; s/ -fsanitize=[^ ]*//g; s/ -fno-sanitize[^ ]*//g; s/ -Wno-(maybe-uninitialized|stringop-overflow|restrict)//g; s/ -Wshadow=local//g' \

@@ -85,8 +85,7 @@ void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
     }
     // A modifier cannot be told apart from itself: what is Shift or Control is nothing else.
     constexpr std::uint32_t fixed = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL;
-    // This one is a lock whatever sets it: both Shift keys at once may do so, where no key is called Caps Lock, and it
-    // stays set when such a key goes with another layout.
+    // This one is a lock whether or not a key of the map sets it: it stays set when its key goes.
     locks_ |= XCB_MOD_MASK_LOCK;
     alt_ &= ~fixed;
     super_ &= ~(fixed | alt_);
