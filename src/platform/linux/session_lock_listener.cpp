@@ -9,6 +9,8 @@
 #include <atomic>
 #include <utility>
 
+#include "platform/linux/bus_call.h"
+
 namespace ferrowyn {
 
 namespace {
@@ -60,12 +62,16 @@ void closeConnection(std::optional<QDBusConnection>& connection) {
     }
 }
 
-/// Asks without starting a service that does not run, and hands over the answer; an error is no answer.
-template <typename Answer, typename Handler>
-void ask(QObject* receiver, const QDBusConnection& bus, const QString& service, const QString& path,
-         const QString& interface, const QString& method, const QVariantList& arguments, Handler handler) {
+QDBusMessage call(const QString& service, const QString& path, const QString& interface, const QString& method,
+                  const QVariantList& arguments) {
     auto message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
+    return message;
+}
+
+/// Asks without starting a service that does not run, and hands over the answer; an error is no answer.
+template <typename Answer, typename Handler>
+void ask(QObject* receiver, const QDBusConnection& bus, QDBusMessage message, Handler handler) {
     message.setAutoStartService(false);
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), receiver);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
@@ -105,14 +111,12 @@ void SessionLockListener::listenToLoginManager() {
         listenToSession(session.path());
     };
     const auto id = qEnvironmentVariable("XDG_SESSION_ID");
-    if (!id.isEmpty()) {
-        ask<QDBusObjectPath>(this, *system_, loginService, loginManagerPath, loginManagerInterface, "GetSession", {id},
-                             listen);
-    } else {
-        // Process 0 stands for the one that asks.
-        ask<QDBusObjectPath>(this, *system_, loginService, loginManagerPath, loginManagerInterface, "GetSessionByPID",
-                             {QVariant::fromValue(0U)}, listen);
-    }
+    const auto callToManager = [](const QString& method, const QVariant& argument) {
+        return call(loginService, loginManagerPath, loginManagerInterface, method, {argument});
+    };
+    // Process 0 stands for the one that asks.
+    ask<QDBusObjectPath>(this, *system_,
+                         id.isEmpty() ? callToManager("GetSessionByPID", 0U) : callToManager("GetSession", id), listen);
 }
 
 void SessionLockListener::listenToSession(const QString& path) {
@@ -121,7 +125,7 @@ void SessionLockListener::listenToSession(const QString& path) {
     system_->connect(loginService, path, propertiesInterface, "PropertiesChanged", this,
                      SLOT(onSessionProperties(QString, QVariantMap, QStringList)));
     ask<QDBusVariant>(
-        this, *system_, loginService, path, propertiesInterface, "Get", {loginSessionInterface, lockedHint},
+        this, *system_, call(loginService, path, propertiesInterface, "Get", {loginSessionInterface, lockedHint}),
         [this](const QDBusVariant& value, const QDBusMessage&) { setLockedBySession(value.variant().toBool()); });
 }
 
@@ -140,7 +144,7 @@ void SessionLockListener::listenToScreenSavers() {
 }
 
 void SessionLockListener::askScreenSaver(const QString& interface, const QString& path) {
-    ask<bool>(this, *session_, interface, path, interface, "GetActive", {},
+    ask<bool>(this, *session_, call(interface, path, interface, "GetActive", {}),
               [this](bool isActive, const QDBusMessage& reply) { setScreenSaverActive(reply.service(), isActive); });
 }
 
@@ -169,12 +173,19 @@ void SessionLockListener::setLockedBySession(bool isLocked) {
 }
 
 void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActive) {
-    if (isActive) {
-        activeScreenSavers_.insert(owner);
-        ownerWatcher_->addWatchedService(owner);
-    } else {
+    if (!isActive) {
         activeScreenSavers_.remove(owner);
         ownerWatcher_->removeWatchedService(owner);
+    } else if (!activeScreenSavers_.contains(owner)) {
+        activeScreenSavers_.insert(owner);
+        ownerWatcher_->addWatchedService(owner);
+        // It may have gone before it was watched: nobody would tell, and the session would count as locked from then
+        // on.
+        ask<bool>(this, *session_, callToBus("NameHasOwner", owner), [this, owner](bool isThere, const QDBusMessage&) {
+            if (!isThere) {
+                setScreenSaverActive(owner, false);
+            }
+        });
     }
     tellIfChanged();
 }

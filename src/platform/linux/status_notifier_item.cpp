@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/background_work.h"
+#include "platform/linux/bus_call.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
@@ -22,8 +23,6 @@ const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString watcherInterface = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
-const QString busService = QStringLiteral("org.freedesktop.DBus");
-const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
 /// Connections are known by name within the process, items by number within it.
@@ -36,12 +35,6 @@ QDBusMessage callToWatcher(const QString& interface, const QString& method, cons
     auto message = QDBusMessage::createMethodCall(watcherService, watcherPath, interface, method);
     message.setArguments(arguments);
     message.setAutoStartService(false);
-    return message;
-}
-
-QDBusMessage callToBus(const QString& method, const QString& argument) {
-    auto message = QDBusMessage::createMethodCall(busService, busPath, busService, method);
-    message.setArguments({argument});
     return message;
 }
 

@@ -157,6 +157,22 @@ TEST_F(SessionLockTest, AScreenSaverThatCrashesLocksNothingAnyMore) {
     EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
 }
 
+TEST_F(SessionLockTest, AScreenSaverThatEndsAtOnceLocksNothingEither) {
+    const SessionLock lock(mainLoop, buses());
+    auto lasting = connect("lasting", "org.mate.ScreenSaver");
+    ASSERT_TRUE(waitUntil([&] {
+        lasting.send(screenSaver("org.mate.ScreenSaver", true));
+        return lock.isLocked();
+    }));
+    for (int round = 0; round < 50; ++round) {
+        const auto name = QStringLiteral("brief-%1").arg(round);
+        connect(name, "org.gnome.ScreenSaver").send(screenSaver("org.gnome.ScreenSaver", true));
+        QDBusConnection::disconnectFromBus(name);
+    }
+    lasting.send(screenSaver("org.mate.ScreenSaver", false));
+    EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
+}
+
 TEST_F(SessionLockTest, WithoutABusTheSessionIsNeverLocked) {
     const SessionLock none(mainLoop, {});
     const SessionLock unreachable(mainLoop, {"unix:path=/nonexistent/bus", "unix:path=/nonexistent/bus"});
