@@ -179,8 +179,7 @@ void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActi
     } else if (!activeScreenSavers_.contains(owner)) {
         activeScreenSavers_.insert(owner);
         ownerWatcher_->addWatchedService(owner);
-        // It may have gone before it was watched: nobody would tell, and the session would count as locked from then
-        // on.
+        // It may have gone before it was watched: nobody would tell, and the session would count as locked for good.
         ask<bool>(this, *session_, callToBus("NameHasOwner", owner), [this, owner](bool isThere, const QDBusMessage&) {
             if (!isThere) {
                 setScreenSaverActive(owner, false);
