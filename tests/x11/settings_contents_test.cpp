@@ -167,8 +167,7 @@ TEST_F(SettingsContentsTest, WhatKeepsItFromStartingAtLoginIsToldInTheWindowAndI
     openMenu();
     EXPECT_EQ(menuRow("Launch at Login").description, unwritable);
     EXPECT_FALSE(menuRow("Launch at Login").is(State::enabled));
-    input.tap(key::escape);
-    waitUntilMenuIsGone();
+    closeMenuBy(key::escape);
 }
 
 TEST_F(SettingsContentsTest, EveryFavouriteIsAnItemWithAButtonThatSaysWhatItRemoves) {

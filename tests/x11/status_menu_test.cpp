@@ -33,10 +33,6 @@ protected:
         above.insert(above.end(), rows.begin(), rows.end());
         return above;
     }
-    void closeMenu() {
-        input.tap(key::escape);
-        waitUntilMenuIsGone();
-    }
     [[nodiscard]] bool isEnabled(const std::string& row) const {
         const auto now = menu();
         const auto* const found = now ? now->find("menu item", row) : nullptr;
@@ -53,7 +49,7 @@ TEST_F(StatusMenuTest, EveryRowHasItsRoleAndItsNameWhenAllIsWell) {
     EXPECT_TRUE(menuRow("List").is(State::checked));
     EXPECT_FALSE(menuRow("Grouped").is(State::checked));
     EXPECT_FALSE(menuRow("Launch at Login").is(State::checked));
-    closeMenu();
+    closeMenuBy(key::escape);
 }
 
 TEST_F(StatusMenuTest, TheKeyboardGoesThroughTheRowsAndIsHeardOnEach) {
@@ -66,9 +62,8 @@ TEST_F(StatusMenuTest, TheKeyboardGoesThroughTheRowsAndIsHeardOnEach) {
     }
     input.tap(key::down);
     expectFocus("push button", "Settings");
-    input.tap(key::enter);
+    closeMenuBy(key::enter);
     EXPECT_TRUE(waitForWindow(settingsTitle));
-    waitUntilMenuIsGone();
 }
 
 TEST_F(StatusMenuTest, AssistiveTechnologyChoosesARow) {
@@ -123,7 +118,7 @@ TEST_F(StatusMenuTest, WhileAnotherProgramHoldsTheKeyboardItSaysThatItWaits) {
         << "waited for the program to see that the keyboard is free";
     openMenu();
     expectMenu(rowsBelow({"push button: Settings (Ferrowyn, Ready)", "separator: "}, 5));
-    closeMenu();
+    closeMenuBy(key::escape);
 }
 
 }  // namespace

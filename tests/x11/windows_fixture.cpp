@@ -308,6 +308,12 @@ void WindowsFixture::waitUntilMenuIsGone() {
     ASSERT_TRUE(reader->waitUntil([&] { return !menu() && desktop.keyboardIsFree(); })) << "waited for the menu to go";
 }
 
+void WindowsFixture::closeMenuBy(std::uint8_t keyCode) {
+    input.press(keyCode);
+    waitUntilMenuIsGone();
+    input.release(keyCode);
+}
+
 void WindowsFixture::chooseFromMenu(const std::string& row) {
     const auto place = menuRow(row).place;
     input.click(place.x + place.width / 2, place.y + place.height / 2);

@@ -76,6 +76,9 @@ protected:
     /// There must be one.
     [[nodiscard]] AccessibleNode menuRow(const std::string& name) const;
     void waitUntilMenuIsGone();
+    /// Lets go of the key only once the menu is gone, as a hand is not quicker. Otherwise its release may be the menu's
+    /// too, and Qt loses an event that a screen reader is asked about when its window is gone by the answer.
+    void closeMenuBy(std::uint8_t keyCode);
     void expectMenu(const Lines& lines);
     void chooseFromMenu(const std::string& row);
 
