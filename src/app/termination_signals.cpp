@@ -6,7 +6,9 @@
 
 #include <QSocketNotifier>
 #include <array>
+#include <atomic>
 #include <cerrno>
+#include <optional>
 #include <utility>
 
 namespace ferrowyn {
@@ -15,13 +17,15 @@ namespace {
 
 constexpr std::array handledSignals{SIGTERM, SIGINT, SIGHUP};
 
-/// A signal handler can reach nothing else: the reading and the writing end of a pipe.
-std::array<int, 2> signalPipe{-1, -1};
+/// The writing end of a pipe; a signal handler can reach nothing else. Any thread may be running the handler, even when
+/// the object is gone: the pipe stays open until the process ends, or such a thread might write to another file.
+std::atomic<int> signalPipe{-1};
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler waits for no lock");
 
 extern "C" void writeToSignalPipe(int /*signal*/) {
     const int savedError = errno;
     const char byte = 1;
-    [[maybe_unused]] const auto ignored = ::write(signalPipe[1], &byte, 1);
+    [[maybe_unused]] const auto ignored = ::write(signalPipe, &byte, 1);
     errno = savedError;
 }
 
@@ -43,25 +47,28 @@ void setHandlers(void (*handler)(int), int flags) {
     }
 }
 
-/// Not pipe2, which not every system has.
-bool openSignalPipe() {
-    if (pipe(signalPipe.data()) != 0) {
-        return false;
+/// The reading end. Not by pipe2, which not every system has.
+std::optional<int> openSignalPipe() {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) {
+        return std::nullopt;
     }
-    for (const int end : signalPipe) {
+    for (const int end : ends) {
         fcntl(end, F_SETFD, FD_CLOEXEC);
         fcntl(end, F_SETFL, O_NONBLOCK);
     }
-    return true;
+    signalPipe = ends[1];
+    return ends[0];
 }
 
 }  // namespace
 
 TerminationSignals::TerminationSignals(std::function<void()> onSignal) : onSignal_(std::move(onSignal)) {
-    if (!openSignalPipe()) {
+    const auto readingEnd = openSignalPipe();
+    if (!readingEnd) {
         return;  // Without a pipe the signals end the program the hard way, as they do by default.
     }
-    notifier_ = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
+    notifier_ = std::make_unique<QSocketNotifier>(*readingEnd, QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
         notifier_->setEnabled(false);
         onSignal_();
@@ -72,12 +79,6 @@ TerminationSignals::TerminationSignals(std::function<void()> onSignal) : onSigna
 
 TerminationSignals::~TerminationSignals() {
     setHandlers(SIG_DFL, 0);
-    notifier_.reset();
-    for (int& end : signalPipe) {
-        if (end >= 0) {
-            ::close(std::exchange(end, -1));
-        }
-    }
 }
 
 }  // namespace ferrowyn
