@@ -2,6 +2,7 @@
 #include <QLocale>
 #include <QSessionManager>
 #include <chrono>
+#include <csignal>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -115,6 +116,9 @@ bool askOverBus(ProgramRequest request, int& argumentCount, char** arguments) {
 }  // namespace
 
 int runOnX11(const CommandLine& line, int& argumentCount, char** arguments) {
+    // When the server goes, the connection tells of it, and the program ends in order; that it wrote to the server a
+    // moment before must not end it sooner.
+    std::signal(SIGPIPE, SIG_IGN);
     const auto environment = SessionEnvironment::current();
     auto refusal = sessionRefusal(environment);
     auto connection = refusal ? nullptr : X11Connection::open();

@@ -219,6 +219,14 @@ TEST_F(ProgramOnX11Test, OnlyOneRunsOnADisplayAndItLearnsOfTheSecondStart) {
     EXPECT_EQ(resultOf(*first).status, 0);
 }
 
+TEST_F(ProgramOnX11Test, WritingToAServerThatHasGoneDoesNotEndItOutOfOrder) {
+    const auto program = start({"--log-level=debug"});
+    ASSERT_TRUE(waitForLog(*program, "Ferrowyn is running"));
+    EXPECT_TRUE(ignores(*program, SIGPIPE));
+    server.kill();
+    EXPECT_EQ(resultOf(*program).status, 1);
+}
+
 TEST_F(ProgramOnX11Test, AProgramThatWasKilledLeavesNoClaimBehind) {
     const auto first = start({"--log-level=debug"});
     ASSERT_TRUE(waitForLog(*first, "Ferrowyn is running"));
