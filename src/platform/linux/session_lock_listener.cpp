@@ -62,13 +62,6 @@ void closeConnection(std::optional<QDBusConnection>& connection) {
     }
 }
 
-QDBusMessage call(const QString& service, const QString& path, const QString& interface, const QString& method,
-                  const QVariantList& arguments) {
-    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
-    message.setArguments(arguments);
-    return message;
-}
-
 /// Asks without starting a service that does not run, and hands over the answer; an error is no answer.
 template <typename Answer, typename Handler>
 void ask(QObject* receiver, const QDBusConnection& bus, QDBusMessage message, Handler handler) {
@@ -112,7 +105,7 @@ void SessionLockListener::listenToLoginManager() {
     };
     const auto id = qEnvironmentVariable("XDG_SESSION_ID");
     const auto callToManager = [](const QString& method, const QVariant& argument) {
-        return call(loginService, loginManagerPath, loginManagerInterface, method, {argument});
+        return methodCall(loginService, loginManagerPath, loginManagerInterface, method, {argument});
     };
     // Process 0 stands for the one that asks.
     ask<QDBusObjectPath>(this, *system_,
@@ -125,7 +118,7 @@ void SessionLockListener::listenToSession(const QString& path) {
     system_->connect(loginService, path, propertiesInterface, "PropertiesChanged", this,
                      SLOT(onSessionProperties(QString, QVariantMap, QStringList)));
     ask<QDBusVariant>(
-        this, *system_, call(loginService, path, propertiesInterface, "Get", {loginSessionInterface, lockedHint}),
+        this, *system_, methodCall(loginService, path, propertiesInterface, "Get", {loginSessionInterface, lockedHint}),
         [this](const QDBusVariant& value, const QDBusMessage&) { setLockedBySession(value.variant().toBool()); });
 }
 
@@ -144,7 +137,7 @@ void SessionLockListener::listenToScreenSavers() {
 }
 
 void SessionLockListener::askScreenSaver(const QString& interface, const QString& path) {
-    ask<bool>(this, *session_, call(interface, path, interface, "GetActive", {}),
+    ask<bool>(this, *session_, methodCall(interface, path, interface, "GetActive", {}),
               [this](bool isActive, const QDBusMessage& reply) { setScreenSaverActive(reply.service(), isActive); });
 }
 

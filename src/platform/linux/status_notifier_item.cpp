@@ -32,8 +32,7 @@ int nextNumber() {
 }
 
 QDBusMessage callToWatcher(const QString& interface, const QString& method, const QVariantList& arguments) {
-    auto message = QDBusMessage::createMethodCall(watcherService, watcherPath, interface, method);
-    message.setArguments(arguments);
+    auto message = methodCall(watcherService, watcherPath, interface, method, arguments);
     message.setAutoStartService(false);
     return message;
 }
