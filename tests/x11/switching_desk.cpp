@@ -64,6 +64,15 @@ void SwitchingDesk::makeActive(xcb_window_t window) {
         << "waited for window " << window << " to be active; " << desktop.activeWindow() << " is";
 }
 
+void SwitchingDesk::crashManager() {
+    const auto check = desktop.windowManagerCheckWindow();
+    ASSERT_TRUE(check);
+    xcb_kill_client(desktop.connection(), *check);
+    xcb_flush(desktop.connection());
+    ASSERT_TRUE(manager->process().waitForExit()) << "waited for the manager to end";
+    manager.reset();
+}
+
 void SwitchingDesk::openWindows(int count) {
     for (int ordinal = 1; ordinal <= count; ++ordinal) {
         openActive({.title = "Window " + std::to_string(windows.size() + 1),

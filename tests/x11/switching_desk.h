@@ -51,6 +51,9 @@ public:
     void openActive(const TestWindow::Options& options);
     /// Makes a window of another process the active one as a pager would, once the manager has it.
     void makeActive(xcb_window_t window);
+    /// Ends the manager as a crash does: the server itself gives the windows back. A manager that is asked to end may
+    /// be killed on the way, and leave one of them unmapped for ever.
+    void crashManager();
     /// Starts a program as a client of this desktop.
     [[nodiscard]] ChildProcess startClient(const std::vector<std::string>& command) const;
     /// Runs a command on this desktop, which must succeed.

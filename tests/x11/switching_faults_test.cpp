@@ -35,23 +35,12 @@ protected:
         }
     }
 
-    /// Ends the manager as a crash does: the server itself gives the windows back. A manager that is asked to end may
-    /// be killed on the way, and leave one of them unmapped for ever.
-    void loseManager() {
-        const auto check = desktop.windowManagerCheckWindow();
-        ASSERT_TRUE(check);
-        xcb_kill_client(desktop.connection(), *check);
-        xcb_flush(desktop.connection());
-        ASSERT_TRUE(manager->process().waitForExit()) << "waited for the manager to end";
-        manager.reset();
-    }
-
     bool isServerGone = false;
 };
 
 TEST_P(SwitchingFaultsTest, WithoutAWindowManagerItSaysWhatIsMissingAndStartsOnceThereIsOne) {
     openWindows(2);
-    loseManager();
+    crashManager();
     program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server);
     EXPECT_TRUE(
         program->process().waitForOutput("No window manager with the extended window-manager hints is running"));
@@ -88,7 +77,7 @@ TEST_P(SwitchingFaultsTest, ALockedKeyboardNeverOpensThePanelAndIsPublishedAsSec
 TEST_P(SwitchingFaultsTest, SwitchingGoesOnAfterTheWindowManagerWasReplaced) {
     openWindows(2);
     startProgram();
-    loseManager();
+    crashManager();
     ASSERT_TRUE(program->process().waitForOutput("Accessibility trust changed to notTrusted"));
     EXPECT_TRUE(program->process().waitForOutput("Services suspended"));
     EXPECT_EQ(program->sanitizerReport(), "");

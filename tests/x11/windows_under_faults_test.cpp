@@ -1,7 +1,5 @@
 // The program's windows and its menu while the window manager goes and comes back.
 
-#include <csignal>
-
 #include "tests/x11/desk_test.h"
 #include "tests/x11/harness/tray_host_process.h"
 #include "tests/x11/program_windows.h"
@@ -27,8 +25,7 @@ protected:
     }
 
     void loseManager() {
-        this->manager->process().signal(SIGKILL);
-        ASSERT_TRUE(this->manager->process().waitForExit());
+        this->crashManager();
         ASSERT_TRUE(this->program->process().waitForOutput("Services suspended"));
     }
     void findManager() {

@@ -90,6 +90,13 @@ protected:
         message.setArguments({isActive});
         return message;
     }
+    /// The screen saver says again that it is active: its first signals may come before the listener is there.
+    static bool waitUntilItLocks(const QDBusConnection& saver, const QString& interface, const SessionLock& lock) {
+        return waitUntil([&] {
+            saver.send(screenSaver(interface, true));
+            return lock.isLocked();
+        });
+    }
 
     QProcess daemon;
     std::string address;
@@ -134,11 +141,7 @@ TEST_F(SessionLockTest, FollowsEveryKindOfScreenSaver) {
     for (const char* interface : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver", "org.cinnamon.ScreenSaver",
                                   "org.mate.ScreenSaver", "org.xfce.ScreenSaver"}) {
         auto saver = connect(interface, interface);
-        // The first signals may come before the listener is there.
-        ASSERT_TRUE(waitUntil([&] {
-            saver.send(screenSaver(interface, true));
-            return lock.isLocked();
-        })) << interface;
+        ASSERT_TRUE(waitUntilItLocks(saver, interface, lock)) << interface;
         saver.send(screenSaver(interface, false));
         ASSERT_TRUE(waitUntil([&] { return !lock.isLocked(); })) << interface;
     }
@@ -148,10 +151,7 @@ TEST_F(SessionLockTest, AScreenSaverThatCrashesLocksNothingAnyMore) {
     const SessionLock lock(mainLoop, buses());
     {
         auto saver = connect("crashing", "org.gnome.ScreenSaver");
-        ASSERT_TRUE(waitUntil([&] {
-            saver.send(screenSaver("org.gnome.ScreenSaver", true));
-            return lock.isLocked();
-        }));
+        ASSERT_TRUE(waitUntilItLocks(saver, "org.gnome.ScreenSaver", lock));
     }
     QDBusConnection::disconnectFromBus("crashing");
     EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
@@ -160,10 +160,7 @@ TEST_F(SessionLockTest, AScreenSaverThatCrashesLocksNothingAnyMore) {
 TEST_F(SessionLockTest, AScreenSaverThatEndsAtOnceLocksNothingEither) {
     const SessionLock lock(mainLoop, buses());
     auto lasting = connect("lasting", "org.mate.ScreenSaver");
-    ASSERT_TRUE(waitUntil([&] {
-        lasting.send(screenSaver("org.mate.ScreenSaver", true));
-        return lock.isLocked();
-    }));
+    ASSERT_TRUE(waitUntilItLocks(lasting, "org.mate.ScreenSaver", lock));
     for (int round = 0; round < 50; ++round) {
         const auto name = QStringLiteral("brief-%1").arg(round);
         connect(name, "org.gnome.ScreenSaver").send(screenSaver("org.gnome.ScreenSaver", true));
