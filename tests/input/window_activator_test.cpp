@@ -81,7 +81,7 @@ TEST_F(WindowActivatorTest, ConfirmsAfterTheFirstPause) {
 }
 
 TEST_F(WindowActivatorTest, UnminimisesBeforeItRaises) {
-    desktop.changeWindow(7, [](auto& spec) { spec.isMinimized = true; });
+    desktop.changeWindow(7, [](auto& state) { state.isMinimized = true; });
     auto minimised = window(7, editor);
     minimised.isMinimized = true;
     activator->activate(minimised);
@@ -187,11 +187,11 @@ TEST_F(WindowActivatorTest, LooksUpAMissingElementAmongTheApplicationsWindows) {
 }
 
 TEST_F(WindowActivatorTest, RaisesAWindowFoundAtTheThirdLook) {
-    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = false; });
+    desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = false; });
     activator->activate(windowWithoutElement(7, editor));
     EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("timeout 100 0.5", "activate 100"));
     desktop.advance(0.2s);
-    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = true; });
+    desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = true; });
     desktop.advance(0.039s);
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
     desktop.advance(0.001s);
@@ -199,7 +199,7 @@ TEST_F(WindowActivatorTest, RaisesAWindowFoundAtTheThirdLook) {
 }
 
 TEST_F(WindowActivatorTest, ActivatesTheApplicationAloneWhenNoLookFindsTheElement) {
-    desktop.changeWindow(7, [](auto& spec) { spec.hasWindowNumber = false; });
+    desktop.changeWindow(7, [](auto& state) { state.hasWindowNumber = false; });
     activator->activate(windowWithoutElement(7, editor));
     desktop.advance(0.479s);
     EXPECT_THAT(desktop.takeLog(), IsEmpty());
@@ -211,11 +211,11 @@ TEST_F(WindowActivatorTest, ActivatesTheApplicationAloneWhenNoLookFindsTheElemen
 }
 
 TEST_F(WindowActivatorTest, ACancelledLookUpStopsLooking) {
-    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = false; });
+    desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = false; });
     activator->activate(windowWithoutElement(7, editor));
     desktop.advance(0.2s);
     activator->activate(window(8, browser));
-    desktop.changeWindow(7, [](auto& spec) { spec.isListedByAccessibility = true; });
+    desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = true; });
     forgetCalls();
     desktop.advance(5s);
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());

@@ -168,10 +168,10 @@ TEST_F(WindowIndexTest, AnUnchangedSnapshotIsNotPublishedAgain) {
 
 TEST_F(WindowIndexTest, AWindowThatOnlyMovedIsNotPublished) {
     start();
-    desktop.changeWindow(1, [](auto& spec) { spec.frame.x += 50; });
+    desktop.changeWindow(1, [](auto& state) { state.frame.x += 50; });
     refresh();
     EXPECT_EQ(publications, 0);
-    desktop.changeWindow(1, [](auto& spec) { spec.title = "Inbox (2)"; });
+    desktop.changeWindow(1, [](auto& state) { state.title = "Inbox (2)"; });
     refresh();
     EXPECT_EQ(publications, 1);
     EXPECT_EQ(window(1).title, "Inbox (2)");
@@ -179,9 +179,9 @@ TEST_F(WindowIndexTest, AWindowThatOnlyMovedIsNotPublished) {
 
 TEST_F(WindowIndexTest, CarriesOverWhatAccessibilityOmitted) {
     start();
-    desktop.changeWindow(2, [](auto& spec) {
-        spec.isListedByAccessibility = false;
-        spec.isOnActiveSpace = false;
+    desktop.changeWindow(2, [](auto& state) {
+        state.isListedByAccessibility = false;
+        state.isOnActiveSpace = false;
     });
     refresh();
     EXPECT_THAT(ids(), ElementsAre(3, 2, 1));
@@ -192,7 +192,7 @@ TEST_F(WindowIndexTest, CarriesOverWhatAccessibilityOmitted) {
 
     refresh();
     EXPECT_THAT(ids(), ElementsAre(3, 2, 1)) << "for as long as the server lists it";
-    desktop.changeWindow(2, [](auto& spec) { spec.isListedByAccessibility = true; });
+    desktop.changeWindow(2, [](auto& state) { state.isListedByAccessibility = true; });
     desktop.takeLog();
     refresh();
     EXPECT_THAT(takeLogBesidePublications(), IsEmpty());
@@ -253,18 +253,18 @@ TEST_F(WindowIndexTest, AFocusThatCannotBeResolvedIsSilent) {
     desktop.setHung(200, true);
     expectNoTouch();
     desktop.setHung(200, false);
-    desktop.changeWindow(2, [](auto& spec) { spec.hasWindowNumber = false; });
+    desktop.changeWindow(2, [](auto& state) { state.hasWindowNumber = false; });
     expectNoTouch();
-    desktop.changeWindow(2, [](auto& spec) {
-        spec.hasWindowNumber = true;
-        spec.reportedWindowNumber = 0;
+    desktop.changeWindow(2, [](auto& state) {
+        state.hasWindowNumber = true;
+        state.reportedWindowNumber = 0;
     });
     expectNoTouch();
-    desktop.changeWindow(2, [](auto& spec) { spec.reportedWindowNumber = std::nullopt; });
+    desktop.changeWindow(2, [](auto& state) { state.reportedWindowNumber = std::nullopt; });
     desktop.setHasWindowNumberLookup(false);
     // Same geometry everywhere would make the windows interchangeable.
     for (const WindowId id : {1U, 2U, 3U}) {
-        desktop.changeWindow(id, [id](auto& spec) { spec.frame.x = 200.0 * id; });
+        desktop.changeWindow(id, [id](auto& state) { state.frame.x = 200.0 * id; });
     }
     expectNoTouch();
     observation->changes().send(WindowChange::focus(999));

@@ -28,7 +28,7 @@ public:
     void close(WindowId window) override { desktop_.closeWindow(window); }
     void setTitle(WindowId window, const std::string& title) override { desktop_.setTitle(window, title); }
     void minimize(WindowId window) override {
-        desktop_.changeWindow(window, [](auto& spec) { spec.isMinimized = true; });
+        desktop_.changeWindow(window, [](auto& state) { state.isMinimized = true; });
     }
     void focus(WindowId window) override { desktop_.focusWindow(window); }
 

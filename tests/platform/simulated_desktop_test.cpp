@@ -96,7 +96,7 @@ TEST_F(SimulatedDesktopTest, AUserWhoClicksAWindowActivatesItsApplication) {
         platform.workspace.observe([&](const WorkspaceEvent& event) { kinds.push_back(event.kind); });
     const auto observer = observe(100);
     desktop.setHidden(100, true);
-    desktop.changeWindow(1, [](auto& spec) { spec.isMinimized = true; });
+    desktop.changeWindow(1, [](auto& state) { state.isMinimized = true; });
     desktop.focusWindow(1);
     EXPECT_THAT(order(), ElementsAre(1, 3, 2));
     EXPECT_FALSE(desktop.isHidden(100));
@@ -132,7 +132,7 @@ TEST_F(SimulatedDesktopTest, ALateNotificationComesOnceAndOnlyAfterTheObserverWe
 TEST_F(SimulatedDesktopTest, WindowControlIsWrittenDownAndCarriedOut) {
     auto& control = platform.windowControl;
     const auto observer = observe(100);
-    desktop.changeWindow(1, [](auto& spec) { spec.isMinimized = true; });
+    desktop.changeWindow(1, [](auto& state) { state.isMinimized = true; });
     const auto element = desktop.elementOf(1);
     control.setMessagingTimeout(element, Seconds(0.5));
     control.unminimize(element);

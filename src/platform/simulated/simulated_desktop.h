@@ -15,11 +15,11 @@
 #include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "platform/screens.h"
-#include "platform/simulated/simulated_app_spec.h"
+#include "platform/simulated/simulated_app_state.h"
 #include "platform/simulated/simulated_log.h"
 #include "platform/simulated/simulated_panel.h"
 #include "platform/simulated/simulated_tap_event.h"
-#include "platform/simulated/simulated_window_spec.h"
+#include "platform/simulated/simulated_window_state.h"
 #include "platform/user_defaults.h"
 
 namespace ferrowyn {
@@ -63,8 +63,8 @@ public:
     [[nodiscard]] std::size_t heldBackgroundWorkCount() const;
 
     // --- applications and windows -----------------------------------------------------------------------------------
-    using AppSpec = SimulatedAppSpec;
-    using WindowSpec = SimulatedWindowSpec;
+    using AppSpec = SimulatedAppState;
+    using WindowSpec = SimulatedWindowState;
 
     /// Launches with the workspace notification, unless `silently` (it was running before, or nobody was told).
     void launch(const AppSpec& app, bool silently = false);

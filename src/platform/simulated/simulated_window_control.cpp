@@ -88,12 +88,12 @@ std::optional<bool> SimulatedWindowControl::isMain(const AXElementRef& window) c
 }
 
 std::optional<bool> SimulatedWindowControl::isFocused(const AXElementRef& window) const {
-    const auto* spec = model_.window(idOf(window));
-    const auto* app = spec != nullptr ? model_.app(spec->pid) : nullptr;
+    const auto* state = model_.window(idOf(window));
+    const auto* app = state != nullptr ? model_.app(state->pid) : nullptr;
     if (app == nullptr || app->isHung) {
         return std::nullopt;
     }
-    return app->focusedWindow == spec->id;
+    return app->focusedWindow == state->id;
 }
 
 std::vector<AXElementRef> SimulatedWindowControl::windowElements(Pid pid) const {
@@ -111,8 +111,8 @@ std::vector<AXElementRef> SimulatedWindowControl::windowElements(Pid pid) const 
 }
 
 std::optional<WindowId> SimulatedWindowControl::windowNumber(const AXElementRef& window) const {
-    const auto* spec = model_.window(idOf(window));
-    return spec != nullptr ? model_.lookUpNumber(*spec) : std::nullopt;
+    const auto* state = model_.window(idOf(window));
+    return state != nullptr ? model_.lookUpNumber(*state) : std::nullopt;
 }
 
 bool SimulatedWindowControl::obeys(Pid pid) const {
@@ -120,7 +120,7 @@ bool SimulatedWindowControl::obeys(Pid pid) const {
     return app != nullptr && app->obeys();
 }
 
-SimulatedWindowSpec* SimulatedWindowControl::obedientWindow(const AXElementRef& element) {
+SimulatedWindowState* SimulatedWindowControl::obedientWindow(const AXElementRef& element) {
     auto* window = model_.window(idOf(element));
     return window != nullptr && obeys(window->pid) ? window : nullptr;
 }

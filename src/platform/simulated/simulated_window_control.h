@@ -34,7 +34,7 @@ public:
 private:
     [[nodiscard]] bool obeys(Pid pid) const;
     /// The window behind the element, when its application does what it is asked.
-    [[nodiscard]] SimulatedWindowSpec* obedientWindow(const AXElementRef& element);
+    [[nodiscard]] SimulatedWindowState* obedientWindow(const AXElementRef& element);
     void focus(const AXElementRef& element);
 
     SimulatedWindowModel& model_;

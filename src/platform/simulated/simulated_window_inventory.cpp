@@ -8,7 +8,7 @@ namespace ferrowyn {
 
 namespace {
 
-using Window = SimulatedWindowSpec;
+using Window = SimulatedWindowState;
 
 class SimulatedReading final : public InventoryReading {
 public:
@@ -74,7 +74,7 @@ private:
     [[nodiscard]] WindowServerEntry entry(const Window& window) const {
         const auto* app = model_.app(window.pid);
         return {.id = window.id,
-                .ownerName = app != nullptr ? app->spec.localizedName : std::nullopt,
+                .ownerName = app != nullptr ? app->state.localizedName : std::nullopt,
                 .isOnScreen = isOnScreen(window),
                 .bounds = window.serverBounds.value_or(window.frame),
                 .alpha = window.alpha,

@@ -5,42 +5,43 @@
 namespace ferrowyn {
 
 RunningApplication SimulatedWindowModel::App::describe(bool isTerminated) const {
-    return {spec.pid, isTerminated, spec.activationPolicy, spec.bundleIdentifier, spec.localizedName, spec.bundleURL};
+    return {state.pid,           isTerminated,   state.activationPolicy, state.bundleIdentifier,
+            state.localizedName, state.bundleURL};
 }
 
 SimulatedWindowModel::App* SimulatedWindowModel::app(Pid pid) {
-    const auto found = std::ranges::find(apps, pid, [](const App& app) { return app.spec.pid; });
+    const auto found = std::ranges::find(apps, pid, [](const App& app) { return app.state.pid; });
     return found == apps.end() ? nullptr : &*found;
 }
 
 const SimulatedWindowModel::App* SimulatedWindowModel::app(Pid pid) const {
-    const auto found = std::ranges::find(apps, pid, [](const App& app) { return app.spec.pid; });
+    const auto found = std::ranges::find(apps, pid, [](const App& app) { return app.state.pid; });
     return found == apps.end() ? nullptr : &*found;
 }
 
-SimulatedWindowSpec* SimulatedWindowModel::window(WindowId id) {
-    const auto found = std::ranges::find(windows, id, &SimulatedWindowSpec::id);
+SimulatedWindowState* SimulatedWindowModel::window(WindowId id) {
+    const auto found = std::ranges::find(windows, id, &SimulatedWindowState::id);
     return found == windows.end() ? nullptr : &*found;
 }
 
-const SimulatedWindowSpec* SimulatedWindowModel::window(WindowId id) const {
-    const auto found = std::ranges::find(windows, id, &SimulatedWindowSpec::id);
+const SimulatedWindowState* SimulatedWindowModel::window(WindowId id) const {
+    const auto found = std::ranges::find(windows, id, &SimulatedWindowState::id);
     return found == windows.end() ? nullptr : &*found;
 }
 
 void SimulatedWindowModel::moveToFront(WindowId id) {
-    const auto found = std::ranges::find(windows, id, &SimulatedWindowSpec::id);
+    const auto found = std::ranges::find(windows, id, &SimulatedWindowState::id);
     if (found != windows.end()) {
         std::rotate(windows.begin(), found, std::next(found));
     }
 }
 
 std::optional<WindowId> SimulatedWindowModel::topWindowOf(Pid pid) const {
-    const auto found = std::ranges::find(windows, pid, &SimulatedWindowSpec::pid);
+    const auto found = std::ranges::find(windows, pid, &SimulatedWindowState::pid);
     return found == windows.end() ? std::nullopt : std::optional(found->id);
 }
 
-std::optional<WindowId> SimulatedWindowModel::lookUpNumber(const SimulatedWindowSpec& window) const {
+std::optional<WindowId> SimulatedWindowModel::lookUpNumber(const SimulatedWindowState& window) const {
     if (!hasWindowNumberLookup || !window.hasWindowNumber) {
         return std::nullopt;
     }

@@ -5,8 +5,8 @@
 
 #include "core/ax_element_ref.h"
 #include "core/identifiers.h"
-#include "platform/simulated/simulated_app_spec.h"
-#include "platform/simulated/simulated_window_spec.h"
+#include "platform/simulated/simulated_app_state.h"
+#include "platform/simulated/simulated_window_state.h"
 #include "platform/workspace.h"
 
 namespace ferrowyn {
@@ -14,7 +14,7 @@ namespace ferrowyn {
 /// What the simulated desktop consists of at one moment: a value, so that a reading can keep a copy of it.
 struct SimulatedWindowModel {
     struct App {
-        SimulatedAppSpec spec;
+        SimulatedAppState state;
         bool isHidden = false;
         bool isHung = false;
         bool ignoresActivation = false;
@@ -29,21 +29,21 @@ struct SimulatedWindowModel {
     /// In the order in which they were launched.
     std::vector<App> apps;
     /// Front-most first.
-    std::vector<SimulatedWindowSpec> windows;
+    std::vector<SimulatedWindowState> windows;
     std::optional<Pid> frontmost;
     bool windowServerAnswers = true;
     bool hasWindowNumberLookup = true;
 
     [[nodiscard]] App* app(Pid pid);
     [[nodiscard]] const App* app(Pid pid) const;
-    [[nodiscard]] SimulatedWindowSpec* window(WindowId id);
-    [[nodiscard]] const SimulatedWindowSpec* window(WindowId id) const;
+    [[nodiscard]] SimulatedWindowState* window(WindowId id);
+    [[nodiscard]] const SimulatedWindowState* window(WindowId id) const;
     void moveToFront(WindowId id);
     /// The application's front-most window.
     [[nodiscard]] std::optional<WindowId> topWindowOf(Pid pid) const;
 
     /// What the element-to-window-number lookup answers.
-    [[nodiscard]] std::optional<WindowId> lookUpNumber(const SimulatedWindowSpec& window) const;
+    [[nodiscard]] std::optional<WindowId> lookUpNumber(const SimulatedWindowState& window) const;
 };
 
 }  // namespace ferrowyn

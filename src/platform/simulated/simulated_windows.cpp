@@ -8,8 +8,8 @@
 
 namespace ferrowyn {
 
-void SimulatedWindows::launch(const SimulatedAppSpec& app, Telling telling) {
-    model_.apps.push_back({.spec = app, .focusedWindow = std::nullopt});
+void SimulatedWindows::launch(const SimulatedAppState& app, Telling telling) {
+    model_.apps.push_back({.state = app, .focusedWindow = std::nullopt});
     announce(telling, WorkspaceEvent::Kind::didLaunch, model_.apps.back());
 }
 
@@ -19,15 +19,15 @@ void SimulatedWindows::terminate(Pid pid) {
         return;
     }
     const WorkspaceEvent event{WorkspaceEvent::Kind::didTerminate, app->describe(true)};
-    std::erase_if(model_.windows, [pid](const SimulatedWindowSpec& window) { return window.pid == pid; });
-    std::erase_if(model_.apps, [pid](const SimulatedWindowModel::App& each) { return each.spec.pid == pid; });
+    std::erase_if(model_.windows, [pid](const SimulatedWindowState& window) { return window.pid == pid; });
+    std::erase_if(model_.apps, [pid](const SimulatedWindowModel::App& each) { return each.state.pid == pid; });
     if (model_.frontmost == pid) {
         model_.frontmost.reset();
     }
     workspace_.announce(event);
 }
 
-void SimulatedWindows::open(const SimulatedWindowSpec& window, Telling telling) {
+void SimulatedWindows::open(const SimulatedWindowState& window, Telling telling) {
     model_.windows.insert(model_.windows.begin(), window);
     tell(telling, [this, pid = window.pid] { observers_.announceForApplication(pid, "AXWindowCreated"); });
     if (!window.isMinimized) {
@@ -41,7 +41,7 @@ void SimulatedWindows::close(WindowId id, Telling telling) {
         return;
     }
     const Pid pid = window->pid;
-    std::erase_if(model_.windows, [id](const SimulatedWindowSpec& each) { return each.id == id; });
+    std::erase_if(model_.windows, [id](const SimulatedWindowState& each) { return each.id == id; });
     tell(telling, [this, id] { observers_.announceForWindow(id, "AXUIElementDestroyed"); });
     if (const auto* app = model_.app(pid); app != nullptr && app->focusedWindow == id) {
         setFocusedWindow(pid, model_.topWindowOf(pid), telling);

@@ -22,11 +22,11 @@ public:
                      SimulatedWorkspace& workspace, SimulatedMainLoop& mainLoop)
         : model_(model), observers_(observers), workspace_(workspace), mainLoop_(mainLoop) {}
 
-    void launch(const SimulatedAppSpec& app, Telling telling);
+    void launch(const SimulatedAppState& app, Telling telling);
     /// Its windows go with it, unannounced; no application is in front then, if it was.
     void terminate(Pid pid);
     /// In front of all others, and focused in its application unless it is minimised.
-    void open(const SimulatedWindowSpec& window, Telling telling);
+    void open(const SimulatedWindowState& window, Telling telling);
     /// The application's next window gets its focus.
     void close(WindowId id, Telling telling);
     void setTitle(WindowId id, std::string title);

@@ -10,7 +10,7 @@
 namespace ferrowyn {
 
 /// A window as a test opens it, with what the window server and its application say about it.
-struct SimulatedWindowSpec {
+struct SimulatedWindowState {
     WindowId id = 0;
     Pid pid = 0;
     std::string title;

@@ -9,7 +9,7 @@
 namespace ferrowyn {
 
 /// An application as a test launches it.
-struct SimulatedAppSpec {
+struct SimulatedAppState {
     Pid pid = 0;
     std::optional<std::string> bundleIdentifier;
     std::optional<std::string> localizedName;
