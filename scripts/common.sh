@@ -52,24 +52,47 @@ ensure_packages() {
   "${administrator[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build PRESET [CMAKE-ARGUMENT…] -- [TARGET…]
+# build PRESET [CMAKE-ARGUMENT…] -- [TARGET…]: configures and builds. What the compilers say goes into a file, which is
+# shown when the build fails.
 # A Mac's bash takes an empty array for one that is not set.
 build() {
-  local preset=$1 arguments=()
+  local preset=$1 arguments=() targets=()
+  local log=build/$1/build.log
   shift
   while (($#)) && [[ $1 != -- ]]; do
     arguments+=("$1")
     shift
   done
   (($#)) && shift
-  say "Building ($preset)"
+  (($#)) && targets=(--target "$@")
+  say "Building ($preset); the compilers' messages go to $log"
   mkdir -p "build/$preset"
-  # A quiet configuration is shown whole when it fails.
-  cmake --preset "$preset" ${arguments[@]+"${arguments[@]}"} >"build/$preset/configure.log" 2>&1 || {
-    cat "build/$preset/configure.log"
+  cmake --preset "$preset" ${arguments[@]+"${arguments[@]}"} >"$log" 2>&1 || {
+    cat "$log"
     die "Configuring failed."
   }
-  local targets=()
-  (($#)) && targets=(--target "$@")
-  cmake --build --preset "$preset" ${targets[@]+"${targets[@]}"}
+  # What was there before the build is not shown with its errors.
+  NINJA_STATUS='[%f/%t] ' cmake --build --preset "$preset" ${targets[@]+"${targets[@]}"} 2>&1 |
+    tee "$log" | show_progress || {
+    grep -vE '^\[[0-9]+/[0-9]+\] ' "$log" || true
+    die "Building failed."
+  }
+}
+
+# show_progress: reduces ninja's lines to how far it is: a line that is rewritten on a terminal, five lines elsewhere.
+show_progress() {
+  local line steps every=0 shown=0
+  while IFS= read -r line; do
+    [[ $line =~ ^\[([0-9]+)/([0-9]+)\] ]] || continue
+    steps=${BASH_REMATCH[1]}
+    every=$(((BASH_REMATCH[2] + 4) / 5))
+    if [[ -t 1 ]]; then
+      printf '\r%d of %d steps' "$steps" "${BASH_REMATCH[2]}"
+      shown=$steps
+    elif ((steps >= shown + every || steps == BASH_REMATCH[2])); then
+      printf '%d of %d steps\n' "$steps" "${BASH_REMATCH[2]}"
+      shown=$steps
+    fi
+  done
+  [[ ! -t 1 ]] || ((shown == 0)) || echo
 }
