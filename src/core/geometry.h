@@ -31,7 +31,7 @@ struct Rect {
     [[nodiscard]] double maxY() const { return y + height; }
     [[nodiscard]] bool isEmpty() const { return width <= 0 || height <= 0; }
 
-    /// The lower edges belong to the rectangle, the upper ones do not, so that adjacent screens never share a point.
+    /// The edges at the smaller coordinates belong to the rectangle, the others do not, so that neighbours share no point.
     [[nodiscard]] bool contains(const Point& point) const {
         return point.x >= minX() && point.x < maxX() && point.y >= minY() && point.y < maxY();
     }

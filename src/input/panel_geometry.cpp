@@ -69,7 +69,7 @@ double fullHeight(const Style& style) {
 
 Screen chooseScreen(const std::vector<Screen>& screens, const std::optional<Screen>& main, const Point& pointer) {
     const auto underPointer = std::find_if(screens.begin(), screens.end(),
-                                           [&](const Screen& screen) { return screen.frame.contains(pointer); });
+                                           [&](const Screen& screen) { return screen.hasPointerAt(pointer); });
     if (underPointer != screens.end()) {
         return *underPointer;
     }

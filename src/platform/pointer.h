@@ -12,8 +12,9 @@ class Pointer {
 public:
     virtual ~Pointer() = default;
 
-    /// Where the pointer is, in points growing upward (`Screen`). Never waits: an adapter for which asking is a round
-    /// trip answers with the place that came with the latest key or pointer event.
+    /// Where the pointer is, in points growing upward: the upper left corner of the pixel under it
+    /// (`Screen::hasPointerAt`). Never waits: an adapter for which asking is a round trip answers with the place that
+    /// came with the latest key or pointer event.
     [[nodiscard]] virtual Point location() const = 0;
     /// Makes `location` the place of this moment, for what no key or pointer event has led to. May wait for a round
     /// trip.

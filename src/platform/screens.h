@@ -15,6 +15,14 @@ struct Screen {
     Rect frame;
     /// The frame without the desktop's panels and docks.
     Rect visibleFrame;
+
+    /// Whether a pointer at this place, as `Pointer` gives it, is on the screen. A pixel is named by its upper left
+    /// corner on every desktop, so where y grows upward the left and the upper edge belong to the screen, and the right
+    /// and the lower edge to its neighbours.
+    [[nodiscard]] bool hasPointerAt(const Point& pointer) const {
+        return pointer.x >= frame.minX() && pointer.x < frame.maxX() && pointer.y > frame.minY() &&
+               pointer.y <= frame.maxY();
+    }
     friend bool operator==(const Screen&, const Screen&) = default;
 };
 

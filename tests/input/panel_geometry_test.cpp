@@ -76,6 +76,35 @@ TEST(PanelScreenTest, IsTheOneUnderThePointer) {
     EXPECT_EQ(chooseScreen({left, right}, left, {1000, 10}), right) << "the shared edge belongs to one of them";
 }
 
+/// Where `Pointer` says the pointer is when it is on this pixel of a desktop of the given height, y growing downward.
+Point onPixel(int x, int y, int desktopHeight) {
+    return {static_cast<double>(x), static_cast<double>(desktopHeight - y)};
+}
+
+TEST(PanelScreenTest, IsTheOneUnderThePointerAtEachEdgeAndCornerOfTwoScreensSideBySide) {
+    const Screen first{{0, 0, 1000, 800}, {0, 0, 1000, 800}};
+    const Screen second{{1000, 0, 1000, 800}, {1000, 0, 1000, 800}};
+    for (const int y : {0, 1, 400, 798, 799}) {
+        for (const int x : {0, 1, 500, 998, 999}) {
+            EXPECT_EQ(chooseScreen({first, second}, second, onPixel(x, y, 800)), first) << x << ", " << y;
+            EXPECT_EQ(chooseScreen({first, second}, first, onPixel(1000 + x, y, 800)), second) << x << ", " << y;
+        }
+    }
+}
+
+TEST(PanelScreenTest, IsTheOneUnderThePointerAtEachEdgeAndCornerOfTwoScreensOneAboveTheOther) {
+    const Screen upper{{0, 800, 1000, 600}, {0, 800, 1000, 600}};
+    const Screen lower{{0, 0, 1000, 800}, {0, 0, 1000, 800}};
+    for (const int x : {0, 1, 500, 998, 999}) {
+        for (const int y : {0, 1, 300, 598, 599}) {
+            EXPECT_EQ(chooseScreen({lower, upper}, lower, onPixel(x, y, 1400)), upper) << x << ", " << y;
+        }
+        for (const int y : {600, 601, 1000, 1398, 1399}) {
+            EXPECT_EQ(chooseScreen({lower, upper}, upper, onPixel(x, y, 1400)), lower) << x << ", " << y;
+        }
+    }
+}
+
 TEST(PanelScreenTest, IsTheMainOneWhenThePointerIsOnNone) {
     EXPECT_EQ(chooseScreen({left, right}, right, {-50, -50}), right);
 }

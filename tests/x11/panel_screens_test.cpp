@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "input/panel_geometry.h"
 #include "tests/x11/panel_fixture.h"
 
 namespace ferrowyn::x11test {
@@ -56,6 +57,63 @@ TEST(ScreensTest, TheMainScreenIsTheOneOfTheActiveWindow) {
         const auto screen = rig.screens->main();
         return screen && middle >= screen->frame.minX() && middle < screen->frame.maxX();
     }));
+}
+
+/// Divides the one screen of 800 x 1000 pixels into one above the other.
+void stackScreens(const PrivateXServer& server) {
+    for (const char* const monitor : {"800/211x600/158+0+400", "800/211x400/105+0+0"}) {
+        const bool isLower = std::string(monitor).ends_with("+0+400");
+        ChildProcess xrandr(
+            {.command = {"xrandr", "--setmonitor", isLower ? "*lower" : "upper", monitor, isLower ? "screen" : "none"},
+             .environment = server.clientEnvironment(),
+             .inheritedDescriptor = std::nullopt});
+        ASSERT_EQ(xrandr.waitForExit(), 0) << xrandr.output();
+    }
+}
+
+/// The screen that the panel opens on once the pointer has been moved to this pixel, when no screen is the main one.
+std::optional<Screen> screenWithPointerAt(PanelRig& rig, int x, int y) {
+    rig.input.movePointer(x, y);
+    rig.pointer->refresh();
+    const Screen none;
+    const auto chosen = panel_geometry::chooseScreen(rig.screens->all(), none, rig.pointer->location());
+    return chosen == none ? std::nullopt : std::optional(chosen);
+}
+
+TEST(ScreensTest, ThePointerIsOnTheScreenThatShowsItAtEveryEdgeSideBySide) {
+    PanelRig rig({.screens = {"1440x600x24"}});
+    divideScreen(rig.server);
+    ASSERT_TRUE(hasTwoScreens(rig));
+    const auto screens = rig.screens->all();
+    for (const int x : {0, 799}) {
+        for (const int y : {0, 300, 599}) {
+            EXPECT_EQ(screenWithPointerAt(rig, x, y), screens[0]) << x << ", " << y;
+        }
+    }
+    for (const int x : {800, 1439}) {
+        for (const int y : {0, 240, 479}) {
+            EXPECT_EQ(screenWithPointerAt(rig, x, y), screens[1]) << x << ", " << y;
+        }
+    }
+    EXPECT_EQ(screenWithPointerAt(rig, 1000, 480), std::nullopt) << "below the shorter screen";
+}
+
+TEST(ScreensTest, ThePointerIsOnTheScreenThatShowsItAtEveryEdgeOneAboveTheOther) {
+    PanelRig rig({.screens = {"800x1000x24"}});
+    stackScreens(rig.server);
+    ASSERT_TRUE(PanelRig::runUntil([&] {
+        const auto all = rig.screens->all();
+        return all.size() == 2 && all[0].frame == Rect{0, 0, 800, 600} && all[1].frame == Rect{0, 600, 800, 400};
+    })) << "waited for the division to be noticed";
+    const auto screens = rig.screens->all();
+    for (const int x : {0, 400, 799}) {
+        for (const int y : {0, 399}) {
+            EXPECT_EQ(screenWithPointerAt(rig, x, y), screens[1]) << x << ", " << y;
+        }
+        for (const int y : {400, 999}) {
+            EXPECT_EQ(screenWithPointerAt(rig, x, y), screens[0]) << x << ", " << y;
+        }
+    }
 }
 
 TEST(ScreensTest, ADocksStrutLeavesTheVisibleFrameSmallerAndItsEndGivesItBack) {
