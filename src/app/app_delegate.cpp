@@ -10,17 +10,10 @@
 #include "platform/application.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"
+#include "platform/workspace.h"
 #include "ui/status_item_controller.h"
 
 namespace ferrowyn {
-
-namespace {
-
-constexpr std::string_view accessibilityPage =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
-constexpr std::string_view loginItemsPage = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
-
-}  // namespace
 
 AppDelegate::AppDelegate(const Platform& platform, UserInterface& userInterface)
     : platform_(platform), userInterface_(userInterface) {}
@@ -98,18 +91,11 @@ void AppDelegate::perform(ProgramRequest request) {
 }
 
 bool AppDelegate::showSettingsPage(std::string_view url) {
-    if (!services_) {
+    if (!services_ || url != settings_page::accessibility) {
         return false;
     }
-    if (url == accessibilityPage) {
-        showOnboarding();
-        return true;
-    }
-    if (url == loginItemsPage) {
-        showSettings();
-        return true;
-    }
-    return false;
+    showOnboarding();
+    return true;
 }
 
 void AppDelegate::openSwitcher() {

@@ -69,7 +69,9 @@ const TextTable& linuxTexts() {
             translatable("Ferrowyn", "Ferrowyn must be able to write to the autostart folder to launch at login."),
         .loginItemRefused = translatable(
             "Ferrowyn", "The system refused the request. Make sure that the autostart folder is yours and try again."),
-        .loginItemApproval = translatable("Ferrowyn", "Allow Ferrowyn in your desktop's settings for autostart."),
+        .loginItemApproval = translatable("Ferrowyn",
+                                          "Your desktop keeps Ferrowyn from starting: allow it in the autostart "
+                                          "settings, or turn this off and on again."),
 
         .statusItem = linuxStatusItemTexts(),
         .windows = linuxWindowTexts(),

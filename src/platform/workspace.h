@@ -40,6 +40,14 @@ struct WorkspaceEvent {
     std::optional<RunningApplication> application;
 };
 
+/// Addresses for `Workspace::open` that stand for a page of the system's settings. A desktop without such a page
+/// answers them with what serves the same purpose there.
+namespace settings_page {
+inline constexpr std::string_view accessibility =
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+inline constexpr std::string_view loginItems = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
+}  // namespace settings_page
+
 /// The desktop's view of running applications. Main thread. Nothing here waits for another process.
 class Workspace {
 public:

@@ -14,8 +14,6 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::string_view logCategory = "permissions";
-constexpr std::string_view settingsUrl =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 
 /// How long the system takes, after it says that something changed, until it answers accordingly.
 constexpr Seconds refreshDelay{0.25};
@@ -63,7 +61,7 @@ void AccessibilityAuthorizer::requestTrust() {
 }
 
 void AccessibilityAuthorizer::openAccessibilitySettings() {
-    workspace_.open(settingsUrl);
+    workspace_.open(settings_page::accessibility);
 }
 
 void AccessibilityAuthorizer::scheduleRefresh() {

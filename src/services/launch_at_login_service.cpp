@@ -15,7 +15,6 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::string_view logCategory = "permissions";
-constexpr std::string_view settingsUrl = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
 constexpr std::string_view refusalDomain = "SMAppServiceErrorDomain";
 /// "Operation not permitted", in whatever words and domain a system puts it.
 constexpr int refusalCode = 1;
@@ -77,7 +76,7 @@ std::optional<std::string> LaunchAtLoginService::explanatoryMessage() const {
 }
 
 void LaunchAtLoginService::openLoginItemsSettings() {
-    workspace_.open(settingsUrl);
+    workspace_.open(settings_page::loginItems);
 }
 
 }  // namespace ferrowyn

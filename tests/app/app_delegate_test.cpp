@@ -272,9 +272,8 @@ TEST_F(AppDelegateTest, StandsInForTheSettingsOfASystemThatHasNone) {
     launchQuietly();
     EXPECT_TRUE(
         delegate->showSettingsPage("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
-    EXPECT_TRUE(delegate->showSettingsPage("x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
     EXPECT_FALSE(delegate->showSettingsPage("x-apple.systempreferences:com.apple.Sound-Settings.extension"));
-    EXPECT_THAT(interface.takeSteps(), ElementsAre("show setup", "show settings"));
+    EXPECT_THAT(interface.takeSteps(), ElementsAre("show setup"));
 }
 
 TEST_F(AppDelegateTest, LeavesNothingBehindWhenItGoes) {

@@ -163,7 +163,9 @@ TEST_F(LaunchAtLoginServiceTest, TheLinuxTextsNameNoMac) {
               "Ferrowyn must be able to write to the autostart folder to launch at login.");
     EXPECT_EQ(linuxTexts().loginItemRefused,
               "The system refused the request. Make sure that the autostart folder is yours and try again.");
-    EXPECT_EQ(linuxTexts().loginItemApproval, "Allow Ferrowyn in your desktop's settings for autostart.");
+    EXPECT_EQ(linuxTexts().loginItemApproval,
+              "Your desktop keeps Ferrowyn from starting: allow it in the autostart settings, or turn this off and on "
+              "again.");
 }
 
 }  // namespace

@@ -82,7 +82,8 @@ TEST_F(TranslationTest, WhatTheServicesSayCanBeTranslated) {
     EXPECT_THAT(said(), Contains("¶Ferrowyn must be able to write to the autostart folder to launch at login."));
     model.desktop.loginItem().current = LoginItem::Status::requiresApproval;
     model.launchAtLogin.refresh();
-    EXPECT_THAT(said(), Contains("¶Allow Ferrowyn in your desktop's settings for autostart."));
+    EXPECT_THAT(said(), Contains("¶Your desktop keeps Ferrowyn from starting: allow it in the autostart settings, or "
+                                 "turn this off and on again."));
     auto& http = model.desktop.httpClient();
     model.updates.check();
     http.answer(http.requestCount() - 1, HttpResponse{404, {}});

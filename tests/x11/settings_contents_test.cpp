@@ -140,15 +140,24 @@ TEST_F(SettingsContentsTest, WhatIsChosenAndWhatCannotBeUsedIsTold) {
 
 TEST_F(SettingsContentsTest, WhatKeepsItFromStartingAtLoginIsToldInTheWindowAndInTheMenu) {
     const std::string entry = ".config/autostart/com.larkmoor.ferrowyn.desktop";
-    const std::string turnedOff = "Allow Ferrowyn in your desktop's settings for autostart.";
+    const std::string turnedOff =
+        "Your desktop keeps Ferrowyn from starting: allow it in the autostart settings, or turn this off and on again.";
     server.home().write(entry, "[Desktop Entry]\nType=Application\nName=Ferrowyn\nExec=" FERROWYN_PROGRAM
                                "\nX-GNOME-Autostart-enabled=false\n");
     startTray();
+    // The desktop's own settings for autostart, as Xfce has them.
+    const auto folder = server.home().path() + "/programs";
+    server.home().write("programs/xfce4-session-settings", "#!/bin/sh\n: >\"$HOME/settings-opened\"\n");
+    std::filesystem::permissions(folder + "/xfce4-session-settings", std::filesystem::perms::owner_all);
+    furtherEnvironment = {{"XDG_CURRENT_DESKTOP", "XFCE"}, {"PATH", folder + ":" + std::getenv("PATH")}};
     start();
     open("--settings", settingsTitle);
     expectChecked(settingsTitle, "check box", "Launch Ferrowyn at login", true);
     EXPECT_TRUE(shows(settingsTitle, "label", turnedOff));
     EXPECT_TRUE(shows(settingsTitle, "push button", "Open Autostart Settings"));
+    click(settingsTitle, "push button", "Open Autostart Settings");
+    EXPECT_TRUE(desktop.waitUntil([&] { return std::filesystem::exists(server.home().path() + "/settings-opened"); }))
+        << "waited for the desktop's own settings to be started";
     openMenu();
     EXPECT_EQ(menuRow("Launch at Login").description, turnedOff);
     EXPECT_TRUE(menuRow("Launch at Login").is(State::checked));

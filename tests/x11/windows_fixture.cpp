@@ -45,6 +45,9 @@ void WindowsFixture::start() {
     // Nothing listens there: looking for updates fails at once, and no test asks the network.
     options.environment["https_proxy"] = "http://127.0.0.1:9";
     options.environment["QT_QPA_PLATFORM"] = "xcb";
+    for (const auto& [name, value] : furtherEnvironment) {
+        options.environment[name] = value;
+    }
     program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
     ASSERT_TRUE(program->waitUntilActive()) << "waited for the services; it said: " << program->process().output();
     ASSERT_TRUE(program->waitForList(windowCount, windows.back()->id())) << program->process().output();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -85,6 +86,8 @@ protected:
     /// As the copyright line has it.
     [[nodiscard]] static std::string thisYear();
 
+    /// What the program's environment has beside the usual.
+    std::map<std::string, std::string> furtherEnvironment;
     ApplicationProcess browser;
     std::unique_ptr<AccessibilityClient> reader;
     std::unique_ptr<TrayHostProcess> tray;

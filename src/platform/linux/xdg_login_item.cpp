@@ -72,6 +72,15 @@ bool contains(const std::optional<std::vector<std::string>>& list, const std::st
     return list && std::ranges::find(*list, item) != list->end();
 }
 
+/// An empty list removes the key.
+void setList(DesktopFileDocument& entry, std::string_view key, const std::vector<std::string>& items) {
+    if (items.empty()) {
+        entry.remove(key);
+        return;
+    }
+    entry.set(key, fmt::format("{};", fmt::join(items, ";")));
+}
+
 }  // namespace
 
 XdgLoginItem::Session XdgLoginItem::Session::fromEnvironment() {
@@ -141,6 +150,21 @@ bool XdgLoginItem::isShownHere(const DesktopFileDocument& entry) const {
         }
     }
     return !only.has_value();
+}
+
+void XdgLoginItem::showHere(DesktopFileDocument& entry) const {
+    if (isShownHere(entry)) {
+        return;
+    }
+    if (auto never = entry.list("NotShowIn")) {
+        std::erase_if(*never, [&](const auto& desktop) { return contains(currentDesktops_, desktop); });
+        setList(entry, "NotShowIn", *never);
+    }
+    if (auto only = entry.list("OnlyShowIn"); only && !isShownHere(entry)) {
+        // A session that does not say which desktop it is starts only what is meant for every desktop.
+        only->insert(only->end(), currentDesktops_.begin(), currentDesktops_.end());
+        setList(entry, "OnlyShowIn", currentDesktops_.empty() ? std::vector<std::string>{} : *only);
+    }
 }
 
 bool XdgLoginItem::startsSomething(const DesktopFileDocument& entry) const {
@@ -215,6 +239,7 @@ std::optional<LoginItem::Error> XdgLoginItem::registerProgram() {
     }
     entry.remove("Hidden");
     entry.remove(turnedOffByProgram);
+    showHere(entry);
     return write(entry);
 }
 

@@ -56,6 +56,8 @@ private:
     [[nodiscard]] std::optional<DesktopFileDocument> systemEntry() const;
     [[nodiscard]] bool isTurnedOff(const DesktopFileDocument& entry) const;
     [[nodiscard]] bool isShownHere(const DesktopFileDocument& entry) const;
+    /// Changes the desktops that the entry is meant for so that this one is among them.
+    void showHere(DesktopFileDocument& entry) const;
     [[nodiscard]] bool startsSomething(const DesktopFileDocument& entry) const;
     [[nodiscard]] bool startsThisProgram(const DesktopFileDocument& entry) const;
     /// Starts this program by way of another one, such as a shell that waits first.

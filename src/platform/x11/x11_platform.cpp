@@ -1,6 +1,7 @@
 #include "platform/x11/x11_platform.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
 #include <QDesktopServices>
 #include <QUrl>
 #include <atomic>
@@ -9,6 +10,7 @@
 
 #include "core/text_table.h"
 #include "platform/linux/application_id.h"
+#include "platform/linux/autostart_settings.h"
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/journal_log.h"
@@ -129,18 +131,25 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       inventory(reader, monitor.model(), directory, history, scale),
       observers(monitor.model()),
       control(mainLoop, monitor, atoms, inputContext, log),
-      workspace(
-          monitor,
-          {.installedApplicationName = [this](std::string_view identifier) -> std::optional<std::string> {
-               const auto entry = entries.byId(identifier);
-               return entry ? std::optional(entry->name) : std::nullopt;
-           },
-           .installedApplicationPath = [this](std::string_view identifier) -> std::optional<std::string> {
-               const auto entry = entries.byId(identifier);
-               return entry ? std::optional(entry->path) : std::nullopt;
-           },
-           .openAddress = openAddress,
-           .openSettingsPage = [this](std::string_view url) { return openSettingsPage && openSettingsPage(url); }}),
+      workspace(monitor,
+                {.installedApplicationName = [this](std::string_view identifier) -> std::optional<std::string> {
+                     const auto entry = entries.byId(identifier);
+                     return entry ? std::optional(entry->name) : std::nullopt;
+                 },
+                 .installedApplicationPath = [this](std::string_view identifier) -> std::optional<std::string> {
+                     const auto entry = entries.byId(identifier);
+                     return entry ? std::optional(entry->path) : std::nullopt;
+                 },
+                 .openAddress = openAddress,
+                 .openSettingsPage =
+                     [this](std::string_view url) {
+                         if (url == settings_page::loginItems) {
+                             return openAutostartSettings(
+                                 QDBusConnection::sessionBus(), loginItem.userEntry(),
+                                 [](const QString& address) { openAddress(address.toStdString()); });
+                         }
+                         return openSettingsPage && openSettingsPage(url);
+                     }}),
       application(monitor.model(), control),
       icons(monitor, atoms, entries),
       httpClient(mainLoop, backgroundWork),

@@ -234,13 +234,29 @@ TEST_F(XdgLoginItemTest, WhatTheUserTurnsOffAgainByHandNeedsApproval) {
     EXPECT_EQ(statusOf(userText() + "Hidden=true\n"), Status::requiresApproval);
 }
 
-TEST_F(XdgLoginItemTest, AnEntryForOtherDesktopsStaysOne) {
-    write(userEntry(), entry("OnlyShowIn=KDE;\n"));
+TEST_F(XdgLoginItemTest, RegisteringAnEntryForOtherDesktopsMakesItOneForThisDesktopToo) {
+    const auto registered = [&](const char* desktops) {
+        write(userEntry(), entry(desktops));
+        EXPECT_EQ(item().status(), Status::requiresApproval) << desktops;
+        EXPECT_EQ(item().registerProgram(), std::nullopt);
+        EXPECT_EQ(item().status(), Status::enabled) << desktops;
+        return userText();
+    };
+    EXPECT_THAT(registered("OnlyShowIn=KDE;XFCE;\n"), HasSubstr("OnlyShowIn=KDE;XFCE;ubuntu;GNOME;\n"));
+    EXPECT_THAT(registered("NotShowIn=KDE;GNOME;\n"), HasSubstr("NotShowIn=KDE;\n"));
+    EXPECT_THAT(registered("NotShowIn=GNOME;\n"), Not(HasSubstr("NotShowIn")));
+    EXPECT_THAT(registered("OnlyShowIn=GNOME;\nNotShowIn=ubuntu;\n"),
+                testing::AllOf(HasSubstr("OnlyShowIn=GNOME;\n"), Not(HasSubstr("NotShowIn"))));
+    currentDesktop = "";
+    EXPECT_THAT(registered("OnlyShowIn=KDE;\n"), Not(HasSubstr("OnlyShowIn")));
+}
+
+TEST_F(XdgLoginItemTest, AnEntryForThisDesktopKeepsTheDesktopsItIsMeantFor) {
+    write(userEntry(), entry("Hidden=true\nOnlyShowIn=KDE;GNOME;\nNotShowIn=XFCE;\n"));
     EXPECT_EQ(item().registerProgram(), std::nullopt);
-    EXPECT_EQ(item().status(), Status::requiresApproval);
+    EXPECT_THAT(userText(), HasSubstr("OnlyShowIn=KDE;GNOME;\nNotShowIn=XFCE;\n"));
     EXPECT_EQ(item().unregisterProgram(), std::nullopt);
-    EXPECT_EQ(item().status(), Status::notRegistered);
-    EXPECT_THAT(userText(), HasSubstr("OnlyShowIn=KDE;\n"));
+    EXPECT_THAT(userText(), HasSubstr("OnlyShowIn=KDE;GNOME;\nNotShowIn=XFCE;\n"));
 }
 
 TEST_F(XdgLoginItemTest, AnEntryThatIsALinkStaysOne) {

@@ -1,0 +1,95 @@
+#include "platform/linux/autostart_settings.h"
+
+#include <QDBusConnection>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+#include <algorithm>
+#include <array>
+#include <system_error>
+#include <utility>
+
+#include "platform/linux/file_manager.h"
+
+namespace ferrowyn {
+
+namespace {
+
+struct DesktopSettings {
+    std::string_view desktop;
+    std::string_view program;
+    /// The page, for programs that have several.
+    std::string_view page;
+};
+
+/// In the order of preference: KDE's settings application shows the page among the others, its older loaders alone.
+/// GNOME's own settings have no such page; its Tweaks do.
+constexpr std::array settingsOfDesktops{
+    DesktopSettings{"XFCE", "xfce4-session-settings", ""},
+    DesktopSettings{"MATE", "mate-session-properties", ""},
+    DesktopSettings{"LXQt", "lxqt-config-session", ""},
+    DesktopSettings{"LXDE", "lxsession-edit", ""},
+    DesktopSettings{"X-Cinnamon", "cinnamon-settings", "startup"},
+    DesktopSettings{"KDE", "systemsettings", "kcm_autostart"},
+    DesktopSettings{"KDE", "systemsettings5", "kcm_autostart"},
+    DesktopSettings{"KDE", "kcmshell5", "kcm_autostart"},
+    DesktopSettings{"GNOME", "gnome-tweaks", ""},
+};
+
+QString environmentText(const char* variable) {
+    return QString::fromLocal8Bit(qgetenv(variable));
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> autostartSettingsCommand(std::string_view currentDesktop,
+                                                                 std::string_view searchPath) {
+    const auto split = [](std::string_view text) {
+        return QString::fromLocal8Bit(text.data(), static_cast<qsizetype>(text.size())).split(u':', Qt::SkipEmptyParts);
+    };
+    const QStringList desktops = split(currentDesktop);
+    const QStringList folders = split(searchPath);
+    for (const auto& settings : settingsOfDesktops) {
+        if (folders.isEmpty() || !desktops.contains(QLatin1String(settings.desktop.data(),
+                                                                  static_cast<qsizetype>(settings.desktop.size())))) {
+            continue;
+        }
+        const auto program = QStandardPaths::findExecutable(
+            QString::fromLatin1(settings.program.data(), static_cast<qsizetype>(settings.program.size())), folders);
+        if (!program.isEmpty()) {
+            std::vector<std::string> command{program.toLocal8Bit().toStdString()};
+            if (!settings.page.empty()) {
+                command.emplace_back(settings.page);
+            }
+            return command;
+        }
+    }
+    return std::nullopt;
+}
+
+bool openAutostartSettings(const QDBusConnection& bus, const std::filesystem::path& entry,
+                           std::function<void(const QString& address)> openAddress) {
+    if (const auto command = autostartSettingsCommand(environmentText("XDG_CURRENT_DESKTOP").toStdString(),
+                                                      environmentText("PATH").toStdString())) {
+        QStringList arguments;
+        for (auto argument = command->begin() + 1; argument != command->end(); ++argument) {
+            arguments.append(QString::fromStdString(*argument));
+        }
+        return QProcess::startDetached(QString::fromStdString(command->front()), arguments);
+    }
+    std::error_code error;
+    if (std::filesystem::exists(entry, error)) {
+        revealInFileManager(bus, entry, std::move(openAddress));
+        return true;
+    }
+    auto folder = entry.parent_path();
+    while (folder.has_relative_path() && !std::filesystem::is_directory(folder, error)) {
+        folder = folder.parent_path();
+    }
+    openAddress(QUrl::fromLocalFile(QString::fromStdString(folder.string())).toString(QUrl::FullyEncoded));
+    return true;
+}
+
+}  // namespace ferrowyn
