@@ -11,7 +11,7 @@ build_packages=(
 
 # What the program finds on any desktop and a bare machine lacks.
 runtime_packages=(
-  adwaita-icon-theme hicolor-icon-theme libqt6svg6 qt6-qpa-plugins
+  adwaita-icon-theme ca-certificates hicolor-icon-theme libqt6svg6 qt6-qpa-plugins
   fonts-dejavu-core fonts-inter fonts-noto-cjk fonts-noto-color-emoji fonts-noto-core
 )
 

@@ -30,7 +30,10 @@ bool isSecure(const QUrl& address) {
 
 QSslConfiguration configurationWith(const QList<QSslCertificate>& furtherAuthorities) {
     auto configuration = QSslConfiguration::defaultConfiguration();
-    configuration.addCaCertificates(furtherAuthorities);
+    if (!furtherAuthorities.empty()) {
+        // A list that was touched is taken for the whole: the toolkit then looks nothing up in the system's folders.
+        configuration.setCaCertificates(QSslConfiguration::systemCaCertificates() + furtherAuthorities);
+    }
     return configuration;
 }
 

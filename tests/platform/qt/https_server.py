@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """HTTPS servers with a certificate authority of their own, made on the spot, for tests of a client.
 
-Usage: https_server.py FOLDER. Writes FOLDER/ca.pem, prints the ports as one line of JSON, and serves until its standard
-input ends. Every server answers as the query parameter "v" asks for; see BEHAVIOURS.
+Usage: https_server.py FOLDER. Writes FOLDER/ca.pem and FOLDER/store, a folder as a system keeps its trusted authorities
+in, prints the ports as one line of JSON, and serves until its standard input ends. Every server answers as the query
+parameter "v" asks for; see `behave`.
 """
 
 import json
@@ -46,6 +47,14 @@ def make_certificate(folder, name, authority, alternative_names, days="2"):
     (folder / f"{name}.ext").write_text(f"subjectAltName={alternative_names}\n", encoding="ascii")
     openssl(folder, "x509", "-req", "-in", f"{name}.csr", "-CA", f"{authority}.pem", "-CAkey", f"{authority}.key",
             "-CAcreateserial", "-days", days, "-extfile", f"{name}.ext", "-out", f"{name}.pem")
+
+
+def make_store(folder, authority):
+    """With links named by a hash, by which an authority is found at the moment it is needed."""
+    store = folder / "store"
+    store.mkdir()
+    (store / "authority.pem").write_bytes((folder / f"{authority}.pem").read_bytes())
+    openssl(folder, "rehash", "store")
 
 
 def answer(connection, status, body=b"", **headers):
@@ -145,6 +154,7 @@ def main():
     here = "IP:127.0.0.1,DNS:localhost"
     make_authority(folder, "ca")
     make_authority(folder, "stranger")
+    make_store(folder, "ca")
     make_certificate(folder, "good", "ca", here)
     make_certificate(folder, "unknown", "stranger", here)
     make_certificate(folder, "other-host", "ca", "DNS:elsewhere.example")

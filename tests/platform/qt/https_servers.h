@@ -33,6 +33,8 @@ public:
     [[nodiscard]] QList<QSslCertificate> authority() const {
         return QSslCertificate::fromPath(QString::fromStdString((folder_.path() / "ca.pem").string()));
     }
+    /// A folder of trusted authorities as a system has one, with that one in it.
+    [[nodiscard]] std::string store() const { return (folder_.path() / "store").string(); }
     /// "127.0.0.1:port" of the server with this kind of certificate.
     [[nodiscard]] std::string host(const char* certificate = "good") const {
         return "127.0.0.1:" + std::to_string(ports_[certificate].toInt());
