@@ -1,3 +1,8 @@
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/x11/harness/application_process.h"
 #include "tests/x11/inventory_fixture.h"
 
 namespace ferrowyn::x11test {
@@ -121,6 +126,47 @@ TEST_P(ActivationTest, LeavesTheFocusWithAWindowThatTheUserClickedOnTheNewDeskto
     ASSERT_TRUE(isSeenActive(other.id()));
     EXPECT_THAT(announced, testing::ElementsAre(parts.monitor.model().find(other.id())->pid));
 }
+
+/// What is listed when the last window has gone, which some managers say by deleting their list.
+class LastWindowTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(LastWindowTest, LeavesNoGhostAndItsNumberToTheNextOne) {
+    const PrivateXServer server;
+    const WindowManagerProcess manager(server, GetParam());
+    AdapterParts parts(server.display());
+    parts.reader.keepLastingFacts();
+    const auto forgetting =
+        parts.monitor.windowReadings().subscribe([&](const auto& windows) { parts.reader.forget(windows); });
+    std::optional<ApplicationProcess> first(std::in_place, server, "First", std::vector<std::string>{"Old"});
+    const auto window = first->windows().front();
+    ASSERT_TRUE(parts.runUntil([&] { return parts.listedWindow(window).has_value(); }));
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    first.reset();
+    EXPECT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window) == nullptr; }));
+    EXPECT_FALSE(parts.listedWindow(window).has_value());
+    // The server gives the place of a client that has gone, and with it the numbers, to the next one.
+    const ApplicationProcess second(server, "Second", {"New"});
+    ASSERT_EQ(second.windows().front(), window);
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    EXPECT_EQ(parts.monitor.model().find(window)->pid, second.pid());
+    EXPECT_EQ(parts.listedWindow(window)->ownerPid, second.pid());
+}
+
+TEST_P(LastWindowTest, IsNotListedAnyMoreOnceItIsWithdrawn) {
+    const PrivateXServer server;
+    const WindowManagerProcess manager(server, GetParam());
+    TestDesktop desktop(server.display());
+    AdapterParts parts(server.display());
+    TestWindow only(server.display(), {.title = "Only"});
+    ASSERT_TRUE(desktop.waitForActiveWindow(only.id()));
+    ASSERT_TRUE(parts.runUntilKnown(only.id()));
+    only.unmap();
+    EXPECT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(only.id()) == nullptr; }));
+    EXPECT_FALSE(parts.listedWindow(only.id()).has_value());
+}
+
+INSTANTIATE_TEST_SUITE_P(Managers, LastWindowTest, testing::Values("openbox", "xfwm4"),
+                         [](const auto& instance) { return std::string(instance.param); });
 
 INSTANTIATE_TEST_SUITE_P(Managers, ActivationTest, testing::Values("openbox", "xfwm4"),
                          [](const auto& instance) { return std::string(instance.param); });

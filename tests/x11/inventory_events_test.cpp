@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "platform/simulated/simulated_main_loop.h"
 #include "platform/x11/x11_server_time.h"
@@ -28,6 +31,24 @@ protected:
     }
     std::unique_ptr<AccessibilityObserver> observeSelf() {
         return parts.observers.create(getpid(), [this](std::string_view name) { seen.emplace_back(name); });
+    }
+
+    /// Every reading of both kinds has the same windows.
+    void expectListed(const std::vector<xcb_window_t>& windows) {
+        EXPECT_EQ(parts.monitor.model().order(), windows);
+        std::vector<xcb_window_t> listed;
+        const auto list = parts.read()->windowList();
+        ASSERT_TRUE(list.has_value());
+        for (const auto& entry : *list) {
+            listed.push_back(entry.id.value_or(0));
+        }
+        EXPECT_EQ(listed, windows);
+    }
+    /// Returns when everything that the server has told by now has been handled.
+    void settle() {
+        bool isAnswered = false;
+        parts.monitor.connection().whenAnswered([&] { isAnswered = true; });
+        ASSERT_TRUE(parts.runUntil([&] { return isAnswered; }));
     }
 
     PrivateXServer server;
@@ -151,6 +172,118 @@ TEST_F(InventoryEventsTest, LosesTrustWithTheManagerAndFindsItWithTheNext) {
     ScriptedManager next(server.display());
     ASSERT_TRUE(parts.runUntil([&] { return hints == 2; }));
     EXPECT_TRUE(trust.requestWithPrompt());
+}
+
+TEST_F(InventoryEventsTest, NoListOfALivingManagerIsAnEmptyOne) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    expectListed({window});
+    manager.removeFromRoot("_NET_CLIENT_LIST_STACKING");
+    ASSERT_TRUE(runUntilSeen("didTerminate"));
+    expectListed({});
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    expectListed({window});
+}
+
+TEST_F(InventoryEventsTest, TheWindowsStayUntilTheNextManagerHasListedThem) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    expectListed({window});
+    manager.die();
+    manager.removeFromRoot("_NET_CLIENT_LIST_STACKING");
+    ASSERT_TRUE(parts.runUntil([&] { return !parts.monitor.model().isWindowManagerRunning(); }));
+    expectListed({window});
+    const auto check = manager.createWindow(-10, -10, 1, 1);
+    manager.set(check, "_NET_SUPPORTING_WM_CHECK", "WINDOW", 32, &check, 1);
+    manager.set(manager.root(), "_NET_SUPPORTING_WM_CHECK", "WINDOW", 32, &check, 1);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().isWindowManagerRunning(); }));
+    expectListed({window});
+    manager.publishStacking({});
+    ASSERT_TRUE(runUntilSeen("didTerminate"));
+    expectListed({});
+}
+
+TEST_F(InventoryEventsTest, ADestroyedWindowIsGoneThoughItIsStillListed) {
+    const auto window = manager.createWindow();
+    const auto other = manager.createWindow();
+    manager.publishStacking({window, other});
+    ASSERT_TRUE(parts.runUntilKnown(other));
+    manager.destroyWindow(window);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window) == nullptr; }));
+    expectListed({other});
+}
+
+TEST_F(InventoryEventsTest, AWindowWithTheNumberOfAnotherOneIsReadAnew) {
+    parts.reader.keepLastingFacts();
+    const auto forgetting =
+        parts.monitor.windowReadings().subscribe([this](const auto& windows) { parts.reader.forget(windows); });
+    std::optional<ApplicationProcess> first(std::in_place, server, "First", std::vector<std::string>{"Old"});
+    const auto window = first->windows().front();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    expectListed({window});
+    // The server gives the place of a client that has gone, and with it the numbers, to the next one.
+    first.reset();
+    const ApplicationProcess second(server, "Second", {"New"});
+    ASSERT_EQ(second.windows().front(), window);
+    manager.publishStacking({window});
+    EXPECT_TRUE(parts.runUntil([&] {
+        const auto* const facts = parts.monitor.model().find(window);
+        return facts != nullptr && facts->pid == second.pid();
+    }));
+    EXPECT_EQ(parts.listedWindow(window)->ownerPid, second.pid());
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+    EXPECT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window)->isHidden; })) << "not listened to";
+}
+
+TEST_F(InventoryEventsTest, AListMayNameTheRootAndAWindowTwice) {
+    const auto window = manager.createWindow();
+    const auto other = manager.createWindow();
+    manager.publishStacking({manager.root(), window, window, XCB_WINDOW_NONE, other, window});
+    ASSERT_TRUE(parts.runUntilKnown(other));
+    expectListed({other, window});
+}
+
+TEST_F(InventoryEventsTest, WhoNamesAnotherWindowAsTheManagersDoesNotMakeItDeaf) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    for (const auto named : {manager.root(), window, xcb_window_t{1U << 26U}}) {
+        manager.set(manager.root(), "_NET_SUPPORTING_WM_CHECK", "WINDOW", 32, &named, 1);
+        settle();
+        const auto next = manager.createWindow();
+        manager.publishStacking({window, next});
+        EXPECT_TRUE(parts.runUntilKnown(next)) << named;
+        manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+        EXPECT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window)->isHidden; })) << named;
+        manager.setAtoms(window, "_NET_WM_STATE", {});
+        EXPECT_TRUE(parts.runUntil([&] { return !parts.monitor.model().find(window)->isHidden; })) << named;
+        EXPECT_TRUE(parts.monitor.model().isWindowManagerRunning()) << named;
+    }
+    manager.die();
+    EXPECT_TRUE(parts.runUntil([&] { return !parts.monitor.model().isWindowManagerRunning(); }));
+}
+
+TEST_F(InventoryEventsTest, AnEndThatAnotherClientTellsOfIsNone) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    xcb_destroy_notify_event_t lie{};
+    lie.response_type = XCB_DESTROY_NOTIFY;
+    lie.event = window;
+    lie.window = window;
+    xcb_send_event(manager.connection(), 0, window, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&lie));
+    // Heard after the lie.
+    manager.set(window, "_NET_WM_NAME", "UTF8_STRING", 8, "New", 3);
+    bool isHeard = false;
+    const auto titles = parts.monitor.model().notifications().subscribe(
+        [&](const X11AccessibilityNotification& told) { isHeard = isHeard || told.name == "AXTitleChanged"; });
+    ASSERT_TRUE(parts.runUntil([&] { return isHeard; }));
+    expectListed({window});
 }
 
 TEST_F(InventoryEventsTest, AsksForAProbeOnlyWhileTheKeyboardIsHeldElsewhere) {

@@ -263,9 +263,17 @@ TEST_F(InventorySnapshotTest, SkipsWindowsThatVanishedAfterTheListWasRead) {
 TEST_F(InventorySnapshotTest, KeepsTheWindowsWhileAManagerIsBeingReplaced) {
     const auto window = onlyWindow();
     ASSERT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    manager.die();
     manager.removeFromRoot("_NET_CLIENT_LIST_STACKING");
     EXPECT_THAT(idsOf(*parts.read()), ElementsAre(window));
     manager.publishStacking({});
+    EXPECT_THAT(idsOf(*parts.read()), IsEmpty());
+}
+
+TEST_F(InventorySnapshotTest, TakesAListThatItsManagerHasDeletedForEmpty) {
+    const auto window = onlyWindow();
+    ASSERT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    manager.removeFromRoot("_NET_CLIENT_LIST_STACKING");
     EXPECT_THAT(idsOf(*parts.read()), IsEmpty());
 }
 

@@ -88,23 +88,47 @@ void X11DesktopModel::update(X11WindowFacts window, Announcements& announcements
 
 void X11DesktopModel::removeUnlisted(Announcements& announcements) {
     const std::unordered_set<xcb_window_t> listed(order_.begin(), order_.end());
-    std::unordered_map<Pid, std::vector<X11WindowFacts>> removed;
+    std::vector<X11WindowFacts> removed;
     for (auto entry = windows_.begin(); entry != windows_.end();) {
         if (listed.contains(entry->first)) {
             ++entry;
             continue;
         }
-        announcements.notifications.push_back({entry->second.pid, entry->first, "AXUIElementDestroyed"});
-        history_.forget(entry->first);
-        removed[entry->second.pid].push_back(std::move(entry->second));
+        removed.push_back(std::move(entry->second));
         entry = windows_.erase(entry);
     }
-    for (const auto& [pid, windows] : removed) {
+    announceRemoved(std::move(removed), announcements);
+}
+
+void X11DesktopModel::forget(xcb_window_t window) {
+    const auto found = windows_.find(window);
+    if (found == windows_.end()) {
+        return;
+    }
+    std::vector<X11WindowFacts> removed;
+    removed.push_back(std::move(found->second));
+    windows_.erase(found);
+    std::erase(order_, window);
+    Announcements announcements;
+    announceRemoved(std::move(removed), announcements);
+    send(announcements);
+}
+
+/// Their facts are no longer among the windows.
+void X11DesktopModel::announceRemoved(std::vector<X11WindowFacts> windows, Announcements& announcements) {
+    std::unordered_map<Pid, std::vector<const X11WindowFacts*>> removed;
+    for (const auto& window : windows) {
+        announcements.notifications.push_back({window.pid, window.id, "AXUIElementDestroyed"});
+        history_.forget(window.id);
+        if (reportedActive_ == window.id) {
+            reportedActive_ = XCB_WINDOW_NONE;
+        }
+        removed[window.pid].push_back(&window);
+    }
+    for (const auto& [pid, last] : removed) {
         if (!factsOf(pid).empty()) {
             continue;
         }
-        std::vector<const X11WindowFacts*> last;
-        std::ranges::transform(windows, std::back_inserter(last), [](const auto& window) { return &window; });
         auto application = directory_.describe(pid, last);
         application.isTerminated = true;
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didTerminate, std::move(application)});

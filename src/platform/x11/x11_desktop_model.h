@@ -27,6 +27,8 @@ public:
     /// A newer state: the root, and the facts of the windows that are new or have changed.
     void apply(const X11RootFacts& root, bool isWindowManagerRunning, std::vector<X11WindowFacts> changedWindows);
     void noteTitleChanged(xcb_window_t window);
+    /// The window has been destroyed, whether or not the manager still lists it; its number may become another's.
+    void forget(xcb_window_t window);
 
     enum class Path {
         onOneDesktop,
@@ -83,6 +85,7 @@ private:
     /// Looks at the active window in the light of the expectation; the window that has lost the focus, if one has.
     std::optional<xcb_window_t> reviewExpectation();
     void removeUnlisted(Announcements& announcements);
+    void announceRemoved(std::vector<X11WindowFacts> windows, Announcements& announcements);
     void update(X11WindowFacts window, Announcements& announcements);
     void announceLaunchesAndWindows(const std::vector<xcb_window_t>& created, std::unordered_set<Pid> knownProcesses,
                                     Announcements& announcements) const;

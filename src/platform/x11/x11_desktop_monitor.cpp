@@ -16,7 +16,9 @@ namespace {
 /// Longer than any manager takes for an activation, shorter than a user takes for the next.
 constexpr Seconds activationGrace = std::chrono::milliseconds(300);
 
-constexpr std::uint8_t sentEventBit = 0x80;
+/// Of every foreign window the same, as one selection replaces another: the manager's window may be named as one that
+/// is listed, or as the root.
+constexpr std::uint32_t heardOfWindows = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
 
 /// What is read here is read because it has changed.
 const X11WindowBatch::KnownWindows nothingKnown;
@@ -39,8 +41,7 @@ X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Conn
 
 void X11DesktopMonitor::subscribeToRoot() {
     auto* const xcb = connection_.get();
-    const std::uint32_t rootMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(xcb, connection_.root(), XCB_CW_EVENT_MASK, &rootMask);
+    listenTo(connection_.root());
 
     clockWindow_ = xcb_generate_id(xcb);
     const std::array<std::uint32_t, 2> values{1, XCB_EVENT_MASK_PROPERTY_CHANGE};
@@ -60,27 +61,39 @@ void X11DesktopMonitor::subscribeToRoot() {
 void X11DesktopMonitor::readFirstTime() {
     const auto root = X11RootRequests(connection_.get(), connection_.root(), atoms_).collect(connection_.get(), atoms_);
     const auto check = requestManagerCheck(root);
-    const auto windows = windowsToRead(root);
-    subscribeToWindows(windows);
-    auto answer = X11WindowBatch(connection_.get(), root, atoms_, owners_, windows,
+    auto answer = X11WindowBatch(connection_.get(), root, atoms_, owners_, windowsToRead(root),
                                  X11WindowBatch::Fallbacks::atOnceWithoutTitles, nothingKnown)
                       .collect();
-    model_.apply(root, collectManagerCheck(root, check), std::move(answer.windows));
+    applyReading(root, check, std::move(answer.windows));
 }
 
 void X11DesktopMonitor::handleEvent(const xcb_generic_event_t& event) {
-    const auto type = static_cast<std::uint8_t>(event.response_type & ~sentEventBit);
+    const auto type = event.response_type;
     if (type == XCB_PROPERTY_NOTIFY) {
         handleProperty(reinterpret_cast<const xcb_property_notify_event_t&>(event));
     } else if (type == XCB_DESTROY_NOTIFY) {
-        // The manager's own window is the only one whose end is listened to: the manager has gone.
-        isRootChanged_ = true;
-        readAgain();
+        handleDestroyed(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
     } else if (hasRandr_ && (type == randrFirstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                              type == randrFirstEvent_ + XCB_RANDR_NOTIFY)) {
         screenChanges_.send(true);
     }
     // Errors are of windows that vanished before a request reached them: nothing to do.
+}
+
+void X11DesktopMonitor::handleDestroyed(xcb_window_t window) {
+    if (isReading_) {
+        destroyedMeanwhile_.insert(window);
+    }
+    changedWindows_.erase(window);
+    if (model_.find(window) != nullptr) {
+        // At once: the manager may take its time to say so, and the next window may have the same number by then.
+        windowReadings_.send({window});
+        model_.forget(window);
+        return;
+    }
+    // Perhaps the manager's own: then it has gone.
+    isRootChanged_ = true;
+    readAgain();
 }
 
 void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event) {
@@ -131,60 +144,56 @@ void X11DesktopMonitor::readAgain() {
 void X11DesktopMonitor::readWindows(const X11RootFacts& root) {
     const auto check = requestManagerCheck(root);
     const auto windows = windowsToRead(root);
-    subscribeToWindows(windows);
     auto batch = std::make_shared<X11WindowBatch>(connection_.get(), root, atoms_, owners_, windows,
                                                   X11WindowBatch::Fallbacks::atOnceWithoutTitles, nothingKnown);
     connection_.whenAnswered([this, root, check, batch, windows] {
         auto answer = batch->collect();
         isReading_ = false;
+        const auto destroyed = std::exchange(destroyedMeanwhile_, {});
+        std::erase_if(answer.windows, [&](const auto& window) { return destroyed.contains(window.id); });
+        // The number may be another window's by now, which is listed and not known.
+        isRootChanged_ = isRootChanged_ || !destroyed.empty();
         // Before whoever hears of the change has the whole desktop read.
         windowReadings_.send(windows);
-        model_.apply(root, collectManagerCheck(root, check), std::move(answer.windows));
+        applyReading(root, check, std::move(answer.windows));
         readAgain();
     });
 }
 
+void X11DesktopMonitor::applyReading(X11RootFacts root, const X11ManagerCheck::Requests& check,
+                                     std::vector<X11WindowFacts> windows) {
+    const auto manager = managerCheck_.collect(connection_.get(), check);
+    publisher_.settle(root, manager);
+    model_.apply(root, manager != XCB_WINDOW_NONE, std::move(windows));
+}
+
+/// Of the listed windows those that are new or have changed; they are listened to before they are read, so that no
+/// change falls between the two.
 std::vector<xcb_window_t> X11DesktopMonitor::windowsToRead(const X11RootFacts& root) {
     const auto changed = std::exchange(changedWindows_, {});
     std::vector<xcb_window_t> windows;
     if (!root.stacking) {
         std::ranges::copy_if(changed, std::back_inserter(windows),
                              [&](xcb_window_t window) { return model_.find(window) != nullptr; });
-        return windows;
+    } else {
+        std::ranges::copy_if(*root.stacking, std::back_inserter(windows), [&](xcb_window_t window) {
+            return changed.contains(window) || model_.find(window) == nullptr;
+        });
     }
-    std::unordered_set<xcb_window_t> listed;
-    for (const auto window : *root.stacking) {
-        if (listed.insert(window).second && (changed.contains(window) || model_.find(window) == nullptr)) {
-            windows.push_back(window);
-        }
-    }
-    std::erase_if(subscribed_, [&](xcb_window_t window) { return !listed.contains(window); });
+    // Again and again for some: a window's number may have become another's, which nobody has listened to yet.
+    std::ranges::for_each(windows, [this](xcb_window_t window) { listenTo(window); });
     return windows;
 }
 
-void X11DesktopMonitor::subscribeToWindows(const std::vector<xcb_window_t>& windows) {
-    // Before they are read, so that no change falls between the two.
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    for (const auto window : windows) {
-        if (subscribed_.insert(window).second) {
-            xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &mask);
-        }
-    }
+void X11DesktopMonitor::listenTo(xcb_window_t window) {
+    xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &heardOfWindows);
 }
 
-xcb_get_property_cookie_t X11DesktopMonitor::requestManagerCheck(const X11RootFacts& root) {
+X11ManagerCheck::Requests X11DesktopMonitor::requestManagerCheck(const X11RootFacts& root) {
     if (root.supportingWmCheck != XCB_WINDOW_NONE) {
-        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        xcb_change_window_attributes(connection_.get(), root.supportingWmCheck, XCB_CW_EVENT_MASK, &mask);
+        listenTo(root.supportingWmCheck);
     }
-    return xcb_get_property(connection_.get(), 0, root.supportingWmCheck, atoms_.netSupportingWmCheck, XCB_ATOM_WINDOW,
-                            0, 1);
-}
-
-bool X11DesktopMonitor::collectManagerCheck(const X11RootFacts& root, xcb_get_property_cookie_t cookie) {
-    // A manager that was killed leaves its property on the root; the window it names is gone, or another's.
-    const auto claimed = X11Property::collect(connection_.get(), cookie).item(XCB_ATOM_WINDOW);
-    return root.supportingWmCheck != XCB_WINDOW_NONE && claimed == root.supportingWmCheck;
+    return managerCheck_.request(connection_.get(), root, atoms_);
 }
 
 void X11DesktopMonitor::expectActive(xcb_window_t window, X11DesktopModel::Path path) {

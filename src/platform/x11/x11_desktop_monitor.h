@@ -11,6 +11,7 @@
 #include "platform/x11/x11_desktop_model.h"
 #include "platform/x11/x11_event_connection.h"
 #include "platform/x11/x11_owners.h"
+#include "platform/x11/x11_root_facts.h"
 #include "platform/x11/x11_window_batch.h"
 
 namespace ferrowyn {
@@ -39,7 +40,7 @@ public:
     /// The server's time at the latest event seen here; never 0.
     [[nodiscard]] xcb_timestamp_t latestServerTime() const { return latestServerTime_; }
 
-    /// These windows are new or have changed, and have just been read; what others knew of them may be old.
+    /// These windows are new, have changed, or are gone; what others knew of them may be old.
     [[nodiscard]] const Subject<std::vector<xcb_window_t>>& windowReadings() const { return windowReadings_; }
 
     /// The window carries another icon from now on.
@@ -53,12 +54,13 @@ private:
     void readFirstTime();
     void handleEvent(const xcb_generic_event_t& event);
     void handleProperty(const xcb_property_notify_event_t& event);
+    void handleDestroyed(xcb_window_t window);
     void readAgain();
     void readWindows(const X11RootFacts& root);
-    void subscribeToWindows(const std::vector<xcb_window_t>& windows);
+    void listenTo(xcb_window_t window);
     [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
-    [[nodiscard]] xcb_get_property_cookie_t requestManagerCheck(const X11RootFacts& root);
-    [[nodiscard]] bool collectManagerCheck(const X11RootFacts& root, xcb_get_property_cookie_t cookie);
+    [[nodiscard]] X11ManagerCheck::Requests requestManagerCheck(const X11RootFacts& root);
+    void applyReading(X11RootFacts root, const X11ManagerCheck::Requests& check, std::vector<X11WindowFacts> windows);
 
     MainLoop& mainLoop_;
     const X11Atoms& atoms_;
@@ -71,8 +73,11 @@ private:
     std::uint8_t randrFirstEvent_ = 0;
     bool hasRandr_ = false;
 
-    std::unordered_set<xcb_window_t> subscribed_;
+    X11ManagerCheck managerCheck_;
+    X11ListPublisher publisher_;
     std::unordered_set<xcb_window_t> changedWindows_;
+    /// Since the reading under way began: what it says of them may be of before their end.
+    std::unordered_set<xcb_window_t> destroyedMeanwhile_;
     bool isRootChanged_ = false;
     bool isReading_ = false;
     Subscription expectation_;

@@ -16,6 +16,7 @@ X11DesktopSnapshot X11DesktopReader::read() {
     X11DesktopSnapshot snapshot;
     snapshot.root = X11RootRequests(connection, connection_->root(), atoms_).collect(connection, atoms_);
     ++snapshot.roundTrips;
+    settleList(snapshot);
     if (snapshot.root.stacking) {
         latestStacking_.assign(snapshot.root.stacking->rbegin(), snapshot.root.stacking->rend());
     }
@@ -27,6 +28,18 @@ X11DesktopSnapshot X11DesktopReader::read() {
     snapshot.isValid = connection_->isAlive();
     keep(snapshot.windows);
     return snapshot;
+}
+
+void X11DesktopReader::settleList(X11DesktopSnapshot& snapshot) {
+    auto& root = snapshot.root;
+    auto manager = root.supportingWmCheck;
+    if (!root.stacking) {
+        // Whether that manager still runs matters only now, and costs a round trip.
+        auto* const connection = connection_->get();
+        manager = managerCheck_.collect(connection, managerCheck_.request(connection, root, atoms_));
+        ++snapshot.roundTrips;
+    }
+    publisher_.settle(root, manager);
 }
 
 void X11DesktopReader::keepLastingFacts() {

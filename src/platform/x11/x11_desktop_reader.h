@@ -29,6 +29,7 @@ public:
     void forget(const std::vector<xcb_window_t>& windows);
 
 private:
+    void settleList(X11DesktopSnapshot& snapshot);
     void dropForgotten();
     void keep(const std::vector<X11WindowFacts>& windows);
 
@@ -36,6 +37,8 @@ private:
     std::unique_ptr<X11Connection> connection_;
     const X11Atoms& atoms_;
     X11Owners owners_;
+    X11ManagerCheck managerCheck_;
+    X11ListPublisher publisher_;
     /// The windows of the latest list. While a manager is being replaced there is no list for a moment, but the windows
     /// stay; the next list decides.
     std::vector<xcb_window_t> latestStacking_;

@@ -11,7 +11,8 @@
 namespace ferrowyn {
 
 /// The connection whose events arrive on the main loop. Main thread; it never waits for the server: what needs an
-/// answer sends its requests and is called back when the answers have come.
+/// answer sends its requests and is called back when the answers have come. Events that another client has sent are
+/// dropped, except messages.
 class X11EventConnection {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;

@@ -1,14 +1,14 @@
 #include "platform/x11/x11_root_facts.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "platform/x11/x11_property.h"
 
 namespace ferrowyn {
 namespace {
 
-/// More windows than any user has; a list without end must not be read without end.
-constexpr std::uint32_t maximumListLength = 16384;
+constexpr std::uint32_t maximumSupportedLength = 4096;
 
 xcb_get_property_cookie_t request(xcb_connection_t* connection, xcb_window_t root, xcb_atom_t property,
                                   std::uint32_t length) {
@@ -17,14 +17,25 @@ xcb_get_property_cookie_t request(xcb_connection_t* connection, xcb_window_t roo
 
 }  // namespace
 
+std::vector<xcb_window_t> windowsNamedBy(const X11Property& list, xcb_window_t root) {
+    std::vector<xcb_window_t> windows;
+    std::unordered_set<xcb_window_t> seen{root, XCB_WINDOW_NONE};
+    for (const auto window : list.items(XCB_ATOM_WINDOW)) {
+        if (seen.insert(window).second) {
+            windows.push_back(window);
+        }
+    }
+    return windows;
+}
+
 X11RootRequests::X11RootRequests(xcb_connection_t* connection, xcb_window_t root, const X11Atoms& atoms)
     : root_(root),
-      stacking_(request(connection, root, atoms.netClientListStacking, maximumListLength)),
-      clientList_(request(connection, root, atoms.netClientList, maximumListLength)),
+      stacking_(request(connection, root, atoms.netClientListStacking, maximumWindowListLength)),
+      clientList_(request(connection, root, atoms.netClientList, maximumWindowListLength)),
       currentDesktop_(request(connection, root, atoms.netCurrentDesktop, 1)),
       activeWindow_(request(connection, root, atoms.netActiveWindow, 1)),
       supportingWmCheck_(request(connection, root, atoms.netSupportingWmCheck, 1)),
-      supported_(request(connection, root, atoms.netSupported, maximumListLength)) {}
+      supported_(request(connection, root, atoms.netSupported, maximumSupportedLength)) {}
 
 X11RootFacts X11RootRequests::collect(xcb_connection_t* connection, const X11Atoms& atoms) const {
     X11RootFacts facts;
@@ -34,9 +45,9 @@ X11RootFacts X11RootRequests::collect(xcb_connection_t* connection, const X11Ato
     // Managers that do not stack publish the mapping order alone, which is the best there is.
     const auto& list = stacking.type() == XCB_ATOM_WINDOW ? stacking : clientList;
     if (list.type() == XCB_ATOM_WINDOW) {
-        const auto windows = list.items(XCB_ATOM_WINDOW);
-        facts.stacking.emplace(windows.begin(), windows.end());
+        facts.stacking = windowsNamedBy(list, root_);
     }
+    facts.isListMalformed = !facts.stacking && (stacking.exists() || clientList.exists());
     facts.currentDesktop = X11Property::collect(connection, currentDesktop_).item(XCB_ATOM_CARDINAL);
     facts.activeWindow = X11Property::collect(connection, activeWindow_).item(XCB_ATOM_WINDOW).value_or(0);
     facts.supportingWmCheck = X11Property::collect(connection, supportingWmCheck_).item(XCB_ATOM_WINDOW).value_or(0);
@@ -45,6 +56,45 @@ X11RootFacts X11RootRequests::collect(xcb_connection_t* connection, const X11Ato
     facts.supportsHiddenState = std::ranges::find(supported, atoms.stateHidden) != supported.end();
     facts.supportsRestacking = std::ranges::find(supported, atoms.netRestackWindow) != supported.end();
     return facts;
+}
+
+X11ManagerCheck::Requests X11ManagerCheck::request(xcb_connection_t* connection, const X11RootFacts& root,
+                                                   const X11Atoms& atoms) const {
+    const auto ask = [&](xcb_window_t window) {
+        return xcb_get_property(connection, 0, window, atoms.netSupportingWmCheck, XCB_ATOM_WINDOW, 0, 1);
+    };
+    const auto named = root.supportingWmCheck;
+    return {.root = root.root,
+            .named = named,
+            .answerOfNamed = ask(named),
+            .proven = proven_,
+            .answerOfProven = ask(proven_)};
+}
+
+xcb_window_t X11ManagerCheck::collect(xcb_connection_t* connection, const Requests& requests) {
+    // A manager that was killed leaves its property on the root; the window it names is gone, or another's.
+    const auto isProof = [&](xcb_window_t window, xcb_get_property_cookie_t answer) {
+        const auto claimed = X11Property::collect(connection, answer).item(XCB_ATOM_WINDOW);
+        return window != XCB_WINDOW_NONE && claimed == window;
+    };
+    const bool isNamedOneProven = isProof(requests.named, requests.answerOfNamed);
+    const bool isProvenOneThere = isProof(requests.proven, requests.answerOfProven);
+    // The root always says the same of itself, and stays when the manager goes: what it proves is worth the least.
+    const bool isRootNamed = requests.named == requests.root;
+    if (isNamedOneProven && !(isRootNamed && isProvenOneThere)) {
+        proven_ = requests.named;
+    } else if (!isProvenOneThere) {
+        proven_ = XCB_WINDOW_NONE;
+    }
+    return proven_;
+}
+
+void X11ListPublisher::settle(X11RootFacts& root, xcb_window_t manager) {
+    if (root.stacking) {
+        publisher_ = manager;
+    } else if (!root.isListMalformed && manager != XCB_WINDOW_NONE && manager == publisher_) {
+        root.stacking.emplace();
+    }
 }
 
 }  // namespace ferrowyn

@@ -10,11 +10,22 @@
 
 namespace ferrowyn {
 
+class X11Property;
+
+/// More windows than any user has; a list without end must not be read without end.
+inline constexpr std::uint32_t maximumWindowListLength = 4096;
+
+/// The windows that a list names, each once and without the root, in the list's order. Any client can write such a
+/// list.
+[[nodiscard]] std::vector<xcb_window_t> windowsNamedBy(const X11Property& list, xcb_window_t root);
+
 /// What the window manager publishes on the root window.
 struct X11RootFacts {
     xcb_window_t root = XCB_WINDOW_NONE;
-    /// Bottom-most first; nothing when the manager publishes no list (it is starting, or gone).
+    /// Bottom-most first; nothing when there is no list: see `X11ListPublisher`.
     std::optional<std::vector<xcb_window_t>> stacking;
+    /// There is something under a list's name, though no list: not the manager's doing.
+    bool isListMalformed = false;
     std::optional<std::uint32_t> currentDesktop;
     /// None while no window is active, which some managers say in passing on every switch.
     xcb_window_t activeWindow = XCB_WINDOW_NONE;
@@ -40,6 +51,39 @@ private:
     xcb_get_property_cookie_t activeWindow_;
     xcb_get_property_cookie_t supportingWmCheck_;
     xcb_get_property_cookie_t supported_;
+};
+
+/// Looks for the proof that a manager runs: a window of its own that says the same of itself as the root does. Any
+/// client can write another window's name on the root, which is no reason to take a manager for gone whose window is
+/// still there; so the latest one that was proven is asked as well.
+class X11ManagerCheck {
+public:
+    struct Requests {
+        xcb_window_t root = XCB_WINDOW_NONE;
+        xcb_window_t named = XCB_WINDOW_NONE;
+        xcb_get_property_cookie_t answerOfNamed{};
+        xcb_window_t proven = XCB_WINDOW_NONE;
+        xcb_get_property_cookie_t answerOfProven{};
+    };
+    [[nodiscard]] Requests request(xcb_connection_t* connection, const X11RootFacts& root, const X11Atoms& atoms) const;
+    /// The running manager's window; None when no manager runs. Waits for the answers.
+    [[nodiscard]] xcb_window_t collect(xcb_connection_t* connection, const Requests& requests);
+
+private:
+    /// Of the latest answers.
+    xcb_window_t proven_ = XCB_WINDOW_NONE;
+};
+
+/// Tells an empty list from one that is missing in passing. Some managers delete their list when the last window has
+/// gone, so no list is an empty one as long as the manager runs that had published one. A manager that has not
+/// published any is starting: the windows that its predecessor listed are still there.
+class X11ListPublisher {
+public:
+    /// `manager` as `X11ManagerCheck` finds it.
+    void settle(X11RootFacts& root, xcb_window_t manager);
+
+private:
+    xcb_window_t publisher_ = XCB_WINDOW_NONE;
 };
 
 }  // namespace ferrowyn

@@ -6,25 +6,31 @@
 #include <utility>
 
 #include "platform/x11/x11_property.h"
+#include "platform/x11/x11_root_facts.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
 namespace {
 
-constexpr std::uint32_t manyItems = 1U << 16U;
+/// Four numbers a desktop.
+constexpr std::uint32_t maximumWorkAreaLength = 4096;
+
+/// A length or a place on the screen, which any client may have written: no screen is larger.
+int coordinate(std::uint32_t value) {
+    return static_cast<int>(std::min(value, 0x7FFFU));
+}
 
 std::optional<X11Strut> strutOf(const X11Property& partial, const X11Property& whole, int rootWidth, int rootHeight) {
-    const auto number = [](std::uint32_t value) { return static_cast<int>(std::min(value, 0x7FFFU)); };
     X11Strut strut;
     if (const auto items = partial.items(XCB_ATOM_CARDINAL); items.size() >= 12) {
-        strut = {number(items[0]), number(items[1]), number(items[2]),  number(items[3]),
-                 number(items[4]), number(items[5]), number(items[6]),  number(items[7]),
-                 number(items[8]), number(items[9]), number(items[10]), number(items[11])};
+        strut = {coordinate(items[0]), coordinate(items[1]), coordinate(items[2]),  coordinate(items[3]),
+                 coordinate(items[4]), coordinate(items[5]), coordinate(items[6]),  coordinate(items[7]),
+                 coordinate(items[8]), coordinate(items[9]), coordinate(items[10]), coordinate(items[11])};
     } else if (const auto edges = whole.items(XCB_ATOM_CARDINAL); edges.size() >= 4) {
-        strut = {number(edges[0]),
-                 number(edges[1]),
-                 number(edges[2]),
-                 number(edges[3]),
+        strut = {coordinate(edges[0]),
+                 coordinate(edges[1]),
+                 coordinate(edges[2]),
+                 coordinate(edges[3]),
                  0,
                  rootHeight - 1,
                  0,
@@ -168,9 +174,9 @@ X11Screens::Requests X11Screens::request() const {
         requests.heads = xcb_xinerama_query_screens(events_.get());
     }
     requests.root = xcb_get_geometry(events_.get(), events_.root());
-    requests.workArea = requestProperty(events_.root(), workArea, manyItems);
+    requests.workArea = requestProperty(events_.root(), workArea, maximumWorkAreaLength);
     requests.currentDesktop = requestProperty(events_.root(), currentDesktop, 1);
-    requests.clients = requestProperty(events_.root(), clientList, manyItems);
+    requests.clients = requestProperty(events_.root(), clientList, maximumWindowListLength);
     return requests;
 }
 
@@ -180,13 +186,12 @@ void X11Screens::collect(const Requests& requests) {
     const auto numbers = areas.items(XCB_ATOM_CARDINAL);
     workAreas_.clear();
     for (std::size_t index = 0; index + 4 <= numbers.size(); index += 4) {
-        workAreas_.push_back({static_cast<int>(numbers[index]), static_cast<int>(numbers[index + 1]),
-                              static_cast<int>(numbers[index + 2]), static_cast<int>(numbers[index + 3])});
+        workAreas_.push_back({coordinate(numbers[index]), coordinate(numbers[index + 1]),
+                              coordinate(numbers[index + 2]), coordinate(numbers[index + 3])});
     }
     desktop_ = X11Property::collect(events_.get(), requests.currentDesktop).item(XCB_ATOM_CARDINAL).value_or(0);
     const auto list = X11Property::collect(events_.get(), requests.clients);
-    const auto windows = list.items(XCB_ATOM_WINDOW);
-    clients_.assign(windows.begin(), windows.end());
+    clients_ = windowsNamedBy(list, events_.root());
 }
 
 void X11Screens::collectMonitors(const Requests& requests) {
