@@ -1,5 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+
+#include <utility>
 
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/desk_test.h"
@@ -25,6 +29,34 @@ public:
 
 private:
     TestDesktop desktop_;
+};
+
+/// Stops a program's main thread, and only that one, as a call that never returns would. The program is a child of this
+/// process, and goes on when this object goes.
+class HungMainThread {
+public:
+    explicit HungMainThread(pid_t program) : thread_(program) {
+        isAllowed_ = ptrace(PTRACE_SEIZE, thread_, nullptr, nullptr) == 0;
+        if (isAllowed_) {
+            EXPECT_EQ(ptrace(PTRACE_INTERRUPT, thread_, nullptr, nullptr), 0);
+            EXPECT_EQ(waitpid(thread_, nullptr, __WALL), thread_) << "waited for the main thread to stop";
+        }
+    }
+    ~HungMainThread() { goOn(); }
+    HungMainThread(const HungMainThread&) = delete;
+    HungMainThread& operator=(const HungMainThread&) = delete;
+
+    /// Not every container lets a process do this.
+    [[nodiscard]] bool isAllowed() const { return isAllowed_; }
+    void goOn() {
+        if (std::exchange(isAllowed_, false)) {
+            EXPECT_EQ(ptrace(PTRACE_DETACH, thread_, nullptr, nullptr), 0);
+        }
+    }
+
+private:
+    pid_t thread_;
+    bool isAllowed_ = false;
 };
 
 class SwitchingFaultsTest : public ManagedDeskTest {
@@ -84,6 +116,31 @@ TEST_P(SwitchingFaultsTest, SwitchingGoesOnAfterTheWindowManagerWasReplaced) {
     program->process().discardOutput();
     manager = std::make_unique<WindowManagerProcess>(server, GetParam());
     ASSERT_TRUE(program->waitUntilActive());
+    use(window(2));
+    input.chord({key::leftAlt, key::tab});
+    expectSwitchTo(window(1));
+}
+
+TEST_P(SwitchingFaultsTest, AHungMainThreadWithThePanelOpenDoesNotKeepTheKeyboard) {
+    openWindows(2);
+    startProgram();
+    hold();
+    HungMainThread hung(program->process().pid());
+    if (!hung.isAllowed()) {
+        letGo();
+        GTEST_SKIP() << "stopping a thread is not allowed here";
+    }
+    // The first is for the panel; nobody reads it.
+    input.tap(key::a);
+    EXPECT_TRUE(desktop.waitForFreeKeyboard()) << "the panel still has the keyboard";
+    letGo();
+    static_cast<void>(windows.back()->takeInput());
+    input.tap(key::b);
+    EXPECT_TRUE(windows.back()->waitForKeyPress(key::b)) << "the window that had the focus before has it still";
+
+    hung.goOn();
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    EXPECT_TRUE(program->process().waitForOutput("Re-enabling event tap"));
     use(window(2));
     input.chord({key::leftAlt, key::tab});
     expectSwitchTo(window(1));

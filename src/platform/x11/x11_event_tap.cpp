@@ -85,6 +85,9 @@ void X11EventTap::serve() {
         isConnected_ = false;
         isEnabled_.store(false);
     }
+    if (engine_ != nullptr && engine_->takeLoss()) {
+        isEnabled_.store(false);
+    }
     isServing_ = false;
 }
 

@@ -41,6 +41,10 @@ struct X11InputContext {
     /// is held: a successful attempt would take the focus from the user's window for a moment.
     std::function<void()> requestKeyboardProbe;
 
+    /// Runs something on the main thread soon. How the tap finds out whether that thread still takes the keys of an
+    /// open panel: where this is empty, it counts as taking them. Set before the tap's thread starts.
+    std::function<void(std::function<void()>)> postToMainThread;
+
     /// Told which window was the active one when the trigger was pressed, before the trigger itself is passed on: the
     /// main thread hears of activations by another way, and a quick hand presses the trigger before it has. None when
     /// the server did not say. Set before the tap's thread starts.

@@ -170,6 +170,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       platform{mainLoop,  backgroundWork, log,     userDefaults, application, workspace,
                inventory, observers,      control, trust,        eventTaps,   screens,
                pointer,   panel,          icons,   httpClient,   loginItem,   linuxTexts()} {
+    inputContext.postToMainThread = [this](std::function<void()> work) { mainLoop.post(std::move(work)); };
     // Posted from the thread that posts the trigger next, so it arrives right before it.
     inputContext.reportActiveWindow = [this](std::uint32_t window) {
         mainLoop.post([this, window] { monitor.startSessionFrom(window); });

@@ -11,6 +11,7 @@ TapVerdict X11TapDelivery::key(const X11KeyboardEvent& event) {
                                keyboard_.reportedFlags(event.modifiers.effective),
                                keyboard_.layout().virtualKeyCodeOf(event.keyCode), keyboard_.text(), event);
     const auto verdict = callback_(tapEvent);
+    askMainThread();
     if (event.kind == Kind::press && !tapEvent.wasTyped()) {
         keyboard_.text().reset();
     }
@@ -34,6 +35,19 @@ void X11TapDelivery::noteTriggerModifier(std::uint32_t modifiers) {
 
 void X11TapDelivery::disabled() {
     callback_(X11TapEvent(TapEvent::Type::disabledByUserInput, 0));
+}
+
+void X11TapDelivery::askMainThread() {
+    if (!context_.postToMainThread || !hasAnswered_->load()) {
+        return;
+    }
+    hasAnswered_ = std::make_shared<std::atomic<bool>>(false);
+    askedAt_ = Clock::now();
+    context_.postToMainThread([answer = hasAnswered_] { answer->store(true); });
+}
+
+std::optional<X11TapDelivery::Clock::time_point> X11TapDelivery::unansweredSince() const {
+    return hasAnswered_->load() ? std::nullopt : std::optional(askedAt_);
 }
 
 }  // namespace ferrowyn

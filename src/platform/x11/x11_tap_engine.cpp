@@ -39,7 +39,7 @@ X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::uniqu
       log_(log),
       seizure_(*connection_, keyboard_->grabs()),
       reception_(reader, *keyboard_, seizure_, heldKeys_, context),
-      delivery_(std::move(callback), *keyboard_) {}
+      delivery_(std::move(callback), *keyboard_, context) {}
 
 X11TapEngine::~X11TapEngine() {
     seizure_.repeatMissedReleases();
@@ -54,6 +54,7 @@ void X11TapEngine::handle(const X11TapRequest& request) {
     switch (request.kind) {
         case X11TapRequest::Kind::enable:
             isEnabled_ = true;
+            hasLostKeyboard_ = false;
             applyGrabs();
             break;
         case X11TapRequest::Kind::disable:
@@ -77,10 +78,7 @@ void X11TapEngine::handle(const X11TapRequest& request) {
             probeKeyboard();
             break;
         case X11TapRequest::Kind::keyboardUnavailable:
-            isEnabled_ = false;
-            endSession();
-            applyGrabs();
-            delivery_.disabled();
+            loseKeyboard();
             break;
     }
 }
@@ -104,7 +102,8 @@ bool X11TapEngine::serve() {
 std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
     std::optional<Clock::time_point> earliest;
     const auto waitingEnd = reception_.isEmpty() || phase_ != Phase::open ? std::nullopt : endingUntil_;
-    for (const auto& candidate : {answerDeadline_, waitingEnd, seizureRetry_, heldKeys_.nextRepeat()}) {
+    for (const auto& candidate :
+         {answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_, heldKeys_.nextRepeat()}) {
         if (candidate && (!earliest || *candidate < *earliest)) {
             earliest = candidate;
         }
@@ -167,6 +166,10 @@ void X11TapEngine::handleDeadlines() {
         // What the user typed meanwhile was for no session.
         reception_.clear();
         endSession();
+    }
+    if (const auto deadline = sessionDeadline(); deadline && now >= *deadline) {
+        log_.write(LogLevel::error, category, "The program does not answer; the keyboard is given back");
+        loseKeyboard();
     }
     if (endingUntil_ && now >= *endingUntil_) {
         endingUntil_.reset();

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "core/switcher_modifier.h"
 #include "platform/event_tap.h"
@@ -31,6 +32,8 @@ public:
     /// How long the main thread may take to open the session that it was asked for, before the user gets the keyboard
     /// back.
     static constexpr std::chrono::milliseconds answerTimeout{1000};
+    /// How long the main thread may leave a key of an open session unanswered before the user gets the keyboard back.
+    static constexpr std::chrono::milliseconds sessionTimeout{3000};
     /// After the trigger's modifier went up the session is probably ending: for this long a new press of the trigger
     /// waits for that, so that it opens the next session instead of moving the selection of a dying one.
     static constexpr std::chrono::milliseconds endingGrace{250};
@@ -51,6 +54,8 @@ public:
     void handle(const X11TapRequest& request);
     /// Handles all that has arrived and all that is due. False when the connection is lost.
     [[nodiscard]] bool serve();
+    /// Whether the tap has disabled itself since this was last asked.
+    [[nodiscard]] bool takeLoss() { return std::exchange(hasLostKeyboard_, false); }
     /// When `serve` must be called even if nothing arrives.
     [[nodiscard]] std::optional<Clock::time_point> deadline() const;
 
@@ -79,6 +84,8 @@ private:
     void seizeForOpenSession();
     void endSession();
     void giveKeyboardBack();
+    void loseKeyboard();
+    [[nodiscard]] std::optional<Clock::time_point> sessionDeadline() const;
     void reportActiveWindow(xcb_window_t window) const;
     [[nodiscard]] bool mustWaitForTheEnd(const X11KeyboardEvent& event) const;
     void probeKeyboard();
@@ -93,6 +100,7 @@ private:
     X11TapDelivery delivery_;
 
     bool isEnabled_ = false;
+    bool hasLostKeyboard_ = false;
     Phase phase_ = Phase::hidden;
     /// The real modifiers as last heard of.
     std::uint32_t modifiers_ = 0;

@@ -130,6 +130,21 @@ void X11TapEngine::endSession() {
     }
 }
 
+/// The keyboard is somebody else's, or nobody takes its keys: whoever listens ends the session and enables the tap
+/// again.
+void X11TapEngine::loseKeyboard() {
+    isEnabled_ = false;
+    hasLostKeyboard_ = true;
+    endSession();
+    applyGrabs();
+    delivery_.disabled();
+}
+
+std::optional<X11TapEngine::Clock::time_point> X11TapEngine::sessionDeadline() const {
+    const auto since = phase_ == Phase::open ? delivery_.unansweredSince() : std::nullopt;
+    return since ? std::optional(*since + sessionTimeout) : std::nullopt;
+}
+
 void X11TapEngine::giveKeyboardBack() {
     heldKeys_.releaseAll(seizure_);
     if (isEnabled_) {
