@@ -514,6 +514,48 @@ TEST_F(TapKeyboardTest, APhysicalTabHeldBeyondTheSessionTypesNothing) {
     }));
 }
 
+TEST_F(TapKeyboardTest, APhysicalKeyHeldSinceBeforeTheTriggerTypesNothingAndItsApplicationSeesItReleased) {
+    ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
+    ASSERT_EQ(rate.waitForExit(), 0) << rate.output();
+    TapPhysicalKeyboard keyboard(server.display());
+    ASSERT_TRUE(keyboard.isThere());
+    TapRig rig(server.display(), {});
+    const auto heldKeyTyped = [&] {
+        const auto& seen = rig.seenWhileWaiting();
+        return std::ranges::any_of(
+            seen, [](const auto& event) { return event.type == TapEvent::Type::keyDown && event.keyCode == aKey; });
+    };
+    keyboard.press(key::a);
+    for (int repeat = 0; repeat < 3; ++repeat) {
+        ASSERT_TRUE(window.waitForKeyPress(key::a)) << "waited for the key to repeat";
+    }
+    keyboard.press(key::leftAlt);
+    keyboard.tap(key::tab);
+    ASSERT_TRUE(rig.waitForOpened(1));
+    (void)window.takeInput();
+    // Long enough for ten repeats.
+    EXPECT_FALSE(rig.waitUntil(heldKeyTyped, milliseconds{350}));
+    keyboard.release(key::leftAlt);
+    ASSERT_TRUE(rig.waitForClosed(1));
+    ASSERT_TRUE(rig.settle());
+    std::vector<std::uint8_t> releases;
+    const auto presses = [&] {
+        const auto arrived = window.takeInput();
+        releases.insert(releases.end(), arrived.keyReleases.begin(), arrived.keyReleases.end());
+        return arrived.keyPresses;
+    };
+    (void)presses();
+    EXPECT_FALSE(desktop.waitUntil([&] { return !presses().empty(); }, milliseconds{350}))
+        << "it goes on repeating after the session";
+    // An application that has seen the press must see the release, or it would take the key for pressed for ever.
+    keyboard.release(key::a);
+    EXPECT_TRUE(desktop.waitUntil([&] {
+        (void)presses();
+        return !releases.empty();
+    })) << "waited for the release";
+    expectNothingLeft();
+}
+
 TEST_F(TapKeyboardTest, ATriggerThatIsStillHeldAfterEscapeOpensNoNewSession) {
     ChildProcess rate({.command = {"xset", "-display", server.display(), "r", "rate", "200", "30"}});
     ASSERT_EQ(rate.waitForExit(), 0) << rate.output();

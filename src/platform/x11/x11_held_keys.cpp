@@ -1,5 +1,9 @@
 #include "platform/x11/x11_held_keys.h"
 
+#include <utility>
+
+#include "platform/x11/x11_keyboard_layout.h"
+
 namespace ferrowyn {
 
 using Kind = X11KeyboardEvent::Kind;
@@ -13,9 +17,38 @@ void X11HeldKeys::note(const X11KeyboardEvent& event, bool isAtSlave) {
     }
     if (event.kind == Kind::release) {
         keyCodes_.erase(event.keyCode);
-    } else if (event.kind == Kind::press && !isAtSlave) {
+        earlierKeyCodes_.erase(event.keyCode);
+    } else if (event.kind == Kind::press && !isAtSlave && !(event.isRepeat && isEarlier(event.keyCode))) {
         keyCodes_.insert(event.keyCode);
+        earlierKeyCodes_.erase(event.keyCode);
     }
+}
+
+void X11HeldKeys::noteTaken(const X11KeyboardSeizure::KeysDown& keysDown, const X11KeyboardLayout& layout) {
+    earlierKeyCodes_.clear();
+    for (std::uint32_t keyCode = 0; keyCode < keysDown.size(); ++keyCode) {
+        if (keysDown[keyCode] && !layout.isModifierKey(keyCode)) {
+            earlierKeyCodes_.insert(keyCode);
+        }
+    }
+}
+
+void X11HeldKeys::beginSession(std::optional<std::uint32_t> trigger) {
+    sessionKeyCodes_.clear();
+    if (trigger) {
+        sessionKeyCodes_.insert(*trigger);
+    }
+}
+
+bool X11HeldKeys::belongsToSession(const X11KeyboardEvent& event) {
+    if (event.kind == Kind::release) {
+        sessionKeyCodes_.erase(event.keyCode);
+    } else if (event.isRepeat) {
+        return sessionKeyCodes_.contains(event.keyCode);
+    } else {
+        sessionKeyCodes_.insert(event.keyCode);
+    }
+    return true;
 }
 
 void X11HeldKeys::holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state) {
@@ -50,6 +83,12 @@ void X11HeldKeys::releaseAll(X11KeyboardSeizure& seizure) {
     }
     keyCodes_.clear();
     trigger_.reset();
+}
+
+void X11HeldKeys::releaseEarlierKeys(X11KeyboardSeizure& seizure) {
+    for (const auto keyCode : std::exchange(earlierKeyCodes_, {})) {
+        seizure.releaseForMaster(keyCode);
+    }
 }
 
 }  // namespace ferrowyn

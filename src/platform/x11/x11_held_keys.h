@@ -10,8 +10,11 @@
 
 namespace ferrowyn {
 
+class X11KeyboardLayout;
+
 /// The keys that are down while the keyboard is held, modifiers aside. The press of the trigger's key never reached the
-/// master, so the server does not repeat it there: that is done here, until the hardware says that it went up. Tap
+/// master, so the server does not repeat it there: that is done here, until the hardware says that it went up. A key
+/// that went down before the session, as in a game, goes on repeating; that is for nobody until it is released. Tap
 /// thread.
 class X11HeldKeys {
 public:
@@ -22,14 +25,28 @@ public:
     /// The trigger's key is down, and repeats as the server's other keys do.
     void holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state);
 
+    /// These were down when the keyboard was taken.
+    void noteTaken(const X11KeyboardSeizure::KeysDown& keysDown, const X11KeyboardLayout& layout);
+
+    /// A session begins, by the press of this key if by any.
+    void beginSession(std::optional<std::uint32_t> trigger);
+    /// Whether the event, which is about to be delivered, is one of the session's: a repeat is, when its press was.
+    [[nodiscard]] bool belongsToSession(const X11KeyboardEvent& event);
+
     /// When the trigger's key repeats next; nothing while it is not held.
     [[nodiscard]] std::optional<Clock::time_point> nextRepeat() const;
     /// The repeat, when it is due.
     [[nodiscard]] std::optional<X11KeyboardEvent> takeRepeat();
-    /// Lets every key go, so that none repeats for whoever has the keyboard next.
+    /// Lets every key go that was pressed while the keyboard was held, so that none repeats for whoever has the
+    /// keyboard next. Before the keyboard is given back.
     void releaseAll(X11KeyboardSeizure& seizure);
+    /// The same for those that were down before: they stop repeating. After the keyboard was given back, because the
+    /// application that saw the press must see the release.
+    void releaseEarlierKeys(X11KeyboardSeizure& seizure);
 
 private:
+    [[nodiscard]] bool isEarlier(std::uint32_t keyCode) const { return earlierKeyCodes_.contains(keyCode); }
+
     struct Trigger {
         X11KeyboardEvent press;
         Clock::time_point repeatAt;
@@ -38,6 +55,10 @@ private:
 
     /// Whose press came through the master and whose release did not yet.
     std::set<std::uint32_t> keyCodes_;
+    /// Down since before the keyboard was taken.
+    std::set<std::uint32_t> earlierKeyCodes_;
+    /// Whose press was delivered in this session and whose release was not yet.
+    std::set<std::uint32_t> sessionKeyCodes_;
     std::optional<Trigger> trigger_;
 };
 

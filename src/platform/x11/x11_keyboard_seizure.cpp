@@ -21,6 +21,15 @@ constexpr std::uint32_t keyEvents =
 
 constexpr std::string_view activeWindowName = "_NET_ACTIVE_WINDOW";
 
+X11KeyboardSeizure::KeysDown keysDownOf(const xcb_query_keymap_reply_t& reply) {
+    constexpr std::size_t bitsPerByte = 8;
+    X11KeyboardSeizure::KeysDown keys;
+    for (std::size_t keyCode = 0; keyCode < keys.size(); ++keyCode) {
+        keys[keyCode] = (static_cast<unsigned>(reply.keys[keyCode / bitsPerByte]) >> (keyCode % bitsPerByte) & 1U) != 0;
+    }
+    return keys;
+}
+
 }  // namespace
 
 X11KeyboardSeizure::X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs)
@@ -46,11 +55,13 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     repeatMissedReleases();
     // Asked for last: whatever happened until then is in the answer, whatever happens later comes as an event.
     const auto modifiers = xcb_xkb_get_state(connection, master);
+    const auto keys = xcb_query_keymap(connection);
     const auto controls = xcb_xkb_get_controls(connection, master);
     const auto pointer = xcb_query_pointer(connection, connection_.root());
     const auto active = requestActiveWindow();
     const XcbReply<xcb_query_pointer_reply_t> pointerReply(xcb_query_pointer_reply(connection, pointer, nullptr));
     const XcbReply<xcb_xkb_get_state_reply_t> modifiersReply(xcb_xkb_get_state_reply(connection, modifiers, nullptr));
+    const XcbReply<xcb_query_keymap_reply_t> keysReply(xcb_query_keymap_reply(connection, keys, nullptr));
     const XcbReply<xcb_xkb_get_controls_reply_t> controlsReply(
         xcb_xkb_get_controls_reply(connection, controls, nullptr));
     const auto activeWindow = collectActiveWindow(active);
@@ -62,6 +73,9 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     state.activeWindow = activeWindow;
     if (modifiersReply != nullptr) {
         state.modifiers = modifiersReply->mods;
+    }
+    if (keysReply != nullptr) {
+        state.keysDown = keysDownOf(*keysReply);
     }
     if (pointerReply != nullptr) {
         state.pointerX = static_cast<std::uint32_t>(pointerReply->root_x);

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
+#include <bitset>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -23,10 +24,14 @@ public:
     /// Waits for the server.
     X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs);
 
+    /// By key code.
+    using KeysDown = std::bitset<256>;
+
     /// What the server said when the keyboard was taken.
     struct State {
         /// The real modifiers that are down or locked by now.
         std::uint32_t modifiers = 0;
+        KeysDown keysDown;
         std::uint32_t pointerX = 0;
         std::uint32_t pointerY = 0;
         /// How long a key is held before it repeats, and between repeats; 0 when keys do not repeat.

@@ -149,12 +149,16 @@ void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
     if (keyboard_->layout().isModifierKey(event.keyCode) || reception_.isStaleRepeat(event)) {
         return;
     }
+    if (!heldKeys_.belongsToSession(event)) {
+        return;
+    }
     if (event.kind == Kind::press && !event.isRepeat) {
         delivery_.noteTriggerModifier(event.modifiers.effective);
     }
     if (delivery_.key(event).requestsSession) {
         // The session was closed a moment ago, and the message that says so is on its way: it is not the answer.
         isLateCloseExpected_ = true;
+        heldKeys_.beginSession(event.keyCode);
         awaitAnswer();
     }
 }

@@ -22,6 +22,7 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     }
     endingUntil_.reset();
     keyboard_->text().reset();
+    heldKeys_.beginSession(press.keyCode);
     delivery_.assumeModifiers(pressed.modifiers.effective);
     awaitAnswer();
     const auto verdict = delivery_.key(pressed);
@@ -43,6 +44,7 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
     }
     context_.isKeyboardHeldElsewhere.store(false);
     reportActiveWindow(state->activeWindow);
+    heldKeys_.noteTaken(state->keysDown, keyboard_->layout());
     if (isAtSlave) {
         // A slave knows its own modifiers only, and its own pointer while it floats; the grab matched the master's.
         // Shift may be on another keyboard.
@@ -106,6 +108,8 @@ void X11TapEngine::seizeForOpenSession() {
     }
     context_.isKeyboardHeldElsewhere.store(false);
     keyboard_->text().reset();
+    heldKeys_.noteTaken(state->keysDown, keyboard_->layout());
+    heldKeys_.beginSession(std::nullopt);
     delivery_.forgetModifiers();
     if (delivery_.modifiers(state->modifiers)) {
         endingUntil_ = Clock::now() + endingGrace;
@@ -151,6 +155,7 @@ void X11TapEngine::giveKeyboardBack() {
         keyboard_->grabs().install();
     }
     seizure_.giveBack();
+    heldKeys_.releaseEarlierKeys(seizure_);
     xcb_flush(connection_->get());
 }
 
