@@ -64,6 +64,20 @@ std::optional<CommandLineError> apply(CommandLine& line, Desktop native, std::st
     return std::nullopt;
 }
 
+/// What is done instead of running, where the argument asks for that.
+std::optional<CommandLine::Action> actionNamed(std::string_view argument, Desktop native) {
+    if (argument == "--help" || argument == "-h") {
+        return CommandLine::Action::showHelp;
+    }
+    if (argument == "--version") {
+        return CommandLine::Action::showVersion;
+    }
+    if (argument == "--doctor" && native != Desktop::macos) {
+        return CommandLine::Action::examineSession;
+    }
+    return std::nullopt;
+}
+
 /// Whether it is one of the options without a value that say what to do.
 bool applyFlag(CommandLine& line, Desktop native, std::string_view argument) {
     if (native == Desktop::macos) {
@@ -121,17 +135,13 @@ std::string_view helpOnMacOS() {
 
 std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments, Desktop native) {
     CommandLine line{.desktop = native};
+    auto action = CommandLine::Action::run;
     while (!arguments.empty()) {
         const std::string_view argument = arguments.front();
         arguments = arguments.subspan(1);
-        if (argument == "--help" || argument == "-h") {
-            return CommandLine{.action = CommandLine::Action::showHelp};
-        }
-        if (argument == "--version") {
-            return CommandLine{.action = CommandLine::Action::showVersion};
-        }
-        if (argument == "--doctor" && native != Desktop::macos) {
-            return CommandLine{.action = CommandLine::Action::examineSession};
+        if (const auto named = actionNamed(argument, native)) {
+            action = action == CommandLine::Action::run ? *named : action;
+            continue;
         }
         if (applyFlag(line, native, argument)) {
             continue;
@@ -155,7 +165,7 @@ std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const cha
             return *std::move(error);
         }
     }
-    return line;
+    return action == CommandLine::Action::run ? line : CommandLine{.action = action};
 }
 
 std::string_view helpText(Desktop native) {

@@ -35,8 +35,9 @@ struct CommandLineError {
 
 /// `arguments` without the program's name; `native` is the desktop that this program was built for, which is what it
 /// works on unless it is told otherwise. A value stands after "=" or as the next argument; the last of several values
-/// or requests counts. Help, version and doctor win over everything that follows them. On macOS, where the system
-/// itself finds the program that runs, there are neither requests nor a doctor.
+/// or requests counts. Of help, version and doctor the first counts, and nothing else beside it, but what is unknown is
+/// refused all the same. On macOS, where the system itself finds the program that runs, there are neither requests nor
+/// a doctor.
 [[nodiscard]] std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments,
                                                                            CommandLine::Desktop native);
 

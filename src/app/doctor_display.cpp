@@ -89,6 +89,23 @@ bool isBoundByManager(const X11Connection& connection, xcb_keycode_t keyCode, st
 
 }  // namespace
 
+std::string serverVersion(std::string_view vendor, std::uint32_t releaseNumber) {
+    if (vendor.find("X.Org") == std::string_view::npos) {
+        return std::to_string(releaseNumber);
+    }
+    const auto generation = releaseNumber / 10'000'000;
+    const auto major = releaseNumber / 100'000 % 100;
+    const auto minor = releaseNumber / 1'000 % 100;
+    const auto patch = releaseNumber % 1'000;
+    // From 21 on the number of the generation, 1 for ever, is left out.
+    constexpr std::uint32_t firstOfTheNewNumbers = 21;
+    if (generation == 1 && major >= firstOfTheNewNumbers) {
+        return fmt::format("{}.{}.{}", major, minor, patch);
+    }
+    return patch == 0 ? fmt::format("{}.{}.{}", generation, major, minor)
+                      : fmt::format("{}.{}.{}.{}", generation, major, minor, patch);
+}
+
 DoctorDisplay::DoctorDisplay(const X11Connection& connection, std::string display, SwitcherModifier trigger)
     : connection_(connection), display_(std::move(display)), trigger_(trigger) {}
 
@@ -97,7 +114,7 @@ DoctorFinding DoctorDisplay::server() const {
     const std::string_view vendor(xcb_setup_vendor(setup), static_cast<std::size_t>(xcb_setup_vendor_length(setup)));
     return {Verdict::good,
             "display",
-            fmt::format("{}, {} {}, {} x {} pixels", display_, vendor, setup->release_number,
+            fmt::format("{}, {} {}, {} x {} pixels", display_, vendor, serverVersion(vendor, setup->release_number),
                         connection_.screen()->width_in_pixels, connection_.screen()->height_in_pixels),
             {}};
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "app/doctor_report.h"
 #include "core/switcher_modifier.h"
@@ -8,6 +10,10 @@
 namespace ferrowyn {
 
 class X11Connection;
+
+/// The server's version as it calls itself, from the number with which it introduces itself to clients; that number
+/// itself where `vendor` is not known to count so.
+[[nodiscard]] std::string serverVersion(std::string_view vendor, std::uint32_t releaseNumber);
 
 /// What the X server and its clients are like for the program: the server, the window manager, the input extension, the
 /// keys, the compositor. Reads no window but the manager's own. Each part of the look has a connection of its own to

@@ -1,14 +1,14 @@
 #include "app/doctor_session.h"
 
 #include <fmt/format.h>
+#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QSysInfo>
+#include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <system_error>
 #include <utility>
 #include <variant>
@@ -25,10 +25,9 @@ namespace {
 namespace fs = std::filesystem;
 using Verdict = DoctorFinding::Verdict;
 
-/// Milliseconds; a bus or a watcher that is slower than this is as good as none.
-constexpr int patienceWithBus = 3000;
+/// Microseconds; a watcher that is slower than this is as good as none.
+constexpr std::uint64_t patienceWithBus = 3'000'000;
 constexpr std::size_t largestSettings = 4U << 20U;
-constexpr const char* connectionName = "ferrowyn-doctor";
 
 /// A path as it may stand in a bug report: without the name of the person.
 std::string shown(const fs::path& path) {
@@ -38,14 +37,43 @@ std::string shown(const fs::path& path) {
     return !prefix.empty() && text.starts_with(prefix) ? "~/" + text.substr(prefix.size()) : text;
 }
 
-bool hostIsRegistered(const QDBusConnection& bus) {
-    auto question = QDBusMessage::createMethodCall("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
-                                                   "org.freedesktop.DBus.Properties", "Get");
-    question.setAutoStartService(false);
-    question.setArguments({"org.kde.StatusNotifierWatcher", "IsStatusNotifierHostRegistered"});
-    const auto answer = bus.call(question, QDBus::Block, patienceWithBus);
-    return answer.type() == QDBusMessage::ReplyMessage &&
-           answer.arguments().value(0).value<QDBusVariant>().variant().toBool();
+struct BusCloser {
+    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
+    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
+};
+using Bus = std::unique_ptr<sd_bus, BusCloser>;
+using BusMessage = std::unique_ptr<sd_bus_message, BusCloser>;
+
+/// By systemd's calls and not Qt's, whose thread lives on until the process has ended: what arrives in a program as
+/// brief as this one is then read with parts of Qt gone already, of which Qt complains on standard error.
+Bus connectedTo(const std::string& address) {
+    sd_bus* made = nullptr;
+    if (sd_bus_new(&made) < 0) {
+        return nullptr;
+    }
+    Bus bus(made);
+    const bool isConnected =
+        sd_bus_set_address(bus.get(), address.c_str()) >= 0 && sd_bus_set_bus_client(bus.get(), 1) >= 0 &&
+        sd_bus_set_method_call_timeout(bus.get(), patienceWithBus) >= 0 && sd_bus_start(bus.get()) >= 0;
+    return isConnected ? std::move(bus) : nullptr;
+}
+
+bool hostIsRegistered(sd_bus& bus) {
+    sd_bus_message* made = nullptr;
+    if (sd_bus_message_new_method_call(&bus, &made, "org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+                                       "org.freedesktop.DBus.Properties", "Get") < 0) {
+        return false;
+    }
+    const BusMessage question(made);
+    sd_bus_message_set_auto_start(question.get(), 0);
+    sd_bus_message_append(question.get(), "ss", "org.kde.StatusNotifierWatcher", "IsStatusNotifierHostRegistered");
+    sd_bus_message* received = nullptr;
+    if (sd_bus_call(&bus, question.get(), patienceWithBus, nullptr, &received) < 0) {
+        return false;
+    }
+    const BusMessage answer(received);
+    int hasHost = 0;
+    return sd_bus_message_read(answer.get(), "v", "b", &hasHost) >= 0 && hasHost != 0;
 }
 
 }  // namespace
@@ -65,16 +93,8 @@ DoctorFinding DoctorSession::trayHost(bool hasEmbeddingTray) const {
 }
 
 bool DoctorSession::hasTrayHostOnBus() const {
-    if (!busAddress_) {
-        return false;
-    }
-    bool hasHost = false;
-    {
-        const auto bus = QDBusConnection::connectToBus(QString::fromStdString(*busAddress_), connectionName);
-        hasHost = bus.isConnected() && hostIsRegistered(bus);
-    }
-    QDBusConnection::disconnectFromBus(connectionName);
-    return hasHost;
+    const auto bus = busAddress_ ? connectedTo(*busAddress_) : nullptr;
+    return bus != nullptr && hostIsRegistered(*bus);
 }
 
 DoctorFinding DoctorSession::autostart() const {

@@ -13,7 +13,7 @@ ferrowyn_library(ferrowyn_doctor
     doctor_report.cpp
     doctor_session.cpp
   PUBLIC ferrowyn_app_start ferrowyn_platform_linux
-  PRIVATE ferrowyn_platform_x11 PkgConfig::XKBCOMMON Qt6::Core Qt6::DBus fmt::fmt
+  PRIVATE ferrowyn_platform_x11 PkgConfig::SYSTEMD PkgConfig::XKBCOMMON Qt6::Core fmt::fmt
 )
 
 target_sources(ferrowyn PRIVATE

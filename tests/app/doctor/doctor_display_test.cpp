@@ -1,6 +1,8 @@
 #include "app/doctor_display.h"
 
+#include <algorithm>
 #include <memory>
+#include <sstream>
 
 #include "platform/log.h"
 #include "platform/x11/x11_connection.h"
@@ -8,6 +10,7 @@
 #include "platform/x11/x11_tap_keyboard.h"
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/ferrowyn_program.h"
+#include "tests/x11/harness/private_bus.h"
 #include "tests/x11/harness/private_x_server.h"
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_window.h"
@@ -76,6 +79,20 @@ TEST_F(DoctorDisplayTest, NamesTheServerAndItsExtension) {
     EXPECT_THAT(display().server().text, AllOf(StartsWith(server.display() + ","), HasSubstr("1280 x 800")));
     EXPECT_EQ(display().inputExtension().verdict, Verdict::good);
     EXPECT_THAT(display().inputExtension().text, MatchesRegex("2\\.[2-9]"));
+}
+
+TEST(DoctorServerVersionTest, SaysTheVersionAsTheServerCallsItself) {
+    EXPECT_EQ(serverVersion("The X.Org Foundation", 12101007), "21.1.7");
+    EXPECT_EQ(serverVersion("The X.Org Foundation", 12302000), "23.2.0");
+    EXPECT_EQ(serverVersion("The X.Org Foundation", 12013000), "1.20.13");
+    EXPECT_EQ(serverVersion("The X.Org Foundation", 11906001), "1.19.6.1");
+    EXPECT_EQ(serverVersion("The XFree86 Project, Inc", 40300000), "40300000") << "each maker counts in its own way";
+}
+
+TEST_F(DoctorDisplayTest, SaysTheServersVersionAndNotItsReleaseNumber) {
+    const auto release = xcb_get_setup(connection->get())->release_number;
+    EXPECT_THAT(display().server().text, Not(HasSubstr(std::to_string(release))));
+    EXPECT_THAT(display().server().text, MatchesRegex(".*The X\\.Org Foundation [0-9]+\\.[0-9]+\\.[0-9]+.*"));
 }
 
 TEST_F(DoctorDisplayTest, WithoutAWindowManagerSwitchingCannotWork) {
@@ -209,6 +226,36 @@ TEST_F(DoctorProgramTest, KnowsTheProgramThatRuns) {
     EXPECT_EQ(result.status, 0) << result.output;
     EXPECT_THAT(result.output, HasSubstr("Alt+Tab belongs to the Ferrowyn that runs"));
     EXPECT_THAT(result.output, MatchesRegex("(.|\n|\r)*Ferrowyn +running(.|\n|\r)*"));
+}
+
+/// The line neither belongs to the report nor is empty.
+bool isStray(std::string_view line) {
+    return !line.empty() && !line.starts_with("Switching windows can") && !line.starts_with('[') &&
+           line.find("-> ") == std::string_view::npos;
+}
+
+TEST_F(DoctorProgramTest, SaysNothingBesideItsReport) {
+    const x11test::PrivateBus bus(server);
+    auto environment = server.clientEnvironment();
+    environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    // Several at a time, so that their threads get in each other's way.
+    constexpr int rounds = 5;
+    constexpr int programsAtATime = 8;
+    for (int round = 0; round < rounds; ++round) {
+        std::vector<std::unique_ptr<x11test::ChildProcess>> programs;
+        for (int number = 0; number < programsAtATime; ++number) {
+            programs.push_back(std::make_unique<x11test::ChildProcess>(
+                x11test::ChildProcess::Options{.command = {FERROWYN_PROGRAM, "--doctor"}, .environment = environment}));
+        }
+        for (const auto& program : programs) {
+            ASSERT_TRUE(program->waitForExit().has_value());
+            std::istringstream output(program->output());
+            for (std::string line; std::getline(output, line);) {
+                line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
+                ASSERT_FALSE(isStray(line)) << line;
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -26,9 +26,11 @@ TEST(CommandLineTest, WithoutArgumentsTheProgramRunsOnX11) {
     EXPECT_EQ(line({}).logLevel, std::nullopt);
 }
 
-TEST(CommandLineTest, TheDoctorWinsOverWhatFollows) {
+TEST(CommandLineTest, TheDoctorWinsOverEverythingElseThatIsAsked) {
     EXPECT_EQ(line({"--doctor"}).action, CommandLine::Action::examineSession);
-    EXPECT_EQ(line({"--log-level=debug", "--doctor", "nonsense"}).action, CommandLine::Action::examineSession);
+    EXPECT_EQ(line({"--log-level=debug", "--doctor", "--platform=simulated"}),
+              CommandLine{.action = CommandLine::Action::examineSession});
+    EXPECT_EQ(line({"--show", "--doctor"}), CommandLine{.action = CommandLine::Action::examineSession});
     EXPECT_EQ(error({"--doctor=x"}), "unknown option \"--doctor=x\"");
     EXPECT_THAT(help(), HasSubstr("--doctor"));
 }
@@ -62,10 +64,23 @@ TEST(CommandLineTest, ReadsThatTheSessionBusStartsIt) {
     EXPECT_TRUE(line({"--dbus-service"}).isStartedByBus);
 }
 
-TEST(CommandLineTest, HelpAndVersionWinOverWhatFollows) {
-    EXPECT_EQ(line({"--help", "--nonsense"}).action, CommandLine::Action::showHelp);
+TEST(CommandLineTest, HelpAndVersionWinOverEverythingElseThatIsAsked) {
+    EXPECT_EQ(line({"--help", "--quit"}), CommandLine{.action = CommandLine::Action::showHelp});
     EXPECT_EQ(line({"-h"}).action, CommandLine::Action::showHelp);
     EXPECT_EQ(line({"--version"}).action, CommandLine::Action::showVersion);
+    EXPECT_EQ(line({"--version", "--help", "--doctor"}).action, CommandLine::Action::showVersion) << "the first counts";
+}
+
+TEST(CommandLineTest, WhatItDoesNotKnowIsRefusedWhereverItStands) {
+    for (const auto* known : {"--doctor", "--help", "-h", "--version", "--show", "--quit", "--dbus-service",
+                              "--log-level=debug", "--platform=x11"}) {
+        EXPECT_EQ(error({known, "--bogus"}), "unknown option \"--bogus\"") << known;
+        EXPECT_EQ(error({"--bogus", known}), "unknown option \"--bogus\"") << known;
+        EXPECT_EQ(error({known, "nonsense"}), "unknown argument \"nonsense\"") << known;
+    }
+    EXPECT_EQ(error({"--doctor", "--log-level=loud"}), "--log-level must be debug, default or error, not \"loud\"");
+    EXPECT_EQ(error({"--help", "--platform"}), "--platform needs a value");
+    EXPECT_EQ(error({"--version", "--show"}, Desktop::macos), "unknown option \"--show\"");
 }
 
 TEST(CommandLineTest, SaysWhatIsWrong) {

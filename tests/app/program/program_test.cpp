@@ -125,6 +125,12 @@ TEST_F(ProgramTest, ABadCommandLineEndsWithStatus2) {
     EXPECT_THAT(unknown.output, IsEmpty());
     EXPECT_EQ(run({"--platform=mac"}).status, 2);
     EXPECT_EQ(run({"--log-level"}).status, 2);
+    for (const char* known : {"--doctor", "--help", "--version"}) {
+        const auto result = run({known, "--bogus"});
+        EXPECT_EQ(result.status, 2) << known;
+        EXPECT_THAT(result.errors, HasSubstr("unknown option \"--bogus\"")) << known;
+        EXPECT_THAT(result.output, IsEmpty()) << known;
+    }
 }
 
 TEST_F(ProgramTest, WithoutADisplayItSaysWhatIsMissingAndEndsWithStatus1) {
