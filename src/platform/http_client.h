@@ -11,7 +11,7 @@
 namespace ferrowyn {
 
 /// A GET request over HTTPS, as an application asks for one: system proxy and certificates, nothing answered from a
-/// cache.
+/// cache. The server is told the address, and nothing about the program or its user.
 struct HttpRequest {
     std::string url;
     /// From the start of the request to the last byte of the answer.

@@ -29,6 +29,13 @@ std::optional<std::string> textMember(const nlohmann::json& manifest, const char
     return found != manifest.end() && found->is_string() ? std::optional(found->get<std::string>()) : std::nullopt;
 }
 
+/// Whether the text can be shown wherever a version is: in a log, on a terminal, in a label that takes mark-up.
+bool isPresentableVersion(std::string_view version) {
+    constexpr std::size_t longest = 64;
+    constexpr std::string_view characters = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ .-+_~";
+    return version.size() <= longest && version.find_first_not_of(characters) == std::string_view::npos;
+}
+
 }  // namespace
 
 std::string_view UpdateChecker::description(UpdateError error) {
@@ -104,7 +111,7 @@ std::variant<UpdateChecker::Release, UpdateChecker::UpdateError> UpdateChecker::
     }
     auto version = textMember(manifest, "version");
     auto url = textMember(manifest, "url");
-    if (!version || !url || !isWellFormedAddress(*url)) {
+    if (!version || !isPresentableVersion(*version) || !url || !isWellFormedAddress(*url)) {
         return UpdateError::malformedManifest;
     }
     return Release{AppVersion(*std::move(version)), *std::move(url), textMember(manifest, "notes")};

@@ -3,16 +3,18 @@
 #include <QCoreApplication>
 #include <QHostAddress>
 #include <QNetworkProxyFactory>
-#include <QNetworkReply>
-#include <QNetworkRequest>
-#include <QPointer>
 #include <QSslConfiguration>
 #include <QUrl>
+#include <algorithm>
+#include <iterator>
+#include <optional>
 #include <utility>
 
 #include "platform/background_work.h"
 #include "platform/main_loop.h"
+#include "platform/qt/http_response_parser.h"
 #include "platform/qt/qt_name_lookups.h"
+#include "platform/qt/secure_connector.h"
 
 namespace ferrowyn {
 
@@ -28,27 +30,40 @@ bool isSecure(const QUrl& address) {
     return address.isValid() && address.scheme() == "https" && !address.host().isEmpty();
 }
 
-QSslConfiguration configurationWith(const QList<QSslCertificate>& furtherAuthorities) {
+/// To set a list of authorities, even an empty one, turns off that the toolkit looks them up in the system's folders
+/// when they are needed.
+QSslConfiguration configurationWith(const QList<QSslCertificate>& authorities) {
     auto configuration = QSslConfiguration::defaultConfiguration();
-    if (!furtherAuthorities.empty()) {
-        // A list that was touched is taken for the whole: the toolkit then looks nothing up in the system's folders.
-        configuration.setCaCertificates(QSslConfiguration::systemCaCertificates() + furtherAuthorities);
+    if (!authorities.empty()) {
+        configuration.setCaCertificates(authorities);
     }
     return configuration;
 }
 
-QNetworkRequest requestFor(const QUrl& address) {
-    QNetworkRequest request(address);
-    request.setHeader(QNetworkRequest::UserAgentHeader, "Ferrowyn");
-    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    // One small document needs no streams, and fewer parts can fail.
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    request.setMaximumRedirectsAllowed(mostRedirects);
-    return request;
+/// All that is sent: the address, and what the protocol itself asks for. In particular no name of the program or of the
+/// toolkit, and no language.
+QByteArray requestFor(const QUrl& address) {
+    const auto path = address.path(QUrl::FullyEncoded).toUtf8();
+    auto target = path.isEmpty() ? QByteArray("/") : path;
+    if (address.hasQuery()) {
+        target += "?" + address.query(QUrl::FullyEncoded).toUtf8();
+    }
+    const auto host = address.authority(QUrl::FullyEncoded | QUrl::RemoveUserInfo).toUtf8();
+    return "GET " + target + " HTTP/1.1\r\nHost: " + host + "\r\nConnection: close\r\n\r\n";
+}
+
+bool isRedirect(int status) {
+    constexpr int statuses[] = {301, 302, 303, 307, 308};
+    return std::ranges::find(statuses, status) != std::end(statuses);
+}
+
+/// Of those that the system names, in its order, the first through which an encrypted connection can be had.
+QNetworkProxy proxyFor(const QUrl& address) {
+    const auto proxies = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(address));
+    const auto found = std::ranges::find_if(proxies, [](const QNetworkProxy& proxy) {
+        return proxy.capabilities().testFlag(QNetworkProxy::TunnelingCapability);
+    });
+    return found != proxies.end() ? *found : QNetworkProxy(QNetworkProxy::NoProxy);
 }
 
 }  // namespace
@@ -58,65 +73,76 @@ class QtHttpClient::Exchange : public std::enable_shared_from_this<Exchange> {
 public:
     using Completion = std::function<void(const HttpResult&)>;
 
-    Exchange(const HttpRequest& request, Completion completion)
-        : address_(QString::fromUtf8(request.url.data(), static_cast<qsizetype>(request.url.size())), QUrl::StrictMode),
-          largestBody_(static_cast<qsizetype>(request.maximumBodySize)),
+    Exchange(MainLoop& mainLoop, const HttpRequest& request, Completion completion)
+        : mainLoop_(mainLoop),
+          address_(QString::fromUtf8(request.url.data(), static_cast<qsizetype>(request.url.size())), QUrl::StrictMode),
+          largestBody_(request.maximumBodySize),
           completion_(std::move(completion)) {}
-    ~Exchange() { dropReply(); }
-    Exchange(const Exchange&) = delete;
-    Exchange& operator=(const Exchange&) = delete;
 
     [[nodiscard]] const QUrl& address() const { return address_; }
-    void endAfter(MainLoop& mainLoop, Seconds timeout) {
-        timeout_ = mainLoop.after(
+    void endAfter(Seconds timeout) {
+        timeout_ = mainLoop_.after(
             timeout, [this] { finish(failure(QT_TRANSLATE_NOOP("QtHttpClient", "The request timed out."))); });
     }
-    void start(QNetworkAccessManager& manager, const QSslConfiguration& configuration);
+    void start(const QNetworkProxy& proxy, const QSslConfiguration& configuration);
     /// Tells the caller, once.
     void finish(const HttpResult& result);
     void cancel();
 
 private:
-    void noteEncryption() { isEncrypted_ = true; }
-    void checkAnnouncedSize();
-    void readBody();
-    void readEnd();
+    void connect();
+    void send(SecureConnector::Result connection);
+    void receive();
+    void receiveEnd();
+    /// Goes on with what has been read.
+    void proceed();
+    void redirect();
     [[nodiscard]] HttpResult result() const;
-    void dropReply();
+    /// The same for a request whose name lookup, if there was one, is known to be over.
+    void settle(const HttpResult& result);
 
+    MainLoop& mainLoop_;
     QUrl address_;
-    qsizetype largestBody_;
+    std::size_t largestBody_;
     Completion completion_;
     Subscription timeout_;
-    /// The manager owns it too.
-    QPointer<QNetworkReply> reply_;
-    bool isEncrypted_ = false;
-    QByteArray body_;
+    QNetworkProxy proxy_;
+    QSslConfiguration configuration_;
+    int redirects_ = 0;
+    std::unique_ptr<SecureConnector> connector_;
+    SecureSocket socket_;
+    std::optional<HttpResponseParser> parser_;
 };
 
-void QtHttpClient::Exchange::start(QNetworkAccessManager& manager, const QSslConfiguration& configuration) {
+void QtHttpClient::Exchange::start(const QNetworkProxy& proxy, const QSslConfiguration& configuration) {
     if (!completion_) {
         return;
     }
+    proxy_ = proxy;
+    configuration_ = configuration;
+    connect();
+}
+
+void QtHttpClient::Exchange::connect() {
     if (QHostAddress(address_.host()).isNull()) {
         name_lookups::noteUnderWay();
     }
-    auto request = requestFor(address_);
-    request.setSslConfiguration(configuration);
-    reply_ = manager.get(request);
-    reply_->setReadBufferSize(largestBody_ + 1);
-    // A handler may drop the last token, and this object with it, while the reply is still telling others.
-    const auto whileAlive = [this](void (Exchange::*handler)()) {
-        return [weak = weak_from_this(), handler] {
-            if (const auto exchange = weak.lock(); exchange && exchange->completion_) {
-                (exchange.get()->*handler)();
-            }
-        };
-    };
-    QObject::connect(reply_, &QNetworkReply::encrypted, reply_, whileAlive(&Exchange::noteEncryption));
-    QObject::connect(reply_, &QNetworkReply::metaDataChanged, reply_, whileAlive(&Exchange::checkAnnouncedSize));
-    QObject::connect(reply_, &QNetworkReply::readyRead, reply_, whileAlive(&Exchange::readBody));
-    QObject::connect(reply_, &QNetworkReply::finished, reply_, whileAlive(&Exchange::readEnd));
+    socket_.reset();
+    parser_.emplace(largestBody_);
+    connector_ = std::make_unique<SecureConnector>(mainLoop_, address_, proxy_, configuration_,
+                                                   [this](SecureConnector::Result result) { send(std::move(result)); });
+    connector_->start();
+}
+
+void QtHttpClient::Exchange::send(SecureConnector::Result connection) {
+    if (const auto* error = std::get_if<QString>(&connection)) {
+        settle(HttpFailure{error->toStdString()});
+        return;
+    }
+    socket_ = std::get<SecureSocket>(std::move(connection));
+    QObject::connect(socket_.get(), &QSslSocket::readyRead, socket_.get(), [this] { receive(); });
+    QObject::connect(socket_.get(), &QSslSocket::errorOccurred, socket_.get(), [this] { receiveEnd(); });
+    socket_->write(requestFor(address_));
 }
 
 void QtHttpClient::Exchange::finish(const HttpResult& result) {
@@ -127,73 +153,77 @@ void QtHttpClient::Exchange::finish(const HttpResult& result) {
     }
 }
 
+void QtHttpClient::Exchange::settle(const HttpResult& result) {
+    name_lookups::noteDone();
+    finish(result);
+}
+
 void QtHttpClient::Exchange::cancel() {
     completion_ = nullptr;
     timeout_.reset();
-    dropReply();
+    connector_.reset();
+    socket_.reset();
 }
 
-void QtHttpClient::Exchange::checkAnnouncedSize() {
-    if (reply_->header(QNetworkRequest::ContentLengthHeader).toLongLong() > largestBody_) {
-        finish(failure(QT_TRANSLATE_NOOP("QtHttpClient", "The server's answer is too long.")));
+void QtHttpClient::Exchange::receive() {
+    parser_->take(socket_->readAll().toStdString());
+    proceed();
+}
+
+void QtHttpClient::Exchange::receiveEnd() {
+    parser_->take(socket_->readAll().toStdString());
+    if (socket_->error() == QAbstractSocket::RemoteHostClosedError) {
+        parser_->end();
+    } else if (parser_->state() == HttpResponseParser::State::incomplete) {
+        settle(HttpFailure{socket_->errorString().toStdString()});
+        return;
+    }
+    proceed();
+}
+
+void QtHttpClient::Exchange::proceed() {
+    // The body of a redirect says nothing, however long it is.
+    if (parser_->hasHead() && isRedirect(parser_->status()) && !parser_->location().empty()) {
+        redirect();
+    } else if (parser_->state() != HttpResponseParser::State::incomplete) {
+        settle(result());
     }
 }
 
-void QtHttpClient::Exchange::readBody() {
-    body_ += reply_->read(largestBody_ + 1 - body_.size());
-    if (body_.size() > largestBody_) {
-        finish(failure(QT_TRANSLATE_NOOP("QtHttpClient", "The server's answer is too long.")));
-    }
-}
-
-void QtHttpClient::Exchange::readEnd() {
-    // Only here: a request that is given up leaves its lookup behind.
-    name_lookups::noteDone();
-    readBody();
-    if (completion_) {
-        finish(result());
+void QtHttpClient::Exchange::redirect() {
+    const auto next = address_.resolved(QUrl::fromEncoded(QByteArray::fromStdString(parser_->location())));
+    if (!isSecure(next)) {
+        settle(failure(QT_TRANSLATE_NOOP("QtHttpClient", "The server redirects to an address that is not secure.")));
+    } else if (++redirects_ > mostRedirects) {
+        settle(failure(QT_TRANSLATE_NOOP("QtHttpClient", "The server redirects too often.")));
+    } else {
+        address_ = next;
+        connect();
     }
 }
 
 HttpResult QtHttpClient::Exchange::result() const {
-    const auto error = reply_->error();
-    const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    const bool leavesHttps =
-        error == QNetworkReply::InsecureRedirectError || (error == QNetworkReply::ProtocolUnknownError && isEncrypted_);
-    if (leavesHttps) {
-        return failure(QT_TRANSLATE_NOOP("QtHttpClient", "The server redirects to an address that is not secure."));
-    }
-    // The toolkit gives up in the same way on a trusted server that says nothing and on one that says something else
-    // than HTTP.
-    if (error == QNetworkReply::RemoteHostClosedError && isEncrypted_ && status == 0) {
-        return HttpResponse{};
-    }
-    // The toolkit's errors from here on repeat a status, which is an answer too.
-    const bool isAnswer =
-        error == QNetworkReply::NoError || (error >= QNetworkReply::ContentAccessDenied && status >= 400);
-    if (!isAnswer) {
-        return HttpFailure{reply_->errorString().toStdString()};
-    }
-    return HttpResponse{status, body_.toStdString()};
-}
-
-void QtHttpClient::Exchange::dropReply() {
-    if (const auto reply = std::exchange(reply_, nullptr)) {
-        reply->abort();
-        reply->deleteLater();
+    switch (parser_->state()) {
+        case HttpResponseParser::State::complete:
+            return HttpResponse{parser_->status(), parser_->body()};
+        case HttpResponseParser::State::notHttp:
+            return HttpResponse{};
+        case HttpResponseParser::State::tooLong:
+            return failure(QT_TRANSLATE_NOOP("QtHttpClient", "The server's answer is too long."));
+        default:
+            return failure(QT_TRANSLATE_NOOP("QtHttpClient", "The server's answer is incomplete or damaged."));
     }
 }
 
-QtHttpClient::QtHttpClient(MainLoop& mainLoop, BackgroundWork& backgroundWork,
-                           QList<QSslCertificate> furtherAuthorities)
-    : mainLoop_(mainLoop), backgroundWork_(backgroundWork), furtherAuthorities_(std::move(furtherAuthorities)) {}
+QtHttpClient::QtHttpClient(MainLoop& mainLoop, BackgroundWork& backgroundWork, QList<QSslCertificate> authorities)
+    : mainLoop_(mainLoop), backgroundWork_(backgroundWork), authorities_(std::move(authorities)) {}
 
 QtHttpClient::~QtHttpClient() = default;
 
 Subscription QtHttpClient::get(const HttpRequest& request, std::function<void(const HttpResult&)> completion) {
-    const auto exchange = std::make_shared<Exchange>(request, std::move(completion));
+    const auto exchange = std::make_shared<Exchange>(mainLoop_, request, std::move(completion));
     if (isSecure(exchange->address())) {
-        exchange->endAfter(mainLoop_, request.timeout);
+        exchange->endAfter(request.timeout);
         send(exchange);
     } else {
         mainLoop_.post([weak = std::weak_ptr(exchange)] {
@@ -206,21 +236,15 @@ Subscription QtHttpClient::get(const HttpRequest& request, std::function<void(co
 }
 
 void QtHttpClient::send(const std::shared_ptr<Exchange>& exchange) {
-    if (!manager_) {
-        manager_ = std::make_shared<QNetworkAccessManager>();
-    }
-    auto start = [weak = std::weak_ptr(exchange), manager = std::weak_ptr(manager_), this](const QNetworkProxy& proxy) {
-        const auto alive = weak.lock();
-        const auto managerAlive = manager.lock();
-        if (alive && managerAlive) {
-            managerAlive->setProxy(proxy);
-            alive->start(*managerAlive, configurationWith(furtherAuthorities_));
+    auto start = [weak = std::weak_ptr(exchange), client = std::weak_ptr(alive_), this](const QNetworkProxy& proxy) {
+        const auto waiting = weak.lock();
+        if (waiting && !client.expired()) {
+            waiting->start(proxy, configurationWith(authorities_));
         }
     };
     // The system's answer may come from a script that is fetched first.
     backgroundWork_.run([&mainLoop = mainLoop_, start = std::move(start), address = exchange->address()] {
-        const auto proxies = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(address));
-        mainLoop.post([start, proxy = proxies.value(0, QNetworkProxy::NoProxy)] { start(proxy); });
+        mainLoop.post([start, proxy = proxyFor(address)] { start(proxy); });
     });
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QList>
-#include <QNetworkAccessManager>
 #include <QSslCertificate>
 #include <functional>
 #include <memory>
@@ -13,13 +12,16 @@ namespace ferrowyn {
 class BackgroundWork;
 class MainLoop;
 
-/// HTTPS on Qt Network. Errors of the server's certificate are never overlooked, nothing is kept between requests (no
-/// cache, no cookies), and a redirect that leaves HTTPS is an error. Main thread, with a QCoreApplication. Main loop
-/// and background work outlive it, and it outlives its requests.
+/// HTTPS over Qt's sockets. Errors of the server's certificate are never overlooked, nothing is kept between requests
+/// (no cache, no cookies), and a redirect that leaves HTTPS is an error. Main thread, with a QCoreApplication. Main
+/// loop and background work outlive it, and it outlives its requests.
+///
+/// Qt's own HTTP client is not used: it always sends a program's name, the user's language and a list of encodings, and
+/// takes header fields without any bound.
 class QtHttpClient final : public HttpClient {
 public:
-    /// The further authorities are trusted beside the system's.
-    QtHttpClient(MainLoop& mainLoop, BackgroundWork& backgroundWork, QList<QSslCertificate> furtherAuthorities = {});
+    /// The authorities, where there are any, are trusted in place of the system's.
+    QtHttpClient(MainLoop& mainLoop, BackgroundWork& backgroundWork, QList<QSslCertificate> authorities = {});
     ~QtHttpClient() override;
     QtHttpClient(const QtHttpClient&) = delete;
     QtHttpClient& operator=(const QtHttpClient&) = delete;
@@ -35,10 +37,9 @@ private:
 
     MainLoop& mainLoop_;
     BackgroundWork& backgroundWork_;
-    QList<QSslCertificate> furtherAuthorities_;
-    /// Made for the first request: most starts of the program ask for nothing. Shared with nobody; requests that wait
-    /// for their proxy hold it weakly, since they may outwait this object.
-    std::shared_ptr<QNetworkAccessManager> manager_;
+    QList<QSslCertificate> authorities_;
+    /// Requests that wait for their proxy may outwait this object.
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace ferrowyn

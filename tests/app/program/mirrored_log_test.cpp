@@ -34,5 +34,13 @@ TEST(MirroredLogTest, TheStreamGetsWhatIsLoudEnoughAndTheOtherLogEverything) {
     EXPECT_EQ(lines.back().level, LogLevel::error);
 }
 
+TEST(MirroredLogTest, NoMessageCommandsTheTerminal) {
+    SimulatedDesktop desktop;
+    std::ostringstream stream;
+    MirroredLog log(std::make_unique<BorrowedLog>(desktop.platform().log), LogLevel::standard, stream);
+    log.write(LogLevel::error, "ui", "a\x1B[31m b\r\n\tc\x7F \u009B d é €");
+    EXPECT_EQ(stream.str(), "ferrowyn: [ui] a?[31m b???c? ? d é €\n");
+}
+
 }  // namespace
 }  // namespace ferrowyn

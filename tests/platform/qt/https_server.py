@@ -92,6 +92,12 @@ def behave(connection, request, ports):
         answer(connection, "302 Found", Location="file:///etc/hostname")
     elif behaviour == "redirect-https":
         answer(connection, "302 Found", Location=f"https://127.0.0.1:{ports['good']}/elsewhere?v=manifest")
+    elif behaviour == "redirect-with-a-long-body":
+        connection.sendall(f"HTTP/1.1 302 Found\r\nLocation: /x?v=text\r\nContent-Length: 5000000\r\n\r\n".encode())
+        wait_for_client_to_go(connection)
+    elif behaviour == "redirect-with-odd-characters":
+        # Nothing of it may become a line of the next request.
+        answer(connection, "302 Found", Location="/a b\rX-Odd: 1\x0b\x7f?v=echo&odd=\rX-Odd: 2")
     elif behaviour == "redirect-for-ever":
         answer(connection, "302 Found", Location=f"/?v=redirect-for-ever")
     elif behaviour == "silent":
@@ -113,6 +119,20 @@ def behave(connection, request, ports):
         chunk = b"10000\r\n" + b"x" * 0x10000 + b"\r\n"
         while True:
             connection.sendall(chunk)
+    elif behaviour == "endless-fields":
+        connection.sendall(b"HTTP/1.1 200 OK\r\n")
+        while True:
+            connection.sendall(b"X-Field: value\r\n" * 1000)
+    elif behaviour == "endless-field":
+        connection.sendall(b"HTTP/1.1 200 OK\r\nX-Field: ")
+        while True:
+            connection.sendall(b"x" * 0x10000)
+    elif behaviour == "endless-first-line":
+        while True:
+            connection.sendall(b"HTTP/1.1 200 " * 1000)
+    elif behaviour == "endless-interim-answers":
+        while True:
+            connection.sendall(b"HTTP/1.1 103 Early Hints\r\n\r\n" * 1000)
     elif behaviour == "not-http":
         connection.sendall(b"220 mail.example ESMTP ready\r\n")
     elif behaviour == "broken-status":
@@ -143,15 +163,38 @@ def serve_one(connection, context, ports):
         connection.close()
 
 
-def serve(listener, context, ports):
+def serve(listener, serve_connection, *arguments):
     while True:
         connection, _ = listener.accept()
-        threading.Thread(target=serve_one, args=(connection, context, ports), daemon=True).start()
+        threading.Thread(target=serve_connection, args=(connection, *arguments), daemon=True).start()
+
+
+def pump(source, sink):
+    try:
+        while received := source.recv(4096):
+            sink.sendall(received)
+        sink.shutdown(socket.SHUT_WR)
+    except OSError:
+        pass
+
+
+def tunnel(connection):
+    """What an HTTP proxy does for encrypted connections; a name under "behind" leads to this machine."""
+    request = b""
+    while b"\r\n\r\n" not in request:
+        request += connection.recv(4096)
+    host, port = request.split(b" ")[1].decode().rsplit(":", 1)
+    with connection, socket.create_connection(("127.0.0.1" if host.startswith("behind.") else host, int(port))) as server:
+        connection.sendall(b"HTTP/1.1 200 Connection established\r\n\r\n")
+        back = threading.Thread(target=pump, args=(server, connection), daemon=True)
+        back.start()
+        pump(connection, server)
+        back.join()
 
 
 def main():
     folder = pathlib.Path(sys.argv[1])
-    here = "IP:127.0.0.1,DNS:localhost"
+    here = "IP:127.0.0.1,DNS:localhost,DNS:behind.example"
     make_authority(folder, "ca")
     make_authority(folder, "stranger")
     make_store(folder, "ca")
@@ -160,14 +203,15 @@ def main():
     make_certificate(folder, "other-host", "ca", "DNS:elsewhere.example")
     make_certificate(folder, "expired", "ca", here, "-1")
     ports = {}
-    for name in ("good", "unknown", "other-host", "expired", "plain"):
+    for name in ("good", "unknown", "other-host", "expired", "plain", "proxy"):
         context = None
-        if name != "plain":
+        if name not in ("plain", "proxy"):
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
             context.load_cert_chain(folder / f"{name}.pem", folder / f"{name}.key")
         listener = socket.create_server(("127.0.0.1", 0))
         ports[name] = listener.getsockname()[1]
-        threading.Thread(target=serve, args=(listener, context, ports), daemon=True).start()
+        service = (tunnel,) if name == "proxy" else (serve_one, context, ports)
+        threading.Thread(target=serve, args=(listener, *service), daemon=True).start()
     print(json.dumps(ports), flush=True)
     sys.stdin.read()
 

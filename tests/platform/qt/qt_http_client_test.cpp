@@ -2,6 +2,7 @@
 
 #include <QEventLoop>
 #include <QTcpServer>
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <memory>
@@ -17,9 +18,7 @@ namespace ferrowyn {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 class QtHttpClientTest : public testing::Test {
 protected:
@@ -97,14 +96,39 @@ TEST_F(QtHttpClientTest, FollowsARedirectThatStaysOnHttps) {
     const auto answer = response({address("redirect-https")});
     EXPECT_EQ(answer.status, 200);
     EXPECT_THAT(answer.body, HasSubstr("9.1"));
+    EXPECT_EQ(response({address("redirect-with-a-long-body")}).body, "It works!");
 }
 
-TEST_F(QtHttpClientTest, SendsNothingThatItRemembersOrThatNamesTheMachine) {
+TEST_F(QtHttpClientTest, SendsTheAddressAndNothingElse) {
     static_cast<void>(response({address("echo")}));
     const auto request = response({address("echo")}).body;
-    EXPECT_THAT(request, HasSubstr("GET /x?v=echo HTTP/1.1\r\n"));
-    EXPECT_THAT(request, HasSubstr("User-Agent: Ferrowyn\r\n"));
-    EXPECT_THAT(request, AllOf(Not(HasSubstr("Cookie")), Not(HasSubstr("If-")), Not(HasSubstr("Referer"))));
+    EXPECT_EQ(request, "GET /x?v=echo HTTP/1.1\r\nHost: " + servers->host() + "\r\nConnection: close\r\n\r\n");
+}
+
+TEST_F(QtHttpClientTest, TheAddressStaysOneLineOfTheRequest) {
+    const auto request = response({address("redirect-with-odd-characters")}).body;
+    EXPECT_THAT(request, testing::StartsWith("GET /a%20b%0DX-Odd"));
+    EXPECT_EQ(std::ranges::count(request, '\r'), 4) << request;
+    EXPECT_EQ(std::ranges::count(request, '\n'), 4) << request;
+    EXPECT_THAT(response({address("echo") + "&text=a%0D%0Ab"}).body, HasSubstr("&text=a%0D%0Ab HTTP/1.1"));
+}
+
+TEST_F(QtHttpClientTest, FindsAServerByItsName) {
+    qputenv("no_proxy", "127.0.0.1,localhost");
+    EXPECT_EQ(response({"https://localhost:" + servers->port() + "/?v=text"}).body, "It works!");
+    // Longer than a name may be, so that no server of names is asked.
+    std::string tooLong = "a";
+    for (int part = 0; part < 150; ++part) {
+        tooLong += ".a";
+    }
+    EXPECT_EQ(failure({"https://" + tooLong + "/"}), "Host not found");
+}
+
+TEST_F(QtHttpClientTest, TakesTheSystemsProxy) {
+    const auto behindTheProxy = "https://behind.example:" + servers->port() + "/?v=text";
+    qputenv("https_proxy", QByteArray::fromStdString("http://" + servers->host("proxy")));
+    EXPECT_EQ(response({behindTheProxy}).body, "It works!");
+    qunsetenv("https_proxy");
 }
 
 TEST_F(QtHttpClientTest, WhatSpeaksNoHttpAnswersWithStatusZero) {
@@ -126,7 +150,7 @@ TEST_F(QtHttpClientTest, NeverLeavesHttps) {
 }
 
 TEST_F(QtHttpClientTest, ACircleOfRedirectsEnds) {
-    EXPECT_EQ(failure({address("redirect-for-ever")}), "Too many redirects");
+    EXPECT_EQ(failure({address("redirect-for-ever")}), "The server redirects too often.");
 }
 
 TEST_F(QtHttpClientTest, TrustsNoCertificateThatIsWrongInAnyWay) {
@@ -149,12 +173,12 @@ TEST_F(QtHttpClientTest, TheTestsOwnAuthorityIsAStrangerToTheProduct) {
 }
 
 TEST_F(QtHttpClientTest, AServerWithoutEncryptionIsAFailure) {
-    EXPECT_THAT(failure({address("text", "plain")}), HasSubstr("SSL handshake failed"));
+    EXPECT_THAT(failure({address("text", "plain")}), HasSubstr("SSL"));
 }
 
 TEST_F(QtHttpClientTest, AnAnswerThatBreaksOffIsAFailure) {
     for (const char* behaviour : {"cut-off", "broken-chunk"}) {
-        EXPECT_NE(failure({address(behaviour)}), "") << behaviour;
+        EXPECT_EQ(failure({address(behaviour)}), "The server's answer is incomplete or damaged.") << behaviour;
     }
 }
 
@@ -189,6 +213,12 @@ TEST_F(QtHttpClientTest, ATooLongBodyIsToldAtOnceAndNotReadToItsEnd) {
     EXPECT_EQ(failure({address("endless")}), "The server's answer is too long.");
 }
 
+TEST_F(QtHttpClientTest, WhatComesBeforeTheBodyIsBoundedToo) {
+    for (const char* behaviour : {"endless-fields", "endless-field", "endless-first-line", "endless-interim-answers"}) {
+        EXPECT_EQ(failure({address(behaviour)}), "The server's answer is too long.") << behaviour;
+    }
+}
+
 // --- tokens
 // -----------------------------------------------------------------------------------------------------------
 
@@ -200,7 +230,7 @@ TEST_F(QtHttpClientTest, ADroppedTokenEndsTheRequestInSilence) {
     auto onItsWay = client.get({.url = address("silent"), .timeout = Seconds(60)}, told);
     // A request that was made later has ended: the dropped ones would have, too.
     EXPECT_EQ(response({address("text")}).status, 200);
-    onItsWay.reset();  // which breaks the connection off: a reply that is still listened to says so at once
+    onItsWay.reset();  // which breaks the connection off: a connection that is still listened to says so at once
     EXPECT_EQ(failure({.url = address("silent"), .timeout = Seconds(0.2)}), "The request timed out.");
     EXPECT_FALSE(wasTold);
 }
@@ -335,13 +365,13 @@ TEST_F(UpdateOverHttpsTest, SaysWhatWentWrong) {
         EXPECT_EQ(failureOf(body), "The update manifest could not be read.") << body;
     }
     EXPECT_EQ(failureOf("redirect-http"), "The server redirects to an address that is not secure.");
-    EXPECT_EQ(failureOf("redirect-for-ever"), "Too many redirects");
+    EXPECT_EQ(failureOf("redirect-for-ever"), "The server redirects too often.");
     EXPECT_EQ(failureOf("five-megabytes-announced"), "The server's answer is too long.");
     EXPECT_EQ(failureOf("endless"), "The server's answer is too long.");
     for (const char* certificate : {"unknown", "other-host", "expired"}) {
         EXPECT_THAT(failureOf("manifest", certificate), HasSubstr("certificate")) << certificate;
     }
-    EXPECT_EQ(failureOf("cut-off"), "Connection closed");
+    EXPECT_EQ(failureOf("cut-off"), "The server's answer is incomplete or damaged.");
     EXPECT_EQ(desktop.userDefaults().value("updates.lastCheck"), std::nullopt);
 }
 
