@@ -1,11 +1,13 @@
 #include "platform/linux/atomic_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <string>
 #include <utility>
 
 namespace ferrowyn {
@@ -34,6 +36,16 @@ public:
 private:
     int descriptor_;
 };
+
+class FileErrors final : public std::error_category {
+public:
+    [[nodiscard]] const char* name() const noexcept override { return "file"; }
+    [[nodiscard]] std::string message(int /*only one*/) const override { return "it is not a regular file"; }
+};
+
+/// Of a temporary file, after the name of the one that it is to become.
+constexpr std::string_view unfinishedMark = ".unfinished-";
+constexpr std::string_view uniquePart = "XXXXXX";
 
 std::error_code lastError() {
     return {errno, std::generic_category()};
@@ -64,6 +76,40 @@ bool writeAll(int descriptor, std::string_view content) {
     return true;
 }
 
+/// Where the last of a chain of links leads, whether anything is there or not.
+std::filesystem::path withoutLinks(std::filesystem::path file, std::error_code& error) {
+    constexpr int mostLinks = 40;
+    std::error_code notThere;
+    for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(file, notThere)); ++links) {
+        if (links == mostLinks) {
+            error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+            return file;
+        }
+        const auto next = std::filesystem::read_symlink(file, error);
+        if (error) {
+            return file;
+        }
+        file = file.parent_path() / next;
+    }
+    return file;
+}
+
+bool isUnfinished(std::string_view name, std::string_view ofFile) {
+    if (name.size() != ofFile.size() + unfinishedMark.size() + uniquePart.size() || !name.starts_with(ofFile)) {
+        return false;
+    }
+    name.remove_prefix(ofFile.size());
+    return name.starts_with(unfinishedMark) && name.find('.', unfinishedMark.size()) == std::string_view::npos;
+}
+
+/// Unless a writer holds it still.
+void removeUnfinished(const std::filesystem::path& file) {
+    const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+    if (descriptor.isOpen() && ::flock(descriptor.get(), LOCK_EX | LOCK_NB) == 0) {
+        ::unlink(file.c_str());
+    }
+}
+
 void keepPermissions(const std::filesystem::path& of, int descriptor) {
     struct stat status {};
     if (::stat(of.c_str(), &status) == 0) {
@@ -74,26 +120,36 @@ void keepPermissions(const std::filesystem::path& of, int descriptor) {
 
 }  // namespace
 
+std::error_code notARegularFile() {
+    static const FileErrors errors;
+    return {1, errors};
+}
+
 std::error_code replaceFile(const std::filesystem::path& file, std::string_view content) {
-    std::error_code linkError;
-    const auto target =
-        std::filesystem::is_symlink(file, linkError) ? std::filesystem::weakly_canonical(file, linkError) : file;
-    if (linkError && linkError != std::errc::no_such_file_or_directory) {
-        return linkError;
-    }
-    if (auto error = makeFolders(target.parent_path())) {
+    std::error_code error;
+    const auto target = withoutLinks(file, error);
+    if (error) {
         return error;
     }
-    std::string temporary = target.string() + ".XXXXXX";
+    if (const auto there = std::filesystem::symlink_status(target, error);
+        std::filesystem::exists(there) && !std::filesystem::is_regular_file(there)) {
+        return notARegularFile();
+    }
+    if (auto folderError = makeFolders(target.parent_path())) {
+        return folderError;
+    }
+    std::string temporary = target.string() + std::string(unfinishedMark) + std::string(uniquePart);
     FileDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!descriptor.isOpen()) {
         return lastError();
     }
+    // Tells others that its writer lives. Where locks are not to be had, at worst this write fails.
+    ::flock(descriptor.get(), LOCK_EX | LOCK_NB);
     keepPermissions(target, descriptor.get());
     const bool isStored = writeAll(descriptor.get(), content) && ::fsync(descriptor.get()) == 0 && descriptor.close() &&
                           ::rename(temporary.c_str(), target.c_str()) == 0;
     if (!isStored) {
-        const auto error = lastError();
+        error = lastError();
         ::unlink(temporary.c_str());
         return error;
     }
@@ -105,12 +161,31 @@ std::error_code replaceFile(const std::filesystem::path& file, std::string_view 
     return {};
 }
 
+void removeUnfinishedFiles(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto target = withoutLinks(file, error);
+    const auto name = target.filename().string();
+    for (std::filesystem::directory_iterator at(target.parent_path(), error), end; !error && at != end;
+         at.increment(error)) {
+        std::error_code notThere;
+        if (isUnfinished(at->path().filename().string(), name) &&
+            std::filesystem::is_regular_file(at->symlink_status(notThere))) {
+            removeUnfinished(at->path());
+        }
+    }
+}
+
 std::string readFile(const std::filesystem::path& file, std::size_t largest, std::error_code& error) {
     error.clear();
     // Not blocking: the path may turn out to be a pipe.
     const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!descriptor.isOpen()) {
         error = lastError();
+        return {};
+    }
+    struct stat status {};
+    if (::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        error = notARegularFile();
         return {};
     }
     std::string content;

@@ -70,11 +70,10 @@ std::optional<IniDocument> IniDocument::parse(std::string_view content) {
 }
 
 std::optional<IniDocument::Line> IniDocument::parseLine(std::string_view text, const std::string& currentGroup) {
-    if (text.ends_with('\r')) {
-        text.remove_suffix(1);
-    }
-    Line line{std::string(text), currentGroup, false, std::nullopt, {}};
-    const auto content = trimmedBlanks(text);
+    const auto textEnd = text.find_last_not_of('\r') + 1;
+    Line line{
+        std::string(text.substr(0, textEnd)), std::string(text.substr(textEnd)), currentGroup, false, std::nullopt, {}};
+    const auto content = trimmedBlanks(line.text);
     if (content.empty() || content.starts_with('#') || content.starts_with(';')) {
         return line;
     }
@@ -123,6 +122,7 @@ void IniDocument::add(std::string_view group, std::string_view name, const Defau
     const auto belongsToGroup = [group](const Line& line) {
         return line.group == group && (line.opensGroup || line.name.has_value());
     };
+    const std::string lineEnd = lines_.empty() || lines_.front().end.empty() ? "" : "\r";
     const auto last = std::find_if(lines_.rbegin(), lines_.rend(), belongsToGroup);
     auto place = last.base();
     if (last == lines_.rend() && group.empty()) {
@@ -130,18 +130,18 @@ void IniDocument::add(std::string_view group, std::string_view name, const Defau
         place = std::ranges::find(lines_, true, &Line::opensGroup);
     } else if (last == lines_.rend()) {
         if (!lines_.empty()) {
-            lines_.emplace_back();
+            lines_.push_back({{}, lineEnd, {}, false, std::nullopt, {}});
         }
-        lines_.push_back({"[" + std::string(group) + "]", std::string(group), true, std::nullopt, {}});
+        lines_.push_back({"[" + std::string(group) + "]", lineEnd, std::string(group), true, std::nullopt, {}});
         place = lines_.end();
     }
-    lines_.insert(place, {entryText(name, value), std::string(group), false, std::string(name), value});
+    lines_.insert(place, {entryText(name, value), lineEnd, std::string(group), false, std::string(name), value});
 }
 
 std::string IniDocument::text() const {
     std::string text;
     for (const auto& line : lines_) {
-        text += line.text + "\n";
+        text += line.text + line.end + "\n";
     }
     return text;
 }

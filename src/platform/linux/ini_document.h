@@ -28,6 +28,8 @@ public:
 private:
     struct Line {
         std::string text;
+        /// The carriage returns before the line feed: other systems write one.
+        std::string end;
         /// The group that the line stands in, or opens.
         std::string group;
         bool opensGroup = false;

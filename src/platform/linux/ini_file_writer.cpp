@@ -44,6 +44,7 @@ IniFileWriter::~IniFileWriter() {
 }
 
 IniFileWriter::Values IniFileWriter::read() {
+    removeUnfinishedFiles(file_);
     lastGood_ = readDocument();
     return lastGood_.values();
 }
@@ -107,6 +108,12 @@ IniDocument IniFileWriter::readDocument() {
     if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) {
         return {};
     }
+    std::error_code notThere;
+    if (error == notARegularFile() && !std::filesystem::is_directory(file_, notThere)) {
+        // A device or a pipe is there on purpose. Writing says that it cannot be, too.
+        reportUnreadable(error.message());
+        return lastGood_;
+    }
     if (error) {
         keepAside(error.message());
         return lastGood_;
@@ -126,6 +133,13 @@ void IniFileWriter::keepAside(std::string_view why) {
                error ? fmt::format("The settings file {} cannot be read ({})", file_.string(), why)
                      : fmt::format("The settings file {} cannot be read ({}); it was kept as {}", file_.string(), why,
                                    aside.filename().string()));
+}
+
+void IniFileWriter::reportUnreadable(std::string_view why) {
+    if (!std::exchange(hasReportedUnreadable_, true)) {
+        log_.write(LogLevel::error, logCategory,
+                   fmt::format("The settings file {} cannot be read ({})", file_.string(), why));
+    }
 }
 
 void IniFileWriter::reportUnwritable(std::string_view why) {

@@ -25,7 +25,8 @@ public:
     IniFileWriter(const IniFileWriter&) = delete;
     IniFileWriter& operator=(const IniFileWriter&) = delete;
 
-    /// What the file holds now. A damaged file is moved aside first. Before the first `store`.
+    /// What the file holds now. A damaged file is moved aside first, and what killed writers left is removed. Before
+    /// the first `store`.
     [[nodiscard]] Values read();
     /// Hands one change to the writer.
     void store(std::string_view key, DefaultsValue value);
@@ -38,6 +39,7 @@ private:
     [[nodiscard]] bool write(const Values& changes);
     [[nodiscard]] IniDocument readDocument();
     void keepAside(std::string_view why);
+    void reportUnreadable(std::string_view why);
     void reportUnwritable(std::string_view why);
 
     const std::filesystem::path file_;
@@ -45,6 +47,7 @@ private:
     /// What is stored as far as this object knows: the way back when someone else damages the file. Writer thread, and
     /// before there is one.
     IniDocument lastGood_;
+    bool hasReportedUnreadable_ = false;
     bool hasReportedUnwritable_ = false;
 
     std::mutex mutex_;

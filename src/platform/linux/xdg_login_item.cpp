@@ -263,6 +263,7 @@ std::optional<LoginItem::Error> XdgLoginItem::unregisterProgram() {
 }
 
 std::optional<LoginItem::Error> XdgLoginItem::write(const DesktopFileDocument& entry) const {
+    removeUnfinishedFiles(userEntry_);
     const auto failure = replaceFile(userEntry_, entry.text());
     return failure ? std::optional(error(failure)) : std::nullopt;
 }

@@ -1,10 +1,17 @@
 #include "platform/linux/ini_user_defaults.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
+#include "platform/linux/atomic_file.h"
 #include "tests/platform/linux/recorded_log.h"
 #include "tests/platform/linux/temporary_folder.h"
 
@@ -239,6 +246,109 @@ TEST_F(IniUserDefaultsTest, FollowsALinkAndKeepsPermissions) {
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(TemporaryFolder::read(target), "[switcher]\nlayout=\"list\"\n");
     EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+}
+
+/// Not with a device: were this to fail, root would lose it.
+TEST_F(IniUserDefaultsTest, OnlyARegularFileIsWritten) {
+    const auto pipe = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    fs::create_directories(file.parent_path());
+    fs::create_symlink(pipe, file);
+    {
+        IniUserDefaults defaults(file, log);
+        EXPECT_EQ(defaults.value("switcher.layout"), std::nullopt);
+        for (const char* layout : {"grid", "list"}) {
+            defaults.set("switcher.layout", std::string(layout));
+            defaults.flush();
+        }
+        EXPECT_EQ(defaults.string("switcher.layout"), "list") << "in memory";
+    }
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    EXPECT_THAT(filesBeside(), ElementsAre("Ferrowyn.ini"));
+    EXPECT_THAT(log.errors(), ElementsAre(AllOf(HasSubstr("cannot be read"), HasSubstr("not a regular file")),
+                                          AllOf(HasSubstr("cannot be stored"), HasSubstr("not a regular file"))));
+}
+
+TEST_F(IniUserDefaultsTest, APipeInPlaceOfTheFileStays) {
+    fs::create_directories(file.parent_path());
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    store("switcher.layout", std::string("grid"));
+    EXPECT_TRUE(fs::is_fifo(file));
+    EXPECT_THAT(filesBeside(), ElementsAre("Ferrowyn.ini"));
+}
+
+TEST_F(IniUserDefaultsTest, ALinkToNothingYetIsFilled) {
+    const auto target = folder.path() / "dotfiles/ferrowyn.ini";
+    fs::create_directories(file.parent_path());
+    fs::create_symlink(target, file);
+    store("switcher.layout", std::string("grid"));
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(TemporaryFolder::read(target), "[switcher]\nlayout=\"grid\"\n");
+}
+
+TEST_F(IniUserDefaultsTest, CleansUpAfterWritersThatWereKilledAndOnlyAfterThem) {
+    const auto target = folder.write("dotfiles/ferrowyn.ini", "[switcher]\nlayout=\"grid\"\n");
+    fs::create_directories(file.parent_path());
+    fs::create_symlink(target, file);
+    const auto writing = folder.write("dotfiles/ferrowyn.ini.unfinished-Ab3dE6", "[switcher]\nlay");
+    folder.write("dotfiles/ferrowyn.ini.unfinished-ZZZZZZ", "");
+    for (const char* foreign : {"ferrowyn.ini.backup", "ferrowyn.ini.unfinished-", "ferrowyn.ini.unfinished-notes.txt",
+                                "other.ini.unfinished-Ab3dE6", "ferrowyn.ini.damaged"}) {
+        folder.write(fs::path("dotfiles") / foreign, "");
+    }
+    const auto names = [&] {
+        std::vector<std::string> found;
+        for (const auto& entry : fs::directory_iterator(target.parent_path())) {
+            found.push_back(entry.path().filename());
+        }
+        std::ranges::sort(found);
+        return found;
+    };
+    // Another process still writes that one.
+    const int descriptor = ::open(writing.c_str(), O_WRONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(descriptor, LOCK_EX), 0);
+    EXPECT_EQ(storedValue("switcher.layout"), DefaultsValue(std::string("grid")));
+    EXPECT_THAT(names(), ElementsAre("ferrowyn.ini", "ferrowyn.ini.backup", "ferrowyn.ini.damaged",
+                                     "ferrowyn.ini.unfinished-", "ferrowyn.ini.unfinished-Ab3dE6",
+                                     "ferrowyn.ini.unfinished-notes.txt", "other.ini.unfinished-Ab3dE6"));
+    ::close(descriptor);
+    EXPECT_EQ(storedValue("switcher.layout"), DefaultsValue(std::string("grid")));
+    EXPECT_FALSE(fs::exists(writing)) << "its writer has gone";
+    EXPECT_THAT(log.errors(), IsEmpty());
+}
+
+TEST_F(IniUserDefaultsTest, WhatAKilledWriterLeavesIsFoundAtTheNextStart) {
+    writeFile("[switcher]\nlayout=\"grid\"\n");
+    const pid_t writer = ::fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        // The first byte beyond the limit kills, in the middle of the temporary file.
+        const rlimit noCore{0, 0};
+        const rlimit limit{100, 100};
+        ::setrlimit(RLIMIT_CORE, &noCore);
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        static_cast<void>(replaceFile(file, std::string(1000, 'x')));
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+    ASSERT_TRUE(WIFSIGNALED(status)) << status;
+    ASSERT_THAT(filesBeside(), SizeIs(2));
+    EXPECT_EQ(storedValue("switcher.layout"), DefaultsValue(std::string("grid")));
+    EXPECT_THAT(filesBeside(), ElementsAre("Ferrowyn.ini"));
+}
+
+TEST_F(IniUserDefaultsTest, LineEndsSurviveAChange) {
+    writeFile("; of another system\r\n[switcher]\r\nlayout=grid\r\nrows=9\r\r\r\n\r\r\n[updates]\r\n");
+    for (const char* layout : {"list", "grid", "list"}) {
+        store("switcher.layout", std::string(layout));
+    }
+    store("updates.automatic", false);
+    EXPECT_EQ(fileContent(),
+              "; of another system\r\n[switcher]\r\nlayout=\"list\"\r\nrows=9\r\r\r\n\r\r\n[updates]\r\n"
+              "automatic=false\r\n");
+    EXPECT_EQ(storedValue("switcher.rows"), DefaultsValue(std::int64_t{9}));
 }
 
 TEST_F(IniUserDefaultsTest, MakesItsFolderForTheUserAlone) {

@@ -270,6 +270,13 @@ TEST_F(XdgLoginItemTest, AnEntryThatIsALinkStaysOne) {
     EXPECT_EQ(item().status(), Status::enabled);
 }
 
+TEST_F(XdgLoginItemTest, WhatAKilledWriterLeftIsRemovedWithTheNextChange) {
+    const auto left = userEntry().string() + ".unfinished-Ab3dE6";
+    write(left, "[Desktop En");
+    EXPECT_EQ(item().registerProgram(), std::nullopt);
+    EXPECT_FALSE(fs::exists(left));
+}
+
 // --- started the way a session does it
 // --------------------------------------------------------------------------------
 
