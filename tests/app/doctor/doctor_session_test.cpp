@@ -66,7 +66,7 @@ TEST_F(DoctorSessionTest, NamesSettingsThatCannotBeRead) {
     fs::create_directories(folder.path() / "Ferrowyn/Ferrowyn.ini");
     const auto finding = session().settingsFile();
     EXPECT_EQ(finding.verdict, Verdict::notice);
-    EXPECT_THAT(finding.text, HasSubstr("cannot be read: Is a directory"));
+    EXPECT_THAT(finding.text, HasSubstr("cannot be read: it is not a regular file"));
 }
 
 TEST_F(DoctorSessionTest, NamesFilesWithoutTheNameOfThePerson) {
