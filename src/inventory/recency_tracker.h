@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -24,13 +25,17 @@ public:
     void touch(WindowId id);
     /// A first order from the stacking of the windows, when nothing is known yet.
     void seedIfEmpty(const std::vector<AppWindow>& windows);
-    /// Forgets every window that is not in the set.
-    void retainOnly(const std::unordered_set<WindowId>& ids);
+    /// Forgets every window that is not in the set. Ranks above `newestForgotten` stay in any case: they were given
+    /// after the set was gathered.
+    void retainOnly(const std::unordered_set<WindowId>& ids,
+                    std::int64_t newestForgotten = std::numeric_limits<std::int64_t>::max());
     /// Whether a comes before b: most recently used first, then by stacking, application name and id. A strict order.
     [[nodiscard]] bool precedes(const AppWindow& a, const AppWindow& b) const;
 
     /// Larger is more recent; nothing for a window that was never used. Ranks are never reused.
     [[nodiscard]] std::optional<std::int64_t> rank(WindowId id) const;
+    /// The rank that was given last; 0 before the first.
+    [[nodiscard]] std::int64_t latestRank() const { return counter_; }
     [[nodiscard]] std::size_t count() const { return ranks_.size(); }
 
     /// More windows than this are not remembered: the older half is forgotten at once.

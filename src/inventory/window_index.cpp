@@ -136,6 +136,7 @@ void WindowIndex::handle(const WindowChange& change) {
 
 void WindowIndex::beginPass() {
     needsAnotherPass_ = false;
+    rankAtPassBegin_ = recency_->latestRank();
     backgroundWork_.run([enumerator = enumerator_, &mainLoop = mainLoop_, self = this,
                          isAlive = std::weak_ptr(isAlive_), generation = generation_] {
         mainLoop.post([self, isAlive, generation, snapshot = enumerator.snapshot()]() mutable {
@@ -162,7 +163,8 @@ void WindowIndex::apply(WindowEnumerator::Snapshot snapshot) {
     recency_->seedIfEmpty(windows);
     const auto ids = idsOf(windows);
     if (ids.size() < recency_->count()) {
-        recency_->retainOnly(ids);
+        // A window that was focused since the pass began may be too new for its snapshot.
+        recency_->retainOnly(ids, rankAtPassBegin_);
     }
     std::ranges::stable_sort(windows,
                              [this](const AppWindow& a, const AppWindow& b) { return recency_->precedes(a, b); });

@@ -69,6 +69,7 @@ private:
     std::unique_ptr<WindowObservationCenter> observation_;
     bool isEnumerating_ = false;
     bool needsAnotherPass_ = false;
+    std::int64_t rankAtPassBegin_ = 0;
     bool isStarted_ = false;
     /// Counts the stops: work that was begun before the last one has no effect any more.
     std::uint64_t generation_ = 0;

@@ -157,6 +157,24 @@ TEST_F(WindowIndexTest, RequestsDuringAPassFoldIntoOneMore) {
     EXPECT_EQ(refreshes, 3) << "and idle again afterwards";
 }
 
+TEST_F(WindowIndexTest, AWindowFocusedDuringAPassThatDoesNotHoldItYetKeepsItsRank) {
+    start();
+    desktop.holdBackgroundWork(true);
+    index->refresh();
+    desktop.openWindow(
+        {.id = 4, .pid = 200, .title = "New", .isListedByWindowServer = false, .isListedByAccessibility = false});
+    ASSERT_TRUE(recency->rank(4).has_value());
+    desktop.holdBackgroundWork(false);
+    desktop.settle();
+    ASSERT_THAT(ids(), ElementsAre(3, 2, 1)) << "the pass saw the desktop as it was before";
+    desktop.changeWindow(4, [](auto& state) {
+        state.isListedByWindowServer = true;
+        state.isListedByAccessibility = true;
+    });
+    desktop.advance(1s);
+    EXPECT_THAT(ids(), ElementsAre(4, 3, 2, 1));
+}
+
 TEST_F(WindowIndexTest, AnUnchangedSnapshotIsNotPublishedAgain) {
     start();
     desktop.advance(1s);
