@@ -28,7 +28,8 @@ public:
     [[nodiscard]] virtual Type type() const = 0;
     /// Bits of `event_flags`; others may be set and mean nothing here.
     [[nodiscard]] virtual std::uint64_t flags() const = 0;
-    /// The physical key, as an ANSI virtual key code; a key without one has a code of 128 or above. Key events only.
+    /// The physical key, as an ANSI virtual key code; a key without one has a code of 128 or above. Where a system lets
+    /// users move Escape, Tab, the arrows and their like, it is the key that they made so. Key events only.
     [[nodiscard]] virtual std::uint16_t keyCode() const = 0;
     /// The text the key would type with these modifier flags instead of the event's own; the event's own when
     /// nothing is given. UTF-16, may be empty, may hold control characters. Key-down events only.

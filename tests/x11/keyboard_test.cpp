@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::uint8_t deadCircumflex = 34, menuKey = 135;
 
+namespace keypad {
+constexpr std::uint8_t home = 79, up = 80, pageUp = 81, left = 83, right = 85, end = 87, down = 88, pageDown = 89,
+                       enter = 104;
+}  // namespace keypad
+
 class KeyboardTest : public DeskTest<testing::Test> {
 protected:
     KeyboardTest() : DeskTest("openbox") {}
@@ -128,6 +133,124 @@ TEST_F(KeyboardTest, DeadKeysAndComposeSequencesTypeTheirText) {
     letGo();
     input.tap(key::enter);
     expectSwitchTo(window(2));
+}
+
+/// A way to make the Caps Lock key an Escape key, and whether the Escape key remains one.
+struct RemappedEscape {
+    const char* name;
+    std::vector<std::string> command;
+    bool keepsEscape;
+};
+
+void PrintTo(const RemappedEscape& remapped, std::ostream* stream) {
+    *stream << remapped.name;
+}
+
+class RemappedEscapeTest : public DeskTest<testing::TestWithParam<RemappedEscape>> {
+protected:
+    RemappedEscapeTest() : DeskTest("openbox") {}
+
+    /// In a session, this key closes the panel or does not, and nothing is switched if it does.
+    void expectCancels(std::uint8_t keyCode, bool cancels) {
+        const auto active = desktop.activeWindow();
+        const auto other = window(active == window(2) ? 1 : 2);
+        hold();
+        input.tap(keyCode);
+        if (cancels) {
+            EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for key " << int{keyCode} << " to cancel";
+            EXPECT_EQ(desktop.activeWindow(), active);
+            letGo();
+        } else {
+            letGo();
+            expectSwitchTo(other);
+        }
+        expectQuiet();
+    }
+};
+
+TEST_P(RemappedEscapeTest, TheKeyThatIsEscapeCancels) {
+    openWindows(2);
+    startProgram();
+    run(GetParam().command);
+    expectCancels(key::capsLock, true);
+    expectCancels(key::escape, GetParam().keepsEscape);
+}
+
+std::string remappedName(const testing::TestParamInfo<RemappedEscape>& instance) {
+    return instance.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    X11, RemappedEscapeTest,
+    testing::Values(RemappedEscape{"SwappedWithCapsLock", {"setxkbmap", "-option", "caps:swapescape"}, false},
+                    RemappedEscape{"AlsoOnCapsLock", {"setxkbmap", "-option", "caps:escape"}, true},
+                    // The key stays among those of the Lock modifier.
+                    RemappedEscape{"ByXmodmap", {"xmodmap", "-e", "keycode 66 = Escape"}, true},
+                    RemappedEscape{
+                        "ByXmodmapWithoutLock",
+                        {"xmodmap", "-e", "clear Lock", "-e", "keycode 66 = Escape", "-e", "keycode 9 = F13"},
+                        false}),
+    remappedName);
+
+TEST_F(KeyboardTest, TheKeypadMovesUnlessNumLockMakesItType) {
+    openActive({.title = "Report 4"});
+    openWindows(6);
+    startProgram();
+    // Rows: 7 6 5 4 3 2 1.
+    hold();
+    input.tap(keypad::end);
+    input.tap(keypad::enter);
+    expectSwitchTo(window(1));
+    letGo();
+    // 1 7 6 5 4 3 2: Home, then Page Down by four.
+    hold();
+    input.tap(keypad::home);
+    input.tap(keypad::pageDown);
+    input.tap(keypad::enter);
+    expectSwitchTo(window(4));
+    letGo();
+    // 4 1 7 6 5 3 2: End, then Page Up by four.
+    hold();
+    input.tap(keypad::end);
+    input.tap(keypad::pageUp);
+    input.tap(keypad::enter);
+    expectSwitchTo(window(7));
+    letGo();
+    // 7 4 1 6 5 3 2: from the second row.
+    hold();
+    type({keypad::down, keypad::down, keypad::up, keypad::right, keypad::left, keypad::right, keypad::enter});
+    expectSwitchTo(window(6));
+    letGo();
+    input.tap(key::numLock);
+    hold();
+    type({key::r, key::e, keypad::left});
+    letGo();
+    input.tap(keypad::enter);
+    expectSwitchTo(window(1));
+    input.tap(key::numLock);
+}
+
+/// Layouts are switched with Alt and Shift together: the second of the two is a switch then, and no modifier.
+TEST_F(KeyboardTest, ShiftGoesBackWhereItSwitchesTheLayoutWithAlt) {
+    run({"setxkbmap", "-layout", "us,ru", "-option", "grp:alt_shift_toggle"});
+    openWindows(5);
+    startProgram();
+    // 5 4 3 2 1: the last one.
+    holdBackward();
+    letGo();
+    expectSwitchTo(window(1));
+    // 1 5 4 3 2: in the session, too.
+    hold();
+    input.press(key::leftShift);
+    input.tap(key::tab);
+    input.tap(key::tab);
+    input.release(key::leftShift);
+    letGo();
+    expectSwitchTo(window(2));
+    // 2 1 5 4 3: and forward again without it.
+    hold(2);
+    letGo();
+    expectSwitchTo(window(5));
 }
 
 TEST_F(KeyboardTest, AHeldTabMovesOnAndStopsAtOnceOnRelease) {

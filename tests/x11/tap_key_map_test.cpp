@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <array>
 #include <set>
@@ -37,6 +38,32 @@ TEST(X11KeyMapTest, FallsBackToTheEvdevCodeWhereTheMapNamesNothing) {
 TEST(X11KeyMapTest, AKeyWithoutACodeGetsOneAboveAllThatHaveOne) {
     EXPECT_EQ(virtualKeyCode("I172", 172), 128 + 172);
     EXPECT_EQ(virtualKeyCode("", 255), 128 + 255);
+}
+
+TEST(X11KeyMapTest, FindsKeysThatMoveAndEditByTheirSymbolsAndThoseOfTheKeypad) {
+    struct Case {
+        xkb_keysym_t symbol;
+        xkb_keysym_t twin;
+        std::uint16_t code;
+    };
+    constexpr std::array cases{
+        Case{XKB_KEY_Escape, XKB_KEY_Escape, 53},       Case{XKB_KEY_Return, XKB_KEY_Return, 36},
+        Case{XKB_KEY_KP_Enter, XKB_KEY_KP_Enter, 76},   Case{XKB_KEY_Tab, XKB_KEY_ISO_Left_Tab, 48},
+        Case{XKB_KEY_BackSpace, XKB_KEY_BackSpace, 51}, Case{XKB_KEY_Delete, XKB_KEY_KP_Delete, 117},
+        Case{XKB_KEY_Home, XKB_KEY_KP_Home, 115},       Case{XKB_KEY_End, XKB_KEY_KP_End, 119},
+        Case{XKB_KEY_Prior, XKB_KEY_KP_Prior, 116},     Case{XKB_KEY_Next, XKB_KEY_KP_Next, 121},
+        Case{XKB_KEY_Left, XKB_KEY_KP_Left, 123},       Case{XKB_KEY_Right, XKB_KEY_KP_Right, 124},
+        Case{XKB_KEY_Down, XKB_KEY_KP_Down, 125},       Case{XKB_KEY_Up, XKB_KEY_KP_Up, 126}};
+    for (const auto& [symbol, twin, code] : cases) {
+        EXPECT_EQ(virtualKeyCodeOfSymbol(symbol), code);
+        EXPECT_EQ(virtualKeyCodeOfSymbol(twin), code);
+        EXPECT_TRUE(isFoundBySymbol(code)) << code;
+    }
+    // Letters and digits are places, and a keypad that types digits moves nothing.
+    for (const auto symbol : {XKB_KEY_d, XKB_KEY_l, XKB_KEY_1, XKB_KEY_KP_4, XKB_KEY_space, XKB_KEY_NoSymbol}) {
+        EXPECT_EQ(virtualKeyCodeOfSymbol(symbol), std::nullopt);
+    }
+    EXPECT_FALSE(isFoundBySymbol(virtualKeyCode("AD01", 24)));
 }
 
 }  // namespace

@@ -77,6 +77,15 @@ protected:
         ChildProcess process({.command = command});
         ASSERT_EQ(process.waitForExit(), 0) << process.output();
     }
+    /// As the lines of an xmodmap file.
+    void setKeyMap(const std::vector<std::string>& lines) {
+        std::vector<std::string> command{"xmodmap", "-display", server.display()};
+        for (const auto& line : lines) {
+            command.insert(command.end(), {"-e", line});
+        }
+        ChildProcess process({.command = command});
+        ASSERT_EQ(process.waitForExit(), 0) << process.output();
+    }
     void toggle(std::uint8_t modifier = key::leftAlt, std::uint8_t triggerKey = key::tab) {
         input.chord({modifier, triggerKey});
     }
@@ -615,6 +624,39 @@ TEST_F(TapKeyboardTest, FollowsAChangeOfTheMapWhileItRuns) {
     ASSERT_TRUE(rig.settle());
     toggle(key::leftAlt);
     EXPECT_TRUE(rig.waitForClosed(2));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, TabAndTheKeyAboveItAreTheKeysThatHaveTheirSymbols) {
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::command});
+    const auto expectTrigger = [&](std::uint8_t keyCode, std::uint16_t code) {
+        const int closed = rig.closed();
+        rig.forgetSeen();
+        toggle(key::leftSuper, keyCode);
+        ASSERT_TRUE(rig.waitForClosed(closed + 1)) << "waited for key " << int{keyCode};
+        EXPECT_EQ(rig.seen().front().keyCode, code) << int{keyCode};
+    };
+    // As with a keyboard whose key above Tab is another one.
+    setKeyboard({"us", "mac"});
+    setKeyMap({"keycode 49 = section", "keycode 94 = grave", "keycode 66 = Tab", "keycode 23 = F13", "clear Lock"});
+    ASSERT_TRUE(rig.settle());
+    expectTrigger(94, graveKey);
+    expectTrigger(key::capsLock, tabKey);
+    const int opened = rig.opened();
+    toggle(key::leftSuper, key::grave);
+    toggle(key::leftSuper, key::tab);
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.opened(), opened);
+
+    // Where no key has the symbol, and in the second group of a map whose first has it, it is the key in that place.
+    for (const char* const layouts : {"ru", "us,ru", "fr"}) {
+        setKeyboard({"-layout", layouts, "-option", "grp:caps_toggle"});
+        ASSERT_TRUE(rig.settle());
+        input.tap(key::capsLock);
+        expectTrigger(key::grave, graveKey);
+        expectTrigger(key::tab, tabKey);
+        input.tap(key::capsLock);
+    }
     expectNothingLeft();
 }
 

@@ -26,9 +26,15 @@ void X11HeldKeys::note(const X11KeyboardEvent& event, bool isAtSlave) {
 
 void X11HeldKeys::noteTaken(const X11KeyboardSeizure::KeysDown& keysDown, const X11KeyboardLayout& layout) {
     earlierKeyCodes_.clear();
+    shiftKeyCodes_.clear();
     for (std::uint32_t keyCode = 0; keyCode < keysDown.size(); ++keyCode) {
-        if (keysDown[keyCode] && !layout.isModifierKey(keyCode)) {
+        if (!keysDown[keyCode]) {
+            continue;
+        }
+        if (!layout.isModifierKey(keyCode)) {
             earlierKeyCodes_.insert(keyCode);
+        } else if (layout.isShiftKey(keyCode)) {
+            shiftKeyCodes_.insert(keyCode);
         }
     }
 }
@@ -54,6 +60,14 @@ bool X11HeldKeys::belongsToSession(const X11KeyboardEvent& event) {
 void X11HeldKeys::holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state) {
     if (state.repeatInterval.count() > 0) {
         trigger_ = Trigger{press, Clock::now() + state.repeatDelay, state.repeatInterval};
+    }
+}
+
+void X11HeldKeys::noteShift(const X11KeyboardEvent& event) {
+    if (event.kind == Kind::press) {
+        shiftKeyCodes_.insert(event.keyCode);
+    } else {
+        shiftKeyCodes_.erase(event.keyCode);
     }
 }
 

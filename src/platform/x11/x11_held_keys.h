@@ -12,15 +12,15 @@ namespace ferrowyn {
 
 class X11KeyboardLayout;
 
-/// The keys that are down while the keyboard is held, modifiers aside. The press of the trigger's key never reached the
-/// master, so the server does not repeat it there: that is done here, until the hardware says that it went up. A key
-/// that went down before the session, as in a game, goes on repeating; that is for nobody until it is released. Tap
-/// thread.
+/// The keys that are down while the keyboard is held; of the modifiers only Shift. The press of the trigger's key never
+/// reached the master, so the server does not repeat it there: that is done here, until the hardware says that it went
+/// up. A key that went down before the session, as in a game, goes on repeating; that is for nobody until it is
+/// released. Tap thread.
 class X11HeldKeys {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// An event of a key that is no modifier. `isAtSlave`: a slave's own grab delivered it.
+    /// An event of a key that is no modifier, when it arrives. `isAtSlave`: a slave's own grab delivered it.
     void note(const X11KeyboardEvent& event, bool isAtSlave);
     /// The trigger's key is down, and repeats as the server's other keys do.
     void holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state);
@@ -32,6 +32,11 @@ public:
     void beginSession(std::optional<std::uint32_t> trigger);
     /// Whether the event, which is about to be delivered, is one of the session's: a repeat is, when its press was.
     [[nodiscard]] bool belongsToSession(const X11KeyboardEvent& event);
+
+    /// An event of a key that is Shift, when its turn has come among those that are delivered.
+    void noteShift(const X11KeyboardEvent& event);
+    /// Whether such a key is down, whatever the modifiers are.
+    [[nodiscard]] bool isShiftDown() const { return !shiftKeyCodes_.empty(); }
 
     /// When the trigger's key repeats next; nothing while it is not held.
     [[nodiscard]] std::optional<Clock::time_point> nextRepeat() const;
@@ -57,6 +62,7 @@ private:
     std::set<std::uint32_t> keyCodes_;
     /// Down since before the keyboard was taken.
     std::set<std::uint32_t> earlierKeyCodes_;
+    std::set<std::uint32_t> shiftKeyCodes_;
     /// Whose press was delivered in this session and whose release was not yet.
     std::set<std::uint32_t> sessionKeyCodes_;
     std::optional<Trigger> trigger_;

@@ -1,5 +1,7 @@
 #include "platform/x11/x11_key_map.h"
 
+#include <xkbcommon/xkbcommon-keysyms.h>
+
 #include <algorithm>
 #include <array>
 
@@ -139,6 +141,39 @@ constexpr std::array<PhysicalKey, 114> physicalKeys{{
     {"HKTG", 122, 104},
 }};
 
+struct SymbolKey {
+    xkb_keysym_t symbol;
+    std::uint16_t virtualKeyCode;
+};
+
+constexpr std::array<SymbolKey, 25> symbolKeys{{
+    {XKB_KEY_Escape, 53},
+    {XKB_KEY_Return, 36},
+    {XKB_KEY_KP_Enter, 76},
+    {XKB_KEY_Tab, virtual_key::tab},
+    {XKB_KEY_ISO_Left_Tab, virtual_key::tab},
+    {XKB_KEY_KP_Tab, virtual_key::tab},
+    {XKB_KEY_BackSpace, 51},
+    {XKB_KEY_Delete, 117},
+    {XKB_KEY_KP_Delete, 117},
+    {XKB_KEY_Home, 115},
+    {XKB_KEY_KP_Home, 115},
+    {XKB_KEY_End, 119},
+    {XKB_KEY_KP_End, 119},
+    {XKB_KEY_Page_Up, 116},
+    {XKB_KEY_KP_Page_Up, 116},
+    {XKB_KEY_Page_Down, 121},
+    {XKB_KEY_KP_Page_Down, 121},
+    {XKB_KEY_Left, 123},
+    {XKB_KEY_KP_Left, 123},
+    {XKB_KEY_Right, 124},
+    {XKB_KEY_KP_Right, 124},
+    {XKB_KEY_Down, 125},
+    {XKB_KEY_KP_Down, 125},
+    {XKB_KEY_Up, 126},
+    {XKB_KEY_KP_Up, 126},
+}};
+
 }  // namespace
 
 std::uint16_t virtualKeyCode(std::string_view xkbName, xkb_keycode_t keyCode) {
@@ -147,6 +182,21 @@ std::uint16_t virtualKeyCode(std::string_view xkbName, xkb_keycode_t keyCode) {
     });
     return found != physicalKeys.end() ? found->virtualKeyCode
                                        : static_cast<std::uint16_t>(firstUnknownVirtualKeyCode + keyCode);
+}
+
+std::optional<std::uint16_t> virtualKeyCodeOfSymbol(xkb_keysym_t symbol) {
+    const auto* const found = std::find_if(symbolKeys.begin(), symbolKeys.end(),
+                                           [symbol](const SymbolKey& key) { return key.symbol == symbol; });
+    return found != symbolKeys.end() ? std::optional(found->virtualKeyCode) : std::nullopt;
+}
+
+bool isFoundBySymbol(std::uint16_t virtualKeyCode) {
+    return std::any_of(symbolKeys.begin(), symbolKeys.end(),
+                       [virtualKeyCode](const SymbolKey& key) { return key.virtualKeyCode == virtualKeyCode; });
+}
+
+bool isKeypadMovement(xkb_keysym_t symbol) {
+    return symbol >= XKB_KEY_KP_Home && symbol <= XKB_KEY_KP_Delete;
 }
 
 }  // namespace ferrowyn

@@ -5,7 +5,6 @@
 
 #include "core/switcher_modifier.h"
 #include "core/text_encoding.h"
-#include "platform/x11/x11_keyboard_layout.h"
 
 namespace ferrowyn {
 
@@ -49,22 +48,39 @@ void X11KeyText::reset() {
     }
 }
 
+void X11KeyText::setState(const X11KeyboardEvent::Modifiers& modifiers) {
+    xkb_state_update_mask(state_.get(), modifiers.base, modifiers.latched, modifiers.locked, modifiers.baseGroup,
+                          modifiers.latchedGroup, modifiers.lockedGroup);
+}
+
+X11KeyboardLayout::KeySymbols X11KeyText::symbols(const X11KeyboardEvent& event) {
+    if (state_ == nullptr) {
+        return {};
+    }
+    setState(event.modifiers);
+    X11KeyboardLayout::KeySymbols symbols;
+    symbols.symbol = xkb_state_key_get_one_sym(state_.get(), event.keyCode);
+    const auto group = xkb_state_key_get_layout(state_.get(), event.keyCode);
+    const xkb_keysym_t* base = nullptr;
+    if (xkb_keymap_key_get_syms_by_level(layout_->keymap(), event.keyCode, group, 0, &base) > 0) {
+        symbols.base = base[0];
+    }
+    return symbols;
+}
+
 std::u16string X11KeyText::type(const X11KeyboardEvent& press, std::optional<std::uint64_t> withFlags) {
     if (state_ == nullptr) {
         return {};
     }
-    auto base = press.modifiers.base;
-    auto latched = press.modifiers.latched;
-    auto locked = press.modifiers.locked;
+    auto modifiers = press.modifiers;
     if (withFlags) {
         // Only what has a flag is replaced: the third level's modifier and the locks stay as they are.
         const auto replaced = layout_->modifiersOf(allFlags);
-        base = (base & ~replaced) | layout_->modifiersOf(*withFlags);
-        latched &= ~replaced;
-        locked &= ~replaced;
+        modifiers.base = (modifiers.base & ~replaced) | layout_->modifiersOf(*withFlags);
+        modifiers.latched &= ~replaced;
+        modifiers.locked &= ~replaced;
     }
-    xkb_state_update_mask(state_.get(), base, latched, locked, press.modifiers.baseGroup, press.modifiers.latchedGroup,
-                          press.modifiers.lockedGroup);
+    setState(modifiers);
     std::array<char, 64> buffer{};
     const auto symbol = xkb_state_key_get_one_sym(state_.get(), press.keyCode);
     if (compose_ != nullptr && xkb_compose_state_feed(compose_.get(), symbol) == XKB_COMPOSE_FEED_ACCEPTED) {

@@ -9,10 +9,9 @@
 #include <string>
 
 #include "platform/x11/x11_keyboard_event.h"
+#include "platform/x11/x11_keyboard_layout.h"
 
 namespace ferrowyn {
-
-class X11KeyboardLayout;
 
 struct XkbTextUnref {
     void operator()(xkb_state* state) const { xkb_state_unref(state); }
@@ -30,10 +29,14 @@ public:
     /// Forgets a sequence that was begun: a session starts with none, and a key that types nothing ends one.
     void reset();
 
+    /// What the event's key is called as the keyboard was then.
+    [[nodiscard]] X11KeyboardLayout::KeySymbols symbols(const X11KeyboardEvent& event);
     /// What this press types, with these flags instead of its own modifiers when given; a step of a sequence.
     [[nodiscard]] std::u16string type(const X11KeyboardEvent& press, std::optional<std::uint64_t> withFlags);
 
 private:
+    void setState(const X11KeyboardEvent::Modifiers& modifiers);
+
     std::unique_ptr<xkb_compose_table, XkbTextUnref> composeTable_;
     std::unique_ptr<xkb_compose_state, XkbTextUnref> compose_;
     std::unique_ptr<xkb_state, XkbTextUnref> state_;

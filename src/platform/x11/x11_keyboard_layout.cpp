@@ -4,6 +4,7 @@
 #include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
+#include <algorithm>
 #include <string_view>
 
 #include "platform/x11/x11_connection.h"
@@ -29,10 +30,10 @@ bool isLockSymbol(xkb_keysym_t symbol) {
            symbol == XKB_KEY_Scroll_Lock;
 }
 
-/// The unshifted symbol of the first layout: what a key is called, whatever the layout that types.
-xkb_keysym_t baseSymbol(xkb_keymap* keymap, xkb_keycode_t keyCode) {
+/// The unshifted symbol; of the first group where none is given: what a key is called, whatever the layout that types.
+xkb_keysym_t baseSymbol(xkb_keymap* keymap, xkb_keycode_t keyCode, xkb_layout_index_t group = 0) {
     const xkb_keysym_t* symbols = nullptr;
-    return xkb_keymap_key_get_syms_by_level(keymap, keyCode, 0, 0, &symbols) > 0 ? symbols[0] : XKB_KEY_NoSymbol;
+    return xkb_keymap_key_get_syms_by_level(keymap, keyCode, group, 0, &symbols) > 0 ? symbols[0] : XKB_KEY_NoSymbol;
 }
 
 }  // namespace
@@ -49,6 +50,7 @@ std::unique_ptr<X11KeyboardLayout> X11KeyboardLayout::read(const X11Connection& 
         return nullptr;
     }
     layout->readModifiers(connection);
+    layout->findTriggerKeys();
     return layout;
 }
 
@@ -73,7 +75,8 @@ void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
         }
         const std::uint32_t mask = 1U << (index / perModifier);
         const auto symbol = baseSymbol(keymap_.get(), keyCode);
-        modifierKeys_[keyCode] = true;
+        // A key that the user made an Escape key may still be listed where it was Caps Lock.
+        modifierKeys_[keyCode] = modifierKeys_[keyCode] || !virtualKeyCodeOfSymbol(symbol);
         modifierMap_[keyCode] |= mask;
         if (isLockSymbol(symbol)) {
             locks_ |= mask;
@@ -92,19 +95,66 @@ void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
     locks_ &= ~(fixed | alt_ | super_);
 }
 
-std::uint16_t X11KeyboardLayout::virtualKeyCodeOf(xkb_keycode_t keyCode) const {
+std::uint16_t X11KeyboardLayout::physicalKeyCodeOf(xkb_keycode_t keyCode) const {
     const char* const name = xkb_keymap_key_get_name(keymap_.get(), keyCode);
     return virtualKeyCode(name != nullptr ? std::string_view(name) : std::string_view(), keyCode);
 }
 
-std::optional<xkb_keycode_t> X11KeyboardLayout::keyCodeOf(std::uint16_t virtualKeyCode) const {
+void X11KeyboardLayout::findTriggerKeys() {
+    tabKeys_ = keysWithSymbol(virtual_key::tab);
+    graveKeys_ = keysWithSymbol(virtual_key::grave);
+}
+
+std::vector<xkb_keycode_t> X11KeyboardLayout::keysWithSymbol(std::uint16_t virtualKeyCode) const {
+    const auto isIt = [virtualKeyCode](xkb_keysym_t symbol) {
+        return virtualKeyCode == virtual_key::grave ? symbol == XKB_KEY_grave
+                                                    : virtualKeyCodeOfSymbol(symbol) == virtualKeyCode;
+    };
+    std::vector<xkb_keycode_t> withSymbol;
+    std::vector<xkb_keycode_t> inPlace;
     for (auto keyCode = xkb_keymap_min_keycode(keymap_.get()); keyCode <= xkb_keymap_max_keycode(keymap_.get());
          ++keyCode) {
-        if (virtualKeyCodeOf(keyCode) == virtualKeyCode) {
-            return keyCode;
+        if (physicalKeyCodeOf(keyCode) == virtualKeyCode) {
+            inPlace.push_back(keyCode);
+        }
+        const auto groups = xkb_keymap_num_layouts_for_key(keymap_.get(), keyCode);
+        for (xkb_layout_index_t group = 0; group < groups; ++group) {
+            if (isIt(baseSymbol(keymap_.get(), keyCode, group))) {
+                withSymbol.push_back(keyCode);
+                break;
+            }
         }
     }
-    return std::nullopt;
+    return withSymbol.empty() ? inPlace : withSymbol;
+}
+
+std::uint16_t X11KeyboardLayout::virtualKeyCodeOf(xkb_keycode_t keyCode, const KeySymbols& symbols) const {
+    if (const auto code = virtualKeyCodeOfSymbol(symbols.symbol)) {
+        return *code;
+    }
+    for (const auto triggerKey : {virtual_key::tab, virtual_key::grave}) {
+        if (std::ranges::count(keyCodesOf(triggerKey), keyCode) > 0) {
+            return triggerKey;
+        }
+    }
+    // Escape is Escape with any modifier; but what moves on the keypad types when Num Lock or Shift says so.
+    if (const auto code = virtualKeyCodeOfSymbol(symbols.base); code && !isKeypadMovement(symbols.base)) {
+        return *code;
+    }
+    const auto inPlace = physicalKeyCodeOf(keyCode);
+    const bool isElsewhere = inPlace == virtual_key::grave || isFoundBySymbol(inPlace);
+    return isElsewhere && symbols.base != XKB_KEY_NoSymbol
+               ? static_cast<std::uint16_t>(firstUnknownVirtualKeyCode + keyCode)
+               : inPlace;
+}
+
+const std::vector<xkb_keycode_t>& X11KeyboardLayout::keyCodesOf(std::uint16_t virtualKeyCode) const {
+    return virtualKeyCode == virtual_key::grave ? graveKeys_ : tabKeys_;
+}
+
+std::optional<xkb_keycode_t> X11KeyboardLayout::keyCodeOf(std::uint16_t virtualKeyCode) const {
+    const auto& keyCodes = keyCodesOf(virtualKeyCode);
+    return keyCodes.empty() ? std::nullopt : std::optional(keyCodes.front());
 }
 
 bool X11KeyboardLayout::isModifierKey(xkb_keycode_t keyCode) const {
@@ -113,6 +163,10 @@ bool X11KeyboardLayout::isModifierKey(xkb_keycode_t keyCode) const {
 
 std::uint32_t X11KeyboardLayout::modifiersOfKey(xkb_keycode_t keyCode) const {
     return keyCode < modifierMap_.size() ? modifierMap_[keyCode] : 0;
+}
+
+bool X11KeyboardLayout::isShiftKey(xkb_keycode_t keyCode) const {
+    return isModifierKey(keyCode) && (modifiersOfKey(keyCode) & XCB_MOD_MASK_SHIFT) != 0;
 }
 
 std::uint64_t X11KeyboardLayout::flagsOf(std::uint32_t realModifiers) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include <cstdint>
@@ -26,14 +27,28 @@ public:
     [[nodiscard]] static std::unique_ptr<X11KeyboardLayout> read(const X11Connection& connection, xkb_context* context);
 
     [[nodiscard]] xkb_keymap* keymap() const { return keymap_.get(); }
-    [[nodiscard]] std::uint16_t virtualKeyCodeOf(xkb_keycode_t keyCode) const;
-    /// Nothing when no key of the map has it.
+
+    /// What a key is called at one moment.
+    struct KeySymbols {
+        /// With the modifiers and the group of that moment.
+        xkb_keysym_t symbol = XKB_KEY_NoSymbol;
+        /// In the same group without any modifier.
+        xkb_keysym_t base = XKB_KEY_NoSymbol;
+    };
+    /// Letters, digits and their like are physical keys, wherever the layout puts their symbols; Escape, the arrows and
+    /// their like are what their symbol says, wherever the user has put it.
+    [[nodiscard]] std::uint16_t virtualKeyCodeOf(xkb_keycode_t keyCode, const KeySymbols& symbols) const;
+    /// Of Tab or grave: the keys that have its symbol without a modifier in any group; the physical one where none has.
+    [[nodiscard]] const std::vector<xkb_keycode_t>& keyCodesOf(std::uint16_t virtualKeyCode) const;
+    /// The first of them; nothing when no key of the map is one.
     [[nodiscard]] std::optional<xkb_keycode_t> keyCodeOf(std::uint16_t virtualKeyCode) const;
     /// Whether the key is a modifier or a lock, which changes flags and types nothing.
     [[nodiscard]] bool isModifierKey(xkb_keycode_t keyCode) const;
 
     /// The real modifiers that the key sets while it is down.
     [[nodiscard]] std::uint32_t modifiersOfKey(xkb_keycode_t keyCode) const;
+    /// Whether the key is Shift, even where it does not set the modifier: after Alt it may switch the layout instead.
+    [[nodiscard]] bool isShiftKey(xkb_keycode_t keyCode) const;
 
     /// Shift, Control, Option and Command of these real modifiers; locks and groups have no flag.
     [[nodiscard]] std::uint64_t flagsOf(std::uint32_t realModifiers) const;
@@ -47,11 +62,16 @@ public:
 private:
     X11KeyboardLayout() = default;
     void readModifiers(const X11Connection& connection);
+    void findTriggerKeys();
+    [[nodiscard]] std::vector<xkb_keycode_t> keysWithSymbol(std::uint16_t virtualKeyCode) const;
+    [[nodiscard]] std::uint16_t physicalKeyCodeOf(xkb_keycode_t keyCode) const;
 
     std::unique_ptr<xkb_keymap, XkbUnref> keymap_;
     /// By key code.
     std::vector<bool> modifierKeys_;
     std::vector<std::uint32_t> modifierMap_;
+    std::vector<xkb_keycode_t> tabKeys_;
+    std::vector<xkb_keycode_t> graveKeys_;
     std::uint32_t alt_ = 0;
     std::uint32_t super_ = 0;
     std::uint32_t locks_ = 0;

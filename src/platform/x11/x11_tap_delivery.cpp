@@ -8,8 +8,8 @@ using Kind = X11KeyboardEvent::Kind;
 
 TapVerdict X11TapDelivery::key(const X11KeyboardEvent& event) {
     const X11TapEvent tapEvent(event.kind == Kind::press ? TapEvent::Type::keyDown : TapEvent::Type::keyUp,
-                               keyboard_.reportedFlags(event.modifiers.effective),
-                               keyboard_.layout().virtualKeyCodeOf(event.keyCode), keyboard_.text(), event);
+                               keyboard_.reportedFlags(event.modifiers.effective), keyboard_.virtualKeyCodeOf(event),
+                               keyboard_.text(), event);
     const auto verdict = callback_(tapEvent);
     askMainThread();
     if (event.kind == Kind::press && !tapEvent.wasTyped()) {

@@ -117,12 +117,24 @@ bool X11TapEngine::receive() {
 
 void X11TapEngine::deliverQueue() {
     while (!reception_.isEmpty() && phase_ != Phase::awaitingAnswer && !mustWaitForTheEnd(reception_.front())) {
-        const auto event = reception_.take();
+        auto event = reception_.take();
+        addShift(event);
         if (phase_ == Phase::open) {
             deliverInSession(event);
         } else {
             deliverHidden(event);
         }
+    }
+}
+
+void X11TapEngine::addShift(X11KeyboardEvent& event) {
+    if (event.kind == Kind::modifiersChanged) {
+        return;
+    }
+    if (keyboard_->layout().isShiftKey(event.keyCode)) {
+        heldKeys_.noteShift(event);
+    } else if (seizure_.isHeld() && heldKeys_.isShiftDown()) {
+        event.modifiers.effective |= XCB_MOD_MASK_SHIFT;
     }
 }
 
@@ -194,6 +206,7 @@ void X11TapEngine::repeatTrigger() {
     auto repeat = heldKeys_.takeRepeat();
     if (repeat && phase_ == Phase::open && reception_.isEmpty()) {
         repeat->modifiers.effective = modifiers_;
+        addShift(*repeat);
         deliverInSession(*repeat);
     }
 }

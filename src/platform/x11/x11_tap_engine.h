@@ -68,6 +68,8 @@ private:
     /// Takes in what has arrived; whether anything had.
     bool receive();
     void deliverQueue();
+    /// The key itself says whether Shift is down: where it switches layouts together with Alt it sets no modifier.
+    void addShift(X11KeyboardEvent& event);
     void deliverHidden(const X11KeyboardEvent& event);
     void deliverInSession(const X11KeyboardEvent& event);
     void handleDeadlines();

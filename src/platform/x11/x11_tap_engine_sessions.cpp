@@ -50,6 +50,7 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
         // Shift may be on another keyboard.
         context_.setPointer(state->pointerX, state->pointerY);
         press.modifiers.effective |= keyboard_->triggerMask() | (state->modifiers & XCB_MOD_MASK_SHIFT);
+        addShift(press);
         modifiers_ = state->modifiers;
         if (!reception_.hasReleaseOf(press.keyCode)) {
             heldKeys_.holdTrigger(press, *state);

@@ -54,9 +54,9 @@ void X11TapKeyboard::readLayout() {
 void X11TapKeyboard::applyGrabs(bool isEnabled, bool isKeyboardHeld) {
     triggerKeyCodes_.clear();
     for (const auto key : {virtual_key::tab, virtual_key::grave}) {
-        const auto keyCode = layout_->keyCodeOf(key);
-        if (keyCode && (key == virtual_key::tab || trigger_ == SwitcherModifier::command)) {
-            triggerKeyCodes_.push_back(*keyCode);
+        if (key == virtual_key::tab || trigger_ == SwitcherModifier::command) {
+            const auto& keyCodes = layout_->keyCodesOf(key);
+            triggerKeyCodes_.insert(triggerKeyCodes_.end(), keyCodes.begin(), keyCodes.end());
         }
     }
     const auto mask = triggerMask();
@@ -88,6 +88,10 @@ bool X11TapKeyboard::isTrigger(const X11KeyboardEvent& event) const {
 
 bool X11TapKeyboard::isAtSlave(const X11KeyboardEvent& event) const {
     return event.kind != X11KeyboardEvent::Kind::modifiersChanged && grabs_.isSlave(event.deviceId);
+}
+
+std::uint16_t X11TapKeyboard::virtualKeyCodeOf(const X11KeyboardEvent& event) {
+    return layout_->virtualKeyCodeOf(event.keyCode, text_.symbols(event));
 }
 
 std::uint64_t X11TapKeyboard::reportedFlags(std::uint32_t modifiers) const {

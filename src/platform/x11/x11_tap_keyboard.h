@@ -41,6 +41,8 @@ public:
     [[nodiscard]] bool isTrigger(const X11KeyboardEvent& event) const;
     /// Whether a slave's own grab delivered the event, past the master.
     [[nodiscard]] bool isAtSlave(const X11KeyboardEvent& event) const;
+    /// Which key the callback is told.
+    [[nodiscard]] std::uint16_t virtualKeyCodeOf(const X11KeyboardEvent& event);
     /// The flags that the callback is told. Control is Command as well, unless it is the trigger.
     [[nodiscard]] std::uint64_t reportedFlags(std::uint32_t modifiers) const;
 
