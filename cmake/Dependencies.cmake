@@ -8,7 +8,7 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   find_package(PkgConfig REQUIRED)
   find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
   pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-ewmh xcb-icccm xcb-xinput xcb-xtest xcb-res xcb-randr xcb-xkb
-                                                 xcb-xfixes xcb-shape xcb-shm xcb-damage xcb-sync xcb-image xcb-render xcb-xinerama)
+                                                 xcb-xfixes xcb-shape xcb-shm xcb-damage xcb-sync xcb-image xcb-render xcb-screensaver xcb-xinerama)
   pkg_check_modules(XKBCOMMON REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11)
   pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
 endif()

@@ -5,7 +5,7 @@ build_packages=(
   build-essential ca-certificates ccache cmake lld ninja-build pkg-config
   libfmt-dev libicu-dev libsystemd-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev libgl-dev
   libxcb1-dev libxcb-damage0-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-randr0-dev
-  libxcb-render0-dev libxcb-res0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-sync-dev libxcb-xfixes0-dev
+  libxcb-render0-dev libxcb-res0-dev libxcb-screensaver0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-sync-dev libxcb-xfixes0-dev
   libxcb-xinerama0-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xtest0-dev libxkbcommon-dev libxkbcommon-x11-dev
 )
 
@@ -23,9 +23,9 @@ demo_packages=(
 # The private desktops of the tests.
 test_packages=(
   appstream at-spi2-core desktop-file-utils libbenchmark-dev libgmock-dev libglib2.0-bin libgtest-dev libsm-dev openssl python3
-  dbus dbus-bin dbus-daemon dex i3-wm icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
+  dbus dbus-bin dbus-daemon dex i3-wm i3lock icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
   xfce4-panel xfwm4 xfconf
-  x11-utils x11-xkb-utils x11-xserver-utils xinput xterm xvfb xkb-data
+  x11-utils x11-xkb-utils x11-xserver-utils xinput xsecurelock xterm xvfb xkb-data
   clang-14 libc++-14-dev llvm-14 musl-dev
 )
 

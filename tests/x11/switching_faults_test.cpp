@@ -3,10 +3,12 @@
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 
+#include <csignal>
 #include <utility>
 
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/desk_test.h"
+#include "tests/x11/harness/private_bus.h"
 
 namespace ferrowyn::x11test {
 namespace {
@@ -67,6 +69,15 @@ protected:
         }
     }
 
+    /// Holds Alt, and waits until the session has its keys: the panel shows a little earlier.
+    void holdUntilKeysAreTaken() {
+        hold();
+        // From the list to the grid, which is wider, in two steps.
+        input.chord({key::leftControl, key::l});
+        input.chord({key::leftControl, key::l});
+        expectPanelWidth(gridWidth);
+    }
+
     bool isServerGone = false;
 };
 
@@ -124,7 +135,7 @@ TEST_P(SwitchingFaultsTest, SwitchingGoesOnAfterTheWindowManagerWasReplaced) {
 TEST_P(SwitchingFaultsTest, AHungMainThreadWithThePanelOpenDoesNotKeepTheKeyboard) {
     openWindows(2);
     startProgram();
-    hold();
+    holdUntilKeysAreTaken();
     HungMainThread hung(program->process().pid());
     if (!hung.isAllowed()) {
         letGo();
@@ -144,6 +155,57 @@ TEST_P(SwitchingFaultsTest, AHungMainThreadWithThePanelOpenDoesNotKeepTheKeyboar
     use(window(2));
     input.chord({key::leftAlt, key::tab});
     expectSwitchTo(window(1));
+}
+
+TEST_P(SwitchingFaultsTest, ALockerThatStartsWithThePanelOpenGetsTheKeyboard) {
+    openWindows(2);
+    startProgram();
+    for (const auto& command : {std::vector<std::string>{"i3lock", "-n"}, {"xsecurelock"}}) {
+        hold();
+        auto locker = startClient(command);
+        EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to make room for " << command.front();
+        EXPECT_TRUE(desktop.waitUntil([&] { return !locker.isRunning() || !desktop.keyboardIsFree(); }));
+        letGo();
+        EXPECT_TRUE(locker.isRunning()) << command.front() << " gave up: " << locker.output();
+        locker.signal(SIGTERM);
+        EXPECT_TRUE(locker.waitForExit());
+        EXPECT_TRUE(desktop.waitForFreeKeyboard());
+    }
+}
+
+TEST_P(SwitchingFaultsTest, TheServersScreenSaverEndsASession) {
+    openWindows(2);
+    startProgram();
+    hold();
+    xcb_force_screen_saver(desktop.connection(), XCB_SCREEN_SAVER_ACTIVE);
+    xcb_flush(desktop.connection());
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    EXPECT_TRUE(desktop.waitForFreeKeyboard());
+    EXPECT_TRUE(program->process().waitForOutput("Re-enabling event tap (user-input transition)"));
+    letGo();
+    xcb_force_screen_saver(desktop.connection(), XCB_SCREEN_SAVER_RESET);
+    xcb_flush(desktop.connection());
+}
+
+TEST_P(SwitchingFaultsTest, AScreenSaverOnTheBusGetsTheKeyboardEvenFromAHungProgram) {
+    const PrivateBus bus(server);
+    programOptions.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    openWindows(2);
+    startProgram();
+    holdUntilKeysAreTaken();
+    HungMainThread hung(program->process().pid());
+    if (!hung.isAllowed()) {
+        letGo();
+        GTEST_SKIP() << "stopping a thread is not allowed here";
+    }
+    // No key is pressed meanwhile, so that nothing else makes it give the keyboard back.
+    run({"dbus-send", "--bus=" + bus.address(), "--type=signal", "/org/gnome/ScreenSaver",
+         "org.gnome.ScreenSaver.ActiveChanged", "boolean:true"});
+    EXPECT_TRUE(desktop.waitForFreeKeyboard());
+    letGo();
+    hung.goOn();
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    EXPECT_TRUE(program->process().waitForOutput("Re-enabling event tap"));
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, SwitchingFaultsTest, testing::Values("openbox", "xfwm4"), managerName);

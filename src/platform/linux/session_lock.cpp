@@ -32,19 +32,22 @@ SessionLock::Buses SessionLock::Buses::fromEnvironment() {
     };
 }
 
-SessionLock::SessionLock(MainLoop& mainLoop, const Buses& buses) {
+SessionLock::SessionLock(MainLoop& mainLoop, const Buses& buses, std::function<void()> onLocking) {
     if (!buses.system && !buses.session) {
         return;
     }
     // What the listener posts may arrive after this object is gone.
     const std::weak_ptr<bool> alive = alive_;
-    auto* const listener = new SessionLockListener(buses, [this, &mainLoop, alive](bool isLocked) {
-        mainLoop.post([this, alive, isLocked] {
-            if (!alive.expired()) {
-                setLocked(isLocked);
-            }
-        });
-    });
+    auto* const listener = new SessionLockListener(
+        buses,
+        [this, &mainLoop, alive](bool isLocked) {
+            mainLoop.post([this, alive, isLocked] {
+                if (!alive.expired()) {
+                    setLocked(isLocked);
+                }
+            });
+        },
+        std::move(onLocking));
     thread_ = std::make_unique<BusThread>("ferrowyn-lock", listener, [listener] { listener->start(); });
 }
 

@@ -13,7 +13,8 @@ namespace ferrowyn {
 class BusThread;
 class MainLoop;
 
-/// Whether the session is locked, from the login manager and the screen saver over D-Bus. Main thread; the buses are
+/// Whether the session is locked, from the login manager and the screen saver over D-Bus; a machine that goes to sleep
+/// counts as locked until it is awake. Main thread; the buses are
 /// spoken to on a thread of its own, because even connecting to one waits for it. Without a bus the session counts as
 /// never locked.
 class SessionLock {
@@ -26,8 +27,11 @@ public:
         [[nodiscard]] static Buses fromEnvironment();
     };
 
-    /// Starts listening at once.
-    explicit SessionLock(MainLoop& mainLoop, const Buses& buses = Buses::fromEnvironment());
+    /// Starts listening at once. `onLocking` hears each word that the session is being locked, or put to sleep, on the
+    /// thread that hears it from the bus: whoever holds the keyboard gives it back there and then, however busy the
+    /// main thread is.
+    explicit SessionLock(
+        MainLoop& mainLoop, const Buses& buses = Buses::fromEnvironment(), std::function<void()> onLocking = [] {});
     ~SessionLock();
     SessionLock(const SessionLock&) = delete;
     SessionLock& operator=(const SessionLock&) = delete;

@@ -79,8 +79,8 @@ void ask(QObject* receiver, const QDBusConnection& bus, QDBusMessage message, Ha
 
 }  // namespace
 
-SessionLockListener::SessionLockListener(SessionLock::Buses buses, Told told)
-    : buses_(std::move(buses)), told_(std::move(told)) {}
+SessionLockListener::SessionLockListener(SessionLock::Buses buses, Told told, std::function<void()> onLocking)
+    : buses_(std::move(buses)), told_(std::move(told)), onLocking_(std::move(onLocking)) {}
 
 SessionLockListener::~SessionLockListener() {
     ownerWatcher_.reset();
@@ -100,6 +100,8 @@ void SessionLockListener::start() {
 }
 
 void SessionLockListener::listenToLoginManager() {
+    system_->connect(loginService, loginManagerPath, loginManagerInterface, "PrepareForSleep", this,
+                     SLOT(onPrepareForSleep(bool)));
     const auto listen = [this](const QDBusObjectPath& session, const QDBusMessage&) {
         listenToSession(session.path());
     };
@@ -149,6 +151,11 @@ void SessionLockListener::onUnlock() {
     setLockedBySession(false);
 }
 
+void SessionLockListener::onPrepareForSleep(bool isStarting) {
+    // The locker of a machine that goes to sleep starts now.
+    setGoingToSleep(isStarting);
+}
+
 void SessionLockListener::onSessionProperties(const QString& interface, const QVariantMap& changed,
                                               const QStringList& /*invalidated*/) {
     if (interface == loginSessionInterface && changed.contains(lockedHint)) {
@@ -161,11 +168,25 @@ void SessionLockListener::onScreenSaver(bool isActive, const QDBusMessage& messa
 }
 
 void SessionLockListener::setLockedBySession(bool isLocked) {
+    if (isLocked) {
+        onLocking_();
+    }
     isLockedBySession_ = isLocked;
     tellIfChanged();
 }
 
+void SessionLockListener::setGoingToSleep(bool isGoingToSleep) {
+    if (isGoingToSleep) {
+        onLocking_();
+    }
+    isGoingToSleep_ = isGoingToSleep;
+    tellIfChanged();
+}
+
 void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActive) {
+    if (isActive) {
+        onLocking_();
+    }
     if (!isActive) {
         activeScreenSavers_.remove(owner);
         ownerWatcher_->removeWatchedService(owner);
@@ -183,7 +204,7 @@ void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActi
 }
 
 void SessionLockListener::tellIfChanged() {
-    const bool isLocked = isLockedBySession_ || !activeScreenSavers_.isEmpty();
+    const bool isLocked = isLockedBySession_ || isGoingToSleep_ || !activeScreenSavers_.isEmpty();
     if (std::exchange(isLocked_, isLocked) != isLocked) {
         told_(isLocked);
     }

@@ -22,8 +22,9 @@ class SessionLockListener final : public QObject {
 public:
     using Told = std::function<void(bool isLocked)>;
 
-    /// `told` hears the first state when it is "locked", and each change.
-    SessionLockListener(SessionLock::Buses buses, Told told);
+    /// `told` hears the first state when it is "locked", and each change; `onLocking` each word of a lock, also of one
+    /// that is known already.
+    SessionLockListener(SessionLock::Buses buses, Told told, std::function<void()> onLocking);
     ~SessionLockListener() override;
 
     /// Connects; slow where a bus is. On the listener's thread.
@@ -32,6 +33,7 @@ public:
 private slots:
     void onLock();
     void onUnlock();
+    void onPrepareForSleep(bool isStarting);
     void onSessionProperties(const QString& interface, const QVariantMap& changed, const QStringList& invalidated);
     void onScreenSaver(bool isActive, const QDBusMessage& message);
 
@@ -41,15 +43,18 @@ private:
     void listenToScreenSavers();
     void askScreenSaver(const QString& interface, const QString& path);
     void setLockedBySession(bool isLocked);
+    void setGoingToSleep(bool isGoingToSleep);
     void setScreenSaverActive(const QString& owner, bool isActive);
     void tellIfChanged();
 
     SessionLock::Buses buses_;
     Told told_;
+    std::function<void()> onLocking_;
     std::optional<QDBusConnection> system_;
     std::optional<QDBusConnection> session_;
     std::unique_ptr<QDBusServiceWatcher> ownerWatcher_;
     bool isLockedBySession_ = false;
+    bool isGoingToSleep_ = false;
     /// The bus names of the screen savers that are active: one that crashes takes its lock with it.
     QSet<QString> activeScreenSavers_;
     bool isLocked_ = false;

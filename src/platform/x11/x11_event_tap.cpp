@@ -4,7 +4,9 @@
 
 namespace ferrowyn {
 
-X11EventTap::X11EventTap(std::unique_ptr<X11TapEngine> engine) : engine_(std::move(engine)) {}
+X11EventTap::X11EventTap(std::unique_ptr<X11TapEngine> engine) : engine_(std::move(engine)) {
+    engine_->onLoss = [this] { isEnabled_.store(false); };
+}
 
 X11EventTap::~X11EventTap() {
     invalidate();
@@ -72,7 +74,7 @@ void X11EventTap::serve() {
             continue;
         }
         using Kind = X11TapRequest::Kind;
-        if (request->kind == Kind::keyboardUnavailable || request->kind == Kind::disable) {
+        if (request->kind == Kind::disable) {
             isEnabled_.store(false);
         } else if (request->kind == Kind::enable) {
             // Whoever asked has said so already, but the keyboard may have become unavailable just before.
@@ -83,9 +85,6 @@ void X11EventTap::serve() {
     if (engine_ != nullptr && isConnected_ && !engine_->serve()) {
         // For good: a dead descriptor is always readable and must not be waited on.
         isConnected_ = false;
-        isEnabled_.store(false);
-    }
-    if (engine_ != nullptr && engine_->takeLoss()) {
         isEnabled_.store(false);
     }
     isServing_ = false;

@@ -94,6 +94,8 @@ bool X11KeyboardReader::readAvailable(Changes& changes,
             readXkbEvent(*event, changes, receive);
         } else if (type == XCB_MAPPING_NOTIFY) {
             changes.layout = true;
+        } else if (lockers_.isOfLocker(*event)) {
+            changes.locker = true;
         }
         // Errors are of requests about devices that went away meanwhile; there is nothing to repair.
     }

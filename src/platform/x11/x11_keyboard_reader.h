@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "platform/x11/x11_keyboard_event.h"
+#include "platform/x11/x11_locker_watch.h"
 
 namespace ferrowyn {
 
@@ -22,14 +23,18 @@ public:
     struct Changes {
         bool layout = false;
         bool devices = false;
+        /// A screen locker is starting.
+        bool locker = false;
     };
 
-    /// Hands over each key event that has arrived, in order, and notes the changes; whether anything had arrived. Never
-    /// waits.
+    /// Hands over each key event that has arrived, in order, and notes the changes; whether anything had arrived. Waits
+    /// for the server only where a window may be a locker's.
     bool readAvailable(Changes& changes, const std::function<void(const X11KeyboardEvent&)>& receive) const;
 
+    [[nodiscard]] const X11LockerWatch& lockers() const { return lockers_; }
+
 private:
-    explicit X11KeyboardReader(const X11Connection& connection) : connection_(&connection) {}
+    explicit X11KeyboardReader(const X11Connection& connection) : connection_(&connection), lockers_(connection) {}
 
     void readInputEvent(const xcb_generic_event_t& event, Changes& changes,
                         const std::function<void(const X11KeyboardEvent&)>& receive) const;
@@ -37,6 +42,7 @@ private:
                       const std::function<void(const X11KeyboardEvent&)>& receive) const;
 
     const X11Connection* connection_;
+    X11LockerWatch lockers_;
     std::uint8_t inputOpcode_ = 0;
     std::uint8_t xkbEventBase_ = 0;
 };

@@ -78,7 +78,6 @@ struct X11Platform::Parts {
     XdgFolders folders;
     IniUserDefaults userDefaults;
     DesktopEntries entries;
-    SessionLock sessionLock;
     X11InputContext inputContext;
     std::atomic<double> scale{1.0};
     std::function<bool(std::string_view)> openSettingsPage;
@@ -98,6 +97,7 @@ struct X11Platform::Parts {
     QtHttpClient httpClient;
     XdgLoginItem loginItem;
     X11EventTaps eventTaps;
+    SessionLock sessionLock;
     X11Trust trust;
 
     X11PanelEvents panelEvents;
@@ -107,7 +107,6 @@ struct X11Platform::Parts {
     X11Panel panel;
 
     Subscription installedChanges;
-    Subscription lockChanges;
     Subscription screenChanges;
     Subscription windowReadings;
     /// Waits, before anything else here goes, for a snapshot that is still being read.
@@ -121,7 +120,6 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       folders(XdgFolders::fromEnvironment()),
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
-      sessionLock(mainLoop),
       atoms(*connections.events),
       directory([this](const auto& identity) { return findInstalledApplication(entries, identity); }),
       missingInput(missingInputExtension(connections.events->get())),
@@ -155,6 +153,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       httpClient(mainLoop, backgroundWork),
       loginItem(folders, {std::string(applicationId), "Ferrowyn", application.bundleInfo().path}),
       eventTaps(inputContext, log, options.display),
+      // A locker must be able to take the keyboard.
+      sessionLock(mainLoop, SessionLock::Buses::fromEnvironment(), [this] { eventTaps.notifyKeyboardUnavailable(); }),
       trust(monitor.model(), inputContext,
             {.isLocked = [this] { return sessionLock.isLocked(); },
              .observe =
@@ -180,12 +180,6 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     installedChanges = entries.observeChanges([this] { directory.forgetAll(); });
     reader.keepLastingFacts();
     windowReadings = monitor.windowReadings().subscribe([this](const auto& windows) { reader.forget(windows); });
-    lockChanges = sessionLock.observe([this](bool isLocked) {
-        if (isLocked) {
-            // A locker must be able to take the keyboard.
-            eventTaps.notifyKeyboardUnavailable();
-        }
-    });
 }
 
 std::unique_ptr<X11Platform> X11Platform::create(const X11PlatformOptions& options) {

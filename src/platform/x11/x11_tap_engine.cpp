@@ -54,7 +54,6 @@ void X11TapEngine::handle(const X11TapRequest& request) {
     switch (request.kind) {
         case X11TapRequest::Kind::enable:
             isEnabled_ = true;
-            hasLostKeyboard_ = false;
             applyGrabs();
             break;
         case X11TapRequest::Kind::disable:
@@ -87,6 +86,7 @@ bool X11TapEngine::serve() {
     // Whoever waits for a reply also takes in the events before it, and the descriptor does not tell of those: so until
     // a round has found nothing new.
     do {
+        yieldToLocker();
         deliverQueue();
         handleDeadlines();
         // Only when no key waits: reading the keymap takes longer than a quick press.
@@ -218,6 +218,13 @@ bool X11TapEngine::mustWaitForTheEnd(const X11KeyboardEvent& event) const {
 
 void X11TapEngine::applyGrabs() {
     keyboard_->applyGrabs(isEnabled_, seizure_.isHeld());
+}
+
+void X11TapEngine::yieldToLocker() {
+    if (reception_.takeLocker() && (phase_ != Phase::hidden || seizure_.isHeld())) {
+        log_.write(LogLevel::standard, category, "A screen locker is starting; the keyboard is given back");
+        loseKeyboard();
+    }
 }
 
 void X11TapEngine::probeKeyboard() {

@@ -2,9 +2,9 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
-#include <utility>
 
 #include "core/switcher_modifier.h"
 #include "platform/event_tap.h"
@@ -54,8 +54,8 @@ public:
     void handle(const X11TapRequest& request);
     /// Handles all that has arrived and all that is due. False when the connection is lost.
     [[nodiscard]] bool serve();
-    /// Whether the tap has disabled itself since this was last asked.
-    [[nodiscard]] bool takeLoss() { return std::exchange(hasLostKeyboard_, false); }
+    /// Told that the tap disables itself, before the tap's callback is. Set before the tap's thread starts.
+    std::function<void()> onLoss = [] {};
     /// When `serve` must be called even if nothing arrives.
     [[nodiscard]] std::optional<Clock::time_point> deadline() const;
 
@@ -73,6 +73,8 @@ private:
     void deliverHidden(const X11KeyboardEvent& event);
     void deliverInSession(const X11KeyboardEvent& event);
     void handleDeadlines();
+    /// A screen locker must get the keyboard, or it gives up.
+    void yieldToLocker();
     void repeatTrigger();
     void applyGrabs();
 
@@ -102,7 +104,6 @@ private:
     X11TapDelivery delivery_;
 
     bool isEnabled_ = false;
-    bool hasLostKeyboard_ = false;
     Phase phase_ = Phase::hidden;
     /// The real modifiers as last heard of.
     std::uint32_t modifiers_ = 0;

@@ -38,8 +38,10 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
 
 bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
     const bool isAtSlave = keyboard_->isAtSlave(press);
+    reception_.watchWindows(true);
     const auto state = seizure_.take(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
     if (!state) {
+        reception_.watchWindows(false);
         return false;
     }
     context_.isKeyboardHeldElsewhere.store(false);
@@ -96,8 +98,10 @@ void X11TapEngine::openSession() {
 void X11TapEngine::seizeForOpenSession() {
     seizureRetry_.reset();
     receive();
+    reception_.watchWindows(true);
     const auto state = seizure_.take(std::nullopt);
     if (!state) {
+        reception_.watchWindows(false);
         keyboard_->grabs().install();
         if (Clock::now() < seizureRetryEnd_) {
             seizureRetry_ = Clock::now() + seizureRetryInterval;
@@ -139,7 +143,7 @@ void X11TapEngine::endSession() {
 /// again.
 void X11TapEngine::loseKeyboard() {
     isEnabled_ = false;
-    hasLostKeyboard_ = true;
+    onLoss();
     endSession();
     applyGrabs();
     delivery_.disabled();
@@ -157,6 +161,7 @@ void X11TapEngine::giveKeyboardBack() {
     }
     seizure_.giveBack();
     heldKeys_.releaseEarlierKeys(seizure_);
+    reception_.watchWindows(false);
     xcb_flush(connection_->get());
 }
 

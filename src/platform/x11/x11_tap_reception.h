@@ -37,6 +37,9 @@ public:
     [[nodiscard]] bool isStaleRepeat(const X11KeyboardEvent& event) const;
 
     [[nodiscard]] bool hasChanges() const { return changes_.layout || changes_.devices; }
+    /// While windows are looked at, whether a screen locker has started since this was last asked.
+    [[nodiscard]] bool takeLocker() { return std::exchange(changes_.locker, false); }
+    void watchWindows(bool isWatching) const { reader_.lockers().watchWindows(isWatching); }
     [[nodiscard]] X11KeyboardReader::Changes takeChanges() { return std::exchange(changes_, {}); }
 
 private:

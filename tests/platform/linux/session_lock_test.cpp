@@ -10,6 +10,7 @@
 #include <QProcess>
 #include <QTimer>
 #include <chrono>
+#include <semaphore>
 
 #include "platform/qt/qt_main_loop.h"
 
@@ -168,6 +169,39 @@ TEST_F(SessionLockTest, AScreenSaverThatEndsAtOnceLocksNothingEither) {
     }
     lasting.send(screenSaver("org.mate.ScreenSaver", false));
     EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
+}
+
+TEST_F(SessionLockTest, AMachineThatGoesToSleepCountsAsLockedUntilItIsAwake) {
+    auto login = connect("sleepy-login", "org.freedesktop.login1");
+    FakeLoginManager manager(false);
+    login.registerVirtualObject("/org/freedesktop/login1", &manager, QDBusConnection::SubPath);
+    const SessionLock lock(mainLoop, buses());
+    ASSERT_TRUE(waitUntil([&] { return manager.stateRequestCount == 1; }));
+    const auto prepareForSleep = [&](bool isStarting) {
+        auto message =
+            QDBusMessage::createSignal("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep");
+        message.setArguments({isStarting});
+        login.send(message);
+    };
+    prepareForSleep(true);
+    ASSERT_TRUE(waitUntil([&] { return lock.isLocked(); }));
+    prepareForSleep(false);
+    EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
+}
+
+TEST_F(SessionLockTest, EachWordOfALockIsPassedOnAtOnceHoweverBusyTheMainThreadIs) {
+    auto login = connect("insisting-login", "org.freedesktop.login1");
+    FakeLoginManager manager(false);
+    login.registerVirtualObject("/org/freedesktop/login1", &manager, QDBusConnection::SubPath);
+    std::counting_semaphore<> words(0);
+    const SessionLock lock(mainLoop, buses(), [&] { words.release(); });
+    ASSERT_TRUE(waitUntil([&] { return manager.stateRequestCount == 1; }));
+    // Not every locker says when it is done: a session that counts as locked may be locked again.
+    for (int time = 1; time <= 2; ++time) {
+        login.send(QDBusMessage::createSignal(sessionPath, sessionInterface, "Lock"));
+        EXPECT_TRUE(words.try_acquire_for(std::chrono::seconds(20))) << time;
+    }
+    EXPECT_FALSE(lock.isLocked()) << "the main loop has not run";
 }
 
 TEST_F(SessionLockTest, WithoutABusTheSessionIsNeverLocked) {
