@@ -11,6 +11,11 @@ namespace {
 
 /// Identities are strings that other programs choose; more of them than this is not worth remembering.
 constexpr std::size_t maximumKnown = 1024;
+/// The same for the numbers of applications. Those of running applications go too then, and are given anew: windows are
+/// listed without interruption, only their applications seem to have been started again.
+constexpr std::size_t maximumNumbers = 16384;
+/// Of dialogs that belong to dialogs; more are a circle.
+constexpr int deepestNesting = 16;
 
 std::string processName(Pid pid) {
     if (pid >= X11Owners::firstStandIn) {
@@ -29,6 +34,19 @@ const X11WindowFacts& spokesman(const std::vector<const X11WindowFacts*>& window
         return std::pair(window->kind != X11WindowKind::normal || window->skipsTaskbar, window->id);
     };
     return **std::ranges::min_element(windows, {}, rank);
+}
+
+/// The window itself, or the one whose dialog it is in the end.
+const X11WindowFacts& principal(const X11WindowFacts& window, const X11ApplicationDirectory::FindWindow& find) {
+    const X11WindowFacts* current = &window;
+    for (int depth = 0; depth < deepestNesting && current->transientFor != XCB_WINDOW_NONE; ++depth) {
+        const auto* const parent = find(current->transientFor);
+        if (parent == nullptr || parent->process != window.process) {
+            break;
+        }
+        current = parent;
+    }
+    return *current;
 }
 
 }  // namespace
@@ -56,13 +74,41 @@ RunningApplication X11ApplicationDirectory::describe(Pid pid, const std::vector<
     if (!application.localizedName) {
         std::string name = !identity.wmClassName.empty() ? identity.wmClassName : identity.wmClassInstance;
         if (name.empty()) {
-            name = processName(pid);
+            name = processName(spokesman(windows).process);
         }
         if (!name.empty()) {
             application.localizedName = std::move(name);
         }
     }
     return application;
+}
+
+Pid X11ApplicationDirectory::numberFor(const X11WindowFacts& window, const FindWindow& find) const {
+    if (window.process == ownProcess_) {
+        return window.process;
+    }
+    const auto key = keyOf(principal(window, find));
+    const std::scoped_lock lock(mutex_);
+    if (const auto found = numbers_.find(key); found != numbers_.end()) {
+        return found->second;
+    }
+    if (numbers_.size() >= maximumNumbers) {
+        numbers_.clear();
+        usedNumbers_.clear();
+    }
+    const bool isFree = usedNumbers_.insert(window.process).second;
+    const Pid number = isFree ? window.process : nextNumber_++;
+    numbers_.emplace(key, number);
+    return number;
+}
+
+std::string X11ApplicationDirectory::keyOf(const X11WindowFacts& window) const {
+    const auto& identity = window.identity;
+    if (const auto entry = installed(identity)) {
+        return "entry " + entry->identifier;
+    }
+    const auto& name = !identity.wmClassName.empty() ? identity.wmClassName : identity.wmClassInstance;
+    return name.empty() ? "process " + std::to_string(window.process) : "class " + name;
 }
 
 std::optional<X11InstalledApplication> X11ApplicationDirectory::installed(

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "platform/workspace.h"
@@ -20,27 +22,51 @@ struct X11InstalledApplication {
     std::string desktopFilePath;
 };
 
-/// Turns the windows of a process into a running application with its name. Safe on any thread; remembers what each
-/// identity led to, since the same few come with every snapshot.
+/// Tells which windows are one application, and what that is called. Windows of the same installed application (desktop
+/// file) belong together, else those of one class, else those of one process: a terminal may have a process for each
+/// window, and an office suite runs several applications in one. Safe on any thread; remembers what each identity led
+/// to, since the same few come with every snapshot.
 class X11ApplicationDirectory {
 public:
     /// Finds the installed application that an identity names; nothing when there is none. Any thread.
     using Lookup = std::function<std::optional<X11InstalledApplication>(const X11ApplicationIdentity&)>;
 
-    explicit X11ApplicationDirectory(Lookup lookup) : lookup_(std::move(lookup)) {}
+    /// The windows of `ownProcess` are one application whatever they say, and it has that process's number: the logic
+    /// knows its own windows by it.
+    explicit X11ApplicationDirectory(Lookup lookup, std::optional<Pid> ownProcess = std::nullopt)
+        : lookup_(std::move(lookup)), ownProcess_(ownProcess) {}
 
     /// Applications were installed or removed.
     void forgetAll();
 
-    /// The application of one process; `windows` are all of its windows, at least one.
+    /// Null when the window is not listed.
+    using FindWindow = std::function<const X11WindowFacts*(xcb_window_t)>;
+
+    /// The number of the window's application: that of the process in which it was first seen, or, where another
+    /// application of that process has it already, one that no process can have. A number stays with its application,
+    /// also while none of its windows is open. `find` knows all windows: a dialog is part of the application of the
+    /// window that it belongs to, if one process has both, whatever it calls itself.
+    [[nodiscard]] Pid numberFor(const X11WindowFacts& window, const FindWindow& find) const;
+
+    /// The application with this number; `windows` are all of its windows, at least one.
     [[nodiscard]] RunningApplication describe(Pid pid, const std::vector<const X11WindowFacts*>& windows) const;
+
+    /// The first number given to an application that does not have the number of a process; above those that stand in
+    /// for processes (`X11Owners`).
+    static constexpr Pid firstNumberOfItsOwn = 0x60000000;
 
 private:
     [[nodiscard]] std::optional<X11InstalledApplication> installed(const X11ApplicationIdentity& identity) const;
+    /// The same text for all windows of one application.
+    [[nodiscard]] std::string keyOf(const X11WindowFacts& window) const;
 
     Lookup lookup_;
+    std::optional<Pid> ownProcess_;
     mutable std::mutex mutex_;
     mutable std::unordered_map<std::string, std::optional<X11InstalledApplication>> known_;
+    mutable std::unordered_map<std::string, Pid> numbers_;
+    mutable std::unordered_set<Pid> usedNumbers_;
+    mutable Pid nextNumber_ = firstNumberOfItsOwn;
 };
 
 }  // namespace ferrowyn

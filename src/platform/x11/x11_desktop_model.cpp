@@ -8,27 +8,28 @@ namespace ferrowyn {
 void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunning,
                             std::vector<X11WindowFacts> changedWindows) {
     Announcements announcements;
-    std::unordered_set<Pid> knownProcesses;
-    for (const auto& [id, window] : windows_) {
-        knownProcesses.insert(window.pid);
-    }
+    const auto known = knownApplications();
     const bool managerChanged =
         std::exchange(isWindowManagerRunning_, isWindowManagerRunning) != isWindowManagerRunning;
     supportsRestacking_ = root.supportsRestacking;
 
-    std::vector<xcb_window_t> created;
-    for (auto& window : changedWindows) {
-        if (!windows_.contains(window.id)) {
-            created.push_back(window.id);
+    std::vector<xcb_window_t> arrived;
+    if (!changedWindows.empty()) {
+        Windows renamed;
+        for (auto& window : changedWindows) {
+            update(std::move(window), renamed, announcements);
         }
-        update(std::move(window), announcements);
+        arrived = numberApplications(renamed, announcements);
     }
     // A manager that is being replaced publishes no list for a moment; the windows are still there.
     if (root.stacking) {
         order_.assign(root.stacking->rbegin(), root.stacking->rend());
-        removeUnlisted(announcements);
+        if (removeUnlisted(announcements)) {
+            // Dialogs may have lost the window whose application they were of.
+            std::ranges::copy(numberApplications({}, announcements), std::back_inserter(arrived));
+        }
     }
-    announceLaunchesAndWindows(created, std::move(knownProcesses), announcements);
+    announceLaunchesAndWindows(arrived, known, announcements);
     if (std::exchange(currentDesktop_, root.currentDesktop) != root.currentDesktop) {
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::activeSpaceDidChange, std::nullopt});
     }
@@ -67,14 +68,27 @@ std::optional<xcb_window_t> X11DesktopModel::reviewExpectation() {
     return expected;
 }
 
-void X11DesktopModel::update(X11WindowFacts window, Announcements& announcements) {
+std::unordered_set<Pid> X11DesktopModel::knownApplications() const {
+    std::unordered_set<Pid> known;
+    for (const auto& [id, window] : windows_) {
+        known.insert(window.pid);
+    }
+    return known;
+}
+
+void X11DesktopModel::update(X11WindowFacts window, Windows& renamed, Announcements& announcements) {
     const auto known = windows_.find(window.id);
     if (known == windows_.end()) {
+        window.pid = 0;
         windows_.emplace(window.id, std::move(window));
         return;
     }
+    window.pid = known->second.pid;
     const auto old = std::exchange(known->second, std::move(window));
     const auto& now = known->second;
+    if (old.identity != now.identity) {
+        renamed.push_back(old);
+    }
     if (old.isHidden != now.isHidden) {
         announcements.notifications.push_back(
             {now.pid, now.id, now.isHidden ? "AXWindowMiniaturized" : "AXWindowDeminiaturized"});
@@ -86,46 +100,30 @@ void X11DesktopModel::update(X11WindowFacts window, Announcements& announcements
     }
 }
 
-void X11DesktopModel::removeUnlisted(Announcements& announcements) {
-    const std::unordered_set<xcb_window_t> listed(order_.begin(), order_.end());
-    std::vector<X11WindowFacts> removed;
-    for (auto entry = windows_.begin(); entry != windows_.end();) {
-        if (listed.contains(entry->first)) {
-            ++entry;
+std::vector<xcb_window_t> X11DesktopModel::numberApplications(const Windows& renamed, Announcements& announcements) {
+    std::vector<xcb_window_t> arrived;
+    std::unordered_map<Pid, Windows> left;
+    for (auto& [id, window] : windows_) {
+        const auto number = directory_.numberFor(window, [this](xcb_window_t other) { return find(other); });
+        const auto previous = std::exchange(window.pid, number);
+        if (previous == number) {
             continue;
         }
-        removed.push_back(std::move(entry->second));
-        entry = windows_.erase(entry);
-    }
-    announceRemoved(std::move(removed), announcements);
-}
-
-void X11DesktopModel::forget(xcb_window_t window) {
-    const auto found = windows_.find(window);
-    if (found == windows_.end()) {
-        return;
-    }
-    std::vector<X11WindowFacts> removed;
-    removed.push_back(std::move(found->second));
-    windows_.erase(found);
-    std::erase(order_, window);
-    Announcements announcements;
-    announceRemoved(std::move(removed), announcements);
-    send(announcements);
-}
-
-/// Their facts are no longer among the windows.
-void X11DesktopModel::announceRemoved(std::vector<X11WindowFacts> windows, Announcements& announcements) {
-    std::unordered_map<Pid, std::vector<const X11WindowFacts*>> removed;
-    for (const auto& window : windows) {
-        announcements.notifications.push_back({window.pid, window.id, "AXUIElementDestroyed"});
-        history_.forget(window.id);
-        if (reportedActive_ == window.id) {
-            reportedActive_ = XCB_WINDOW_NONE;
+        arrived.push_back(id);
+        if (previous == 0) {
+            continue;  // it is new
         }
-        removed[window.pid].push_back(&window);
+        history_.forget(id);
+        const auto before = std::ranges::find(renamed, id, &X11WindowFacts::id);
+        left[previous].push_back(before != renamed.end() ? *before : window);
     }
-    for (const auto& [pid, last] : removed) {
+    announceTerminations(left, announcements);
+    return arrived;
+}
+
+void X11DesktopModel::announceTerminations(const std::unordered_map<Pid, Windows>& lost,
+                                           Announcements& announcements) const {
+    for (const auto& [pid, windows] : lost) {
         if (!factsOf(pid).empty()) {
             continue;
         }
@@ -135,15 +133,59 @@ void X11DesktopModel::announceRemoved(std::vector<X11WindowFacts> windows, Annou
     }
 }
 
-void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>& created,
-                                                 std::unordered_set<Pid> knownProcesses,
+bool X11DesktopModel::removeUnlisted(Announcements& announcements) {
+    const std::unordered_set<xcb_window_t> listed(order_.begin(), order_.end());
+    Windows removed;
+    for (auto entry = windows_.begin(); entry != windows_.end();) {
+        if (listed.contains(entry->first)) {
+            ++entry;
+            continue;
+        }
+        removed.push_back(std::move(entry->second));
+        entry = windows_.erase(entry);
+    }
+    announceRemoved(removed, announcements);
+    return !removed.empty();
+}
+
+void X11DesktopModel::forget(xcb_window_t window) {
+    const auto found = windows_.find(window);
+    if (found == windows_.end()) {
+        return;
+    }
+    Announcements announcements;
+    const auto known = knownApplications();
+    const Windows removed{std::move(found->second)};
+    windows_.erase(found);
+    std::erase(order_, window);
+    announceRemoved(removed, announcements);
+    announceLaunchesAndWindows(numberApplications({}, announcements), known, announcements);
+    send(announcements);
+}
+
+/// They are no longer among the windows.
+void X11DesktopModel::announceRemoved(const Windows& windows, Announcements& announcements) {
+    std::unordered_map<Pid, Windows> removed;
+    for (const auto& window : windows) {
+        announcements.notifications.push_back({window.pid, window.id, "AXUIElementDestroyed"});
+        history_.forget(window.id);
+        if (reportedActive_ == window.id) {
+            reportedActive_ = XCB_WINDOW_NONE;
+        }
+        removed[window.pid].push_back(window);
+    }
+    announceTerminations(removed, announcements);
+}
+
+void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>& arrived,
+                                                 std::unordered_set<Pid> knownApplications,
                                                  Announcements& announcements) const {
-    for (const auto window : created) {
+    for (const auto window : arrived) {
         const auto* const facts = find(window);
         if (facts == nullptr) {
             continue;
         }
-        if (knownProcesses.insert(facts->pid).second) {
+        if (knownApplications.insert(facts->pid).second) {
             announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didLaunch, runningApplication(facts->pid)});
         } else if (!facts->isDesktopElement()) {
             announcements.notifications.push_back({facts->pid, std::nullopt, "AXWindowCreated"});
@@ -160,7 +202,7 @@ void X11DesktopModel::reportActive(Announcements& announcements) {
 }
 
 void X11DesktopModel::report(const X11WindowFacts& active, Announcements& announcements) {
-    if (active.id == std::exchange(reportedActive_, active.id)) {
+    if (active.id == std::exchange(reportedActive_, active.id) && active.pid == reportedPid_) {
         return;
     }
     history_.note(active.pid, active.id);
@@ -197,6 +239,15 @@ void X11DesktopModel::noteTitleChanged(xcb_window_t window) {
     if (const auto* const facts = find(window)) {
         notifications_.send({facts->pid, window, "AXTitleChanged"});
     }
+}
+
+void X11DesktopModel::noteInstalledApplicationsChanged() {
+    Announcements announcements;
+    const auto known = knownApplications();
+    const auto arrived = numberApplications({}, announcements);
+    announceLaunchesAndWindows(arrived, known, announcements);
+    reportActive(announcements);
+    send(announcements);
 }
 
 void X11DesktopModel::send(const Announcements& announcements) const {

@@ -29,6 +29,8 @@ public:
     void noteTitleChanged(xcb_window_t window);
     /// The window has been destroyed, whether or not the manager still lists it; its number may become another's.
     void forget(xcb_window_t window);
+    /// Applications were installed or removed, after which windows may be of other applications than before.
+    void noteInstalledApplicationsChanged();
 
     enum class Path {
         onOneDesktop,
@@ -75,6 +77,7 @@ private:
         std::vector<WorkspaceEvent> workspaceEvents;
         std::vector<X11AccessibilityNotification> notifications;
     };
+    using Windows = std::vector<X11WindowFacts>;
 
     struct Expectation {
         xcb_window_t window;
@@ -84,11 +87,18 @@ private:
 
     /// Looks at the active window in the light of the expectation; the window that has lost the focus, if one has.
     std::optional<xcb_window_t> reviewExpectation();
-    void removeUnlisted(Announcements& announcements);
-    void announceRemoved(std::vector<X11WindowFacts> windows, Announcements& announcements);
-    void update(X11WindowFacts window, Announcements& announcements);
-    void announceLaunchesAndWindows(const std::vector<xcb_window_t>& created, std::unordered_set<Pid> knownProcesses,
+    /// True when a window has gone.
+    bool removeUnlisted(Announcements& announcements);
+    void announceRemoved(const Windows& windows, Announcements& announcements);
+    void update(X11WindowFacts window, Windows& renamed, Announcements& announcements);
+    [[nodiscard]] std::unordered_set<Pid> knownApplications() const;
+    /// Gives each window the number of its application. `renamed` are the windows that now say something else about
+    /// their application, as they were. Returns those that have come to an application that they were not of before.
+    std::vector<xcb_window_t> numberApplications(const Windows& renamed, Announcements& announcements);
+    void announceLaunchesAndWindows(const std::vector<xcb_window_t>& arrived, std::unordered_set<Pid> knownApplications,
                                     Announcements& announcements) const;
+    /// Announces the end of those that have no window any more; the windows are the ones that they have lost.
+    void announceTerminations(const std::unordered_map<Pid, Windows>& lost, Announcements& announcements) const;
     /// Announces what became active, unless it is a mere stage of an activation.
     void reportActive(Announcements& announcements);
     void report(const X11WindowFacts& active, Announcements& announcements);

@@ -36,6 +36,7 @@ public:
     void expectActive(xcb_window_t window, X11DesktopModel::Path path);
     void stopExpectingActive();
     void startSessionFrom(xcb_window_t active) { model_.startSessionFrom(active); }
+    void noteInstalledApplicationsChanged() { model_.noteInstalledApplicationsChanged(); }
 
     /// The server's time at the latest event seen here; never 0.
     [[nodiscard]] xcb_timestamp_t latestServerTime() const { return latestServerTime_; }

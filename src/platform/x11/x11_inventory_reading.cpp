@@ -9,8 +9,17 @@ namespace ferrowyn {
 X11InventoryReading::X11InventoryReading(X11DesktopSnapshot snapshot, double scale,
                                          const X11ApplicationDirectory& directory, const X11FocusHistory& history)
     : snapshot_(std::move(snapshot)), scale_(scale), history_(history) {
-    std::vector<Pid> order;
+    std::unordered_map<xcb_window_t, const X11WindowFacts*> windowsById;
     for (const auto& window : snapshot_.windows) {
+        windowsById.emplace(window.id, &window);
+    }
+    const auto find = [&](xcb_window_t id) {
+        const auto found = windowsById.find(id);
+        return found == windowsById.end() ? nullptr : found->second;
+    };
+    std::vector<Pid> order;
+    for (auto& window : snapshot_.windows) {
+        window.pid = directory.numberFor(window, find);
         auto& windows = windowsByPid_[window.pid];
         if (windows.empty()) {
             order.push_back(window.pid);

@@ -1,5 +1,7 @@
 #include "platform/x11/x11_platform.h"
 
+#include <unistd.h>
+
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDesktopServices>
@@ -121,7 +123,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
       atoms(*connections.events),
-      directory([this](const auto& identity) { return findInstalledApplication(entries, identity); }),
+      directory([this](const auto& identity) { return findInstalledApplication(entries, identity); }, getpid()),
       missingInput(missingInputExtension(connections.events->get())),
       monitor(mainLoop, std::move(connections.events), atoms, directory, history,
               [this, onLost = options.onConnectionLost] { onLost ? onLost() : endProgram(log); }),
@@ -177,7 +179,10 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     };
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
-    installedChanges = entries.observeChanges([this] { directory.forgetAll(); });
+    installedChanges = entries.observeChanges([this] {
+        directory.forgetAll();
+        monitor.noteInstalledApplicationsChanged();
+    });
     reader.keepLastingFacts();
     windowReadings = monitor.windowReadings().subscribe([this](const auto& windows) { reader.forget(windows); });
 }

@@ -51,7 +51,8 @@ X11WindowBatch::Answer X11WindowBatch::collect() {
         const auto process = processes.find(owners_.clientOf(window.id));
         const auto& [lacksTitle, isKnown, claim] = needs[index];
         if (!isKnown) {
-            window.pid = process != processes.end() ? process->second : claim.value_or(owners_.standInFor(window.id));
+            window.process =
+                process != processes.end() ? process->second : claim.value_or(owners_.standInFor(window.id));
         }
         Fallback fallback;
         fallback.index = index;
@@ -80,7 +81,7 @@ void X11WindowBatch::collectFallbacks(const std::vector<Fallback>& fallbacks,
             window.title = collectLegacyTitle(connection_, *fallback.title, atoms_);
         }
         if (fallback.claim) {
-            window.pid = owners_.collectClaim(*fallback.claim).value_or(window.pid);
+            window.process = owners_.collectClaim(*fallback.claim).value_or(window.process);
         }
     }
 }

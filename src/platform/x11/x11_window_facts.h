@@ -30,10 +30,15 @@ enum class X11WindowKind {
 struct X11WindowFacts {
     xcb_window_t id = XCB_WINDOW_NONE;
     /// The owner's process, or a number that stands for a client without one (`X11Owners`).
+    Pid process = 0;
+    /// The number of the application, which may be several processes or share one (`X11ApplicationDirectory`). Given
+    /// when all windows are known, not when this one is read.
     Pid pid = 0;
     X11WindowKind kind = X11WindowKind::normal;
     /// Belongs to another window, as a dialog does.
     bool isTransient = false;
+    /// The window that it belongs to: the root window where it belongs to all of its group, none where it does not say.
+    xcb_window_t transientFor = XCB_WINDOW_NONE;
     bool skipsTaskbar = false;
     bool isHidden = false;
     bool isFullScreen = false;

@@ -128,16 +128,18 @@ std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connecti
 void X11WindowRequests::collectLasting(xcb_connection_t* connection, const X11Atoms& atoms,
                                        X11WindowFacts& facts) const {
     if (known_ != nullptr) {
-        facts.pid = known_->pid;
+        facts.process = known_->process;
         facts.kind = known_->kind;
         facts.isTransient = known_->isTransient;
+        facts.transientFor = known_->transientFor;
         facts.opacity = known_->opacity;
         facts.identity = known_->identity;
         return;
     }
     const auto type = X11Property::collect(connection, lasting_->type);
     const auto transientFor = X11Property::collect(connection, lasting_->transientFor);
-    facts.isTransient = transientFor.item(XCB_ATOM_WINDOW).value_or(0) != 0;
+    facts.transientFor = transientFor.item(XCB_ATOM_WINDOW).value_or(XCB_WINDOW_NONE);
+    facts.isTransient = facts.transientFor != XCB_WINDOW_NONE;
     facts.kind = windowKind(type.items(XCB_ATOM_ATOM), facts.isTransient, atoms);
     if (const auto value = X11Property::collect(connection, lasting_->opacity).item(XCB_ATOM_CARDINAL)) {
         facts.opacity = static_cast<double>(*value) / std::numeric_limits<std::uint32_t>::max();

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ferrowyn {
@@ -23,7 +24,7 @@ protected:
         std::vector<X11WindowFacts> windows(4);
         for (xcb_window_t id = here; id <= dialog; ++id) {
             windows[id - 1].id = id;
-            windows[id - 1].pid = static_cast<Pid>(id);
+            windows[id - 1].process = static_cast<Pid>(id);
         }
         windows[dialog - 1].isTransient = true;
         model.apply(root(here), true, std::move(windows));
@@ -116,6 +117,95 @@ TEST_F(X11DesktopModelTest, ASessionAfterATheftStartsFromTheWindowThatTheUserCho
     model.startSessionFrom(neighbour);
     EXPECT_EQ(model.frontmostPid(), static_cast<Pid>(there));
     EXPECT_THAT(focused, ElementsAre(there));
+}
+
+/// Windows of one process, of which each says by its class which application it is of.
+class X11DesktopModelApplicationsTest : public testing::Test {
+protected:
+    X11DesktopModelApplicationsTest() {
+        model.apply(root(), true, {window(first, "Writer"), window(second, "Writer")});
+        events = model.workspaceEvents().subscribe([this](const WorkspaceEvent& event) {
+            if (event.application) {
+                seen.emplace_back(event.kind, event.application->localizedName.value_or(""));
+            }
+        });
+        notifications =
+            model.notifications().subscribe([this](const X11AccessibilityNotification& told) { lastTold = told.pid; });
+    }
+
+    static constexpr xcb_window_t first = 1, second = 2;
+    static constexpr Pid process = 100;
+    static X11WindowFacts window(xcb_window_t id, const std::string& windowClass) {
+        X11WindowFacts facts;
+        facts.id = id;
+        facts.process = process;
+        facts.identity.wmClassName = windowClass;
+        return facts;
+    }
+    static X11RootFacts root(std::vector<std::uint32_t> stacking = {first, second}) {
+        X11RootFacts facts;
+        facts.stacking = std::move(stacking);
+        facts.activeWindow = first;
+        return facts;
+    }
+
+    using Kind = WorkspaceEvent::Kind;
+    X11ApplicationDirectory directory{[this](const X11ApplicationIdentity& identity) {
+        return isInstalled && identity.wmClassName == "Calc"
+                   ? std::optional(X11InstalledApplication{"calc", "Quartz", "/calc.desktop"})
+                   : std::nullopt;
+    }};
+    bool isInstalled = false;
+    X11FocusHistory history;
+    X11DesktopModel model{directory, history};
+    std::vector<std::pair<Kind, std::string>> seen;
+    Pid lastTold = 0;
+    Subscription events;
+    Subscription notifications;
+};
+
+TEST_F(X11DesktopModelApplicationsTest, AWindowThatSaysSomethingElseIsAnotherApplicationThatIsActive) {
+    model.apply(root(), true, {window(first, "Calc")});
+    EXPECT_THAT(seen, ElementsAre(std::pair(Kind::didLaunch, "Calc"), std::pair(Kind::didActivate, "Calc")));
+    const auto calc = model.frontmostPid();
+    ASSERT_TRUE(calc.has_value());
+    EXPECT_NE(calc, process);
+    EXPECT_EQ(lastTold, calc);
+    EXPECT_THAT(model.windowsOf(*calc), ElementsAre(first));
+    EXPECT_THAT(model.windowsOf(process), ElementsAre(second));
+    EXPECT_EQ(model.lastActiveOf(*calc), first);
+    EXPECT_EQ(model.lastActiveOf(process), std::nullopt);
+}
+
+TEST_F(X11DesktopModelApplicationsTest, AnApplicationWhoseLastWindowBecomesAnotherHasEnded) {
+    model.apply(root(), true, {window(first, "Calc")});
+    seen.clear();
+    model.apply(root(), true, {window(second, "Calc")});
+    EXPECT_THAT(seen, ElementsAre(std::pair(Kind::didTerminate, "Writer")));
+    EXPECT_FALSE(model.runningApplication(process).has_value());
+}
+
+TEST_F(X11DesktopModelApplicationsTest, AnApplicationEndsWithItsLastWindowAndNotWithItsProcess) {
+    model.apply(root(), true, {window(first, "Calc")});
+    seen.clear();
+    model.apply(root({first}), true, {});
+    EXPECT_THAT(seen, ElementsAre(std::pair(Kind::didTerminate, "Writer")));
+    EXPECT_TRUE(model.runningApplication(*model.frontmostPid()).has_value());
+}
+
+TEST_F(X11DesktopModelApplicationsTest, AnInstalledDesktopFileMakesAnApplicationOfItsWindows) {
+    model.apply(root(), true, {window(first, "Calc")});
+    seen.clear();
+    isInstalled = true;
+    directory.forgetAll();
+    model.noteInstalledApplicationsChanged();
+    ASSERT_EQ(seen.size(), 3U);
+    EXPECT_EQ(seen[0].first, Kind::didTerminate);
+    EXPECT_EQ(seen[1], std::pair(Kind::didLaunch, std::string("Quartz")));
+    EXPECT_EQ(seen[2], std::pair(Kind::didActivate, std::string("Quartz")));
+    seen.clear();
+    model.noteInstalledApplicationsChanged();
+    EXPECT_THAT(seen, IsEmpty());
 }
 
 }  // namespace

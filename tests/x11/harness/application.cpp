@@ -4,12 +4,15 @@
 #include <cstdlib>
 #include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/x11/harness/test_window.h"
 
 /// An application of a test: opens a window for each of its arguments after the first, which is its name, says their
-/// identifiers one a line, and stays until it is ended.
+/// identifiers one a line, and stays until it is ended. The windows after "--name NAME" say that they are of another
+/// application, as those of an office suite do.
 int main(int argumentCount, char** arguments) {
     using ferrowyn::x11test::TestWindow;
     const std::span<char*> all(arguments, static_cast<std::size_t>(argumentCount));
@@ -19,9 +22,15 @@ int main(int argumentCount, char** arguments) {
         return 2;
     }
     std::vector<std::unique_ptr<TestWindow>> windows;
-    for (const char* const title : all.subspan(2)) {
+    std::string name = all[1];
+    for (std::size_t index = 2; index < all.size(); ++index) {
+        if (std::string_view(all[index]) == "--name" && index + 1 < all.size()) {
+            name = all[++index];
+            continue;
+        }
         windows.push_back(std::make_unique<TestWindow>(
-            display, TestWindow::Options{.title = title, .className = all[1], .x = 60 * static_cast<int>(all.size())}));
+            display,
+            TestWindow::Options{.title = all[index], .className = name, .x = 60 * static_cast<int>(all.size())}));
         std::printf("window %u\n", windows.back()->id());
     }
     std::printf("ready\n");
