@@ -17,6 +17,15 @@ namespace ferrowyn {
 /// The `zOrder` of a window that the window server does not list: behind every listed one.
 inline constexpr std::int64_t unlistedZOrder = std::numeric_limits<std::int64_t>::max();
 
+/// A dialog that must be answered before the window that it blocks takes input again.
+struct ModalDialog {
+    WindowId id = 0;
+    AXElementRef element;
+    Pid pid = 0;
+
+    friend bool operator==(const ModalDialog&, const ModalDialog&) = default;
+};
+
 /// One switchable window. A plain value, immutable by habit, safe to hand between threads.
 struct AppWindow {
     WindowId id = 0;
@@ -38,6 +47,12 @@ struct AppWindow {
     std::int64_t zOrder = 0;
     /// Where the owning application is installed: an absolute path (a bundle on macOS, a desktop file elsewhere).
     std::optional<std::string> bundleURL;
+    /// The dialog that blocks this window; of several on top of each other the one that takes input now. Absent where
+    /// the desktop does not tell.
+    std::optional<ModalDialog> blockedBy;
+
+    /// The window that gets the keyboard when this one is activated: itself, or the dialog that blocks it.
+    [[nodiscard]] WindowId inputWindowId() const { return blockedBy ? blockedBy->id : id; }
 
     /// The title without surrounding white space and newlines, or the application's name when nothing is left.
     [[nodiscard]] std::string displayTitle() const { return std::string(displayTitleView()); }

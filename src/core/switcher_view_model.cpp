@@ -18,13 +18,25 @@ constexpr std::size_t windowsPreparedInOneTurn = 8;
 /// first, which is that of the windows used last.
 constexpr std::size_t mostPreparedWindows = PreparedTextCache::generationSize / 3;
 
-/// A session begins on the second row: the window that was used just before the present one.
-int firstSelection(std::size_t rowCount, bool reverse) {
-    const int count = static_cast<int>(rowCount);
+/// A session begins on the second row: the window that was used just before the present one. Rows whose windows are
+/// blocked by the dialog in use are passed over, since choosing one would change nothing; they can still be selected.
+int firstSelection(const std::vector<SwitcherViewModel::Row>& rows, bool reverse) {
+    const int count = static_cast<int>(rows.size());
     if (count == 0) {
         return 0;
     }
-    return reverse ? count - 1 : std::min(count, 2) - 1;
+    const WindowId inUse = rows.front().window->inputWindowId();
+    const auto leadsBack = [&](int index) {
+        const auto& dialog = rows[static_cast<std::size_t>(index)].window->blockedBy;
+        return dialog && dialog->id == inUse;
+    };
+    const int usual = reverse ? count - 1 : std::min(count, 2) - 1;
+    for (int index = usual; index > 0 && index < count; index += reverse ? -1 : 1) {
+        if (!leadsBack(index)) {
+            return index;
+        }
+    }
+    return usual;
 }
 
 }  // namespace
@@ -115,7 +127,7 @@ void SwitcherViewModel::beginSession(bool reverse) {
     }
     sessionWindows_ = std::move(frozen);
     sessionToken.set(sessionToken.get() + 1);
-    selectedIndex.set(firstSelection(rows.get().size(), reverse));
+    selectedIndex.set(firstSelection(rows.get(), reverse));
 }
 
 void SwitcherViewModel::endSession() {
@@ -243,7 +255,7 @@ SwitcherViewModel::Preview SwitcherViewModel::previewSession(bool reverse) const
     SwitcherRowBuilder(settings_, favourites_)
         .build({.windows = allWindows_, .query = {}, .frontmostPID = frontmostPID_(), .sessionWindows = nullptr},
                preview.rows);
-    preview.selectedIndex = firstSelection(preview.rows.size(), reverse);
+    preview.selectedIndex = firstSelection(preview.rows, reverse);
     return preview;
 }
 

@@ -35,19 +35,22 @@ void WindowActivator::activate(const AppWindow& window) {
     pause_.reset();
     activation_.reset();
 
-    const auto application = workspace_.runningApplication(window.pid);
+    const auto& dialog = window.blockedBy;
+    const Pid pid = dialog ? dialog->pid : window.pid;
+    const auto application = workspace_.runningApplication(pid);
     if (!application || application->isTerminated) {
-        log_.write(LogLevel::error, category, fmt::format("pid {} is gone", window.pid));
+        log_.write(LogLevel::error, category, fmt::format("pid {} is gone", pid));
         return;
     }
     activation_.emplace(Activation{.window = window,
                                    .applicationName = application->localizedName.value_or(window.appName),
-                                   .element = window.axElement});
-    control_.setMessagingTimeout(window.pid, messagingTimeout);
+                                   .pid = pid,
+                                   .element = dialog ? std::optional(dialog->element) : window.axElement});
+    control_.setMessagingTimeout(pid, messagingTimeout);
     if (activation_->element) {
         raiseFirst();
     } else {
-        control_.activate(window.pid);
+        control_.activate(pid);
         lookUpElement();
     }
 }
@@ -67,7 +70,7 @@ void WindowActivator::lookUpElement() {
 }
 
 std::optional<AXElementRef> WindowActivator::findElement() const {
-    for (const auto& element : control_.windowElements(activation_->window.pid)) {
+    for (const auto& element : control_.windowElements(activation_->pid)) {
         if (control_.windowNumber(element) == activation_->window.id) {
             return element;
         }
@@ -78,11 +81,11 @@ std::optional<AXElementRef> WindowActivator::findElement() const {
 void WindowActivator::raiseFirst() {
     const auto& window = activation_->window;
     control_.setMessagingTimeout(*activation_->element, messagingTimeout);
-    if (control_.isHidden(window.pid)) {
-        control_.unhide(window.pid);
+    if (control_.isHidden(activation_->pid)) {
+        control_.unhide(activation_->pid);
     }
     if (window.isMinimized) {
-        control_.unminimize(*activation_->element);
+        control_.unminimize(window.blockedBy && window.axElement ? *window.axElement : *activation_->element);
     }
     raise();
     scheduleVerification();
@@ -91,8 +94,12 @@ void WindowActivator::raiseFirst() {
 /// Raised, main and focused inside its application first, so that activating the application brings this window
 /// forward and not the application's own idea of its front window; frontmost last.
 void WindowActivator::raise() {
-    const Pid pid = activation_->window.pid;
+    const Pid pid = activation_->pid;
     const auto& element = *activation_->element;
+    if (const auto& window = activation_->window; window.blockedBy && window.axElement) {
+        // Below its dialog, and where the dialog has just been closed the window gets the keyboard itself.
+        control_.raise(*window.axElement);
+    }
     control_.raise(element);
     control_.setMain(element);
     control_.setFocused(element);
@@ -127,9 +134,13 @@ void WindowActivator::verify() {
 
 /// What cannot be read does not confirm anything: an application that does not answer is worth another try.
 bool WindowActivator::isConfirmed() const {
-    const auto& element = *activation_->element;
-    return control_.isActive(activation_->window.pid) && control_.isMain(element).value_or(false) &&
-           control_.isFocused(element).value_or(false);
+    const auto hasKeyboard = [this](Pid pid, const std::optional<AXElementRef>& element) {
+        return element && control_.isActive(pid) && control_.isMain(*element).value_or(false) &&
+               control_.isFocused(*element).value_or(false);
+    };
+    const auto& window = activation_->window;
+    return hasKeyboard(activation_->pid, activation_->element) ||
+           (window.blockedBy && hasKeyboard(window.pid, window.axElement));
 }
 
 void WindowActivator::finish() {

@@ -37,7 +37,10 @@ private:
     struct Activation {
         AppWindow window;
         std::string applicationName;
-        /// The window's element: given with the window, or looked up.
+        /// The application that gets the keyboard: the window's, or that of the dialog that blocks the window.
+        Pid pid = 0;
+        /// What gets the keyboard: the dialog that blocks the window, or the window's element, given with it or looked
+        /// up.
         std::optional<AXElementRef> element;
         int looks = 0;
         int checks = 0;

@@ -201,6 +201,7 @@ std::optional<AppWindow> WindowEnumerator::appWindow(Collection& collection, con
         .frame = frame.value_or(Rect{}),
         .zOrder = metadata != nullptr ? metadata->zOrder : unlistedZOrder,
         .bundleURL = collection.application.bundleURL,
+        .blockedBy = window.blockedBy,
     };
 }
 

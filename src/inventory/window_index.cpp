@@ -30,6 +30,11 @@ std::unordered_set<WindowId> idsOf(const std::vector<AppWindow>& windows) {
     return ids;
 }
 
+/// Whether the lists, which are equal otherwise, differ in which windows are blocked by which dialogs.
+bool differInDialogs(const std::vector<AppWindow>& a, const std::vector<AppWindow>& b) {
+    return !std::ranges::equal(a, b, {}, &AppWindow::blockedBy, &AppWindow::blockedBy);
+}
+
 }  // namespace
 
 WindowIndex::WindowIndex(const Platform& platform)
@@ -97,8 +102,28 @@ void WindowIndex::refresh() {
 
 void WindowIndex::noteActivated(WindowId id) {
     assert(mainLoop_.isMainThread());
+    use(id);
+    // The keyboard went to the dialog that blocks the window.
+    const auto& windows = windows_.get();
+    const auto activated = std::ranges::find(windows, id, &AppWindow::id);
+    const auto dialog = activated != windows.end() ? activated->blockedBy : std::nullopt;
+    if (dialog && std::ranges::find(windows, dialog->id, &AppWindow::id) != windows.end()) {
+        use(dialog->id);
+    }
+}
+
+void WindowIndex::use(WindowId id) {
     recency_->touch(id);
     moveToFront(id);
+}
+
+WindowId WindowIndex::listedWindowFor(WindowId focused) const {
+    const auto& windows = windows_.get();
+    if (std::ranges::find(windows, focused, &AppWindow::id) != windows.end()) {
+        return focused;
+    }
+    const auto blocked = std::ranges::find(windows, focused, &AppWindow::inputWindowId);
+    return blocked != windows.end() ? blocked->id : focused;
 }
 
 void WindowIndex::moveToFront(WindowId id) {
@@ -122,10 +147,9 @@ void WindowIndex::handle(const WindowChange& change) {
     if (change.kind == WindowChange::Kind::focus) {
         const auto id = windowInventory_.focusedWindowNumber(change.pid, focusedWindowTimeout);
         if (id && *id != 0) {
-            recency_->touch(*id);
-            // A quick hand presses the trigger again before the coalesced refresh: the session it opens must start
-            // from the window that has the focus now.
-            moveToFront(*id);
+            // The list moves at once: a quick hand presses the trigger again before the coalesced refresh, and the
+            // session it opens must start from the window that has the focus now.
+            use(listedWindowFor(*id));
         }
     }
     if (!isStarted_) {
@@ -170,7 +194,7 @@ void WindowIndex::apply(WindowEnumerator::Snapshot snapshot) {
                              [this](const AppWindow& a, const AppWindow& b) { return recency_->precedes(a, b); });
 
     const auto generation = generation_;
-    if (windows != windows_.get()) {
+    if (windows != windows_.get() || differInDialogs(windows, windows_.get())) {
         publish(windows);
     }
     if (generation != generation_) {
@@ -188,6 +212,9 @@ std::vector<AppWindow> WindowIndex::carryingOver(WindowEnumerator::Snapshot snap
         if (!reported.contains(known.id) && snapshot.liveWindowIDs.contains(known.id)) {
             windows.push_back(known);
             windows.back().isOnActiveSpace = snapshot.onScreenWindowIDs.contains(known.id);
+            if (known.blockedBy && !snapshot.liveWindowIDs.contains(known.blockedBy->id)) {
+                windows.back().blockedBy.reset();
+            }
             ++carried;
         }
     }

@@ -42,7 +42,8 @@ public:
     void refresh();
     /// One refresh, `coalescingInterval` after the last request of a burst.
     void scheduleRefresh();
-    /// The switcher just activated this window: it leads the list at once.
+    /// The switcher just activated this window: it leads the list at once, behind the dialog that blocks it if one
+    /// does.
     void noteActivated(WindowId id);
 
     static constexpr Seconds coalescingInterval{0.12};
@@ -54,7 +55,11 @@ private:
     void beginPass();
     void finishPass(std::uint64_t generation, WindowEnumerator::Snapshot snapshot);
     void apply(WindowEnumerator::Snapshot snapshot);
+    void use(WindowId id);
     void moveToFront(WindowId id);
+    /// The window itself, or, for a dialog that is not listed (it has no title), the window that it blocks: in the list
+    /// that one stands for both.
+    [[nodiscard]] WindowId listedWindowFor(WindowId focused) const;
     void publish(std::vector<AppWindow> windows);
     [[nodiscard]] std::vector<AppWindow> carryingOver(WindowEnumerator::Snapshot snapshot) const;
 

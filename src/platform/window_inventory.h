@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/app_window.h"
 #include "core/ax_element_ref.h"
 #include "core/geometry.h"
 #include "core/identifiers.h"
@@ -40,6 +41,9 @@ struct AccessibleWindow {
     std::optional<bool> isFullScreen;
     std::optional<Point> position;
     std::optional<Size> size;
+    /// The modal dialog that takes this window's input, the last one where dialogs block dialogs; absent when there is
+    /// none, and where the desktop does not tell.
+    std::optional<ModalDialog> blockedBy;
 };
 
 /// All windows of one application, with its focused window.

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "core/prepared_text_cache.h"
+#include "platform/simulated/simulated_element.h"
 #include "tests/core/switcher_view_model_fixture.h"
 
 namespace ferrowyn {
@@ -13,6 +14,10 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 using SwitcherViewModelTest = SwitcherViewModelFixture;
+
+ModalDialog dialog(WindowId id) {
+    return {id, SimulatedElement::reference(id), 100};
+}
 
 TEST_F(SwitcherViewModelTest, WithoutWindowsEverythingIsHarmless) {
     model->beginSession(false);
@@ -47,6 +52,61 @@ TEST_F(SwitcherViewModelTest, ASessionSelectsTheSecondRowOrTheLastWhenReversed) 
     model->endSession();
     model->beginSession(true);
     EXPECT_EQ(selected(), 4);
+}
+
+TEST_F(SwitcherViewModelTest, ASessionPassesOverWhatTheDialogInUseBlocks) {
+    open(4);
+    auto list = windows.get();
+    list[1].blockedBy = dialog(1);
+    windows.set(list);
+    EXPECT_EQ(model->previewSession(false).selectedIndex, 2) << "the prepared frame shows the same";
+    model->beginSession(false);
+    EXPECT_THAT(ids(), ElementsAre(1, 2, 3, 4)) << "the order is that of recency all the same";
+    EXPECT_EQ(selected(), 2);
+    model->move(-1);
+    EXPECT_EQ(selected(), 1) << "the blocked window can be selected";
+
+    list[3].blockedBy = dialog(1);
+    windows.set(list);
+    model->endSession();
+    model->beginSession(true);
+    EXPECT_EQ(selected(), 2) << "backward from the last row too";
+}
+
+TEST_F(SwitcherViewModelTest, ABlockedWindowIsTheFirstChoiceWhereItsDialogIsNotInUse) {
+    open(3);
+    auto list = windows.get();
+    list[1].blockedBy = dialog(3);
+    windows.set(list);
+    model->beginSession(false);
+    EXPECT_EQ(selected(), 1);
+    // The same where the dialog has no row.
+    list[1].blockedBy = dialog(99);
+    windows.set(list);
+    model->endSession();
+    model->beginSession(false);
+    EXPECT_EQ(selected(), 1);
+}
+
+TEST_F(SwitcherViewModelTest, AWindowStandsForItsDialogThatHasNoRow) {
+    open(3);
+    auto list = windows.get();
+    list[0].blockedBy = list[1].blockedBy = dialog(99);
+    windows.set(list);
+    model->beginSession(false);
+    EXPECT_EQ(selected(), 2) << "both lead to the dialog, which is in use";
+}
+
+TEST_F(SwitcherViewModelTest, WhereEveryOtherRowIsBlockedTheSecondOneIsSelected) {
+    open(3);
+    auto list = windows.get();
+    list[1].blockedBy = list[2].blockedBy = dialog(1);
+    windows.set(list);
+    model->beginSession(false);
+    EXPECT_EQ(selected(), 1);
+    model->endSession();
+    model->beginSession(true);
+    EXPECT_EQ(selected(), 2);
 }
 
 TEST_F(SwitcherViewModelTest, MovesWrapAtBothEndsForAnyStep) {

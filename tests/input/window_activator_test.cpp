@@ -17,6 +17,7 @@ using LogLine = SimulatedDesktop::LogLine;
 
 constexpr Pid editor = 100;
 constexpr Pid browser = 200;
+constexpr auto initialDelay = WindowActivator::initialVerificationDelay;
 
 const std::vector<std::string> raiseOfSeven = {"raise 7",      "main 7",       "focused 7", "focusedWindow 100 7",
                                                "activate 100", "frontmost 100"};
@@ -97,6 +98,39 @@ TEST_F(WindowActivatorTest, UnhidesTheApplicationFirst) {
     EXPECT_THAT(
         desktop.takeControlCalls(),
         ElementsAreArray(joined({"timeout 100 0.5", "timeout 7 0.5", "unhide 100", "unminimize 7"}, raiseOfSeven)));
+}
+
+TEST_F(WindowActivatorTest, OfABlockedWindowTheDialogGetsTheKeyboardAboveIt) {
+    // The dialog may be another application's, as a file chooser is.
+    auto blocked = window(7, editor);
+    blocked.blockedBy = ModalDialog{8, desktop.elementOf(8), browser};
+    desktop.setFrontmost(editor);
+    activator->activate(blocked);
+    EXPECT_THAT(desktop.takeControlCalls(),
+                ElementsAre("timeout 200 0.5", "timeout 8 0.5", "raise 7", "raise 8", "main 8", "focused 8",
+                            "focusedWindow 200 8", "activate 200", "frontmost 200"));
+    desktop.advance(initialDelay);
+    EXPECT_THAT(activated, ElementsAre(7U)) << "which the user chose";
+    EXPECT_EQ(desktop.frontmostPid(), browser);
+    EXPECT_EQ(desktop.focusedWindow(browser), 8U);
+}
+
+TEST_F(WindowActivatorTest, ABlockedWindowThatIsMinimisedIsRestoredItself) {
+    auto blocked = window(7, editor);
+    blocked.isMinimized = true;
+    blocked.blockedBy = ModalDialog{8, desktop.elementOf(8), browser};
+    activator->activate(blocked);
+    EXPECT_THAT(desktop.takeControlCalls(), Contains("unminimize 7"));
+}
+
+TEST_F(WindowActivatorTest, AWindowWhoseDialogHasJustBeenClosedIsConfirmedItself) {
+    auto blocked = window(7, editor);
+    blocked.blockedBy = ModalDialog{9, desktop.elementOf(9), editor};
+    activator->activate(blocked);
+    desktop.advance(initialDelay);
+    EXPECT_THAT(activated, ElementsAre(7U));
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "activation", "Window 7 active after 1 check(s)"}));
 }
 
 TEST_F(WindowActivatorTest, SaysThatTheProcessIsGoneAndCallsNobody) {

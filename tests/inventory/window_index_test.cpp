@@ -303,6 +303,56 @@ TEST_F(WindowIndexTest, TheActivatedWindowLeadsAtOnce) {
     EXPECT_THAT(ids(), ElementsAre(1, 3, 2)) << "a refresh agrees";
 }
 
+TEST_F(WindowIndexTest, ADialogThatBlocksAListedWindowIsPublishedThoughTheListIsTheSame) {
+    start();
+    desktop.openWindow({.id = 4, .pid = 100, .title = "", .subrole = "AXDialog"}, true);
+    desktop.changeWindow(1, [](auto& state) { state.blockedBy = 4; });
+    refresh();
+    EXPECT_THAT(ids(), ElementsAre(3, 2, 1)) << "the dialog has no title";
+    EXPECT_EQ(publications, 1);
+    EXPECT_EQ(window(1).inputWindowId(), 4U);
+    EXPECT_EQ(window(2).inputWindowId(), 2U);
+    refresh();
+    EXPECT_EQ(publications, 1);
+    desktop.closeWindow(4, true);
+    refresh();
+    EXPECT_EQ(publications, 2);
+    EXPECT_EQ(window(1).blockedBy, std::nullopt);
+}
+
+TEST_F(WindowIndexTest, AnActivatedWindowThatIsBlockedStandsBehindItsDialog) {
+    desktop.changeWindow(1, [](auto& state) { state.blockedBy = 2; });
+    start();
+    index->noteActivated(1);
+    EXPECT_THAT(ids(), ElementsAre(2, 1, 3));
+    refresh();
+    EXPECT_THAT(ids(), ElementsAre(2, 1, 3)) << "a refresh agrees";
+}
+
+TEST_F(WindowIndexTest, TheFocusOfADialogThatIsNotListedIsThatOfItsWindow) {
+    desktop.openWindow({.id = 4, .pid = 100, .title = "", .subrole = "AXDialog"}, true);
+    desktop.changeWindow(1, [](auto& state) { state.blockedBy = 4; });
+    start();
+    desktop.focusWindow(2);
+    desktop.focusWindow(4);
+    EXPECT_THAT(ids(), ElementsAre(1, 2, 3));
+    desktop.advance(120ms);
+    EXPECT_THAT(ids(), ElementsAre(1, 2, 3)) << "the refresh agrees";
+    index->noteActivated(1);
+    EXPECT_THAT(ids(), ElementsAre(1, 2, 3));
+}
+
+TEST_F(WindowIndexTest, AWindowThatIsCarriedOverStaysBlockedWhileItsDialogExists) {
+    desktop.changeWindow(1, [](auto& state) { state.blockedBy = 2; });
+    start();
+    desktop.changeWindow(1, [](auto& state) { state.isListedByAccessibility = false; });
+    refresh();
+    EXPECT_EQ(window(1).inputWindowId(), 2U);
+    desktop.closeWindow(2, true);
+    refresh();
+    EXPECT_EQ(window(1).inputWindowId(), 1U);
+}
+
 TEST_F(WindowIndexTest, EachPublicationIsLoggedWithItsFirstWindow) {
     start();
     index->noteActivated(1);

@@ -40,6 +40,16 @@ protected:
         return parts.accessibleWindow(window).value().subrole.value_or("(absent)");
     }
 
+    /// The dialog that a fresh reading says takes the window's input.
+    std::optional<WindowId> blockerOf(xcb_window_t window) {
+        const auto dialog = parts.accessibleWindow(window).value().blockedBy;
+        return dialog ? std::optional(dialog->id) : std::nullopt;
+    }
+    void setGroup(xcb_window_t window, xcb_window_t leader) {
+        const std::uint32_t hints[9] = {1U << 6U, 0, 0, 0, 0, 0, 0, 0, leader};
+        manager.set(window, "WM_HINTS", "WM_HINTS", 32, hints, 9);
+    }
+
     PrivateXServer server;
     ScriptedManager manager;
     AdapterParts parts;
@@ -119,6 +129,64 @@ TEST_F(InventorySnapshotTest, KeepsADialogThatItsManagerKeepsOffTheTaskbar) {
     EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXDialog");
     manager.setAtoms(window, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_NORMAL"});
     EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXUnknown");
+}
+
+TEST_F(InventorySnapshotTest, TellsWhichModalDialogTakesAWindowsInput) {
+    const auto document = manager.createWindow();
+    const auto dialog = manager.createWindow();
+    const auto question = manager.createWindow();
+    const auto other = manager.createWindow();
+    manager.publishStacking({other, document, dialog, question});
+    manager.set(dialog, "WM_TRANSIENT_FOR", "WINDOW", 32, &document, 1);
+    EXPECT_EQ(blockerOf(document), std::nullopt) << "it is not modal";
+    manager.setAtoms(dialog, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    EXPECT_EQ(blockerOf(document), dialog);
+    EXPECT_EQ(blockerOf(dialog), std::nullopt);
+    EXPECT_EQ(blockerOf(other), std::nullopt);
+    // A question of the dialog takes the input of both.
+    manager.set(question, "WM_TRANSIENT_FOR", "WINDOW", 32, &dialog, 1);
+    manager.setAtoms(question, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    EXPECT_EQ(blockerOf(document), question);
+    EXPECT_EQ(blockerOf(dialog), question);
+    EXPECT_EQ(blockerOf(question), std::nullopt);
+}
+
+TEST_F(InventorySnapshotTest, AModalDialogOfNoWindowInParticularBlocksItsGroup) {
+    const auto leader = manager.createWindow();
+    const auto document = manager.createWindow();
+    const auto palette = manager.createWindow();
+    const auto stranger = manager.createWindow();
+    const auto dialog = manager.createWindow();
+    const auto itsOwn = manager.createWindow();
+    manager.publishStacking({stranger, document, palette, dialog, itsOwn});
+    for (const auto window : {document, palette, dialog, itsOwn}) {
+        setGroup(window, leader);
+    }
+    manager.setAtoms(dialog, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    manager.set(itsOwn, "WM_TRANSIENT_FOR", "WINDOW", 32, &dialog, 1);
+    const auto root = manager.root();
+    for (const bool namesTheRoot : {false, true}) {
+        if (namesTheRoot) {
+            manager.set(dialog, "WM_TRANSIENT_FOR", "WINDOW", 32, &root, 1);
+        }
+        EXPECT_EQ(blockerOf(document), dialog);
+        EXPECT_EQ(blockerOf(palette), dialog);
+        EXPECT_EQ(blockerOf(stranger), std::nullopt);
+        EXPECT_EQ(blockerOf(dialog), std::nullopt);
+        EXPECT_EQ(blockerOf(itsOwn), std::nullopt) << "the dialog has opened it";
+    }
+}
+
+TEST_F(InventorySnapshotTest, DialogsThatBlockEachOtherAreNoEndlessQuestion) {
+    const auto first = manager.createWindow();
+    const auto second = manager.createWindow();
+    manager.publishStacking({first, second});
+    manager.set(first, "WM_TRANSIENT_FOR", "WINDOW", 32, &second, 1);
+    manager.set(second, "WM_TRANSIENT_FOR", "WINDOW", 32, &first, 1);
+    manager.setAtoms(first, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    manager.setAtoms(second, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    EXPECT_EQ(blockerOf(first), second);
+    EXPECT_EQ(blockerOf(second), first);
 }
 
 TEST_F(InventorySnapshotTest, KeepsWindowsThatAreAlwaysOnTopInTheNormalLayerAndPutsNotificationsAbove) {

@@ -90,10 +90,14 @@ private:
                                 .isMinimized = window.isMinimized,
                                 .isFullScreen = window.isFullScreen,
                                 .position = std::nullopt,
-                                .size = std::nullopt};
+                                .size = std::nullopt,
+                                .blockedBy = std::nullopt};
         if (window.hasAccessibilityFrame) {
             answer.position = Point{window.frame.x, window.frame.y};
             answer.size = Size{window.frame.width, window.frame.height};
+        }
+        if (const auto* dialog = window.blockedBy ? model_.window(*window.blockedBy) : nullptr) {
+            answer.blockedBy = ModalDialog{dialog->id, SimulatedElement::reference(dialog->id), dialog->pid};
         }
         return answer;
     }

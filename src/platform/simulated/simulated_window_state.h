@@ -29,6 +29,8 @@ struct SimulatedWindowState {
     bool hasAccessibilityFrame = true;
     /// What the element-to-window-number lookup answers instead of the id, for an application that lies about it.
     std::optional<WindowId> reportedWindowNumber = std::nullopt;
+    /// The modal dialog that takes its input. What is done to the window then is still done to the window itself.
+    std::optional<WindowId> blockedBy = std::nullopt;
 };
 
 }  // namespace ferrowyn

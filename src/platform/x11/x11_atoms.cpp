@@ -34,6 +34,7 @@ constexpr std::array atomNames{
     AtomName{"_NET_WM_STATE", &X11Atoms::netWmState},
     AtomName{"_NET_WM_STATE_HIDDEN", &X11Atoms::stateHidden},
     AtomName{"_NET_WM_STATE_FULLSCREEN", &X11Atoms::stateFullScreen},
+    AtomName{"_NET_WM_STATE_MODAL", &X11Atoms::stateModal},
     AtomName{"_NET_WM_STATE_SKIP_TASKBAR", &X11Atoms::stateSkipTaskbar},
     AtomName{"_NET_WM_WINDOW_TYPE", &X11Atoms::netWmWindowType},
     AtomName{"_NET_WM_WINDOW_TYPE_NORMAL", &X11Atoms::typeNormal},

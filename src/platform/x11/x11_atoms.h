@@ -34,6 +34,7 @@ struct X11Atoms {
     xcb_atom_t netWmState = XCB_ATOM_NONE;
     xcb_atom_t stateHidden = XCB_ATOM_NONE;
     xcb_atom_t stateFullScreen = XCB_ATOM_NONE;
+    xcb_atom_t stateModal = XCB_ATOM_NONE;
     xcb_atom_t stateSkipTaskbar = XCB_ATOM_NONE;
 
     xcb_atom_t netWmWindowType = XCB_ATOM_NONE;

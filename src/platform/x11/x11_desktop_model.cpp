@@ -93,9 +93,11 @@ void X11DesktopModel::update(X11WindowFacts window, Windows& renamed, Announceme
         announcements.notifications.push_back(
             {now.pid, now.id, now.isHidden ? "AXWindowMiniaturized" : "AXWindowDeminiaturized"});
     }
-    // Moving to another desktop, and becoming something else, change which windows belong to the active Space.
+    // Moving to another desktop, and becoming something else, change which windows belong to the active Space; a dialog
+    // that becomes modal changes which windows take input.
     if (old.desktop != now.desktop || old.isFullScreen != now.isFullScreen || old.kind != now.kind ||
-        old.skipsTaskbar != now.skipsTaskbar || old.opacity != now.opacity || old.identity != now.identity) {
+        old.skipsTaskbar != now.skipsTaskbar || old.isModal != now.isModal || old.transientFor != now.transientFor ||
+        old.opacity != now.opacity || old.identity != now.identity) {
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::activeSpaceDidChange, std::nullopt});
     }
 }

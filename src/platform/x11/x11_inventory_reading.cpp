@@ -5,21 +5,22 @@
 #include "platform/x11/x11_element.h"
 
 namespace ferrowyn {
+namespace {
+
+/// Of dialogs that belong to dialogs; more are a circle.
+constexpr int deepestNesting = 16;
+
+}  // namespace
 
 X11InventoryReading::X11InventoryReading(X11DesktopSnapshot snapshot, double scale,
                                          const X11ApplicationDirectory& directory, const X11FocusHistory& history)
     : snapshot_(std::move(snapshot)), scale_(scale), history_(history) {
-    std::unordered_map<xcb_window_t, const X11WindowFacts*> windowsById;
     for (const auto& window : snapshot_.windows) {
-        windowsById.emplace(window.id, &window);
+        windowsById_.emplace(window.id, &window);
     }
-    const auto find = [&](xcb_window_t id) {
-        const auto found = windowsById.find(id);
-        return found == windowsById.end() ? nullptr : found->second;
-    };
     std::vector<Pid> order;
     for (auto& window : snapshot_.windows) {
-        window.pid = directory.numberFor(window, find);
+        window.pid = directory.numberFor(window, [this](xcb_window_t other) { return find(other); });
         auto& windows = windowsByPid_[window.pid];
         if (windows.empty()) {
             order.push_back(window.pid);
@@ -30,6 +31,52 @@ X11InventoryReading::X11InventoryReading(X11DesktopSnapshot snapshot, double sca
     for (const auto pid : order) {
         applications_.push_back(directory.describe(pid, windowsByPid_.at(pid)));
     }
+    findBlockedWindows();
+}
+
+void X11InventoryReading::findBlockedWindows() {
+    std::unordered_map<xcb_window_t, const X11WindowFacts*> dialogsOfGroups;
+    for (const auto& window : snapshot_.windows) {
+        if (!window.isModal) {
+            continue;
+        }
+        // One that belongs to no window in particular blocks all of its group.
+        const bool isForGroup = window.transientFor == XCB_WINDOW_NONE || window.transientFor == snapshot_.root.root;
+        if (!isForGroup) {
+            dialogs_.emplace(window.transientFor, &window);
+        } else if (window.group != XCB_WINDOW_NONE) {
+            dialogsOfGroups.emplace(window.group, &window);
+        }
+    }
+    for (const auto& window : snapshot_.windows) {
+        const auto found = dialogsOfGroups.find(window.group);
+        if (found == dialogsOfGroups.end() || found->second == &window) {
+            continue;
+        }
+        // What the dialog itself has opened, in turn, it does not block.
+        const auto* ancestor = &window;
+        for (int depth = 0; depth < deepestNesting && ancestor != nullptr && ancestor != found->second; ++depth) {
+            ancestor = find(ancestor->transientFor);
+        }
+        if (ancestor != found->second) {
+            dialogs_.emplace(window.id, found->second);
+        }
+    }
+}
+
+std::optional<ModalDialog> X11InventoryReading::blockerOf(xcb_window_t window) const {
+    const X11WindowFacts* last = nullptr;
+    auto next = dialogs_.find(window);
+    for (int depth = 0; depth < deepestNesting && next != dialogs_.end() && next->second->id != window; ++depth) {
+        last = next->second;
+        next = dialogs_.find(last->id);
+    }
+    return last == nullptr ? std::nullopt : std::optional(ModalDialog{last->id, X11Element::make(last->id), last->pid});
+}
+
+const X11WindowFacts* X11InventoryReading::find(xcb_window_t window) const {
+    const auto found = windowsById_.find(window);
+    return found == windowsById_.end() ? nullptr : found->second;
 }
 
 std::optional<Rect> X11InventoryReading::frameInPoints(const X11WindowFacts& window) const {
@@ -98,15 +145,15 @@ std::optional<AccessibleApplication> X11InventoryReading::windowsOf(Pid pid, Sec
             focused = window->id;
         }
         const auto frame = frameInPoints(*window);
-        application.windows.push_back(
-            {.element = X11Element::make(window->id),
-             .windowNumber = window->id,
-             .subrole = subroleOf(*window),
-             .title = window->title,
-             .isMinimized = window->isHidden,
-             .isFullScreen = window->isFullScreen,
-             .position = frame ? std::optional(Point{frame->x, frame->y}) : std::nullopt,
-             .size = frame ? std::optional(Size{frame->width, frame->height}) : std::nullopt});
+        application.windows.push_back({.element = X11Element::make(window->id),
+                                       .windowNumber = window->id,
+                                       .subrole = subroleOf(*window),
+                                       .title = window->title,
+                                       .isMinimized = window->isHidden,
+                                       .isFullScreen = window->isFullScreen,
+                                       .position = frame ? std::optional(Point{frame->x, frame->y}) : std::nullopt,
+                                       .size = frame ? std::optional(Size{frame->width, frame->height}) : std::nullopt,
+                                       .blockedBy = blockerOf(window->id)});
     }
     if (focused) {
         application.focusedWindow = X11Element::make(*focused);

@@ -29,6 +29,11 @@ public:
     [[nodiscard]] int roundTrips() const { return snapshot_.roundTrips; }
 
 private:
+    /// Notes which windows are blocked by which modal dialogs.
+    void findBlockedWindows();
+    /// The dialog that takes the window's input in the end.
+    [[nodiscard]] std::optional<ModalDialog> blockerOf(xcb_window_t window) const;
+    [[nodiscard]] const X11WindowFacts* find(xcb_window_t window) const;
     [[nodiscard]] std::optional<Rect> frameInPoints(const X11WindowFacts& window) const;
 
     X11DesktopSnapshot snapshot_;
@@ -36,6 +41,9 @@ private:
     const X11FocusHistory& history_;
     std::vector<RunningApplication> applications_;
     std::unordered_map<Pid, std::vector<const X11WindowFacts*>> windowsByPid_;
+    std::unordered_map<xcb_window_t, const X11WindowFacts*> windowsById_;
+    /// The front-most modal dialog of each window that has one.
+    std::unordered_map<xcb_window_t, const X11WindowFacts*> dialogs_;
 };
 
 }  // namespace ferrowyn

@@ -39,6 +39,10 @@ struct X11WindowFacts {
     bool isTransient = false;
     /// The window that it belongs to: the root window where it belongs to all of its group, none where it does not say.
     xcb_window_t transientFor = XCB_WINDOW_NONE;
+    /// The window that stands for the group of windows that this one is part of.
+    xcb_window_t group = XCB_WINDOW_NONE;
+    /// Takes the input of the window that it belongs to, or of its whole group.
+    bool isModal = false;
     bool skipsTaskbar = false;
     bool isHidden = false;
     bool isFullScreen = false;

@@ -14,6 +14,7 @@ namespace {
 constexpr std::uint32_t maximumTitleLength = 1024;
 constexpr std::uint32_t maximumNameLength = 256;
 constexpr std::uint32_t maximumAtomCount = 64;
+constexpr std::uint32_t hintsLength = 9;
 
 constexpr std::uint32_t iconicState = 3;
 
@@ -55,6 +56,15 @@ void readState(const X11Property& property, const X11Atoms& atoms, X11WindowFact
     facts.isHidden = has(atoms.stateHidden);
     facts.isFullScreen = has(atoms.stateFullScreen);
     facts.skipsTaskbar = has(atoms.stateSkipTaskbar);
+    facts.isModal = has(atoms.stateModal);
+}
+
+/// WM_HINTS: flags first, the group's window last.
+xcb_window_t readGroup(const X11Property& hints) {
+    constexpr std::uint32_t windowGroupHint = 1U << 6U;
+    const auto items = hints.items(XCB_ATOM_WM_HINTS);
+    const bool hasGroup = items.size() >= hintsLength && (items.front() & windowGroupHint) != 0;
+    return hasGroup ? items[hintsLength - 1] : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 }  // namespace
@@ -72,6 +82,7 @@ X11WindowRequests::X11WindowRequests(xcb_connection_t* connection, xcb_window_t 
     if (known_ == nullptr) {
         lasting_ = Lasting{.type = request(connection, window, atoms.netWmWindowType, maximumAtomCount),
                            .transientFor = request(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, 1),
+                           .hints = request(connection, window, XCB_ATOM_WM_HINTS, hintsLength),
                            .opacity = request(connection, window, atoms.netWmWindowOpacity, 1),
                            .wmClass = request(connection, window, XCB_ATOM_WM_CLASS, maximumNameLength),
                            .gtkApplicationId = request(connection, window, atoms.gtkApplicationId, maximumNameLength),
@@ -132,6 +143,7 @@ void X11WindowRequests::collectLasting(xcb_connection_t* connection, const X11At
         facts.kind = known_->kind;
         facts.isTransient = known_->isTransient;
         facts.transientFor = known_->transientFor;
+        facts.group = known_->group;
         facts.opacity = known_->opacity;
         facts.identity = known_->identity;
         return;
@@ -141,6 +153,7 @@ void X11WindowRequests::collectLasting(xcb_connection_t* connection, const X11At
     facts.transientFor = transientFor.item(XCB_ATOM_WINDOW).value_or(XCB_WINDOW_NONE);
     facts.isTransient = facts.transientFor != XCB_WINDOW_NONE;
     facts.kind = windowKind(type.items(XCB_ATOM_ATOM), facts.isTransient, atoms);
+    facts.group = readGroup(X11Property::collect(connection, lasting_->hints));
     if (const auto value = X11Property::collect(connection, lasting_->opacity).item(XCB_ATOM_CARDINAL)) {
         facts.opacity = static_cast<double>(*value) / std::numeric_limits<std::uint32_t>::max();
     }

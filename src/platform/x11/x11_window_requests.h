@@ -33,6 +33,7 @@ private:
     struct Lasting {
         xcb_get_property_cookie_t type;
         xcb_get_property_cookie_t transientFor;
+        xcb_get_property_cookie_t hints;
         xcb_get_property_cookie_t opacity;
         xcb_get_property_cookie_t wmClass;
         xcb_get_property_cookie_t gtkApplicationId;
