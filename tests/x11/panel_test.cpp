@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <algorithm>
+#include <array>
+#include <cstring>
 
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/panel_fixture.h"
@@ -236,6 +239,74 @@ TEST(PanelTest, AClickInsideReachesTheContentOnlyAndMovesThePointersPlace) {
     rig.settle();
     EXPECT_EQ(clicks, 0);
     EXPECT_TRUE(rig.desktop.visiblePanel().has_value());
+}
+
+/// Sends an event of this type, in its own struct, straight to a window.
+template <typename Event>
+void sendTo(const TestDesktop& desktop, xcb_window_t window, std::uint8_t type, Event event) {
+    event.response_type = type;
+    std::array<char, 32> bytes{};
+    std::memcpy(bytes.data(), &event, std::min(sizeof event, bytes.size()));
+    xcb_send_event(desktop.connection(), 0, window, XCB_EVENT_MASK_NO_EVENT, bytes.data());
+    xcb_flush(desktop.connection());
+}
+
+TEST(PanelTest, WhatOtherClientsSendItLeavesItAsItIs) {
+    PanelRig rig;
+    rig.show(frame);
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > 0; }));
+    rig.settle();
+    const auto panel = *rig.desktop.visiblePanel();
+
+    xcb_client_message_event_t close{};
+    close.format = 32;
+    close.window = panel;
+    close.type = rig.desktop.atom("WM_PROTOCOLS");
+    close.data.data32[0] = rig.desktop.atom("WM_DELETE_WINDOW");
+    sendTo(rig.desktop, panel, XCB_CLIENT_MESSAGE, close);
+    xcb_configure_notify_event_t elsewhere{};
+    elsewhere.event = panel;
+    elsewhere.window = panel;
+    elsewhere.x = 900;
+    elsewhere.y = 700;
+    elsewhere.width = 20;
+    elsewhere.height = 10;
+    sendTo(rig.desktop, panel, XCB_CONFIGURE_NOTIFY, elsewhere);
+    xcb_button_press_event_t click{};
+    click.detail = 1;
+    click.root = rig.desktop.root();
+    click.event = panel;
+    click.root_x = 150;
+    click.root_y = 120;
+    click.event_x = 50;
+    click.event_y = 70;
+    click.same_screen = 1;
+    sendTo(rig.desktop, panel, XCB_BUTTON_PRESS, click);
+    sendTo(rig.desktop, panel, XCB_BUTTON_RELEASE, click);
+    sendTo(rig.desktop, panel, XCB_MOTION_NOTIFY, click);
+    rig.settle();
+    // A real click is handled after all that.
+    rig.input.click(150, 120);
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().presses > 0; }));
+    rig.settle();
+    EXPECT_EQ(rig.content->view().presses, 1);
+    EXPECT_TRUE(rig.content->view().isVisible());
+    EXPECT_EQ(rig.desktop.pixels(place), rig.expectedPixels(640, 300, 1));
+
+    // Nor does it stay behind for the next time.
+    rig.panel->orderOut();
+    ASSERT_TRUE(PanelRig::runUntil([&] { return !rig.desktop.visiblePanel().has_value(); }));
+    rig.settle();
+    rig.content->model = QColor(0x33CC66);
+    const int paintsBefore = rig.content->view().paints;
+    rig.show(frame);
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.content->view().paints > paintsBefore; }));
+    rig.settle();
+    EXPECT_EQ(rig.desktop.pixels(place), rig.expectedPixels(640, 300, 1));
+    EXPECT_EQ(rig.content->view().size(), QSize(640, 300));
+    EXPECT_EQ(rig.content->view().mapToGlobal(QPoint()), QPoint(100, 50));
+    rig.input.click(160, 130);
+    EXPECT_TRUE(PanelRig::runUntil([&] { return rig.content->view().presses == 2; }));
 }
 
 TEST(PanelTest, IsSharpAtTwiceTheScale) {

@@ -109,6 +109,28 @@ TEST_F(TrayEmbeddingTest, AnIconThatIsGivenBackAsksAgain) {
     }));
 }
 
+TEST_F(TrayEmbeddingTest, WhoOnlySaysThatItIsATrayDoesNotGetTheIcon) {
+    ScriptedTray tray(rig.server.display(), {});
+    const auto window = docked(tray);
+    ASSERT_TRUE(window);
+    xcb_client_message_event_t claim{};
+    claim.response_type = XCB_CLIENT_MESSAGE;
+    claim.format = 32;
+    claim.window = rig.desktop.root();
+    claim.type = rig.desktop.atom("MANAGER");
+    claim.data.data32[1] = rig.desktop.atom("_NET_SYSTEM_TRAY_S0");
+    claim.data.data32[2] = rig.desktop.root();
+    xcb_send_event(rig.desktop.connection(), 0, rig.desktop.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&claim));
+    xcb_flush(rig.desktop.connection());
+    // Drawn only after the claim has been heard.
+    rig.icon->setIcon("exclamationmark.triangle");
+    tray.setTextColor({0, 0xFFFF, 0});
+    EXPECT_TRUE(TrayRig::runUntil([&] { return shows(0x00FF00); }));
+    EXPECT_TRUE(rig.desktop.isViewable(*window));
+    EXPECT_TRUE(rig.icon->isShown());
+}
+
 TEST_F(TrayEmbeddingTest, TheTooltipIsShownWhileThePointerRestsOnTheIcon) {
     ScriptedTray tray(rig.server.display(), {});
     rig.icon->setToolTip("Ferrowyn — secure input is active, shortcut paused");

@@ -97,5 +97,28 @@ TEST_F(MenuUnderFaultsTest, TheMenuLeadsToTheSetupWindowWhileThereIsNoManager) {
     own.expectSwitching();
 }
 
+TEST_F(MenuUnderFaultsTest, AKeyThatAnotherClientSendsIsNotTheUsers) {
+    openWindows(2);
+    startProgram();
+    ASSERT_TRUE(own.choose("Settings…"));
+    const auto window = own.waitForActive("Ferrowyn Settings");
+    ASSERT_TRUE(window);
+    xcb_key_press_event_t escape{};
+    escape.response_type = XCB_KEY_PRESS;
+    escape.detail = key::escape;
+    escape.root = desktop.root();
+    escape.event = *window;
+    escape.same_screen = 1;
+    xcb_send_event(desktop.connection(), 0, *window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&escape));
+    xcb_flush(desktop.connection());
+    // Handled after the key.
+    own.expectSwitching();
+    EXPECT_TRUE(own.find("Ferrowyn Settings"));
+    desktop.activate(*window);
+    ASSERT_TRUE(own.waitForActive("Ferrowyn Settings"));
+    input.tap(key::escape);
+    EXPECT_TRUE(own.waitUntilGone("Ferrowyn Settings"));
+}
+
 }  // namespace
 }  // namespace ferrowyn::x11test

@@ -3,22 +3,12 @@
 #include <xcb/xcbext.h>
 
 #include <QAbstractEventDispatcher>
-#include <cstdint>
 #include <utility>
 
+#include "platform/x11/x11_sent_events.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
-namespace {
-
-/// Any client can send any event to any window. Messages are meant for that; everything else here only the server tells
-/// the truth about.
-bool isFromServerOrMessage(const xcb_generic_event_t& event) {
-    constexpr std::uint8_t sentEventBit = 0x80;
-    return (event.response_type & sentEventBit) == 0 || (event.response_type & ~sentEventBit) == XCB_CLIENT_MESSAGE;
-}
-
-}  // namespace
 
 X11EventConnection::X11EventConnection(std::unique_ptr<X11Connection> connection, EventHandler onEvent,
                                        std::function<void()> onConnectionLost)
@@ -58,7 +48,7 @@ void X11EventConnection::drain() {
         hasProgress = false;
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(get())}) {
             hasProgress = true;
-            if (isFromServerOrMessage(*event)) {
+            if (!isSentByClient(*event) || typeOf(*event) == XCB_CLIENT_MESSAGE) {
                 onEvent_(*event);
             }
         }

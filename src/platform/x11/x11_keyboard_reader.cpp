@@ -11,13 +11,12 @@
 #undef explicit
 
 #include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_sent_events.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
 
 namespace {
-
-constexpr std::uint8_t responseTypeMask = 0x7F;
 
 std::uint32_t pixel(xcb_input_fp1616_t position) {
     return position > 0 ? static_cast<std::uint32_t>(position) >> 16U : 0;
@@ -87,7 +86,10 @@ bool X11KeyboardReader::readAvailable(Changes& changes,
     bool hasRead = false;
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
         hasRead = true;
-        const auto type = static_cast<std::uint8_t>(event->response_type & responseTypeMask);
+        if (isSentByClient(*event)) {
+            continue;
+        }
+        const auto type = event->response_type;
         if (type == XCB_GE_GENERIC) {
             readInputEvent(*event, changes, receive);
         } else if (type == xkbEventBase_) {

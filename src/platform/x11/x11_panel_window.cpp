@@ -44,6 +44,7 @@ X11PanelWindow::X11PanelWindow(bool isTranslucent, QWidget& content, PointerHand
     content_.setParent(this);
     content_.show();
     window_ = static_cast<xcb_window_t>(winId());
+    sentEventFilter_.emplace(window_);
     windowHandle()->installEventFilter(this);
     describe();
 }

@@ -9,6 +9,7 @@
 
 #include "platform/x11/x11_panel_pixmap.h"
 #include "platform/x11/x11_screens_coordinates.h"
+#include "platform/x11/x11_sent_events.h"
 
 namespace ferrowyn {
 
@@ -63,6 +64,7 @@ private:
     bool isTranslucent_;
     xcb_connection_t* connection_ = nullptr;
     xcb_window_t window_ = XCB_WINDOW_NONE;
+    std::optional<X11SentEventFilter> sentEventFilter_;
     X11PixelRect frame_;
     std::optional<X11PanelPixmap> pixmap_;
     /// A colour of the picture, for what a growing window uncovers before the toolkit has drawn it.

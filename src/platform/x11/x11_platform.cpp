@@ -33,6 +33,7 @@
 #include "platform/x11/x11_panel.h"
 #include "platform/x11/x11_pointer.h"
 #include "platform/x11/x11_screens.h"
+#include "platform/x11/x11_sent_events.h"
 #include "platform/x11/x11_tray_icon.h"
 #include "platform/x11/x11_trust.h"
 #include "platform/x11/x11_window_control.h"
@@ -102,6 +103,7 @@ struct X11Platform::Parts {
     SessionLock sessionLock;
     X11Trust trust;
 
+    X11SentEventFilter sentEventFilter;
     X11PanelEvents panelEvents;
     X11Screens screens;
     X11Compositor compositor;

@@ -131,9 +131,9 @@ void X11TrayIcon::handle(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7FU;
     if (type == XCB_CLIENT_MESSAGE) {
         const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
-        // Every new tray says so to everybody.
+        // Every new tray says so to everybody. Which window it has, the server knows better than a message.
         if (message.type == atoms_.manager && message.data.data32[1] == atoms_.selection) {
-            readTray(message.data.data32[2]);
+            lookForTray();
         }
     } else if (type == XCB_PROPERTY_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
