@@ -129,6 +129,8 @@ void X11DesktopModel::announceTerminations(const std::unordered_map<Pid, Windows
         if (!factsOf(pid).empty()) {
             continue;
         }
+        std::vector<const X11WindowFacts*> last;
+        std::ranges::transform(windows, std::back_inserter(last), [](const auto& window) { return &window; });
         auto application = directory_.describe(pid, last);
         application.isTerminated = true;
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didTerminate, std::move(application)});
