@@ -153,7 +153,10 @@ DoctorFinding DoctorDisplay::inputExtension() const {
             : xcb_input_xi_query_version_reply(connection->get(), xcb_input_xi_query_version(connection->get(), 2, 99),
                                                nullptr));
     if (version == nullptr || std::pair(int{version->major_version}, int{version->minor_version}) < std::pair(2, 2)) {
-        return {Verdict::bad, "XInput", missingInputExtension(connection_.get()), "Update the X server."};
+        return {Verdict::bad, "XInput", inputObstacle(connection_.get()), "Update the X server."};
+    }
+    if (auto obstacle = inputObstacle(connection_.get()); !obstacle.empty()) {
+        return {Verdict::bad, "XInput", std::move(obstacle), "Ferrowyn takes no shortcut here."};
     }
     return {Verdict::good, "XInput", fmt::format("{}.{}", version->major_version, version->minor_version), {}};
 }
@@ -167,6 +170,10 @@ DoctorFinding DoctorDisplay::triggerKeys() const {
     const auto keyboard = reader ? X11TapKeyboard::create(*connection, trigger_, log) : nullptr;
     if (!keyboard) {
         return {Verdict::bad, subject, "the keyboard cannot be read", "Update the X server."};
+    }
+    if (!inputObstacle(connection->get()).empty()) {
+        return {Verdict::bad, subject, fmt::format("{} cannot be taken on this X server", keys),
+                "Use another X server."};
     }
     keyboard->applyGrabs(true, false);
     keyboard->applyGrabs(false, false);

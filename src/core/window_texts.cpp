@@ -185,8 +185,10 @@ WindowTexts makeLinuxTexts() {
                      "through XInput 2.2. One of the two is missing on this desktop.");
     texts.onboarding.firstStep = translatable(
         "Ferrowyn", "Start a window manager that follows EWMH, for example “xfwm4 --replace” in a terminal.");
-    texts.onboarding.secondStep = translatable(
-        "Ferrowyn", "If one is running, update the X server: it must offer XInput 2.2 (X.Org 1.12 or later).");
+    texts.onboarding.secondStep =
+        translatable("Ferrowyn",
+                     "If one is running, update the X server: it must offer XInput 2.2 (X.Org 1.12 or later). Xephyr "
+                     "cannot be used: it crashes when the shortcut is pressed.");
     texts.onboarding.openSystemSettings = "";
     texts.onboarding.requestAccess = translatable("Ferrowyn", "Check Again");
     texts.onboarding.copyReport = translatable("Ferrowyn", "Copy Report");

@@ -231,7 +231,8 @@ TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
     EXPECT_EQ(texts.onboarding.firstStep,
               "Start a window manager that follows EWMH, for example “xfwm4 --replace” in a terminal.");
     EXPECT_EQ(texts.onboarding.secondStep,
-              "If one is running, update the X server: it must offer XInput 2.2 (X.Org 1.12 or later).");
+              "If one is running, update the X server: it must offer XInput 2.2 (X.Org 1.12 or later). Xephyr "
+              "cannot be used: it crashes when the shortcut is pressed.");
     EXPECT_EQ(texts.onboarding.thirdStep, "Come back here — it detects the change automatically.");
     EXPECT_EQ(texts.onboarding.openSystemSettings, "");
     EXPECT_EQ(texts.onboarding.requestAccess, "Check Again");

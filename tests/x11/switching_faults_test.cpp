@@ -208,6 +208,23 @@ TEST_P(SwitchingFaultsTest, AScreenSaverOnTheBusGetsTheKeyboardEvenFromAHungProg
     EXPECT_TRUE(program->process().waitForOutput("Re-enabling event tap"));
 }
 
+/// Xephyr crashes when a key is pressed that a program has grabbed at its keyboard.
+TEST(XephyrTest, NothingIsTakenFromItsKeyboardAndTheProgramSaysWhy) {
+    const PrivateXServer host;
+    const PrivateXServer server = PrivateXServer::nestedIn(host);
+    const WindowManagerProcess manager(server, "openbox");
+    TestDesktop desktop(server.display());
+    TestInput input(server.display());
+    FerrowynProgram program(FERROWYN_PROGRAM, server);
+    EXPECT_TRUE(program.process().waitForOutput("This X server is Xephyr, which crashes"));
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.windowTitled("Ferrowyn Setup").has_value(); }))
+        << "waited for the guide that says what is missing; it said: " << program.process().output();
+    input.chord({key::leftAlt, key::tab});
+    EXPECT_TRUE(desktop.keyboardIsFree());
+    EXPECT_EQ(xcb_connection_has_error(desktop.connection()), 0) << "the server is gone";
+    EXPECT_THAT(program.process().output(), testing::Not(testing::HasSubstr("Services active")));
+}
+
 INSTANTIATE_TEST_SUITE_P(X11, SwitchingFaultsTest, testing::Values("openbox", "xfwm4"), managerName);
 
 }  // namespace

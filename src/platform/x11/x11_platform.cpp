@@ -88,7 +88,7 @@ struct X11Platform::Parts {
     X11Atoms atoms;
     X11FocusHistory history;
     X11ApplicationDirectory directory;
-    std::string missingInput;
+    std::string inputObstacle;
     X11DesktopMonitor monitor;
     X11DesktopReader reader;
     X11WindowInventory inventory;
@@ -126,7 +126,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
       atoms(*connections.events),
       directory([this](const auto& identity) { return findInstalledApplication(entries, identity); }, getpid()),
-      missingInput(missingInputExtension(connections.events->get())),
+      inputObstacle(ferrowyn::inputObstacle(connections.events->get())),
       monitor(mainLoop, std::move(connections.events), atoms, directory, history,
               [this, onLost = options.onConnectionLost] { onLost ? onLost() : endProgram(log); }),
       reader(std::move(connections.snapshots), atoms),
@@ -165,7 +165,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
                  [this](std::function<void()> handler) {
                      return sessionLock.observe([told = std::move(handler)](bool) { told(); });
                  }},
-            missingInput, log),
+            inputObstacle, log),
       panelEvents(std::move(connections.panel)),
       screens(panelEvents),
       compositor(panelEvents),

@@ -3,21 +3,43 @@
 #include <fmt/format.h>
 #include <xcb/xinput.h>
 
+#include <string_view>
 #include <utility>
 
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
 
+namespace {
+
+/// A key that is grabbed at its own keyboard crashes that server. Nothing but the keyboard's name gives it away.
+bool isXephyr(xcb_connection_t* connection) {
+    const XcbReply<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
+        connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr));
+    if (reply == nullptr) {
+        return false;
+    }
+    for (auto device = xcb_input_xi_query_device_infos_iterator(reply.get()); device.rem > 0;
+         xcb_input_xi_device_info_next(&device)) {
+        const std::string_view name(xcb_input_xi_device_info_name(device.data), device.data->name_len);
+        if (name == "Xephyr virtual keyboard") {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
 X11Trust::X11Trust(const X11DesktopModel& model, const X11InputContext& context, SessionLockState sessionLock,
-                   std::string missingInput, Log& log)
+                   std::string inputObstacle, Log& log)
     : model_(model),
       context_(context),
       sessionLock_(std::move(sessionLock)),
-      missingInput_(std::move(missingInput)),
+      inputObstacle_(std::move(inputObstacle)),
       log_(log) {
-    if (!missingInput_.empty()) {
-        log_.write(LogLevel::error, "permissions", missingInput_);
+    if (!inputObstacle_.empty()) {
+        log_.write(LogLevel::error, "permissions", inputObstacle_);
     }
     managerSubscription_ = model_.windowManagerChanges().subscribe([this](bool isRunning) {
         log_.write(LogLevel::standard, "permissions",
@@ -28,12 +50,12 @@ X11Trust::X11Trust(const X11DesktopModel& model, const X11InputContext& context,
 }
 
 bool X11Trust::isTrusted() const {
-    return missingInput_.empty() && model_.isWindowManagerRunning();
+    return inputObstacle_.empty() && model_.isWindowManagerRunning();
 }
 
 bool X11Trust::requestWithPrompt() {
-    if (!missingInput_.empty()) {
-        log_.write(LogLevel::error, "permissions", missingInput_);
+    if (!inputObstacle_.empty()) {
+        log_.write(LogLevel::error, "permissions", inputObstacle_);
     }
     if (!model_.isWindowManagerRunning()) {
         log_.write(LogLevel::standard, "permissions",
@@ -56,7 +78,7 @@ Subscription X11Trust::observeChanges(std::function<void()> handler) {
     return changes_.subscribe([told = std::move(handler)](bool) { told(); });
 }
 
-std::string missingInputExtension(xcb_connection_t* connection) {
+std::string inputObstacle(xcb_connection_t* connection) {
     constexpr std::uint16_t neededMajor = 2;
     constexpr std::uint16_t neededMinor = 2;
     const auto* const extension = xcb_get_extension_data(connection, &xcb_input_id);
@@ -73,6 +95,11 @@ std::string missingInputExtension(xcb_connection_t* connection) {
         return fmt::format(
             "This X server has XInput {}.{}; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server",
             version->major_version, version->minor_version);
+    }
+    if (isXephyr(connection)) {
+        return "This X server is Xephyr, which crashes when the shortcut that Ferrowyn has taken is pressed: use "
+               "another "
+               "X server";
     }
     return {};
 }

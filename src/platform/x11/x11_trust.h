@@ -21,10 +21,9 @@ public:
         std::function<Subscription(std::function<void()>)> observe = [](const auto&) { return Subscription(); };
     };
 
-    /// `missingInput` names what the server lacks of the input extension; empty when it lacks nothing. All references
-    /// outlive this.
+    /// `inputObstacle` says why the tap cannot work on this server; empty when it can. All references outlive this.
     X11Trust(const X11DesktopModel& model, const X11InputContext& context, SessionLockState sessionLock,
-             std::string missingInput, Log& log);
+             std::string inputObstacle, Log& log);
 
     [[nodiscard]] bool isTrusted() const override;
     /// There is no prompt: the log says what is missing.
@@ -36,14 +35,14 @@ private:
     const X11DesktopModel& model_;
     const X11InputContext& context_;
     SessionLockState sessionLock_;
-    std::string missingInput_;
+    std::string inputObstacle_;
     Log& log_;
     Subject<bool> changes_;
     Subscription managerSubscription_;
     Subscription lockSubscription_;
 };
 
-/// What this server's XInput lacks for the tap, in words for the log; empty when it lacks nothing. One round trip.
-[[nodiscard]] std::string missingInputExtension(xcb_connection_t* connection);
+/// Why the tap cannot work on this server, in words for the log; empty when it can. Waits for the server.
+[[nodiscard]] std::string inputObstacle(xcb_connection_t* connection);
 
 }  // namespace ferrowyn

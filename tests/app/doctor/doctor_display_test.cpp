@@ -81,6 +81,17 @@ TEST_F(DoctorDisplayTest, NamesTheServerAndItsExtension) {
     EXPECT_THAT(display().inputExtension().text, MatchesRegex("2\\.[2-9]"));
 }
 
+TEST(DoctorXephyrTest, SaysThatTheShortcutCannotBeTakenThere) {
+    const x11test::PrivateXServer host;
+    const x11test::PrivateXServer server = x11test::PrivateXServer::nestedIn(host);
+    const auto connection = X11Connection::open(server.display().c_str());
+    const DoctorDisplay display(*connection, server.display(), SwitcherModifier::option);
+    EXPECT_EQ(display.inputExtension().verdict, Verdict::bad);
+    EXPECT_THAT(display.inputExtension().text, HasSubstr("Xephyr"));
+    EXPECT_EQ(display.triggerKeys().verdict, Verdict::bad);
+    EXPECT_THAT(display.triggerKeys().text, HasSubstr("cannot be taken"));
+}
+
 TEST(DoctorServerVersionTest, SaysTheVersionAsTheServerCallsItself) {
     EXPECT_EQ(serverVersion("The X.Org Foundation", 12101007), "21.1.7");
     EXPECT_EQ(serverVersion("The X.Org Foundation", 12302000), "23.2.0");

@@ -9,7 +9,7 @@ namespace {
 std::string missingOn(const ScriptedXServer::Options& options) {
     const ScriptedXServer server(options);
     EXPECT_EQ(xcb_connection_has_error(server.connection()), 0);
-    return missingInputExtension(server.connection());
+    return inputObstacle(server.connection());
 }
 
 TEST(InputExtensionTest, AServerWithoutXInputIsNamedAsSuch) {

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace ferrowyn::x11test {
 
@@ -18,11 +19,11 @@ std::string readDisplayNumber(int descriptor) {
         pollfd waiting{descriptor, POLLIN, 0};
         std::array<char, 16> buffer{};
         if (poll(&waiting, 1, deadline.remainingMilliseconds()) <= 0) {
-            throw std::runtime_error("waited for Xvfb to say its display number");
+            throw std::runtime_error("waited for the X server to say its display number");
         }
         const auto length = read(descriptor, buffer.data(), buffer.size());
         if (length <= 0) {
-            throw std::runtime_error("Xvfb ended before it was ready");
+            throw std::runtime_error("the X server ended before it was ready");
         }
         text.append(buffer.data(), static_cast<std::size_t>(length));
     }
@@ -30,25 +31,37 @@ std::string readDisplayNumber(int descriptor) {
     return text;
 }
 
-}  // namespace
-
-PrivateXServer::PrivateXServer(const std::vector<std::string>& screens,
-                               const std::vector<std::string>& extraArguments) {
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) {
-        throw std::runtime_error("no pipe for Xvfb");
-    }
-    ChildProcess::Options options;
-    options.command = {"Xvfb", "-displayfd", std::to_string(ends[1]), "-nolisten", "tcp", "-noreset", "-ac"};
-    options.inheritedDescriptor = ends[1];
+std::vector<std::string> xvfbCommand(const std::vector<std::string>& screens,
+                                     const std::vector<std::string>& extraArguments) {
+    std::vector<std::string> command{"Xvfb"};
     for (std::size_t screen = 0; screen < screens.size(); ++screen) {
-        options.command.insert(options.command.end(), {"-screen", std::to_string(screen), screens[screen]});
+        command.insert(command.end(), {"-screen", std::to_string(screen), screens[screen]});
     }
     if (screens.size() > 1) {
-        options.command.emplace_back("+xinerama");
+        command.emplace_back("+xinerama");
     }
-    options.command.insert(options.command.end(), extraArguments.begin(), extraArguments.end());
-    process_ = std::make_unique<ChildProcess>(options);
+    command.insert(command.end(), extraArguments.begin(), extraArguments.end());
+    return command;
+}
+
+}  // namespace
+
+PrivateXServer::PrivateXServer(const std::vector<std::string>& screens, const std::vector<std::string>& extraArguments)
+    : PrivateXServer(xvfbCommand(screens, extraArguments), std::map<std::string, std::string>()) {}
+
+PrivateXServer PrivateXServer::nestedIn(const PrivateXServer& host) {
+    return {{"Xephyr", "-screen", "1024x700"}, host.clientEnvironment()};
+}
+
+PrivateXServer::PrivateXServer(std::vector<std::string> command,
+                               const std::map<std::string, std::string>& environment) {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) {
+        throw std::runtime_error("no pipe for the X server");
+    }
+    command.insert(command.end(), {"-displayfd", std::to_string(ends[1]), "-nolisten", "tcp", "-noreset", "-ac"});
+    process_ = std::make_unique<ChildProcess>(ChildProcess::Options{
+        .command = std::move(command), .environment = environment, .inheritedDescriptor = ends[1]});
     close(ends[1]);
     display_ = ":" + readDisplayNumber(ends[0]);
     close(ends[0]);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@ public:
     /// `screens`: one geometry a screen, such as "1280x800x24"; more than one are joined with Xinerama.
     explicit PrivateXServer(const std::vector<std::string>& screens = {"1280x800x24"},
                             const std::vector<std::string>& extraArguments = {});
+    /// Xephyr: a server whose screen is a window on another one's, which outlives it.
+    [[nodiscard]] static PrivateXServer nestedIn(const PrivateXServer& host);
 
     /// As in DISPLAY.
     [[nodiscard]] const std::string& display() const { return display_; }
@@ -24,6 +27,8 @@ public:
     void kill() { process_.reset(); }
 
 private:
+    PrivateXServer(std::vector<std::string> command, const std::map<std::string, std::string>& environment);
+
     TemporaryFolder home_;
     std::unique_ptr<ChildProcess> process_;
     std::string display_;
