@@ -120,6 +120,13 @@ void WindowActivator::verify() {
         finish();
         return;
     }
+    if (control_.wasOvertaken(*activation_->element)) {
+        // Raising it again would take the user away from what was chosen later, which leads the order by now.
+        log_.write(LogLevel::debug, category,
+                   fmt::format("Another window was chosen after window {}", activation_->window.id));
+        activation_.reset();
+        return;
+    }
     if (activation_->checks >= maximumAttempts) {
         log_.write(LogLevel::standard, category,
                    fmt::format("Could not confirm activation of window {} in {}", activation_->window.id,

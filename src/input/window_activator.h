@@ -16,8 +16,8 @@ class WindowControl;
 class Workspace;
 
 /// Brings one chosen window to the front and gives it the keyboard, then checks with growing pauses whether that
-/// happened, and tries again when it did not. One activation at a time: a new one ends the previous one silently. Main
-/// thread; between its steps the loop runs.
+/// happened, and tries again when it did not. One activation at a time: a new one ends the previous one silently, and
+/// so does a later choice that is made elsewhere. Main thread; between its steps the loop runs.
 class WindowActivator {
 public:
     static constexpr int maximumAttempts = 4;
@@ -30,7 +30,8 @@ public:
     /// The requests to raise the window are on their way when it returns; the rest follows on the main loop.
     void activate(const AppWindow& window);
 
-    /// The user switched to this window, whether or not its activation could be confirmed. Set by the owner.
+    /// The user switched to this window, whether or not its activation could be confirmed. Not called when something
+    /// else was chosen meanwhile. Set by the owner.
     std::function<void(const AppWindow&)> onActivated;
 
 private:

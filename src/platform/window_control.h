@@ -37,6 +37,11 @@ public:
     [[nodiscard]] virtual std::optional<bool> isMain(const AXElementRef& window) const = 0;
     [[nodiscard]] virtual std::optional<bool> isFocused(const AXElementRef& window) const = 0;
 
+    /// Whether something else was chosen after this window was last raised: it has got the focus and lost it again, or
+    /// the user has clicked on another window since. What an application or the window manager focuses on the way to
+    /// the window is no choice. False where the system does not tell.
+    [[nodiscard]] virtual bool wasOvertaken(const AXElementRef& window) const = 0;
+
     /// The elements of the application's windows; empty when it does not answer.
     [[nodiscard]] virtual std::vector<AXElementRef> windowElements(Pid pid) const = 0;
     [[nodiscard]] virtual std::optional<WindowId> windowNumber(const AXElementRef& window) const = 0;

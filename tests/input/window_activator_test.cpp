@@ -195,6 +195,45 @@ TEST_F(WindowActivatorTest, NamesTheApplicationAsItWasListedWhenItHasNoNameOfIts
                 ElementsAre(standard("Could not confirm activation of window 9 in Editor as listed")));
 }
 
+TEST_F(WindowActivatorTest, LeavesTheFocusWithWhatWasChosenAfterItsWindowHadIt) {
+    activator->activate(window(7, editor));
+    desktop.advance(0.06s);
+    ASSERT_EQ(desktop.frontmostPid(), editor);
+    desktop.setFrontmost(browser);
+    forgetCalls();
+    desktop.advance(5s);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    EXPECT_EQ(desktop.frontmostPid(), browser);
+    EXPECT_THAT(activated, IsEmpty()) << "the other window leads the order";
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "activation", "Another window was chosen after window 7"}));
+    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
+}
+
+TEST_F(WindowActivatorTest, RaisesAgainWhatHasNotHadTheFocusYetWhateverElseGetsIt) {
+    desktop.setIgnoresActivation(editor, true);
+    activator->activate(window(7, editor));
+    desktop.advance(0.06s);
+    desktop.launch({.pid = 300});
+    desktop.setFrontmost(300);
+    forgetCalls();
+    desktop.advance(0.06s);
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAreArray(raiseOfSeven));
+}
+
+TEST_F(WindowActivatorTest, LeavesTheFocusWithWhatTheUserChoseBeforeItsWindowHadIt) {
+    desktop.openWindow({.id = 9, .pid = browser});
+    desktop.setIgnoresActivation(editor, true);
+    activator->activate(window(7, editor));
+    desktop.advance(0.06s);
+    desktop.focusWindow(9);
+    forgetCalls();
+    desktop.advance(5s);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    EXPECT_EQ(desktop.focusedWindow(browser), 9U);
+    EXPECT_THAT(activated, IsEmpty());
+}
+
 TEST_F(WindowActivatorTest, OnlyTheSecondOfTwoQuickActivationsReports) {
     activator->activate(window(7, editor));
     desktop.advance(0.05s);

@@ -127,6 +127,19 @@ TEST_P(ActivationTest, LeavesTheFocusWithAWindowThatTheUserClickedOnTheNewDeskto
     EXPECT_THAT(announced, testing::ElementsAre(parts.monitor.model().find(other.id())->pid));
 }
 
+TEST_P(ActivationTest, IsOvertakenByWhatBecomesActiveAfterItsWindow) {
+    const auto element = X11Element::make(first.id());
+    activate(first.id());
+    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "not active yet";
+    ASSERT_TRUE(isSeenActive(first.id()));
+    EXPECT_FALSE(parts.control.wasOvertaken(element));
+    desktop.activate(other.id());
+    ASSERT_TRUE(isSeenActive(other.id()));
+    EXPECT_TRUE(parts.control.wasOvertaken(element));
+    activate(first.id());
+    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "asked for again";
+}
+
 /// What is listed when the last window has gone, which some managers say by deleting their list.
 class LastWindowTest : public testing::TestWithParam<const char*> {};
 

@@ -161,6 +161,25 @@ TEST_F(InventoryEventsTest, ARequestIsForgottenAfterAWhile) {
     EXPECT_TRUE(isMapped()) << "the manager did not restore it at the first";
 }
 
+TEST_F(InventoryEventsTest, AClickOnAnotherWindowOvertakesARequestThatNobodyHasAnswered) {
+    const auto asked = manager.createWindow();
+    const auto front = manager.createWindow();
+    const auto other = manager.createWindow();
+    manager.publishStacking({asked, other, front});
+    manager.publishActive(front);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == front; }));
+    parts.context.noteUserTime(1000);
+    const auto element = X11Element::make(asked);
+    parts.control.raise(element);
+    parts.context.lastClickTime = 1001;
+    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "a click on the window that was in front anyway";
+    manager.publishActive(other);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == other; }));
+    EXPECT_TRUE(parts.control.wasOvertaken(element));
+    parts.context.lastClickTime = 999;
+    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "perhaps the manager's choice, on the way";
+}
+
 TEST_F(InventoryEventsTest, LosesTrustWithTheManagerAndFindsItWithTheNext) {
     X11Trust trust(parts.monitor.model(), parts.context, {}, "", parts.log);
     int hints = 0;

@@ -39,6 +39,27 @@ TEST_P(SwitchingWindowsTest, AWindowOnAnotherDesktopIsReached) {
     letGo();
 }
 
+TEST_P(SwitchingWindowsTest, WhatAnotherProgramActivatesRightAfterASwitchKeepsTheFocus) {
+    openWindows(3);
+    startProgram();
+    for (int round = 0; round < 5; ++round) {
+        use(window(3));
+        use(window(2));
+        program->process().discardOutput();
+        input.chord({key::leftAlt, key::tab});
+        ASSERT_TRUE(program->waitForFirst(window(3))) << "waited for the program to see it active";
+        desktop.activate(window(1));
+        // The activation ends by one or the other: a slow machine may have confirmed it before.
+        ASSERT_TRUE(program->process().waitUntilOutput([&] {
+            const auto said = program->process().output();
+            return said.find("Another window was chosen after") != std::string::npos ||
+                   said.find(" active after ") != std::string::npos;
+        })) << program->process().output();
+        EXPECT_TRUE(program->waitForFirst(window(1)));
+        EXPECT_EQ(desktop.activeWindow(), window(1));
+    }
+}
+
 TEST_P(SwitchingWindowsTest, ThePanelStandsAboveAFullScreenWindow) {
     openWindows(2);
     startProgram();

@@ -38,6 +38,9 @@ public:
     [[nodiscard]] std::optional<bool> isMain(const AXElementRef& window) const override;
     [[nodiscard]] std::optional<bool> isFocused(const AXElementRef& window) const override;
 
+    /// The system tells what is focused, not what was.
+    [[nodiscard]] bool wasOvertaken(const AXElementRef& /*window*/) const override { return false; }
+
     [[nodiscard]] std::vector<AXElementRef> windowElements(Pid pid) const override;
     [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
 

@@ -144,6 +144,7 @@ void SimulatedDesktop::restack(const std::vector<WindowId>& frontToBack) {
 
 void SimulatedDesktop::setFrontmost(std::optional<Pid> pid) {
     implementation_->model.frontmost = pid;
+    implementation_->model.noteFocus();
 }
 
 void SimulatedDesktop::setHidden(Pid pid, bool isHidden) {

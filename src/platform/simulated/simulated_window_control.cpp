@@ -56,6 +56,9 @@ void SimulatedWindowControl::unminimize(const AXElementRef& window) {
 
 void SimulatedWindowControl::raise(const AXElementRef& window) {
     calls_.push_back(fmt::format("raise {}", idOf(window)));
+    model_.raisedWindow = idOf(window);
+    model_.isRaiseAnswered = false;
+    model_.noteFocus();
     if (obedientWindow(window) != nullptr) {
         windows_.raise(idOf(window));
     }
@@ -94,6 +97,10 @@ std::optional<bool> SimulatedWindowControl::isFocused(const AXElementRef& window
         return std::nullopt;
     }
     return app->focusedWindow == state->id;
+}
+
+bool SimulatedWindowControl::wasOvertaken(const AXElementRef& window) const {
+    return model_.raisedWindow == idOf(window) && model_.isRaiseAnswered && model_.focusedWindow() != idOf(window);
 }
 
 std::vector<AXElementRef> SimulatedWindowControl::windowElements(Pid pid) const {

@@ -28,6 +28,7 @@ public:
     void setFrontmost(Pid pid) override;
     [[nodiscard]] std::optional<bool> isMain(const AXElementRef& window) const override;
     [[nodiscard]] std::optional<bool> isFocused(const AXElementRef& window) const override;
+    [[nodiscard]] bool wasOvertaken(const AXElementRef& window) const override;
     [[nodiscard]] std::vector<AXElementRef> windowElements(Pid pid) const override;
     [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
 

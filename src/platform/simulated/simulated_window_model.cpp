@@ -36,6 +36,17 @@ void SimulatedWindowModel::moveToFront(WindowId id) {
     }
 }
 
+std::optional<WindowId> SimulatedWindowModel::focusedWindow() const {
+    const auto* const owner = frontmost ? app(*frontmost) : nullptr;
+    return owner != nullptr ? owner->focusedWindow : std::nullopt;
+}
+
+void SimulatedWindowModel::noteFocus() {
+    if (raisedWindow && focusedWindow() == raisedWindow) {
+        isRaiseAnswered = true;
+    }
+}
+
 std::optional<WindowId> SimulatedWindowModel::topWindowOf(Pid pid) const {
     const auto found = std::ranges::find(windows, pid, &SimulatedWindowState::pid);
     return found == windows.end() ? std::nullopt : std::optional(found->id);

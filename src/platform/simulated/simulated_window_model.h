@@ -31,6 +31,9 @@ struct SimulatedWindowModel {
     /// Front-most first.
     std::vector<SimulatedWindowState> windows;
     std::optional<Pid> frontmost;
+    /// The window that was last asked to be raised, and whether it has had the focus since or the user chose another.
+    std::optional<WindowId> raisedWindow;
+    bool isRaiseAnswered = false;
     bool windowServerAnswers = true;
     bool hasWindowNumberLookup = true;
 
@@ -39,6 +42,10 @@ struct SimulatedWindowModel {
     [[nodiscard]] SimulatedWindowState* window(WindowId id);
     [[nodiscard]] const SimulatedWindowState* window(WindowId id) const;
     void moveToFront(WindowId id);
+    /// The focused window of the frontmost application.
+    [[nodiscard]] std::optional<WindowId> focusedWindow() const;
+    /// To be called when that may have changed.
+    void noteFocus();
     /// The application's front-most window.
     [[nodiscard]] std::optional<WindowId> topWindowOf(Pid pid) const;
 

@@ -61,6 +61,7 @@ void SimulatedWindows::focusByUser(WindowId id) {
         return;
     }
     const Pid pid = window->pid;
+    model_.isRaiseAnswered = true;
     setHidden(pid, false, Telling::atOnce);
     unminimize(id, Telling::atOnce);
     raise(id);
@@ -95,6 +96,7 @@ void SimulatedWindows::setFocusedWindow(Pid pid, std::optional<WindowId> id, Tel
         return;
     }
     app->focusedWindow = id;
+    model_.noteFocus();
     tell(telling, [this, pid] {
         observers_.announceForApplication(pid, "AXFocusedWindowChanged");
         observers_.announceForApplication(pid, "AXMainWindowChanged");
@@ -107,6 +109,7 @@ void SimulatedWindows::activate(Pid pid, Telling telling) {
         return;
     }
     model_.frontmost = pid;
+    model_.noteFocus();
     if (app->focusedWindow) {
         raise(*app->focusedWindow);
     }

@@ -33,12 +33,15 @@ void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunnin
     if (std::exchange(currentDesktop_, root.currentDesktop) != root.currentDesktop) {
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::activeSpaceDidChange, std::nullopt});
     }
-    activeWindow_ = root.activeWindow;
+    const bool activeChanged = std::exchange(activeWindow_, root.activeWindow) != root.activeWindow;
     sessionStart_.reset();
     const auto stolenFrom = reviewExpectation();
     reportActive(announcements);
 
     send(announcements);
+    if (activeChanged) {
+        activeWindowChanges_.send(activeWindow_);
+    }
     if (stolenFrom) {
         focusThefts_.send(*stolenFrom);
     }

@@ -70,6 +70,8 @@ public:
     /// Another window has taken the focus from this one, to which an activation across desktops had led. Sent once an
     /// activation; who is sent it should ask again.
     [[nodiscard]] const Subject<xcb_window_t>& focusThefts() const { return focusThefts_; }
+    /// Another window has become the active one, or none, also in passing.
+    [[nodiscard]] const Subject<xcb_window_t>& activeWindowChanges() const { return activeWindowChanges_; }
 
 private:
     /// What an update brought, collected first and announced when the model is whole again.
@@ -125,6 +127,7 @@ private:
     Subject<X11AccessibilityNotification> notifications_;
     Subject<bool> windowManagerChanges_;
     Subject<xcb_window_t> focusThefts_;
+    Subject<xcb_window_t> activeWindowChanges_;
 };
 
 }  // namespace ferrowyn

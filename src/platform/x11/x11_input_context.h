@@ -23,6 +23,9 @@ struct X11InputContext {
         }
     }
 
+    /// The server time of the user's latest click anywhere; 0 before the first.
+    std::atomic<std::uint32_t> lastClickTime{0};
+
     /// Where the pointer was at the latest event that said so: root x in the upper half, root y in the lower, in device
     /// pixels. Asking the server would be a round trip between key press and panel.
     std::atomic<std::uint64_t> pointerPosition{0};

@@ -86,7 +86,11 @@ void X11Pointer::handle(const xcb_generic_event_t& event) {
         return;
     }
     context_.noteUserTime(press.time);
-    if (!panel_ || isWheel(press.detail)) {
+    if (isWheel(press.detail)) {
+        return;
+    }
+    context_.lastClickTime = press.time;
+    if (!panel_) {
         return;
     }
     // A raw event does not say where; this is no hot path, so the server may be asked.

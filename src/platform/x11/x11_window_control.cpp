@@ -60,6 +60,8 @@ void X11WindowControl::requestActivation(xcb_window_t window) {
     requestEnd_ = mainLoop_.after(requestLifetime, [this] { requested_.reset(); });
     requestTime_ = userTime();
     const auto& model = monitor_.model();
+    activeAtRequest_ = model.activeWindow();
+    isReached_ = activeAtRequest_ == window;
     const auto* const facts = model.find(window);
     const bool changesDesktop = facts != nullptr && facts->desktop && !facts->isOnDesktop(model.currentDesktop());
     using Path = X11DesktopModel::Path;
@@ -78,6 +80,7 @@ void X11WindowControl::takeFocusBackFor(xcb_window_t window) {
         monitor_.stopExpectingActive();
         return;
     }
+    isReached_ = false;
     // Later than the thief's request, or that would prevail.
     sendActivation(window, monitor_.latestServerTime());
     monitor_.connection().flush();
@@ -146,6 +149,18 @@ std::optional<bool> X11WindowControl::isFocused(const AXElementRef& window) cons
         return std::nullopt;
     }
     return monitor_.model().activeWindow() == *id;
+}
+
+bool X11WindowControl::wasOvertaken(const AXElementRef& window) const {
+    const auto id = X11Element::windowOf(window);
+    const auto active = monitor_.model().activeWindow();
+    if (!id || requested_ != id || active == *id) {
+        return false;
+    }
+    const auto click = context_.lastClickTime.load();
+    const bool hasClicked = click != 0 && click > requestTime_;
+    const bool isOnTheWay = active == XCB_WINDOW_NONE || active == activeAtRequest_;
+    return isReached_ || (hasClicked && !isOnTheWay);
 }
 
 std::vector<AXElementRef> X11WindowControl::windowElements(Pid pid) const {

@@ -23,6 +23,8 @@ public:
                      Log& log)
         : mainLoop_(mainLoop), monitor_(monitor), atoms_(atoms), context_(context), log_(log) {
         thefts_ = monitor_.model().focusThefts().subscribe([this](xcb_window_t window) { takeFocusBackFor(window); });
+        activeChanges_ = monitor_.model().activeWindowChanges().subscribe(
+            [this](xcb_window_t window) { isReached_ = isReached_ || window == requested_; });
     }
 
     /// Applications as a whole cannot be hidden here. All of one's windows being minimised is not that: the user
@@ -51,6 +53,8 @@ public:
     [[nodiscard]] std::optional<bool> isMain(const AXElementRef& window) const override;
     [[nodiscard]] std::optional<bool> isFocused(const AXElementRef& window) const override;
 
+    [[nodiscard]] bool wasOvertaken(const AXElementRef& window) const override;
+
     [[nodiscard]] std::vector<AXElementRef> windowElements(Pid pid) const override;
     [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
 
@@ -74,7 +78,11 @@ private:
     Subscription requestEnd_;
     /// The user's latest input when it was asked for.
     xcb_timestamp_t requestTime_ = 0;
+    xcb_window_t activeAtRequest_ = XCB_WINDOW_NONE;
+    /// Whether it has been the active one since.
+    bool isReached_ = false;
     Subscription thefts_;
+    Subscription activeChanges_;
 };
 
 }  // namespace ferrowyn
