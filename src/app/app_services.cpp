@@ -13,6 +13,7 @@
 #include "platform/log.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"
+#include "platform/trust.h"
 #include "platform/workspace.h"
 
 namespace ferrowyn {
@@ -37,8 +38,10 @@ AppServices::AppServices(const Platform& platform, const SwitcherContentFactory&
       launchAtLogin_(platform),
       favourites_(platform.userDefaults, platform.workspace),
       updates_(platform, AppVersion(platform.application.bundleInfo().shortVersion.value_or("1.0"))),
+      switchingHealth_(platform.log),
       switcher_(makeSwitcher(makeContent)) {
     wireHotKeyMonitor();
+    watchSwitching();
     updates_.checkIfDue(preferences_->automaticUpdateChecks.get());
     followTrust();
 }
@@ -66,14 +69,24 @@ std::unique_ptr<SwitcherController> AppServices::makeSwitcher(const SwitcherCont
     switcher->activator().onActivated = [controller = switcher.get()](const AppWindow& window) {
         controller->noteActivated(window);
     };
+    switcher->activator().onVerified = [this](bool isConfirmed) { switchingHealth_.noteActivation(isConfirmed); };
     return switcher;
 }
 
 /// The monitor is a member and calls nobody while it is destroyed: its hooks never outlive this object.
 void AppServices::wireHotKeyMonitor() {
-    hotKeyMonitor_.onCommand = [this](const SwitcherCommand& command) { switcher_->handle(command); };
+    hotKeyMonitor_.onCommand = [this](const SwitcherCommand& command) {
+        switchingHealth_.noteTrigger();
+        switcher_->handle(command);
+    };
     hotKeyMonitor_.onTapDisabled = [this] { switcher_->dismiss(); };
     hotKeyMonitor_.onTapFailed = [this](HotKeyMonitor::Failure failure) { handleTapFailure(failure); };
+}
+
+void AppServices::watchSwitching() {
+    lostTriggers_ = platform_.trust.observeLostTriggers([this] { switchingHealth_.noteTriggerAnsweredElsewhere(); });
+    triggerChanges_ = preferences_->modifier.published().subscribeToChanges(
+        [this](SwitcherModifier) { switchingHealth_.forgetTriggers(); });
 }
 
 void AppServices::handleTapFailure(HotKeyMonitor::Failure failure) {
@@ -111,6 +124,8 @@ void AppServices::activate() {
     }
     isActive_ = true;
     inputFailure_.set(std::nullopt);
+    // Trust comes with a window manager on some desktops, and this one may be another.
+    switchingHealth_.forgetAll();
     windowIndex_.start();
     if (!hotKeyMonitor_.start()) {
         platform_.log.write(LogLevel::error, inputCategory, "Event tap refused despite trust; retrying");

@@ -7,6 +7,7 @@
 #include "core/subscription.h"
 #include "input/hot_key_monitor.h"
 #include "input/switcher_content.h"
+#include "input/switching_health.h"
 #include "inventory/window_index.h"
 #include "services/accessibility_authorizer.h"
 #include "services/favourites_store.h"
@@ -45,6 +46,9 @@ public:
     /// Why the global shortcut is off; nothing while it works or has not failed.
     [[nodiscard]] const Published<std::optional<HotKeyMonitor::Failure>>& inputFailure() const { return inputFailure_; }
 
+    /// What the user's last tries to switch tell.
+    [[nodiscard]] const SwitchingHealth& switchingHealth() const { return switchingHealth_; }
+
     [[nodiscard]] Preferences& preferences() { return *preferences_; }
     [[nodiscard]] AccessibilityAuthorizer& authorizer() { return authorizer_; }
     [[nodiscard]] IconProvider& iconProvider() { return iconProvider_; }
@@ -60,6 +64,7 @@ private:
     void wireHotKeyMonitor();
     void handleTapFailure(HotKeyMonitor::Failure failure);
     void followTrust();
+    void watchSwitching();
 
     const Platform& platform_;
     Published<std::optional<HotKeyMonitor::Failure>> inputFailure_;
@@ -75,10 +80,13 @@ private:
     LaunchAtLoginService launchAtLogin_;
     FavouritesStore favourites_;
     UpdateChecker updates_;
+    SwitchingHealth switchingHealth_;
     std::unique_ptr<SwitcherController> switcher_;
 
     Subscription tapRetry_;
     Subscription trustSubscription_;
+    Subscription lostTriggers_;
+    Subscription triggerChanges_;
 };
 
 }  // namespace ferrowyn

@@ -35,11 +35,14 @@ DoctorFinding withoutDisplay(const std::string& refusal) {
 void addDisplay(DoctorReport& report, const DoctorDisplay& display) {
     report.push_back(display.server());
     report.push_back(display.windowManager());
+    if (report.back().verdict != Verdict::bad) {
+        report.push_back(display.activation());
+    }
     report.push_back(display.inputExtension());
     report.push_back(display.triggerKeys());
     report.push_back(display.secureInput());
     report.push_back(display.compositor());
-    report.push_back({Verdict::good, "Ferrowyn", display.isProgramRunning() ? "running" : "not running", {}});
+    report.push_back(display.program());
 }
 
 }  // namespace

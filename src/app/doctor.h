@@ -7,7 +7,8 @@
 namespace ferrowyn {
 
 /// Looks at everything that switching needs in the session that the environment names, in the order in which one thing
-/// builds on another. Changes nothing; waits for the X server and for the session bus. With a QCoreApplication.
+/// builds on another. Opens two small windows for a moment and leaves everything as it was; waits for the X server, its
+/// window manager and the session bus. With a QCoreApplication.
 [[nodiscard]] DoctorReport examineSession(const std::string& ownVersion);
 
 }  // namespace ferrowyn

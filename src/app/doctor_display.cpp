@@ -7,8 +7,10 @@
 #include <array>
 #include <utility>
 
+#include "app/doctor_activation.h"
 #include "app/single_instance.h"
 #include "core/text_table.h"
+#include "input/switching_health.h"
 #include "platform/log.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_key_map.h"
@@ -87,6 +89,34 @@ bool isBoundByManager(const X11Connection& connection, xcb_keycode_t keyCode, st
     return error != nullptr && error->error_code == XCB_ACCESS;
 }
 
+/// Whether another client has a key of the trigger's modifier to itself: the keyboard is its own from that key's press
+/// on, so that nobody else can take it when the trigger is complete.
+bool isModifierHeld(const X11Connection& connection, const X11TapKeyboard& keyboard) {
+    auto* const server = connection.get();
+    constexpr std::uint32_t noModifier = 0;
+    constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+    const auto* const setup = xcb_get_setup(server);
+    for (std::uint32_t code = setup->min_keycode; code <= setup->max_keycode; ++code) {
+        if ((keyboard.layout().modifiersOfKey(code) & keyboard.triggerMask()) == 0) {
+            continue;
+        }
+        const XcbReply<xcb_input_xi_passive_grab_device_reply_t> grab(xcb_input_xi_passive_grab_device_reply(
+            server,
+            xcb_input_xi_passive_grab_device(server, XCB_CURRENT_TIME, connection.root(), XCB_CURSOR_NONE, code,
+                                             XCB_INPUT_DEVICE_ALL_MASTER, 1, 1, XCB_INPUT_GRAB_TYPE_KEYCODE,
+                                             XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
+                                             XCB_INPUT_GRAB_OWNER_OWNER, &keyEvents, &noModifier),
+            nullptr));
+        const bool isRefused = grab != nullptr && grab->num_modifiers > 0;
+        xcb_input_xi_passive_ungrab_device(server, connection.root(), code, XCB_INPUT_DEVICE_ALL_MASTER, 1,
+                                           XCB_INPUT_GRAB_TYPE_KEYCODE, &noModifier);
+        if (isRefused || isBoundByManager(connection, static_cast<xcb_keycode_t>(code), noModifier)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 std::string serverVersion(std::string_view vendor, std::uint32_t releaseNumber) {
@@ -140,6 +170,12 @@ DoctorFinding DoctorDisplay::windowManager() const {
     return {Verdict::good, subject, fmt::format("{}, with the hints that are needed", name), {}};
 }
 
+DoctorFinding DoctorDisplay::activation() const {
+    const auto connection = X11Connection::open(display_.c_str());
+    return connection ? activationFinding(*connection)
+                      : DoctorFinding{Verdict::bad, "activation", "the X server takes no further connection", {}};
+}
+
 DoctorFinding DoctorDisplay::inputExtension() const {
     const auto connection = X11Connection::open(display_.c_str());
     if (!connection) {
@@ -181,6 +217,13 @@ DoctorFinding DoctorDisplay::triggerKeys() const {
         return {Verdict::bad, subject, fmt::format("no key of the keyboard is {}", keys),
                 "Choose another modifier in the settings, or another keyboard layout."};
     }
+    if (isModifierHeld(*connection, *keyboard)) {
+        return {Verdict::bad, subject,
+                fmt::format("another program, perhaps the window manager, answers {} by itself and has the keyboard "
+                            "before {} is complete",
+                            linuxTexts().modifierKey(trigger_), keys),
+                "Choose another modifier in the settings, or turn that program's shortcut off."};
+    }
     if (!log.errors.empty()) {
         if (isProgramRunning()) {
             return {Verdict::good, subject, fmt::format("{} belongs to the Ferrowyn that runs", keys), {}};
@@ -219,6 +262,24 @@ DoctorFinding DoctorDisplay::compositor() const {
     }
     return {Verdict::notice, "compositor", "none; the panel is opaque",
             "A compositor such as picom makes the panel translucent."};
+}
+
+DoctorFinding DoctorDisplay::program() const {
+    const std::string subject = "Ferrowyn";
+    if (!isProgramRunning()) {
+        return {Verdict::good, subject, "not running", {}};
+    }
+    const auto word = SingleInstance::wordOfRunning(connection_);
+    const auto problem = word ? switchingProblemNamed(*word) : std::nullopt;
+    if (!problem) {
+        return {Verdict::good, subject, "running", {}};
+    }
+    if (*problem == SwitchingHealth::Problem::triggerAnsweredElsewhere) {
+        return {Verdict::bad, subject, "running, but another program answers the shortcut",
+                "Choose another modifier in the settings, or take the shortcut away from the other program."};
+    }
+    return {Verdict::bad, subject, "running, but the chosen windows do not come to the front",
+            "Use a window manager that activates windows on request."};
 }
 
 bool DoctorDisplay::hasEmbeddingTray() const {

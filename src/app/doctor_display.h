@@ -25,11 +25,16 @@ public:
     [[nodiscard]] DoctorFinding server() const;
     [[nodiscard]] DoctorFinding windowManager() const;
     [[nodiscard]] DoctorFinding inputExtension() const;
+    /// Asks the manager to activate two windows of its own, one after the other, and what was active before in the end.
+    [[nodiscard]] DoctorFinding activation() const;
     /// Tries to take the trigger keys as the program does, and gives them back.
     [[nodiscard]] DoctorFinding triggerKeys() const;
     /// Tries to take the keyboard, and gives it back.
     [[nodiscard]] DoctorFinding secureInput() const;
     [[nodiscard]] DoctorFinding compositor() const;
+
+    /// Whether the program runs, and what has come of the latest switches there.
+    [[nodiscard]] DoctorFinding program() const;
 
     [[nodiscard]] bool hasEmbeddingTray() const;
     [[nodiscard]] bool isProgramRunning() const;

@@ -9,11 +9,12 @@ target_link_libraries(ferrowyn_app_start PUBLIC PkgConfig::XCB PRIVATE ferrowyn_
 ferrowyn_library(ferrowyn_doctor
   SOURCES
     doctor.cpp
+    doctor_activation.cpp
     doctor_display.cpp
     doctor_report.cpp
     doctor_session.cpp
   PUBLIC ferrowyn_app_start ferrowyn_platform_linux
-  PRIVATE ferrowyn_platform_x11 PkgConfig::SYSTEMD PkgConfig::XKBCOMMON Qt6::Core fmt::fmt
+  PRIVATE ferrowyn_input ferrowyn_platform_x11 PkgConfig::SYSTEMD PkgConfig::XKBCOMMON Qt6::Core fmt::fmt
 )
 
 target_sources(ferrowyn PRIVATE

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "app/app_delegate.h"
+#include "app/app_services.h"
 #include "app/bus_requests.h"
 #include "app/command_line.h"
 #include "app/doctor.h"
@@ -85,6 +86,8 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     delegate.applicationDidFinishLaunching();
     OutsideRequests requests(platform, delegate, line);
     const auto service = offerOnBus(platform.mainLoop, requests, SessionLock::Buses::fromEnvironment().session);
+    const auto switchingProblem = delegate.services()->switchingHealth().problem().subscribe(
+        [&instance](const auto& problem) { instance.tellOthers(problem ? nameOf(*problem) : std::string_view()); });
     const auto listening = instance.listen([&requests](ProgramRequest request) { requests.perform(request); });
     platform.log.write(LogLevel::debug, "ui", "Ferrowyn is running");
     const int status = QApplication::exec();

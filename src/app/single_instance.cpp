@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_property.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
@@ -20,11 +21,12 @@ namespace {
 struct Atoms {
     xcb_atom_t selection;
     xcb_atom_t request;
+    xcb_atom_t word;
 
     static Atoms of(const X11Connection& connection) {
         const auto selection = SingleInstance::selectionName();
-        const auto atoms = connection.internAtoms({selection, "_FERROWYN_REQUEST"});
-        return {atoms[0], atoms[1]};
+        const auto atoms = connection.internAtoms({selection, "_FERROWYN_REQUEST", "_FERROWYN_WORD"});
+        return {atoms[0], atoms[1], atoms[2]};
     }
 };
 
@@ -106,8 +108,9 @@ std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connect
     // Of two programs that start at the same time, one looks only after the other has claimed.
     xcb_grab_server(server);
     const auto owner = ownerOf(server, atoms.selection);
+    const auto window = owner == XCB_NONE ? createHiddenWindow(*connection) : xcb_window_t{XCB_WINDOW_NONE};
     if (owner == XCB_NONE) {
-        xcb_set_selection_owner(server, createHiddenWindow(*connection), atoms.selection, XCB_CURRENT_TIME);
+        xcb_set_selection_owner(server, window, atoms.selection, XCB_CURRENT_TIME);
     } else {
         send(server, owner, atoms.request, otherwiseAsk);
     }
@@ -116,7 +119,29 @@ std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connect
     if (owner != XCB_NONE) {
         return nullptr;
     }
-    return std::unique_ptr<SingleInstance>(new SingleInstance(std::move(connection), atoms.request));
+    return std::unique_ptr<SingleInstance>(
+        new SingleInstance(std::move(connection), {window, atoms.request, atoms.word}));
+}
+
+std::optional<std::string> SingleInstance::wordOfRunning(const X11Connection& connection) {
+    constexpr std::uint32_t longest = 64;
+    auto* server = connection.get();
+    const auto atoms = Atoms::of(connection);
+    const auto owner = ownerOf(server, atoms.selection);
+    if (owner == XCB_NONE) {
+        return std::nullopt;
+    }
+    const auto word = X11Property::collect(
+        server, xcb_get_property(server, 0, owner, atoms.word, XCB_ATOM_STRING, 0, longest / sizeof(std::uint32_t)));
+    const auto bytes = word.bytes(XCB_ATOM_STRING);
+    return bytes && !bytes->empty() ? std::optional(std::string(bytes->begin(), bytes->end())) : std::nullopt;
+}
+
+void SingleInstance::tellOthers(std::string_view word) const {
+    auto* server = connection_->get();
+    xcb_change_property(server, XCB_PROP_MODE_REPLACE, claim_.window, claim_.word, XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(word.size()), word.data());
+    xcb_flush(server);
 }
 
 SingleInstance::Ending SingleInstance::endRunning(const X11Connection& connection, std::chrono::milliseconds patience) {
@@ -169,14 +194,14 @@ private:
     QSocketNotifier notifier_;
 };
 
-SingleInstance::SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t requestType)
-    : connection_(std::move(connection)), requestType_(requestType) {}
+SingleInstance::SingleInstance(std::unique_ptr<X11Connection> connection, const Claim& claim)
+    : connection_(std::move(connection)), claim_(claim) {}
 
 SingleInstance::~SingleInstance() = default;
 
 Subscription SingleInstance::listen(std::function<void(ProgramRequest)> onRequest) {
     // Shared with the token only because a token must be copyable into a function.
-    const auto listener = std::make_shared<Listener>(*connection_, requestType_, std::move(onRequest));
+    const auto listener = std::make_shared<Listener>(*connection_, claim_.requestType, std::move(onRequest));
     // One may have asked while the program was still starting: its message is read already, so nothing wakes up.
     listener->readEvents();
     return Subscription([held = listener]() mutable { held.reset(); });

@@ -5,7 +5,9 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "app/program_request.h"
 #include "core/subscription.h"
@@ -26,6 +28,8 @@ public:
                                                                ProgramRequest otherwiseAsk);
 
     enum class Ending { nobodyRan, ended, stillRuns };
+    /// What the program that runs says of itself (`tellOthers`); nothing when none runs or it says nothing.
+    [[nodiscard]] static std::optional<std::string> wordOfRunning(const X11Connection& connection);
     /// Asks the program that runs to quit, and waits until it is gone.
     [[nodiscard]] static Ending endRunning(const X11Connection& connection, std::chrono::milliseconds patience);
 
@@ -33,17 +37,25 @@ public:
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
+    /// Leaves a word for whoever looks for the program that runs; an empty one takes it back.
+    void tellOthers(std::string_view word) const;
+
     /// Calls the handler with what each later start asks, and has asked until now, until the token is dropped. With a
     /// QCoreApplication, which outlives the token; as this object does.
     [[nodiscard]] Subscription listen(std::function<void(ProgramRequest)> onRequest);
 
 private:
-    SingleInstance(std::unique_ptr<X11Connection> connection, xcb_atom_t requestType);
+    struct Claim {
+        xcb_window_t window;
+        xcb_atom_t requestType;
+        xcb_atom_t word;
+    };
+    SingleInstance(std::unique_ptr<X11Connection> connection, const Claim& claim);
 
     class Listener;
 
     std::unique_ptr<X11Connection> connection_;
-    xcb_atom_t requestType_;
+    Claim claim_;
 };
 
 }  // namespace ferrowyn

@@ -19,6 +19,14 @@ StatusItemTexts sharedTexts() {
         .secureInput = {.tooltip = translatable("Ferrowyn", "Ferrowyn — secure input is active, shortcut paused"),
                         .subtitle = translatable("Ferrowyn", "Secure input active — shortcut paused"),
                         .repair = translatable("Ferrowyn", "Waiting for the other app to release it")},
+        .triggerAnsweredElsewhere = {.tooltip =
+                                         translatable("Ferrowyn", "Ferrowyn — another program answers the shortcut"),
+                                     .subtitle = translatable("Ferrowyn", "Another program answers the shortcut"),
+                                     .repair = translatable("Ferrowyn", "Choose Another Modifier…")},
+        .activationsUnconfirmed = {.tooltip =
+                                       translatable("Ferrowyn", "Ferrowyn — chosen windows do not come to the front"),
+                                   .subtitle = translatable("Ferrowyn", "Chosen windows do not come to the front"),
+                                   .repair = translatable("Ferrowyn", "Restart the applications that do not answer")},
         .openSwitcher = translatable("Ferrowyn", "Open Switcher"),
         .oneWindow = translatable("Ferrowyn", "1 window tracked"),
         .manyWindows = translatable("Ferrowyn", "%1 windows tracked"),
@@ -47,6 +55,8 @@ StatusItemTexts linuxVariant() {
     texts.accessRequired = {.tooltip = translatable("Ferrowyn", "Ferrowyn — a window manager is required"),
                             .subtitle = translatable("Ferrowyn", "A window manager is required"),
                             .repair = translatable("Ferrowyn", "Show What Is Missing…")};
+    texts.activationsUnconfirmed.repair =
+        translatable("Ferrowyn", "Use a window manager that activates windows on request");
     texts.trustRevoked.tooltip = translatable("Ferrowyn", "Ferrowyn — keyboard access was lost");
     texts.trustRevoked.subtitle = translatable("Ferrowyn", "Keyboard access was lost");
     return texts;

@@ -25,6 +25,8 @@ struct StatusItemTexts {
     Health trustRevoked;
     Health repeatedTimeouts;
     Health secureInput;
+    Health triggerAnsweredElsewhere;
+    Health activationsUnconfirmed;
 
     std::string_view openSwitcher;
     std::string_view oneWindow;

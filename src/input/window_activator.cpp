@@ -81,6 +81,8 @@ std::optional<AXElementRef> WindowActivator::findElement() const {
 void WindowActivator::raiseFirst() {
     const auto& window = activation_->window;
     control_.setMessagingTimeout(*activation_->element, messagingTimeout);
+    activation_->wasActive =
+        control_.isActive(activation_->pid) && control_.isFocused(*activation_->element).value_or(false);
     if (control_.isHidden(activation_->pid)) {
         control_.unhide(activation_->pid);
     }
@@ -117,6 +119,7 @@ void WindowActivator::verify() {
     if (isConfirmed()) {
         log_.write(LogLevel::debug, category,
                    fmt::format("Window {} active after {} check(s)", activation_->window.id, activation_->checks));
+        reportVerification(true);
         finish();
         return;
     }
@@ -131,6 +134,10 @@ void WindowActivator::verify() {
         log_.write(LogLevel::standard, category,
                    fmt::format("Could not confirm activation of window {} in {}", activation_->window.id,
                                activation_->applicationName));
+        // A window that is gone by now, or whose application does not answer, says nothing about the desktop.
+        if (control_.isFocused(*activation_->element)) {
+            reportVerification(false);
+        }
         finish();
         return;
     }
@@ -148,6 +155,12 @@ bool WindowActivator::isConfirmed() const {
     const auto& window = activation_->window;
     return hasKeyboard(activation_->pid, activation_->element) ||
            (window.blockedBy && hasKeyboard(window.pid, window.axElement));
+}
+
+void WindowActivator::reportVerification(bool isConfirmed) const {
+    if (onVerified && !activation_->wasActive) {
+        onVerified(isConfirmed);
+    }
 }
 
 void WindowActivator::finish() {

@@ -33,6 +33,9 @@ public:
     /// The user switched to this window, whether or not its activation could be confirmed. Not called when something
     /// else was chosen meanwhile. Set by the owner.
     std::function<void(const AppWindow&)> onActivated;
+    /// Told before that, when the window could be looked at and was not the active one before: whether it is now. Set
+    /// by the owner.
+    std::function<void(bool isConfirmed)> onVerified;
 
 private:
     struct Activation {
@@ -43,6 +46,8 @@ private:
         /// What gets the keyboard: the dialog that blocks the window, or the window's element, given with it or looked
         /// up.
         std::optional<AXElementRef> element;
+        /// It was the active one before anything was asked.
+        bool wasActive = false;
         int looks = 0;
         int checks = 0;
         Seconds delay = initialVerificationDelay;
@@ -55,6 +60,7 @@ private:
     void verify();
     [[nodiscard]] std::optional<AXElementRef> findElement() const;
     [[nodiscard]] bool isConfirmed() const;
+    void reportVerification(bool isConfirmed) const;
     void finish();
 
     MainLoop& mainLoop_;

@@ -18,6 +18,10 @@ public:
     /// Another program holds the keyboard for itself, so that the trigger cannot be seen.
     [[nodiscard]] virtual bool isSecureInputActive() const = 0;
 
+    /// The trigger was pressed and another program answered it: it held the keyboard for no longer than the trigger's
+    /// modifier was down, as a window manager does for a switcher of its own. Never where the tap is always first.
+    [[nodiscard]] virtual Subscription observeLostTriggers(std::function<void()> handler) = 0;
+
     /// A hint that the answer may have changed, or be about to; not every change is hinted at.
     [[nodiscard]] virtual Subscription observeChanges(std::function<void()> handler) = 0;
 };

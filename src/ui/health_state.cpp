@@ -26,7 +26,15 @@ HealthState healthState(AppServices& services) {
         return *failure == HotKeyMonitor::Failure::trustRevoked ? HealthState::trustRevoked
                                                                 : HealthState::repeatedTimeouts;
     }
-    return services.authorizer().isSecureInputActive().get() ? HealthState::secureInput : HealthState::ready;
+    if (services.authorizer().isSecureInputActive().get()) {
+        return HealthState::secureInput;
+    }
+    const auto problem = services.switchingHealth().problem().get();
+    if (!problem) {
+        return HealthState::ready;
+    }
+    return *problem == SwitchingHealth::Problem::triggerAnsweredElsewhere ? HealthState::triggerAnsweredElsewhere
+                                                                          : HealthState::activationsUnconfirmed;
 }
 
 HealthAppearance appearance(HealthState state, const StatusItemTexts& texts) {
@@ -42,6 +50,13 @@ HealthAppearance appearance(HealthState state, const StatusItemTexts& texts) {
             return failure(texts.repeatedTimeouts);
         case HealthState::secureInput:
             return {.buttonSymbol = pausedKeyboard, .texts = texts.secureInput, .repairSymbol = pausedKeyboard};
+        case HealthState::triggerAnsweredElsewhere:
+            return {.buttonSymbol = warning,
+                    .texts = texts.triggerAnsweredElsewhere,
+                    .repairSymbol = "keyboard",
+                    .repairAction = MenuRow::Action::openSettings};
+        case HealthState::activationsUnconfirmed:
+            return {.buttonSymbol = warning, .texts = texts.activationsUnconfirmed, .repairSymbol = warning};
         case HealthState::ready:
             break;
     }

@@ -10,9 +10,18 @@ namespace ferrowyn {
 class AppServices;
 
 /// How the keyboard shortcut is doing. Derived from the services whenever it is shown, and kept nowhere.
-enum class HealthState { ready, accessRequired, trustRevoked, repeatedTimeouts, secureInput };
+enum class HealthState {
+    ready,
+    accessRequired,
+    trustRevoked,
+    repeatedTimeouts,
+    secureInput,
+    triggerAnsweredElsewhere,
+    activationsUnconfirmed
+};
 
-/// Missing trust explains every other failure, and a shortcut that failed will not return when secure input ends.
+/// Missing trust explains every other failure, and a shortcut that failed will not return when secure input ends. What
+/// was seen of earlier switches counts only when nothing is known to be in the way now.
 [[nodiscard]] HealthState healthState(AppServices& services);
 
 /// How a state shows in the status item.

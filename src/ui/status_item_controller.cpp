@@ -60,6 +60,7 @@ void StatusItemController::followServices() {
     follow(services_.authorizer().status());
     follow(services_.authorizer().isSecureInputActive());
     follow(services_.inputFailure());
+    follow(services_.switchingHealth().problem());
     follow(services_.preferences().layout.published());
     follow(services_.updates().state());
 }

@@ -1,8 +1,10 @@
 #include "app/app_services.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "input/switcher_controller.h"
+#include "input/window_activator.h"
 #include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "platform/simulated/simulated_http_client.h"
@@ -422,6 +424,42 @@ TEST_F(AppServicesTest, ATriggerWithoutTrustGivesTheKeyboardBack) {
     desktop.settle();
     EXPECT_FALSE(desktop.panel().isVisible);
     EXPECT_FALSE(desktop.tapIsInstalled()) << "and with it whatever it held";
+}
+
+TEST_F(AppServicesTest, TwoSwitchesThatComeToNothingAreAProblemUntilOneWorks) {
+    buildQuietly();
+    desktop.setIgnoresActivation(browser, true);
+    const auto problemAfterSwitchTo = [this](WindowId id) {
+        const auto& windows = services->windowIndex().windows().get();
+        services->switcher().activator().activate(
+            *std::ranges::find_if(windows, [id](const AppWindow& window) { return window.id == id; }));
+        desktop.advance(2s);
+        return services->switchingHealth().problem().get();
+    };
+    EXPECT_EQ(problemAfterSwitchTo(3), std::nullopt);
+    EXPECT_EQ(problemAfterSwitchTo(4), SwitchingHealth::Problem::activationsUnconfirmed);
+    EXPECT_EQ(problemAfterSwitchTo(2), std::nullopt);
+}
+
+TEST_F(AppServicesTest, ATriggerThatAnotherProgramAnswersIsAProblemUntilItComesOrIsAnotherOne) {
+    buildQuietly();
+    const auto problem = [this] { return services->switchingHealth().problem().get(); };
+    const auto lose = [this] {
+        desktop.loseTrigger();
+        desktop.loseTrigger();
+    };
+    lose();
+    EXPECT_EQ(problem(), SwitchingHealth::Problem::triggerAnsweredElsewhere);
+    desktop.keyDown(optionTab);
+    desktop.settle();
+    EXPECT_EQ(problem(), std::nullopt);
+    lose();
+    services->preferences().modifier.set(SwitcherModifier::control);
+    EXPECT_EQ(problem(), std::nullopt);
+    lose();
+    services->suspend();
+    services->activate();
+    EXPECT_EQ(problem(), std::nullopt) << "it may be another desktop";
 }
 
 }  // namespace

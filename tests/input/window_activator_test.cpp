@@ -184,6 +184,48 @@ TEST_F(WindowActivatorTest, TakesNoAnswerForNoConfirmation) {
     EXPECT_THAT(activated, ElementsAre(7U));
 }
 
+TEST_F(WindowActivatorTest, TellsWhetherTheWindowHasBecomeTheActiveOneBeforeItTellsOfTheSwitch) {
+    std::vector<std::string> told;
+    activator->onVerified = [&](bool isConfirmed) { told.emplace_back(isConfirmed ? "confirmed" : "unconfirmed"); };
+    activator->onActivated = [&](const AppWindow&) { told.emplace_back("activated"); };
+    activator->activate(window(7, editor));
+    desktop.advance(2s);
+    EXPECT_THAT(told, ElementsAre("confirmed", "activated"));
+
+    desktop.setFrontmost(browser);
+    desktop.setIgnoresActivation(editor, true);
+    activator->activate(window(7, editor));
+    desktop.advance(2s);
+    EXPECT_THAT(told, ElementsAre("confirmed", "activated", "unconfirmed", "activated"));
+}
+
+TEST_F(WindowActivatorTest, AWindowThatWasTheActiveOneConfirmsNothing) {
+    std::vector<bool> told;
+    activator->onVerified = [&](bool isConfirmed) { told.push_back(isConfirmed); };
+    activator->activate(window(7, editor));
+    desktop.advance(2s);
+    ASSERT_THAT(told, ElementsAre(true));
+    activator->activate(window(7, editor));
+    desktop.advance(2s);
+    EXPECT_THAT(told, ElementsAre(true));
+    EXPECT_THAT(activated, ElementsAre(7U, 7U));
+}
+
+TEST_F(WindowActivatorTest, AWindowThatCannotBeLookedAtIsNeitherConfirmedNorUnconfirmed) {
+    std::vector<bool> told;
+    activator->onVerified = [&](bool isConfirmed) { told.push_back(isConfirmed); };
+    activator->activate(window(7, editor));
+    desktop.setHung(editor, true);
+    desktop.advance(2s);
+    desktop.setHung(editor, false);
+    activator->activate(window(7, editor));
+    desktop.closeWindow(7);
+    desktop.advance(2s);
+    activator->activate(window(9, 300));
+    desktop.advance(2s);
+    EXPECT_THAT(told, IsEmpty());
+}
+
 TEST_F(WindowActivatorTest, NamesTheApplicationAsItWasListedWhenItHasNoNameOfItsOwn) {
     desktop.launch({.pid = 300});
     desktop.openWindow({.id = 9, .pid = 300});

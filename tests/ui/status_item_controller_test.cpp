@@ -5,6 +5,7 @@
 #include "app/app_services.h"
 #include "core/text_table.h"
 #include "input/switcher_controller.h"
+#include "input/window_activator.h"
 #include "platform/platform_replacement.h"
 #include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
@@ -205,6 +206,58 @@ TEST_F(StatusItemControllerTest, SecureInputIsWaitedForWithNothingToChoose) {
                     {header("Secure input active — shortcut paused", MenuTint::orange), separator,
                      repairRow("Waiting for the other app to release it", "keyboard.badge.ellipsis", Action::none),
                      separator})));
+}
+
+TEST_F(StatusItemControllerTest, ATriggerThatAnotherProgramAnswersOffersAnotherModifier) {
+    build();
+    desktop.loseTrigger();
+    desktop.loseTrigger();
+    desktop.settle();
+    EXPECT_EQ(item.button, (StatusButton{"exclamationmark.triangle", "Ferrowyn — another program answers the shortcut",
+                                         "Ferrowyn"}));
+    EXPECT_THAT(item.menu, ElementsAreArray(rowsBelow(
+                               {header("Another program answers the shortcut", MenuTint::orange), separator,
+                                repairRow("Choose Another Modifier…", "keyboard", Action::openSettings), separator})));
+    item.choose(item.menu.at(2));
+    EXPECT_THAT(opened, ElementsAre("settings"));
+}
+
+TEST_F(StatusItemControllerTest, WindowsThatDoNotComeToTheFrontAreNamedWithWhatToDo) {
+    build();
+    desktop.setIgnoresActivation(editor, true);
+    const auto fail = [this] {
+        for (int round = 0; round < 2; ++round) {
+            services->switcher().activator().activate(services->windowIndex().windows().get().front());
+            desktop.advance(2s);
+        }
+    };
+    desktop.setFrontmost(std::nullopt);
+    fail();
+    EXPECT_EQ(item.button, (StatusButton{"exclamationmark.triangle",
+                                         "Ferrowyn — chosen windows do not come to the front", "Ferrowyn"}));
+    EXPECT_EQ(item.menu.front(), header("Chosen windows do not come to the front", MenuTint::orange));
+    EXPECT_EQ(item.menu.at(2),
+              repairRow("Restart the applications that do not answer", "exclamationmark.triangle", Action::none));
+
+    const Platform platform = replacedIn(desktop.platform(), {.texts = &linuxTexts()});
+    controller.reset();
+    services.reset();
+    build(platform);
+    fail();
+    EXPECT_EQ(item.menu.at(2), repairRow("Use a window manager that activates windows on request",
+                                         "exclamationmark.triangle", Action::none));
+}
+
+TEST_F(StatusItemControllerTest, SecureInputWinsOverWhatEarlierSwitchesTold) {
+    build();
+    desktop.loseTrigger();
+    desktop.loseTrigger();
+    desktop.setSecureInput(true);
+    desktop.advance(2s);
+    EXPECT_EQ(item.menu.front(), header("Secure input active — shortcut paused", MenuTint::orange));
+    desktop.setSecureInput(false);
+    desktop.advance(2s);
+    EXPECT_EQ(item.menu.front(), header("Another program answers the shortcut", MenuTint::orange));
 }
 
 TEST_F(StatusItemControllerTest, OnLinuxTheTextsNameWhatIsMissingThereAndTheKeysOfAPcKeyboard) {

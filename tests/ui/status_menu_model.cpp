@@ -37,6 +37,10 @@ const StatusItemTexts::Health& textsOf(Health health, const StatusItemTexts& tex
             return texts.repeatedTimeouts;
         case Health::secureInput:
             return texts.secureInput;
+        case Health::triggerAnsweredElsewhere:
+            return texts.triggerAnsweredElsewhere;
+        case Health::activationsUnconfirmed:
+            return texts.activationsUnconfirmed;
     }
     return texts.ready;
 }
@@ -57,6 +61,10 @@ MenuRow repair(Health health, const StatusItemTexts& texts) {
         row = item(title, "lock.shield", Action::openOnboarding);
     } else if (health == Health::secureInput) {
         row = item(title, "keyboard.badge.ellipsis", Action::none);
+    } else if (health == Health::triggerAnsweredElsewhere) {
+        row = item(title, "keyboard", Action::openSettings);
+    } else if (health == Health::activationsUnconfirmed) {
+        row = item(title, "exclamationmark.triangle", Action::none);
     } else {
         row = item(title, "arrow.clockwise", Action::retryInput);
     }
@@ -122,6 +130,10 @@ const char* nameOf(Health health) {
             return "repeated-timeouts";
         case Health::secureInput:
             return "secure-input";
+        case Health::triggerAnsweredElsewhere:
+            return "trigger-answered-elsewhere";
+        case Health::activationsUnconfirmed:
+            return "activations-unconfirmed";
     }
     return "";
 }

@@ -8,10 +8,19 @@
 namespace ferrowyn::test {
 
 /// The five ways in which the program can be doing, as its menu shows them.
-enum class Health { ready, accessRequired, trustRevoked, repeatedTimeouts, secureInput };
+enum class Health {
+    ready,
+    accessRequired,
+    trustRevoked,
+    repeatedTimeouts,
+    secureInput,
+    triggerAnsweredElsewhere,
+    activationsUnconfirmed
+};
 
-inline constexpr std::array allHealths{Health::ready, Health::accessRequired, Health::trustRevoked,
-                                       Health::repeatedTimeouts, Health::secureInput};
+inline constexpr std::array allHealths{
+    Health::ready,       Health::accessRequired,           Health::trustRevoked,          Health::repeatedTimeouts,
+    Health::secureInput, Health::triggerAnsweredElsewhere, Health::activationsUnconfirmed};
 
 [[nodiscard]] const char* nameOf(Health health);
 /// A whole menu, with an update to install.

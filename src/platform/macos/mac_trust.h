@@ -17,6 +17,8 @@ public:
     [[nodiscard]] bool isTrusted() const override;
     bool requestWithPrompt() override;
     [[nodiscard]] bool isSecureInputActive() const override;
+    /// The system asks its event taps before every other program.
+    [[nodiscard]] Subscription observeLostTriggers(std::function<void()> /*handler*/) override { return {}; }
     [[nodiscard]] Subscription observeChanges(std::function<void()> handler) override;
 
 private:

@@ -256,6 +256,10 @@ int SimulatedDesktop::trustPromptCount() const {
     return implementation_->trust.promptCount();
 }
 
+void SimulatedDesktop::loseTrigger() {
+    implementation_->trust.loseTrigger();
+}
+
 void SimulatedDesktop::setSecureInput(bool isActive) {
     implementation_->trust.setSecureInput(isActive);
 }

@@ -120,6 +120,8 @@ public:
     void announceTrustChange();
     [[nodiscard]] int trustPromptCount() const;
     void setSecureInput(bool isActive);
+    /// Another program answers a press of the trigger.
+    void loseTrigger();
     void becomeActiveApplication();
     /// What the program says of itself, and what was asked of the application object.
     [[nodiscard]] SimulatedApplication& application();

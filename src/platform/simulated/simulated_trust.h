@@ -18,9 +18,14 @@ public:
         return changes_.subscribe([handler = std::move(handler)](const Hint&) { handler(); });
     }
 
+    [[nodiscard]] Subscription observeLostTriggers(std::function<void()> handler) override {
+        return lostTriggers_.subscribe([handler = std::move(handler)](const Hint&) { handler(); });
+    }
+
     void setTrusted(bool isTrusted) { isTrusted_ = isTrusted; }
     void setSecureInput(bool isActive) { isSecureInputActive_ = isActive; }
     void announceChange() { changes_.send({}); }
+    void loseTrigger() { lostTriggers_.send({}); }
     [[nodiscard]] int promptCount() const { return promptCount_; }
 
 private:
@@ -30,6 +35,7 @@ private:
     bool isSecureInputActive_ = false;
     int promptCount_ = 0;
     Subject<Hint> changes_;
+    Subject<Hint> lostTriggers_;
 };
 
 }  // namespace ferrowyn

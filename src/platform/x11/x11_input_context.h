@@ -48,6 +48,10 @@ struct X11InputContext {
     /// open panel: where this is empty, it counts as taking them. Set before the tap's thread starts.
     std::function<void(std::function<void()>)> postToMainThread;
 
+    /// Told when another client has answered the trigger (`Trust::observeLostTriggers`). Set before the tap's thread
+    /// starts.
+    std::function<void()> reportLostTrigger;
+
     /// Told which window was the active one when the trigger was pressed, before the trigger itself is passed on: the
     /// main thread hears of activations by another way, and a quick hand presses the trigger before it has. None when
     /// the server did not say. Set before the tap's thread starts.

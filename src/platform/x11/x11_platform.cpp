@@ -179,6 +179,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     inputContext.reportActiveWindow = [this](std::uint32_t window) {
         mainLoop.post([this, window] { monitor.startSessionFrom(window); });
     };
+    inputContext.reportLostTrigger = [this] { mainLoop.post([this] { trust.noteLostTrigger(); }); };
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
     installedChanges = entries.observeChanges([this] {

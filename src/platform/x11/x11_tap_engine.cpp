@@ -103,7 +103,7 @@ std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
     std::optional<Clock::time_point> earliest;
     const auto waitingEnd = reception_.isEmpty() || phase_ != Phase::open ? std::nullopt : endingUntil_;
     for (const auto& candidate :
-         {answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_, heldKeys_.nextRepeat()}) {
+         {answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_, lostTriggerJudgement_, heldKeys_.nextRepeat()}) {
         if (candidate && (!earliest || *candidate < *earliest)) {
             earliest = candidate;
         }
@@ -147,6 +147,7 @@ void X11TapEngine::deliverHidden(const X11KeyboardEvent& event) {
         seizure_.repeatMissedReleases();
     } else if (event.kind == Kind::modifiersChanged) {
         delivery_.assumeModifiers(event.modifiers.effective);
+        followLostTrigger(event.modifiers.effective);
     }
 }
 
@@ -190,6 +191,9 @@ void X11TapEngine::handleDeadlines() {
     if (endingUntil_ && now >= *endingUntil_) {
         endingUntil_.reset();
         deliverQueue();
+    }
+    if (lostTriggerJudgement_ && now >= *lostTriggerJudgement_) {
+        judgeLostTrigger();
     }
     if (heldKeys_.nextRepeat() && now >= *heldKeys_.nextRepeat()) {
         repeatTrigger();

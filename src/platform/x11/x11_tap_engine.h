@@ -37,6 +37,9 @@ public:
     /// After the trigger's modifier went up the session is probably ending: for this long a new press of the trigger
     /// waits for that, so that it opens the next session instead of moving the selection of a dying one.
     static constexpr std::chrono::milliseconds endingGrace{250};
+    /// Who answers the trigger instead of this program and lets the keyboard go with the modifier, as a manager's own
+    /// switcher does, has let it go by then.
+    static constexpr std::chrono::milliseconds lostTriggerGrace{300};
     /// A session that was opened without the trigger, from a menu, has to wait until the menu lets the keyboard go.
     static constexpr std::chrono::milliseconds seizureRetryInterval{20};
     static constexpr std::chrono::milliseconds seizureRetryTimeout{1000};
@@ -83,6 +86,9 @@ private:
     /// another client holds the keyboard.
     [[nodiscard]] bool seizeAt(X11KeyboardEvent& press);
     void refuseSession(const X11KeyboardEvent& press);
+    /// The modifiers are these now, and a trigger went to another client before.
+    void followLostTrigger(std::uint32_t modifiers);
+    void judgeLostTrigger();
     void awaitAnswer();
     void openSession();
     void seizeForOpenSession();
@@ -108,6 +114,9 @@ private:
     /// The real modifiers as last heard of.
     std::uint32_t modifiers_ = 0;
     bool isLateCloseExpected_ = false;
+    /// A trigger went to another client, and its modifier is still down.
+    bool hasLostTrigger_ = false;
+    std::optional<Clock::time_point> lostTriggerJudgement_;
     std::optional<Clock::time_point> answerDeadline_;
     std::optional<Clock::time_point> endingUntil_;
     std::optional<Clock::time_point> seizureRetry_;

@@ -21,6 +21,8 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
         return;
     }
     endingUntil_.reset();
+    hasLostTrigger_ = false;
+    lostTriggerJudgement_.reset();
     keyboard_->text().reset();
     heldKeys_.beginSession(press.keyCode);
     delivery_.assumeModifiers(pressed.modifiers.effective);
@@ -79,6 +81,26 @@ void X11TapEngine::refuseSession(const X11KeyboardEvent& press) {
     // The combination is that program's: a virtual machine in full screen wants it.
     seizure_.typeForHolder(press.keyCode);
     applyGrabs();
+    hasLostTrigger_ = true;
+    lostTriggerJudgement_.reset();
+}
+
+void X11TapEngine::followLostTrigger(std::uint32_t modifiers) {
+    if (hasLostTrigger_ && (modifiers & keyboard_->triggerMask()) == 0) {
+        hasLostTrigger_ = false;
+        lostTriggerJudgement_ = Clock::now() + lostTriggerGrace;
+    }
+}
+
+void X11TapEngine::judgeLostTrigger() {
+    lostTriggerJudgement_.reset();
+    // A locker or a password dialog holds on. Once it is asked here, the keyboard's holder need not be asked again.
+    if (phase_ == Phase::hidden && !seizure_.isHeld() && seizure_.probe()) {
+        context_.isKeyboardHeldElsewhere.store(false);
+        if (context_.reportLostTrigger) {
+            context_.reportLostTrigger();
+        }
+    }
 }
 
 void X11TapEngine::openSession() {

@@ -74,6 +74,10 @@ bool X11Trust::isSecureInputActive() const {
     return isHeld || sessionLock_.isLocked();
 }
 
+Subscription X11Trust::observeLostTriggers(std::function<void()> handler) {
+    return lostTriggers_.subscribe([told = std::move(handler)](bool) { told(); });
+}
+
 Subscription X11Trust::observeChanges(std::function<void()> handler) {
     return changes_.subscribe([told = std::move(handler)](bool) { told(); });
 }

@@ -29,7 +29,11 @@ public:
     /// There is no prompt: the log says what is missing.
     bool requestWithPrompt() override;
     [[nodiscard]] bool isSecureInputActive() const override;
+    [[nodiscard]] Subscription observeLostTriggers(std::function<void()> handler) override;
     [[nodiscard]] Subscription observeChanges(std::function<void()> handler) override;
+
+    /// What the tap saw, passed on.
+    void noteLostTrigger() { lostTriggers_.send(true); }
 
 private:
     const X11DesktopModel& model_;
@@ -38,6 +42,7 @@ private:
     std::string inputObstacle_;
     Log& log_;
     Subject<bool> changes_;
+    Subject<bool> lostTriggers_;
     Subscription managerSubscription_;
     Subscription lockSubscription_;
 };

@@ -13,6 +13,7 @@
 #include "tests/x11/harness/private_bus.h"
 #include "tests/x11/harness/private_x_server.h"
 #include "tests/x11/harness/test_desktop.h"
+#include "tests/x11/harness/test_input.h"
 #include "tests/x11/harness/test_window.h"
 #include "tests/x11/harness/window_manager_process.h"
 
@@ -151,6 +152,30 @@ TEST_F(DoctorDisplayTest, TriesTheKeysOfTheChosenModifier) {
     EXPECT_EQ(display(SwitcherModifier::control).triggerKeys().text, "Ctrl+Tab is free");
 }
 
+TEST_F(DoctorDisplayTest, AModifierThatAnotherClientHasToItselfIsInTheWay) {
+    constexpr std::uint16_t mode = XCB_GRAB_MODE_ASYNC;
+    xcb_grab_key(other->get(), 0, other->root(), 0, x11test::key::leftSuper, mode, mode);
+    static_cast<void>(other->internAtoms({"ATOM"}));
+    EXPECT_EQ(display(SwitcherModifier::command).triggerKeys().verdict, Verdict::bad);
+    EXPECT_THAT(display(SwitcherModifier::command).triggerKeys().text, HasSubstr("answers Super by itself"));
+    EXPECT_EQ(display().triggerKeys().verdict, Verdict::good);
+    xcb_ungrab_key(other->get(), x11test::key::leftSuper, other->root(), 0);
+    static_cast<void>(other->internAtoms({"ATOM"}));
+    EXPECT_EQ(display(SwitcherModifier::command).triggerKeys().verdict, Verdict::good);
+}
+
+TEST_F(DoctorDisplayTest, TriesWhetherTheManagerActivatesWindowsAndLeavesTheActiveOneActive) {
+    const x11test::WindowManagerProcess manager(server, "openbox");
+    const x11test::TestWindow first(server.display(), {.title = "First"});
+    const x11test::TestWindow second(server.display(), {.title = "Second"});
+    x11test::TestDesktop desktop(server.display());
+    ASSERT_TRUE(desktop.waitForActiveWindow(second.id()));
+    EXPECT_EQ(display().activation(), (DoctorFinding{Verdict::good, "activation",
+                                                     "the window manager activates a window when it is asked to", ""}));
+    EXPECT_EQ(desktop.activeWindow(), second.id());
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.clientList().size() == 2; }));
+}
+
 TEST_F(DoctorDisplayTest, AnotherSwitcherThatHoldsTheKeysIsInTheWay) {
     {
         const RivalSwitcher rival(server.display());
@@ -218,8 +243,8 @@ TEST_F(DoctorProgramTest, SucceedsWithOneAndNamesNoWindow) {
     ASSERT_TRUE(desktop.waitForActiveWindow(window.id()));
     const auto result = runDoctor();
     EXPECT_EQ(result.status, 0) << result.output;
-    for (const char* subject : {"display", "window manager", "XInput", "trigger keys", "secure input", "compositor",
-                                "Ferrowyn", "tray", "autostart", "settings", "versions"}) {
+    for (const char* subject : {"display", "window manager", "activation", "XInput", "trigger keys", "secure input",
+                                "compositor", "Ferrowyn", "tray", "autostart", "settings", "versions"}) {
         EXPECT_THAT(result.output, HasSubstr(std::string("] ") + subject)) << subject;
     }
     EXPECT_THAT(result.output, HasSubstr("Ferrowyn " FERROWYN_VERSION));

@@ -39,6 +39,9 @@ std::vector<std::string> commandFor(const std::string& name, const PrivateXServe
         command = {"dbus-run-session", "--", "kwin_x11"};
     } else if (name == "mutter") {
         command = {"dbus-run-session", "--", "mutter", "--x11", "--sm-disable"};
+    } else if (name == "dwm") {
+        // It has no way to be told to take another manager's place.
+        return {"dwm"};
     } else {
         throw std::runtime_error("no such window manager: " + name);
     }
