@@ -43,6 +43,8 @@ struct EmptyState {
 [[nodiscard]] std::optional<Badge> badge(const AppWindow& window, const TextTable& texts);
 [[nodiscard]] std::vector<ShortcutHint> footerHints(SwitcherModifier trigger, SwitcherLayout layout,
                                                     const TextTable& texts);
+/// Beside the hints while letting go of the trigger does not switch.
+inline constexpr std::string_view stayingOpenNote = "stays open";
 [[nodiscard]] EmptyState emptyState(std::string_view query);
 
 inline constexpr std::string_view searchSymbol = "magnifyingglass";

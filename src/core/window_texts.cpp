@@ -31,6 +31,7 @@ void setGeneralPane(WindowTexts& texts) {
     texts.settings.checkNow = translatable("Ferrowyn", "Check Now");
     texts.settings.checking = translatable("Ferrowyn", "Checking…");
     texts.settings.notChecked = translatable("Ferrowyn", "Not checked yet.");
+    texts.settings.noUpdateServer = translatable("Ferrowyn", "This build has no update server, so it never asks.");
     texts.settings.upToDate = translatable("Ferrowyn", "Ferrowyn is up to date");
     texts.settings.updateAvailable = translatable("Ferrowyn", "Version %1 is available");
     texts.settings.permissionsSection = translatable("Ferrowyn", "Permissions");
@@ -113,6 +114,9 @@ void setSetup(WindowTexts& texts) {
     texts.onboarding.keyCancel = translatable("Ferrowyn", "cancel");
     texts.onboarding.typingHint =
         translatable("Ferrowyn", "Start typing while the switcher is open to filter by app name or window title.");
+    texts.onboarding.stayingOpenHint = translatable(
+        "Ferrowyn",
+        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Return does.");
     texts.onboarding.done = translatable("Ferrowyn", "Done");
     texts.onboarding.requiredTitle = translatable("Ferrowyn", "Accessibility access required");
     texts.onboarding.requiredExplanation =
@@ -140,6 +144,7 @@ void setAbout(WindowTexts& texts) {
     texts.about.version = translatable("Ferrowyn", "Version %1");
     texts.about.copyright = translatable("Ferrowyn", "© %1 Ferrowyn");
     texts.about.summary = translatable("Ferrowyn", "About %1, version %2");
+    texts.about.noHomePage = translatable("Ferrowyn", "This build has no home page.");
     texts.about.close = translatable("Ferrowyn", "Close");
 }
 
@@ -179,6 +184,9 @@ WindowTexts makeLinuxTexts() {
                      "to list only what is on the workspace in front of you.");
 
     texts.onboarding.grantedDetail = translatable("Ferrowyn", "The switcher is running in the background.");
+    texts.onboarding.stayingOpenHint = translatable(
+        "Ferrowyn",
+        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Enter does.");
     texts.onboarding.requiredExplanation =
         translatable("Ferrowyn",
                      "Ferrowyn lists and focuses other apps' windows through the window manager, and sees its shortcut "

@@ -25,6 +25,8 @@ struct WindowTexts {
         std::string_view checkNow;
         std::string_view checking;
         std::string_view notChecked;
+        /// Where nobody has said whom to ask.
+        std::string_view noUpdateServer;
         std::string_view upToDate;
         std::string_view updateAvailable;
         std::string_view permissionsSection;
@@ -84,6 +86,7 @@ struct WindowTexts {
         std::string_view keyJump;
         std::string_view keyCancel;
         std::string_view typingHint;
+        std::string_view stayingOpenHint;
         std::string_view done;
         std::string_view requiredTitle;
         std::string_view requiredExplanation;
@@ -106,6 +109,8 @@ struct WindowTexts {
         std::string_view version;
         std::string_view copyright;
         std::string_view summary;
+        /// In place of the link.
+        std::string_view noHomePage;
         std::string_view close;
     };
 

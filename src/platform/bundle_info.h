@@ -15,6 +15,11 @@ struct BundleInfo {
     std::optional<std::string> copyright;
     /// Absolute path of what a file manager shows as the program.
     std::string path;
+    /// The host, with a port where it needs one, that serves the update manifest over HTTPS. "FerrowynUpdateHost" on
+    /// macOS.
+    std::optional<std::string> updateHost;
+    /// An https address. "FerrowynHomePage" on macOS.
+    std::optional<std::string> homePage;
 };
 
 }  // namespace ferrowyn

@@ -46,18 +46,19 @@ std::string_view UpdateChecker::description(UpdateError error) {
     return {};
 }
 
-UpdateChecker::UpdateChecker(const Platform& platform, AppVersion currentVersion, std::string_view updateHost)
+UpdateChecker::UpdateChecker(const Platform& platform, AppVersion currentVersion)
     : mainLoop_(platform.mainLoop),
       log_(platform.log),
       defaults_(platform.userDefaults),
       session_(platform.httpClient),
       workspace_(platform.workspace),
       systemVersion_(platform.application.systemVersion()),
-      updateHost_(updateHost),
+      updateHost_(platform.application.bundleInfo().updateHost.value_or("")),
+      homePage_(platform.application.bundleInfo().homePage),
       currentVersion_(std::move(currentVersion)) {}
 
 void UpdateChecker::checkIfDue(bool automaticUpdateChecks) {
-    if (!automaticUpdateChecks) {
+    if (!automaticUpdateChecks || !hasServer()) {
         return;
     }
     const double lastCheck = defaults_.real(lastCheckKey);
@@ -130,18 +131,20 @@ void UpdateChecker::accept(Release release) {
 }
 
 void UpdateChecker::openDownloadPage() {
-    std::string address(product_site::homePage);
+    auto address = homePage_;
     if (const auto* available = std::get_if<UpdateAvailable>(&state_.get())) {
         // The manifest may name anything; only what the web's own rules protect is handed to the system.
         if (isHttpsAddress(available->release.downloadURL)) {
             address = available->release.downloadURL;
         } else {
             log_.write(LogLevel::error, logCategory,
-                       fmt::format("Opening the home page: the download address \"{}\" is not an https address",
+                       fmt::format("Not opened: the download address \"{}\" is not an https address",
                                    available->release.downloadURL));
         }
     }
-    workspace_.open(address);
+    if (address) {
+        workspace_.open(*address);
+    }
 }
 
 }  // namespace ferrowyn

@@ -11,7 +11,6 @@
 #include "platform/http_client.h"
 #include "platform/main_loop.h"
 #include "services/app_version.h"
-#include "services/product_site.h"
 
 namespace ferrowyn {
 
@@ -65,18 +64,21 @@ public:
     /// For the user.
     [[nodiscard]] static std::string_view description(UpdateError error);
 
-    /// The manifest is "/appcast.json" on the host.
-    UpdateChecker(const Platform& platform, AppVersion currentVersion,
-                  std::string_view updateHost = product_site::updateHost);
+    /// The manifest is "/appcast.json" on the host that the bundle names.
+    UpdateChecker(const Platform& platform, AppVersion currentVersion);
 
     [[nodiscard]] const Published<State>& state() const { return state_; }
     [[nodiscard]] const AppVersion& currentVersion() const { return currentVersion_; }
+    /// Whether there is anything to ask.
+    [[nodiscard]] bool hasServer() const { return !updateHost_.empty(); }
 
-    /// Checks when automatic checks are allowed and the last one is a day old. For the start of the program.
+    /// Checks when there is a server, automatic checks are allowed and the last one is a day old. For the start of the
+    /// program.
     void checkIfDue(bool automaticUpdateChecks);
     /// Checks now; a check that is still in flight is cancelled, and its result dropped.
     void check();
-    /// Opens the release's download address when one is available and safe to open, else the maker's home page.
+    /// Opens the release's download address when one is available and safe to open, else the maker's home page, where
+    /// there is one.
     void openDownloadPage();
 
 private:
@@ -92,6 +94,7 @@ private:
     Workspace& workspace_;
     std::string systemVersion_;
     std::string updateHost_;
+    std::optional<std::string> homePage_;
     AppVersion currentVersion_;
     Published<State> state_{Idle{}};
     Subscription checkTask_;

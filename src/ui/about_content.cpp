@@ -9,7 +9,6 @@
 #include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "platform/workspace.h"
-#include "services/product_site.h"
 #include "ui/about_lines.h"
 #include "ui/accessible_roles.h"
 #include "ui/product_icon.h"
@@ -36,6 +35,20 @@ int currentYear(const MainLoop& mainLoop) {
 
 }  // namespace
 
+QWidget* makeSiteLink(const Platform& platform) {
+    const auto homePage = platform.application.bundleInfo().homePage;
+    if (!homePage) {
+        auto* const text =
+            new TextLabel({platform.texts.windows.about.noHomePage, {}}, TextStyle::note, Tone::secondary);
+        text->setWordWrap(false);
+        return text;
+    }
+    auto* const site = new WindowButton(Phrase::verbatim(about_lines::siteName(*homePage)), WindowButton::Look::link);
+    QObject::connect(site, &QAbstractButton::clicked, site,
+                     [&workspace = platform.workspace, page = *homePage] { workspace.open(page); });
+    return site;
+}
+
 AboutContent::AboutContent(const Platform& platform, int iconSize) {
     const WindowTexts& texts = platform.texts.windows;
     const BundleInfo bundle = platform.application.bundleInfo();
@@ -51,14 +64,10 @@ AboutContent::AboutContent(const Platform& platform, int iconSize) {
     column->addSpacing(belowVersion);
     column->addWidget(TextLabel::centred({texts.about.tagline, {}}, TextStyle::body, Tone::primary));
     column->addSpacing(belowTagline);
-    auto* const site =
-        new WindowButton(Phrase::verbatim(about_lines::siteName(product_site::homePage)), WindowButton::Look::link);
-    column->addWidget(site, 0, Qt::AlignHCenter);
+    column->addWidget(makeSiteLink(platform), 0, Qt::AlignHCenter);
     column->addSpacing(belowSite);
     column->addWidget(TextLabel::centred(about_lines::copyrightLine(bundle, currentYear(platform.mainLoop), texts),
                                          TextStyle::note, Tone::secondary));
-    connect(site, &QAbstractButton::clicked, this,
-            [&workspace = platform.workspace] { workspace.open(product_site::homePage); });
     setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(translated(about_lines::accessibilitySummary(bundle, texts)));
 }

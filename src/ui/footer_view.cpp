@@ -13,6 +13,7 @@ namespace {
 constexpr double betweenHints = 18;
 constexpr double betweenCaps = 3;
 constexpr double beforeLabel = 7;
+constexpr double besideNote = 20;
 
 double width(const WindowPresentation::ShortcutHint& hint, const PaintContext& context) {
     double sum = 0;
@@ -36,6 +37,13 @@ void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& 
     }
     double x = std::round(rect.midX() - total / 2);
     const double baseline = context.lines.centredBaseline(TextStyle::hint, rect.y, rect.height, scale);
+    if (!note.empty()) {
+        const TextLine& line = context.lines.line(display_text::singleLine(note), TextStyle::hint, 1e6);
+        const double noteX = std::round(rect.maxX() - besideNote - line.width());
+        line.paint(painter, noteX, baseline, context.theme.textSecondary);
+        // The hints make room where their usual place is too near.
+        x = std::min(x, std::round(noteX - besideNote - total));
+    }
     for (const auto& hint : hints) {
         for (const auto& key : hint.keys) {
             const KeyCapView cap{display_text::singleLine(key)};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "core/window_presentation.h"
@@ -12,6 +13,8 @@ namespace ferrowyn {
 /// The strip of key hints below the rows. A plain value.
 struct FooterView {
     std::vector<WindowPresentation::ShortcutHint> hints;
+    /// At the far end; may be empty.
+    std::string_view note;
 
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };

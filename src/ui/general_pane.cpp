@@ -76,6 +76,12 @@ void GeneralPane::addUpdates(const WindowTexts& texts, const SettingsServices& s
     place->addWidget(checking);
     group.addRow(status, action);
     UpdateChecker& updates = services.updates;
+    if (!updates.hasServer()) {
+        automatic->setEnabled(false);
+        action->hide();
+        showStatus(*status, settings_lines::noUpdateServer(texts));
+        return;
+    }
     connect(check, &QAbstractButton::clicked, this, [&updates] { updates.check(); });
     keep(updates.state().subscribe([status, check, checking, &texts](const UpdateChecker::State& state) {
         const auto line = settings_lines::updateStatus(state, texts);

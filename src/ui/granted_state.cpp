@@ -62,7 +62,14 @@ GrantedState::GrantedState(const TextTable& texts, const Preferences& preference
             caps.at(index)->setText(QString::fromStdString(lines.at(index).keys));
         }
     });
-    group->addInsetRow(new TextLabel({words.typingHint, {}}, TextStyle::note, Tone::secondary));
+    auto* const typing = new QWidget;
+    auto* const typingColumn = new QVBoxLayout(typing);
+    typingColumn->setContentsMargins(0, 0, 0, 0);
+    typingColumn->setSpacing(belowTitle);
+    for (const auto hint : {words.typingHint, words.stayingOpenHint}) {
+        typingColumn->addWidget(new TextLabel({hint, {}}, TextStyle::note, Tone::secondary));
+    }
+    group->addInsetRow(typing);
 
     auto* const done = new WindowButton({words.done, {}}, WindowButton::Look::primary);
     column->addSpacing(aboveButton);

@@ -8,9 +8,8 @@
 #include "core/text_table.h"
 #include "platform/application.h"
 #include "platform/platform.h"
-#include "platform/workspace.h"
 #include "services/accessibility_authorizer.h"
-#include "services/product_site.h"
+#include "ui/about_content.h"
 #include "ui/about_lines.h"
 #include "ui/granted_state.h"
 #include "ui/product_icon.h"
@@ -80,14 +79,10 @@ QWidget* OnboardingView::makeFooter(const Platform& platform) {
     auto* const footer = new QWidget;
     auto* const line = new QHBoxLayout(footer);
     line->setContentsMargins(0, 0, 0, 0);
-    auto* const site =
-        new WindowButton(Phrase::verbatim(about_lines::siteName(product_site::homePage)), WindowButton::Look::link);
     auto* const close = new WindowButton({platform.texts.windows.onboarding.close, {}});
-    line->addWidget(site);
+    line->addWidget(makeSiteLink(platform));
     line->addStretch();
     line->addWidget(close);
-    connect(site, &QAbstractButton::clicked, this,
-            [&workspace = platform.workspace] { workspace.open(product_site::homePage); });
     connect(close, &QAbstractButton::clicked, this, [this] { onDone_(); });
     return footer;
 }

@@ -72,7 +72,9 @@ int PanelScene::paint(QPainter& painter, const PanelGeometry& geometry, const Re
         }
     }
     if (const auto footer = geometry.footer(); footer && intersects(exposed, *footer)) {
-        FooterView{WindowPresentation::footerHints(modifier, layout, context.texts)}.paint(painter, *footer, context);
+        const FooterView view{WindowPresentation::footerHints(modifier, layout, context.texts),
+                              staysOpen ? WindowPresentation::stayingOpenNote : std::string_view()};
+        view.paint(painter, *footer, context);
     }
     background.paintOutline(painter, panel, context);
     return paintedRows;

@@ -28,6 +28,8 @@ struct PanelScene {
     SwitcherLayout layout = SwitcherLayout::list;
     SwitcherModifier modifier = SwitcherModifier::option;
     bool showsHints = true;
+    /// Letting go of the trigger does not switch.
+    bool staysOpen = false;
 
     /// What passes while the panel is open.
     double scroll = 0;

@@ -29,6 +29,7 @@ PreviewRecord::PreviewRecord(const PanelScene& scene, const PanelGeometry& geome
       layout_(scene.layout),
       modifier_(scene.modifier),
       showsHints_(scene.showsHints),
+      staysOpen_(scene.staysOpen),
       scroll_(scene.scroll) {
     visibleRows_.assign(scene.rows.begin() + visible_.first, scene.rows.begin() + visible_.last);
     for (const auto& row : visibleRows_) {
@@ -39,8 +40,8 @@ PreviewRecord::PreviewRecord(const PanelScene& scene, const PanelGeometry& geome
 bool PreviewRecord::matches(const PanelScene& scene, const Theme& theme) const {
     return rowCount_ == scene.rows.size() && selectedIndex_ == scene.selectedIndex && query_ == scene.query &&
            isAccessibilityTrusted_ == scene.isAccessibilityTrusted && layout_ == scene.layout &&
-           modifier_ == scene.modifier && showsHints_ == scene.showsHints && scroll_ == scene.scroll &&
-           !scene.isButtonHovered && theme_ == theme && rowsMatch(scene);
+           modifier_ == scene.modifier && showsHints_ == scene.showsHints && staysOpen_ == scene.staysOpen &&
+           scroll_ == scene.scroll && !scene.isButtonHovered && theme_ == theme && rowsMatch(scene);
 }
 
 bool PreviewRecord::rowsMatch(const PanelScene& scene) const {

@@ -35,6 +35,7 @@ private:
     SwitcherLayout layout_ = SwitcherLayout::list;
     SwitcherModifier modifier_ = SwitcherModifier::option;
     bool showsHints_ = true;
+    bool staysOpen_ = false;
     double scroll_ = 0;
 };
 

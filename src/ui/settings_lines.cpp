@@ -32,6 +32,10 @@ std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const 
     return StatusLine{"", Tint::none, {texts.settings.notChecked, {}}};
 }
 
+StatusLine noUpdateServer(const WindowTexts& texts) {
+    return {"", StatusLine::Tint::none, {texts.settings.noUpdateServer, {}}};
+}
+
 StatusLine permissionStatus(AccessibilityStatus status, const WindowTexts& texts) {
     if (status == AccessibilityStatus::trusted) {
         return {goodSymbol, StatusLine::Tint::good, {texts.settings.permissionGranted, {}}};

@@ -56,10 +56,12 @@ void SwitcherView::subscribe() {
     }));
     follow(viewModel_.selectedIndex);
     follow(viewModel_.query);
+    follow(viewModel_.isPinned);
     follow(viewModel_.isAccessibilityTrusted);
     follow(viewModel_.sessionToken);
     follow(preferences_.layout.published());
     follow(preferences_.modifier.published());
+    follow(preferences_.confirmOnModifierRelease.published());
     follow(preferences_.showShortcutHints.published());
 }
 
@@ -110,6 +112,10 @@ SwitcherLayout SwitcherView::layoutMode() const {
     return preferences_.layout.get();
 }
 
+bool SwitcherView::staysOpen() const {
+    return viewModel_.isPinned.get() || !preferences_.confirmOnModifierRelease.get();
+}
+
 PanelScene SwitcherView::scene() const {
     PanelScene scene{viewModel_.rows.get(), viewModel_.iconProvider()};
     scene.selectedIndex = viewModel_.selectedIndex.get();
@@ -118,6 +124,7 @@ PanelScene SwitcherView::scene() const {
     scene.layout = layoutMode();
     scene.modifier = preferences_.modifier.get();
     scene.showsHints = preferences_.showShortcutHints.get();
+    scene.staysOpen = staysOpen();
     scene.scroll = scroll_;
     scene.caretOpacity = caretOpacity_;
     scene.isButtonHovered = isButtonHovered_;
@@ -135,6 +142,7 @@ PanelScene SwitcherView::firstFrame(const std::vector<SwitcherViewModel::Row>& r
     frame.layout = layoutMode();
     frame.modifier = preferences_.modifier.get();
     frame.showsHints = preferences_.showShortcutHints.get();
+    frame.staysOpen = staysOpen();
     frame.scroll = frame.geometry(size).scrollShowing(selectedIndex, 0);
     return frame;
 }

@@ -53,6 +53,8 @@ public:
     [[nodiscard]] const SwitcherViewModel& viewModel() const { return viewModel_; }
     [[nodiscard]] const TextTable& texts() const { return texts_; }
     [[nodiscard]] SwitcherLayout layoutMode() const;
+    /// Whether letting go of the trigger does not switch.
+    [[nodiscard]] bool staysOpen() const;
     [[nodiscard]] bool showsRows() const { return scene().showsRows(); }
     [[nodiscard]] const PanelGeometry& geometryNow() const { return geometry_; }
     [[nodiscard]] Rect rowRect(int index) const { return geometry_.row(index, scroll_); }

@@ -22,8 +22,9 @@ constexpr const char* goodManifest =
 
 class UpdateCheckerTest : public testing::Test {
 protected:
-    void start(const char* currentVersion = "1.2", std::string_view host = "updates.example") {
-        checker = std::make_unique<UpdateChecker>(desktop.platform(), AppVersion(currentVersion), host);
+    void start(const char* currentVersion = "1.2", const std::optional<std::string>& host = "updates.example") {
+        desktop.application().bundle.updateHost = host;
+        checker = std::make_unique<UpdateChecker>(desktop.platform(), AppVersion(currentVersion));
     }
     /// Runs one check that is answered with this.
     void checkAnswered(const HttpResult& result) {
@@ -70,9 +71,15 @@ TEST_F(UpdateCheckerTest, AVersionWithOddCharactersStaysOneParameter) {
     EXPECT_EQ(http.request(0).url, "https://updates.example/appcast.json?v=1.2%20%26os%3D9&os=14.5");
 }
 
-TEST_F(UpdateCheckerTest, AsksTheProductsHostUnlessToldOtherwise) {
-    UpdateChecker(desktop.platform(), AppVersion("1.2")).check();
-    EXPECT_THAT(http.request(0).url, testing::StartsWith("https://" + std::string(product_site::updateHost) + "/"));
+TEST_F(UpdateCheckerTest, WithoutAServerNothingIsAskedAtTheStart) {
+    start("1.2", std::nullopt);
+    EXPECT_FALSE(checker->hasServer());
+    checker->checkIfDue(true);
+    EXPECT_EQ(http.requestCount(), 0U);
+    EXPECT_EQ(state(), State(UpdateChecker::Idle{}));
+    EXPECT_THAT(desktop.takeLog(), IsEmpty());
+    start("1.2");
+    EXPECT_TRUE(checker->hasServer());
 }
 
 TEST_F(UpdateCheckerTest, AHostThatMakesNoAddressFailsWithoutARequest) {
@@ -325,7 +332,7 @@ TEST_F(UpdateCheckerTest, OpensTheDownloadAddressOfAnAvailableRelease) {
 }
 
 TEST_F(UpdateCheckerTest, OpensTheHomePageInEveryOtherState) {
-    const std::string homePage = "open " + std::string(product_site::homePage);
+    const std::string homePage = "open https://ferrowyn.example";
     start();
     checker->openDownloadPage();
     checker->check();
@@ -339,6 +346,16 @@ TEST_F(UpdateCheckerTest, OpensTheHomePageInEveryOtherState) {
     EXPECT_THAT(desktop.takeLog(), IsEmpty());
 }
 
+TEST_F(UpdateCheckerTest, WithoutAHomePageNothingIsOpened) {
+    desktop.application().bundle.homePage.reset();
+    start();
+    checker->openDownloadPage();
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    checkAnsweredWithBody(goodManifest);
+    checker->openDownloadPage();
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("open https://ferrowyn.example/Ferrowyn-1.3.dmg"));
+}
+
 TEST_F(UpdateCheckerTest, ADownloadAddressThatIsNotHttpsIsShownButNeverOpened) {
     start();
     for (const std::string address :
@@ -348,7 +365,7 @@ TEST_F(UpdateCheckerTest, ADownloadAddressThatIsNotHttpsIsShownButNeverOpened) {
         EXPECT_EQ(std::get<UpdateChecker::UpdateAvailable>(state()).release.downloadURL, address);
         static_cast<void>(desktop.takeLog());
         checker->openDownloadPage();
-        EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("open " + std::string(product_site::homePage)));
+        EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("open https://ferrowyn.example"));
         const auto log = desktop.takeLog();
         ASSERT_EQ(log.size(), 1U);
         EXPECT_EQ(log[0].category, "ui");

@@ -8,7 +8,6 @@
 #include "platform/application.h"
 #include "platform/main_loop.h"
 #include "platform/simulated/simulated_application.h"
-#include "services/product_site.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
 #include "ui/about_content.h"
@@ -18,6 +17,7 @@ namespace ferrowyn {
 namespace {
 
 using test::buttonNamed;
+using test::visibleButtons;
 using test::visibleTexts;
 using testing::Contains;
 using testing::ElementsAre;
@@ -80,11 +80,19 @@ TEST(AboutViewTest, TheLinkOpensTheSiteAndCloseCloses) {
     int closings = 0;
     AboutView view(model.platform, [&closings] { ++closings; });
     model.desktop.takeControlCalls();
-    buttonNamed(view, about_lines::siteName(product_site::homePage))->click();
-    EXPECT_THAT(model.desktop.takeControlCalls(), ElementsAre("open " + std::string(product_site::homePage)));
+    buttonNamed(view, "ferrowyn.example")->click();
+    EXPECT_THAT(model.desktop.takeControlCalls(), ElementsAre("open https://ferrowyn.example"));
     EXPECT_EQ(closings, 0);
     buttonNamed(view, "Close")->click();
     EXPECT_EQ(closings, 1);
+}
+
+TEST(AboutViewTest, WithoutAHomePageItSaysSoInPlaceOfTheLink) {
+    test::WindowsModel model(macTexts(),
+                             [](SimulatedDesktop& desktop) { desktop.application().bundle.homePage.reset(); });
+    AboutView view(model.platform, [] {});
+    EXPECT_THAT(visibleTexts(view), Contains("This build has no home page."));
+    EXPECT_THAT(visibleButtons(view), ElementsAre("Close"));
 }
 
 }  // namespace

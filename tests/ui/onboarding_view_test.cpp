@@ -4,7 +4,6 @@
 #include <QGuiApplication>
 
 #include "platform/simulated/simulated_application.h"
-#include "services/product_site.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
 #include "ui/utility_window.h"
@@ -50,7 +49,9 @@ TEST_F(OnboardingViewTest, GrantedItTeachesTheKeys) {
                 ElementsAre("Ferrowyn", "Switch between every open window, not just apps.", "Version 1.0",
                             "Accessibility access granted", "The switcher is running in the menu bar.", "open / next",
                             "previous", "jump", "cancel",
-                            "Start typing while the switcher is open to filter by app name or window title."));
+                            "Start typing while the switcher is open to filter by app name or window title.",
+                            "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer "
+                            "switches, Return does."));
     EXPECT_THAT(visibleKeyCaps(*view), ElementsAre("⌥⇥", "⌥⇧⇥", "⌥1–9", "esc"));
     EXPECT_THAT(visibleButtons(*view), ElementsAre("Done", site, "Close"));
 }
@@ -105,10 +106,17 @@ TEST_F(OnboardingViewTest, EachButtonDoesWhatItSays) {
     buttonNamed(*view, "Reveal App")->click();
     EXPECT_EQ(model.desktop.application().revealCount, 1);
     buttonNamed(*view, site)->click();
-    EXPECT_THAT(model.desktop.takeControlCalls(), ElementsAre("open " + std::string(product_site::homePage)));
+    EXPECT_THAT(model.desktop.takeControlCalls(), ElementsAre("open https://ferrowyn.example"));
     EXPECT_EQ(closings, 0);
     buttonNamed(*view, "Close")->click();
     EXPECT_EQ(closings, 1);
+}
+
+TEST_F(OnboardingViewTest, WithoutAHomePageItSaysSoInPlaceOfTheLink) {
+    model.desktop.application().bundle.homePage.reset();
+    view = makeView(model);
+    EXPECT_THAT(visibleTexts(*view), testing::Contains("This build has no home page."));
+    EXPECT_THAT(visibleButtons(*view), ElementsAre("Done", "Close"));
 }
 
 TEST_F(OnboardingViewTest, DoneClosesIt) {

@@ -3,6 +3,7 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
+#include "platform/simulated/simulated_application.h"
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/choice_box.h"
 #include "ui/segment_button.h"
@@ -18,6 +19,7 @@ using test::SettingsViewTest;
 using test::visibleButtons;
 using test::visibleKeyCaps;
 using test::visibleTexts;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -170,6 +172,18 @@ TEST_F(SettingsViewTest, TheUpdateLineFollowsTheCheck) {
     model.desktop.httpClient().answer(2,
                                       HttpResponse{200, R"({"version": "1.0", "url": "https://ferrowyn.example/f"})"});
     EXPECT_EQ(symbolBeside(pane, "Ferrowyn is up to date"), "checkmark.circle.fill");
+}
+
+TEST(SettingsWithoutUpdateServerTest, TheUpdateLineSaysSoAndNothingCanBeAsked) {
+    test::WindowsModel model(macTexts(),
+                             [](SimulatedDesktop& desktop) { desktop.application().bundle.updateHost.reset(); });
+    SettingsView view(model.platform, model.services);
+    view.select(SettingsPane::general);
+    QWidget& pane = *view.findChild<QStackedWidget*>()->currentWidget();
+    EXPECT_EQ(symbolBeside(pane, "This build has no update server, so it never asks."), "");
+    EXPECT_THAT(visibleTexts(pane), AllOf(Not(Contains("Not checked yet.")), Not(Contains("Checking…"))));
+    EXPECT_THAT(visibleButtons(pane), Not(Contains("Check Now")));
+    EXPECT_FALSE(buttonNamed(pane, "Check for updates automatically")->isEnabled());
 }
 
 TEST_F(SettingsViewTest, TrustThatArrivesChangesThePermissionLineInPlace) {

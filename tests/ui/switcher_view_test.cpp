@@ -59,6 +59,26 @@ TEST_F(SwitcherViewTest, WithoutHintsThereIsNoFooterAndMoreRoomForRows) {
     EXPECT_EQ(view.geometryNow().body().maxY(), view.height());
 }
 
+TEST_F(SwitcherViewTest, TheFooterSaysWhenLettingGoDoesNotSwitch) {
+    const auto footer = [this] {
+        view.synchronize();
+        return picture().copy(toQt(*view.geometryNow().footer()).toAlignedRect().adjusted(0, 2, 0, -2));
+    };
+    const QImage switching = footer();
+    model.viewModel.deleteBackward();
+    EXPECT_EQ(footer(), switching);
+    model.viewModel.insertText("w");
+    const QImage staying = footer();
+    EXPECT_NE(staying, switching);
+    model.viewModel.clearQuery();
+    EXPECT_EQ(footer(), staying) << "an empty filter does not let go again";
+    model.viewModel.endSession();
+    model.viewModel.beginSession(false);
+    EXPECT_EQ(footer(), switching);
+    model.preferences.confirmOnModifierRelease.set(false);
+    EXPECT_EQ(footer(), staying);
+}
+
 TEST_F(SwitcherViewTest, InGridLayoutRowsFlowFiveToALine) {
     model.preferences.layout.set(SwitcherLayout::grid);
     view.resize(760, 600);
@@ -274,6 +294,10 @@ TEST_F(SwitcherViewTest, NewColoursOutdateThePreviewAndAskForAnother) {
     QImage preview(view.size(), QImage::Format_ARGB32_Premultiplied);
     view.renderPreview(preview);
     model.viewModel.beginSession(false);
+    ASSERT_TRUE(view.matchesPreview());
+    model.viewModel.isPinned.set(true);
+    EXPECT_FALSE(view.matchesPreview()) << "which says that it stays open";
+    model.viewModel.isPinned.set(false);
     ASSERT_TRUE(view.matchesPreview());
     appearanceChanges = 0;
     QPalette dark = view.palette();

@@ -33,6 +33,8 @@ protected:
             "label: Esc",
             "label: cancel",
             "label: Start typing while the switcher is open to filter by app name or window title.",
+            "label: Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, "
+            "Enter does.",
             "push button: Done",
         });
     }

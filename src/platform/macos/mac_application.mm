@@ -36,12 +36,20 @@ Subscription MacApplication::observeDidBecomeActive(std::function<void()> handle
                                [handler = std::move(handler)](NSNotification*) { handler(); });
 }
 
+/// What the build was not told stands in the property list as an empty text.
+static std::optional<std::string> addressOrNothing(id _Nullable value) {
+    auto text = stringOrNothing(value);
+    return text && !text->empty() ? text : std::nullopt;
+}
+
 BundleInfo MacApplication::bundleInfo() const {
     NSBundle* const bundle = NSBundle.mainBundle;
     return {.name = stringOrNothing([bundle objectForInfoDictionaryKey:@"CFBundleName"]),
             .shortVersion = stringOrNothing([bundle objectForInfoDictionaryKey:@"CFBundleShortVersionString"]),
             .copyright = stringOrNothing([bundle objectForInfoDictionaryKey:@"NSHumanReadableCopyright"]),
-            .path = utf8(bundle.bundlePath)};
+            .path = utf8(bundle.bundlePath),
+            .updateHost = addressOrNothing([bundle objectForInfoDictionaryKey:@"FerrowynUpdateHost"]),
+            .homePage = addressOrNothing([bundle objectForInfoDictionaryKey:@"FerrowynHomePage"])};
 }
 
 std::string MacApplication::systemVersion() const {

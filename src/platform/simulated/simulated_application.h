@@ -27,7 +27,11 @@ public:
     void becomeActive() { activations_.send({}); }
 
     /// What the program says of itself; a test may change it before anybody asks.
-    BundleInfo bundle{"Ferrowyn", "1.0", std::nullopt, "/Applications/Ferrowyn.app"};
+    BundleInfo bundle{.name = "Ferrowyn",
+                      .shortVersion = "1.0",
+                      .path = "/Applications/Ferrowyn.app",
+                      .updateHost = "updates.ferrowyn.example",
+                      .homePage = "https://ferrowyn.example"};
     std::string version = "14.5";
     /// What was asked, in order.
     std::vector<ActivationPolicy> policies;

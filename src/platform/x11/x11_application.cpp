@@ -10,11 +10,20 @@
 #include <QUrl>
 #include <QVersionNumber>
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "platform/linux/file_manager.h"
 
 namespace ferrowyn {
+
+namespace {
+
+std::optional<std::string> unlessEmpty(std::string_view text) {
+    return text.empty() ? std::nullopt : std::optional(std::string(text));
+}
+
+}  // namespace
 
 Pid X11Application::ownPid() const {
     return getpid();
@@ -29,7 +38,11 @@ Subscription X11Application::observeDidBecomeActive(std::function<void()> handle
 }
 
 BundleInfo X11Application::bundleInfo() const {
-    return {"Ferrowyn", FERROWYN_VERSION, std::nullopt, QCoreApplication::applicationFilePath().toStdString()};
+    return {.name = "Ferrowyn",
+            .shortVersion = FERROWYN_VERSION,
+            .path = QCoreApplication::applicationFilePath().toStdString(),
+            .updateHost = unlessEmpty(FERROWYN_UPDATE_HOST),
+            .homePage = unlessEmpty(FERROWYN_HOME_PAGE)};
 }
 
 std::string X11Application::systemVersion() const {

@@ -58,6 +58,8 @@ TEST_F(MacSystemTest, AProgramOutsideABundleSaysNothingOfItself) {
         EXPECT_FALSE(info.shortVersion);
         EXPECT_FALSE(info.copyright);
         EXPECT_EQ(info.path, "/usr/local/bin");
+        EXPECT_FALSE(info.updateHost);
+        EXPECT_FALSE(info.homePage);
     }
 }
 
@@ -69,12 +71,16 @@ TEST_F(MacSystemTest, TheBundleSaysWhatTheProgramIs) {
                                                               @"CFBundleName" : @"Ferrowyn",
                                                               @"CFBundleShortVersionString" : @"1.4.0",
                                                               @"NSHumanReadableCopyright" : @"© 2026 Larkmoor",
+                                                              @"FerrowynUpdateHost" : @"updates.ferrowyn.example",
+                                                              @"FerrowynHomePage" : @"",
                                                           }]);
         const auto info = MacApplication().bundleInfo();
         EXPECT_EQ(info.name, "Ferrowyn");
         EXPECT_EQ(info.shortVersion, "1.4.0");
         EXPECT_EQ(info.copyright, "© 2026 Larkmoor");
         EXPECT_EQ(info.path, "/Applications/Ferrowyn.app");
+        EXPECT_EQ(info.updateHost, "updates.ferrowyn.example");
+        EXPECT_FALSE(info.homePage) << "nobody has set it";
     }
 }
 

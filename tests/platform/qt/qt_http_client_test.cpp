@@ -10,6 +10,7 @@
 
 #include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
+#include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "services/update_checker.h"
 #include "tests/platform/qt/https_servers.h"
@@ -321,7 +322,8 @@ protected:
                                 client,
                                 simulated.loginItem,
                                 simulated.texts};
-        UpdateChecker checker(platform, AppVersion(behaviour), servers->host(certificate));
+        desktop.application().bundle.updateHost = servers->host(certificate);
+        UpdateChecker checker(platform, AppVersion(behaviour));
         QEventLoop events;
         const auto patience = mainLoop.after(30s, [&] { events.quit(); });
         const auto subscription = checker.state().subscribeToChanges([&](const UpdateChecker::State& state) {
