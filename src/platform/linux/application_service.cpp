@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/linux/application_service_listener.h"
+#include "platform/linux/bus_link.h"
 #include "platform/linux/bus_thread.h"
 #include "platform/main_loop.h"
 
@@ -48,7 +49,7 @@ bool activateActionOfRunningApplication(const std::string& busAddress, const std
     const QString connectionName = QStringLiteral("ferrowyn-request");
     bool wasDone = false;
     {
-        const auto bus = QDBusConnection::connectToBus(QString::fromStdString(busAddress), connectionName);
+        const auto bus = QDBusConnection::connectToBus(withoutBusIdentity(busAddress), connectionName);
         auto message = QDBusMessage::createMethodCall(ApplicationServiceListener::serviceName(),
                                                       ApplicationServiceListener::objectPath(),
                                                       "org.freedesktop.Application", "ActivateAction");

@@ -3,34 +3,18 @@
 #include <QDBusError>
 #include <QLatin1String>
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 #include "platform/linux/application_id.h"
+#include "platform/linux/bus_link.h"
 
 namespace ferrowyn {
 
-namespace {
-
-/// Connections are known by name within the process.
-QString nextConnectionName() {
-    static std::atomic<int> count{0};
-    return QStringLiteral("ferrowyn-application-%1").arg(++count);
-}
-
-}  // namespace
-
 ApplicationServiceListener::ApplicationServiceListener(std::string busAddress, std::vector<std::string> actions,
                                                        ApplicationService::Handlers handlers)
-    : busAddress_(std::move(busAddress)),
-      actions_(std::move(actions)),
-      handlers_(std::move(handlers)),
-      connectionName_(nextConnectionName()) {}
+    : busAddress_(std::move(busAddress)), actions_(std::move(actions)), handlers_(std::move(handlers)) {}
 
-ApplicationServiceListener::~ApplicationServiceListener() {
-    bus_.reset();
-    QDBusConnection::disconnectFromBus(connectionName_);
-}
+ApplicationServiceListener::~ApplicationServiceListener() = default;
 
 QString ApplicationServiceListener::serviceName() {
     return QLatin1String(applicationId.data(), static_cast<int>(applicationId.size()));
@@ -41,10 +25,16 @@ QString ApplicationServiceListener::objectPath() {
 }
 
 void ApplicationServiceListener::start() {
-    bus_ = QDBusConnection::connectToBus(QString::fromStdString(busAddress_), connectionName_);
+    link_ = std::make_unique<BusLink>(
+        busAddress_, QStringLiteral("application"),
+        BusLink::Handlers{.connected = [this](QDBusConnection& bus) { appearOn(bus); }, .lost = [] {}});
+    link_->start();
+}
+
+void ApplicationServiceListener::appearOn(QDBusConnection& bus) {
     // The object first: from the moment it has the name, the bus delivers what was asked of the name.
-    if (bus_->isConnected() && bus_->registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots)) {
-        bus_->registerService(serviceName());
+    if (bus.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots)) {
+        bus.registerService(serviceName());
     }
 }
 

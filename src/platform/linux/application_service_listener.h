@@ -7,13 +7,15 @@
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/linux/application_service.h"
 
 namespace ferrowyn {
+
+class BusLink;
 
 /// The object that the bus calls. Lives on a thread of its own, on which it also tells.
 class ApplicationServiceListener final : public QObject, protected QDBusContext {
@@ -25,7 +27,7 @@ public:
                                ApplicationService::Handlers handlers);
     ~ApplicationServiceListener() override;
 
-    /// Connects; slow where a bus is. On the listener's thread.
+    /// Connects, and again after the bus was restarted; slow where a bus is. On the listener's thread.
     void start();
 
     [[nodiscard]] static QString serviceName();
@@ -43,11 +45,12 @@ public slots:
     // NOLINTEND(readability-identifier-naming)
 
 private:
+    void appearOn(QDBusConnection& bus);
+
     std::string busAddress_;
     std::vector<std::string> actions_;
     ApplicationService::Handlers handlers_;
-    QString connectionName_;
-    std::optional<QDBusConnection> bus_;
+    std::unique_ptr<BusLink> link_;
 };
 
 }  // namespace ferrowyn

@@ -6,10 +6,10 @@
 #include <QStringList>
 #include <QVariant>
 #include <array>
-#include <atomic>
 #include <utility>
 
 #include "platform/linux/bus_call.h"
+#include "platform/linux/bus_link.h"
 
 namespace ferrowyn {
 
@@ -35,33 +35,6 @@ constexpr std::array<ScreenSaverAddress, 5> screenSavers{{
     {"org.xfce.ScreenSaver", "/org/xfce/ScreenSaver"},
 }};
 
-/// Connections are known by name within the process.
-QString connectionName(const char* bus) {
-    static std::atomic<int> count{0};
-    return QStringLiteral("ferrowyn-session-lock-%1-%2").arg(QLatin1String(bus)).arg(++count);
-}
-
-std::optional<QDBusConnection> connectedTo(const std::optional<std::string>& address, const char* bus) {
-    if (!address) {
-        return std::nullopt;
-    }
-    const auto name = connectionName(bus);
-    auto connection = QDBusConnection::connectToBus(QString::fromStdString(*address), name);
-    if (!connection.isConnected()) {
-        QDBusConnection::disconnectFromBus(name);
-        return std::nullopt;
-    }
-    return connection;
-}
-
-void closeConnection(std::optional<QDBusConnection>& connection) {
-    if (connection) {
-        const auto name = connection->name();
-        connection.reset();
-        QDBusConnection::disconnectFromBus(name);
-    }
-}
-
 /// Asks without starting a service that does not run, and hands over the answer; an error is no answer.
 template <typename Answer, typename Handler>
 void ask(QObject* receiver, const QDBusConnection& bus, QDBusMessage message, Handler handler) {
@@ -84,26 +57,48 @@ SessionLockListener::SessionLockListener(SessionLock::Buses buses, Told told, st
 
 SessionLockListener::~SessionLockListener() {
     ownerWatcher_.reset();
-    closeConnection(system_);
-    closeConnection(session_);
+    system_.reset();
+    session_.reset();
 }
 
 void SessionLockListener::start() {
-    system_ = connectedTo(buses_.system, "system");
-    if (system_) {
-        listenToLoginManager();
+    if (buses_.system) {
+        systemLink_ = std::make_unique<BusLink>(*buses_.system, QStringLiteral("session-lock-system"),
+                                                BusLink::Handlers{.connected =
+                                                                      [this](const QDBusConnection& bus) {
+                                                                          system_ = bus;
+                                                                          listenToLoginManager();
+                                                                      },
+                                                                  .lost = [this] { system_.reset(); }});
+        systemLink_->start();
     }
-    session_ = connectedTo(buses_.session, "session");
-    if (session_) {
-        listenToScreenSavers();
+    if (buses_.session) {
+        sessionLink_ = std::make_unique<BusLink>(*buses_.session, QStringLiteral("session-lock-session"),
+                                                 BusLink::Handlers{.connected =
+                                                                       [this](const QDBusConnection& bus) {
+                                                                           session_ = bus;
+                                                                           listenToScreenSavers();
+                                                                       },
+                                                                   .lost = [this] { forgetScreenSavers(); }});
+        sessionLink_->start();
     }
+}
+
+/// Those that are still there have other names on the next bus.
+void SessionLockListener::forgetScreenSavers() {
+    ownerWatcher_.reset();
+    session_.reset();
+    activeScreenSavers_.clear();
+    tellIfChanged();
 }
 
 void SessionLockListener::listenToLoginManager() {
     system_->connect(loginService, loginManagerPath, loginManagerInterface, "PrepareForSleep", this,
                      SLOT(onPrepareForSleep(bool)));
     const auto listen = [this](const QDBusObjectPath& session, const QDBusMessage&) {
-        listenToSession(session.path());
+        if (system_) {
+            listenToSession(session.path());
+        }
     };
     const auto id = qEnvironmentVariable("XDG_SESSION_ID");
     const auto callToManager = [](const QString& method, const QVariant& argument) {
@@ -184,6 +179,9 @@ void SessionLockListener::setGoingToSleep(bool isGoingToSleep) {
 }
 
 void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActive) {
+    if (!session_) {
+        return;  // word from a bus that has gone meanwhile
+    }
     if (isActive) {
         onLocking_();
     }

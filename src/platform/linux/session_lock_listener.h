@@ -15,6 +15,8 @@
 
 namespace ferrowyn {
 
+class BusLink;
+
 /// Listens on the buses. Lives on a thread of its own, on which it also tells.
 class SessionLockListener final : public QObject {
     Q_OBJECT
@@ -27,7 +29,7 @@ public:
     SessionLockListener(SessionLock::Buses buses, Told told, std::function<void()> onLocking);
     ~SessionLockListener() override;
 
-    /// Connects; slow where a bus is. On the listener's thread.
+    /// Connects, and again after a bus was restarted; slow where a bus is. On the listener's thread.
     void start();
 
 private slots:
@@ -38,6 +40,7 @@ private slots:
     void onScreenSaver(bool isActive, const QDBusMessage& message);
 
 private:
+    void forgetScreenSavers();
     void listenToLoginManager();
     void listenToSession(const QString& path);
     void listenToScreenSavers();
@@ -52,6 +55,8 @@ private:
     std::function<void()> onLocking_;
     std::optional<QDBusConnection> system_;
     std::optional<QDBusConnection> session_;
+    std::unique_ptr<BusLink> systemLink_;
+    std::unique_ptr<BusLink> sessionLink_;
     std::unique_ptr<QDBusServiceWatcher> ownerWatcher_;
     bool isLockedBySession_ = false;
     bool isGoingToSleep_ = false;

@@ -13,6 +13,7 @@
 
 #include "platform/background_work.h"
 #include "platform/linux/bus_call.h"
+#include "platform/linux/bus_link.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
@@ -25,7 +26,7 @@ const QString watcherInterface = QStringLiteral("org.kde.StatusNotifierWatcher")
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
-/// Connections are known by name within the process, items by number within it.
+/// Items are known by number within the process.
 int nextNumber() {
     static std::atomic<int> count{0};
     return ++count;
@@ -48,49 +49,38 @@ bool isPanelOfXfce(unsigned pid) {
 StatusNotifierItem::StatusNotifierItem(MainLoop& mainLoop, BackgroundWork& backgroundWork,
                                        const std::optional<std::string>& busAddress)
     : object_(new StatusNotifierObject(exported_)) {  // NOLINT: its parent owns it.
-    const std::weak_ptr<bool> alive = alive_;
     if (!busAddress) {
-        mainLoop.post([this, alive] {
+        mainLoop.post([this, alive = std::weak_ptr<bool>(alive_)] {
             if (!alive.expired()) {
                 setHost(StatusNotifierHost::none);
             }
         });
         return;
     }
-    const int number = nextNumber();
-    serviceName_ = QStringLiteral("org.kde.StatusNotifierItem-%1-%2").arg(getpid()).arg(number);
-    const QString connectionName = QStringLiteral("ferrowyn-status-notifier-%1").arg(number);
-    backgroundWork.run([this, alive, &mainLoop, connectionName, address = QString::fromStdString(*busAddress)] {
-        const auto bus = QDBusConnection::connectToBus(address, connectionName);
-        mainLoop.post([this, alive, bus] {
-            if (alive.expired()) {
-                QDBusConnection::disconnectFromBus(bus.name());
-            } else {
-                connected(bus);
-            }
+    serviceName_ = QStringLiteral("org.kde.StatusNotifierItem-%1-%2").arg(getpid()).arg(nextNumber());
+    const auto worker = [&mainLoop, &backgroundWork](std::function<void()> work, std::function<void()> done) {
+        backgroundWork.run([&mainLoop, work = std::move(work), done = std::move(done)] {
+            work();
+            mainLoop.post(done);
         });
-    });
+    };
+    link_ =
+        std::make_unique<BusLink>(*busAddress, QStringLiteral("status-notifier"),
+                                  BusLink::Handlers{.connected = [this](const QDBusConnection& bus) { connected(bus); },
+                                                    .lost = [this] { disconnected(); }},
+                                  worker);
+    link_->start();
 }
 
-StatusNotifierItem::~StatusNotifierItem() {
-    ownerWatcher_.reset();
-    if (bus_) {
-        const QString name = bus_->name();
-        bus_.reset();
-        QDBusConnection::disconnectFromBus(name);
-    }
-}
+StatusNotifierItem::~StatusNotifierItem() = default;
 
 void StatusNotifierItem::connected(const QDBusConnection& bus) {
     bus_ = bus;
-    if (!bus_->isConnected() || !bus_->registerService(serviceName_)) {
+    if (!bus_->registerService(serviceName_)) {
         setHost(StatusNotifierHost::none);
         return;
     }
     bus_->registerObject(itemPath, &exported_, QDBusConnection::ExportAdaptors);
-    bus_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                  SLOT(onDisconnected()));
     for (const char* const signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
         bus_->connect(watcherService, watcherPath, watcherInterface, QLatin1String(signal), this,
                       SLOT(onHostsChanged()));
@@ -160,11 +150,15 @@ void StatusNotifierItem::askForHost() {
 }
 
 void StatusNotifierItem::onHostsChanged() {
-    askForHost();
+    if (bus_) {
+        askForHost();
+    }
 }
 
-void StatusNotifierItem::onDisconnected() {
+void StatusNotifierItem::disconnected() {
     ++watcherCount_;
+    ownerWatcher_.reset();
+    bus_.reset();
     setHost(StatusNotifierHost::none);
 }
 

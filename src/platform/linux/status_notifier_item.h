@@ -16,6 +16,7 @@ class QDBusServiceWatcher;
 namespace ferrowyn {
 
 class BackgroundWork;
+class BusLink;
 class MainLoop;
 
 /// Who shows status notifiers.
@@ -29,7 +30,7 @@ enum class StatusNotifierHost {
 
 /// The program's icon as a status notifier on the session bus: offered to every watcher that comes, shown by whatever
 /// host that watcher knows. To one that keeps the second button it is offered only on request. Main thread; connecting,
-/// which waits for the bus, is done on a worker thread.
+/// which waits for the bus, is done on a worker thread, and again after the bus was restarted.
 class StatusNotifierItem final : public QObject {
     Q_OBJECT
 
@@ -52,10 +53,10 @@ public:
 
 private slots:
     void onHostsChanged();
-    void onDisconnected();
 
 private:
     void connected(const QDBusConnection& bus);
+    void disconnected();
     void askForWatcher();
     void watcherChanged(const QString& owner);
     void askForWatcherProcess(const QString& owner);
@@ -76,8 +77,9 @@ private:
     /// What is registered on the bus, with the interface as its adaptor.
     QObject exported_;
     StatusNotifierObject* object_;
-    /// Dies with this, for what a worker posts.
+    /// Dies with this, for what is posted.
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    std::unique_ptr<BusLink> link_;
 };
 
 }  // namespace ferrowyn

@@ -10,6 +10,7 @@
 #include <chrono>
 
 #include "platform/qt/qt_main_loop.h"
+#include "tests/platform/linux/restartable_bus.h"
 
 namespace ferrowyn {
 namespace {
@@ -124,6 +125,20 @@ TEST_F(ApplicationServiceTest, GivesTheNameBackAndTellsNothingAfterItsEnd) {
     QCoreApplication::processEvents();
     EXPECT_FALSE(bus->interface()->isServiceRegistered(serviceName).value());
     EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(ApplicationServiceTest, IsReachedAgainOnceTheBusIsBack) {
+    test::RestartableBus restarted;
+    const auto asInTheEnvironment = restarted.address();
+    const auto service = makeService(asInTheEnvironment);
+    for (int round = 0; round < 3; ++round) {
+        told.clear();
+        EXPECT_TRUE(waitUntil([&] { return activateActionOfRunningApplication(asInTheEnvironment, "show"); })) << round;
+        EXPECT_TRUE(waitUntil([this] { return !told.empty(); }));
+        EXPECT_THAT(told, ElementsAre("show")) << round;
+        restarted.end();
+        restarted.start();
+    }
 }
 
 TEST_F(ApplicationServiceTest, DoesWithoutABus) {

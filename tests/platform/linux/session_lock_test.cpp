@@ -13,6 +13,7 @@
 #include <semaphore>
 
 #include "platform/qt/qt_main_loop.h"
+#include "tests/platform/linux/restartable_bus.h"
 
 namespace ferrowyn {
 namespace {
@@ -132,6 +133,24 @@ TEST_F(SessionLockTest, KnowsASessionThatIsLockedAtTheStart) {
     login.registerVirtualObject("/org/freedesktop/login1", &manager, QDBusConnection::SubPath);
     const SessionLock lock(mainLoop, buses());
     EXPECT_TRUE(waitUntil([&] { return lock.isLocked(); }));
+}
+
+TEST_F(SessionLockTest, AScreenSaverThatWentWithItsBusLocksNoLongerAndOneOnTheNextBusDoes) {
+    test::RestartableBus restarted;
+    const SessionLock lock(mainLoop, {std::nullopt, restarted.address()});
+    const QString interface = "org.freedesktop.ScreenSaver";
+    for (int round = 0; round < 2; ++round) {
+        const auto name = QStringLiteral("saver-on-bus-%1").arg(round);
+        {
+            auto saver = QDBusConnection::connectToBus(QString::fromStdString(restarted.address()), name);
+            ASSERT_TRUE(saver.registerService(interface));
+            EXPECT_TRUE(waitUntilItLocks(saver, interface, lock)) << round;
+        }
+        restarted.end();
+        QDBusConnection::disconnectFromBus(name);
+        EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); })) << round;
+        restarted.start();
+    }
 }
 
 TEST_F(SessionLockTest, FollowsEveryKindOfScreenSaver) {

@@ -23,6 +23,7 @@
 #include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
 #include "tests/platform/linux/fake_status_notifier_watcher.h"
+#include "tests/platform/linux/restartable_bus.h"
 
 namespace ferrowyn {
 namespace {
@@ -240,6 +241,40 @@ TEST_F(StatusNotifierTest, WhenTheBusEndsTheOtherWayIsTaken) {
     ASSERT_TRUE(waitForHost(Host::statusNotifier));
     endBus();
     EXPECT_TRUE(waitForHost(Host::fallback));
+}
+
+TEST_F(StatusNotifierTest, ABusThatIsStartedAgainGetsTheIconAgain) {
+    test::RestartableBus bus;
+    const auto startWatcherThere = [&] {
+        return std::make_unique<test::FakeStatusNotifierWatcher>(QString::fromStdString(bus.address()), true);
+    };
+    auto watcher = startWatcherThere();
+    makeIcon(bus.address());
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(waitForHost(Host::statusNotifier)) << round;
+        watcher.reset();
+        bus.end();
+        ASSERT_TRUE(waitForHost(Host::fallback)) << round;
+        bus.start();
+        watcher = startWatcherThere();
+    }
+    ASSERT_TRUE(waitForHost(Host::statusNotifier));
+    EXPECT_EQ(fallback.livingCount, 0);
+    ASSERT_TRUE(waitUntil([&] { return !watcher->items().isEmpty(); }));
+    EXPECT_THAT(watcher->items(), SizeIs(1));
+    EXPECT_EQ(watcher->propertiesOfItem().value("Id").toString(), "ferrowyn");
+    watcher->callItem("Activate", {10, 20});
+    EXPECT_TRUE(waitUntil([&] { return !presses.empty(); }));
+}
+
+TEST_F(StatusNotifierTest, ABusThatComesLateGetsTheIconThen) {
+    test::RestartableBus bus;
+    bus.end();
+    makeIcon(bus.address());
+    ASSERT_TRUE(waitForHost(Host::fallback));
+    bus.start();
+    const test::FakeStatusNotifierWatcher watcher(QString::fromStdString(bus.address()), true);
+    EXPECT_TRUE(waitForHost(Host::statusNotifier));
 }
 
 TEST_F(StatusNotifierTest, AnIconThatGoesAtOnceLeavesNothingBehind) {
