@@ -30,6 +30,7 @@
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_platform.h"
 #include "platform/x11/x11_wayland_session.h"
+#include "ui/desktop_palette.h"
 #include "ui/popup_status_item.h"
 #include "ui/translations.h"
 #include "ui/tray_symbol.h"
@@ -71,6 +72,10 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
         return refuse(unreachableDisplayMessage(SessionEnvironment::current()));
     }
     const Platform& platform = desktop->platform();
+    // Before anything is drawn.
+    DesktopPalette palette;
+    const auto appearance = desktop->appearance().subscribe(
+        [&palette](const AppearanceSources& sources) { palette.apply(desktopAppearance(sources)); });
     // Before the services say that they are active: who reads that may end the program at once.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     const auto trayIcon = desktop->makeTrayIcon(traySymbol);

@@ -72,7 +72,8 @@ QSize ChoiceBox::sizeHint() const {
 
 bool ChoiceBox::event(QEvent* event) {
     const bool isHandled = QComboBox::event(event);
-    if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::ApplicationPaletteChange) {
+    if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::ApplicationPaletteChange ||
+        event->type() == QEvent::PaletteChange) {
         adopt();
         updateGeometry();
     }

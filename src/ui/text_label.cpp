@@ -50,7 +50,10 @@ void TextLabel::setSymbol(std::string_view name, Tone tone, double side) {
 }
 
 bool TextLabel::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::ApplicationFontChange) {
+    // Of the application's palette only windows are told; what stands in one hears of the colours that it takes from
+    // it.
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange ||
+        event->type() == QEvent::ApplicationFontChange) {
         const bool isHandled = QLabel::event(event);
         adopt();
         return isHandled;

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QVBoxLayout>
 #include <vector>
 
+#include "ui/choice_box.h"
 #include "ui/contrast.h"
 #include "ui/text_label.h"
 
@@ -60,6 +63,29 @@ TEST(WindowThemeTest, LabelsFollowThePaletteWhileTheyAreShown) {
     const QColor dark = label.palette().color(QPalette::WindowText);
     EXPECT_EQ(dark, WindowTheme::fromPalette(palette(true, accents.front())).textSecondary);
     EXPECT_NE(light, dark);
+    QApplication::setPalette(before);
+}
+
+TEST(WindowThemeTest, WhatStandsInAWindowFollowsThePaletteWhileItIsShown) {
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(palette(false, accents.front()));
+    QWidget window;
+    auto* const column = new QVBoxLayout(&window);
+    auto* const label = new TextLabel(Phrase{"General", {}}, TextStyle::paneTitle);
+    auto* const box = new ChoiceBox;
+    box->addItem("List");
+    column->addWidget(label);
+    column->addWidget(box);
+    window.show();
+    // There and back, and there again: the toolkit tells the first change to more than the later ones.
+    for (const bool isDark : {true, false, true}) {
+        QApplication::setPalette(palette(isDark, accents.front()));
+        QCoreApplication::processEvents();
+        const auto theme = WindowTheme::fromPalette(palette(isDark, accents.front()));
+        EXPECT_EQ(label->palette().color(QPalette::WindowText), theme.textPrimary) << isDark;
+        EXPECT_EQ(box->view()->palette().color(QPalette::Base), theme.groupFill) << isDark;
+        EXPECT_EQ(box->view()->palette().color(QPalette::Text), theme.textPrimary) << isDark;
+    }
     QApplication::setPalette(before);
 }
 

@@ -16,6 +16,7 @@
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/journal_log.h"
+#include "platform/linux/linux_appearance.h"
 #include "platform/linux/linux_tray_icon.h"
 #include "platform/linux/session_lock.h"
 #include "platform/linux/xdg_login_item.h"
@@ -39,6 +40,7 @@
 #include "platform/x11/x11_window_control.h"
 #include "platform/x11/x11_window_inventory.h"
 #include "platform/x11/x11_workspace.h"
+#include "platform/x11/x11_xsettings.h"
 
 namespace ferrowyn {
 namespace {
@@ -109,6 +111,8 @@ struct X11Platform::Parts {
     X11Compositor compositor;
     X11Pointer pointer;
     X11Panel panel;
+    LinuxAppearance appearance;
+    X11Xsettings xsettings;
 
     Subscription installedChanges;
     Subscription screenChanges;
@@ -171,6 +175,9 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       compositor(panelEvents),
       pointer(panelEvents, screens, inputContext),
       panel(panelEvents, screens, compositor, pointer),
+      appearance(mainLoop),
+      xsettings(panelEvents,
+                [this](std::optional<std::string> theme) { appearance.setXsettingsTheme(std::move(theme)); }),
       platform{mainLoop,  backgroundWork, log,     userDefaults, application, workspace,
                inventory, observers,      control, trust,        eventTaps,   screens,
                pointer,   panel,          icons,   httpClient,   loginItem,   linuxTexts()} {
@@ -219,6 +226,10 @@ std::unique_ptr<LinuxTrayIcon> X11Platform::makeTrayIcon(const TraySymbolPainter
     };
     return std::make_unique<LinuxTrayIcon>(parts_->mainLoop, parts_->backgroundWork,
                                            SessionLock::Buses::fromEnvironment().session, painter, makeEmbedded);
+}
+
+const Published<AppearanceSources>& X11Platform::appearance() const {
+    return parts_->appearance.sources();
 }
 
 bool X11Platform::isComposited() const {

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/desktop_appearance.h"
+#include "core/published.h"
 #include "platform/log.h"
 #include "platform/platform.h"
 #include "platform/qt/tray_symbol_painter.h"
@@ -44,6 +46,8 @@ public:
 
     /// The program's icon in whatever tray this desktop has, now or later. It does not outlive this.
     [[nodiscard]] std::unique_ptr<LinuxTrayIcon> makeTrayIcon(const TraySymbolPainter& painter);
+    /// What the desktop says about its appearance.
+    [[nodiscard]] const Published<AppearanceSources>& appearance() const;
     /// Whether windows may be translucent now.
     [[nodiscard]] bool isComposited() const;
 

@@ -1,0 +1,59 @@
+#include "core/desktop_appearance.h"
+
+#include <string>
+
+#include "core/plain_ascii.h"
+
+namespace ferrowyn {
+
+namespace {
+
+/// Whether text on this ground would be light, as people see it: green counts most.
+bool isDark(const RgbColor& ground) {
+    constexpr int middle = 128;
+    return (ground.red * 299 + ground.green * 587 + ground.blue * 114) / 1000 < middle;
+}
+
+std::optional<ColorScheme> schemeOfGtk(const AppearanceSources& sources) {
+    const auto& name = sources.xsettingsTheme ? sources.xsettingsTheme : sources.gtkFileTheme;
+    const bool isDark = sources.gtkFilePrefersDark || (name && isNameOfDarkTheme(*name));
+    return isDark ? std::optional(ColorScheme::dark) : std::nullopt;
+}
+
+}  // namespace
+
+DesktopAppearance desktopAppearance(const AppearanceSources& sources) {
+    DesktopAppearance appearance{.scheme = sources.portalScheme, .accent = sources.portalAccent};
+    const bool hasPlasmaColors = sources.isPlasma && sources.plasmaWindow;
+    if (!appearance.scheme) {
+        appearance.scheme = hasPlasmaColors
+                                ? std::optional(isDark(*sources.plasmaWindow) ? ColorScheme::dark : ColorScheme::light)
+                                : schemeOfGtk(sources);
+    }
+    if (!appearance.accent && sources.isPlasma) {
+        appearance.accent = sources.plasmaAccent;
+    }
+    return appearance;
+}
+
+bool isNameOfDarkTheme(std::string_view gtkTheme) {
+    constexpr std::string_view dark = "dark";
+    // The one theme of GTK's own that says it in another way.
+    if (gtkTheme == "HighContrastInverse") {
+        return true;
+    }
+    std::string word;
+    for (const char character : gtkTheme) {
+        const char lower = plain_ascii::lower(character);
+        if (lower >= 'a' && lower <= 'z') {
+            word += lower;
+        } else if (word == dark) {
+            return true;
+        } else {
+            word.clear();
+        }
+    }
+    return word == dark;
+}
+
+}  // namespace ferrowyn
