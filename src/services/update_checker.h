@@ -27,6 +27,7 @@ public:
         AppVersion version;
         /// A well-formed address, not necessarily an https one.
         std::string downloadURL;
+        /// As the server wrote them: whoever shows them must not trust them.
         std::optional<std::string> notes;
 
         friend bool operator==(const Release&, const Release&) = default;
