@@ -31,7 +31,8 @@ struct Rect {
     [[nodiscard]] double maxY() const { return y + height; }
     [[nodiscard]] bool isEmpty() const { return width <= 0 || height <= 0; }
 
-    /// The edges at the smaller coordinates belong to the rectangle, the others do not, so that neighbours share no point.
+    /// The edges at the smaller coordinates belong to the rectangle, the others do not, so that neighbours share no
+    /// point.
     [[nodiscard]] bool contains(const Point& point) const {
         return point.x >= minX() && point.x < maxX() && point.y >= minY() && point.y < maxY();
     }

@@ -37,9 +37,8 @@ void RecencyTracker::seedIfEmpty(const std::vector<AppWindow>& windows) {
 }
 
 void RecencyTracker::retainOnly(const std::unordered_set<WindowId>& ids, std::int64_t newestForgotten) {
-    std::erase_if(ranks_, [&](const auto& entry) {
-        return entry.second <= newestForgotten && !ids.contains(entry.first);
-    });
+    std::erase_if(ranks_,
+                  [&](const auto& entry) { return entry.second <= newestForgotten && !ids.contains(entry.first); });
 }
 
 bool RecencyTracker::precedes(const AppWindow& a, const AppWindow& b) const {

@@ -63,6 +63,14 @@ void StatusItemController::followServices() {
     follow(services_.switchingHealth().problem());
     follow(services_.preferences().layout.published());
     follow(services_.updates().state());
+    // The list comes after the services have started: until something else changed, the menu would count no windows.
+    const auto& windows = services_.windowIndex().windows();
+    cancellables_.push_back(
+        windows.subscribeToChanges([this, wasEmpty = windows.get().empty()](const auto& list) mutable {
+            if (std::exchange(wasEmpty, list.empty()) && !list.empty()) {
+                scheduleUpdate();
+            }
+        }));
 }
 
 void StatusItemController::scheduleUpdate() {

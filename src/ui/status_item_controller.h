@@ -36,8 +36,8 @@ public:
     void configureButton();
     /// The whole menu is made anew each time.
     void buildMenu();
-    /// From now on, the button and the menu follow what they show. The window count, the login item's state and the
-    /// shortcut's keys wait for the next rebuild.
+    /// From now on, the button and the menu follow what they show. The window count, once there are windows, the login
+    /// item's state and the shortcut's keys wait for the next rebuild.
     void followServices();
 
 private:

@@ -120,12 +120,13 @@ TEST_F(AppDelegateTest, WithTrustItStartsSilentlyAndActiveBeforeAnythingIsMadeTo
 
 TEST_F(AppDelegateTest, TheStatusItemIsSetUpOnceAndFollowsTheServices) {
     launchQuietly();
-    ASSERT_EQ(interface.statusItem->buttonCount, 1);
-    ASSERT_EQ(interface.statusItem->menuCount, 1);
+    // Once at the launch, and once more with the first window list.
+    ASSERT_EQ(interface.statusItem->buttonCount, 2);
+    ASSERT_EQ(interface.statusItem->menuCount, 2);
     EXPECT_EQ(interface.statusItem->button.tooltip, "Ferrowyn");
     delegate->services()->preferences().layout.set(SwitcherLayout::grid);
     desktop.settle();
-    EXPECT_EQ(interface.statusItem->menuCount, 2);
+    EXPECT_EQ(interface.statusItem->menuCount, 3);
 }
 
 TEST_F(AppDelegateTest, WithoutTrustItAsksOnceAndShowsTheSetupWindowLast) {

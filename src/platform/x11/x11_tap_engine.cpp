@@ -102,8 +102,8 @@ bool X11TapEngine::serve() {
 std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
     std::optional<Clock::time_point> earliest;
     const auto waitingEnd = reception_.isEmpty() || phase_ != Phase::open ? std::nullopt : endingUntil_;
-    for (const auto& candidate :
-         {answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_, lostTriggerJudgement_, heldKeys_.nextRepeat()}) {
+    for (const auto& candidate : {answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_, lostTriggerJudgement_,
+                                  heldKeys_.nextRepeat()}) {
         if (candidate && (!earliest || *candidate < *earliest)) {
             earliest = candidate;
         }
