@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/x11/xcb_reply.h"
+#include "tests/platform/linux/fake_settings_portal.h"
 #include "tests/x11/application_fixture.h"
 #include "tests/x11/session_manager.h"
 
@@ -44,6 +45,28 @@ TEST_F(ApplicationTest, TheCommandLineOpensTheSwitcherWhichStaysOpen) {
     input.tap(key::enter);
     EXPECT_TRUE(desktop.waitForActiveWindow(windows.front()->id()));
     EXPECT_TRUE(desktop.waitForPanel(false));
+}
+
+TEST_F(ApplicationTest, ItsWindowsFollowTheAppearanceThatTheSettingsPortalTells) {
+    startBus();
+    test::FakeSettingsPortal portal(bus->address());
+    portal.values = {{"color-scheme", 1U}};
+    startProgram();
+    EXPECT_EQ(run({"--settings"}).status, 0);
+    const auto settings = waitForWindow("Ferrowyn Settings");
+    ASSERT_TRUE(settings);
+    const auto isDark = [&] {
+        QCoreApplication::processEvents();
+        const auto place = desktop.placeOf(*settings);
+        // In a corner of the pane, where nothing stands.
+        const auto pixel = place ? desktop.pixel(place->x + place->width - 8, place->y + place->height - 8) : 0;
+        return (pixel >> 8U & 0xFFU) < 0x80;
+    };
+    EXPECT_TRUE(poll(isDark));
+    portal.change("color-scheme", 2U);
+    EXPECT_TRUE(poll([&] { return !isDark(); }));
+    portal.change("color-scheme", 1U);
+    EXPECT_TRUE(poll(isDark));
 }
 
 TEST_F(ApplicationTest, TheCommandLineOpensTheWindows) {

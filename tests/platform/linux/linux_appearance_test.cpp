@@ -1,57 +1,20 @@
 #include "platform/linux/linux_appearance.h"
 
 #include <QCoreApplication>
-#include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusMetaType>
-#include <QDBusVariant>
-#include <QDBusVirtualObject>
-#include <QMap>
 #include <QProcess>
 #include <QTimer>
-#include <QVariantMap>
 #include <chrono>
 #include <filesystem>
 #include <functional>
 
 #include "platform/qt/qt_main_loop.h"
+#include "tests/platform/linux/fake_settings_portal.h"
 #include "tests/platform/linux/temporary_folder.h"
-
-namespace ferrowyn {
-
-/// As the portal sends it.
-struct PortalColor {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-};
-QDBusArgument& operator<<(QDBusArgument& argument, const PortalColor& color) {
-    argument.beginStructure();
-    argument << color.red << color.green << color.blue;
-    argument.endStructure();
-    return argument;
-}
-const QDBusArgument& operator>>(const QDBusArgument& argument, PortalColor& color) {
-    argument.beginStructure();
-    argument >> color.red >> color.green >> color.blue;
-    argument.endStructure();
-    return argument;
-}
-using PortalSettings = QMap<QString, QVariantMap>;
-
-}  // namespace ferrowyn
-
-Q_DECLARE_METATYPE(ferrowyn::PortalColor)
-Q_DECLARE_METATYPE(ferrowyn::PortalSettings)
 
 namespace ferrowyn {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* portalPath = "/org/freedesktop/portal/desktop";
-constexpr const char* appearanceGroup = "org.freedesktop.appearance";
 
 /// Runs the loop until the condition holds; false when it never does.
 bool waitUntil(const std::function<bool()>& condition) {
@@ -156,46 +119,9 @@ TEST_F(LinuxAppearanceTest, TellsOfChangesAlone) {
 
 // --- the portal
 
-/// The settings portal of a desktop.
-class FakePortal final : public QDBusVirtualObject {
-public:
-    explicit FakePortal(const std::string& address)
-        : name_(QStringLiteral("portal-%1").arg(reinterpret_cast<quintptr>(this))),
-          bus_(QDBusConnection::connectToBus(QString::fromStdString(address), name_)) {
-        EXPECT_TRUE(bus_.registerVirtualObject(portalPath, this));
-        EXPECT_TRUE(bus_.registerService("org.freedesktop.portal.Desktop"));
-    }
-    ~FakePortal() override { QDBusConnection::disconnectFromBus(name_); }
-
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-        if (message.member() != "ReadAll") {
-            return false;
-        }
-        ++questions;
-        const PortalSettings settings{{appearanceGroup, values}};
-        return bus.send(message.createReply(QVariant::fromValue(settings)));
-    }
-    void change(const QString& key, const QVariant& value, const QString& group = appearanceGroup) {
-        values[key] = value;
-        auto signal = QDBusMessage::createSignal(portalPath, "org.freedesktop.portal.Settings", "SettingChanged");
-        signal.setArguments({group, key, QVariant::fromValue(QDBusVariant(value))});
-        EXPECT_TRUE(bus_.send(signal));
-    }
-
-    QVariantMap values;
-    int questions = 0;
-
-private:
-    QString name_;
-    QDBusConnection bus_;
-};
-
 class SettingsPortalTest : public LinuxAppearanceTest {
 protected:
     void SetUp() override {
-        qDBusRegisterMetaType<PortalColor>();
-        qDBusRegisterMetaType<PortalSettings>();
         daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
         ASSERT_TRUE(daemon.waitForReadyRead(20000));
         address = daemon.readLine().trimmed().toStdString();
@@ -215,8 +141,8 @@ protected:
 };
 
 TEST_F(SettingsPortalTest, TellsWhatIsChosenAndFollowsIt) {
-    FakePortal portal(address);
-    portal.values = {{"color-scheme", 1U}, {"accent-color", QVariant::fromValue(PortalColor{1, 0.2, 0})}};
+    test::FakeSettingsPortal portal(address);
+    portal.values = {{"color-scheme", 1U}, {"accent-color", test::FakeSettingsPortal::color(1, 0.2, 0)}};
     const LinuxAppearance appearance(mainLoop, optionsWithBus());
     const auto& sources = appearance.sources();
     ASSERT_TRUE(waitUntil([&] { return sources.get().portalScheme == ColorScheme::dark; }));
@@ -225,21 +151,21 @@ TEST_F(SettingsPortalTest, TellsWhatIsChosenAndFollowsIt) {
     EXPECT_TRUE(waitUntil([&] { return sources.get().portalScheme == ColorScheme::light; }));
     portal.change("color-scheme", 0U);
     EXPECT_TRUE(waitUntil([&] { return sources.get().portalScheme == std::nullopt; }));
-    portal.change("accent-color", QVariant::fromValue(PortalColor{0, 0, 1}));
+    portal.change("accent-color", test::FakeSettingsPortal::color(0, 0, 1));
     EXPECT_TRUE(waitUntil([&] { return sources.get().portalAccent == RgbColor{0, 0, 255}; }));
-    portal.change("accent-color", QVariant::fromValue(PortalColor{-1, -1, -1}));
+    portal.change("accent-color", test::FakeSettingsPortal::color(-1, -1, -1));
     EXPECT_TRUE(waitUntil([&] { return sources.get().portalAccent == std::nullopt; })) << "no accent is chosen";
 }
 
 TEST_F(SettingsPortalTest, WhatIsNoAppearanceSaysNothing) {
-    FakePortal portal(address);
+    test::FakeSettingsPortal portal(address);
     portal.values = {{"color-scheme", "dark"}, {"accent-color", 7U}};
     const LinuxAppearance appearance(mainLoop, optionsWithBus());
     ASSERT_TRUE(waitUntil([&] { return portal.questions > 0; }));
     portal.change("color-scheme", 1U, "org.gnome.desktop.interface");
     portal.change("color-scheme", 99U);
     // What was sent before this has been heard once this is.
-    portal.change("accent-color", QVariant::fromValue(PortalColor{0, 1, 0}));
+    portal.change("accent-color", test::FakeSettingsPortal::color(0, 1, 0));
     ASSERT_TRUE(waitUntil([&] { return appearance.sources().get().portalAccent.has_value(); }));
     EXPECT_EQ(appearance.sources().get().portalScheme, std::nullopt);
 }
@@ -247,11 +173,11 @@ TEST_F(SettingsPortalTest, WhatIsNoAppearanceSaysNothing) {
 TEST_F(SettingsPortalTest, APortalThatComesLaterIsAsked) {
     const LinuxAppearance appearance(mainLoop, optionsWithBus());
     {
-        FakePortal portal(address);
+        test::FakeSettingsPortal portal(address);
         portal.values = {{"color-scheme", 1U}};
         ASSERT_TRUE(waitUntil([&] { return appearance.sources().get().portalScheme == ColorScheme::dark; }));
     }
-    FakePortal another(address);
+    test::FakeSettingsPortal another(address);
     another.values = {{"color-scheme", 2U}};
     EXPECT_TRUE(waitUntil([&] { return appearance.sources().get().portalScheme == ColorScheme::light; }));
 }
