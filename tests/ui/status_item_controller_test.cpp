@@ -126,6 +126,14 @@ protected:
         services->retryInput();
         desktop.settle();
     }
+    void ignoreTwoActivations() {
+        desktop.setFrontmost(std::nullopt);
+        desktop.setIgnoresActivation(editor, true);
+        for (int round = 0; round < 2; ++round) {
+            services->switcher().activator().activate(services->windowIndex().windows().get().front());
+            desktop.advance(2s);
+        }
+    }
     void offerUpdate(const std::string& version) {
         services->updates().check();
         auto& http = desktop.httpClient();
@@ -224,26 +232,18 @@ TEST_F(StatusItemControllerTest, ATriggerThatAnotherProgramAnswersOffersAnotherM
 
 TEST_F(StatusItemControllerTest, WindowsThatDoNotComeToTheFrontAreNamedWithWhatToDo) {
     build();
-    desktop.setIgnoresActivation(editor, true);
-    const auto fail = [this] {
-        for (int round = 0; round < 2; ++round) {
-            services->switcher().activator().activate(services->windowIndex().windows().get().front());
-            desktop.advance(2s);
-        }
-    };
-    desktop.setFrontmost(std::nullopt);
-    fail();
+    ignoreTwoActivations();
     EXPECT_EQ(item.button, (StatusButton{"exclamationmark.triangle",
                                          "Ferrowyn — chosen windows do not come to the front", "Ferrowyn"}));
     EXPECT_EQ(item.menu.front(), header("Chosen windows do not come to the front", MenuTint::orange));
     EXPECT_EQ(item.menu.at(2),
               repairRow("Restart the applications that do not answer", "exclamationmark.triangle", Action::none));
+}
 
+TEST_F(StatusItemControllerTest, OnLinuxItIsTheWindowManagerThatDoesNotBringWindowsToTheFront) {
     const Platform platform = replacedIn(desktop.platform(), {.texts = &linuxTexts()});
-    controller.reset();
-    services.reset();
     build(platform);
-    fail();
+    ignoreTwoActivations();
     EXPECT_EQ(item.menu.at(2), repairRow("Use a window manager that activates windows on request",
                                          "exclamationmark.triangle", Action::none));
 }
