@@ -42,7 +42,7 @@ TEST_P(QuickToggleTest, HoldingCyclesForwardBackwardAndAround) {
 
 INSTANTIATE_TEST_SUITE_P(X11, QuickToggleTest, testing::Values("openbox", "xfwm4"), managerName);
 INSTANTIATE_TEST_SUITE_P(FurtherManagers, QuickToggleTest,
-                         testing::Values("icewm", "metacity", "i3", "kwin_x11", "mutter"), managerName);
+                         testing::Values("icewm", "metacity", "i3", "kwin_x11", "mutter", "wmaker"), managerName);
 
 }  // namespace
 }  // namespace ferrowyn::x11test

@@ -76,6 +76,48 @@ TEST_P(SwitchingWindowsTest, ThePanelStandsAboveAFullScreenWindow) {
     expectSwitchTo(window(1));
 }
 
+/// What a person sees of a window behind one that fills the screen.
+class LeavingFullScreenTest : public ManagedDeskTest {
+protected:
+    void fillTheScreen(xcb_window_t window) {
+        program->process().discardOutput();
+        desktop.setState(window, "_NET_WM_STATE_FULLSCREEN", true);
+        ASSERT_TRUE(desktop.waitUntil([&] {
+            const auto place = desktop.placeOf(window);
+            return place && place->width == 1280 && place->height == 800;
+        })) << "waited for the window to fill the screen";
+        ASSERT_TRUE(program->waitForList(windows.size(), window)) << "waited for the program to know of it";
+    }
+    [[nodiscard]] bool waitUntilSeen(std::uint32_t colour, xcb_window_t window) {
+        return desktop.waitUntil([&] {
+            const auto place = desktop.placeOf(window);
+            return place && desktop.pixel(place->x + place->width / 2, place->y + place->height / 2) == colour;
+        });
+    }
+};
+
+TEST_P(LeavingFullScreenTest, TheChosenWindowIsSeen) {
+    constexpr std::uint32_t chosenColour = 0x228833, fullColour = 0xAA3377;
+    openActive({.title = "Chosen", .colour = chosenColour});
+    openActive({.title = "Film", .colour = fullColour});
+    startProgram();
+    fillTheScreen(window(2));
+    ASSERT_TRUE(waitUntilSeen(fullColour, window(1))) << "waited for the film to cover the other window";
+    for (int round = 0; round < 2; ++round) {
+        input.chord({key::leftAlt, key::tab});
+        expectSwitchTo(window(1));
+        EXPECT_TRUE(waitUntilSeen(chosenColour, window(1)))
+            << "waited for the chosen window to be seen; it said: " << program->process().output();
+        input.chord({key::leftAlt, key::tab});
+        expectSwitchTo(window(2));
+        EXPECT_TRUE(waitUntilSeen(fullColour, window(1))) << "waited for the film to be seen";
+        if (manager->name() == "i3") {
+            fillTheScreen(window(2));  // i3 lets no window fill it while another one is used
+        }
+        EXPECT_TRUE(desktop.hasState(window(2), "_NET_WM_STATE_FULLSCREEN"));
+    }
+}
+
 TEST_P(SwitchingWindowsTest, DialogsAreListedAndSkipTaskbarWindowsAreNot) {
     openWindows(2);
     openWindow({.title = "Save as", .type = "_NET_WM_WINDOW_TYPE_DIALOG", .transientFor = window(1)});
@@ -146,6 +188,9 @@ TEST_P(SwitchingWindowsTest, OfTwoHundredWindowsEachIsListedAndAnyIsReached) {
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, SwitchingWindowsTest, testing::Values("openbox", "xfwm4"), managerName);
+INSTANTIATE_TEST_SUITE_P(X11, LeavingFullScreenTest, testing::Values("openbox", "xfwm4"), managerName);
+INSTANTIATE_TEST_SUITE_P(FurtherManagers, LeavingFullScreenTest,
+                         testing::Values("icewm", "metacity", "i3", "kwin_x11", "mutter", "wmaker"), managerName);
 
 }  // namespace
 }  // namespace ferrowyn::x11test

@@ -22,6 +22,7 @@ struct X11Atoms {
     xcb_atom_t netActiveWindow = XCB_ATOM_NONE;
     xcb_atom_t netCurrentDesktop = XCB_ATOM_NONE;
     xcb_atom_t netRestackWindow = XCB_ATOM_NONE;
+    xcb_atom_t windowMakerNoticeBoard = XCB_ATOM_NONE;
 
     xcb_atom_t netWmName = XCB_ATOM_NONE;
     xcb_atom_t netWmPid = XCB_ATOM_NONE;
@@ -34,6 +35,8 @@ struct X11Atoms {
     xcb_atom_t netWmState = XCB_ATOM_NONE;
     xcb_atom_t stateHidden = XCB_ATOM_NONE;
     xcb_atom_t stateFullScreen = XCB_ATOM_NONE;
+    xcb_atom_t stateAbove = XCB_ATOM_NONE;
+    xcb_atom_t stateBelow = XCB_ATOM_NONE;
     xcb_atom_t stateModal = XCB_ATOM_NONE;
     xcb_atom_t stateSkipTaskbar = XCB_ATOM_NONE;
 

@@ -12,6 +12,7 @@ void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunnin
     const bool managerChanged =
         std::exchange(isWindowManagerRunning_, isWindowManagerRunning) != isWindowManagerRunning;
     supportsRestacking_ = root.supportsRestacking;
+    keepsFullScreenOnTop_ = root.keepsFullScreenOnTop;
 
     std::vector<xcb_window_t> arrived;
     if (!changedWindows.empty()) {
@@ -280,6 +281,22 @@ std::vector<xcb_window_t> X11DesktopModel::order() const {
 const X11WindowFacts* X11DesktopModel::find(xcb_window_t window) const {
     const auto found = windows_.find(window);
     return found == windows_.end() ? nullptr : &found->second;
+}
+
+std::vector<xcb_window_t> X11DesktopModel::fullScreenWindowsLeftAbove(xcb_window_t window) const {
+    std::vector<xcb_window_t> above;
+    const auto* const activated = find(window);
+    if (!keepsFullScreenOnTop_ || activated == nullptr) {
+        return above;
+    }
+    for (const auto& [id, facts] : windows_) {
+        // A dialog stands above its window by itself.
+        if (id != window && id != activated->transientFor && facts.isFullScreen && !facts.isHidden &&
+            !facts.isAlwaysOnTop && facts.isOnDesktop(activated->desktop)) {
+            above.push_back(id);
+        }
+    }
+    return above;
 }
 
 std::vector<xcb_window_t> X11DesktopModel::windowsOf(Pid pid) const {

@@ -48,6 +48,8 @@ public:
 
     [[nodiscard]] bool isWindowManagerRunning() const { return isWindowManagerRunning_; }
     [[nodiscard]] bool supportsRestacking() const { return supportsRestacking_; }
+    /// Those that this window's manager leaves above it although it is activated; see `X11RootFacts`.
+    [[nodiscard]] std::vector<xcb_window_t> fullScreenWindowsLeftAbove(xcb_window_t window) const;
     [[nodiscard]] std::optional<std::uint32_t> currentDesktop() const { return currentDesktop_; }
     /// None while the manager says that no window is.
     [[nodiscard]] xcb_window_t activeWindow() const { return activeWindow_; }
@@ -112,6 +114,7 @@ private:
 
     bool isWindowManagerRunning_ = false;
     bool supportsRestacking_ = false;
+    bool keepsFullScreenOnTop_ = false;
     std::optional<std::uint32_t> currentDesktop_;
     xcb_window_t activeWindow_ = XCB_WINDOW_NONE;
     xcb_window_t reportedActive_ = XCB_WINDOW_NONE;

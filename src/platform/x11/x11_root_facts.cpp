@@ -35,7 +35,8 @@ X11RootRequests::X11RootRequests(xcb_connection_t* connection, xcb_window_t root
       currentDesktop_(request(connection, root, atoms.netCurrentDesktop, 1)),
       activeWindow_(request(connection, root, atoms.netActiveWindow, 1)),
       supportingWmCheck_(request(connection, root, atoms.netSupportingWmCheck, 1)),
-      supported_(request(connection, root, atoms.netSupported, maximumSupportedLength)) {}
+      supported_(request(connection, root, atoms.netSupported, maximumSupportedLength)),
+      noticeBoard_(request(connection, root, atoms.windowMakerNoticeBoard, 1)) {}
 
 X11RootFacts X11RootRequests::collect(xcb_connection_t* connection, const X11Atoms& atoms) const {
     X11RootFacts facts;
@@ -55,6 +56,9 @@ X11RootFacts X11RootRequests::collect(xcb_connection_t* connection, const X11Ato
     const auto supported = supportedProperty.items(XCB_ATOM_ATOM);
     facts.supportsHiddenState = std::ranges::find(supported, atoms.stateHidden) != supported.end();
     facts.supportsRestacking = std::ranges::find(supported, atoms.netRestackWindow) != supported.end();
+    // It outlives a manager that was killed; the next one has another window.
+    const auto noticeBoard = X11Property::collect(connection, noticeBoard_).item(XCB_ATOM_WINDOW);
+    facts.keepsFullScreenOnTop = noticeBoard && noticeBoard == facts.supportingWmCheck;
     return facts;
 }
 

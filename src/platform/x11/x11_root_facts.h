@@ -35,6 +35,8 @@ struct X11RootFacts {
     /// nothing: some managers give that to every window of another desktop.
     bool supportsHiddenState = false;
     bool supportsRestacking = false;
+    /// The manager is Window Maker, which leaves a full-screen window above all others when one of them is activated.
+    bool keepsFullScreenOnTop = false;
 };
 
 /// The requests for `X11RootFacts`, sent together; collecting waits for the answers.
@@ -51,6 +53,7 @@ private:
     xcb_get_property_cookie_t activeWindow_;
     xcb_get_property_cookie_t supportingWmCheck_;
     xcb_get_property_cookie_t supported_;
+    xcb_get_property_cookie_t noticeBoard_;
 };
 
 /// Looks for the proof that a manager runs: a window of its own that says the same of itself as the root does. Any

@@ -5,6 +5,7 @@
 
 #include "platform/x11/x11_element.h"
 #include "platform/x11/x11_server_time.h"
+#include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
 namespace {
@@ -13,6 +14,50 @@ namespace {
 constexpr std::uint32_t sourcePager = 2;
 /// Longer than the pause after which an activation that was not confirmed is asked for again.
 constexpr Seconds requestLifetime{1.0};
+
+/// As the conventions number what to do with a state.
+constexpr std::uint32_t stateRemove = 0, stateAdd = 1;
+
+void sendMessage(X11EventConnection& connection, xcb_window_t window, xcb_atom_t message,
+                 const std::array<std::uint32_t, 5>& data) {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = message;
+    std::ranges::copy(data, event.data.data32);
+    xcb_send_event(connection.get(), 0, connection.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&event));
+}
+
+/// Asks where a window is on the screens.
+struct X11PlaceRequest {
+    X11PlaceRequest(X11EventConnection& connection, xcb_window_t asked)
+        : window(asked),
+          geometry(xcb_get_geometry(connection.get(), asked)),
+          position(xcb_translate_coordinates(connection.get(), asked, connection.root(), 0, 0)) {}
+
+    /// Nothing when the window is gone.
+    [[nodiscard]] std::optional<Rect> collect(X11EventConnection& connection) const {
+        const XcbReply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection.get(), geometry, nullptr));
+        const XcbReply<xcb_translate_coordinates_reply_t> origin(
+            xcb_translate_coordinates_reply(connection.get(), position, nullptr));
+        if (size == nullptr || origin == nullptr) {
+            return std::nullopt;
+        }
+        return Rect{static_cast<double>(origin->dst_x), static_cast<double>(origin->dst_y),
+                    static_cast<double>(size->width), static_cast<double>(size->height)};
+    }
+
+    xcb_window_t window;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_translate_coordinates_cookie_t position;
+};
+
+bool intersect(const Rect& a, const Rect& b) {
+    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+}
 
 }  // namespace
 
@@ -71,6 +116,7 @@ void X11WindowControl::requestActivation(xcb_window_t window) {
         sendToManager(monitor_.connection().root(), atoms_.netCurrentDesktop, {*facts->desktop, requestTime_, 0, 0, 0});
     }
     sendActivation(window, requestTime_);
+    uncover(window);
     monitor_.connection().flush();
 }
 
@@ -106,17 +152,38 @@ void X11WindowControl::stackAbove(xcb_window_t window) {
     xcb_configure_window(monitor_.connection().get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
 }
 
+void X11WindowControl::uncover(xcb_window_t window) {
+    const auto fullScreen = monitor_.model().fullScreenWindowsLeftAbove(window);
+    if (fullScreen.empty()) {
+        return;
+    }
+    // Where the windows are now: one that fills another screen stays as it is.
+    auto& connection = monitor_.connection();
+    const X11PlaceRequest place(connection, window);
+    std::vector<X11PlaceRequest> places;
+    for (const auto each : fullScreen) {
+        places.emplace_back(connection, each);
+    }
+    connection.whenAnswered([&connection, &atoms = atoms_, place, places] {
+        const auto own = place.collect(connection);
+        for (const auto& each : places) {
+            const auto other = each.collect(connection);
+            if (own && other && intersect(*own, *other)) {
+                // Being told to stay below the others takes it out of the layer above them; it may come up again at
+                // once. It stays full screen all the time.
+                for (const auto action : {stateAdd, stateRemove}) {
+                    sendMessage(connection, each.window, atoms.netWmState,
+                                {action, atoms.stateBelow, 0, sourcePager, 0});
+                }
+            }
+        }
+        connection.flush();
+    });
+}
+
 void X11WindowControl::sendToManager(xcb_window_t window, xcb_atom_t message,
                                      const std::array<std::uint32_t, 5>& data) {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = message;
-    std::ranges::copy(data, event.data.data32);
-    xcb_send_event(monitor_.connection().get(), 0, monitor_.connection().root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&event));
+    sendMessage(monitor_.connection(), window, message, data);
 }
 
 xcb_timestamp_t X11WindowControl::userTime() const {

@@ -63,6 +63,8 @@ private:
     void takeFocusBackFor(xcb_window_t window);
     void sendActivation(xcb_window_t window, xcb_timestamp_t time);
     void stackAbove(xcb_window_t window);
+    /// Where the manager does not do that by itself: takes full-screen windows out of the way of the window.
+    void uncover(xcb_window_t window);
     void sendToManager(xcb_window_t window, xcb_atom_t message, const std::array<std::uint32_t, 5>& data);
     [[nodiscard]] xcb_timestamp_t userTime() const;
     [[nodiscard]] bool isOwnedBy(std::optional<xcb_window_t> window, Pid pid) const;

@@ -46,6 +46,7 @@ struct X11WindowFacts {
     bool skipsTaskbar = false;
     bool isHidden = false;
     bool isFullScreen = false;
+    bool isAlwaysOnTop = false;
     bool isMapped = false;
     /// Absent where the manager has no desktops; `onAllDesktops` for a sticky window.
     std::optional<std::uint32_t> desktop;

@@ -57,6 +57,7 @@ void readState(const X11Property& property, const X11Atoms& atoms, X11WindowFact
     facts.isFullScreen = has(atoms.stateFullScreen);
     facts.skipsTaskbar = has(atoms.stateSkipTaskbar);
     facts.isModal = has(atoms.stateModal);
+    facts.isAlwaysOnTop = has(atoms.stateAbove);
 }
 
 /// WM_HINTS: flags first, the group's window last.

@@ -12,8 +12,8 @@ namespace ferrowyn::x11test {
 /// announced itself on the root window) when the constructor returns.
 class WindowManagerProcess {
 public:
-    /// "openbox", "xfwm4", "icewm", "metacity", "i3", "kwin_x11" or "mutter". With `replacing`, it takes over from a
-    /// manager that runs already.
+    /// "openbox", "xfwm4", "icewm", "metacity", "i3", "kwin_x11", "mutter", "dwm" or "wmaker". With `replacing`, it
+    /// takes over from a manager that runs already.
     WindowManagerProcess(const PrivateXServer& server, const std::string& name, bool replacing = false);
 
     [[nodiscard]] const std::string& name() const { return name_; }
