@@ -92,6 +92,23 @@ TEST_P(ApplicationIdentityTest, AWindowThatBecomesOneOfAnotherApplicationIsReach
     expectSwitchTo(song);
 }
 
+TEST_P(ApplicationIdentityTest, AnApplicationInstalledWhileItRunsIsKnownByItsEntry) {
+    install("suite-writer", "Brief", "SuiteWriter");
+    const auto table = start("SuiteCalc", {"Table"}).front();
+    const auto song = start("Player", {"Song"}).front();
+    startHaving({song, table});
+    program->process().discardOutput();
+    install("suite-calc", "Quartz", "SuiteCalc");
+    ASSERT_TRUE(program->waitForList(2, table))
+        << "waited for the program to read the entry; it said: " << program->process().output();
+    use(song);
+    hold();
+    type({key::q, key::u, key::a});
+    input.tap(key::enter);
+    expectSwitchTo(table);
+    letGo();
+}
+
 TEST_P(ApplicationIdentityTest, AFavouriteCountsForEveryProcessOfTheApplication) {
     install("shell-terminal", "Shell", "Terminal");
     const auto first = start("Terminal", {"First shell"}).front();

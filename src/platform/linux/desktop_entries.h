@@ -34,6 +34,9 @@ public:
     /// What LC_ALL, LC_MESSAGES or LANG say, the first that is set.
     [[nodiscard]] static std::string currentLocale();
 
+    /// Reads the folders now if the next question would; for a worker, so that the main thread need not.
+    void read() const { static_cast<void>(index()); }
+
     /// All null when there is none.
     /// By desktop-file id, with or without ".desktop".
     [[nodiscard]] EntryPtr byId(std::string_view id) const;

@@ -190,8 +190,14 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
     installedChanges = entries.observeChanges([this] {
-        directory.forgetAll();
-        monitor.noteInstalledApplicationsChanged();
+        // The folders are read on a worker; until then what is known of the windows stays.
+        backgroundWork.run([this] {
+            entries.read();
+            mainLoop.post([this] {
+                directory.forgetAll();
+                monitor.noteInstalledApplicationsChanged();
+            });
+        });
     });
     reader.keepLastingFacts();
     windowReadings = monitor.windowReadings().subscribe([this](const auto& windows) { reader.forget(windows); });
