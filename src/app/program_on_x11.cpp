@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 #include "app/app_delegate.h"
 #include "app/app_services.h"
@@ -41,6 +42,10 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::chrono::seconds patienceWithEnding{10};
+/// It may still be starting, on a slow machine.
+constexpr std::chrono::seconds patienceWithAnswer{5};
+/// Each time, the program that was asked has ended meanwhile.
+constexpr int mostAttempts = 5;
 
 int refuse(const std::string& message) {
     std::cerr << message << "\n";
@@ -114,6 +119,27 @@ int endRunning(const X11Connection& connection) {
     return exit_status::unusableDesktop;
 }
 
+/// Makes this the only program, or has the one that runs do what this start asks for, and says then how that went.
+std::variant<std::unique_ptr<SingleInstance>, int> claimOrAsk(const CommandLine& line,
+                                                              std::unique_ptr<X11Connection>& connection) {
+    auto answer = SingleInstance::Answer::nobodyRuns;
+    // One that ends just now leaves the claim to this one.
+    for (int attempt = 0; attempt < mostAttempts && answer == SingleInstance::Answer::nobodyRuns; ++attempt) {
+        if (auto instance = SingleInstance::claim(connection)) {
+            return instance;
+        }
+        answer = SingleInstance::ask(*connection, line.request.value_or(ProgramRequest::openSetup), patienceWithAnswer);
+    }
+    if (answer != SingleInstance::Answer::heard) {
+        return refuse(
+            "ferrowyn: Ferrowyn runs on this display, but does not answer; or another program has taken its place.");
+    }
+    if (!line.request) {
+        std::cout << "Ferrowyn is already running on this display.\n";
+    }
+    return exit_status::success;
+}
+
 /// From where no display can be reached (another terminal, a remote shell), a program that runs in the session can be.
 bool askOverBus(ProgramRequest request, int& argumentCount, char** arguments) {
     const auto bus = SessionLock::Buses::fromEnvironment().session;
@@ -142,15 +168,11 @@ int runOnX11(const CommandLine& line, int& argumentCount, char** arguments) {
     if (line.request == ProgramRequest::quit) {
         return endRunning(*connection);
     }
-    const auto instance =
-        SingleInstance::claim(std::move(connection), line.request.value_or(ProgramRequest::openSetup));
-    if (!instance) {
-        if (!line.request) {
-            std::cout << "Ferrowyn is already running on this display.\n";
-        }
-        return exit_status::success;
-    }
-    return runAlone(line, *instance, argumentCount, arguments);
+    const auto claimed = claimOrAsk(line, connection);
+    const auto* const status = std::get_if<int>(&claimed);
+    return status != nullptr
+               ? *status
+               : runAlone(line, *std::get<std::unique_ptr<SingleInstance>>(claimed), argumentCount, arguments);
 }
 
 }  // namespace ferrowyn

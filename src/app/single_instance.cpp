@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <QAbstractEventDispatcher>
 #include <QSocketNotifier>
 #include <algorithm>
 #include <cstdint>
@@ -12,6 +13,7 @@
 
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_property.h"
+#include "platform/x11/x11_sent_events.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
@@ -43,15 +45,18 @@ xcb_window_t ownerOf(xcb_connection_t* connection, xcb_atom_t selection) {
     return reply ? reply->owner : xcb_window_t{XCB_NONE};
 }
 
-void send(xcb_connection_t* connection, xcb_window_t owner, xcb_atom_t type, ProgramRequest request) {
+/// `asker` is the window to answer to, which is None in the answer itself.
+void send(xcb_connection_t* connection, xcb_window_t receiver, xcb_atom_t type, std::uint32_t request,
+          xcb_window_t asker) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
-    message.window = owner;
+    message.window = receiver;
     message.type = type;
-    message.data.data32[0] = static_cast<std::uint32_t>(request);
+    message.data.data32[0] = request;
+    message.data.data32[1] = asker;
     // Without an event mask it goes to the client that made the window.
-    xcb_send_event(connection, 0, owner, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&message));
+    xcb_send_event(connection, 0, receiver, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&message));
 }
 
 /// Something that a program of another version asks, and this one does not know, is nothing.
@@ -71,8 +76,18 @@ void synchronize(xcb_connection_t* connection) {
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
-/// Whether the window, whose end was asked to be told, is gone in time.
-bool waitUntilDestroyed(const X11Connection& connection, xcb_window_t window, std::chrono::milliseconds patience) {
+/// Asks to be told of the window's end, which is that of its program: the window goes when everything else that the
+/// program held has been given back.
+void listenForEnd(xcb_connection_t* connection, xcb_window_t window) {
+    const std::uint32_t wanted = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &wanted);
+}
+
+enum class Outcome { answered, destroyed, neither };
+
+/// Waits for a message of this type, or for the end of the window that was listened for.
+Outcome waitForAnswerOrEnd(const X11Connection& connection, xcb_atom_t answerType, xcb_window_t window,
+                           std::chrono::milliseconds patience) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (connection.isAlive()) {
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.get())}) {
@@ -81,18 +96,22 @@ bool waitUntilDestroyed(const X11Connection& connection, xcb_window_t window, st
                                      reinterpret_cast<const xcb_destroy_notify_event_t*>(event.get())->window == window;
             // The one error there can be: the window had gone before it was asked about.
             if (isDestroyed || type == 0) {
-                return true;
+                return Outcome::destroyed;
+            }
+            if (type == XCB_CLIENT_MESSAGE &&
+                reinterpret_cast<const xcb_client_message_event_t*>(event.get())->type == answerType) {
+                return Outcome::answered;
             }
         }
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         if (left.count() <= 0) {
-            return false;
+            return Outcome::neither;
         }
         pollfd readable{.fd = connection.fileDescriptor(), .events = POLLIN, .revents = 0};
         poll(&readable, 1, static_cast<int>(left.count()));
     }
-    return true;  // With the server, all its clients are gone.
+    return Outcome::destroyed;  // With the server, all its clients are gone.
 }
 
 }  // namespace
@@ -101,26 +120,44 @@ std::string SingleInstance::selectionName() {
     return fmt::format("_FERROWYN_INSTANCE_{}", getuid());
 }
 
-std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connection> connection,
-                                                      ProgramRequest otherwiseAsk) {
+std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connection>& connection) {
     auto* server = connection->get();
     const auto atoms = Atoms::of(*connection);
     // Of two programs that start at the same time, one looks only after the other has claimed.
     xcb_grab_server(server);
-    const auto owner = ownerOf(server, atoms.selection);
-    const auto window = owner == XCB_NONE ? createHiddenWindow(*connection) : xcb_window_t{XCB_WINDOW_NONE};
-    if (owner == XCB_NONE) {
-        xcb_set_selection_owner(server, window, atoms.selection, XCB_CURRENT_TIME);
-    } else {
-        send(server, owner, atoms.request, otherwiseAsk);
+    const bool isFree = ownerOf(server, atoms.selection) == XCB_NONE;
+    const Claim claim{.window = isFree ? createHiddenWindow(*connection) : xcb_window_t{XCB_WINDOW_NONE},
+                      .selection = atoms.selection,
+                      .requestType = atoms.request,
+                      .word = atoms.word};
+    if (isFree) {
+        xcb_set_selection_owner(server, claim.window, claim.selection, XCB_CURRENT_TIME);
     }
     xcb_ungrab_server(server);
     synchronize(server);
-    if (owner != XCB_NONE) {
-        return nullptr;
+    return isFree ? std::unique_ptr<SingleInstance>(new SingleInstance(std::move(connection), claim)) : nullptr;
+}
+
+SingleInstance::Answer SingleInstance::ask(const X11Connection& connection, ProgramRequest request,
+                                           std::chrono::milliseconds patience) {
+    auto* server = connection.get();
+    const auto atoms = Atoms::of(connection);
+    const auto owner = ownerOf(server, atoms.selection);
+    if (owner == XCB_NONE) {
+        return Answer::nobodyRuns;
     }
-    return std::unique_ptr<SingleInstance>(
-        new SingleInstance(std::move(connection), {window, atoms.request, atoms.word}));
+    listenForEnd(server, owner);
+    send(server, owner, atoms.request, static_cast<std::uint32_t>(request), createHiddenWindow(connection));
+    synchronize(server);
+    switch (waitForAnswerOrEnd(connection, atoms.request, owner, patience)) {
+        case Outcome::answered:
+            return Answer::heard;
+        case Outcome::destroyed:
+            return Answer::nobodyRuns;
+        case Outcome::neither:
+            break;
+    }
+    return Answer::none;
 }
 
 std::optional<std::string> SingleInstance::wordOfRunning(const X11Connection& connection) {
@@ -151,34 +188,33 @@ SingleInstance::Ending SingleInstance::endRunning(const X11Connection& connectio
     if (owner == XCB_NONE) {
         return Ending::nobodyRan;
     }
-    // Its end is told as that of its window, which goes when everything else that it held has been given back.
-    const std::uint32_t wanted = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(server, owner, XCB_CW_EVENT_MASK, &wanted);
-    send(server, owner, atoms.request, ProgramRequest::quit);
+    listenForEnd(server, owner);
+    send(server, owner, atoms.request, static_cast<std::uint32_t>(ProgramRequest::quit), XCB_WINDOW_NONE);
     synchronize(server);
-    return waitUntilDestroyed(connection, owner, patience) ? Ending::ended : Ending::stillRuns;
+    const auto outcome = waitForAnswerOrEnd(connection, XCB_ATOM_NONE, owner, patience);
+    return outcome == Outcome::destroyed ? Ending::ended : Ending::stillRuns;
 }
 
 /// Reads the messages as they come.
 class SingleInstance::Listener {
 public:
-    Listener(const X11Connection& connection, xcb_atom_t requestType, std::function<void(ProgramRequest)> onRequest)
+    Listener(const X11Connection& connection, const Claim& claim, std::function<void(ProgramRequest)> onRequest)
         : connection_(connection),
-          requestType_(requestType),
+          claim_(claim),
           onRequest_(std::move(onRequest)),
           notifier_(connection.fileDescriptor(), QSocketNotifier::Read) {
         QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { readEvents(); });
+        // xcb may read events off the socket while it writes; the socket is silent about those.
+        QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &notifier_,
+                         [this] { readEvents(); });
     }
 
     void readEvents() {
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) {
-            if ((event->response_type & 0x7FU) != XCB_CLIENT_MESSAGE) {
-                continue;
-            }
-            const auto& message = *reinterpret_cast<const xcb_client_message_event_t*>(event.get());
-            const auto request = message.type == requestType_ ? requestIn(message) : std::nullopt;
-            if (request) {
-                onRequest_(*request);
+            if (typeOf(*event) == XCB_CLIENT_MESSAGE) {
+                take(*reinterpret_cast<const xcb_client_message_event_t*>(event.get()));
+            } else if (event->response_type == XCB_SELECTION_CLEAR) {
+                claimAgain();
             }
         }
         if (!connection_.isAlive()) {
@@ -188,8 +224,30 @@ public:
     }
 
 private:
+    void take(const xcb_client_message_event_t& message) {
+        const auto request = message.type == claim_.requestType ? requestIn(message) : std::nullopt;
+        if (!request) {
+            return;
+        }
+        if (const xcb_window_t asker = message.data.data32[1]; asker != XCB_WINDOW_NONE) {
+            send(connection_.get(), asker, claim_.requestType, message.data.data32[0], XCB_WINDOW_NONE);
+            xcb_flush(connection_.get());
+        }
+        onRequest_(*request);
+    }
+
+    void claimAgain() {
+        if (claimsLeft_ > 0) {
+            --claimsLeft_;
+            xcb_set_selection_owner(connection_.get(), claim_.window, claim_.selection, XCB_CURRENT_TIME);
+            xcb_flush(connection_.get());
+        }
+    }
+
     const X11Connection& connection_;
-    xcb_atom_t requestType_;
+    Claim claim_;
+    /// Two that take it from each other must come to an end.
+    int claimsLeft_ = 100;
     std::function<void(ProgramRequest)> onRequest_;
     QSocketNotifier notifier_;
 };
@@ -201,7 +259,7 @@ SingleInstance::~SingleInstance() = default;
 
 Subscription SingleInstance::listen(std::function<void(ProgramRequest)> onRequest) {
     // Shared with the token only because a token must be copyable into a function.
-    const auto listener = std::make_shared<Listener>(*connection_, claim_.requestType, std::move(onRequest));
+    const auto listener = std::make_shared<Listener>(*connection_, claim_, std::move(onRequest));
     // One may have asked while the program was still starting: its message is read already, so nothing wakes up.
     listener->readEvents();
     return Subscription([held = listener]() mutable { held.reset(); });

@@ -18,14 +18,25 @@ class X11Connection;
 
 /// Makes this the only running program of its user on its display, and carries what later starts ask of it. The claim
 /// is an X selection: the server hands it to one client at a time, and takes it back when that client goes, however it
-/// goes. Main thread.
+/// goes. Any client can take it away, which only a program that is not this one does: it is claimed again then. Main
+/// thread.
 class SingleInstance {
 public:
     /// The selection that the running program owns.
     [[nodiscard]] static std::string selectionName();
-    /// Null when another program has the claim; the request has been passed to it then.
-    [[nodiscard]] static std::unique_ptr<SingleInstance> claim(std::unique_ptr<X11Connection> connection,
-                                                               ProgramRequest otherwiseAsk);
+    /// Null when another program has the claim; the connection is left then.
+    [[nodiscard]] static std::unique_ptr<SingleInstance> claim(std::unique_ptr<X11Connection>& connection);
+
+    enum class Answer {
+        heard,
+        /// No program has the claim, or the one that had it has ended without an answer.
+        nobodyRuns,
+        /// Who has the claim is hung, or not this program.
+        none,
+    };
+    /// Passes the request to the program that runs, and waits until it has been heard there.
+    [[nodiscard]] static Answer ask(const X11Connection& connection, ProgramRequest request,
+                                    std::chrono::milliseconds patience);
 
     enum class Ending { nobodyRan, ended, stillRuns };
     /// What the program that runs says of itself (`tellOthers`); nothing when none runs or it says nothing.
@@ -47,6 +58,7 @@ public:
 private:
     struct Claim {
         xcb_window_t window;
+        xcb_atom_t selection;
         xcb_atom_t requestType;
         xcb_atom_t word;
     };

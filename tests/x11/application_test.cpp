@@ -1,6 +1,8 @@
 #include <unistd.h>
 
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/x11/xcb_reply.h"
 #include "tests/platform/linux/fake_settings_portal.h"
@@ -116,6 +118,54 @@ TEST_F(ApplicationTest, EndingItWhileItStillStartsIsNotForgotten) {
     // It has the display's claim from the very beginning, long before it can do anything.
     const auto claim = desktop.atom("_FERROWYN_INSTANCE_" + std::to_string(getuid()));
     ASSERT_TRUE(poll([&] { return selectionOwner(claim) != XCB_NONE; }));
+    EXPECT_EQ(run({"--quit"}).status, 0);
+    expectEnd();
+}
+
+TEST_F(ApplicationTest, WhoTakesItsPlaceAwayDoesNotKeepIt) {
+    startProgram();
+    const auto claim = desktop.atom("_FERROWYN_INSTANCE_" + std::to_string(getuid()));
+    const auto owner = selectionOwner(claim);
+    for (int round = 0; round < 3; ++round) {
+        xcb_set_selection_owner(desktop.connection(), windows.front()->id(), claim, XCB_CURRENT_TIME);
+        EXPECT_TRUE(poll([&] { return selectionOwner(claim) == owner; })) << round;
+    }
+    EXPECT_EQ(run({"--show"}).status, 0);
+    waitForSwitcher();
+    input.tap(key::escape);
+    EXPECT_TRUE(desktop.waitForPanel(false));
+}
+
+TEST_F(ApplicationTest, WhatNobodyHearsIsAnErrorThatSaysSo) {
+    const auto claim = desktop.atom("_FERROWYN_INSTANCE_" + std::to_string(getuid()));
+    xcb_set_selection_owner(desktop.connection(), windows.front()->id(), claim, XCB_CURRENT_TIME);
+    ASSERT_EQ(selectionOwner(claim), windows.front()->id());
+    const auto result = run({"--show"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr("does not answer"));
+}
+
+TEST_F(ApplicationTest, WhatIsAskedOfAProgramThatIsJustEndingStartsAnother) {
+    // A window that stands for the program, which hears what it is asked and ends without an answer.
+    std::optional<TestWindow> ending(std::in_place, server.display(), TestWindow::Options{.title = "Ending"});
+    const auto claim = desktop.atom("_FERROWYN_INSTANCE_" + std::to_string(getuid()));
+    xcb_set_selection_owner(desktop.connection(), ending->id(), claim, XCB_CURRENT_TIME);
+    ASSERT_EQ(selectionOwner(claim), ending->id());
+    program = std::make_unique<FerrowynProgram>(
+        FERROWYN_PROGRAM, server,
+        FerrowynProgram::Options{.environment = environment(), .arguments = {"--show", "--log-level=debug"}});
+    bool isAsked = false;
+    ASSERT_TRUE(poll([&] {
+        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(ending->connection())}) {
+            isAsked = isAsked || (event->response_type & 0x7FU) == XCB_CLIENT_MESSAGE;
+        }
+        return isAsked;
+    }));
+    ending.reset();
+    ASSERT_TRUE(program->waitUntilActive()) << program->process().output();
+    waitForSwitcher();
+    input.tap(key::escape);
+    EXPECT_TRUE(desktop.waitForPanel(false));
     EXPECT_EQ(run({"--quit"}).status, 0);
     expectEnd();
 }

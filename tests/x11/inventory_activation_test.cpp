@@ -133,8 +133,13 @@ TEST_P(ActivationTest, IsOvertakenByWhatBecomesActiveAfterItsWindow) {
     EXPECT_FALSE(parts.control.wasOvertaken(element)) << "not active yet";
     ASSERT_TRUE(isSeenActive(first.id()));
     EXPECT_FALSE(parts.control.wasOvertaken(element));
-    desktop.activate(other.id());
-    ASSERT_TRUE(isSeenActive(other.id()));
+    // Again, if need be: managers drop a request that comes while they still focus the window before.
+    bool isSeen = false;
+    for (int attempt = 0; !isSeen && attempt < 10; ++attempt) {
+        desktop.activate(other.id());
+        isSeen = parts.runUntil([&] { return parts.monitor.model().activeWindow() == other.id(); }, milliseconds{1000});
+    }
+    ASSERT_TRUE(isSeen);
     EXPECT_TRUE(parts.control.wasOvertaken(element));
     activate(first.id());
     EXPECT_FALSE(parts.control.wasOvertaken(element)) << "asked for again";

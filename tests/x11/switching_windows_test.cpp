@@ -48,13 +48,20 @@ TEST_P(SwitchingWindowsTest, WhatAnotherProgramActivatesRightAfterASwitchKeepsTh
         program->process().discardOutput();
         input.chord({key::leftAlt, key::tab});
         ASSERT_TRUE(program->waitForFirst(window(3))) << "waited for the program to see it active";
-        desktop.activate(window(1));
-        // The activation ends by one or the other: a slow machine may have confirmed it before.
+        // Again, if need be: managers drop a request that comes while they still focus the window before.
+        bool isChosen = false;
+        for (int attempt = 0; !isChosen && attempt < 10; ++attempt) {
+            desktop.activate(window(1));
+            isChosen = desktop.waitForActiveWindow(window(1), milliseconds{500});
+        }
+        ASSERT_TRUE(isChosen);
+        // A slow machine may have confirmed the switch before; what must not be is that it was tried once more.
         ASSERT_TRUE(program->process().waitUntilOutput([&] {
             const auto said = program->process().output();
             return said.find("Another window was chosen after") != std::string::npos ||
                    said.find(" active after ") != std::string::npos;
         })) << program->process().output();
+        EXPECT_THAT(program->process().output(), testing::Not(testing::HasSubstr("active after 2 check(s)")));
         EXPECT_TRUE(program->waitForFirst(window(1)));
         EXPECT_EQ(desktop.activeWindow(), window(1));
     }
