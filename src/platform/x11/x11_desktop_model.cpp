@@ -68,6 +68,11 @@ std::optional<xcb_window_t> X11DesktopModel::reviewExpectation() {
         return std::nullopt;
     }
     const xcb_window_t expected = expectation_->window;
+    if (const auto* const facts = find(expected); facts != nullptr && !facts->isOnDesktop(currentDesktop_)) {
+        // The user has been taken elsewhere again, which nobody's late answer does.
+        expectation_.reset();
+        return std::nullopt;
+    }
     expectActive(expected, Path::onOneDesktop);
     return expected;
 }

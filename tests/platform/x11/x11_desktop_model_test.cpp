@@ -85,6 +85,20 @@ TEST_F(X11DesktopModelTest, AcrossDesktopsALateAnswerToAnOfferOfTheFocusIsATheft
     EXPECT_THAT(focused, ElementsAre(there)) << "the thief was used by nobody";
 }
 
+TEST_F(X11DesktopModelTest, WhoTakesTheUserToAnotherDesktopAgainIsNoThief) {
+    X11WindowFacts elsewhere = *model.find(there);
+    elsewhere.desktop = 1;
+    auto onThatDesktop = root(there);
+    onThatDesktop.currentDesktop = 1;
+    model.expectActive(there, Path::acrossDesktops);
+    model.apply(onThatDesktop, true, {elsewhere});
+    auto back = root(neighbour);
+    back.currentDesktop = 0;
+    model.apply(back, true, {});
+    EXPECT_THAT(stolenFrom, IsEmpty());
+    EXPECT_THAT(focused, ElementsAre(there, neighbour));
+}
+
 TEST_F(X11DesktopModelTest, TheFocusIsClaimedBackOnce) {
     model.expectActive(there, Path::acrossDesktops);
     becomesActive(there);
