@@ -119,6 +119,26 @@ std::optional<std::string> utf8FromEncoding(std::string_view bytes, const std::s
     return utf8;
 }
 
+std::string withoutControls(std::string_view text) {
+    const auto isBetween = [&text](std::size_t at, unsigned char first, unsigned char last) {
+        return at < text.size() && static_cast<unsigned char>(text[at]) >= first &&
+               static_cast<unsigned char>(text[at]) <= last;
+    };
+    std::string printable;
+    printable.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        // A second set of controls is written as two bytes.
+        const bool isTwoByteControl = isBetween(at, 0xC2, 0xC2) && isBetween(at + 1, 0x80, 0x9F);
+        if (isTwoByteControl || isBetween(at, 0x00, 0x1F) || isBetween(at, 0x7F, 0x7F)) {
+            printable += '?';
+            at += isTwoByteControl ? 1 : 0;
+        } else {
+            printable += text[at];
+        }
+    }
+    return printable;
+}
+
 std::string_view prefixOfBytes(std::string_view text, std::size_t maximumBytes) {
     if (text.size() <= maximumBytes) {
         return text;

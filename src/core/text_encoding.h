@@ -21,6 +21,9 @@ namespace ferrowyn::text {
 /// there; nothing when the encoding is unknown.
 [[nodiscard]] std::optional<std::string> utf8FromEncoding(std::string_view bytes, const std::string& encoding);
 
+/// UTF-8 text with "?" for every control character, so that what another program says cannot command a terminal.
+[[nodiscard]] std::string withoutControls(std::string_view text);
+
 /// At most `maximumBytes` of the text, cut before a scalar, never inside one.
 [[nodiscard]] std::string_view prefixOfBytes(std::string_view text, std::size_t maximumBytes);
 

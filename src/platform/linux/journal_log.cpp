@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "core/text_encoding.h"
+
 namespace ferrowyn {
 
 namespace {
@@ -104,7 +106,8 @@ void JournalLog::deliver(const Line& line) const {
     if (mirrorsToStandardError_) {
         std::string text = line.category + (line.level == LogLevel::error ? ": error: " : ": ") + line.message;
         std::ranges::replace(text, '\n', ' ');
-        writeToStandardError(text + "\n");
+        // Some messages quote what other programs say; none of it may command the terminal.
+        writeToStandardError(text::withoutControls(text) + "\n");
     }
 }
 

@@ -38,6 +38,13 @@ TEST(JournalLogTest, MirrorsWhatIsSevereEnoughInOrder) {
     EXPECT_EQ(mirrored(LogLevel::error, always, writeOneOfEach), "windows: error: two lines\n");
 }
 
+TEST(JournalLogTest, NoMessageCommandsTheTerminal) {
+    const auto said = mirrored(LogLevel::standard, JournalLog::Mirror::always, [](Log& log) {
+        log.write(LogLevel::standard, "activation", "\x1B]0;owned\x07 \xC2\x9B in \xC3\xA4");
+    });
+    EXPECT_EQ(said, "activation: ?]0;owned? ? in \xC3\xA4\n");
+}
+
 TEST(JournalLogTest, StaysSilentWhereNobodyLooks) {
     EXPECT_THAT(mirrored(LogLevel::debug, JournalLog::Mirror::whenTerminal, writeOneOfEach), IsEmpty());
     EXPECT_THAT(mirrored(LogLevel::debug, JournalLog::Mirror::never, writeOneOfEach), IsEmpty());
