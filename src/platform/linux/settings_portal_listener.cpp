@@ -7,11 +7,11 @@
 #include <QStringList>
 #include <QVariantMap>
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <utility>
 
 #include "platform/linux/bus_call.h"
+#include "platform/linux/bus_link.h"
 
 namespace ferrowyn {
 
@@ -23,12 +23,6 @@ const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Setting
 const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
 const QString schemeKey = QStringLiteral("color-scheme");
 const QString accentKey = QStringLiteral("accent-color");
-
-/// Connections are known by name within the process.
-QString nextConnectionName() {
-    static std::atomic<int> count{0};
-    return QStringLiteral("ferrowyn-settings-portal-%1").arg(++count);
-}
 
 std::optional<ColorScheme> schemeFrom(const QVariant& value) {
     constexpr unsigned prefersDark = 1;
@@ -66,19 +60,26 @@ SettingsPortalListener::SettingsPortalListener(std::string busAddress, Told told
 
 SettingsPortalListener::~SettingsPortalListener() {
     ownerWatcher_.reset();
-    if (bus_) {
-        const auto name = bus_->name();
-        bus_.reset();
-        QDBusConnection::disconnectFromBus(name);
-    }
+    bus_.reset();
 }
 
 void SettingsPortalListener::start() {
-    const auto name = nextConnectionName();
-    bus_ = QDBusConnection::connectToBus(QString::fromStdString(busAddress_), name);
-    if (!bus_->isConnected()) {
-        return;
-    }
+    // What the portal said last is kept while there is none.
+    link_ = std::make_unique<BusLink>(busAddress_, QStringLiteral("settings-portal"),
+                                      BusLink::Handlers{.connected =
+                                                            [this](const QDBusConnection& bus) {
+                                                                bus_ = bus;
+                                                                listen();
+                                                            },
+                                                        .lost =
+                                                            [this] {
+                                                                ownerWatcher_.reset();
+                                                                bus_.reset();
+                                                            }});
+    link_->start();
+}
+
+void SettingsPortalListener::listen() {
     ownerWatcher_ =
         std::make_unique<QDBusServiceWatcher>(portalService, *bus_, QDBusServiceWatcher::WatchForRegistration);
     // A portal that starts anew may have settings of another desktop.

@@ -14,6 +14,8 @@
 
 namespace ferrowyn {
 
+class BusLink;
+
 /// Reads the appearance that the desktop's settings portal (org.freedesktop.portal.Settings) tells, and listens for
 /// changes of it. Lives on a thread of its own, on which it also tells.
 class SettingsPortalListener final : public QObject {
@@ -31,13 +33,14 @@ public:
     SettingsPortalListener(std::string busAddress, Told told);
     ~SettingsPortalListener() override;
 
-    /// Connects; slow where the bus is. On the listener's thread.
+    /// Connects, and again after the bus was restarted; slow where the bus is. On the listener's thread.
     void start();
 
 private slots:
     void onSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
 private:
+    void listen();
     void ask();
     void take(const QString& key, const QVariant& value);
     void tellIfChanged();
@@ -45,6 +48,7 @@ private:
     std::string busAddress_;
     Told told_;
     std::optional<QDBusConnection> bus_;
+    std::unique_ptr<BusLink> link_;
     std::unique_ptr<QDBusServiceWatcher> ownerWatcher_;
     Answer answer_;
     Answer lastTold_;

@@ -9,6 +9,7 @@
 
 #include "platform/qt/qt_main_loop.h"
 #include "tests/platform/linux/fake_settings_portal.h"
+#include "tests/platform/linux/restartable_bus.h"
 #include "tests/platform/linux/temporary_folder.h"
 
 namespace ferrowyn {
@@ -180,6 +181,26 @@ TEST_F(SettingsPortalTest, APortalThatComesLaterIsAsked) {
     test::FakeSettingsPortal another(address);
     another.values = {{"color-scheme", 2U}};
     EXPECT_TRUE(waitUntil([&] { return appearance.sources().get().portalScheme == ColorScheme::light; }));
+}
+
+TEST_F(SettingsPortalTest, APortalOnABusThatWasRestartedIsAskedAndFollowed) {
+    test::RestartableBus restarted;
+    auto options = optionsWithBus();
+    options.busAddress = restarted.address();
+    const LinuxAppearance appearance(mainLoop, options);
+    const auto scheme = [&] { return appearance.sources().get().portalScheme; };
+    {
+        test::FakeSettingsPortal portal(restarted.address());
+        portal.values = {{"color-scheme", 1U}};
+        ASSERT_TRUE(waitUntil([&] { return scheme() == ColorScheme::dark; }));
+        restarted.end();
+    }
+    restarted.start();
+    test::FakeSettingsPortal next(restarted.address());
+    next.values = {{"color-scheme", 2U}};
+    EXPECT_TRUE(waitUntil([&] { return scheme() == ColorScheme::light; }));
+    next.change("color-scheme", 1U);
+    EXPECT_TRUE(waitUntil([&] { return scheme() == ColorScheme::dark; }));
 }
 
 TEST_F(SettingsPortalTest, ABusThatCannotBeReachedIsNoBus) {
