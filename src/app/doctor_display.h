@@ -25,7 +25,8 @@ public:
     [[nodiscard]] DoctorFinding server() const;
     [[nodiscard]] DoctorFinding windowManager() const;
     [[nodiscard]] DoctorFinding inputExtension() const;
-    /// Asks the manager to activate two windows of its own, one after the other, and what was active before in the end.
+    /// Asks the manager to activate two windows of the doctor's own, one after the other, and what was active before in
+    /// the end.
     [[nodiscard]] DoctorFinding activation() const;
     /// Tries to take the trigger keys as the program does, and gives them back.
     [[nodiscard]] DoctorFinding triggerKeys() const;

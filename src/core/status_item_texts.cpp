@@ -26,7 +26,7 @@ StatusItemTexts sharedTexts() {
         .activationsUnconfirmed = {.tooltip =
                                        translatable("Ferrowyn", "Ferrowyn — chosen windows do not come to the front"),
                                    .subtitle = translatable("Ferrowyn", "Chosen windows do not come to the front"),
-                                   .repair = translatable("Ferrowyn", "Restart the applications that do not answer")},
+                                   .repair = translatable("Ferrowyn", "Restart the apps that do not answer")},
         .openSwitcher = translatable("Ferrowyn", "Open Switcher"),
         .oneWindow = translatable("Ferrowyn", "1 window tracked"),
         .manyWindows = translatable("Ferrowyn", "%1 windows tracked"),
@@ -55,8 +55,7 @@ StatusItemTexts linuxVariant() {
     texts.accessRequired = {.tooltip = translatable("Ferrowyn", "Ferrowyn — a window manager is required"),
                             .subtitle = translatable("Ferrowyn", "A window manager is required"),
                             .repair = translatable("Ferrowyn", "Show What Is Missing…")};
-    texts.activationsUnconfirmed.repair =
-        translatable("Ferrowyn", "Use a window manager that activates windows on request");
+    texts.activationsUnconfirmed.repair = translatable("Ferrowyn", "Use another window manager");
     texts.trustRevoked.tooltip = translatable("Ferrowyn", "Ferrowyn — keyboard access was lost");
     texts.trustRevoked.subtitle = translatable("Ferrowyn", "Keyboard access was lost");
     return texts;

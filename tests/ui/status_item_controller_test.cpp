@@ -237,15 +237,14 @@ TEST_F(StatusItemControllerTest, WindowsThatDoNotComeToTheFrontAreNamedWithWhatT
                                          "Ferrowyn — chosen windows do not come to the front", "Ferrowyn"}));
     EXPECT_EQ(item.menu.front(), header("Chosen windows do not come to the front", MenuTint::orange));
     EXPECT_EQ(item.menu.at(2),
-              repairRow("Restart the applications that do not answer", "exclamationmark.triangle", Action::none));
+              repairRow("Restart the apps that do not answer", "exclamationmark.triangle", Action::none));
 }
 
 TEST_F(StatusItemControllerTest, OnLinuxItIsTheWindowManagerThatDoesNotBringWindowsToTheFront) {
     const Platform platform = replacedIn(desktop.platform(), {.texts = &linuxTexts()});
     build(platform);
     ignoreTwoActivations();
-    EXPECT_EQ(item.menu.at(2), repairRow("Use a window manager that activates windows on request",
-                                         "exclamationmark.triangle", Action::none));
+    EXPECT_EQ(item.menu.at(2), repairRow("Use another window manager", "exclamationmark.triangle", Action::none));
 }
 
 TEST_F(StatusItemControllerTest, SecureInputWinsOverWhatEarlierSwitchesTold) {
