@@ -230,13 +230,43 @@ TEST_F(KeyboardTest, TheKeypadMovesUnlessNumLockMakesItType) {
     input.tap(key::numLock);
 }
 
+TEST_F(KeyboardTest, ShiftThatWentUpBeforeTheProgramWasServedStillGoesBack) {
+    run({"setxkbmap", "-layout", "us,ru", "-option", "grp:alt_shift_toggle"});
+    openWindows(4);
+    startProgram();
+    input.press(key::leftAlt);
+    input.grabServer();
+    input.press(key::leftShift);
+    input.press(key::tab);
+    input.release(key::leftShift);
+    input.ungrabServer();
+    input.release(key::tab);
+    letGo();
+    // 4 3 2 1.
+    expectSwitchTo(window(1));
+    // And one that comes after Tab turns nothing round.
+    input.press(key::leftAlt);
+    input.grabServer();
+    input.press(key::tab);
+    input.press(key::leftShift);
+    input.ungrabServer();
+    input.release(key::tab);
+    letGo();
+    expectSwitchTo(window(4));
+    input.release(key::leftShift);
+}
+
 /// Layouts are switched with Alt and Shift together: the second of the two is a switch then, and no modifier.
 TEST_F(KeyboardTest, ShiftGoesBackWhereItSwitchesTheLayoutWithAlt) {
     run({"setxkbmap", "-layout", "us,ru", "-option", "grp:alt_shift_toggle"});
     openWindows(5);
     startProgram();
     // 5 4 3 2 1: the last one.
-    holdBackward();
+    input.press(key::leftAlt);
+    input.press(key::leftShift);
+    input.tap(key::tab);
+    ASSERT_TRUE(desktop.waitForPanel(true));
+    input.release(key::leftShift);
     letGo();
     expectSwitchTo(window(1));
     // 1 5 4 3 2: in the session, too.

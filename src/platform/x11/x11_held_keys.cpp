@@ -18,7 +18,7 @@ void X11HeldKeys::note(const X11KeyboardEvent& event, bool isAtSlave) {
     if (event.kind == Kind::release) {
         keyCodes_.erase(event.keyCode);
         earlierKeyCodes_.erase(event.keyCode);
-    } else if (event.kind == Kind::press && !isAtSlave && !(event.isRepeat && isEarlier(event.keyCode))) {
+    } else if (event.kind == Kind::press && !isAtSlave && !event.isRepeat) {
         keyCodes_.insert(event.keyCode);
         earlierKeyCodes_.erase(event.keyCode);
     }

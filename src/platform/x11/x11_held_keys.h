@@ -50,8 +50,6 @@ public:
     void releaseEarlierKeys(X11KeyboardSeizure& seizure);
 
 private:
-    [[nodiscard]] bool isEarlier(std::uint32_t keyCode) const { return earlierKeyCodes_.contains(keyCode); }
-
     struct Trigger {
         X11KeyboardEvent press;
         Clock::time_point repeatAt;

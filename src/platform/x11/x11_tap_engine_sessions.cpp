@@ -48,7 +48,12 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
     }
     context_.isKeyboardHeldElsewhere.store(false);
     reportActiveWindow(state->activeWindow);
-    heldKeys_.noteTaken(state->keysDown, keyboard_->layout());
+    // Those that were down at the press: what came after it waits, or is about to.
+    receive();
+    auto keysDown = state->keysDown;
+    reception_.rewind(keysDown);
+    keysDown.reset(press.keyCode);
+    heldKeys_.noteTaken(keysDown, keyboard_->layout());
     if (isAtSlave) {
         // A slave knows its own modifiers only, and its own pointer while it floats; the grab matched the master's.
         // Shift may be on another keyboard.

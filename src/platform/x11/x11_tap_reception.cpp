@@ -74,6 +74,14 @@ bool X11TapReception::hasReleaseOf(std::uint32_t keyCode) const {
     });
 }
 
+void X11TapReception::rewind(X11KeyboardSeizure::KeysDown& keysDown) const {
+    for (auto event = queue_.rbegin(); event != queue_.rend(); ++event) {
+        if (event->kind != Kind::modifiersChanged && !event->isRepeat && event->keyCode < keysDown.size()) {
+            keysDown[event->keyCode] = event->kind == Kind::release;
+        }
+    }
+}
+
 bool X11TapReception::isStaleRepeat(const X11KeyboardEvent& event) const {
     return event.isRepeat && std::any_of(queue_.begin(), queue_.end(), [&event](const X11KeyboardEvent& later) {
                return later.kind != Kind::modifiersChanged && later.keyCode == event.keyCode;

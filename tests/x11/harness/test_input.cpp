@@ -50,6 +50,14 @@ void TestInput::chord(std::initializer_list<std::uint8_t> keyCodes) {
     }
 }
 
+void TestInput::grabServer() {
+    xcb_grab_server(connection_);
+}
+void TestInput::ungrabServer() {
+    xcb_ungrab_server(connection_);
+    xcb_flush(connection_);
+}
+
 void TestInput::releaseAll() {
     const XcbReply<xcb_query_keymap_reply_t> keys(
         xcb_query_keymap_reply(connection_, xcb_query_keymap(connection_), nullptr));

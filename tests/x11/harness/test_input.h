@@ -33,6 +33,10 @@ public:
     void tap(std::uint8_t keyCode);
     /// Holds the first keys, taps the last, lets go in reverse.
     void chord(std::initializer_list<std::uint8_t> keyCodes);
+    /// Until `ungrabServer` no other client is served: what is pressed reaches them together, as one that wakes late
+    /// finds it.
+    void grabServer();
+    void ungrabServer();
     /// Releases everything that is down.
     void releaseAll();
 
