@@ -60,6 +60,12 @@ int X11EventTap::connectionDescriptor() const {
     return engine_ != nullptr && isConnected_ ? engine_->connection().fileDescriptor() : -1;
 }
 
+pollfd X11EventTap::inputMethodDescriptor() const {
+    const std::lock_guard guard(engineLock_);
+    const auto* const method = engine_ != nullptr && isConnected_ ? engine_->inputMethod() : nullptr;
+    return method != nullptr ? pollfd{method->descriptor(), method->pollEvents(), 0} : pollfd{-1, 0, 0};
+}
+
 std::optional<X11TapEngine::Clock::time_point> X11EventTap::deadline() const {
     const std::lock_guard guard(engineLock_);
     return engine_ != nullptr && isConnected_ ? engine_->deadline() : std::nullopt;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <poll.h>
+
 #include <atomic>
 #include <memory>
 #include <mutex>
@@ -34,6 +36,8 @@ public:
     /// What the loop waits for: requests, and the server; the latter is -1 when there is no server any more.
     [[nodiscard]] int mailboxDescriptor() const { return mailbox_.fileDescriptor(); }
     [[nodiscard]] int connectionDescriptor() const;
+    /// -1 when no input method is asked.
+    [[nodiscard]] pollfd inputMethodDescriptor() const;
     [[nodiscard]] std::optional<X11TapEngine::Clock::time_point> deadline() const;
     /// The calling thread serves this tap from now on.
     void noteServingThread();

@@ -3,7 +3,11 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 #include <utility>
+
+#include "platform/x11/x11_screens_coordinates.h"
 
 namespace ferrowyn {
 
@@ -37,6 +41,26 @@ struct X11InputContext {
         const auto position = pointerPosition.load(std::memory_order_relaxed);
         return {static_cast<std::uint32_t>(position >> 32U), static_cast<std::uint32_t>(position)};
     }
+
+    /// Where the panel is or was last, in device pixels, 16 bits each: x, y, width and height. 0 before that.
+    std::atomic<std::uint64_t> panelPlace{0};
+
+    void setPanel(const X11PixelRect& panel) {
+        std::uint64_t place = 0;
+        for (const int part : {panel.x, panel.y, panel.width, panel.height}) {
+            place = place << 16U | static_cast<std::uint16_t>(part);
+        }
+        panelPlace.store(place, std::memory_order_relaxed);
+    }
+    [[nodiscard]] std::optional<X11PixelRect> panel() const {
+        const auto place = panelPlace.load(std::memory_order_relaxed);
+        const auto part = [place](unsigned shift) { return static_cast<std::int16_t>(place >> shift); };
+        return place != 0 ? std::optional(X11PixelRect{part(48), part(32), part(16), part(0)}) : std::nullopt;
+    }
+
+    /// Where an input method shows what it offers, as in DISPLAY. None is asked where this is empty. Set before the tap
+    /// is made.
+    std::string inputMethodDisplay;
 
     /// Another client held the keyboard when the tap last asked for it.
     std::atomic<bool> isKeyboardHeldElsewhere{false};

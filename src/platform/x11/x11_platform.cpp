@@ -181,6 +181,8 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       platform{mainLoop,  backgroundWork, log,     userDefaults, application, workspace,
                inventory, observers,      control, trust,        eventTaps,   screens,
                pointer,   panel,          icons,   httpClient,   loginItem,   linuxTexts()} {
+    const char* const environmentDisplay = std::getenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): nothing sets it
+    inputContext.inputMethodDisplay = display.empty() && environmentDisplay != nullptr ? environmentDisplay : display;
     inputContext.postToMainThread = [this](std::function<void()> work) { mainLoop.post(std::move(work)); };
     // Posted from the thread that posts the trigger next, so it arrives right before it.
     inputContext.reportActiveWindow = [this](std::uint32_t window) {

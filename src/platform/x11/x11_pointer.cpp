@@ -59,6 +59,9 @@ Subscription X11Pointer::observeClicksElsewhere(std::function<void()> handler) {
 
 void X11Pointer::panelCovers(const std::optional<X11PixelRect>& panel) {
     panel_ = panel;
+    if (panel) {
+        context_.setPanel(*panel);
+    }
 }
 
 void X11Pointer::moved(int x, int y) {

@@ -18,6 +18,12 @@ TapVerdict X11TapDelivery::key(const X11KeyboardEvent& event) {
     return verdict;
 }
 
+void X11TapDelivery::text(const std::u16string& text) {
+    callback_(X11TapEvent(text));
+    askMainThread();
+    keyboard_.text().reset();
+}
+
 bool X11TapDelivery::modifiers(std::uint32_t modifiers) {
     const auto flags = keyboard_.reportedFlags(modifiers);
     if (flags == flags_) {

@@ -24,6 +24,8 @@ public:
         : callback_(std::move(callback)), keyboard_(keyboard), context_(context) {}
 
     TapVerdict key(const X11KeyboardEvent& event);
+    /// Text that no single key has typed.
+    void text(const std::u16string& text);
     /// Tells the flags when they differ from what was told. Whether the trigger's modifier went up.
     bool modifiers(std::uint32_t modifiers);
     /// Not told, but as good as: the callback learns them with the next key.

@@ -39,7 +39,11 @@ X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::uniqu
       log_(log),
       seizure_(*connection_, keyboard_->grabs()),
       reception_(reader, *keyboard_, seizure_, heldKeys_, context),
-      delivery_(std::move(callback), *keyboard_, context) {}
+      delivery_(std::move(callback), *keyboard_, context) {
+    if (!context.inputMethodDisplay.empty()) {
+        inputMethod_ = std::make_unique<X11InputMethod>(context.inputMethodDisplay, log);
+    }
+}
 
 X11TapEngine::~X11TapEngine() {
     seizure_.repeatMissedReleases();
@@ -86,6 +90,7 @@ bool X11TapEngine::serve() {
     // Whoever waits for a reply also takes in the events before it, and the descriptor does not tell of those: so until
     // a round has found nothing new.
     do {
+        hearInputMethod();
         yieldToLocker();
         deliverQueue();
         handleDeadlines();
@@ -102,8 +107,9 @@ bool X11TapEngine::serve() {
 std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
     std::optional<Clock::time_point> earliest;
     const auto waitingEnd = reception_.isEmpty() || phase_ != Phase::open ? std::nullopt : endingUntil_;
-    for (const auto& candidate : {answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_, lostTriggerJudgement_,
-                                  heldKeys_.nextRepeat()}) {
+    const auto inputMethodDeadline = inputMethod_ != nullptr ? inputMethod_->deadline() : std::nullopt;
+    for (const auto& candidate : {inputMethodDeadline, answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_,
+                                  lostTriggerJudgement_, heldKeys_.nextRepeat()}) {
         if (candidate && (!earliest || *candidate < *earliest)) {
             earliest = candidate;
         }
@@ -116,7 +122,8 @@ bool X11TapEngine::receive() {
 }
 
 void X11TapEngine::deliverQueue() {
-    while (!reception_.isEmpty() && phase_ != Phase::awaitingAnswer && !mustWaitForTheEnd(reception_.front())) {
+    while (!reception_.isEmpty() && phase_ != Phase::awaitingAnswer && !asked_ &&
+           !mustWaitForTheEnd(reception_.front())) {
         auto event = reception_.take();
         addShift(event);
         if (phase_ == Phase::open) {
@@ -165,6 +172,47 @@ void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
     if (!heldKeys_.belongsToSession(event)) {
         return;
     }
+    if (askInputMethod(event)) {
+        asked_ = event;
+    } else {
+        deliverKey(event);
+    }
+}
+
+bool X11TapEngine::askInputMethod(const X11KeyboardEvent& event) {
+    if (inputMethod_ == nullptr || event.kind != Kind::press) {
+        return false;
+    }
+    const auto symbol = keyboard_->text().symbols(event).symbol;
+    constexpr auto otherModifiers = event_flags::option | event_flags::command;
+    const auto flags = keyboard_->layout().flagsOf(event.modifiers.effective);
+    // The combination that turns an input method on and off, and means nothing here.
+    const bool isSwitch = symbol == XKB_KEY_space && keyboard_->trigger() != SwitcherModifier::control;
+    if ((flags & otherModifiers) != 0 || ((flags & event_flags::control) != 0 && !isSwitch)) {
+        return false;
+    }
+    return inputMethod_->ask({symbol, event.keyCode, event.modifiers.effective, event.time}, context_.panel());
+}
+
+void X11TapEngine::hearInputMethod() {
+    if (inputMethod_ == nullptr) {
+        return;
+    }
+    inputMethod_->process();
+    while (const auto text = inputMethod_->takeText()) {
+        if (phase_ == Phase::open) {
+            delivery_.text(*text);
+        }
+    }
+    if (asked_ && !inputMethod_->isAsking()) {
+        const auto press = *std::exchange(asked_, std::nullopt);
+        if (!inputMethod_->hasTakenKey()) {
+            deliverKey(press);
+        }
+    }
+}
+
+void X11TapEngine::deliverKey(const X11KeyboardEvent& event) {
     if (event.kind == Kind::press && !event.isRepeat) {
         delivery_.noteTriggerModifier(event.modifiers.effective);
     }

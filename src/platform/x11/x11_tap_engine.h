@@ -10,6 +10,7 @@
 #include "platform/event_tap.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_held_keys.h"
+#include "platform/x11/x11_input_method.h"
 #include "platform/x11/x11_keyboard_event.h"
 #include "platform/x11/x11_keyboard_reader.h"
 #include "platform/x11/x11_keyboard_seizure.h"
@@ -54,6 +55,8 @@ public:
     X11TapEngine& operator=(const X11TapEngine&) = delete;
 
     [[nodiscard]] const X11Connection& connection() const { return *connection_; }
+    /// Null where none is asked.
+    [[nodiscard]] const X11InputMethod* inputMethod() const { return inputMethod_.get(); }
     void handle(const X11TapRequest& request);
     /// Handles all that has arrived and all that is due. False when the connection is lost.
     [[nodiscard]] bool serve();
@@ -75,6 +78,11 @@ private:
     void addShift(X11KeyboardEvent& event);
     void deliverHidden(const X11KeyboardEvent& event);
     void deliverInSession(const X11KeyboardEvent& event);
+    /// Whether the input method is asked first what the press is. While it composes that holds for any key; but not for
+    /// those that are pressed together with a modifier, which are the switcher's.
+    [[nodiscard]] bool askInputMethod(const X11KeyboardEvent& event);
+    void hearInputMethod();
+    void deliverKey(const X11KeyboardEvent& event);
     void handleDeadlines();
     /// A screen locker must get the keyboard, or it gives up.
     void yieldToLocker();
@@ -108,6 +116,9 @@ private:
     X11HeldKeys heldKeys_;
     X11TapReception reception_;
     X11TapDelivery delivery_;
+    std::unique_ptr<X11InputMethod> inputMethod_;
+    /// The press that the input method was asked about. What comes after it waits.
+    std::optional<X11KeyboardEvent> asked_;
 
     bool isEnabled_ = false;
     Phase phase_ = Phase::hidden;

@@ -155,6 +155,10 @@ void X11TapEngine::endSession() {
     seizureRetry_.reset();
     const bool wasHidden = phase_ == Phase::hidden;
     phase_ = Phase::hidden;
+    asked_.reset();
+    if (inputMethod_ != nullptr && !wasHidden) {
+        inputMethod_->reset();
+    }
     if (wasHidden && !seizure_.isHeld()) {
         return;
     }

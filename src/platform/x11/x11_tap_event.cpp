@@ -5,10 +5,10 @@
 namespace ferrowyn {
 
 std::u16string X11TapEvent::text(std::optional<std::uint64_t> withFlags) const {
-    if (keyText_ == nullptr || type_ != Type::keyDown) {
-        return {};
-    }
     if (!typed_) {
+        if (keyText_ == nullptr || type_ != Type::keyDown) {
+            return {};
+        }
         typed_ = keyText_->type(*press_, withFlags);
     }
     return *typed_;

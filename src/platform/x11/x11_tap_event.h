@@ -1,6 +1,9 @@
 #pragma once
 
+#include <utility>
+
 #include "platform/event_tap.h"
+#include "platform/x11/x11_key_map.h"
 #include "platform/x11/x11_keyboard_event.h"
 
 namespace ferrowyn {
@@ -15,6 +18,10 @@ public:
     /// A key. `text` and `press` outlive the event.
     X11TapEvent(Type type, std::uint64_t flags, std::uint16_t keyCode, X11KeyText& text, const X11KeyboardEvent& press)
         : type_(type), flags_(flags), keyCode_(keyCode), keyText_(&text), press_(&press) {}
+
+    /// Text without a key of its own.
+    explicit X11TapEvent(std::u16string text)
+        : type_(Type::keyDown), keyCode_(firstUnknownVirtualKeyCode), typed_(std::move(text)) {}
 
     [[nodiscard]] Type type() const override { return type_; }
     [[nodiscard]] std::uint64_t flags() const override { return flags_; }

@@ -47,6 +47,7 @@ void X11TapRunLoop::runFor(Seconds slice) {
             tap->serve();
             descriptors.push_back({tap->mailboxDescriptor(), POLLIN, 0});
             descriptors.push_back({tap->connectionDescriptor(), POLLIN, 0});
+            descriptors.push_back(tap->inputMethodDescriptor());
         }
         // An interrupted wait is a short one; every pass looks at everything.
         poll(descriptors.data(), descriptors.size(), pollTimeout(earliestDeadline(served, end)));
