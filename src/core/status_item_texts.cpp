@@ -55,6 +55,9 @@ StatusItemTexts linuxVariant() {
     texts.accessRequired = {.tooltip = translatable("Ferrowyn", "Ferrowyn — a window manager is required"),
                             .subtitle = translatable("Ferrowyn", "A window manager is required"),
                             .repair = translatable("Ferrowyn", "Show What Is Missing…")};
+    texts.serverUnusable = {.tooltip = translatable("Ferrowyn", "Ferrowyn — this X server cannot be used"),
+                            .subtitle = translatable("Ferrowyn", "This X server cannot be used"),
+                            .repair = translatable("Ferrowyn", "Show What Is Missing…")};
     texts.activationsUnconfirmed.repair = translatable("Ferrowyn", "Use another window manager");
     texts.trustRevoked.tooltip = translatable("Ferrowyn", "Ferrowyn — keyboard access was lost");
     texts.trustRevoked.subtitle = translatable("Ferrowyn", "Keyboard access was lost");

@@ -22,6 +22,8 @@ struct StatusItemTexts {
 
     Health ready;
     Health accessRequired;
+    /// Where the display server can lack what the program needs; empty elsewhere.
+    Health serverUnusable;
     Health trustRevoked;
     Health repeatedTimeouts;
     Health secureInput;

@@ -13,6 +13,9 @@ public:
     virtual ~Trust() = default;
 
     [[nodiscard]] virtual bool isTrusted() const = 0;
+    /// False where the display server itself lacks what capturing the keyboard needs: then no trust comes while this
+    /// program runs, whatever the user allows or starts.
+    [[nodiscard]] virtual bool canBecomeTrusted() const = 0;
     /// Asks with the system's prompt, where the system has one, and answers as `isTrusted` does.
     virtual bool requestWithPrompt() = 0;
     /// Another program holds the keyboard for itself, so that the trigger cannot be seen.

@@ -44,6 +44,10 @@ AccessibilityAuthorizer::AccessibilityAuthorizer(const Platform& platform)
     startSecureInputPolling();
 }
 
+bool AccessibilityAuthorizer::canBecomeTrusted() const {
+    return trust_.canBecomeTrusted();
+}
+
 void AccessibilityAuthorizer::refresh() {
     const auto current = statusFrom(trust_.isTrusted());
     if (current == status_.get()) {

@@ -24,6 +24,8 @@ public:
     explicit AccessibilityAuthorizer(const Platform& platform);
 
     [[nodiscard]] const Published<Status>& status() const { return status_; }
+    /// As `Trust` says.
+    [[nodiscard]] bool canBecomeTrusted() const;
     [[nodiscard]] const Published<bool>& isSecureInputActive() const { return isSecureInputActive_; }
     [[nodiscard]] bool hasRequestedTrust() const { return hasRequestedTrust_; }
 

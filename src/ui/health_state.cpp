@@ -20,7 +20,7 @@ HealthAppearance failure(const StatusItemTexts::Health& texts) {
 
 HealthState healthState(AppServices& services) {
     if (services.authorizer().status().get() == AccessibilityStatus::notTrusted) {
-        return HealthState::accessRequired;
+        return services.authorizer().canBecomeTrusted() ? HealthState::accessRequired : HealthState::serverUnusable;
     }
     if (const auto failure = services.inputFailure().get()) {
         return *failure == HotKeyMonitor::Failure::trustRevoked ? HealthState::trustRevoked
@@ -43,6 +43,11 @@ HealthAppearance appearance(HealthState state, const StatusItemTexts& texts) {
             return {.buttonSymbol = warning,
                     .texts = texts.accessRequired,
                     .repairSymbol = "lock.shield",
+                    .repairAction = MenuRow::Action::openOnboarding};
+        case HealthState::serverUnusable:
+            return {.buttonSymbol = warning,
+                    .texts = texts.serverUnusable,
+                    .repairSymbol = "questionmark.circle",
                     .repairAction = MenuRow::Action::openOnboarding};
         case HealthState::trustRevoked:
             return failure(texts.trustRevoked);

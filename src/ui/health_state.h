@@ -13,6 +13,7 @@ class AppServices;
 enum class HealthState {
     ready,
     accessRequired,
+    serverUnusable,
     trustRevoked,
     repeatedTimeouts,
     secureInput,

@@ -279,6 +279,17 @@ TEST_F(StatusItemControllerTest, OnLinuxTheTextsNameWhatIsMissingThereAndTheKeys
                                false, "Alt+Tab", 0)));
 }
 
+TEST_F(StatusItemControllerTest, AServerThatCannotBeUsedIsNamedInsteadOfAWindowManager) {
+    const Platform platform = replacedIn(desktop.platform(), {.texts = &linuxTexts()});
+    build(platform);
+    desktop.makeServerUnusable();
+    desktop.advance(3s);
+    EXPECT_EQ(item.button,
+              (StatusButton{"exclamationmark.triangle", "Ferrowyn — this X server cannot be used", "Ferrowyn"}));
+    EXPECT_EQ(item.menu.front(), header("This X server cannot be used", MenuTint::orange));
+    EXPECT_EQ(item.menu.at(2), repairRow("Show What Is Missing…", "questionmark.circle", Action::openOnboarding));
+}
+
 TEST_F(StatusItemControllerTest, MissingTrustWinsOverAFailure) {
     build();
     timeOutFiveTimes();

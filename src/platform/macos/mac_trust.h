@@ -15,6 +15,8 @@ public:
     explicit MacTrust(ObserveDatabase observeDatabase) : observeDatabase_(std::move(observeDatabase)) {}
 
     [[nodiscard]] bool isTrusted() const override;
+    /// Every macOS that the program runs on has what it needs.
+    [[nodiscard]] bool canBecomeTrusted() const override { return true; }
     bool requestWithPrompt() override;
     [[nodiscard]] bool isSecureInputActive() const override;
     /// The system asks its event taps before every other program.

@@ -256,6 +256,10 @@ int SimulatedDesktop::trustPromptCount() const {
     return implementation_->trust.promptCount();
 }
 
+void SimulatedDesktop::makeServerUnusable() {
+    implementation_->trust.makeServerUnusable();
+}
+
 void SimulatedDesktop::loseTrigger() {
     implementation_->trust.loseTrigger();
 }

@@ -122,6 +122,8 @@ public:
     void setSecureInput(bool isActive);
     /// Another program answers a press of the trigger.
     void loseTrigger();
+    /// The display server lacks what capturing the keyboard needs, from now on.
+    void makeServerUnusable();
     void becomeActiveApplication();
     /// What the program says of itself, and what was asked of the application object.
     [[nodiscard]] SimulatedApplication& application();

@@ -9,6 +9,7 @@ namespace ferrowyn {
 class SimulatedTrust final : public Trust {
 public:
     [[nodiscard]] bool isTrusted() const override { return isTrusted_; }
+    [[nodiscard]] bool canBecomeTrusted() const override { return canBecomeTrusted_; }
     bool requestWithPrompt() override {
         ++promptCount_;
         return isTrusted_;
@@ -23,6 +24,7 @@ public:
     }
 
     void setTrusted(bool isTrusted) { isTrusted_ = isTrusted; }
+    void makeServerUnusable() { isTrusted_ = canBecomeTrusted_ = false; }
     void setSecureInput(bool isActive) { isSecureInputActive_ = isActive; }
     void announceChange() { changes_.send({}); }
     void loseTrigger() { lostTriggers_.send({}); }
@@ -32,6 +34,7 @@ private:
     struct Hint {};
 
     bool isTrusted_ = true;
+    bool canBecomeTrusted_ = true;
     bool isSecureInputActive_ = false;
     int promptCount_ = 0;
     Subject<Hint> changes_;

@@ -26,6 +26,7 @@ public:
              std::string inputObstacle, Log& log);
 
     [[nodiscard]] bool isTrusted() const override;
+    [[nodiscard]] bool canBecomeTrusted() const override { return inputObstacle_.empty(); }
     /// There is no prompt: the log says what is missing.
     bool requestWithPrompt() override;
     [[nodiscard]] bool isSecureInputActive() const override;
