@@ -4,10 +4,13 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "platform/x11/xcb_reply.h"
 
@@ -42,6 +45,16 @@ public:
     void tap(std::uint8_t keyCode) {
         press(keyCode);
         release(keyCode);
+    }
+    /// Taps keys while no other client gets the server's ear, and keeps it from them for this long afterwards.
+    void tapUnheard(std::initializer_list<std::uint8_t> keyCodes, std::chrono::milliseconds silence) {
+        xcb_grab_server(connection_);
+        for (const auto keyCode : keyCodes) {
+            tap(keyCode);
+        }
+        std::this_thread::sleep_for(silence);
+        xcb_ungrab_server(connection_);
+        xcb_flush(connection_);
     }
 
 private:

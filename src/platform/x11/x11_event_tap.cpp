@@ -4,7 +4,13 @@
 
 namespace ferrowyn {
 
-X11EventTap::X11EventTap(std::unique_ptr<X11TapEngine> engine) : engine_(std::move(engine)) {
+X11EventTap::X11EventTap(std::unique_ptr<X11TapEngine> engine, SwitcherModifier trigger, MakeEngine makeEngine)
+    : trigger_(trigger), makeEngine_(std::move(makeEngine)) {
+    adopt(std::move(engine));
+}
+
+void X11EventTap::adopt(std::unique_ptr<X11TapEngine> engine) {
+    engine_ = std::move(engine);
     engine_->onLoss = [this] { isEnabled_.store(false); };
 }
 
@@ -66,6 +72,11 @@ pollfd X11EventTap::inputMethodDescriptor() const {
     return method != nullptr ? pollfd{method->descriptor(), method->pollEvents(), 0} : pollfd{-1, 0, 0};
 }
 
+int X11EventTap::guardDescriptor() const {
+    const std::lock_guard guard(engineLock_);
+    return engine_ != nullptr && isConnected_ ? engine_->guardDescriptor() : -1;
+}
+
 std::optional<X11TapEngine::Clock::time_point> X11EventTap::deadline() const {
     const std::lock_guard guard(engineLock_);
     return engine_ != nullptr && isConnected_ ? engine_->deadline() : std::nullopt;
@@ -76,24 +87,42 @@ void X11EventTap::serve() {
     const std::lock_guard guard(engineLock_);
     isServing_ = true;
     while (const auto request = mailbox_.take()) {
-        if (engine_ == nullptr || !isConnected_) {
-            continue;
-        }
-        using Kind = X11TapRequest::Kind;
-        if (request->kind == Kind::disable) {
-            isEnabled_.store(false);
-        } else if (request->kind == Kind::enable) {
-            // Whoever asked has said so already, but the keyboard may have become unavailable just before.
-            isEnabled_.store(true);
-        }
-        engine_->handle(*request);
+        handle(*request);
     }
     if (engine_ != nullptr && isConnected_ && !engine_->serve()) {
-        // For good: a dead descriptor is always readable and must not be waited on.
-        isConnected_ = false;
-        isEnabled_.store(false);
+        replaceEngine();
     }
     isServing_ = false;
+}
+
+void X11EventTap::handle(const X11TapRequest& request) {
+    if (engine_ == nullptr || !isConnected_) {
+        return;
+    }
+    using Kind = X11TapRequest::Kind;
+    if (request.kind == Kind::disable) {
+        isEnabled_.store(false);
+    } else if (request.kind == Kind::enable) {
+        // Whoever asked has said so already, but the keyboard may have become unavailable just before.
+        isEnabled_.store(true);
+    } else if (request.kind == Kind::setTrigger) {
+        trigger_ = request.trigger;
+    }
+    engine_->handle(request);
+}
+
+/// The guard ends the connection of a tap that was stopped; whoever listens enables the new one. Otherwise the server
+/// is gone.
+void X11EventTap::replaceEngine() {
+    isEnabled_.store(false);
+    auto engine = makeEngine_(trigger_);
+    if (engine == nullptr) {
+        // For good: a dead descriptor is always readable and must not be waited on.
+        isConnected_ = false;
+        return;
+    }
+    adopt(std::move(engine));
+    engine_->reportLoss();
 }
 
 }  // namespace ferrowyn

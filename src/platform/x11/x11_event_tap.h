@@ -3,6 +3,7 @@
 #include <poll.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -19,7 +20,11 @@ namespace ferrowyn {
 /// when the call returns: a tap that was enabled there has its grabs.
 class X11EventTap final : public EventTap {
 public:
-    explicit X11EventTap(std::unique_ptr<X11TapEngine> engine);
+    /// Null when there is no server any more, or it lacks what is needed. Called on the tap thread once the tap is
+    /// served.
+    using MakeEngine = std::function<std::unique_ptr<X11TapEngine>(SwitcherModifier trigger)>;
+
+    X11EventTap(std::unique_ptr<X11TapEngine> engine, SwitcherModifier trigger, MakeEngine makeEngine);
     ~X11EventTap() override;
 
     void setEnabled(bool enabled) override;
@@ -38,6 +43,8 @@ public:
     [[nodiscard]] int connectionDescriptor() const;
     /// -1 when no input method is asked.
     [[nodiscard]] pollfd inputMethodDescriptor() const;
+    /// The same for the guard's questions; -1 when there is none.
+    [[nodiscard]] int guardDescriptor() const;
     [[nodiscard]] std::optional<X11TapEngine::Clock::time_point> deadline() const;
     /// The calling thread serves this tap from now on.
     void noteServingThread();
@@ -46,6 +53,9 @@ public:
 
 private:
     void post(const X11TapRequest& request);
+    void handle(const X11TapRequest& request);
+    void adopt(std::unique_ptr<X11TapEngine> engine);
+    void replaceEngine();
 
     X11TapMailbox mailbox_;
     std::atomic<std::thread::id> servingThread_{};
@@ -56,6 +66,9 @@ private:
     mutable std::mutex engineLock_;
     /// Null once the tap is invalidated.
     std::unique_ptr<X11TapEngine> engine_;
+    /// Tap thread only, these.
+    SwitcherModifier trigger_;
+    MakeEngine makeEngine_;
     bool isConnected_ = true;
 };
 

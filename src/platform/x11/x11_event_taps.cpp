@@ -12,6 +12,21 @@
 
 namespace ferrowyn {
 
+namespace {
+
+std::unique_ptr<X11TapEngine> makeTapEngine(const std::string& display, SwitcherModifier trigger,
+                                            const EventTaps::Callback& callback, X11InputContext& context, Log& log) {
+    auto connection = X11Connection::open(display.empty() ? nullptr : display.c_str());
+    if (connection == nullptr) {
+        log.write(LogLevel::error, "input", "No connection to the X server for the keyboard");
+        return nullptr;
+    }
+    auto guard = X11KeyboardGuard::start(*connection, display, log);
+    return X11TapEngine::create(std::move(connection), std::move(guard), trigger, callback, context, log);
+}
+
+}  // namespace
+
 X11EventTaps::X11EventTaps(X11InputContext& context, Log& log, std::string display)
     : context_(context), log_(log), display_(std::move(display)) {
     context_.requestKeyboardProbe = [this] {
@@ -29,16 +44,15 @@ std::shared_ptr<EventTap> X11EventTaps::create(std::uint64_t mask, SwitcherModif
     if (mask != keyboardMask) {
         return nullptr;
     }
-    auto connection = X11Connection::open(display_.empty() ? nullptr : display_.c_str());
-    if (connection == nullptr) {
-        log_.write(LogLevel::error, "input", "No connection to the X server for the keyboard");
-        return nullptr;
-    }
-    auto engine = X11TapEngine::create(std::move(connection), trigger, std::move(callback), context_, log_);
+    const auto makeEngine = [&context = context_, &log = log_, display = display_,
+                             callback = std::move(callback)](SwitcherModifier modifier) {
+        return makeTapEngine(display, modifier, callback, context, log);
+    };
+    auto engine = makeEngine(trigger);
     if (engine == nullptr) {
         return nullptr;
     }
-    auto tap = std::make_shared<X11EventTap>(std::move(engine));
+    auto tap = std::make_shared<X11EventTap>(std::move(engine), trigger, makeEngine);
     const std::lock_guard guard(lock_);
     currentTap_ = tap;
     return tap;

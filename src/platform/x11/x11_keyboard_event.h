@@ -27,6 +27,9 @@ struct X11KeyboardEvent {
 
     Kind kind = Kind::press;
     bool isRepeat = false;
+    /// Typed while the server held its keyboard back for the tap, after the press that began that: only its own
+    /// modifiers tell whether it is a trigger.
+    bool wasHeldBack = false;
     /// The device whose grab delivered the event: a slave as long as its own grab holds it, else the master.
     std::uint16_t deviceId = 0;
     std::uint32_t keyCode = 0;

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
+#include <string_view>
 #include <utility>
 
 // The header of xcb's XKB names a field with a word that C++ reserves.
@@ -45,26 +45,45 @@ void X11KeyboardGrabs::readDevices() {
         return;
     }
     masters_.clear();
-    bool hasMaster = false;
+    masterKeyboards_.clear();
+    testKeyboards_.clear();
     for (auto device = xcb_input_xi_query_device_infos_iterator(reply.get()); device.rem > 0;
          xcb_input_xi_device_info_next(&device)) {
         if (device.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD) {
             masters_[device.data->deviceid] = device.data->attachment;
-        } else if (device.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD && !std::exchange(hasMaster, true)) {
-            mainMaster_ = device.data->deviceid;
+            const std::string_view name(xcb_input_xi_device_info_name(device.data), device.data->name_len);
+            if (name.find("XTEST") != std::string_view::npos) {
+                testKeyboards_.insert(device.data->deviceid);
+            }
+        } else if (device.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD) {
+            if (masterKeyboards_.empty()) {
+                mainMaster_ = device.data->deviceid;
+            }
+            masterKeyboards_.insert(device.data->deviceid);
         }
     }
     // The server dropped the grabs of devices that are gone.
-    std::erase_if(installed_, [this](const auto& grab) { return !masters_.contains(grab.first.device); });
+    std::erase_if(installed_, [this](const auto& grab) {
+        return grab.first.device != XCB_INPUT_DEVICE_ALL && !masters_.contains(grab.first.device);
+    });
 }
 
-void X11KeyboardGrabs::install() {
+std::set<X11KeyboardGrabs::Target> X11KeyboardGrabs::wantedTargets() const {
     std::set<Target> wanted;
-    for (const auto& [device, master] : masters_) {
-        for (const auto keyCode : keyCodes_) {
+    for (const auto keyCode : keyCodes_) {
+        if (holdsKeysBack()) {
+            wanted.insert({XCB_INPUT_DEVICE_ALL, keyCode});
+            continue;
+        }
+        for (const auto& [device, master] : masters_) {
             wanted.insert({device, keyCode});
         }
     }
+    return wanted;
+}
+
+void X11KeyboardGrabs::install() {
+    const auto wanted = wantedTargets();
     // What is grabbed already and still wanted is not touched: given back for however short a time, the key would be
     // the window manager's.
     for (auto& [target, modifiers] : installed_) {
@@ -83,8 +102,13 @@ void X11KeyboardGrabs::install() {
             requests.emplace_back(target, requestGrab(target, missing));
         }
     }
+    bool isGranted = true;
     for (const auto& [target, cookie] : requests) {
-        readAnswer(target, cookie);
+        isGranted = readAnswer(target, cookie) && isGranted;
+    }
+    if (!isGranted && holdsKeysBack()) {
+        isRefusedOnAllDevices_ = true;
+        install();
     }
 }
 
@@ -121,13 +145,16 @@ void X11KeyboardGrabs::ungrab(const Target& target, const std::vector<std::uint3
 
 xcb_input_xi_passive_grab_device_cookie_t X11KeyboardGrabs::requestGrab(
     const Target& target, const std::vector<std::uint32_t>& modifiers) const {
-    return xcb_input_xi_passive_grab_device(
-        connection_.get(), XCB_CURRENT_TIME, connection_.root(), XCB_CURSOR_NONE, target.keyCode, target.device,
-        static_cast<std::uint16_t>(modifiers.size()), 1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,
-        XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, &keyEvents, modifiers.data());
+    // A grab on all devices is none of a keyboard to the server, which takes the mode for paired devices for it.
+    const auto mode =
+        target.device == XCB_INPUT_DEVICE_ALL ? XCB_INPUT_GRAB_MODE_22_SYNC : XCB_INPUT_GRAB_MODE_22_ASYNC;
+    return xcb_input_xi_passive_grab_device(connection_.get(), XCB_CURRENT_TIME, connection_.root(), XCB_CURSOR_NONE,
+                                            target.keyCode, target.device, static_cast<std::uint16_t>(modifiers.size()),
+                                            1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC, mode,
+                                            XCB_INPUT_GRAB_OWNER_NO_OWNER, &keyEvents, modifiers.data());
 }
 
-void X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_grab_device_cookie_t cookie) {
+bool X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_grab_device_cookie_t cookie) {
     xcb_generic_error_t* rawError = nullptr;
     const XcbReply<xcb_input_xi_passive_grab_device_reply_t> reply(
         xcb_input_xi_passive_grab_device_reply(connection_.get(), cookie, &rawError));
@@ -137,15 +164,20 @@ void X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_gra
         log_.write(LogLevel::standard, "input",
                    fmt::format("Cannot grab key {} of keyboard {}: error {}", target.keyCode, target.device,
                                error != nullptr ? int{error->error_code} : 0));
-        return;
+        return true;
     }
     installed_[target] = modifiers_;
+    const bool isGranted = xcb_input_xi_passive_grab_device_modifiers_length(reply.get()) == 0;
+    if (target.device == XCB_INPUT_DEVICE_ALL) {
+        return isGranted;
+    }
     for (auto refused = xcb_input_xi_passive_grab_device_modifiers_iterator(reply.get()); refused.rem > 0;
          xcb_input_grab_modifier_info_next(&refused)) {
         log_.write(LogLevel::error, "input",
                    fmt::format("Another program holds key {} with modifiers {:#x} of keyboard {}", target.keyCode,
                                refused.data->modifiers, target.device));
     }
+    return isGranted;
 }
 
 }  // namespace ferrowyn

@@ -7,6 +7,7 @@
 #include <xcb/xtest.h>
 
 #include <string_view>
+#include <utility>
 
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_keyboard_grabs.h"
@@ -30,6 +31,17 @@ X11KeyboardSeizure::KeysDown keysDownOf(const xcb_query_keymap_reply_t& reply) {
     return keys;
 }
 
+bool isDown(const xcb_input_query_device_state_reply_t& state, std::uint32_t keyCode) {
+    for (auto part = xcb_input_query_device_state_classes_iterator(&state); part.rem > 0;
+         xcb_input_input_state_next(&part)) {
+        if (part.data->class_id == XCB_INPUT_INPUT_CLASS_KEY) {
+            const auto& keys = reinterpret_cast<const xcb_input_key_state_t&>(*part.data).keys;
+            return (keys[keyCode / 8] >> keyCode % 8 & 1) != 0;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 X11KeyboardSeizure::X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs)
@@ -49,6 +61,7 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     const auto master = slave ? grabs_.masterOf(*slave) : grabs_.mainMaster();
     const auto grab = requestGrab(master);
     grabs_.remove();
+    freedSlave_ = slave;
     if (slave) {
         freeSlave(*slave);
     }
@@ -97,18 +110,51 @@ void X11KeyboardSeizure::giveBack() {
 }
 
 void X11KeyboardSeizure::freeSlave(xcb_input_device_id_t slave) {
+    if (grabs_.holdsKeysBack()) {
+        // The server would play what it held back to the slave alone, and nobody listens there: the master misses it in
+        // any case. A grab of the slave lets all of it come here.
+        xcb_discard_reply(connection_.get(), requestGrab(slave).sequence);
+    }
     xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, slave);
 }
 
-void X11KeyboardSeizure::noteMissedRelease(std::uint32_t keyCode) {
-    missedReleases_.push_back(keyCode);
+void X11KeyboardSeizure::noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode) {
+    missedReleases_.push_back({slave, keyCode});
 }
 
 void X11KeyboardSeizure::repeatMissedReleases() {
-    for (const auto keyCode : missedReleases_) {
-        fakeKey(XCB_KEY_RELEASE, keyCode);
+    const auto releases = std::exchange(missedReleases_, {});
+    std::vector<Release> ofProgram;
+    for (const auto& release : releases) {
+        if (grabs_.isTestKeyboard(release.slave)) {
+            ofProgram.push_back(release);
+        } else {
+            // If the key has gone down there again, the server ignores this: it is another keyboard's.
+            fakeKey(XCB_KEY_RELEASE, release.keyCode);
+        }
     }
-    missedReleases_.clear();
+    if (!ofProgram.empty()) {
+        repeatReleasesOfProgram(ofProgram.front().slave, ofProgram);
+    }
+}
+
+/// What is repeated is typed on the very keyboard that the program types on, and would let go a key that has gone down
+/// there again: that is looked up just before. The program is not kept from typing meanwhile: a server that only
+/// listens to a client which is then stopped is lost.
+void X11KeyboardSeizure::repeatReleasesOfProgram(xcb_input_device_id_t testKeyboard,
+                                                 const std::vector<Release>& releases) {
+    auto* const connection = connection_.get();
+    const auto request = xcb_input_query_device_state(connection, static_cast<std::uint8_t>(testKeyboard));
+    const XcbReply<xcb_input_query_device_state_reply_t> reply(
+        xcb_input_query_device_state_reply(connection, request, nullptr));
+    for (const auto& release : releases) {
+        if (reply == nullptr || !isDown(*reply, release.keyCode)) {
+            fakeKey(XCB_KEY_RELEASE, release.keyCode);
+        }
+    }
+    // Whatever the program types once it hears of the trigger comes after these.
+    const XcbReply<xcb_get_input_focus_reply_t> sync(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
 void X11KeyboardSeizure::releaseForMaster(std::uint32_t keyCode) {
@@ -148,8 +194,8 @@ bool X11KeyboardSeizure::probe() {
     return true;
 }
 
-xcb_input_xi_grab_device_cookie_t X11KeyboardSeizure::requestGrab(xcb_input_device_id_t master) const {
-    return xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE, master,
+xcb_input_xi_grab_device_cookie_t X11KeyboardSeizure::requestGrab(xcb_input_device_id_t device) const {
+    return xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE, device,
                                     XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
                                     XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &keyEvents);
 }

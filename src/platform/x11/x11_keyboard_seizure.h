@@ -18,7 +18,8 @@ class X11KeyboardGrabs;
 ///
 /// A passive grab at a slave floats the slave while it is active: what happens to its keys meanwhile never reaches the
 /// master, and a modifier would stay down there for good. Hence the slave is freed in the same breath in which its
-/// master is taken, and releases that came with the slave's id are repeated for the master.
+/// master is taken, and releases that came with the slave's id are repeated for the master. Where the server has held
+/// the slave's keys back, they all come with the slave's id, in their order, as it is freed.
 class X11KeyboardSeizure {
 public:
     /// Waits for the server.
@@ -50,11 +51,16 @@ public:
     [[nodiscard]] std::optional<State> take(std::optional<xcb_input_device_id_t> slave);
     /// The caller puts the passive grabs back first, so that no press falls between. Only sent.
     void giveBack();
-    /// Frees a slave that its passive grab still holds. Only sent.
+    /// Frees a slave that its passive grab still holds; what the server held back of its keys comes before this
+    /// connection's next answer. Only sent.
     void freeSlave(xcb_input_device_id_t slave);
+    /// Whether the latest `take` freed this slave, and what was held back of its keys may still be on its way here.
+    [[nodiscard]] bool hasFreed(xcb_input_device_id_t slave) const { return freedSlave_ == slave; }
+    /// All that came before the answer to `take` has been read.
+    void noteAllRead() { freedSlave_.reset(); }
     /// The master never saw this release: repeats it, now or as soon as the slave is free.
-    void noteMissedRelease(std::uint32_t keyCode);
-    /// Repeats what was noted. Only sent.
+    void noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode);
+    /// Repeats what was noted. Waits for the server only where a program typed.
     void repeatMissedReleases();
     /// Lets the key go for the master: it repeats no longer, and the hardware's own release will be nothing new.
     void releaseForMaster(std::uint32_t keyCode);
@@ -66,17 +72,24 @@ public:
     [[nodiscard]] bool probe();
 
 private:
-    [[nodiscard]] xcb_input_xi_grab_device_cookie_t requestGrab(xcb_input_device_id_t master) const;
+    struct Release {
+        xcb_input_device_id_t slave = 0;
+        std::uint32_t keyCode = 0;
+    };
+
+    [[nodiscard]] xcb_input_xi_grab_device_cookie_t requestGrab(xcb_input_device_id_t device) const;
     [[nodiscard]] xcb_get_property_cookie_t requestActiveWindow() const;
     [[nodiscard]] xcb_window_t collectActiveWindow(xcb_get_property_cookie_t cookie) const;
     [[nodiscard]] bool isGranted(xcb_input_xi_grab_device_cookie_t cookie) const;
+    void repeatReleasesOfProgram(xcb_input_device_id_t testKeyboard, const std::vector<Release>& releases);
     void fakeKey(std::uint8_t type, std::uint32_t keyCode);
 
     const X11Connection& connection_;
     X11KeyboardGrabs& grabs_;
     xcb_atom_t activeWindowProperty_ = XCB_ATOM_NONE;
     std::optional<xcb_input_device_id_t> master_;
-    std::vector<std::uint32_t> missedReleases_;
+    std::optional<xcb_input_device_id_t> freedSlave_;
+    std::vector<Release> missedReleases_;
 };
 
 }  // namespace ferrowyn

@@ -16,7 +16,8 @@ constexpr std::string_view category = "input";
 
 }  // namespace
 
-std::unique_ptr<X11TapEngine> X11TapEngine::create(std::unique_ptr<X11Connection> connection, SwitcherModifier trigger,
+std::unique_ptr<X11TapEngine> X11TapEngine::create(std::unique_ptr<X11Connection> connection,
+                                                   std::unique_ptr<X11KeyboardGuard> guard, SwitcherModifier trigger,
                                                    EventTaps::Callback callback, X11InputContext& context, Log& log) {
     auto reader = X11KeyboardReader::create(*connection);
     if (!reader) {
@@ -27,13 +28,15 @@ std::unique_ptr<X11TapEngine> X11TapEngine::create(std::unique_ptr<X11Connection
     if (keyboard == nullptr) {
         return nullptr;
     }
-    return std::unique_ptr<X11TapEngine>(
-        new X11TapEngine(std::move(connection), std::move(keyboard), *reader, std::move(callback), context, log));
+    return std::unique_ptr<X11TapEngine>(new X11TapEngine(std::move(connection), std::move(guard), std::move(keyboard),
+                                                          *reader, std::move(callback), context, log));
 }
 
-X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11TapKeyboard> keyboard,
-                           X11KeyboardReader reader, EventTaps::Callback callback, X11InputContext& context, Log& log)
+X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11KeyboardGuard> guard,
+                           std::unique_ptr<X11TapKeyboard> keyboard, X11KeyboardReader reader,
+                           EventTaps::Callback callback, X11InputContext& context, Log& log)
     : connection_(std::move(connection)),
+      guard_(std::move(guard)),
       keyboard_(std::move(keyboard)),
       context_(context),
       log_(log),
@@ -87,6 +90,12 @@ void X11TapEngine::handle(const X11TapRequest& request) {
 }
 
 bool X11TapEngine::serve() {
+    receive();
+    if (!connection_->isAlive()) {
+        // What came before the end was for a tap that the guard has given up.
+        return false;
+    }
+    answerGuard();
     // Whoever waits for a reply also takes in the events before it, and the descriptor does not tell of those: so until
     // a round has found nothing new.
     do {
@@ -150,6 +159,9 @@ void X11TapEngine::deliverHidden(const X11KeyboardEvent& event) {
     if (isEnabled_ && event.kind == Kind::press && !event.isRepeat && keyboard_->isTrigger(event)) {
         beginSession(event);
     } else if (event.kind == Kind::press && keyboard_->isAtSlave(event)) {
+        if (event.wasHeldBack && context_.isKeyboardHeldElsewhere.load()) {
+            seizure_.typeForHolder(event.keyCode);
+        }
         seizure_.freeSlave(event.deviceId);
         seizure_.repeatMissedReleases();
     } else if (event.kind == Kind::modifiersChanged) {
@@ -269,7 +281,45 @@ bool X11TapEngine::mustWaitForTheEnd(const X11KeyboardEvent& event) const {
 }
 
 void X11TapEngine::applyGrabs() {
+    const bool isGuarded = guard_ != nullptr && guard_->isThere();
+    if (isGuarded && isEnabled_) {
+        // Before the server can hold anything back.
+        guard_->setFreezingModifiers(keyboard_->triggerMask());
+    }
+    keyboard_->grabs().setHoldsKeysBack(isGuarded);
     keyboard_->applyGrabs(isEnabled_, seizure_.isHeld());
+    const bool holdsKeysBack = isEnabled_ && keyboard_->grabs().holdsKeysBack();
+    if (isGuarded && !holdsKeysBack) {
+        guard_->setFreezingModifiers(0);
+    }
+    if (isEnabled_ && !seizure_.isHeld()) {
+        log_.write(
+            LogLevel::debug, category,
+            holdsKeysBack ? "The shortcut is grabbed, and keys behind it are held back" : "The shortcut is grabbed");
+    }
+}
+
+void X11TapEngine::reportLoss() {
+    log_.write(LogLevel::error, category,
+               "The program did not run for a while and has lost the keyboard; it begins anew");
+    delivery_.disabled();
+}
+
+void X11TapEngine::answerGuard() {
+    if (guard_ == nullptr || !guard_->isThere()) {
+        return;
+    }
+    guard_->answer();
+    if (!guard_->isThere()) {
+        log_.write(LogLevel::error, category, "The keyboard's guard is gone; keys are not held back any more");
+        applyGrabs();
+    }
+}
+
+void X11TapEngine::tellGuard(bool isHeld) {
+    if (guard_ != nullptr) {
+        guard_->noteHeld(isHeld);
+    }
 }
 
 void X11TapEngine::yieldToLocker() {
@@ -280,9 +330,20 @@ void X11TapEngine::yieldToLocker() {
 }
 
 void X11TapEngine::probeKeyboard() {
-    if (phase_ == Phase::hidden && context_.isKeyboardHeldElsewhere.load() && seizure_.probe()) {
+    if (phase_ != Phase::hidden || !context_.isKeyboardHeldElsewhere.load()) {
+        return;
+    }
+    if (isKeyboardFree()) {
         context_.isKeyboardHeldElsewhere.store(false);
     }
+}
+
+bool X11TapEngine::isKeyboardFree() {
+    tellGuard(true);
+    const bool isFree = seizure_.probe();
+    xcb_flush(connection_->get());
+    tellGuard(false);
+    return isFree;
 }
 
 }  // namespace ferrowyn

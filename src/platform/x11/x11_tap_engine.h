@@ -12,6 +12,7 @@
 #include "platform/x11/x11_held_keys.h"
 #include "platform/x11/x11_input_method.h"
 #include "platform/x11/x11_keyboard_event.h"
+#include "platform/x11/x11_keyboard_guard.h"
 #include "platform/x11/x11_keyboard_reader.h"
 #include "platform/x11/x11_keyboard_seizure.h"
 #include "platform/x11/x11_tap_delivery.h"
@@ -45,8 +46,9 @@ public:
     static constexpr std::chrono::milliseconds seizureRetryInterval{20};
     static constexpr std::chrono::milliseconds seizureRetryTimeout{1000};
 
-    /// Null when the server lacks what is needed. Waits for the server.
+    /// Null when the server lacks what is needed. Without a guard no keys are held back. Waits for the server.
     [[nodiscard]] static std::unique_ptr<X11TapEngine> create(std::unique_ptr<X11Connection> connection,
+                                                              std::unique_ptr<X11KeyboardGuard> guard,
                                                               SwitcherModifier trigger, EventTaps::Callback callback,
                                                               X11InputContext& context, Log& log);
     /// Gives back whatever of the keyboard is held, and waits until the server has done it.
@@ -57,7 +59,11 @@ public:
     [[nodiscard]] const X11Connection& connection() const { return *connection_; }
     /// Null where none is asked.
     [[nodiscard]] const X11InputMethod* inputMethod() const { return inputMethod_.get(); }
+    /// What the guard's questions come by; -1 without one.
+    [[nodiscard]] int guardDescriptor() const { return guard_ != nullptr ? guard_->fileDescriptor() : -1; }
     void handle(const X11TapRequest& request);
+    /// The guard ended the connection of this tap's predecessor: whatever that had begun is over.
+    void reportLoss();
     /// Handles all that has arrived and all that is due. False when the connection is lost.
     [[nodiscard]] bool serve();
     /// Told that the tap disables itself, before the tap's callback is. Set before the tap's thread starts.
@@ -68,9 +74,13 @@ public:
 private:
     enum class Phase { hidden, awaitingAnswer, open };
 
-    X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11TapKeyboard> keyboard,
-                 X11KeyboardReader reader, EventTaps::Callback callback, X11InputContext& context, Log& log);
+    X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11KeyboardGuard> guard,
+                 std::unique_ptr<X11TapKeyboard> keyboard, X11KeyboardReader reader, EventTaps::Callback callback,
+                 X11InputContext& context, Log& log);
 
+    void answerGuard();
+    /// The guard hears of it before the server does when the keyboard is taken, and after it when it is given back.
+    void tellGuard(bool isHeld);
     /// Takes in what has arrived; whether anything had.
     bool receive();
     void deliverQueue();
@@ -107,8 +117,11 @@ private:
     void reportActiveWindow(xcb_window_t window) const;
     [[nodiscard]] bool mustWaitForTheEnd(const X11KeyboardEvent& event) const;
     void probeKeyboard();
+    /// Takes it for a moment.
+    [[nodiscard]] bool isKeyboardFree();
 
     std::unique_ptr<X11Connection> connection_;
+    std::unique_ptr<X11KeyboardGuard> guard_;
     std::unique_ptr<X11TapKeyboard> keyboard_;
     X11InputContext& context_;
     Log& log_;

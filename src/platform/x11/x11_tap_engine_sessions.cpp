@@ -41,9 +41,11 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
 bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
     const bool isAtSlave = keyboard_->isAtSlave(press);
     reception_.watchWindows(true);
+    tellGuard(true);
     const auto state = seizure_.take(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
     if (!state) {
         reception_.watchWindows(false);
+        tellGuard(false);
         return false;
     }
     context_.isKeyboardHeldElsewhere.store(false);
@@ -61,6 +63,9 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
         press.modifiers.effective |= keyboard_->triggerMask() | (state->modifiers & XCB_MOD_MASK_SHIFT);
         addShift(press);
         modifiers_ = state->modifiers;
+        // What was held back is here by now. Releases among it are repeated before anybody hears of the trigger, and may
+        // press it again.
+        receive();
         if (!reception_.hasReleaseOf(press.keyCode)) {
             heldKeys_.holdTrigger(press, *state);
         }
@@ -85,6 +90,9 @@ void X11TapEngine::refuseSession(const X11KeyboardEvent& press) {
     }
     // The combination is that program's: a virtual machine in full screen wants it.
     seizure_.typeForHolder(press.keyCode);
+    // So is what was held back behind it.
+    receive();
+    seizure_.repeatMissedReleases();
     applyGrabs();
     hasLostTrigger_ = true;
     lostTriggerJudgement_.reset();
@@ -100,7 +108,7 @@ void X11TapEngine::followLostTrigger(std::uint32_t modifiers) {
 void X11TapEngine::judgeLostTrigger() {
     lostTriggerJudgement_.reset();
     // A locker or a password dialog holds on. Once it is asked here, the keyboard's holder need not be asked again.
-    if (phase_ == Phase::hidden && !seizure_.isHeld() && seizure_.probe()) {
+    if (phase_ == Phase::hidden && !seizure_.isHeld() && isKeyboardFree()) {
         context_.isKeyboardHeldElsewhere.store(false);
         if (context_.reportLostTrigger) {
             context_.reportLostTrigger();
@@ -126,9 +134,11 @@ void X11TapEngine::seizeForOpenSession() {
     seizureRetry_.reset();
     receive();
     reception_.watchWindows(true);
+    tellGuard(true);
     const auto state = seizure_.take(std::nullopt);
     if (!state) {
         reception_.watchWindows(false);
+        tellGuard(false);
         keyboard_->grabs().install();
         if (Clock::now() < seizureRetryEnd_) {
             seizureRetry_ = Clock::now() + seizureRetryInterval;
@@ -194,6 +204,7 @@ void X11TapEngine::giveKeyboardBack() {
     heldKeys_.releaseEarlierKeys(seizure_);
     reception_.watchWindows(false);
     xcb_flush(connection_->get());
+    tellGuard(false);
 }
 
 }  // namespace ferrowyn

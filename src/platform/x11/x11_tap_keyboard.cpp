@@ -73,6 +73,7 @@ void X11TapKeyboard::applyGrabs(bool isEnabled, bool isKeyboardHeld) {
     grabs_.watchModifiers(isEnabled);
     if (!isEnabled) {
         grabs_.remove();
+        grabs_.forgetRefusal();
     } else if (!isKeyboardHeld) {
         grabs_.install();
     }
@@ -82,8 +83,9 @@ bool X11TapKeyboard::isTrigger(const X11KeyboardEvent& event) const {
     if (std::find(triggerKeyCodes_.begin(), triggerKeyCodes_.end(), event.keyCode) == triggerKeyCodes_.end()) {
         return false;
     }
-    // At a slave only the grabbed combinations arrive, and the modifier may be down on another keyboard.
-    return isAtSlave(event) || (event.modifiers.effective & triggerMask()) != 0;
+    // At a slave only the grabbed combinations arrive, but for what was held back behind them; and the modifier may be
+    // down on another keyboard.
+    return (isAtSlave(event) && !event.wasHeldBack) || (event.modifiers.effective & triggerMask()) != 0;
 }
 
 bool X11TapKeyboard::isAtSlave(const X11KeyboardEvent& event) const {

@@ -11,13 +11,16 @@ using Kind = X11KeyboardEvent::Kind;
 bool X11TapReception::receive(bool dropsRepeats) {
     const bool hasRead =
         reader_.readAvailable(changes_, [&](const X11KeyboardEvent& event) { receive(event, dropsRepeats); });
+    seizure_.noteAllRead();
     if (seizure_.isHeld()) {
         seizure_.repeatMissedReleases();
     }
     return hasRead;
 }
 
-void X11TapReception::receive(const X11KeyboardEvent& event, bool dropsRepeats) {
+void X11TapReception::receive(const X11KeyboardEvent& received, bool dropsRepeats) {
+    auto event = received;
+    event.wasHeldBack = wasHeldBack(event);
     if (event.kind != Kind::modifiersChanged && !keyboard_.layout().isModifierKey(event.keyCode)) {
         heldKeys_.note(event, keyboard_.isAtSlave(event));
     }
@@ -35,12 +38,16 @@ void X11TapReception::receive(const X11KeyboardEvent& event, bool dropsRepeats) 
 
 void X11TapReception::receiveAtSlave(const X11KeyboardEvent& event) {
     if (event.kind == Kind::release) {
-        seizure_.noteMissedRelease(event.keyCode);
+        seizure_.noteMissedRelease(event.deviceId, event.keyCode);
         receiveMissedModifier(event);
-    } else if (seizure_.isHeld()) {
+    } else if (seizure_.isHeld() && !event.wasHeldBack) {
         // A trigger at another keyboard, or one that came before the passive grabs were gone.
         seizure_.freeSlave(event.deviceId);
     }
+}
+
+bool X11TapReception::wasHeldBack(const X11KeyboardEvent& event) const {
+    return keyboard_.grabs().holdsKeysBack() && keyboard_.isAtSlave(event) && seizure_.hasFreed(event.deviceId);
 }
 
 void X11TapReception::receiveMissedModifier(const X11KeyboardEvent& release) {

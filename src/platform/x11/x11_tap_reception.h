@@ -45,8 +45,9 @@ public:
     [[nodiscard]] X11KeyboardReader::Changes takeChanges() { return std::exchange(changes_, {}); }
 
 private:
-    void receive(const X11KeyboardEvent& event, bool dropsRepeats);
+    void receive(const X11KeyboardEvent& received, bool dropsRepeats);
     void receiveAtSlave(const X11KeyboardEvent& event);
+    [[nodiscard]] bool wasHeldBack(const X11KeyboardEvent& event) const;
     void receiveMissedModifier(const X11KeyboardEvent& release);
     void noteUser(const X11KeyboardEvent& event);
 

@@ -48,6 +48,7 @@ void X11TapRunLoop::runFor(Seconds slice) {
             descriptors.push_back({tap->mailboxDescriptor(), POLLIN, 0});
             descriptors.push_back({tap->connectionDescriptor(), POLLIN, 0});
             descriptors.push_back(tap->inputMethodDescriptor());
+            descriptors.push_back({tap->guardDescriptor(), POLLIN, 0});
         }
         // An interrupted wait is a short one; every pass looks at everything.
         poll(descriptors.data(), descriptors.size(), pollTimeout(earliestDeadline(served, end)));

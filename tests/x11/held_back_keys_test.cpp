@@ -1,0 +1,192 @@
+// Keys that are typed right after the trigger, before a busy machine lets the tap see it, belong to the panel.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <xcb/xtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <random>
+#include <string>
+#include <thread>
+
+#include "tests/x11/desk_test.h"
+#include "tests/x11/tap_physical_keyboard.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+/// A window manager, and whether it lets keys be held back.
+struct Holding {
+    const char* manager;
+    bool holdsKeysBack;
+};
+
+void PrintTo(const Holding& holding, std::ostream* stream) {
+    *stream << holding.manager;
+}
+
+std::string holdingName(const testing::TestParamInfo<Holding>& instance) {
+    return instance.param.manager;
+}
+
+/// How many fast switches are tried; `FERROWYN_FAST_SWITCHES` asks for more.
+int fastSwitches() {
+    const char* const count = std::getenv("FERROWYN_FAST_SWITCHES");
+    return count == nullptr ? 60 : std::atoi(count);
+}
+
+/// Programs that keep both processors busy, as many as `FERROWYN_BUSY_PROGRAMS` says.
+std::vector<std::unique_ptr<ChildProcess>> busyPrograms() {
+    const char* const count = std::getenv("FERROWYN_BUSY_PROGRAMS");
+    std::vector<std::unique_ptr<ChildProcess>> programs;
+    for (int number = 0; count != nullptr && number < std::atoi(count); ++number) {
+        programs.push_back(std::make_unique<ChildProcess>(ChildProcess::Options{
+            .command = {"sh", "-c", "while :; do :; done"}, .environment = {}, .inheritedDescriptor = {}}));
+    }
+    return programs;
+}
+
+class HeldBackKeysTest : public DeskTest<testing::TestWithParam<Holding>> {
+protected:
+    HeldBackKeysTest() : DeskTest(GetParam().manager) {}
+
+    /// Presses and releases keys while no other client gets the server's ear, and for this long afterwards: what a busy
+    /// server and a late tap amount to.
+    void typeUnheard(std::initializer_list<std::uint8_t> keyCodes, milliseconds silence) {
+        auto* const connection = desktop.connection();
+        xcb_grab_server(connection);
+        for (const auto keyCode : keyCodes) {
+            for (const auto type : {std::uint8_t{XCB_KEY_PRESS}, std::uint8_t{XCB_KEY_RELEASE}}) {
+                xcb_test_fake_input(connection, type, keyCode, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+            }
+        }
+        xcb_flush(connection);
+        std::this_thread::sleep_for(silence);
+        xcb_ungrab_server(connection);
+        xcb_flush(connection);
+    }
+    /// Whether any window has seen a key of these since the last call.
+    [[nodiscard]] bool hasLeaked(std::initializer_list<std::uint8_t> keyCodes) {
+        bool hasLeaked = false;
+        for (const auto& window : windows) {
+            for (const auto pressed : window->takeInput().keyPresses) {
+                hasLeaked = hasLeaked || std::find(keyCodes.begin(), keyCodes.end(), pressed) != keyCodes.end();
+            }
+        }
+        return hasLeaked;
+    }
+    void pause() {
+        // How fast fingers are, not a wait for something.
+        std::this_thread::sleep_for(
+            std::chrono::duration<double, std::milli>(std::uniform_real_distribution(8.0, 40.0)(random_)));
+    }
+
+private:
+    std::mt19937 random_{20261122};
+};
+
+TEST_P(HeldBackKeysTest, ALetterRightAfterTheTriggerReachesNoWindowHoweverLateTheTapIs) {
+    openWindows(3);
+    startProgram();
+    for (const auto silence : {milliseconds{20}, milliseconds{60}, milliseconds{120}}) {
+        int leaks = 0;
+        constexpr int rounds = 20;
+        for (int round = 0; round < rounds; ++round) {
+            input.press(key::leftAlt);
+            pause();
+            typeUnheard({key::tab, key::q}, silence);
+            ASSERT_TRUE(desktop.waitForPanel(true)) << "round " << round;
+            input.tap(key::escape);
+            input.release(key::leftAlt);
+            ASSERT_TRUE(desktop.waitForPanel(false)) << "round " << round;
+            leaks += hasLeaked({key::q, key::tab}) ? 1 : 0;
+        }
+        std::cout << GetParam().manager << ": server silent for " << silence.count() << " ms: " << leaks << " of "
+                  << rounds << " leaked\n";
+        if (GetParam().holdsKeysBack) {
+            EXPECT_EQ(leaks, 0) << silence.count() << " ms";
+        }
+    }
+}
+
+TEST_P(HeldBackKeysTest, KeysOfARealKeyboardReachThePanelAndNothingElse) {
+    openActive({.title = "Quarterly figures"});
+    openWindows(2);
+    startProgram();
+    TapPhysicalKeyboard keyboard(server.display());
+    ASSERT_TRUE(keyboard.isThere());
+    // The letter, which only the oldest window has, filters; it is typed before the tap can know of the session.
+    keyboard.press(key::leftAlt);
+    keyboard.tapUnheard({key::tab, key::q}, milliseconds{60});
+    ASSERT_TRUE(desktop.waitForPanel(true));
+    if (GetParam().holdsKeysBack) {
+        keyboard.tap(key::enter);
+        expectSwitchTo(window(1));
+        EXPECT_FALSE(hasLeaked({key::q, key::tab, key::enter}));
+    } else {
+        keyboard.tap(key::escape);
+    }
+    keyboard.release(key::leftAlt);
+    EXPECT_TRUE(desktop.waitForPanel(false));
+    // Let go of before the tap can know, too.
+    static_cast<void>(hasLeaked({}));
+    const auto before = desktop.activeWindow();
+    keyboard.press(key::leftAlt);
+    keyboard.tapUnheard({key::tab, key::leftAlt}, milliseconds{60});
+    keyboard.release(key::leftAlt);
+    EXPECT_TRUE(desktop.waitUntil([&] {
+        const auto active = desktop.activeWindow();
+        return active != before && active != XCB_WINDOW_NONE;
+    }));
+    EXPECT_TRUE(desktop.waitForPanel(false));
+    EXPECT_FALSE(hasLeaked({key::tab}));
+}
+
+TEST_P(HeldBackKeysTest, FastSwitchesLoseNoKeyToAWindow) {
+    openWindows(3);
+    startProgram();
+    const auto load = busyPrograms();
+    int leaks = 0;
+    int wrong = 0;
+    for (int round = 0; round < fastSwitches(); ++round) {
+        // A letter that no title has, then away with it, then the second window: in a session all of them are the
+        // panel's.
+        const auto expected = window(round % 2 == 0 ? 2 : 3);
+        input.press(key::leftAlt);
+        pause();
+        input.press(key::tab);
+        pause();
+        input.release(key::tab);
+        pause();
+        input.tap(key::digit2);
+        pause();
+        input.release(key::leftAlt);
+        wrong += desktop.waitForActiveWindow(expected, milliseconds{3000}) ? 0 : 1;
+        ASSERT_TRUE(desktop.waitForPanel(false)) << "round " << round;
+        leaks += hasLeaked({key::digit2, key::tab}) ? 1 : 0;
+        if (desktop.activeWindow() != expected) {
+            use(expected);
+        }
+    }
+    const bool isHeldBack = program->process().output().find("keys behind it are held back") != std::string::npos;
+    EXPECT_EQ(isHeldBack, GetParam().holdsKeysBack);
+    std::cout << GetParam().manager << ": of " << fastSwitches() << " fast switches " << leaks << " leaked a key and "
+              << wrong << " went wrong\n";
+    if (GetParam().holdsKeysBack) {
+        EXPECT_EQ(leaks, 0);
+        EXPECT_EQ(wrong, 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, HeldBackKeysTest, testing::Values(Holding{"openbox", true}, Holding{"xfwm4", true}),
+                         holdingName);
+INSTANTIATE_TEST_SUITE_P(FurtherManagers, HeldBackKeysTest,
+                         testing::Values(Holding{"icewm", true}, Holding{"metacity", true}, Holding{"i3", true},
+                                         Holding{"kwin_x11", true}, Holding{"mutter", false}),
+                         holdingName);
+
+}  // namespace
+}  // namespace ferrowyn::x11test
