@@ -13,6 +13,7 @@
 #include "tests/x11/harness/test_input.h"
 #include "tests/x11/harness/test_window.h"
 #include "tests/x11/harness/window_manager_process.h"
+#include "tests/x11/tap_physical_keyboard.h"
 #include "tests/x11/tap_rig.h"
 
 namespace ferrowyn::x11test {
@@ -29,10 +30,10 @@ std::string nameOf(const testing::TestParamInfo<Series>& series) {
     return series.param.manager;
 }
 
-/// Times between the events of a quick hand, more of them short than long.
+/// Times between the events of a quick hand on a real keyboard, more of them short than long.
 class Hand {
 public:
-    Hand(TestInput& input, unsigned seed) : input_(input), random_(seed) {}
+    Hand(TapPhysicalKeyboard& keyboard, unsigned seed) : input_(keyboard), random_(seed) {}
 
     void pressTrigger() {
         input_.press(key::leftAlt);
@@ -57,7 +58,7 @@ private:
         std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(std::exp(exponent(random_))));
     }
 
-    TestInput& input_;
+    TapPhysicalKeyboard& input_;
     std::mt19937 random_;
     std::atomic<Clock::time_point> pressedAt_{};
 };
@@ -75,12 +76,12 @@ protected:
     TestDesktop desktop{server.display()};
     TestWindow first{server.display(), {.title = "First"}};
     TestWindow second{server.display(), {.title = "Second", .x = 300}};
-    TestInput input{server.display()};
+    TapPhysicalKeyboard keyboard{server.display()};
 };
 
 TEST_P(TapSessionsTest, EachQuickToggleOpensAndClosesOneSessionHoweverSlowTheMainThread) {
     TapRig rig(server.display(), {.maximumMainDelay = milliseconds{60}, .seed = 7});
-    Hand hand(input, 42);
+    Hand hand(keyboard, 42);
     for (int session = 1; session <= GetParam().sessions; ++session) {
         hand.pressTrigger();
         hand.releaseTrigger();
@@ -97,7 +98,7 @@ TEST_P(TapSessionsTest, EachQuickToggleOpensAndClosesOneSessionHoweverSlowTheMai
 
 TEST_P(TapSessionsTest, TheTriggerReachesTheCallbackAtOnce) {
     TapRig rig(server.display(), {});
-    Hand hand(input, 1);
+    Hand hand(keyboard, 1);
     std::vector<double> latencies;
     rig.onTrigger = [&] {
         latencies.push_back(std::chrono::duration<double, std::milli>(Clock::now() - hand.pressedAt()).count());
