@@ -599,6 +599,24 @@ TEST_F(TapKeyboardTest, ASessionFromTheMenuGetsItsKeysOnceTheMenuLetsTheKeyboard
     expectNothingLeft();
 }
 
+TEST_F(TapKeyboardTest, TheTriggerFreezesNoKeyboardWhileASessionFromTheMenuHasNone) {
+    TapRig rig(server.display(), {});
+    KeyboardHolder holder(server.display());
+    ASSERT_TRUE(holder.hasGrab());
+    rig.openFromMenu();
+    ASSERT_TRUE(rig.waitForOpened(1));
+    // By then the tap has stopped asking for the keyboard.
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.context().isKeyboardHeldElsewhere.load(); }, milliseconds{3000}) ||
+                rig.context().isKeyboardHeldElsewhere.load());
+    toggle();
+    ASSERT_TRUE(rig.settle());
+    static_cast<void>(holder.takePresses());
+    input.tap(key::a);
+    EXPECT_THAT(holder.takePresses(), Contains(key::a));
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+}
+
 TEST_F(TapKeyboardTest, AWindowManagerThatStartsLaterOrRestartsDoesNotTakeTheTrigger) {
     TapRig rig(server.display(), {});
     toggle();

@@ -178,6 +178,12 @@ void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
         }
         return;
     }
+    if (event.kind == Kind::press && keyboard_->isAtSlave(event) && !seizure_.isHeld()) {
+        // Another program had the keyboard when this session opened without the trigger, so the trigger is still
+        // grabbed.
+        seizure_.freeSlave(event.deviceId);
+        seizure_.repeatMissedReleases();
+    }
     if (keyboard_->layout().isModifierKey(event.keyCode) || reception_.isStaleRepeat(event)) {
         return;
     }

@@ -63,8 +63,8 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
         press.modifiers.effective |= keyboard_->triggerMask() | (state->modifiers & XCB_MOD_MASK_SHIFT);
         addShift(press);
         modifiers_ = state->modifiers;
-        // What was held back is here by now. Releases among it are repeated before anybody hears of the trigger, and may
-        // press it again.
+        // What was held back is here by now. Releases among it are repeated before anybody hears of the trigger, and
+        // may press it again.
         receive();
         if (!reception_.hasReleaseOf(press.keyCode)) {
             heldKeys_.holdTrigger(press, *state);
