@@ -172,6 +172,9 @@ TEST_P(RemappedEscapeTest, TheKeyThatIsEscapeCancels) {
     openWindows(2);
     startProgram();
     run(GetParam().command);
+    // The map is read between sessions: by the end of this one it has been.
+    input.chord({key::leftAlt, key::tab});
+    expectSwitchTo(window(1));
     expectCancels(key::capsLock, true);
     expectCancels(key::escape, GetParam().keepsEscape);
 }
