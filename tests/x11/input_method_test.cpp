@@ -11,15 +11,15 @@
 namespace ferrowyn::x11test {
 namespace {
 
-/// A desktop whose user types Chinese with fcitx5, on a bus of its own.
+/// A desktop whose user types Korean with fcitx5, on a bus of its own.
 class InputMethodTest : public DeskTest<testing::Test> {
 protected:
     InputMethodTest() : DeskTest("openbox") {
         programOptions.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
         server.home().write(".config/fcitx5/profile",
-                            "[Groups/0]\nName=Default\nDefault Layout=us\nDefaultIM=pinyin\n\n"
+                            "[Groups/0]\nName=Default\nDefault Layout=us\nDefaultIM=hangul\n\n"
                             "[Groups/0/Items/0]\nName=keyboard-us\nLayout=\n\n"
-                            "[Groups/0/Items/1]\nName=pinyin\nLayout=\n\n"
+                            "[Groups/0/Items/1]\nName=hangul\nLayout=\n\n"
                             "[GroupOrder]\n0=Default\n");
         startInputMethod();
     }
@@ -45,46 +45,40 @@ protected:
 };
 
 TEST_F(InputMethodTest, TypesWhatItComposesAndLeavesTheOtherKeys) {
-    openActive({.title = "你好"});
-    openActive({.title = "nihao"});
+    openActive({.title = "한글"});
+    openActive({.title = "gksrmf"});
     openWindows(3);
     startProgram();
     ASSERT_TRUE(waitUntilAsked());
     const auto before = desktop.shownTopLevels();
+    const auto isComposing = [&] { return desktop.shownTopLevels().size() == before.size() + 2; };
     // Off as it is for every new client, it leaves letters and the keys that move; Control and Space turn it on.
     holdAndPin();
-    type({key::n, key::i, key::h, key::enter});
+    type({key::g, key::k, key::s, key::enter});
     expectSwitchTo(window(2));
     holdAndPin();
     input.chord({key::leftControl, key::space});
     input.tap(key::escape);
     expectQuiet();
-    ASSERT_TRUE(inputMethod->waitForOutput("Loaded addon pinyin")) << "waited for the dictionary";
+    ASSERT_TRUE(inputMethod->waitForOutput("Loaded addon hangul")) << "waited for the language";
 
+    // Backspace takes one letter from the syllable; Return ends it and is then the panel's.
     holdAndPin();
-    type({key::n, key::i, key::h, key::a, key::o});
-    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.shownTopLevels().size() == before.size() + 2; }))
-        << "waited for the panel and the input method's window";
-    input.tap(key::digit1);
+    type({key::g, key::k, key::s, key::r, key::m, key::f, key::r, key::backspace});
+    EXPECT_TRUE(desktop.waitUntil(isComposing)) << "waited for the panel and the input method's window";
     input.tap(key::enter);
     expectSwitchTo(window(1));
     expectQuiet();
-    // While it composes, Escape is the input method's, and then the panel's.
-    holdAndPin();
-    type({key::n, key::i, key::escape});
-    EXPECT_TRUE(desktop.visiblePanel());
-    type({key::n, key::i, key::escape, key::escape});
-    expectQuiet();
     // What is being composed goes with the panel.
     holdAndPin();
-    type({key::n, key::i});
-    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.shownTopLevels().size() == before.size() + 2; }));
+    type({key::g, key::k});
+    EXPECT_TRUE(desktop.waitUntil(isComposing));
     input.click(1, 1);
     expectQuiet();
     EXPECT_TRUE(desktop.waitUntil([&] { return desktop.shownTopLevels() == before; }))
         << "waited for the input method's window to go";
     for (const auto& window : windows) {
-        EXPECT_THAT(window->takeInput().keyPresses, testing::Not(testing::Contains(key::n))) << "typed text leaked";
+        EXPECT_THAT(window->takeInput().keyPresses, testing::Not(testing::Contains(key::k))) << "typed text leaked";
     }
 }
 
