@@ -49,6 +49,30 @@ std::vector<std::unique_ptr<ChildProcess>> busyPrograms() {
     return programs;
 }
 
+/// A client that has the server to itself again and again for up to 20 ms, as window managers and compositors do.
+class BusyClient {
+public:
+    explicit BusyClient(const std::string& display)
+        : desktop_(display), thread_([this](const std::stop_token& stop) { run(stop); }) {}
+
+private:
+    void run(const std::stop_token& stop) {
+        std::mt19937 random(7);
+        std::uniform_int_distribution length(1, 20);
+        while (!stop.stop_requested()) {
+            xcb_grab_server(desktop_.connection());
+            xcb_flush(desktop_.connection());
+            std::this_thread::sleep_for(milliseconds{length(random)});
+            xcb_ungrab_server(desktop_.connection());
+            xcb_flush(desktop_.connection());
+            std::this_thread::sleep_for(milliseconds{length(random)});
+        }
+    }
+
+    TestDesktop desktop_;
+    std::jthread thread_;
+};
+
 class HeldBackKeysTest : public DeskTest<testing::TestWithParam<Holding>> {
 protected:
     HeldBackKeysTest() : DeskTest(GetParam().manager) {}
@@ -67,6 +91,15 @@ protected:
         std::this_thread::sleep_for(silence);
         xcb_ungrab_server(connection);
         xcb_flush(connection);
+    }
+    /// Fingers do not wait until a client lets others at the server.
+    void typeWhateverTheServerDoes() {
+        xcb_test_grab_control(desktop.connection(), 1);
+        xcb_flush(desktop.connection());
+    }
+    void send(std::uint8_t type, std::uint8_t keyCode) {
+        xcb_test_fake_input(desktop.connection(), type, keyCode, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+        xcb_flush(desktop.connection());
     }
     /// Whether any window has seen a key of these since the last call.
     [[nodiscard]] bool hasLeaked(std::initializer_list<std::uint8_t> keyCodes) {
@@ -146,24 +179,29 @@ TEST_P(HeldBackKeysTest, KeysOfARealKeyboardReachThePanelAndNothingElse) {
 }
 
 TEST_P(HeldBackKeysTest, FastSwitchesLoseNoKeyToAWindow) {
+    if (!GetParam().holdsKeysBack) {
+        GTEST_SKIP() << "the first key that goes to a window makes this manager refuse the switches after it";
+    }
     openWindows(3);
     startProgram();
     const auto load = busyPrograms();
+    const BusyClient client(server.display());
+    typeWhateverTheServerDoes();
     int leaks = 0;
     int wrong = 0;
     for (int round = 0; round < fastSwitches(); ++round) {
-        // A letter that no title has, then away with it, then the second window: in a session all of them are the
-        // panel's.
+        // In a session the digit is the panel's: it chooses the second window, as letting go would.
         const auto expected = window(round % 2 == 0 ? 2 : 3);
-        input.press(key::leftAlt);
+        send(XCB_KEY_PRESS, key::leftAlt);
         pause();
-        input.press(key::tab);
+        send(XCB_KEY_PRESS, key::tab);
         pause();
-        input.release(key::tab);
+        send(XCB_KEY_RELEASE, key::tab);
         pause();
-        input.tap(key::digit2);
+        send(XCB_KEY_PRESS, key::digit2);
+        send(XCB_KEY_RELEASE, key::digit2);
         pause();
-        input.release(key::leftAlt);
+        send(XCB_KEY_RELEASE, key::leftAlt);
         wrong += desktop.waitForActiveWindow(expected, milliseconds{3000}) ? 0 : 1;
         ASSERT_TRUE(desktop.waitForPanel(false)) << "round " << round;
         leaks += hasLeaked({key::digit2, key::tab}) ? 1 : 0;
