@@ -196,7 +196,7 @@ WindowTexts makeLinuxTexts() {
     texts.onboarding.secondStep =
         translatable("Ferrowyn",
                      "If one is running, update the X server: it must offer XInput 2.2 (X.Org 1.12 or later). Xephyr "
-                     "cannot be used: it crashes when the shortcut is pressed.");
+                     "cannot be used.");
     texts.onboarding.openSystemSettings = "";
     texts.onboarding.requestAccess = translatable("Ferrowyn", "Check Again");
     texts.onboarding.copyReport = translatable("Ferrowyn", "Copy Report");

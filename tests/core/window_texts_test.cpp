@@ -232,7 +232,7 @@ TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
               "Start a window manager that follows EWMH, for example “xfwm4 --replace” in a terminal.");
     EXPECT_EQ(texts.onboarding.secondStep,
               "If one is running, update the X server: it must offer XInput 2.2 (X.Org 1.12 or later). Xephyr "
-              "cannot be used: it crashes when the shortcut is pressed.");
+              "cannot be used.");
     EXPECT_EQ(texts.onboarding.thirdStep, "Come back here — it detects the change automatically.");
     EXPECT_EQ(texts.onboarding.openSystemSettings, "");
     EXPECT_EQ(texts.onboarding.requestAccess, "Check Again");

@@ -48,7 +48,7 @@ protected:
             "label: Start a window manager that follows EWMH, for example “xfwm4 --replace” in a terminal.",
             "label: 2.",
             "label: If one is running, update the X server: it must offer XInput 2.2 (X.Org 1.12 or later). Xephyr "
-            "cannot be used: it crashes when the shortcut is pressed.",
+            "cannot be used.",
             "label: 3.",
             "label: Come back here — it detects the change automatically.",
             "push button: Check Again",
