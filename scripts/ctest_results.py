@@ -12,7 +12,7 @@ import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-FAILED_TRY = re.compile(r"Test +#\d+: (\S+) \.*\s*\*\*\*(.+?) +[\d.]+ sec")
+FAILED_TRY = re.compile(r"Test +#\d+: (.+?) \.*\s*\*\*\*(.+?) +[\d.]+ sec")
 SANITIZER_REPORT = re.compile(r"WARNING: ThreadSanitizer|ERROR: \w+Sanitizer|: runtime error: ")
 
 

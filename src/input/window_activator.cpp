@@ -35,7 +35,11 @@ void WindowActivator::activate(const AppWindow& window) {
     pause_.reset();
     activation_.reset();
 
-    const auto& dialog = window.blockedBy;
+    auto dialog = window.blockedBy;
+    if (dialog && !workspace_.runningApplication(dialog->pid)) {
+        // Closed since the list was made, and its application with it: nothing blocks the window any more.
+        dialog.reset();
+    }
     const Pid pid = dialog ? dialog->pid : window.pid;
     const auto application = workspace_.runningApplication(pid);
     if (!application || application->isTerminated) {
@@ -46,6 +50,7 @@ void WindowActivator::activate(const AppWindow& window) {
                                    .applicationName = application->localizedName.value_or(window.appName),
                                    .pid = pid,
                                    .element = dialog ? std::optional(dialog->element) : window.axElement});
+    activation_->window.blockedBy = dialog;
     control_.setMessagingTimeout(pid, messagingTimeout);
     if (activation_->element) {
         raiseFirst();

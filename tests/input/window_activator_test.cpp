@@ -133,6 +133,16 @@ TEST_F(WindowActivatorTest, AWindowWhoseDialogHasJustBeenClosedIsConfirmedItself
                 ElementsAre(LogLine{LogLevel::debug, "activation", "Window 7 active after 1 check(s)"}));
 }
 
+TEST_F(WindowActivatorTest, AWindowIsActivatedItselfWhenTheApplicationOfItsDialogIsGone) {
+    auto blocked = window(7, editor);
+    blocked.blockedBy = ModalDialog{99, desktop.elementOf(99), 300};
+    activator->activate(blocked);
+    desktop.advance(initialDelay);
+    EXPECT_THAT(activated, ElementsAre(7U));
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "activation", "Window 7 active after 1 check(s)"}));
+}
+
 TEST_F(WindowActivatorTest, SaysThatTheProcessIsGoneAndCallsNobody) {
     activator->activate(window(9, 300));
     desktop.advance(10s);

@@ -6,6 +6,7 @@ what scripts/ctest_results.py makes of it.
 """
 
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -19,7 +20,7 @@ def results_of(ctest, script, tests):
     with tempfile.TemporaryDirectory() as folder:
         lines = []
         for name, program in tests.items():
-            file = pathlib.Path(folder, name + ".py")
+            file = pathlib.Path(folder, re.sub(r"\W", "_", name) + ".py")
             file.write_text(program, encoding="utf-8")
             lines.append(f'add_test("{name}" "{sys.executable}" "{file}")\n'
                          f'set_tests_properties("{name}" PROPERTIES SKIP_RETURN_CODE 77)\n')
@@ -43,9 +44,10 @@ def main(ctest, script):
            results_of(ctest, script, {"Passes": "", "Fails": "raise SystemExit(1)",
                                       "Crashes": "import os; os.kill(os.getpid(), 11)",
                                       "Skips": "raise SystemExit(77)",
-                                      "PassesLater": SECOND_TRY.format(name="later", text="no luck")}),
+                                      # As parameters are shown in the names.
+                                      "Passes/Later  # GetParam() = later": SECOND_TRY.format(name="later", text="no luck")}),
            ["2 3", "Fails: failed", "Crashes: failed", "Skips: did not run",
-            "PassesLater: passed when repeated, after: Failed"])
+            "Passes/Later  # GetParam() = later: passed when repeated, after: Failed"])
     expect("a sanitizer's report in a test that passes later",
            results_of(ctest, script, {"Races": SECOND_TRY.format(name="races", text="WARNING: ThreadSanitizer: data race")}),
            ["1 1", "Races: passed when repeated, after: Failed",

@@ -69,7 +69,7 @@ void SessionLockListener::start() {
                                                                           system_ = bus;
                                                                           listenToLoginManager();
                                                                       },
-                                                                  .lost = [this] { system_.reset(); }});
+                                                                  .lost = [this] { forgetLoginManager(); }});
         systemLink_->start();
     }
     if (buses_.session) {
@@ -82,6 +82,12 @@ void SessionLockListener::start() {
                                                                    .lost = [this] { forgetScreenSavers(); }});
         sessionLink_->start();
     }
+}
+
+/// The word that the machine is awake again may be lost. Whether the session is locked is asked on the next bus.
+void SessionLockListener::forgetLoginManager() {
+    system_.reset();
+    setGoingToSleep(false);
 }
 
 /// Those that are still there have other names on the next bus.

@@ -40,6 +40,7 @@ private slots:
     void onScreenSaver(bool isActive, const QDBusMessage& message);
 
 private:
+    void forgetLoginManager();
     void forgetScreenSavers();
     void listenToLoginManager();
     void listenToSession(const QString& path);

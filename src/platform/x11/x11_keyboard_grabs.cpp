@@ -164,7 +164,7 @@ bool X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_gra
         log_.write(LogLevel::standard, "input",
                    fmt::format("Cannot grab key {} of keyboard {}: error {}", target.keyCode, target.device,
                                error != nullptr ? int{error->error_code} : 0));
-        return true;
+        return target.device != XCB_INPUT_DEVICE_ALL;
     }
     installed_[target] = modifiers_;
     const bool isGranted = xcb_input_xi_passive_grab_device_modifiers_length(reply.get()) == 0;

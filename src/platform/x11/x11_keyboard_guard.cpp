@@ -33,6 +33,9 @@ constexpr const char* programName = "ferrowyn-keyboard-guard";
 std::optional<std::string> findProgram() {
     std::error_code error;
     const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    if (error) {
+        return std::nullopt;
+    }
     for (const auto& path : {folder / programName, folder.parent_path() / "libexec" / "ferrowyn" / programName}) {
         if (access(path.c_str(), X_OK) == 0) {
             return path.string();

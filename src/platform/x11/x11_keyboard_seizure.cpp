@@ -65,6 +65,8 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     if (slave) {
         freeSlave(*slave);
     }
+    // A trigger at another keyboard, or one that came before a session was opened from the menu, waits in the queue.
+    freeGrabbedSlaves();
     repeatMissedReleases();
     // Asked for last: whatever happened until then is in the answer, whatever happens later comes as an event.
     const auto modifiers = xcb_xkb_get_state(connection, master);
@@ -109,7 +111,14 @@ void X11KeyboardSeizure::giveBack() {
     master_.reset();
 }
 
+void X11KeyboardSeizure::freeGrabbedSlaves() {
+    for (const auto slave : std::exchange(grabbedSlaves_, {})) {
+        freeSlave(slave);
+    }
+}
+
 void X11KeyboardSeizure::freeSlave(xcb_input_device_id_t slave) {
+    grabbedSlaves_.erase(slave);
     if (grabs_.holdsKeysBack()) {
         // The server would play what it held back to the slave alone, and nobody listens there: the master misses it in
         // any case. A grab of the slave lets all of it come here.

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace ferrowyn {
@@ -45,15 +46,20 @@ public:
     [[nodiscard]] bool isHeld() const { return master_.has_value(); }
     [[nodiscard]] bool isHeldOf(xcb_input_device_id_t master) const { return master_ == master; }
 
-    /// Takes the master of this slave, frees the slave, gives back the passive grabs (they would float the slave again
-    /// at each further trigger), and repeats the releases that the master missed. One round trip. Nothing when another
-    /// client holds the keyboard; the passive grabs are gone then all the same.
+    /// Takes the master of this slave, frees the slave and those that were noted as grabbed, gives back the passive
+    /// grabs (they would float the slave again at each further trigger), and repeats the releases that the master
+    /// missed. One round trip. Nothing when another client holds the keyboard; the passive grabs are gone then all the
+    /// same.
     [[nodiscard]] std::optional<State> take(std::optional<xcb_input_device_id_t> slave);
     /// The caller puts the passive grabs back first, so that no press falls between. Only sent.
     void giveBack();
     /// Frees a slave that its passive grab still holds; what the server held back of its keys comes before this
     /// connection's next answer. Only sent.
     void freeSlave(xcb_input_device_id_t slave);
+    /// A press came from this slave, which its passive grab holds from then on until the slave is freed.
+    void noteGrabbedSlave(xcb_input_device_id_t slave) { grabbedSlaves_.insert(slave); }
+    /// Frees every slave that was noted and not freed since: their presses are queued or dropped. Only sent.
+    void freeGrabbedSlaves();
     /// Whether the latest `take` freed this slave, and what was held back of its keys may still be on its way here.
     [[nodiscard]] bool hasFreed(xcb_input_device_id_t slave) const { return freedSlave_ == slave; }
     /// All that came before the answer to `take` has been read.
@@ -89,6 +95,7 @@ private:
     xcb_atom_t activeWindowProperty_ = XCB_ATOM_NONE;
     std::optional<xcb_input_device_id_t> master_;
     std::optional<xcb_input_device_id_t> freedSlave_;
+    std::set<xcb_input_device_id_t> grabbedSlaves_;
     std::vector<Release> missedReleases_;
 };
 

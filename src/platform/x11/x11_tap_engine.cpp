@@ -248,6 +248,7 @@ void X11TapEngine::handleDeadlines() {
         log_.write(LogLevel::error, category, "No answer to the trigger; the keyboard is given back");
         // What the user typed meanwhile was for no session.
         reception_.clear();
+        seizure_.freeGrabbedSlaves();
         endSession();
     }
     if (const auto deadline = sessionDeadline(); deadline && now >= *deadline) {
@@ -312,11 +313,12 @@ void X11TapEngine::reportLoss() {
 }
 
 void X11TapEngine::answerGuard() {
-    if (guard_ == nullptr || !guard_->isThere()) {
+    if (guard_ == nullptr) {
         return;
     }
     guard_->answer();
-    if (!guard_->isThere()) {
+    // That it is gone may have been noticed when it was told something.
+    if (!guard_->isThere() && keyboard_->grabs().holdsKeysBack()) {
         log_.write(LogLevel::error, category, "The keyboard's guard is gone; keys are not held back any more");
         applyGrabs();
     }

@@ -32,6 +32,8 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
         phase_ = Phase::hidden;
         answerDeadline_.reset();
         if (!verdict.isSwallowed) {
+            // While this tap holds the keyboard, the key would come back to it.
+            seizure_.giveBack();
             seizure_.typeForHolder(press.keyCode);
         }
         giveKeyboardBack();

@@ -40,9 +40,12 @@ void X11TapReception::receiveAtSlave(const X11KeyboardEvent& event) {
     if (event.kind == Kind::release) {
         seizure_.noteMissedRelease(event.deviceId, event.keyCode);
         receiveMissedModifier(event);
-    } else if (seizure_.isHeld() && !event.wasHeldBack) {
-        // A trigger at another keyboard, or one that came before the passive grabs were gone.
-        seizure_.freeSlave(event.deviceId);
+    } else if (event.kind == Kind::press && !event.wasHeldBack) {
+        seizure_.noteGrabbedSlave(event.deviceId);
+        if (seizure_.isHeld()) {
+            // A trigger at another keyboard, or one that came before the passive grabs were gone.
+            seizure_.freeSlave(event.deviceId);
+        }
     }
 }
 

@@ -221,13 +221,13 @@ std::optional<bool> X11WindowControl::isFocused(const AXElementRef& window) cons
 bool X11WindowControl::wasOvertaken(const AXElementRef& window) const {
     const auto id = X11Element::windowOf(window);
     const auto active = monitor_.model().activeWindow();
-    if (!id || requested_ != id || active == *id) {
+    // Managers say in passing that no window is active: that is nobody's choice.
+    if (!id || requested_ != id || active == *id || active == XCB_WINDOW_NONE) {
         return false;
     }
     const auto click = context_.lastClickTime.load();
     const bool hasClicked = click != 0 && click > requestTime_;
-    const bool isOnTheWay = active == XCB_WINDOW_NONE || active == activeAtRequest_;
-    return isReached_ || (hasClicked && !isOnTheWay);
+    return isReached_ || (hasClicked && active != activeAtRequest_);
 }
 
 std::vector<AXElementRef> X11WindowControl::windowElements(Pid pid) const {

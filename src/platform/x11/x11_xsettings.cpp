@@ -137,7 +137,9 @@ void X11Xsettings::findManager() {
         const XcbReply<xcb_get_selection_owner_reply_t> owner(
             xcb_get_selection_owner_reply(events_.get(), cookie, nullptr));
         manager_ = owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
-        if (manager_ == XCB_WINDOW_NONE) {
+        // A client can name any window as the owner; what this connection hears of the root must stay as it is.
+        if (manager_ == XCB_WINDOW_NONE || manager_ == events_.root()) {
+            manager_ = XCB_WINDOW_NONE;
             onTheme_(std::nullopt);
             return;
         }

@@ -208,6 +208,24 @@ TEST_F(SessionLockTest, AMachineThatGoesToSleepCountsAsLockedUntilItIsAwake) {
     EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
 }
 
+TEST_F(SessionLockTest, ASleepWhoseEndWasLostWithTheBusLocksNoLonger) {
+    test::RestartableBus system;
+    auto login = QDBusConnection::connectToBus(QString::fromStdString(system.address()), "login-that-goes");
+    ASSERT_TRUE(login.registerService("org.freedesktop.login1"));
+    FakeLoginManager manager(false);
+    login.registerVirtualObject("/org/freedesktop/login1", &manager, QDBusConnection::SubPath);
+    const SessionLock lock(mainLoop, {system.address(), std::nullopt});
+    ASSERT_TRUE(waitUntil([&] { return manager.stateRequestCount == 1; }));
+    auto message =
+        QDBusMessage::createSignal("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep");
+    message.setArguments({true});
+    login.send(message);
+    ASSERT_TRUE(waitUntil([&] { return lock.isLocked(); }));
+    system.end();
+    EXPECT_TRUE(waitUntil([&] { return !lock.isLocked(); }));
+    QDBusConnection::disconnectFromBus("login-that-goes");
+}
+
 TEST_F(SessionLockTest, EachWordOfALockIsPassedOnAtOnceHoweverBusyTheMainThreadIs) {
     auto login = connect("insisting-login", "org.freedesktop.login1");
     FakeLoginManager manager(false);
