@@ -82,6 +82,15 @@ protected:
         });
         return own;
     }
+    /// Whether the program's services are active or suspended, as it said last.
+    [[nodiscard]] bool waitForServices(bool areActive) const {
+        return program->process().waitUntilOutput([&] {
+            const auto said = program->process().output();
+            const auto active = said.rfind("Services active");
+            const auto suspended = said.rfind("Services suspended");
+            return areActive == (suspended == std::string::npos || active > suspended);
+        });
+    }
     void synchronize() const { static_cast<void>(desktop.activeWindow()); }
 
     /// The same each time.
@@ -103,10 +112,13 @@ TEST_P(HostileClientsTest, NothingThatIsWrittenOrSentOutlastsItsTime) {
         }
         synchronize();
     }
-    // The manager may not have survived it. Another one writes everything on the root anew.
+    // The manager may not have survived it. Another one writes everything on the root anew. The program notices with
+    // its next look at the desktop, every two seconds, and hears of the windows that become active after that.
     windows.clear();
     manager.reset();
+    ASSERT_TRUE(waitForServices(false)) << program->process().output();
     manager = std::make_unique<WindowManagerProcess>(server, GetParam());
+    ASSERT_TRUE(waitForServices(true)) << program->process().output();
     openWindows(3);
     ASSERT_TRUE(program->waitForFirst(window(3))) << program->process().output();
     for (int round = 0; round < 3; ++round) {

@@ -653,7 +653,11 @@ TEST_F(TapKeyboardTest, TabAndTheKeyAboveItAreTheKeysThatHaveTheirSymbols) {
         rig.forgetSeen();
         toggle(key::leftSuper, keyCode);
         ASSERT_TRUE(rig.waitForClosed(closed + 1)) << "waited for key " << int{keyCode};
-        EXPECT_EQ(rig.seen().front().keyCode, code) << int{keyCode};
+        // The tap may hear of the modifier before it hears that the session before has ended.
+        const auto seen = rig.seen();
+        const auto press = std::ranges::find(seen, TapEvent::Type::keyDown, &TapRig::Seen::type);
+        ASSERT_NE(press, seen.end());
+        EXPECT_EQ(press->keyCode, code) << int{keyCode};
     };
     // As with a keyboard whose key above Tab is another one.
     setKeyboard({"us", "mac"});
