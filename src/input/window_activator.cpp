@@ -35,22 +35,22 @@ void WindowActivator::activate(const AppWindow& window) {
     pause_.reset();
     activation_.reset();
 
-    auto dialog = window.blockedBy;
-    if (dialog && !workspace_.runningApplication(dialog->pid)) {
+    AppWindow chosen = window;
+    if (chosen.blockedBy && !workspace_.runningApplication(chosen.blockedBy->pid)) {
         // Closed since the list was made, and its application with it: nothing blocks the window any more.
-        dialog.reset();
+        chosen.blockedBy.reset();
     }
+    const auto& dialog = chosen.blockedBy;
     const Pid pid = dialog ? dialog->pid : window.pid;
     const auto application = workspace_.runningApplication(pid);
     if (!application || application->isTerminated) {
         log_.write(LogLevel::error, category, fmt::format("pid {} is gone", pid));
         return;
     }
-    activation_.emplace(Activation{.window = window,
+    activation_.emplace(Activation{.window = chosen,
                                    .applicationName = application->localizedName.value_or(window.appName),
                                    .pid = pid,
                                    .element = dialog ? std::optional(dialog->element) : window.axElement});
-    activation_->window.blockedBy = dialog;
     control_.setMessagingTimeout(pid, messagingTimeout);
     if (activation_->element) {
         raiseFirst();
