@@ -8,10 +8,12 @@
 #include <QUrl>
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "platform/linux/file_manager.h"
+#include "platform/linux/xdg_folders.h"
 
 namespace ferrowyn {
 
@@ -38,22 +40,17 @@ constexpr std::array settingsOfDesktops{
     DesktopSettings{"GNOME", "gnome-tweaks", ""},
 };
 
-QString environmentText(const char* variable) {
-    return QString::fromLocal8Bit(qgetenv(variable));
-}
-
 }  // namespace
 
-std::optional<std::vector<std::string>> autostartSettingsCommand(std::string_view currentDesktop,
-                                                                 std::string_view searchPath) {
-    const auto split = [](std::string_view text) {
-        return QString::fromLocal8Bit(text.data(), static_cast<qsizetype>(text.size())).split(u':', Qt::SkipEmptyParts);
-    };
-    const QStringList desktops = split(currentDesktop);
-    const QStringList folders = split(searchPath);
+std::optional<std::vector<std::string>> autostartSettingsCommand(const XdgLoginItem::Session& session) {
+    const auto desktops = splitAtColons(session.currentDesktop);
+    QStringList folders;
+    for (const auto& folder : splitAtColons(session.path)) {
+        folders.append(QString::fromLocal8Bit(folder.c_str()));
+    }
     for (const auto& settings : settingsOfDesktops) {
-        if (folders.isEmpty() || !desktops.contains(QLatin1String(settings.desktop.data(),
-                                                                  static_cast<qsizetype>(settings.desktop.size())))) {
+        // Without folders the search would be in those of the environment.
+        if (folders.isEmpty() || std::ranges::find(desktops, settings.desktop) == desktops.end()) {
             continue;
         }
         const auto program = QStandardPaths::findExecutable(
@@ -71,8 +68,7 @@ std::optional<std::vector<std::string>> autostartSettingsCommand(std::string_vie
 
 bool openAutostartSettings(const QDBusConnection& bus, const std::filesystem::path& entry,
                            std::function<void(const QString& address)> openAddress) {
-    if (const auto command = autostartSettingsCommand(environmentText("XDG_CURRENT_DESKTOP").toStdString(),
-                                                      environmentText("PATH").toStdString())) {
+    if (const auto command = autostartSettingsCommand(XdgLoginItem::Session::fromEnvironment())) {
         QStringList arguments;
         for (auto argument = command->begin() + 1; argument != command->end(); ++argument) {
             arguments.append(QString::fromStdString(*argument));

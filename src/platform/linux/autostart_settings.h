@@ -4,8 +4,9 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "platform/linux/xdg_login_item.h"
 
 class QDBusConnection;
 class QString;
@@ -13,9 +14,8 @@ class QString;
 namespace ferrowyn {
 
 /// The command that opens the settings in which this desktop's user decides what starts at login; nothing where the
-/// desktop has none, or they are not installed. Both arguments are as in the environment: XDG_CURRENT_DESKTOP and PATH.
-[[nodiscard]] std::optional<std::vector<std::string>> autostartSettingsCommand(std::string_view currentDesktop,
-                                                                               std::string_view searchPath);
+/// desktop has none, or they are not installed.
+[[nodiscard]] std::optional<std::vector<std::string>> autostartSettingsCommand(const XdgLoginItem::Session& session);
 
 /// Opens those settings, or, where there are none, shows the autostart entry in the file manager. Without an entry its
 /// folder is shown, or the nearest folder above it that exists. `openAddress` is as in `revealInFileManager`. False

@@ -1,5 +1,6 @@
 #include "platform/linux/linux_appearance.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -10,21 +11,6 @@
 
 namespace ferrowyn {
 
-namespace {
-
-bool isNamed(std::string_view names, std::string_view name) {
-    while (!names.empty()) {
-        const auto end = names.find(':');
-        if (names.substr(0, end) == name) {
-            return true;
-        }
-        names = end == std::string_view::npos ? std::string_view() : names.substr(end + 1);
-    }
-    return false;
-}
-
-}  // namespace
-
 LinuxAppearance::Options LinuxAppearance::Options::fromEnvironment() {
     const char* const desktop = std::getenv("XDG_CURRENT_DESKTOP");
     return {.folders = XdgFolders::fromEnvironment(),
@@ -33,7 +19,7 @@ LinuxAppearance::Options LinuxAppearance::Options::fromEnvironment() {
 }
 
 LinuxAppearance::LinuxAppearance(MainLoop& mainLoop, const Options& options)
-    : sources_(AppearanceSources{.isPlasma = isNamed(options.currentDesktop, "KDE")}),
+    : sources_(AppearanceSources{.isPlasma = std::ranges::count(splitAtColons(options.currentDesktop), "KDE") > 0}),
       files_(options.folders, [this] { readFiles(); }) {
     readFiles();
     if (options.busAddress) {

@@ -3,6 +3,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -27,18 +28,27 @@ std::filesystem::path home() {
 
 std::vector<std::filesystem::path> absolutePaths(std::string_view colonSeparated) {
     std::vector<std::filesystem::path> paths;
-    while (!colonSeparated.empty()) {
-        const auto end = colonSeparated.find(':');
-        const std::filesystem::path path(colonSeparated.substr(0, end));
-        if (path.is_absolute()) {
+    for (const auto& part : splitAtColons(colonSeparated)) {
+        if (const std::filesystem::path path(part); path.is_absolute()) {
             paths.push_back(path);
         }
-        colonSeparated.remove_prefix(end == std::string_view::npos ? colonSeparated.size() : end + 1);
     }
     return paths;
 }
 
 }  // namespace
+
+std::vector<std::string> splitAtColons(std::string_view list) {
+    std::vector<std::string> parts;
+    while (!list.empty()) {
+        const auto end = std::min(list.find(':'), list.size());
+        if (end > 0) {
+            parts.emplace_back(list.substr(0, end));
+        }
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return parts;
+}
 
 XdgFolders XdgFolders::fromEnvironment() {
     XdgFolders folders;

@@ -1,9 +1,14 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace ferrowyn {
+
+/// The parts of a list in the environment (XDG_CURRENT_DESKTOP, PATH) that colons separate. Empty parts are left out.
+[[nodiscard]] std::vector<std::string> splitAtColons(std::string_view list);
 
 /// Where a user's files and the system's shared files lie. Relative paths in the environment are ignored.
 struct XdgFolders {

@@ -33,18 +33,6 @@ std::string environmentText(const char* variable) {
     return value == nullptr ? "" : value;
 }
 
-std::vector<std::string> splitAtColons(std::string_view text) {
-    std::vector<std::string> parts;
-    while (!text.empty()) {
-        const auto end = std::min(text.find(':'), text.size());
-        if (end > 0) {
-            parts.emplace_back(text.substr(0, end));
-        }
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return parts;
-}
-
 std::optional<DesktopFileDocument> readEntry(const fs::path& file) {
     std::error_code error;
     const auto text = readFile(file, largestEntry, error);

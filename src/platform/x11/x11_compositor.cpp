@@ -13,16 +13,8 @@ X11Compositor::X11Compositor(X11PanelEvents& events) {
     xcb_connection_t* const connection = events.get();
     const std::string selection = "_NET_WM_CM_S" + std::to_string(events.connection().screenNumber());
     selection_ = events.connection().internAtoms({selection}).front();
-    if (const auto* const extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
-        extension != nullptr && extension->present != 0) {
-        firstEvent_ = extension->first_event;
-        // The server refuses every other request of the extension before it has been asked for its version.
-        const auto version = xcb_xfixes_query_version(connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
-        xcb_discard_reply(connection, version.sequence);
-        xcb_xfixes_select_selection_input(connection, events.root(), selection_,
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    if (const auto firstEvent = events.listenToSelection(selection_)) {
+        firstEvent_ = *firstEvent;
         eventSubscription_ = events.observe([this](const xcb_generic_event_t& event) { handle(event); });
     }
     // Asked after the events are on, so that no start or stop falls between the two.

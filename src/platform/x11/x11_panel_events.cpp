@@ -1,5 +1,7 @@
 #include "platform/x11/x11_panel_events.h"
 
+#include <xcb/xfixes.h>
+
 #include <utility>
 
 namespace ferrowyn {
@@ -8,6 +10,21 @@ X11PanelEvents::X11PanelEvents(std::unique_ptr<X11Connection> connection)
     : events_(
           std::move(connection), [this](const xcb_generic_event_t& event) { received_.send(event); }, [] {}) {
     setHearsStacking(false);
+}
+
+std::optional<std::uint8_t> X11PanelEvents::listenToSelection(xcb_atom_t selection) {
+    const auto* const extension = xcb_get_extension_data(get(), &xcb_xfixes_id);
+    if (extension == nullptr || extension->present == 0) {
+        return std::nullopt;
+    }
+    // The server refuses every other request of the extension before it has been asked for its version.
+    const auto version = xcb_xfixes_query_version(get(), XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
+    xcb_discard_reply(get(), version.sequence);
+    xcb_xfixes_select_selection_input(get(), root(), selection,
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    return extension->first_event;
 }
 
 void X11PanelEvents::setHearsStacking(bool hearsStacking) {

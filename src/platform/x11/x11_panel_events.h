@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "core/subject.h"
 #include "platform/x11/x11_event_connection.h"
@@ -26,6 +27,10 @@ public:
 
     /// Calls back once everything sent so far is answered, so that collecting the answers does not wait.
     void whenAnswered(std::function<void()> callback) { events_.whenAnswered(std::move(callback)); }
+
+    /// Has the server tell when the selection's owner changes. Returns the number of the first event of the extension
+    /// that tells it; nothing where the server lacks that. Only sent.
+    [[nodiscard]] std::optional<std::uint8_t> listenToSelection(xcb_atom_t selection);
 
     /// Whether changes among the windows on the root are told as well: much traffic, so only while the panel is shown.
     void setHearsStacking(bool hearsStacking);

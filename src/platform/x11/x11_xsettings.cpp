@@ -94,22 +94,11 @@ std::optional<std::string> xsettingsText(std::span<const std::uint8_t> property,
 }
 
 X11Xsettings::X11Xsettings(X11PanelEvents& events, Told onTheme) : events_(events), onTheme_(std::move(onTheme)) {
-    auto* const connection = events.get();
     const std::string selection = "_XSETTINGS_S" + std::to_string(events.connection().screenNumber());
     const auto atoms = events.connection().internAtoms({selection, "_XSETTINGS_SETTINGS"});
     selection_ = atoms[0];
     settings_ = atoms[1];
-    if (const auto* const extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
-        extension != nullptr && extension->present != 0) {
-        fixesFirstEvent_ = extension->first_event;
-        // The server refuses every other request of the extension before it has been asked for its version.
-        const auto version = xcb_xfixes_query_version(connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
-        xcb_discard_reply(connection, version.sequence);
-        xcb_xfixes_select_selection_input(connection, events.root(), selection_,
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    }
+    fixesFirstEvent_ = events.listenToSelection(selection_).value_or(0);
     eventSubscription_ = events.observe([this](const xcb_generic_event_t& event) { handle(event); });
     findManager();
 }

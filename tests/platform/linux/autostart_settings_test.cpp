@@ -30,7 +30,7 @@ protected:
         fs::permissions(programs() / name, fs::perms::owner_all);
     }
     [[nodiscard]] auto commandOn(const char* desktop) const {
-        return autostartSettingsCommand(desktop, "/nonexistent:" + programs().string());
+        return autostartSettingsCommand({desktop, "/nonexistent:" + programs().string()});
     }
     /// Without a bus, so that no file manager takes the request.
     void open(const fs::path& entry) {
@@ -76,7 +76,7 @@ TEST_F(AutostartSettingsTest, AreAnOlderProgramOfTheDesktopWhereThatIsInstalled)
 TEST_F(AutostartSettingsTest, AreNotThereWhereTheirProgramIsNotInstalled) {
     install("xfce4-session-settings");
     EXPECT_EQ(commandOn("GNOME"), std::nullopt);
-    EXPECT_EQ(autostartSettingsCommand("XFCE", ""), std::nullopt);
+    EXPECT_EQ(autostartSettingsCommand({"XFCE", ""}), std::nullopt);
 }
 
 TEST_F(AutostartSettingsTest, AreTheEntrysFolderOnADesktopThatHasNone) {
