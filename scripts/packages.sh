@@ -3,7 +3,7 @@
 # What compiles and links the program.
 build_packages=(
   build-essential ca-certificates ccache cmake lld ninja-build pkg-config
-  libfmt-dev libicu-dev libsystemd-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev libgl-dev
+  libcurl4-openssl-dev libfmt-dev libicu-dev libsystemd-dev nlohmann-json3-dev qt6-base-dev qt6-svg-dev libgl-dev
   libxcb1-dev libxcb-damage0-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-randr0-dev
   libxcb-render0-dev libxcb-res0-dev libxcb-screensaver0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-sync-dev libxcb-xfixes0-dev
   libxcb-xinerama0-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xtest0-dev libxkbcommon-dev libxkbcommon-x11-dev

@@ -18,7 +18,7 @@
 #include "platform/macos/mac_utility_window.h"
 #include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_hosted_widget.h"
-#include "platform/qt/qt_http_client.h"
+#include "platform/qt/curl_http_client.h"
 #include "platform/qt/qt_main_loop.h"
 #include "ui/translations.h"
 #include "ui/visual_effect_background.h"
@@ -41,7 +41,7 @@ struct Desktop {
 
     QtMainLoop mainLoop;
     std::unique_ptr<Log> log;
-    QtHttpClient httpClient;
+    CurlHttpClient httpClient;
     MacPlatform adapter;
     /// Handed to what stands above before it is made, which only keeps it in mind, and gone before that goes: it waits
     /// for a snapshot that is still being read with the adapter.

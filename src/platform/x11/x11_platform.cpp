@@ -21,7 +21,7 @@
 #include "platform/linux/session_lock.h"
 #include "platform/linux/xdg_login_item.h"
 #include "platform/qt/qt_background_work.h"
-#include "platform/qt/qt_http_client.h"
+#include "platform/qt/curl_http_client.h"
 #include "platform/qt/qt_main_loop.h"
 #include "platform/x11/x11_accessibility_observers.h"
 #include "platform/x11/x11_application.h"
@@ -99,7 +99,7 @@ struct X11Platform::Parts {
     X11Workspace workspace;
     X11Application application;
     X11IconSource icons;
-    QtHttpClient httpClient;
+    CurlHttpClient httpClient;
     XdgLoginItem loginItem;
     X11EventTaps eventTaps;
     SessionLock sessionLock;
