@@ -173,6 +173,19 @@ TEST_P(SwitchingFaultsTest, ALockerThatStartsWithThePanelOpenGetsTheKeyboard) {
     }
 }
 
+TEST_P(SwitchingFaultsTest, ALockersWindowOnOneOfTwoMonitorsEndsASession) {
+    run({"xrandr", "--setmonitor", "left", "640/169x800/211+0+0", "screen"});
+    run({"xrandr", "--setmonitor", "right", "640/169x800/211+640+0", "none"});
+    openWindows(2);
+    startProgram();
+    holdUntilKeysAreTaken();
+    const TestWindow locker(server.display(),
+                            {.x = 640, .y = 0, .width = 640, .height = 800, .overrideRedirect = true});
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    EXPECT_TRUE(desktop.waitForFreeKeyboard());
+    letGo();
+}
+
 TEST_P(SwitchingFaultsTest, TheServersScreenSaverEndsASession) {
     openWindows(2);
     startProgram();

@@ -9,8 +9,8 @@ namespace ferrowyn {
 class X11Connection;
 
 /// Recognises a screen locker that starts while the keyboard is held, by what the server tells of it: the screen saver
-/// becomes active, or another client makes or shows a window without a manager that covers the screen. A locker that
-/// does not get the keyboard within a second or two gives up and leaves the screen open. Tap thread.
+/// becomes active, or another client makes or shows a window without a manager that covers the screen or a monitor. A
+/// locker that does not get the keyboard within a second or two gives up and leaves the screen open. Tap thread.
 class X11LockerWatch {
 public:
     /// Waits for the server. The reference outlives this.
@@ -22,9 +22,11 @@ public:
     [[nodiscard]] bool isOfLocker(const xcb_generic_event_t& event) const;
 
 private:
-    [[nodiscard]] bool coversTheScreen(xcb_window_t window) const;
+    /// One of them, or all: some lockers make a window for each.
+    [[nodiscard]] bool coversAMonitor(xcb_window_t window) const;
 
     const X11Connection* connection_;
+    bool knowsMonitors_;
     /// Of the screen saver's only event; 0 where the server has no such extension.
     std::uint8_t screenSaverEvent_ = 0;
 };
