@@ -185,6 +185,7 @@ EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
         if (decision.command) {
             verdict.requestsSession =
                 !snapshot.isSwitcherVisible && std::holds_alternative<command::Invoke>(*decision.command);
+            verdict.mayEndSession = std::holds_alternative<command::ModifierReleased>(*decision.command);
             mainLoop.post([period, command = std::move(*decision.command), asks = verdict.requestsSession] {
                 if (auto* const monitor = monitorIn(period)) {
                     monitor->deliver(command, asks);

@@ -43,6 +43,9 @@ struct TapVerdict {
     /// The event asks for a session, which the main thread will open or not. A tap that must seize the keyboard for a
     /// session holds back the events that follow until `setSessionOpen` tells it which.
     bool requestsSession = false;
+    /// The trigger's modifier went up, and the main thread may end the session for that. A tap that seizes the keyboard
+    /// holds back a trigger pressed right after it, for a moment: it belongs to the next session.
+    bool mayEndSession = false;
     friend bool operator==(const TapVerdict&, const TapVerdict&) = default;
 };
 

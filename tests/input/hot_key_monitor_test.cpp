@@ -229,8 +229,20 @@ TEST_F(HotKeyMonitorTest, RequestsASessionForATriggerWhileHiddenOnly) {
         desktop.keyDown(key);
         EXPECT_EQ(desktop.lastTapVerdict(), (TapVerdict{.isSwallowed = true, .requestsSession = false}));
     }
+}
+
+TEST_F(HotKeyMonitorTest, TellsTheTapWhichReleaseMayEndTheSession) {
+    start();
     desktop.flagsChanged(0);
     EXPECT_EQ(desktop.lastTapVerdict(), TapVerdict{});
+    monitor->state().setSwitcherVisible(true);
+    desktop.flagsChanged(0);
+    EXPECT_EQ(desktop.lastTapVerdict(), TapVerdict{}) << "without hold mode the session stays open";
+    monitor->state().setHoldModeActive(true);
+    desktop.flagsChanged(event_flags::option | event_flags::shift);
+    EXPECT_EQ(desktop.lastTapVerdict(), TapVerdict{}) << "the modifier is still down";
+    desktop.flagsChanged(0);
+    EXPECT_EQ(desktop.lastTapVerdict(), (TapVerdict{.mayEndSession = true}));
 }
 
 TEST_F(HotKeyMonitorTest, GivesTheKeyboardBackWhenATriggerOpensNothing) {

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "tests/x11/desk_test.h"
 
 namespace ferrowyn::x11test {
@@ -66,6 +68,23 @@ TEST_P(SwitchingKeysTest, ArrowsPinThePanelOpen) {
     input.tap(key::up);
     input.tap(key::enter);
     expectSwitchTo(window(4));
+}
+
+TEST_P(SwitchingKeysTest, QuickTriggersMoveOnAtOnceInAPinnedPanel) {
+    openWindows(6);
+    startProgram();
+    hold();
+    input.tap(key::down);
+    letGo();
+    const auto pressedAt = std::chrono::steady_clock::now();
+    for (int move = 1; move <= 4; ++move) {
+        input.chord({key::leftAlt, key::tab});
+    }
+    input.tap(key::enter);
+    // Rows: 6 5 4 3 2 1. From the third the four go around to the first.
+    expectSwitchTo(window(6));
+    // A trigger that waits does so for a quarter of a second, one after the other.
+    EXPECT_LT(std::chrono::steady_clock::now() - pressedAt, milliseconds{800});
 }
 
 TEST_P(SwitchingKeysTest, HomeEndAndPageKeysJump) {

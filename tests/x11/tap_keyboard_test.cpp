@@ -4,8 +4,10 @@
 #include <xcb/xinput.h>
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "platform/x11/xcb_reply.h"
@@ -347,6 +349,57 @@ TEST_F(TapKeyboardTest, ControlIsAlsoCommandInASessionUnlessItIsTheTrigger) {
     ASSERT_TRUE(rig.settle());
     ASSERT_THAT(rig.seen(), Not(testing::IsEmpty()));
     EXPECT_EQ(rig.seen().front().flags, event_flags::control);
+}
+
+TEST_F(TapKeyboardTest, ATriggerWaitsForNoEndOfASessionThatTheModifierDoesNotEnd) {
+    TapRig rig(server.display(), {.holdMode = false});
+    startSession(rig);
+    input.release(key::leftAlt);
+    auto shortest = std::chrono::steady_clock::duration::max();
+    for (int move = 1; move <= 3; ++move) {
+        const auto pressedAt = std::chrono::steady_clock::now();
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.moves() == move; }));
+        shortest = std::min(shortest, std::chrono::steady_clock::now() - pressedAt);
+    }
+    // Generous, for a loaded machine: a key that waits does so for a quarter of a second.
+    EXPECT_LT(shortest, milliseconds{100});
+    rig.close();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, AHeldControlDoesNotKeepASessionOfCommandOpen) {
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::command});
+    startSession(rig, key::leftSuper);
+    input.press(key::leftControl);
+    input.release(key::leftSuper);
+    EXPECT_TRUE(rig.waitForClosed(1));
+    input.release(key::leftControl);
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ControlAndTabAreNotTheTriggerOfCommand) {
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::command, .holdMode = false});
+    startSession(rig, key::leftSuper);
+    input.release(key::leftSuper);
+    ASSERT_TRUE(rig.settle());
+    rig.forgetSeen();
+    input.chord({key::leftControl, key::tab});
+    input.chord({key::leftControl, key::d});
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.moves(), 0);
+    std::vector<std::pair<std::uint16_t, std::uint64_t>> pressed;
+    for (const auto& event : rig.seen()) {
+        if (event.type == TapEvent::Type::keyDown) {
+            pressed.emplace_back(event.keyCode, event.flags);
+        }
+    }
+    EXPECT_THAT(pressed, testing::ElementsAre(std::pair(tabKey, event_flags::control),
+                                              std::pair(dKey, event_flags::control | event_flags::command)));
+    rig.close();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
 }
 
 TEST_F(TapKeyboardTest, NeverOpensWhileAnotherClientHoldsTheKeyboardAndProbesOnlyOnRequest) {

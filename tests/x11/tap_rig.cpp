@@ -95,6 +95,7 @@ TapVerdict TapRig::handle(const TapEvent& event) {
             record(event, {}, wasVisible);
             if (wasVisible && isHoldModeActive_ && (event.flags() & flagMask(options_.trigger)) == 0) {
                 post(Command::modifierReleased);
+                return {.mayEndSession = true};
             }
             return {};
         case TapEvent::Type::keyUp:

@@ -8,8 +8,7 @@ using Kind = X11KeyboardEvent::Kind;
 
 TapVerdict X11TapDelivery::key(const X11KeyboardEvent& event) {
     const X11TapEvent tapEvent(event.kind == Kind::press ? TapEvent::Type::keyDown : TapEvent::Type::keyUp,
-                               keyboard_.reportedFlags(event.modifiers.effective), keyboard_.virtualKeyCodeOf(event),
-                               keyboard_.text(), event);
+                               keyboard_.flagsOf(event), keyboard_.virtualKeyCodeOf(event), keyboard_.text(), event);
     const auto verdict = callback_(tapEvent);
     askMainThread();
     if (event.kind == Kind::press && !tapEvent.wasTyped()) {
@@ -25,18 +24,16 @@ void X11TapDelivery::text(const std::u16string& text) {
 }
 
 bool X11TapDelivery::modifiers(std::uint32_t modifiers) {
-    const auto flags = keyboard_.reportedFlags(modifiers);
+    const auto flags = keyboard_.flagsOf(modifiers);
     if (flags == flags_) {
         return false;
     }
-    const auto gone = flags_ & ~flags;
     flags_ = flags;
-    callback_(X11TapEvent(TapEvent::Type::flagsChanged, flags));
-    return (gone & flagMask(keyboard_.trigger())) != 0;
+    return callback_(X11TapEvent(TapEvent::Type::flagsChanged, flags)).mayEndSession;
 }
 
 void X11TapDelivery::noteTriggerModifier(std::uint32_t modifiers) {
-    flags_ |= keyboard_.reportedFlags(modifiers) & flagMask(keyboard_.trigger());
+    flags_ |= keyboard_.flagsOf(modifiers) & flagMask(keyboard_.trigger());
 }
 
 void X11TapDelivery::disabled() {

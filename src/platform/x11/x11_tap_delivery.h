@@ -26,10 +26,10 @@ public:
     TapVerdict key(const X11KeyboardEvent& event);
     /// Text that no single key has typed.
     void text(const std::u16string& text);
-    /// Tells the flags when they differ from what was told. Whether the trigger's modifier went up.
-    bool modifiers(std::uint32_t modifiers);
+    /// Tells the flags when they differ from what was told. Whether that may end the session.
+    [[nodiscard]] bool modifiers(std::uint32_t modifiers);
     /// Not told, but as good as: the callback learns them with the next key.
-    void assumeModifiers(std::uint32_t modifiers) { flags_ = keyboard_.reportedFlags(modifiers); }
+    void assumeModifiers(std::uint32_t modifiers) { flags_ = keyboard_.flagsOf(modifiers); }
     /// A key was pressed with the trigger's modifier down, and nobody else may have told that it is.
     void noteTriggerModifier(std::uint32_t modifiers);
     /// Whatever was told is old: the flags are told next time in any case.

@@ -36,8 +36,8 @@ public:
     static constexpr std::chrono::milliseconds answerTimeout{1000};
     /// How long the main thread may leave a key of an open session unanswered before the user gets the keyboard back.
     static constexpr std::chrono::milliseconds sessionTimeout{3000};
-    /// After the trigger's modifier went up the session is probably ending: for this long a new press of the trigger
-    /// waits for that, so that it opens the next session instead of moving the selection of a dying one.
+    /// After a release of the trigger's modifier that may end the session, a new press of the trigger waits for that
+    /// end for this long, so that it opens the next session instead of moving the selection of a dying one.
     static constexpr std::chrono::milliseconds endingGrace{250};
     /// Who answers the trigger instead of this program and lets the keyboard go with the modifier, as a manager's own
     /// switcher does, has let it go by then.

@@ -79,8 +79,12 @@ void X11TapKeyboard::applyGrabs(bool isEnabled, bool isKeyboardHeld) {
     }
 }
 
+bool X11TapKeyboard::isTriggerKey(std::uint32_t keyCode) const {
+    return std::find(triggerKeyCodes_.begin(), triggerKeyCodes_.end(), keyCode) != triggerKeyCodes_.end();
+}
+
 bool X11TapKeyboard::isTrigger(const X11KeyboardEvent& event) const {
-    if (std::find(triggerKeyCodes_.begin(), triggerKeyCodes_.end(), event.keyCode) == triggerKeyCodes_.end()) {
+    if (!isTriggerKey(event.keyCode)) {
         return false;
     }
     // At a slave only the grabbed combinations arrive, but for what was held back behind them; and the modifier may be
@@ -96,9 +100,10 @@ std::uint16_t X11TapKeyboard::virtualKeyCodeOf(const X11KeyboardEvent& event) {
     return layout_->virtualKeyCodeOf(event.keyCode, text_.symbols(event));
 }
 
-std::uint64_t X11TapKeyboard::reportedFlags(std::uint32_t modifiers) const {
-    auto flags = layout_->flagsOf(modifiers);
-    if (trigger_ != SwitcherModifier::control && (flags & event_flags::control) != 0) {
+std::uint64_t X11TapKeyboard::flagsOf(const X11KeyboardEvent& event) const {
+    auto flags = flagsOf(event.modifiers.effective);
+    const bool isShortcut = trigger_ != SwitcherModifier::control && !isTriggerKey(event.keyCode);
+    if (isShortcut && (flags & event_flags::control) != 0) {
         flags |= event_flags::command;
     }
     return flags;

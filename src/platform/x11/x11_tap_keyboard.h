@@ -43,12 +43,16 @@ public:
     [[nodiscard]] bool isAtSlave(const X11KeyboardEvent& event) const;
     /// Which key the callback is told.
     [[nodiscard]] std::uint16_t virtualKeyCodeOf(const X11KeyboardEvent& event);
-    /// The flags that the callback is told. Control is Command as well, unless it is the trigger.
-    [[nodiscard]] std::uint64_t reportedFlags(std::uint32_t modifiers) const;
+    /// The flags that the callback is told when the modifiers change.
+    [[nodiscard]] std::uint64_t flagsOf(std::uint32_t modifiers) const { return layout_->flagsOf(modifiers); }
+    /// The flags that it is told with a key. Control is Command as well there, unless it is the trigger: the switcher's
+    /// shortcuts are pressed with it. Not with the trigger's own keys, or Control would stand in for the modifier.
+    [[nodiscard]] std::uint64_t flagsOf(const X11KeyboardEvent& event) const;
 
 private:
     X11TapKeyboard(const X11Connection& connection, SwitcherModifier trigger, Log& log);
     void readLayout();
+    [[nodiscard]] bool isTriggerKey(std::uint32_t keyCode) const;
 
     const X11Connection& connection_;
     SwitcherModifier trigger_;
