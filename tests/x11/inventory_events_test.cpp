@@ -93,6 +93,31 @@ TEST_F(InventoryEventsTest, TellsAnObserverOfItsWindows) {
     EXPECT_TRUE(runUntilSeen("AXUIElementDestroyed"));
 }
 
+TEST_F(InventoryEventsTest, TellsOfATitleThatKeepsChangingAFewTimesASecondAndOfItsLastChange) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(runUntilSeen("didLaunch"));
+    const auto observer = observeSelf();
+    ASSERT_NE(observer, nullptr);
+    observer->addWindowNotification(X11Element::make(window), "AXTitleChanged");
+    const auto change = [&](const std::string& title) {
+        manager.set(window, "_NET_WM_NAME", "UTF8_STRING", 8, title.data(), static_cast<std::uint32_t>(title.size()));
+        manager.set(window, "WM_NAME", "STRING", 8, title.data(), static_cast<std::uint32_t>(title.size()));
+    };
+    change("Start");
+    ASSERT_TRUE(runUntilSeen("AXTitleChanged"));
+    seen.clear();
+    const auto begin = parts.mainLoop.now();
+    int changes = 0;
+    const auto chatter = parts.mainLoop.every(Seconds(0.02), [&] { change(std::to_string(++changes)); });
+    ASSERT_TRUE(parts.runUntil([&] { return changes >= 60; }));
+    const auto mostTold = (parts.mainLoop.now() - begin) / Seconds(0.25);
+    settle();
+    EXPECT_THAT(seen, testing::SizeIs(testing::AllOf(testing::Ge(2U), testing::Le(mostTold)))) << "a few a second";
+    seen.clear();
+    EXPECT_TRUE(runUntilSeen("AXTitleChanged")) << "the last change is told of when no other follows";
+}
+
 TEST_F(InventoryEventsTest, KeepsTheFrontWhileTheActiveWindowIsNoneInPassing) {
     const auto window = manager.createWindow();
     manager.publishStacking({window});

@@ -1,6 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <string>
+#include <thread>
+
 #include "tests/x11/desk_test.h"
 
 namespace ferrowyn::x11test {
@@ -135,6 +139,24 @@ TEST_P(SwitchingWindowsTest, DialogsAreListedAndSkipTaskbarWindowsAreNot) {
     input.tap(key::enter);
     expectSwitchTo(window(3));
     letGo();
+}
+
+TEST_P(SwitchingWindowsTest, AWindowThatKeepsChangingItsTitleKeepsNoNewWindowFromTheList) {
+    openWindows(2);
+    startProgram();
+    std::atomic<bool> isChatty{true};
+    // What a page does that shows its progress in its title.
+    std::thread chatter([&] {
+        for (int percent = 0; isChatty; ++percent) {
+            windows[0]->setTitle("Rendering: " + std::to_string(percent));
+            std::this_thread::sleep_for(milliseconds{15});
+        }
+    });
+    TestWindow newcomer(server.display(), {.title = "Newcomer"});
+    makeActive(newcomer.id());
+    EXPECT_TRUE(program->waitForList(3, newcomer.id(), milliseconds{3000})) << "waited for the new window to be listed";
+    isChatty = false;
+    chatter.join();
 }
 
 TEST_P(SwitchingWindowsTest, AWindowClosedWhileListedKeepsItsRowAndNothingBreaks) {

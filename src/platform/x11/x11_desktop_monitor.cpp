@@ -34,7 +34,8 @@ X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Conn
       connection_(
           std::move(connection), [this](const xcb_generic_event_t& event) { handleEvent(event); },
           std::move(onConnectionLost)),
-      owners_(connection_.connection()) {
+      owners_(connection_.connection()),
+      titleChanges_(mainLoop, [this](xcb_window_t window) { model_.noteTitleChanged(window); }) {
     subscribeToRoot();
     readFirstTime();
 }
@@ -108,7 +109,7 @@ void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event)
         return;
     }
     if (event.atom == atoms_.netWmName || event.atom == XCB_ATOM_WM_NAME) {
-        model_.noteTitleChanged(event.window);
+        titleChanges_.note(event.window);
         return;
     }
     if (event.atom == atoms_.netWmIcon) {

@@ -12,6 +12,7 @@
 #include "platform/x11/x11_event_connection.h"
 #include "platform/x11/x11_owners.h"
 #include "platform/x11/x11_root_facts.h"
+#include "platform/x11/x11_title_changes.h"
 #include "platform/x11/x11_window_batch.h"
 
 namespace ferrowyn {
@@ -82,6 +83,7 @@ private:
     bool isRootChanged_ = false;
     bool isReading_ = false;
     Subscription expectation_;
+    X11TitleChanges titleChanges_;
     Subject<std::vector<xcb_window_t>> windowReadings_;
     Subject<xcb_window_t> iconChanges_;
     Subject<bool> screenChanges_;

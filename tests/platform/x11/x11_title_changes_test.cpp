@@ -1,0 +1,94 @@
+#include "platform/x11/x11_title_changes.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <vector>
+
+#include "platform/simulated/simulated_main_loop.h"
+
+namespace ferrowyn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+class X11TitleChangesTest : public testing::Test {
+protected:
+    static constexpr xcb_window_t chatty = 1, quiet = 2;
+
+    SimulatedMainLoop loop;
+    std::vector<xcb_window_t> told;
+    std::optional<X11TitleChanges> changes{std::in_place, loop,
+                                           [this](xcb_window_t window) { told.push_back(window); }};
+};
+
+TEST_F(X11TitleChangesTest, BothPropertiesOfOneTitleAreToldOfOnceAndSoon) {
+    changes->note(quiet);
+    changes->note(quiet);
+    EXPECT_THAT(told, IsEmpty());
+    loop.advance(X11TitleChanges::gatheringTime);
+    EXPECT_THAT(told, ElementsAre(quiet));
+    loop.advance(Seconds(60));
+    EXPECT_THAT(told, ElementsAre(quiet));
+    EXPECT_EQ(loop.pendingTimerCount(), 0U) << "nothing wakes an idle program";
+}
+
+TEST_F(X11TitleChangesTest, AStreamOfChangesIsToldOfTwiceASecondAndItsLastOneToo) {
+    for (int change = 0; change < 100; ++change) {
+        changes->note(chatty);
+        loop.advance(Seconds(0.02));
+    }
+    // At 0.05, 0.55, 1.05 and 1.55 s of the two.
+    EXPECT_THAT(told, ElementsAre(chatty, chatty, chatty, chatty));
+    loop.advance(X11TitleChanges::interval);
+    EXPECT_EQ(told.size(), 5U) << "the last change";
+    loop.advance(Seconds(60));
+    EXPECT_EQ(told.size(), 5U);
+}
+
+TEST_F(X11TitleChangesTest, ChangesOfManyWindowsAreToldOfTogether) {
+    std::vector<TimePoint> moments;
+    changes.emplace(loop, [&](xcb_window_t window) {
+        told.push_back(window);
+        moments.push_back(loop.now());
+    });
+    changes->note(chatty);
+    loop.advance(Seconds(0.1));
+    told.clear();
+    moments.clear();
+    for (const auto window : {quiet, chatty, quiet, chatty}) {
+        changes->note(window);
+        loop.advance(Seconds(0.1));
+    }
+    EXPECT_THAT(told, IsEmpty()) << "many chatty windows are no steady stream either";
+    loop.advance(X11TitleChanges::interval);
+    EXPECT_THAT(told, UnorderedElementsAre(quiet, chatty));
+    EXPECT_EQ(moments.front(), moments.back());
+}
+
+TEST_F(X11TitleChangesTest, WhoeverIsToldMayCauseTheNextChange) {
+    changes.emplace(loop, [&](xcb_window_t window) {
+        told.push_back(window);
+        if (told.size() == 1) {
+            changes->note(quiet);
+        }
+    });
+    changes->note(chatty);
+    loop.advance(X11TitleChanges::gatheringTime);
+    EXPECT_THAT(told, ElementsAre(chatty));
+    loop.advance(X11TitleChanges::interval);
+    EXPECT_THAT(told, ElementsAre(chatty, quiet));
+}
+
+TEST_F(X11TitleChangesTest, NothingIsToldOfOnceItIsGone) {
+    changes->note(quiet);
+    changes.reset();
+    loop.advance(Seconds(1));
+    EXPECT_THAT(told, IsEmpty());
+}
+
+}  // namespace
+}  // namespace ferrowyn
