@@ -90,10 +90,12 @@ void SwitcherView::applyModel() {
     if (isNewSession) {
         resetTransientState();
         scrollToSelection(false);
-    } else if (queryChanged || selectionChanged) {
-        scrollToSelection(!queryChanged);
     } else {
+        // A query may have left fewer rows than had been scrolled past.
         setScroll(std::clamp(scroll_, 0.0, geometry_.maximumScroll()));
+        if (queryChanged || selectionChanged) {
+            scrollToSelection(true);
+        }
     }
     if (queryChanged || isNewSession) {
         restartCaret();
@@ -183,7 +185,9 @@ void SwitcherView::updateGeometry() {
 void SwitcherView::resizeEvent(QResizeEvent* /*event*/) {
     applyModel();
     updateGeometry();
-    scrollToSelection(false);
+    setScroll(std::clamp(scroll_, 0.0, geometry_.maximumScroll()));
+    // The panel is sized anew while a query scrolls the selection into view: that goes on.
+    scrollToSelection(scrollAnimation_.state() == QAbstractAnimation::Running);
 }
 
 void SwitcherView::setTranslucent(bool isTranslucent) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QProxyStyle>
 #include <QWheelEvent>
 
@@ -252,6 +253,74 @@ TEST_F(SwitcherViewTest, TheSelectionScrollsIntoViewSmoothlyAndEverythingRestsWh
     EXPECT_EQ(view.scroll(), view.geometryNow().maximumScroll());
     view.hide();
     EXPECT_FALSE(view.isAnimating());
+    view.setStyle(nullptr);
+}
+
+/// Milliseconds from the start of the scrolling to its end, and whether the view was seen on its way.
+struct Scrolling {
+    qint64 milliseconds = 0;
+    bool isSeenBetween = false;
+};
+Scrolling watchScrolling(const SwitcherView& view, double target) {
+    const double start = view.scroll();
+    Scrolling seen;
+    QElapsedTimer clock;
+    clock.start();
+    while (view.scroll() != target && clock.elapsed() < 20'000) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        seen.isSeenBetween = seen.isSeenBetween || (view.scroll() != start && view.scroll() != target);
+    }
+    seen.milliseconds = clock.elapsed();
+    return seen;
+}
+
+TEST_F(SwitcherViewTest, ASelectionThatChangesWithTheQueryScrollsIntoViewLikeAnyOther) {
+    MovingStyle style;
+    view.setStyle(&style);
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    view.resize(640, 56 + 16 + 4 * 52 + 3 + 34);
+    view.show();
+    for (const bool isResized : {false, true}) {
+        model.viewModel.move(30);
+        view.synchronize();
+        ASSERT_TRUE(watchScrolling(view, view.geometryNow().scrollShowing(31, 0)).isSeenBetween);
+        model.viewModel.insertText("w");
+        view.synchronize();
+        EXPECT_EQ(model.viewModel.selectedIndex.get(), 0);
+        EXPECT_GT(view.scroll(), 0) << "not at once";
+        if (isResized) {
+            // As the panel is when it holds fewer or more rows than before.
+            view.resize(640, view.height() + 52);
+            EXPECT_GT(view.scroll(), 0) << "nor when the panel is sized anew";
+        }
+        const Scrolling scrolling = watchScrolling(view, 0);
+        EXPECT_TRUE(scrolling.isSeenBetween);
+        // The frames are the clock's: a busy machine may add to the tenth of a second, nothing takes from it.
+        EXPECT_GE(scrolling.milliseconds, 80);
+        model.viewModel.endSession();
+        model.viewModel.beginSession(false);
+        view.synchronize();
+    }
+    view.hide();
+    view.setStyle(nullptr);
+}
+
+TEST_F(SwitcherViewTest, ScrollingStartsWithinTheRowsThatAreLeft) {
+    MovingStyle style;
+    view.setStyle(&style);
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    view.show();
+    model.viewModel.moveToEdge(false);
+    view.synchronize();
+    (void)watchScrolling(view, view.geometryNow().maximumScroll());
+    model.viewModel.insertText("window 1");
+    view.synchronize();
+    EXPECT_LE(view.scroll(), view.geometryNow().maximumScroll()) << "no empty place is shown below the last row";
+    view.hide();
     view.setStyle(nullptr);
 }
 
