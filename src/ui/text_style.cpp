@@ -28,10 +28,6 @@ Description describe(TextStyle style) {
             return {13, QFont::Normal};
         case TextStyle::menuSectionTitle:
             return {10, QFont::Normal};
-        case TextStyle::cardTitle:
-            return {12, QFont::DemiBold};
-        case TextStyle::cardAppName:
-            return {10.5, QFont::Normal};
         case TextStyle::cardOrdinal:
         case TextStyle::badge:
             return {10, QFont::Medium};

@@ -7,10 +7,9 @@ namespace ferrowyn {
 /// The program's uses of text. Families are the desktop's; sizes are points at scale 1.
 enum class TextStyle {
     searchText,
+    // Of rows and cards alike.
     rowTitle,
     rowAppName,
-    cardTitle,
-    cardAppName,
     cardOrdinal,
     badge,
     groupName,

@@ -17,7 +17,8 @@ namespace {
 constexpr double inset = 8;
 constexpr double iconTop = 12;
 constexpr double iconSide = 40;
-constexpr double starSide = 13;
+constexpr double starPoints = 11;
+constexpr double starSide = SymbolImages::boxSide(starPoints);
 constexpr int ordinalsWithAKey = 9;
 
 }  // namespace
@@ -53,7 +54,7 @@ void WindowCardView::paintCorners(QPainter& painter, const Rect& rect, const Pai
                    isSelected ? context.theme.selectionTextSecondary : context.theme.textSecondary);
     }
     if (const auto star = favouriteButton(rect)) {
-        FavouriteButton{row.isFavourite, isSelected, starSide, onToggleFavourite}.paint(painter, *star, context);
+        FavouriteButton{row.isFavourite, isSelected, starPoints, onToggleFavourite}.paint(painter, *star, context);
     }
 }
 
@@ -65,19 +66,19 @@ void WindowCardView::paintText(QPainter& painter, const Rect& rect, const PaintC
     const double scale = context.devicePixelRatio;
     const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
     const double width = rect.width - 2 * inset;
-    const auto titleMetrics = context.lines.metrics(TextStyle::cardTitle);
-    const auto nameMetrics = context.lines.metrics(TextStyle::cardAppName);
+    const auto titleMetrics = context.lines.metrics(TextStyle::rowTitle);
+    const auto nameMetrics = context.lines.metrics(TextStyle::rowAppName);
     const double titleHeight = titleMetrics.ascent + titleMetrics.descent;
     const double height = titleHeight + lineGap + nameMetrics.ascent + nameMetrics.descent;
     const double room = rect.height - textTop - bottomMargin;
     const double top = rect.y + textTop + std::max((room - height) / 2, 0.0);
 
-    const TextLine& title = context.lines.line(row_title::text(row.window), TextStyle::cardTitle, width,
+    const TextLine& title = context.lines.line(row_title::text(row.window), TextStyle::rowTitle, width,
                                                row_title::emphasis(row, isSelected, theme));
     title.paint(painter, rect.midX() - title.width() / 2, snapped(top + titleMetrics.ascent),
                 isSelected ? theme.selectionText : theme.textPrimary);
     const TextLine& name =
-        context.lines.line(display_text::singleLine(row.window->appName), TextStyle::cardAppName, width);
+        context.lines.line(display_text::singleLine(row.window->appName), TextStyle::rowAppName, width);
     name.paint(painter, rect.midX() - name.width() / 2, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
                isSelected ? theme.selectionTextSecondary : theme.textSecondary);
 }
