@@ -12,9 +12,11 @@ namespace {
 constexpr double cornerRadius = 5;
 constexpr double longestText = 140;
 
-/// The square around a symbol of 8 points, or 7: the drawing inside it is smaller than its grid.
+double symbolPoints(bool compact) {
+    return compact ? 7 : 8;
+}
 double symbolSide(bool compact) {
-    return compact ? 9 : 10;
+    return SymbolImages::boxSide(symbolPoints(compact));
 }
 double padding(bool compact) {
     return compact ? 5 : 7;
@@ -56,7 +58,8 @@ void BadgeView::paint(QPainter& painter, const Rect& rect, const PaintContext& c
 
     const double side = symbolSide(compact);
     double x = chip.x() + padding(compact);
-    context.symbols.paint(painter, badge.symbol, x + side / 2, chip.center().y(), side, text, SymbolWeight::semibold);
+    context.symbols.paint(painter, badge.symbol, x + side / 2, chip.center().y(), symbolPoints(compact), text,
+                          SymbolWeight::semibold);
     x += side + gap(compact);
     const double baseline = context.lines.centredBaseline(TextStyle::badge, chip.y(), chip.height(), scale);
     line(context).paint(painter, x, baseline, text);

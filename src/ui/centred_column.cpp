@@ -8,8 +8,9 @@
 
 namespace ferrowyn {
 
-void CentredColumn::addSymbol(std::string_view name, double side, const QColor& color, SymbolWeight weight) {
-    context_.symbols.paint(painter_, name, rect_.midX(), top_ + side / 2, side, color, weight);
+void CentredColumn::addSymbol(std::string_view name, double points, const QColor& color, SymbolWeight weight) {
+    const double side = SymbolImages::boxSide(points);
+    context_.symbols.paint(painter_, name, rect_.midX(), top_ + side / 2, points, color, weight);
     top_ += side;
 }
 

@@ -15,7 +15,7 @@ public:
     CentredColumn(QPainter& painter, const Rect& rect, double top, const PaintContext& context)
         : painter_(painter), rect_(rect), top_(top), context_(context) {}
 
-    void addSymbol(std::string_view name, double side, const QColor& color, SymbolWeight weight);
+    void addSymbol(std::string_view name, double points, const QColor& color, SymbolWeight weight);
     void addText(const QString& text, TextStyle style, const QColor& color);
     void addText(const QStringList& lines, TextStyle style, const QColor& color);
     void addSpace(double height) { top_ += height; }

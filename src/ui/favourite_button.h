@@ -13,8 +13,8 @@ namespace ferrowyn {
 struct FavouriteButton {
     bool isFavourite = false;
     bool isSelected = false;
-    /// The side of the symbol, in points.
-    double size = 15;
+    /// Of the symbol, in points.
+    double size = 12.5;
     std::function<void()> action;
 
     /// Where a click counts: larger than the symbol, which is small for a pointer.

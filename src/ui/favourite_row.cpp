@@ -21,7 +21,8 @@ namespace {
 
 constexpr double iconSide = 24;
 constexpr double behindIcon = 10;
-constexpr double starSide = 13;
+constexpr double starPoints = 11;
+constexpr double starSide = SymbolImages::boxSide(starPoints);
 constexpr double aroundStar = 8;
 constexpr int buttonOverhang = 5;
 
@@ -78,7 +79,7 @@ void FavouriteRow::paintEvent(QPaintEvent* /*event*/) {
     control_painting::paintText(painter, *this, control_painting::mirrored(*this, nameRect()), name_,
                                 fontFor(TextStyle::body), theme.textPrimary);
     const QPointF star = control_painting::mirrored(*this, starRect()).center();
-    symbols_.paint(painter, "star.fill", star.x(), star.y(), starSide, theme.favourite);
+    symbols_.paint(painter, "star.fill", star.x(), star.y(), starPoints, theme.favourite);
 }
 
 }  // namespace ferrowyn

@@ -25,7 +25,7 @@ public:
     static constexpr double symbolCenter = 38;
     static constexpr double titleLeft = 54;
     static constexpr double inset = 14;
-    static constexpr double symbolSide = 14;
+    static constexpr double symbolPoints = 13;
     /// The selection, from the edges of the menu.
     static constexpr double selectionInset = 6;
 

@@ -85,7 +85,7 @@ void MenuHeaderView::paint(QPainter& painter, const Rect& rect, const MenuHeader
         painter.drawRoundedRect(toQt(gear).adjusted(hoverInset, hoverInset, -hoverInset, -hoverInset), hoverRadius,
                                 hoverRadius);
     }
-    context.symbols.paint(painter, "gearshape", gear.midX(), gear.midY(), gearSymbolSide,
+    context.symbols.paint(painter, "gearshape", gear.midX(), gear.midY(), gearSymbolPoints,
                           hasKeyboard ? colors.selectionText : colors.label, SymbolWeight::regular);
 }
 

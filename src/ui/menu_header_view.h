@@ -20,7 +20,7 @@ public:
     static constexpr double gearSide = 26;
     static constexpr double gearRightInset = 14;
     static constexpr double textLeft = 54;
-    static constexpr double gearSymbolSide = 14;
+    static constexpr double gearSymbolPoints = 14;
 
     MenuHeaderView();
     ~MenuHeaderView();

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "ui/display_text.h"
+#include "ui/hairline.h"
 #include "ui/menu_geometry.h"
 
 namespace ferrowyn {
@@ -12,7 +13,7 @@ namespace ferrowyn {
 namespace {
 
 constexpr double selectionRadius = 5;
-constexpr double checkSide = 13;
+constexpr double checkPoints = 11;
 /// Between a title and the keys at the right.
 constexpr double keyGap = 16;
 constexpr double anyWidth = 10000;
@@ -22,10 +23,9 @@ QString fromUtf8(std::string_view text) {
 }
 
 void paintSeparator(QPainter& painter, const Rect& rect, const MenuColors& colors, double scale) {
-    const double thickness = 1 / scale;
     const double top = std::floor(rect.midY() * scale) / scale;
     painter.fillRect(
-        QRectF(rect.x + MenuGeometry::inset, top, rect.width - 2 * MenuGeometry::inset, std::max(thickness, 0.5)),
+        QRectF(rect.x + MenuGeometry::inset, top, rect.width - 2 * MenuGeometry::inset, hairline::width(scale)),
         colors.separator);
 }
 
@@ -96,12 +96,12 @@ void MenuRowView::paintItem(QPainter& painter, const Rect& rect, const MenuColor
     const QColor note = isSelected ? colors.selectionTextSecondary : colors.tertiaryLabel;
     if (row.isChecked) {
         context.symbols.paint(painter, "checkmark", placeOf(rect, rect.x + MenuGeometry::checkCenter, 0, context),
-                              rect.midY(), checkSide, text);
+                              rect.midY(), checkPoints, text);
     }
     if (!row.symbol.empty()) {
         const QColor tint = row.symbolTint == MenuTint::label ? label : colors.tint(row.symbolTint);
         context.symbols.paint(painter, row.symbol, placeOf(rect, rect.x + MenuGeometry::symbolCenter, 0, context),
-                              rect.midY(), MenuGeometry::symbolSide, isSelected ? colors.selectionText : tint,
+                              rect.midY(), MenuGeometry::symbolPoints, isSelected ? colors.selectionText : tint,
                               SymbolWeight::regular);
     }
 

@@ -12,7 +12,7 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr double symbolSide = 26;
+constexpr double symbolPoints = 26;
 constexpr double belowSymbol = 6;
 constexpr double belowTitle = 2;
 constexpr double aboveButton = 9;
@@ -26,7 +26,7 @@ QStringList explanation(const PaintContext& context) {
 }
 
 double columnHeight(const PaintContext& context) {
-    return symbolSide + belowSymbol + CentredColumn::lineHeight(TextStyle::emptyTitle, context) + belowTitle +
+    return SymbolImages::boxSide(symbolPoints) + belowSymbol + CentredColumn::lineHeight(TextStyle::emptyTitle, context) + belowTitle +
            CentredColumn::lineHeight(TextStyle::emptyDetail, context) *
                static_cast<double>(explanation(context).size()) +
            aboveButton + buttonHeight;
@@ -49,7 +49,7 @@ Rect PermissionStateView::button(const Rect& rect, const PaintContext& context) 
 void PermissionStateView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const Theme& theme = context.theme;
     CentredColumn column(painter, rect, columnTop(rect, context), context);
-    column.addSymbol(WindowPresentation::permissionSymbol, symbolSide,
+    column.addSymbol(WindowPresentation::permissionSymbol, symbolPoints,
                      theme.badgeText(WindowPresentation::Tint::orange), SymbolWeight::medium);
     column.addSpace(belowSymbol);
     column.addText(display_text::singleLine(context.texts.permissionTitle), TextStyle::emptyTitle, theme.textPrimary);

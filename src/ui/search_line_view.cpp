@@ -13,9 +13,9 @@ namespace ferrowyn {
 
 namespace {
 
-/// The square around a symbol of 14 points: the drawing inside it is smaller than its grid.
-constexpr double symbolSide = 16;
-constexpr double textLeft = PanelGeometry::sideMargin + symbolSide + 9;
+constexpr double symbolPoints = 14;
+/// Behind the symbol, at a whole number.
+constexpr double textLeft = PanelGeometry::sideMargin + 26;
 constexpr double caretHeight = 19;
 constexpr double caretGap = 1;
 /// Room for the indicator: its symbol, and a count of five digits.
@@ -42,8 +42,8 @@ Rect SearchLineView::caretRect(const Rect& rect, const PaintContext& context) co
 void SearchLineView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const Theme& theme = context.theme;
     context.symbols.paint(painter, WindowPresentation::searchSymbol,
-                          rect.x + PanelGeometry::sideMargin + symbolSide / 2, rect.midY(), symbolSide,
-                          theme.textSecondary, SymbolWeight::medium);
+                          rect.x + PanelGeometry::sideMargin + SymbolImages::boxSide(symbolPoints) / 2, rect.midY(),
+                          symbolPoints, theme.textSecondary, SymbolWeight::medium);
     const double baseline =
         context.lines.centredBaseline(TextStyle::searchText, rect.y, rect.height, context.devicePixelRatio);
     const double indicatorLeft = paintIndicator(painter, rect, context);
@@ -68,7 +68,8 @@ void SearchLineView::paint(QPainter& painter, const Rect& rect, const PaintConte
 }
 
 double SearchLineView::paintIndicator(QPainter& painter, const Rect& rect, const PaintContext& context) const {
-    constexpr double indicatorSide = 12;
+    constexpr double indicatorPoints = 9;
+    constexpr double indicatorSide = SymbolImages::boxSide(indicatorPoints);
     constexpr double gap = 6;
     const QString count = QString::fromStdString(std::to_string(rowCount));
     const TextLine& number = context.lines.line(count, TextStyle::rowCount, indicatorRoom);
@@ -78,7 +79,7 @@ double SearchLineView::paintIndicator(QPainter& painter, const Rect& rect, const
                  context.theme.textSecondary);
     const double symbolLeft = numberLeft - gap - indicatorSide;
     context.symbols.paint(painter, WindowPresentation::layoutSymbol(layout), symbolLeft + indicatorSide / 2,
-                          rect.midY(), indicatorSide, context.theme.textSecondary, SymbolWeight::semibold);
+                          rect.midY(), indicatorPoints, context.theme.textSecondary, SymbolWeight::semibold);
     return symbolLeft;
 }
 

@@ -16,7 +16,7 @@ constexpr int controlHeight = 58;
 constexpr int usualWidth = 96;
 constexpr int padding = 14;
 constexpr double cornerRadius = 7;
-constexpr double symbolSide = 20;
+constexpr double symbolPoints = 17;
 constexpr double symbolCentre = 21;
 constexpr double titleTop = 33;
 constexpr double titleHeight = 20;
@@ -61,7 +61,7 @@ void SegmentButton::paintEvent(QPaintEvent* /*event*/) {
     }
     control_painting::paintBox(painter, rect(), cornerRadius, fill, isChecked() ? fill : theme.controlEdge);
     const QColor ink = isChecked() ? theme.accentText : theme.textPrimary;
-    symbols_.paint(painter, symbol_, width() / 2.0, symbolCentre, symbolSide, ink, SymbolWeight::regular);
+    symbols_.paint(painter, symbol_, width() / 2.0, symbolCentre, symbolPoints, ink, SymbolWeight::regular);
     painter.setFont(font());
     painter.setPen(ink);
     painter.drawText(QRectF(0, titleTop, width(), std::max(titleHeight, fontMetrics().height() + 0.0)),

@@ -23,7 +23,7 @@ constexpr int rowHeight = 30;
 constexpr double rowGap = 1;
 constexpr double cornerRadius = 6;
 constexpr double symbolCentre = 18;
-constexpr double symbolSide = 16;
+constexpr double symbolPoints = 13;
 constexpr double textLeft = 35;
 constexpr double textRight = 8;
 
@@ -61,7 +61,7 @@ public:
         const bool isMirrored = list.isRightToLeft();
         symbols_.paint(*painter, symbol(paneAt(index.row())),
                        isMirrored ? row.right() - symbolCentre : row.left() + symbolCentre, row.center().y(),
-                       symbolSide, ink, SymbolWeight::regular);
+                       symbolPoints, ink, SymbolWeight::regular);
         const QRectF textRect =
             isMirrored ? row.adjusted(textRight, 0, -textLeft, 0) : row.adjusted(textLeft, 0, -textRight, 0);
         control_painting::paintText(*painter, list, textRect, index.data(Qt::DisplayRole).toString(), list.font(), ink);

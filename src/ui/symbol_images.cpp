@@ -30,11 +30,11 @@ QByteArray strokeFor(SymbolWeight weight) {
 
 }  // namespace
 
-void SymbolImages::paint(QPainter& painter, std::string_view name, double centerX, double centerY, double side,
+void SymbolImages::paint(QPainter& painter, std::string_view name, double centerX, double centerY, double points,
                          const QColor& color, SymbolWeight weight) {
     // Of what is really painted on: a widget may be rendered into an image of another resolution.
     const double scale = painter.deviceTransform().m11();
-    const Key key{std::string(name), static_cast<int>(std::lround(side * scale)), color.rgba(), weight};
+    const Key key{std::string(name), static_cast<int>(std::lround(boxSide(points) * scale)), color.rgba(), weight};
     auto found = images_.find(key);
     if (found == images_.end()) {
         found = images_.insert(key, render(key));

@@ -15,11 +15,20 @@ enum class SymbolWeight { light, regular, medium, semibold };
 /// The system symbols, drawn in any colour, size and weight. Each image is rendered once and kept. Main thread.
 class SymbolImages {
 public:
-    /// Centred in a square with sides of `side` points. An unknown name draws nothing.
-    void paint(QPainter& painter, std::string_view name, double centerX, double centerY, double side,
+    /// The side of the square in which a symbol of so many points stands. The drawings reach over 20 of the 24 units of
+    /// their grid or nearly so: what is seen is as large as the points say.
+    [[nodiscard]] static constexpr double boxSide(double points) { return points * gridUnits / drawnUnits; }
+    /// The size of the symbol that fills a square with sides of `side` points.
+    [[nodiscard]] static constexpr double pointsIn(double side) { return side * drawnUnits / gridUnits; }
+
+    /// A symbol of this size in points around a centre. An unknown name draws nothing.
+    void paint(QPainter& painter, std::string_view name, double centerX, double centerY, double points,
                const QColor& color, SymbolWeight weight = SymbolWeight::medium);
 
 private:
+    static constexpr double gridUnits = 24;
+    static constexpr double drawnUnits = 20;
+
     struct Key {
         std::string name;
         int deviceSide;

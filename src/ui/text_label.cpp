@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <cmath>
 
 #include "ui/control_painting.h"
 #include "ui/translated.h"
@@ -37,12 +38,12 @@ void TextLabel::setPhrase(const Phrase& text) {
     setText(translated(text));
 }
 
-void TextLabel::setSymbol(std::string_view name, Tone tone, double side) {
+void TextLabel::setSymbol(std::string_view name, Tone tone, double points) {
     symbol_ = name;
     symbolTone_ = tone;
-    symbolSide_ = side;
+    symbolPoints_ = points;
     QMargins margins = contentsMargins();
-    const int room = name.empty() ? 0 : static_cast<int>(side) + behindSymbol;
+    const int room = name.empty() ? 0 : static_cast<int>(std::ceil(SymbolImages::boxSide(points))) + behindSymbol;
     margins.setLeft(isRightToLeft() ? 0 : room);
     margins.setRight(isRightToLeft() ? room : 0);
     setContentsMargins(margins);
@@ -79,9 +80,9 @@ void TextLabel::paintEvent(QPaintEvent* event) {
     const double textHeight =
         fontMetrics().boundingRect(contentsRect(), Qt::TextWordWrap | Qt::AlignLeft, text()).height();
     const double middle = room.center().y() - textHeight / 2 + fontMetrics().height() / 2.0;
-    const QRectF place =
-        control_painting::mirrored(*this, QRectF(0, middle - symbolSide_ / 2, symbolSide_, symbolSide_));
-    symbols_.paint(painter, symbol_, place.center().x(), place.center().y(), symbolSide_,
+    const double side = SymbolImages::boxSide(symbolPoints_);
+    const QRectF place = control_painting::mirrored(*this, QRectF(0, middle - side / 2, side, side));
+    symbols_.paint(painter, symbol_, place.center().x(), place.center().y(), symbolPoints_,
                    WindowTheme::current().color(symbolTone_));
 }
 

@@ -24,7 +24,7 @@ public:
 
     void setPhrase(const Phrase& text);
     /// An empty name shows none.
-    void setSymbol(std::string_view name, Tone tone, double side = 16);
+    void setSymbol(std::string_view name, Tone tone, double points = 13);
     [[nodiscard]] const std::string& symbol() const { return symbol_; }
     [[nodiscard]] Tone symbolTone() const { return symbolTone_; }
 
@@ -39,7 +39,7 @@ private:
     Tone tone_;
     std::string symbol_;
     Tone symbolTone_ = Tone::primary;
-    double symbolSide_ = 0;
+    double symbolPoints_ = 0;
     SymbolImages symbols_;
 };
 

@@ -14,7 +14,7 @@ namespace {
 constexpr int padding = 12;
 constexpr double cornerRadius = 6;
 constexpr int symbolButtonSide = 26;
-constexpr double symbolSide = 16;
+constexpr double symbolPoints = 13;
 constexpr double disabledOpacity = 0.45;
 
 }  // namespace
@@ -80,7 +80,7 @@ void WindowButton::paintSymbolButton(QPainter& painter, const WindowTheme& theme
     constexpr double inset = 3;
     const QRectF shape = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
     const bool isStressed = underMouse() || isDown();
-    symbols_.paint(painter, symbol_, shape.center().x(), shape.center().y(), symbolSide,
+    symbols_.paint(painter, symbol_, shape.center().x(), shape.center().y(), symbolPoints,
                    isStressed ? theme.textPrimary : theme.textSecondary);
     if (control_painting::showsFocus(*this)) {
         control_painting::paintFocusRing(painter, shape.adjusted(1, 1, -1, -1), shape.width() / 2, theme);

@@ -19,7 +19,8 @@ constexpr double inset = 12;
 constexpr double indentation = 12;
 constexpr double iconSide = 32;
 constexpr double gap = 12;
-constexpr double starSide = 15;
+constexpr double starPoints = 12.5;
+constexpr double starSide = SymbolImages::boxSide(starPoints);
 /// Ordinals stand in a column of their own, so that badges and stars of all rows line up.
 constexpr double ordinalColumn = KeyCapView::height;
 constexpr int ordinalsWithAKey = 9;
@@ -60,7 +61,7 @@ double WindowRowView::paintTrailingParts(QPainter& painter, const Rect& rect, co
         cap.paint(painter, {rect.maxX() - inset - width, rect.y, width, rect.height}, context);
     }
     if (const auto star = favouriteButton(rect)) {
-        FavouriteButton{row.isFavourite, isSelected, starSide, onToggleFavourite}.paint(painter, *star, context);
+        FavouriteButton{row.isFavourite, isSelected, starPoints, onToggleFavourite}.paint(painter, *star, context);
         right = star->x;
     }
     if (const auto badge = WindowPresentation::badge(row.window, context.texts)) {
