@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "ui/display_text.h"
+#include "ui/hairline.h"
 #include "ui/key_cap_view.h"
 
 namespace ferrowyn {
@@ -29,8 +30,8 @@ double width(const WindowPresentation::ShortcutHint& hint, const PaintContext& c
 void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const double scale = context.devicePixelRatio;
     // Between device pixels it would be two faint lines.
-    const double hairline = std::round(rect.y * scale) / scale;
-    painter.fillRect(QRectF(rect.x, hairline, rect.width, std::max(0.5, 1 / scale)), context.theme.hairline);
+    const double top = std::round(rect.y * scale) / scale;
+    painter.fillRect(QRectF(rect.x, top, rect.width, hairline::width(scale)), context.theme.hairline);
     double total = -betweenHints;
     for (const auto& hint : hints) {
         total += betweenHints + width(hint, context);

@@ -8,6 +8,7 @@
 #include "ui/accessible_roles.h"
 #include "ui/control_painting.h"
 #include "ui/group_metrics.h"
+#include "ui/hairline.h"
 #include "ui/text_label.h"
 
 namespace ferrowyn {
@@ -81,7 +82,7 @@ void SettingsGroup::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const WindowTheme theme = WindowTheme::current();
     control_painting::paintBox(painter, rect(), cornerRadius, theme.groupFill, theme.groupEdge);
-    const double lineWidth = 1 / painter.deviceTransform().m11();
+    const double lineWidth = hairline::width(painter.deviceTransform().m11());
     bool isFirst = true;
     for (const QWidget* const row : rows_) {
         if (row->isHidden()) {

@@ -10,6 +10,7 @@
 #include "ui/appearance_pane.h"
 #include "ui/favourites_pane.h"
 #include "ui/general_pane.h"
+#include "ui/hairline.h"
 #include "ui/settings_sidebar.h"
 #include "ui/shortcut_pane.h"
 #include "ui/window_theme.h"
@@ -70,8 +71,8 @@ void SettingsView::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(rect(), theme.ground);
     const QRectF sidebar(sidebar_->x(), 0, sidebar_->width(), height());
     painter.fillRect(sidebar, theme.sidebar);
-    const double hairline = 1 / painter.deviceTransform().m11();
-    painter.fillRect(QRectF(isRightToLeft() ? sidebar.left() - hairline : sidebar.right(), 0, hairline, height()),
+    const double line = hairline::width(painter.deviceTransform().m11());
+    painter.fillRect(QRectF(isRightToLeft() ? sidebar.left() - line : sidebar.right(), 0, line, height()),
                      theme.hairline);
 }
 

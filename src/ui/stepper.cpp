@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "ui/control_painting.h"
+#include "ui/hairline.h"
 #include "ui/text_style.h"
 
 namespace ferrowyn {
@@ -77,9 +78,12 @@ void Stepper::paintEvent(QPaintEvent* /*event*/) {
     paintPart(painter, Part::fewer);
     paintPart(painter, Part::more);
     painter.setOpacity(1);
-    const double line = 1 / painter.deviceTransform().m11();
-    painter.fillRect(QRectF(buttonWidth, line, line, height() - 2 * line), theme.hairline);
-    painter.fillRect(QRectF(width() - buttonWidth, line, line, height() - 2 * line), theme.hairline);
+    // The hairlines reach from the upper edge to the lower one, but do not cross them.
+    const double scale = painter.deviceTransform().m11();
+    const double line = hairline::width(scale);
+    const double edge = 1 / scale;
+    painter.fillRect(QRectF(buttonWidth, edge, line, height() - 2 * edge), theme.hairline);
+    painter.fillRect(QRectF(width() - buttonWidth - line, edge, line, height() - 2 * edge), theme.hairline);
     painter.setFont(font());
     painter.setPen(theme.textPrimary);
     painter.drawText(rect(), Qt::AlignCenter, text());

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "ui/contrast.h"
+#include "ui/hairline.h"
 
 namespace ferrowyn {
 
@@ -42,7 +43,6 @@ void setSelectionColors(Theme& theme) {
 
 void setDarkColors(Theme& theme) {
     theme.background = QColor(0x22, 0x23, 0x28);
-    theme.hairline = withAlpha(Qt::white, 0.14);
     theme.textPrimary = QColor(0xF3, 0xF4, 0xF6);
     theme.textSecondary = QColor(0xA4, 0xA8, 0xB2);
     theme.textTertiary = QColor(0x74, 0x79, 0x85);
@@ -57,7 +57,6 @@ void setDarkColors(Theme& theme) {
 
 void setLightColors(Theme& theme) {
     theme.background = QColor(0xF6, 0xF6, 0xF8);
-    theme.hairline = withAlpha(Qt::black, 0.14);
     theme.textPrimary = QColor(0x1C, 0x1D, 0x21);
     theme.textSecondary = QColor(0x60, 0x65, 0x70);
     theme.textTertiary = QColor(0x83, 0x88, 0x93);
@@ -107,6 +106,7 @@ Theme Theme::make(bool isDark, const QColor& accent, bool isTranslucent) {
     } else {
         setLightColors(theme);
     }
+    theme.hairline = hairline::color(theme.textPrimary);
     theme.countFill = withAlpha(theme.textPrimary, 0.07);
     if (isTranslucent) {
         theme.background.setAlphaF(isDark ? 0.96F : 0.97F);

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "ui/hairline.h"
+
 namespace ferrowyn {
 
 namespace {
@@ -53,9 +55,7 @@ void VisualEffectBackground::paint(QPainter& painter, const Rect& rect, const Pa
 }
 
 void VisualEffectBackground::paintOutline(QPainter& painter, const Rect& rect, const PaintContext& context) const {
-    constexpr double lineWidth = 0.5;
-    // Half a point is less than the finest line at scale 1: there it is one device pixel.
-    const double width = std::max(lineWidth, 1 / context.devicePixelRatio);
+    const double width = hairline::width(context.devicePixelRatio);
     const QRectF edge = toQt(rect).adjusted(width / 2, width / 2, -width / 2, -width / 2);
     painter.setPen(QPen(context.theme.hairline, width));
     painter.setBrush(Qt::NoBrush);

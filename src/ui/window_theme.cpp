@@ -26,7 +26,6 @@ void setLightColors(WindowTheme& theme) {
     theme.sidebar = QColor(0xE9, 0xEA, 0xEE);
     theme.groupFill = Qt::white;
     theme.groupEdge = withAlpha(Qt::black, 0.09);
-    theme.hairline = withAlpha(Qt::black, 0.10);
     theme.selectionInactive = QColor(0xD3, 0xD5, 0xDC);
     theme.rowHovered = withAlpha(Qt::black, 0.05);
     theme.controlFill = Qt::white;
@@ -45,7 +44,6 @@ void setDarkColors(WindowTheme& theme) {
     theme.sidebar = QColor(0x2A, 0x2B, 0x31);
     theme.groupFill = QColor(0x2D, 0x2E, 0x34);
     theme.groupEdge = withAlpha(Qt::white, 0.08);
-    theme.hairline = withAlpha(Qt::white, 0.10);
     theme.selectionInactive = QColor(0x44, 0x46, 0x4E);
     theme.rowHovered = withAlpha(Qt::white, 0.06);
     theme.keyCapFill = withAlpha(Qt::white, 0.06);
@@ -87,6 +85,7 @@ WindowTheme WindowTheme::fromPalette(const QPalette& palette) {
     WindowTheme theme;
     theme.isDark = panel.isDark;
     theme.textPrimary = panel.textPrimary;
+    theme.hairline = panel.hairline;
     theme.textSecondary = panel.textSecondary;
     theme.keyCapFill = panel.keyCapFill;
     theme.keyCapEdge = panel.keyCapEdge;
