@@ -7,35 +7,74 @@
 #include "platform/macos/mac_panel_window.h"
 #include "platform/macos/mac_views.h"
 
-namespace ferrowyn {
+/// Tells the hosted widget where the pointer is while another application is the active one: the toolkit drops the
+/// moves that its own view is told of then.
+@interface FerrowynPointerFollower : NSObject
+- (instancetype)initWithView:(NSView*)view;
+- (void)follow:(ferrowyn::HostedWidget&)widget;
+- (void)stop;
+@end
 
-namespace {
+@implementation FerrowynPointerFollower {
+    NSView* _view;
+    NSTrackingArea* _area;
+    ferrowyn::HostedWidget* _widget;
+}
 
-/// Who handles the moves of the pointer for the toolkit's view, which need not be the view itself.
-id pointerHandler(NSView* view) {
-    for (NSTrackingArea* area in view.trackingAreas) {
-        const id owner = area.owner;
-        if ([owner respondsToSelector:@selector(mouseMoved:)]) {
-            return owner;
-        }
+- (instancetype)initWithView:(NSView*)view {
+    self = [super init];
+    if (self != nil) {
+        _view = view;
     }
-    return view;
+    return self;
 }
 
-/// The toolkit follows the pointer only while its application is the active one, which the panel's never is.
-void followPointer(NSView* view) {
-    [view addTrackingArea:[[NSTrackingArea alloc] initWithRect:NSZeroRect
-                                                       options:NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
-                                                               NSTrackingActiveAlways | NSTrackingInVisibleRect
-                                                         owner:pointerHandler(view)
-                                                      userInfo:nil]];
+- (void)follow:(ferrowyn::HostedWidget&)widget {
+    _widget = &widget;
+    // In the panel's own view, which the widget fills: the toolkit replaces the areas of its views as it likes.
+    _area = [[NSTrackingArea alloc] initWithRect:NSZeroRect
+                                         options:NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
+                                                 NSTrackingActiveAlways | NSTrackingInVisibleRect
+                                           owner:self
+                                        userInfo:nil];
+    [_view addTrackingArea:_area];
 }
 
-}  // namespace
+- (void)stop {
+    if (_area != nil) {
+        [_view removeTrackingArea:_area];
+    }
+    _area = nil;
+    _widget = nullptr;
+}
+
+- (void)mouseEntered:(NSEvent*)event {
+    [self mouseMoved:event];
+}
+
+- (void)mouseMoved:(NSEvent*)event {
+    if (_widget == nullptr || NSApplication.sharedApplication.active) {
+        return;
+    }
+    const NSPoint place = [_view convertPoint:event.locationInWindow fromView:nil];
+    _widget->movePointer({.x = place.x, .y = _view.bounds.size.height - place.y});
+}
+
+- (void)mouseExited:(NSEvent*)event {
+    static_cast<void>(event);
+    if (_widget != nullptr) {
+        _widget->removePointer();
+    }
+}
+
+@end
+
+namespace ferrowyn {
 
 struct MacPanel::Parts {
     WidgetHost host;
     FerrowynSwitcherPanel* window;
+    FerrowynPointerFollower* follower = nil;
     std::unique_ptr<HostedWidget> widget;
     bool isShown = false;
 };
@@ -46,10 +85,12 @@ MacPanel::MacPanel(WidgetHost host, double cornerRadius)
     bounds.origin = NSMakePoint(0, 0);
     parts_->window.contentView = makePanelMaterial(bounds, cornerRadius);
     parts_->window.acceptsMouseMovedEvents = YES;
+    parts_->follower = [[FerrowynPointerFollower alloc] initWithView:parts_->window.contentView];
 }
 
 MacPanel::~MacPanel() {
     orderOut();
+    [parts_->follower stop];
     parts_->widget.reset();
     [parts_->window close];
 }
@@ -63,7 +104,7 @@ void MacPanel::setContent(std::unique_ptr<PanelContent> content) {
     parts_->widget = parts_->host(*content_->widget(), addressOf(parts_->window.contentView));
     const NSSize size = parts_->window.frame.size;
     parts_->widget->fill({.width = size.width, .height = size.height});
-    followPointer(viewAt(parts_->widget->view()));
+    [parts_->follower follow:*parts_->widget];
 }
 
 void MacPanel::setFrame(const Rect& frame) {

@@ -15,12 +15,15 @@ class HostedWidget {
 public:
     virtual ~HostedWidget() = default;
 
-    /// The address of the widget's own view.
-    [[nodiscard]] virtual std::uintptr_t view() const = 0;
     /// Makes the widget fill a view of this size.
     virtual void fill(const Size& size) = 0;
     /// Lets the widget know whether it can be seen; what it shows is laid out before this returns.
     virtual void setVisible(bool isVisible) = 0;
+    /// The pointer is over the widget, at this place in points from its upper left corner, and nothing but this call
+    /// tells it so.
+    virtual void movePointer(const Point& place) = 0;
+    /// The pointer is over the widget no longer.
+    virtual void removePointer() = 0;
 };
 
 /// Puts the widget into the view at this address. Both outlive the result.

@@ -1,5 +1,7 @@
 #include "platform/qt/qt_hosted_widget.h"
 
+#include <QCoreApplication>
+#include <QMouseEvent>
 #include <QWidget>
 #include <QWindow>
 #include <cmath>
@@ -24,16 +26,23 @@ QtHostedWidget::~QtHostedWidget() {
     }
 }
 
-std::uintptr_t QtHostedWidget::view() const {
-    return static_cast<std::uintptr_t>(widget_.internalWinId());
-}
-
 void QtHostedWidget::fill(const Size& size) {
     widget_.setGeometry(0, 0, static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height)));
 }
 
 void QtHostedWidget::setVisible(bool isVisible) {
     widget_.setVisible(isVisible);
+}
+
+void QtHostedWidget::movePointer(const Point& place) {
+    const QPointF local(place.x, place.y);
+    QMouseEvent event(QEvent::MouseMove, local, widget_.mapToGlobal(local), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget_, &event);
+}
+
+void QtHostedWidget::removePointer() {
+    QEvent event(QEvent::Leave);
+    QCoreApplication::sendEvent(&widget_, &event);
 }
 
 std::unique_ptr<HostedWidget> hostQtWidget(QWidget& widget, std::uintptr_t view) {

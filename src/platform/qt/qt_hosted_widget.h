@@ -17,9 +17,10 @@ public:
     QtHostedWidget(const QtHostedWidget&) = delete;
     QtHostedWidget& operator=(const QtHostedWidget&) = delete;
 
-    [[nodiscard]] std::uintptr_t view() const override;
     void fill(const Size& size) override;
     void setVisible(bool isVisible) override;
+    void movePointer(const Point& place) override;
+    void removePointer() override;
 
 private:
     QWidget& widget_;

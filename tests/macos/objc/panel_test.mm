@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QWidget>
 #include <memory>
 #include <utility>
@@ -11,6 +12,31 @@
 #include "platform/macos/mac_views.h"
 #include "platform/qt/qt_hosted_widget.h"
 #include "tests/macos/objc/mac_test.h"
+
+@interface ToolkitView : NSView
+- (instancetype)initWithCalls:(std::vector<std::string>*)calls;
+@end
+
+@implementation ToolkitView {
+    std::vector<std::string>* _calls;
+}
+- (instancetype)initWithCalls:(std::vector<std::string>*)calls {
+    self = [super initWithFrame:NSZeroRect];
+    _calls = calls;
+    [self addTrackingArea:[[NSTrackingArea alloc]
+                              initWithRect:NSZeroRect
+                                   options:NSTrackingMouseMoved | NSTrackingActiveAlways | NSTrackingInVisibleRect
+                                     owner:self
+                                  userInfo:nil]];
+    return self;
+}
+- (void)mouseMoved:(NSEvent*)event {
+    static_cast<void>(event);
+    if (NSApplication.sharedApplication.active) {
+        _calls->emplace_back("the toolkit follows");
+    }
+}
+@end
 
 namespace ferrowyn::test {
 
@@ -37,31 +63,30 @@ private:
     QWidget* widget_;
 };
 
-/// Stands for the toolkit's widget: a view of its own within the panel's, with the areas that the toolkit has given it.
+/// Stands for the toolkit's widget: a view of its own within the panel's, which hears of the pointer always, and drops
+/// what it hears while the application is not the active one.
 class SpyWidget final : public HostedWidget {
 public:
-    SpyWidget(Calls& calls, std::uintptr_t parent, const std::vector<id>& areaOwners)
-        : calls_(calls), view_([[NSView alloc] initWithFrame:NSZeroRect]) {
+    SpyWidget(Calls& calls, std::uintptr_t parent) : calls_(calls), view_([[ToolkitView alloc] initWithCalls:&calls]) {
         [viewAt(parent) addSubview:view_];
-        for (const id& owner : areaOwners) {
-            [view_ addTrackingArea:[[NSTrackingArea alloc] initWithRect:NSZeroRect
-                                                                options:NSTrackingMouseMoved
-                                                                  owner:owner
-                                                               userInfo:nil]];
-        }
     }
     ~SpyWidget() override { calls_.emplace_back("widget goes"); }
 
-    [[nodiscard]] std::uintptr_t view() const override { return addressOf(view_); }
     void fill(const Size& size) override {
-        calls_.push_back("fill " + std::to_string(static_cast<int>(size.width)) + " " +
-                         std::to_string(static_cast<int>(size.height)));
+        calls_.push_back("fill " + sizeText(size.width, size.height));
+        view_.frame = NSMakeRect(0, 0, size.width, size.height);
     }
     void setVisible(bool isVisible) override { calls_.emplace_back(isVisible ? "show" : "hide"); }
+    void movePointer(const Point& place) override { calls_.push_back("pointer at " + sizeText(place.x, place.y)); }
+    void removePointer() override { calls_.emplace_back("pointer goes"); }
 
 private:
+    static std::string sizeText(double first, double second) {
+        return std::to_string(static_cast<int>(first)) + " " + std::to_string(static_cast<int>(second));
+    }
+
     Calls& calls_;
-    NSView* view_;
+    ToolkitView* view_;
 };
 
 class MacPanelTest : public MacTest {
@@ -71,16 +96,13 @@ protected:
     MacPanelTest() {
         @autoreleasepool {
             panel = std::make_unique<MacPanel>(
-                [this](QWidget& /*widget*/, std::uintptr_t view) {
-                    return std::make_unique<SpyWidget>(calls, view, areaOwners);
-                },
+                [this](QWidget& /*widget*/, std::uintptr_t view) { return std::make_unique<SpyWidget>(calls, view); },
                 cornerRadius);
         }
     }
     void TearDown() override {
         @autoreleasepool {
             panel.reset();
-            areaOwners.clear();
         }
         MacTest::TearDown();
     }
@@ -95,7 +117,6 @@ protected:
     [[nodiscard]] QWidget* someWidget() { return reinterpret_cast<QWidget*>(&place_); }
 
     Calls calls;
-    std::vector<id> areaOwners;
     std::unique_ptr<MacPanel> panel;
 
 private:
@@ -157,30 +178,41 @@ TEST_F(MacPanelTest, TheContentIsTranslucentAndFillsThePanel) {
     }
 }
 
-TEST_F(MacPanelTest, ThePointerIsFollowedWhileAnotherApplicationIsActive) {
+TEST_F(MacPanelTest, TheWidgetHearsOfThePointerWhileAnotherApplicationIsActive) {
     @autoreleasepool {
         setContent(someWidget());
-        NSView* const view = window().contentView.subviews.firstObject;
-        ASSERT_EQ(view.trackingAreas.count, 1U);
-        NSTrackingArea* const area = view.trackingAreas.firstObject;
-        EXPECT_EQ(area.owner, view);
-        EXPECT_EQ(area.options, NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved | NSTrackingActiveAlways |
-                                    NSTrackingInVisibleRect);
+        panel->setFrame({-300, 120, 640, 300});
+        calls.clear();
+        NSView* const content = window().contentView;
+        [content pointerMovedTo:NSMakePoint(30, 290)];
+        [content pointerMovedTo:NSMakePoint(31, 200)];
+        EXPECT_THAT(calls, ElementsAre("pointer at 30 10", "pointer at 31 100"));
+        calls.clear();
+        [content pointerMovedTo:NSMakePoint(31, 301)];
+        EXPECT_THAT(calls, ElementsAre("pointer goes"));
         EXPECT_TRUE(window().acceptsMouseMovedEvents);
     }
 }
 
-TEST_F(MacPanelTest, MovesOfThePointerGoToWhomeverTheToolkitHasHandleThem) {
+TEST_F(MacPanelTest, TheToolkitFollowsThePointerByItselfWhileTheProgramIsActive) {
     @autoreleasepool {
-        NSResponder* const handler = [[NSResponder alloc] init];
-        // One that follows something else, one that has gone, and the one.
-        areaOwners = {[[NSObject alloc] init], nil, handler};
         setContent(someWidget());
-        NSView* const view = window().contentView.subviews.firstObject;
-        ASSERT_EQ(view.trackingAreas.count, 4U);
-        NSTrackingArea* const added = [view.trackingAreas objectAtIndex:3];
-        EXPECT_EQ(added.owner, handler);
-        EXPECT_TRUE((added.options & NSTrackingActiveAlways) != 0);
+        NSApplication.sharedApplication.active = YES;
+        [window().contentView pointerMovedTo:NSMakePoint(30, 90)];
+        [window().contentView pointerMovedTo:NSMakePoint(31, 90)];
+        EXPECT_THAT(calls, ElementsAre("the toolkit follows", "the toolkit follows"));
+    }
+}
+
+TEST_F(MacPanelTest, AWidgetThatHasGoneHearsNothingOfThePointer) {
+    @autoreleasepool {
+        setContent(someWidget());
+        NSView* const content = window().contentView;
+        panel.reset();
+        calls.clear();
+        [content pointerMovedTo:NSMakePoint(30, 90)];
+        EXPECT_EQ(content.trackingAreas.count, 0U);
+        EXPECT_THAT(calls, IsEmpty());
     }
 }
 
@@ -271,6 +303,21 @@ TEST_F(MacPanelTest, TheWidgetLeavesTheWindowBeforeTheWindowGoes) {
     }
 }
 
+/// What reaches a widget of the toolkit.
+class PointedWidget final : public QWidget {
+public:
+    Calls calls;
+
+protected:
+    void mouseMoveEvent(QMouseEvent* event) override {
+        const QPointF place = event->position();
+        calls.push_back("move " + std::to_string(place.x()).substr(0, 4) + " " +
+                        std::to_string(place.y()).substr(0, 4));
+        EXPECT_EQ(event->buttons(), Qt::NoButton);
+    }
+    void leaveEvent(QEvent* /*event*/) override { calls.emplace_back("leave"); }
+};
+
 class MacToolkitTest : public MacTest {
 protected:
     int argumentCount = 1;
@@ -287,7 +334,6 @@ TEST_F(MacToolkitTest, AWidgetInTheHostTakesItsSizeAndIsGivenBack) {
         const auto hosted = hostQtWidget(widget, 0);
         hosted->fill({.width = 640.4, .height = 188});
         EXPECT_EQ(widget.geometry(), QRect(0, 0, 641, 188));
-        EXPECT_NE(hosted->view(), 0U);
         EXPECT_FALSE(widget.isVisible());
         hosted->setVisible(true);
         EXPECT_TRUE(widget.isVisible());
@@ -296,6 +342,20 @@ TEST_F(MacToolkitTest, AWidgetInTheHostTakesItsSizeAndIsGivenBack) {
         EXPECT_TRUE(widget.windowFlags().testFlag(Qt::FramelessWindowHint));
     }
     EXPECT_FALSE(widget.isVisible());
+}
+
+TEST_F(MacToolkitTest, ThePointerReachesTheHostedWidget) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argumentCount, arguments);
+    PointedWidget widget;
+    widget.setMouseTracking(true);
+    const auto hosted = hostQtWidget(widget, 0);
+    hosted->fill({.width = 640, .height = 188});
+    hosted->setVisible(true);
+    widget.calls.clear();
+    hosted->movePointer({.x = 12.5, .y = 40});
+    hosted->removePointer();
+    EXPECT_THAT(widget.calls, ElementsAre("move 12.5 40.0", "leave"));
 }
 
 class MacWindowsTest : public MacTest {

@@ -80,6 +80,8 @@
 @interface NSView ()
 /// How often the view was told to lay out what is in it.
 @property(readonly) int layoutCount;
+/// The pointer moves to this place of the window: the tracking areas of this view, and of those in it, tell.
+- (void)pointerMovedTo:(NSPoint)place;
 @end
 
 @interface NSWindow ()
@@ -104,6 +106,7 @@
 @end
 
 @interface NSApplication ()
+@property(readwrite, getter=isActive) BOOL active;
 @property(readonly) std::vector<std::string> calls;
 @property(readonly) NSApplicationActivationPolicy policy;
 - (void)finishLaunching;

@@ -256,6 +256,7 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     NSImage* _applicationIconImage;
 }
 @synthesize delegate = _delegate;
+@synthesize active = _active;
 + (NSApplication*)sharedApplication {
     if (state.application == nil) {
         state.application = [[NSApplication alloc] init];

@@ -14,6 +14,9 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 - (void)mouseUp:(NSEvent*)event {
     static_cast<void>(event);
 }
+- (void)mouseEntered:(NSEvent*)event {
+    static_cast<void>(event);
+}
 - (void)mouseMoved:(NSEvent*)event {
     static_cast<void>(event);
 }
@@ -52,6 +55,7 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 @implementation NSView {
     std::vector<NSView*> _subviews;
     std::vector<NSTrackingArea*> _trackingAreas;
+    std::vector<NSTrackingArea*> _areasWithPointer;
     NSRect _frame;
     NSString* _accessibilityLabel;
 }
@@ -119,6 +123,32 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 }
 - (NSArray*)trackingAreas {
     return [NSArray arrayWithObjects:_trackingAreas.data() count:_trackingAreas.size()];
+}
+- (void)pointerMovedTo:(NSPoint)place {
+    NSEvent* const event = [NSEvent eventAt:place];
+    const auto areas = _trackingAreas;
+    for (NSTrackingArea* area : areas) {
+        const bool isHeard = (area.options & NSTrackingActiveAlways) != 0 || NSApplication.sharedApplication.active;
+        const NSRect rect = (area.options & NSTrackingInVisibleRect) != 0 ? self.bounds : area.rect;
+        const bool isInside = NSPointInRect([self convertPoint:place fromView:nil], rect);
+        const bool wasInside = std::erase(_areasWithPointer, area) > 0;
+        if (isInside) {
+            _areasWithPointer.push_back(area);
+        }
+        if (!isHeard) {
+            continue;
+        }
+        const bool wantsCrossings = (area.options & NSTrackingMouseEnteredAndExited) != 0;
+        if (isInside != wasInside && wantsCrossings) {
+            isInside ? [area.owner mouseEntered:event] : [area.owner mouseExited:event];
+        } else if (isInside && (area.options & NSTrackingMouseMoved) != 0) {
+            [area.owner mouseMoved:event];
+        }
+    }
+    const auto subviews = _subviews;
+    for (NSView* view : subviews) {
+        [view pointerMovedTo:place];
+    }
 }
 - (BOOL)isAccessibilityElement {
     return NO;

@@ -20,6 +20,7 @@ NS_ASSUME_NONNULL_BEGIN
 @interface NSApplication : NSResponder
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
+@property(readonly, getter=isActive) BOOL active;
 @property(readonly, copy) NSArray<NSWindow*>* windows;
 @property(null_resettable, strong) NSImage* applicationIconImage;
 - (NSApplicationActivationPolicy)activationPolicy;

@@ -9,6 +9,7 @@ NS_ASSUME_NONNULL_BEGIN
 @interface NSResponder : NSObject
 - (instancetype)init NS_DESIGNATED_INITIALIZER;
 - (void)mouseUp:(NSEvent*)event;
+- (void)mouseEntered:(NSEvent*)event;
 - (void)mouseMoved:(NSEvent*)event;
 - (void)mouseExited:(NSEvent*)event;
 @end
