@@ -11,6 +11,16 @@ class QWidget;
 
 namespace ferrowyn {
 
+/// What the panel's content draws behind everything else.
+enum class PanelBackground {
+    /// A colour, to the square corners: nothing blends the panel with what is behind it.
+    opaque,
+    /// A colour that lets a little of what is behind the panel through, with round corners. Needs a compositor.
+    translucent,
+    /// Nothing: the host has a material of the desktop behind the content, with the same round corners.
+    material,
+};
+
 /// What the panel shows. Made by the user interface, hosted by the adapter. Main thread.
 class PanelContent {
 public:
@@ -24,9 +34,8 @@ public:
     /// shown, so that the very first frame is right.
     virtual void synchronize() = 0;
 
-    /// Whether a compositor blends the panel with what is behind it: translucent with round corners, else opaque with
-    /// square ones. Opaque at first. The host says so whenever it changes.
-    virtual void setTranslucent(bool isTranslucent) = 0;
+    /// Opaque at first. The host says so whenever it changes.
+    virtual void setBackground(PanelBackground background) = 0;
 
     /// Draws into the whole image, at the image's device pixel ratio, what the widget would show in its first frame if
     /// a session began now. Changes nothing else; nothing is drawn where `widget` is null.

@@ -190,15 +190,22 @@ void SwitcherView::resizeEvent(QResizeEvent* /*event*/) {
     scrollToSelection(scrollAnimation_.state() == QAbstractAnimation::Running);
 }
 
-void SwitcherView::setTranslucent(bool isTranslucent) {
-    if (theme_.isTranslucent != isTranslucent) {
-        theme_ = Theme::fromPalette(palette(), isTranslucent);
+void SwitcherView::setBackground(PanelBackground background) {
+    if (std::exchange(background_, background) != background) {
+        loadTheme();
         update();
     }
 }
 
+void SwitcherView::loadTheme() {
+    theme_ = Theme::fromPalette(palette(), background_ != PanelBackground::opaque);
+    if (background_ == PanelBackground::material) {
+        theme_.background.setAlpha(0);
+    }
+}
+
 void SwitcherView::reloadTheme() {
-    theme_ = Theme::fromPalette(palette(), theme_.isTranslucent);
+    loadTheme();
     lines_.clear();
     // Whatever was drawn ahead has the old colours and fonts.
     preview_.reset();

@@ -37,7 +37,7 @@ public:
 
     [[nodiscard]] QWidget* widget() override { return this; }
     void synchronize() override;
-    void setTranslucent(bool isTranslucent) override;
+    void setBackground(PanelBackground background) override;
     void renderPreview(QImage& target) override;
     [[nodiscard]] bool matchesPreview() const override;
 
@@ -93,6 +93,7 @@ private:
     void applyModel();
     void resetTransientState();
     void updateGeometry();
+    void loadTheme();
     void reloadTheme();
     [[nodiscard]] PanelScene scene() const;
     /// What a session's first frame shows of these rows: everything at rest.
@@ -112,6 +113,7 @@ private:
     const TextTable& texts_;
     SwitcherContentCallbacks callbacks_;
 
+    PanelBackground background_ = PanelBackground::opaque;
     Theme theme_;
     TextLines lines_;
     SymbolImages symbols_;

@@ -13,7 +13,7 @@ class StubPanelContent final : public PanelContent {
 public:
     [[nodiscard]] QWidget* widget() override { return nullptr; }
     void synchronize() override {}
-    void setTranslucent(bool) override {}
+    void setBackground(PanelBackground) override {}
     void renderPreview(QImage&) override {}
     [[nodiscard]] bool matchesPreview() const override { return false; }
 };

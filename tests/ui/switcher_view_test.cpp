@@ -378,13 +378,31 @@ TEST_F(SwitcherViewTest, NewColoursOutdateThePreviewAndAskForAnother) {
 
 TEST_F(SwitcherViewTest, CornersAreRoundOnlyWhenACompositorBlendsThem) {
     EXPECT_EQ(picture().pixelColor(0, 0).alpha(), 255);
-    view.setTranslucent(true);
+    view.setBackground(PanelBackground::translucent);
     QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     view.render(&image, {}, {}, QWidget::RenderFlags());
     EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
     EXPECT_GT(image.pixelColor(320, 3).alpha(), 230);
     EXPECT_LT(image.pixelColor(320, 3).alpha(), 255);
+}
+
+TEST_F(SwitcherViewTest, NothingIsDrawnOverAMaterialOfTheDesktopButTheContent) {
+    view.setBackground(PanelBackground::material);
+    QPalette dark = view.palette();
+    dark.setColor(QPalette::Window, Qt::black);
+    for (const bool isDark : {false, true}) {
+        if (isDark) {
+            view.setPalette(dark);
+        }
+        QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::red);
+        view.render(&image, {}, {}, QWidget::RenderFlags());
+        EXPECT_EQ(image.pixelColor(320, 3).alpha(), 0) << (isDark ? "dark" : "light");
+        EXPECT_EQ(image.pixelColor(3, image.height() / 2).alpha(), 0);
+        const Rect selected = view.rowRect(1);
+        EXPECT_EQ(image.pixelColor(320, static_cast<int>(selected.y) + 4), view.theme().selection);
+    }
 }
 
 TEST_F(SwitcherViewTest, MatchedCharactersStandOut) {

@@ -70,7 +70,9 @@ public:
             widget_.update();
         }
     }
-    void setTranslucent(bool translucent) override { isTranslucent = translucent; }
+    void setBackground(PanelBackground background) override {
+        isTranslucent = background == PanelBackground::translucent;
+    }
     void renderPreview(QImage& target) override {
         TestWidget picture;
         picture.ground = model;

@@ -97,7 +97,7 @@ MacPanel::~MacPanel() {
 
 void MacPanel::setContent(std::unique_ptr<PanelContent> content) {
     content_ = std::move(content);
-    content_->setTranslucent(true);
+    content_->setBackground(PanelBackground::material);
     if (content_->widget() == nullptr) {
         return;
     }

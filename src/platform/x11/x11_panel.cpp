@@ -113,7 +113,7 @@ void X11Panel::makeWindow() {
     }
     finishHiding();
     const bool isTranslucent = compositor_.isRunning();
-    content_->setTranslucent(isTranslucent);
+    content_->setBackground(isTranslucent ? PanelBackground::translucent : PanelBackground::opaque);
     const auto previous = std::exchange(
         window_, std::make_unique<X11PanelWindow>(isTranslucent, *content_->widget(),
                                                   [this](int x, int y, std::optional<std::uint32_t> pressTime) {

@@ -54,7 +54,9 @@ public:
 
     QWidget* widget() override { return widget_; }
     void synchronize() override { calls_.emplace_back("synchronize"); }
-    void setTranslucent(bool isTranslucent) override { calls_.emplace_back(isTranslucent ? "translucent" : "opaque"); }
+    void setBackground(PanelBackground background) override {
+        calls_.emplace_back(background == PanelBackground::material ? "draws no background" : "hides the material");
+    }
     void renderPreview(QImage& /*target*/) override { calls_.emplace_back("renderPreview"); }
     [[nodiscard]] bool matchesPreview() const override { return false; }
 
@@ -170,10 +172,10 @@ TEST_F(MacPanelTest, TheMaterialBehindTheContentIsAlwaysActiveAndRound) {
     }
 }
 
-TEST_F(MacPanelTest, TheContentIsTranslucentAndFillsThePanel) {
+TEST_F(MacPanelTest, TheContentLetsTheMaterialShowAndFillsThePanel) {
     @autoreleasepool {
         panel->setContent(std::make_unique<SpyContent>(calls, someWidget()));
-        EXPECT_THAT(calls, ElementsAre("translucent", "fill 640 200"));
+        EXPECT_THAT(calls, ElementsAre("draws no background", "fill 640 200"));
         EXPECT_EQ(window().contentView.subviews.count, 1U);
     }
 }

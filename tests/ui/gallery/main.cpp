@@ -90,7 +90,7 @@ QImage photograph(const Shot& shot, bool isTimed) {
     model.viewModel.beginSession(false);
     SwitcherView view(model.viewModel, model.preferences, ferrowyn::linuxTexts(), {});
     view.setPalette(palette(shot.scheme));
-    view.setTranslucent(shot.isTranslucent);
+    view.setBackground(shot.isTranslucent ? ferrowyn::PanelBackground::translucent : ferrowyn::PanelBackground::opaque);
     shot.arrange(model);
     const QSize size(model.preferences.layout.get() == SwitcherLayout::grid ? 760 : 640,
                      static_cast<int>(panelHeight(model)));
