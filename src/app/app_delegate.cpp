@@ -30,6 +30,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (services_->authorizer().status().get() == AccessibilityStatus::notTrusted) {
         welcomeWithoutTrust();
     }
+    showAwaitedSettings();
 }
 
 void AppDelegate::makeWindows() {
@@ -143,6 +144,20 @@ void AppDelegate::closeOnboarding() {
 void AppDelegate::showSettings() {
     if (settings_) {
         settings_->show();
+        return;
+    }
+    if (!progress_) {
+        progress_ = userInterface_.makeProgressWindow({.title = {platform_.texts.windows.settingsWindowTitle, {}}});
+    }
+    progress_->show();
+}
+
+void AppDelegate::showAwaitedSettings() {
+    if (progress_) {
+        // First the window that stays, so that the program does not leave the running applications in between.
+        settings_->show();
+        progress_->close();
+        progress_.reset();
     }
 }
 

@@ -24,7 +24,7 @@ public:
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
-    /// Once. Nothing below has an effect before it.
+    /// Once. Before it, settings that are asked for show that they are on their way; nothing else below has an effect.
     void applicationDidFinishLaunching();
     /// The user opens the program while it runs. The answer is whether the desktop may do what it does then, too.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
@@ -48,6 +48,7 @@ private:
     void showOnboarding();
     void closeOnboarding();
     void showSettings();
+    void showAwaitedSettings();
     void showAbout();
     void closeAbout();
 
@@ -57,6 +58,8 @@ private:
     std::unique_ptr<OnDemandWindow> onboarding_;
     std::unique_ptr<OnDemandWindow> settings_;
     std::unique_ptr<OnDemandWindow> about_;
+    /// In the place of the settings that were asked for before the launch.
+    std::unique_ptr<OnDemandWindow> progress_;
     std::unique_ptr<StatusItem> statusItem_;
     std::unique_ptr<StatusItemController> statusItemController_;
     Subscription firstWindowList_;

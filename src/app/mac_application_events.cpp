@@ -1,6 +1,11 @@
 #include "app/mac_application_events.h"
 
+#include <string_view>
+
 #include "app/app_delegate.h"
+#include "app/program_request.h"
+#include "app/user_interface.h"
+#include "core/text_table.h"
 
 namespace ferrowyn {
 
@@ -21,6 +26,18 @@ MacApplicationEvents passingOnTo(AppDelegate* const& delegate) {
                         delegate->applicationWillTerminate();
                     }
                 }};
+}
+
+std::unique_ptr<MacApplicationMenu> makeApplicationMenu(UserInterface& userInterface, const TextTable& texts,
+                                                        AppDelegate* const& delegate) {
+    const auto say = [&](std::string_view text) { return userInterface.translated({text, {}}); };
+    return std::make_unique<MacApplicationMenu>(
+        MacApplicationMenuTitles{.settings = say(texts.statusItem.settings), .quit = say(texts.statusItem.quit)},
+        [&delegate] {
+            if (delegate != nullptr) {
+                delegate->perform(ProgramRequest::openSettings);
+            }
+        });
 }
 
 }  // namespace ferrowyn

@@ -73,6 +73,8 @@ int runOnMacOS(const CommandLine& line, int& argumentCount, char** arguments) {
         platform, [] { return std::make_unique<MacStatusItem>(); }, nullptr, configureUtilityWindow);
     AppDelegate delegate(platform, userInterface);
     told = &delegate;
+    // After the toolkit's own application object, which brings a menu of its own.
+    const auto applicationMenu = makeApplicationMenu(userInterface, platform.texts, told);
     // The system tells of the launch when the loop begins. Whatever becomes of that between it and the toolkit, the
     // program must not sit there without a sign of itself.
     platform.mainLoop.post(events.onDidFinishLaunching);

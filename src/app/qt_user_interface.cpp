@@ -7,6 +7,7 @@
 #include "platform/platform.h"
 #include "ui/about_view.h"
 #include "ui/onboarding_view.h"
+#include "ui/progress_view.h"
 #include "ui/settings_view.h"
 #include "ui/switcher_content.h"
 #include "ui/translated.h"
@@ -68,6 +69,11 @@ std::unique_ptr<OnDemandWindow> QtUserInterface::makeSettingsWindow(const Window
                                                                              .updates = services.updates(),
                                                                              .icons = services.iconProvider()});
         });
+}
+
+std::unique_ptr<OnDemandWindow> QtUserInterface::makeProgressWindow(const WindowOptions& options) {
+    return std::make_unique<HostedWindow>(platform_.application, options, configureWindow_,
+                                          [] { return std::make_unique<ProgressView>(); });
 }
 
 std::unique_ptr<OnDemandWindow> QtUserInterface::makeAboutWindow(const WindowOptions& options,

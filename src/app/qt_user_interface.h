@@ -32,6 +32,7 @@ public:
                                                                        std::function<void()> onDone) override;
     [[nodiscard]] std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& options,
                                                                      AppServices& services) override;
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeProgressWindow(const WindowOptions& options) override;
     [[nodiscard]] std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
                                                                   std::function<void()> onClose) override;
     [[nodiscard]] std::unique_ptr<StatusItem> makeStatusItem() override { return makeStatusItem_(); }

@@ -31,6 +31,8 @@ public:
                                                                                std::function<void()> onDone) = 0;
     [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& options,
                                                                              AppServices& services) = 0;
+    /// Stands for the settings window as long as there are no services.
+    [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeProgressWindow(const WindowOptions& options) = 0;
     [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
                                                                           std::function<void()> onClose) = 0;
     [[nodiscard]] virtual std::unique_ptr<StatusItem> makeStatusItem() = 0;

@@ -39,6 +39,9 @@ public:
                                                                      AppServices& /*services*/) override {
         return make(options, "settings");
     }
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeProgressWindow(const WindowOptions& options) override {
+        return make(options, "progress");
+    }
     [[nodiscard]] std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
                                                                   std::function<void()> onClose) override {
         aboutClosed = std::move(onClose);
@@ -174,10 +177,20 @@ TEST_F(AppDelegateTest, OpeningItAgainShowsTheSetupWindowWhetherTrustedOrNot) {
     EXPECT_THAT(interface.takeSteps(), ElementsAre("show setup"));
 }
 
-TEST_F(AppDelegateTest, BeforeTheLaunchNothingIsDone) {
+TEST_F(AppDelegateTest, SettingsThatAreAskedForBeforeTheLaunchShowProgressUntilThereAreServices) {
+    delegate->perform(ProgramRequest::openSettings);
+    delegate->perform(ProgramRequest::openSettings);
+    EXPECT_THAT(interface.takeSteps(), ElementsAre("make \"Ferrowyn Settings\"", "show progress", "show progress"));
+    EXPECT_EQ(delegate->services(), nullptr);
+    delegate->applicationDidFinishLaunching();
+    EXPECT_THAT(interface.takeSteps(), testing::IsSupersetOf({"show settings", "close progress"}));
+    delegate->perform(ProgramRequest::openSettings);
+    EXPECT_THAT(interface.takeSteps(), ElementsAre("show settings"));
+}
+
+TEST_F(AppDelegateTest, BeforeTheLaunchNothingElseIsDone) {
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
     delegate->perform(ProgramRequest::openSetup);
-    delegate->perform(ProgramRequest::openSettings);
     delegate->perform(ProgramRequest::openSwitcher);
     EXPECT_FALSE(
         delegate->showSettingsPage("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));

@@ -6,11 +6,13 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QProgressBar>
 #include <QScreen>
 #include <QWindow>
 #include <cstdlib>
 
 #include "platform/simulated/simulated_application.h"
+#include "ui/progress_view.h"
 
 namespace ferrowyn {
 namespace {
@@ -40,6 +42,20 @@ TEST_F(UtilityWindowControllerTest, NothingIsMadeBeforeTheFirstShow) {
     EXPECT_EQ(controller.window(), nullptr);
     EXPECT_EQ(builds, 0);
     EXPECT_THAT(application.policies, IsEmpty());
+}
+
+TEST_F(UtilityWindowControllerTest, ProgressWithoutAnEndStandsInTheMiddleOfItsWindow) {
+    UtilityWindowController controller(application, Phrase{"Ferrowyn Settings", {}}, false,
+                                       [] { return std::make_unique<ProgressView>(); });
+    controller.show();
+    processEvents();
+    EXPECT_EQ(controller.window()->size(), QSize(460, 120));
+    const auto bars = controller.window()->findChildren<QProgressBar*>();
+    ASSERT_EQ(bars.size(), 1);
+    EXPECT_EQ(bars[0]->minimum(), bars[0]->maximum());
+    const QRect place(bars[0]->mapTo(controller.window(), QPoint(0, 0)), bars[0]->size());
+    EXPECT_NEAR(place.center().x(), 230, 1);
+    EXPECT_NEAR(place.center().y(), 60, 1);
 }
 
 TEST_F(UtilityWindowControllerTest, ShowingMakesTheProgramRegularAndActive) {

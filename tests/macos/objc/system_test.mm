@@ -3,6 +3,7 @@
 #include "platform/macos/mac_accessibility_notifications.h"
 #include "platform/macos/mac_application.h"
 #include "platform/macos/mac_application_delegate.h"
+#include "platform/macos/mac_application_menu.h"
 #include "platform/macos/mac_background_work.h"
 #include "platform/macos/mac_log.h"
 #include "platform/macos/mac_login_item.h"
@@ -29,6 +30,38 @@ public:
         }
     }
 };
+
+TEST_F(MacSystemTest, TheApplicationsMenuHasTheSettingsAndTheEnd) {
+    @autoreleasepool {
+        NSApplication* const application = NSApplication.sharedApplication;
+        int opened = 0;
+        {
+            const MacApplicationMenu menu({.settings = "Einstellungen …", .quit = "Ferrowyn beenden"},
+                                          [&] { ++opened; });
+            ASSERT_EQ(application.mainMenu.itemArray.count, 1U);
+            NSMenu* const rows = application.mainMenu.itemArray.firstObject.submenu;
+            ASSERT_EQ(rows.itemArray.count, 3U);
+            NSMenuItem* const settings = rows.itemArray.firstObject;
+            EXPECT_EQ(text(settings.title), "Einstellungen …");
+            EXPECT_EQ(text(settings.keyEquivalent), ",");
+            EXPECT_TRUE([rows choose:settings]);
+            EXPECT_EQ(opened, 1);
+            EXPECT_TRUE([rows.itemArray objectAtIndex:1].separatorItem);
+            NSMenuItem* const quit = [rows.itemArray objectAtIndex:2];
+            EXPECT_EQ(text(quit.title), "Ferrowyn beenden");
+            EXPECT_EQ(text(quit.keyEquivalent), "q");
+            EXPECT_TRUE([rows choose:quit]);
+            EXPECT_THAT(application.calls, ElementsAre("terminate"));
+        }
+        EXPECT_EQ(application.mainMenu, nil);
+        NSMenu* const another = [[NSMenu alloc] initWithTitle:@""];
+        {
+            const MacApplicationMenu menu({}, [] {});
+            application.mainMenu = another;
+        }
+        EXPECT_EQ(application.mainMenu, another) << "which is not this one's to take away";
+    }
+}
 
 TEST_F(MacSystemTest, AWorkersTaskLeavesNothingBehind) {
     PromptWorkers workers;

@@ -77,6 +77,28 @@ TEST_F(LaunchOnMacTest, OpeningTheProgramAgainShowsTheSetupWindow) {
     }
 }
 
+TEST_F(LaunchOnMacTest, TheApplicationsMenuOpensTheSettings) {
+    @autoreleasepool {
+        launch();
+        NSMenuItem* const settings = applicationMenu().itemArray.firstObject;
+        EXPECT_EQ(text(settings.title), "Settings…");
+        EXPECT_TRUE([applicationMenu() choose:settings]);
+        EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings"));
+        program->told = nullptr;
+        EXPECT_TRUE([applicationMenu() choose:settings]);
+        EXPECT_THAT(interface().takeSteps(), IsEmpty());
+    }
+}
+
+TEST_F(LaunchOnMacTest, SettingsThatAreAskedForBeforeTheLaunchShowProgressUntilThen) {
+    @autoreleasepool {
+        EXPECT_TRUE([applicationMenu() choose:applicationMenu().itemArray.firstObject]);
+        EXPECT_THAT(interface().takeSteps(), ElementsAre("show progress"));
+        launch();
+        EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings", "close progress"));
+    }
+}
+
 TEST_F(LaunchOnMacTest, TheEndGivesTheKeyboardBackHoweverOftenItIsTold) {
     @autoreleasepool {
         launch();

@@ -9,6 +9,7 @@
 #include "app/app_delegate.h"
 #include "app/app_services.h"
 #include "platform/macos/mac_application_delegate.h"
+#include "platform/macos/mac_application_menu.h"
 #include "platform/macos/mac_log.h"
 #include "platform/macos/mac_platform.h"
 #include "platform/simulated/simulated_desktop.h"
@@ -62,6 +63,8 @@ protected:
     bool choose(const std::string& title);
     [[nodiscard]] static std::string buttonSymbol();
     [[nodiscard]] static std::string buttonTooltip();
+    /// The rows of the menu under the application's name.
+    [[nodiscard]] static NSMenu* applicationMenu();
     /// What the header says below the program's name.
     [[nodiscard]] static std::string headerSubtitle();
 
@@ -83,6 +86,7 @@ protected:
         MacPlatform adapter;
         StubUserInterface interface;
         AppDelegate delegate;
+        std::unique_ptr<MacApplicationMenu> applicationMenu;
     };
     std::unique_ptr<SimulatedDesktop> toolkit = std::make_unique<SimulatedDesktop>();
     std::unique_ptr<Program> program;

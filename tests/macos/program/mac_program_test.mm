@@ -28,7 +28,8 @@ MacProgramTest::Program::Program(const Platform& toolkit)
                .log = log,
                .hostWidget = hostNothing,
                .panelCornerRadius = 14}),
-      delegate(adapter.platform(), interface) {
+      delegate(adapter.platform(), interface),
+      applicationMenu(makeApplicationMenu(interface, adapter.platform().texts, told)) {
     told = &delegate;
 }
 
@@ -191,6 +192,10 @@ std::string MacProgramTest::buttonSymbol() {
 
 std::string MacProgramTest::buttonTooltip() {
     return text([NSStatusBar onlyItem].button.toolTip);
+}
+
+NSMenu* MacProgramTest::applicationMenu() {
+    return NSApplication.sharedApplication.mainMenu.itemArray.firstObject.submenu;
 }
 
 std::string MacProgramTest::headerSubtitle() {

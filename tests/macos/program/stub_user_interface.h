@@ -25,6 +25,9 @@ public:
                                                                      AppServices& /*services*/) override {
         return std::make_unique<Window>(steps, "settings");
     }
+    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeProgressWindow(const WindowOptions& /*options*/) override {
+        return std::make_unique<Window>(steps, "progress");
+    }
     [[nodiscard]] std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
                                                                   std::function<void()> /*onClose*/) override {
         return std::make_unique<Window>(steps, options.title.untranslated());

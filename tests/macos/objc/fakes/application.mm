@@ -257,6 +257,7 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
 }
 @synthesize delegate = _delegate;
 @synthesize active = _active;
+@synthesize mainMenu = _mainMenu;
 + (NSApplication*)sharedApplication {
     if (state.application == nil) {
         state.application = [[NSApplication alloc] init];

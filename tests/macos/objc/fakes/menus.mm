@@ -36,6 +36,7 @@ void send(id target, SEL action, id sender) {
 @synthesize attributedTitle = _attributedTitle;
 @synthesize separatorItem = _separatorItem;
 @synthesize keyEquivalent = _keyEquivalent;
+@synthesize submenu = _submenu;
 @synthesize image = _image;
 @synthesize state = _state;
 @synthesize enabled = _enabled;

@@ -9,6 +9,7 @@
 NS_ASSUME_NONNULL_BEGIN
 
 @class NSApplication;
+@class NSMenu;
 
 @protocol NSApplicationDelegate <NSObject>
 @optional
@@ -22,6 +23,7 @@ NS_ASSUME_NONNULL_BEGIN
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
 @property(readonly, getter=isActive) BOOL active;
 @property(readonly, copy) NSArray<NSWindow*>* windows;
+@property(nullable, strong) NSMenu* mainMenu;
 @property(null_resettable, strong) NSImage* applicationIconImage;
 - (NSApplicationActivationPolicy)activationPolicy;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;

@@ -40,6 +40,7 @@ static const NSControlStateValue NSControlStateValueOn = 1;
 @property(nullable, copy) NSAttributedString* attributedTitle;
 @property(readonly, getter=isSeparatorItem) BOOL separatorItem;
 @property(copy) NSString* keyEquivalent;
+@property(nullable, strong) NSMenu* submenu;
 @property(nullable, strong) NSImage* image;
 @property NSControlStateValue state;
 @property(getter=isEnabled) BOOL enabled;
