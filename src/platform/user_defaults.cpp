@@ -1,6 +1,8 @@
 #include "platform/user_defaults.h"
 
 #include <charconv>
+#include <cmath>
+#include <limits>
 #include <locale>
 #include <sstream>
 
@@ -8,10 +10,30 @@ namespace ferrowyn {
 
 namespace {
 
+using IntegerLimits = std::numeric_limits<std::int64_t>;
+
 std::int64_t parsedInteger(const std::string& text) {
     std::int64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc{} && end == text.data() + text.size() ? number : 0;
+    if (end != text.data() + text.size()) {
+        return 0;
+    }
+    if (error == std::errc::result_out_of_range) {
+        return text.starts_with('-') ? IntegerLimits::min() : IntegerLimits::max();
+    }
+    return error == std::errc{} ? number : 0;
+}
+
+std::int64_t nearestInteger(double real) {
+    // The largest integer is no real number; this is the next above it. Nothing between them is one either.
+    constexpr double beyondLargest = 0x1p63;
+    if (std::isnan(real)) {
+        return 0;
+    }
+    if (real >= beyondLargest) {
+        return IntegerLimits::max();
+    }
+    return real < -beyondLargest ? IntegerLimits::min() : static_cast<std::int64_t>(real);
 }
 
 /// Not from_chars, which the C++ library of macOS has for whole numbers only.
@@ -44,6 +66,9 @@ bool UserDefaults::boolean(std::string_view key) const {
     if (const auto* number = std::get_if<std::int64_t>(&*stored)) {
         return *number != 0;
     }
+    if (const auto* real = std::get_if<double>(&*stored)) {
+        return *real != 0 && !std::isnan(*real);
+    }
     if (const auto* text = std::get_if<std::string>(&*stored)) {
         return *text == "true" || *text == "YES" || *text == "yes" || *text == "1";
     }
@@ -59,7 +84,7 @@ std::int64_t UserDefaults::integer(std::string_view key) const {
         return *number;
     }
     if (const auto* real = std::get_if<double>(&*stored)) {
-        return static_cast<std::int64_t>(*real);
+        return nearestInteger(*real);
     }
     if (const auto* flag = std::get_if<bool>(&*stored)) {
         return *flag ? 1 : 0;

@@ -25,7 +25,9 @@ public:
     /// Stores the value: later reads see it at once, and it is on its way to the disk when this returns.
     virtual void set(std::string_view key, DefaultsValue value) = 0;
 
-    /// The typed reads take what can be read as their type and answer with the type's zero (or nothing) otherwise.
+    /// The typed reads take what can be read as their type and answer with the type's zero (or nothing) otherwise. A
+    /// real is cut to an integer towards zero, a number beyond the integers to the last of them on its side; any number
+    /// but zero is true.
     [[nodiscard]] std::optional<std::string> string(std::string_view key) const;
     [[nodiscard]] bool boolean(std::string_view key) const;
     [[nodiscard]] std::int64_t integer(std::string_view key) const;

@@ -1,5 +1,8 @@
 #include "services/preferences.h"
 
+#include <cstdint>
+#include <limits>
+
 #include "platform/simulated/simulated_desktop.h"
 
 namespace ferrowyn {
@@ -72,6 +75,32 @@ TEST_F(PreferencesTest, ClampsTheRowLimitWhenReadingAndLeavesTheStoreAlone) {
         const Preferences preferences(defaults);
         EXPECT_EQ(preferences.maximumVisibleRows.get(), read);
         EXPECT_EQ(defaults.integer("switcher.maximumVisibleRows"), stored);
+    }
+}
+
+TEST_F(PreferencesTest, ClampsWhateverNumberOrTextTheRowLimitIs) {
+    const auto limitOf = [this](DefaultsValue stored) {
+        defaults.set("switcher.maximumVisibleRows", std::move(stored));
+        return Preferences(defaults).maximumVisibleRows.get();
+    };
+    using Limits = std::numeric_limits<double>;
+    EXPECT_EQ(limitOf(7.9), 7);
+    for (const auto& huge :
+         std::vector<DefaultsValue>{1e300, Limits::infinity(), std::int64_t{5'000'000'000},
+                                    std::numeric_limits<std::int64_t>::max(), "1000000000000000000000"}) {
+        EXPECT_EQ(limitOf(huge), 16) << huge.index();
+    }
+    for (const auto& small : std::vector<DefaultsValue>{-1e300, -Limits::infinity(), Limits::quiet_NaN(), -7.5,
+                                                        std::numeric_limits<std::int64_t>::min(), "twelve", ""}) {
+        EXPECT_EQ(limitOf(small), 4) << small.index();
+    }
+}
+
+TEST_F(PreferencesTest, AFlagThatIsStoredAsANumberIsSetUnlessItIsZero) {
+    for (const auto& [stored, read] : std::vector<std::pair<DefaultsValue, bool>>{
+             {1.0, true}, {0.0, false}, {std::int64_t{1}, true}, {std::int64_t{0}, false}, {"on", false}}) {
+        defaults.set("switcher.includeMinimized", stored);
+        EXPECT_EQ(Preferences(defaults).includeMinimized.get(), read) << stored.index();
     }
 }
 
