@@ -104,17 +104,13 @@ void AppServices::handleTapFailure(HotKeyMonitor::Failure failure) {
 }
 
 void AppServices::followTrust() {
-    trustSubscription_ = authorizer_.status().subscribe(
-        [this, last = std::optional<AccessibilityStatus>()](AccessibilityStatus status) mutable {
-            if (std::exchange(last, status) == status) {
-                return;
-            }
-            if (status == AccessibilityStatus::trusted) {
-                activate();
-            } else {
-                suspend();
-            }
-        });
+    trustSubscription_ = authorizer_.status().subscribeToDistinct([this](AccessibilityStatus status) {
+        if (status == AccessibilityStatus::trusted) {
+            activate();
+        } else {
+            suspend();
+        }
+    });
 }
 
 void AppServices::activate() {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "core/subject.h"
@@ -53,6 +54,16 @@ public:
         const std::shared_ptr<const Value> delivered = value_;
         handler(*delivered);
         return subject_.subscribe(std::move(handler));
+    }
+
+    /// Delivers the current value at once, and every later one that differs from the one delivered before it.
+    [[nodiscard]] Subscription subscribeToDistinct(Handler handler) const {
+        return subscribe([handler = std::move(handler), last = std::optional<Value>()](const Value& value) mutable {
+            if (last != value) {
+                last = value;
+                handler(value);
+            }
+        });
     }
 
     /// Delivers later values only.

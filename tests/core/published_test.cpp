@@ -25,6 +25,30 @@ TEST(Published, DeliversTheCurrentValueAndEveryLaterOne) {
     EXPECT_THAT(seen, ElementsAre(1, 2, 2));
 }
 
+TEST(Published, ASubscriberToDistinctValuesIsNotToldOneTwiceInARow) {
+    Published<int> published(1);
+    std::vector<int> seen;
+    const auto token = published.subscribeToDistinct([&](int value) { seen.push_back(value); });
+    for (const int value : {1, 2, 2, 1, 1, 1, 2}) {
+        published.set(value);
+    }
+    EXPECT_THAT(seen, ElementsAre(1, 2, 1, 2));
+}
+
+TEST(Published, ASubscriberToDistinctValuesMayAssignWhileItIsTold) {
+    Published<int> published(1);
+    std::vector<int> seen;
+    const auto token = published.subscribeToDistinct([&](int value) {
+        seen.push_back(value);
+        if (value == 2) {
+            published.set(3);
+        }
+    });
+    published.set(2);
+    published.set(3);
+    EXPECT_THAT(seen, ElementsAre(1, 2, 3));
+}
+
 TEST(Published, ASubscriberToChangesSkipsTheCurrentValue) {
     Published<int> published(1);
     std::vector<int> seen;
