@@ -49,6 +49,7 @@ public:
     }
     [[nodiscard]] std::unique_ptr<StatusItem> makeStatusItem() override {
         steps.emplace_back("make status item");
+        whileTheStatusItemIsMade();
         auto made = std::make_unique<SimulatedStatusItem>();
         statusItem = made.get();
         return made;
@@ -56,6 +57,8 @@ public:
 
     std::vector<std::string> takeSteps() { return std::exchange(steps, {}); }
 
+    /// For a desktop on which it takes time to make a status item.
+    std::function<void()> whileTheStatusItemIsMade = [] {};
     std::vector<std::string> steps;
     SwitcherContentCallbacks content;
     std::function<void()> onboardingDone;
@@ -153,6 +156,17 @@ TEST_F(AppDelegateTest, TrustGrantedLaterActivatesWithinASecondOfTheLaunch) {
     desktop.advance(1s);
     EXPECT_TRUE(delegate->services()->isActive());
     EXPECT_EQ(interface.statusItem->button.tooltip, "Ferrowyn");
+}
+
+TEST_F(AppDelegateTest, AtTheFirstRunTheNextLookAtTheTrustIsAWholeSecondAfterThePrompt) {
+    desktop.setTrusted(false);
+    interface.whileTheStatusItemIsMade = [this] { desktop.advance(0.6s); };
+    delegate->applicationDidFinishLaunching();
+    desktop.setTrusted(true);
+    desktop.advance(0.999s);
+    EXPECT_FALSE(delegate->services()->isActive()) << "not a second after the start";
+    desktop.advance(0.001s);
+    EXPECT_TRUE(delegate->services()->isActive());
 }
 
 TEST_F(AppDelegateTest, TheAboutWindowIsNamedAfterTheBundleIfItHasAName) {

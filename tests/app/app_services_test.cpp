@@ -229,6 +229,33 @@ TEST_F(AppServicesTest, SuspendEverythingWhenTrustIsLost) {
     EXPECT_EQ(desktop.takeIconLoads().size(), 1U) << "the icons were forgotten";
 }
 
+TEST_F(AppServicesTest, SuspendTheSessionThenTheTapThenTheIndexThenTheIcons) {
+    buildQuietly();
+    const AppWindow listed = services->windowIndex().windows().get().front();
+    static_cast<void>(services->iconProvider().icon(listed));
+    services->switcher().show(false);
+    // What is still there when each of them goes.
+    std::vector<std::string> order;
+    const auto remaining = [&] {
+        std::string text;
+        text += desktop.panel().isVisible ? " panel" : "";
+        text += desktop.tapIsInstalled() ? " tap" : "";
+        text += listedWindows().empty() ? "" : " windows";
+        text += services->iconProvider().holds(listed) ? " icons" : "";
+        return text;
+    };
+    const auto session = services->switcher().viewModel().query.subscribeToChanges(
+        [&](const std::string&) { order.push_back("session of" + remaining()); });
+    const auto tap = services->hotKeyMonitor().isRunning().subscribeToChanges(
+        [&](bool) { order.push_back("tap of" + remaining()); });
+    const auto index = services->windowIndex().windows().subscribeToChanges(
+        [&](const auto&) { order.push_back("index of" + remaining()); });
+    services->suspend();
+    EXPECT_THAT(order, ElementsAre("session of tap windows icons", "tap of tap windows icons", "index of icons"));
+    EXPECT_EQ(remaining(), "");
+    EXPECT_THAT(takeServicesLog(), ElementsAre(tapRemoved, suspended));
+}
+
 TEST_F(AppServicesTest, RetryARefusedTapOnceAfterOneSecond) {
     desktop.setTapCreationFails(true);
     build();

@@ -249,6 +249,25 @@ TEST_F(SwitcherViewModelTest, DeletingTheWholeQueryDoesNotUnpin) {
     EXPECT_EQ(selected(), 0);
 }
 
+TEST_F(SwitcherViewModelTest, DeletingACharacterOrTheQuerySelectsTheFirstRow) {
+    open(5);
+    model->beginSession(false);
+    const auto type = [this] {
+        model->insertText("tit");
+        model->move(3);
+        ASSERT_EQ(selected(), 3);
+    };
+    type();
+    model->deleteBackward();
+    ASSERT_THAT(ids(), SizeIs(5));
+    EXPECT_EQ(selected(), 0);
+    model->clearQuery();
+    type();
+    model->clearQuery();
+    ASSERT_THAT(ids(), SizeIs(5));
+    EXPECT_EQ(selected(), 0);
+}
+
 TEST_F(SwitcherViewModelTest, DeletingWithoutAQueryDoesNothing) {
     open(3);
     model->beginSession(false);

@@ -127,6 +127,22 @@ TEST_F(RecencyTrackerTest, ForgetsTheOlderHalfWhenTheTableOverflows) {
     EXPECT_EQ(tracker.rank(5), 2050);
 }
 
+TEST_F(RecencyTrackerTest, SeedingMoreWindowsThanTheTableHoldsKeepsThoseInFront) {
+    // The 2049th from the back overflows the table, and the older half goes; the last two are then ranked on top.
+    constexpr WindowId count = 2051;
+    std::vector<AppWindow> windows;
+    for (WindowId id = 1; id <= count; ++id) {
+        windows.push_back(testWindow(id, id));
+    }
+    tracker.seedIfEmpty(windows);
+    EXPECT_EQ(tracker.count(), 1026U);
+    EXPECT_EQ(tracker.latestRank(), 2051);
+    EXPECT_EQ(tracker.rank(1), 2051) << "the front-most";
+    EXPECT_EQ(tracker.rank(1026), 1026);
+    EXPECT_EQ(tracker.rank(1027), std::nullopt);
+    EXPECT_EQ(tracker.rank(count), std::nullopt);
+}
+
 TEST_F(RecencyTrackerTest, RetainOnlyKeepsRanksAndCounter) {
     tracker.touch(5);
     tracker.touch(6);

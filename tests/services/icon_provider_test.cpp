@@ -2,6 +2,7 @@
 
 #include "platform/icon_source.h"
 #include "platform/simulated/simulated_desktop.h"
+#include "platform/workspace.h"
 
 namespace ferrowyn {
 namespace {
@@ -103,6 +104,48 @@ TEST_F(IconProviderTest, RemovingAllLoadsEverythingAnew) {
     provider.removeAll();
     static_cast<void>(provider.icon(window(2, 10, "org.example.a", "/a")));
     EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("file /a", "file /a"));
+}
+
+/// A workspace and an icon source that know who listens to them.
+class CountedWorkspace final : public Workspace {
+public:
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() const override { return {}; }
+    [[nodiscard]] std::optional<RunningApplication> runningApplication(Pid) const override { return std::nullopt; }
+    [[nodiscard]] std::optional<Pid> frontmostPid() const override { return std::nullopt; }
+    [[nodiscard]] Subscription observe(EventHandler handler) override { return events.subscribe(std::move(handler)); }
+    [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view) const override {
+        return std::nullopt;
+    }
+    [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view) const override {
+        return std::nullopt;
+    }
+    bool open(std::string_view) override { return false; }
+
+    Subject<WorkspaceEvent> events;
+};
+
+class CountedIconSource final : public IconSource {
+public:
+    [[nodiscard]] std::shared_ptr<const IconImage> iconForFile(std::string_view) override { return nullptr; }
+    [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid) override { return nullptr; }
+    [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view) override { return nullptr; }
+    [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> handler) override {
+        return changes.subscribe([told = std::move(handler)](const Pid& pid) { told(pid); });
+    }
+
+    Subject<Pid> changes;
+};
+
+TEST(IconProviderRegistrationTest, EndsWithTheProvider) {
+    CountedWorkspace workspace;
+    CountedIconSource source;
+    {
+        const IconProvider provider(source, workspace);
+        EXPECT_TRUE(workspace.events.hasSubscribers());
+        EXPECT_TRUE(source.changes.hasSubscribers());
+    }
+    EXPECT_FALSE(workspace.events.hasSubscribers());
+    EXPECT_FALSE(source.changes.hasSubscribers());
 }
 
 TEST_F(IconProviderTest, EventsThatAreNoTerminationForgetNothing) {
