@@ -282,9 +282,6 @@ def chosen_mutants(mutants, files, count, seed):
     """A sample in the order of the files: the same for the same sources and the same seed."""
     if files:
         places = [place.partition(":") for place in files]
-        for file, _, line in places:
-            if not any(mutant.file == file and line in ("", str(mutant.line)) for mutant in mutants):
-                raise Broken(f"there is no mistake to make in {file}{':' if line else ''}{line}")
         mutants = [mutant for mutant in mutants
                    if any(mutant.file == file and line in ("", str(mutant.line)) for file, _, line in places)]
     if count is None:
@@ -443,7 +440,10 @@ def main(arguments):
     options = parser.parse_args(arguments)
     root = options.root.resolve()
 
-    possible = [mutant for file in source_files(root) for mutant in mutants_of(file, (root / file).read_text("utf-8"))]
+    sources = source_files(root)
+    if unknown := [place for place in options.files if place.partition(":")[0] not in sources]:
+        raise Broken(f"not in {', '.join(FOLDERS)}: {', '.join(unknown)}")
+    possible = [mutant for file in sources for mutant in mutants_of(file, (root / file).read_text("utf-8"))]
     reasons = read_equivalents(root / "tests/mutation/equivalent.toml", possible)
     mutants = chosen_mutants(possible, options.files, options.count, options.seed)
     if options.list:
