@@ -69,7 +69,9 @@ std::unique_ptr<SwitcherController> AppServices::makeSwitcher(const SwitcherCont
     switcher->activator().onActivated = [controller = switcher.get()](const AppWindow& window) {
         controller->noteActivated(window);
     };
-    switcher->activator().onVerified = [this](bool isConfirmed) { switchingHealth_.noteActivation(isConfirmed); };
+    switcher->activator().onVerified = [this](bool isConfirmed, Pid application) {
+        switchingHealth_.noteActivation(isConfirmed, application);
+    };
     return switcher;
 }
 

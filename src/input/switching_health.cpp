@@ -23,8 +23,12 @@ std::string_view message(std::optional<Problem> problem) {
 
 }  // namespace
 
-void SwitchingHealth::noteActivation(bool isConfirmed) {
-    unconfirmedActivations_ = isConfirmed ? 0 : unconfirmedActivations_ + 1;
+void SwitchingHealth::noteActivation(bool isConfirmed, Pid application) {
+    if (isConfirmed) {
+        unconfirmedApplications_.clear();
+    } else {
+        unconfirmedApplications_.insert(application);
+    }
     publish();
 }
 
@@ -43,7 +47,7 @@ void SwitchingHealth::forgetTriggers() {
 }
 
 void SwitchingHealth::forgetAll() {
-    unconfirmedActivations_ = 0;
+    unconfirmedApplications_.clear();
     forgetTriggers();
 }
 
@@ -51,7 +55,7 @@ void SwitchingHealth::publish() {
     std::optional<Problem> problem;
     if (lostTriggers_ > toleratedInARow) {
         problem = Problem::triggerAnsweredElsewhere;
-    } else if (unconfirmedActivations_ > toleratedInARow) {
+    } else if (unconfirmedApplications_.size() > toleratedInARow) {
         problem = Problem::activationsUnconfirmed;
     }
     if (problem != problem_.get()) {

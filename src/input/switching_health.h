@@ -1,10 +1,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 
+#include "core/identifiers.h"
 #include "core/published.h"
 
 namespace ferrowyn {
@@ -26,8 +29,9 @@ public:
     static constexpr std::array names{std::pair{Problem::triggerAnsweredElsewhere, "trigger-answered-elsewhere"},
                                       std::pair{Problem::activationsUnconfirmed, "activations-unconfirmed"}};
 
-    /// One case may be a window that is busy or a menu that was open; the next in a row is no accident.
-    static constexpr int toleratedInARow = 1;
+    /// One press may be lost to a menu that was open, and one application may hang or refuse the focus; the next press
+    /// in a row, and another application, is no accident.
+    static constexpr std::size_t toleratedInARow = 1;
 
     explicit SwitchingHealth(Log& log) : log_(log) {}
 
@@ -35,8 +39,9 @@ public:
     /// first.
     [[nodiscard]] const Published<std::optional<Problem>>& problem() const { return problem_; }
 
-    /// A chosen window was verified to be the active one, or was not in spite of every try.
-    void noteActivation(bool isConfirmed);
+    /// A chosen window of this application was verified to be the active one, or was not in spite of every try. However
+    /// often the same application does not come to the front, that may be its own fault.
+    void noteActivation(bool isConfirmed, Pid application);
     void noteTriggerAnsweredElsewhere();
     /// A key of the shortcut came to this program.
     void noteTrigger();
@@ -48,8 +53,9 @@ private:
     void publish();
 
     Log& log_;
-    int lostTriggers_ = 0;
-    int unconfirmedActivations_ = 0;
+    std::size_t lostTriggers_ = 0;
+    /// Those that did not come to the front since a window last did.
+    std::unordered_set<Pid> unconfirmedApplications_;
     Published<std::optional<Problem>> problem_;
 };
 

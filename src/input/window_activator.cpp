@@ -164,7 +164,7 @@ bool WindowActivator::isConfirmed() const {
 
 void WindowActivator::reportVerification(bool isConfirmed) const {
     if (onVerified && !activation_->wasActive) {
-        onVerified(isConfirmed);
+        onVerified(isConfirmed, activation_->pid);
     }
 }
 

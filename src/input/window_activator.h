@@ -33,9 +33,9 @@ public:
     /// The user switched to this window, whether or not its activation could be confirmed. Not called when something
     /// else was chosen meanwhile. Set by the owner.
     std::function<void(const AppWindow&)> onActivated;
-    /// Told before that, when the window could be looked at and was not the active one before: whether it is now. Set
-    /// by the owner.
-    std::function<void(bool isConfirmed)> onVerified;
+    /// Told before that, when the window could be looked at and was not the active one before: whether it is now, and
+    /// the application that was to get the keyboard. Set by the owner.
+    std::function<void(bool isConfirmed, Pid application)> onVerified;
 
 private:
     struct Activation {

@@ -11,6 +11,8 @@ using ::testing::IsEmpty;
 using Problem = SwitchingHealth::Problem;
 using LogLine = SimulatedDesktop::LogLine;
 
+constexpr Pid editor = 100, browser = 200, mail = 300;
+
 class SwitchingHealthTest : public ::testing::Test {
 protected:
     [[nodiscard]] std::optional<Problem> problem() const { return health.problem().get(); }
@@ -19,19 +21,31 @@ protected:
     SwitchingHealth health{desktop.platform().log};
 };
 
-TEST_F(SwitchingHealthTest, TwoUnconfirmedActivationsInARowAreAProblemUntilOneIsConfirmed) {
-    health.noteActivation(false);
+TEST_F(SwitchingHealthTest, TwoApplicationsInARowThatDoNotComeAreAProblemUntilOneDoes) {
+    health.noteActivation(false, editor);
     EXPECT_EQ(problem(), std::nullopt);
-    health.noteActivation(false);
+    health.noteActivation(false, browser);
     EXPECT_EQ(problem(), Problem::activationsUnconfirmed);
-    health.noteActivation(true);
+    health.noteActivation(true, editor);
     EXPECT_EQ(problem(), std::nullopt);
+}
+
+TEST_F(SwitchingHealthTest, AnApplicationThatHangsIsNoProblemOfTheDesktopHoweverOftenItIsTried) {
+    for (int round = 0; round < 5; ++round) {
+        health.noteActivation(false, editor);
+    }
+    EXPECT_EQ(problem(), std::nullopt);
+    health.noteActivation(true, browser);
+    health.noteActivation(false, mail);
+    EXPECT_EQ(problem(), std::nullopt) << "a window has come to the front since";
+    health.noteActivation(false, editor);
+    EXPECT_EQ(problem(), Problem::activationsUnconfirmed);
 }
 
 TEST_F(SwitchingHealthTest, UnconfirmedActivationsBetweenConfirmedOnesAreNone) {
     for (int round = 0; round < 3; ++round) {
-        health.noteActivation(false);
-        health.noteActivation(true);
+        health.noteActivation(false, round);
+        health.noteActivation(true, round);
     }
     EXPECT_EQ(problem(), std::nullopt);
     EXPECT_THAT(desktop.takeLog(), IsEmpty());
@@ -51,7 +65,7 @@ TEST_F(SwitchingHealthTest, TwoLostTriggersInARowAreAProblemUntilOneComes) {
 
 TEST_F(SwitchingHealthTest, ALostTriggerComesBeforeUnconfirmedActivations) {
     for (int round = 0; round < 2; ++round) {
-        health.noteActivation(false);
+        health.noteActivation(false, round);
         health.noteTriggerAnsweredElsewhere();
     }
     EXPECT_EQ(problem(), Problem::triggerAnsweredElsewhere);
@@ -63,10 +77,10 @@ TEST_F(SwitchingHealthTest, ALostTriggerComesBeforeUnconfirmedActivations) {
 
 TEST_F(SwitchingHealthTest, LogsEachChangeOnce) {
     for (int round = 0; round < 4; ++round) {
-        health.noteActivation(false);
+        health.noteActivation(false, round);
     }
-    health.noteActivation(true);
-    health.noteActivation(true);
+    health.noteActivation(true, editor);
+    health.noteActivation(true, browser);
     EXPECT_THAT(desktop.takeLog(),
                 ElementsAre(LogLine{LogLevel::standard, "input", "The chosen windows do not come to the front"},
                             LogLine{LogLevel::standard, "input", "Switching works again"}));

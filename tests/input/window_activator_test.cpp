@@ -196,7 +196,10 @@ TEST_F(WindowActivatorTest, TakesNoAnswerForNoConfirmation) {
 
 TEST_F(WindowActivatorTest, TellsWhetherTheWindowHasBecomeTheActiveOneBeforeItTellsOfTheSwitch) {
     std::vector<std::string> told;
-    activator->onVerified = [&](bool isConfirmed) { told.emplace_back(isConfirmed ? "confirmed" : "unconfirmed"); };
+    activator->onVerified = [&](bool isConfirmed, Pid application) {
+        EXPECT_EQ(application, editor);
+        told.emplace_back(isConfirmed ? "confirmed" : "unconfirmed");
+    };
     activator->onActivated = [&](const AppWindow&) { told.emplace_back("activated"); };
     activator->activate(window(7, editor));
     desktop.advance(2s);
@@ -211,7 +214,7 @@ TEST_F(WindowActivatorTest, TellsWhetherTheWindowHasBecomeTheActiveOneBeforeItTe
 
 TEST_F(WindowActivatorTest, AWindowThatWasTheActiveOneConfirmsNothing) {
     std::vector<bool> told;
-    activator->onVerified = [&](bool isConfirmed) { told.push_back(isConfirmed); };
+    activator->onVerified = [&](bool isConfirmed, Pid) { told.push_back(isConfirmed); };
     activator->activate(window(7, editor));
     desktop.advance(2s);
     ASSERT_THAT(told, ElementsAre(true));
@@ -223,7 +226,7 @@ TEST_F(WindowActivatorTest, AWindowThatWasTheActiveOneConfirmsNothing) {
 
 TEST_F(WindowActivatorTest, AWindowThatCannotBeLookedAtIsNeitherConfirmedNorUnconfirmed) {
     std::vector<bool> told;
-    activator->onVerified = [&](bool isConfirmed) { told.push_back(isConfirmed); };
+    activator->onVerified = [&](bool isConfirmed, Pid) { told.push_back(isConfirmed); };
     activator->activate(window(7, editor));
     desktop.setHung(editor, true);
     desktop.advance(2s);

@@ -126,11 +126,19 @@ protected:
         services->retryInput();
         desktop.settle();
     }
+    /// Of two applications, the second of which is not listed.
     void ignoreTwoActivations() {
+        constexpr Pid unlisted = 400;
+        desktop.launch({.pid = unlisted, .localizedName = "Unlisted"}, true);
+        desktop.openWindow({.id = 9, .pid = unlisted}, true);
         desktop.setFrontmost(std::nullopt);
-        desktop.setIgnoresActivation(editor, true);
-        for (int round = 0; round < 2; ++round) {
-            services->switcher().activator().activate(services->windowIndex().windows().get().front());
+        AppWindow window = services->windowIndex().windows().get().front();
+        for (const auto& [id, application] : {std::pair{window.id, editor}, {WindowId{9}, unlisted}}) {
+            desktop.setIgnoresActivation(application, true);
+            window.id = id;
+            window.pid = application;
+            window.axElement = desktop.elementOf(id);
+            services->switcher().activator().activate(window);
             desktop.advance(2s);
         }
     }
