@@ -193,6 +193,12 @@ void X11DesktopModel::announceRemoved(const Windows& windows, Announcements& ann
 void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>& arrived,
                                                  std::unordered_set<Pid> knownApplications,
                                                  Announcements& announcements) const {
+    // One that the same update has ended, and that has come to a window again since, is a new one.
+    for (const auto& event : announcements.workspaceEvents) {
+        if (event.kind == WorkspaceEvent::Kind::didTerminate) {
+            knownApplications.erase(event.application->pid);
+        }
+    }
     for (const auto window : arrived) {
         const auto* const facts = find(window);
         if (facts == nullptr) {

@@ -207,6 +207,23 @@ TEST_F(X11DesktopModelApplicationsTest, AnApplicationEndsWithItsLastWindowAndNot
     EXPECT_TRUE(model.runningApplication(*model.frontmostPid()).has_value());
 }
 
+TEST_F(X11DesktopModelApplicationsTest, AnApplicationThatEndsAndGetsADialogAtOnceHasBeenStartedAgain) {
+    // Calc's dialog calls itself Writer, but is of Calc for as long as Calc's window is there.
+    constexpr xcb_window_t calcsDialog = 3;
+    auto dialogFacts = window(calcsDialog, "Writer");
+    dialogFacts.transientFor = first;
+    model.apply(root({first, second, calcsDialog}), true, {window(first, "Calc"), dialogFacts});
+    ASSERT_THAT(model.windowsOf(process), ElementsAre(second));
+    seen.clear();
+    // Both windows go at once.
+    auto rest = root({calcsDialog});
+    rest.activeWindow = calcsDialog;
+    model.apply(rest, true, {});
+    ASSERT_THAT(model.windowsOf(process), ElementsAre(calcsDialog));
+    EXPECT_THAT(seen, ElementsAre(std::pair(Kind::didTerminate, "Writer"), std::pair(Kind::didTerminate, "Writer"),
+                                  std::pair(Kind::didLaunch, "Writer"), std::pair(Kind::didActivate, "Writer")));
+}
+
 TEST_F(X11DesktopModelApplicationsTest, AnInstalledDesktopFileMakesAnApplicationOfItsWindows) {
     model.apply(root(), true, {window(first, "Calc")});
     seen.clear();
