@@ -44,6 +44,16 @@ TEST(DesktopAppearanceTest, WithoutThePortalsWordPlasmasColorsCountInAPlasmaSess
     EXPECT_EQ(schemeOf({.isPlasma = true, .xsettingsTheme = "Breeze-Dark"}), ColorScheme::dark);
 }
 
+TEST(DesktopAppearanceTest, AGroundIsDarkBelowTheMiddleOfWhatPeopleSee) {
+    const auto schemeOn = [](RgbColor ground) { return schemeOf({.isPlasma = true, .plasmaWindow = ground}); };
+    EXPECT_EQ(schemeOn({128, 128, 128}), ColorScheme::light);
+    EXPECT_EQ(schemeOn({127, 127, 127}), ColorScheme::dark);
+    EXPECT_EQ(schemeOn({0, 255, 0}), ColorScheme::light) << "green counts most";
+    EXPECT_EQ(schemeOn({255, 0, 255}), ColorScheme::dark);
+    EXPECT_EQ(schemeOn({255, 90, 0}), ColorScheme::light) << "red more than blue";
+    EXPECT_EQ(schemeOn({0, 90, 255}), ColorScheme::dark);
+}
+
 TEST(DesktopAppearanceTest, TheThemeThatTheRunningManagerTellsWinsOverTheFile) {
     EXPECT_EQ(schemeOf({.gtkFileTheme = "Arc-Dark"}), ColorScheme::dark);
     EXPECT_EQ(schemeOf({.xsettingsTheme = "Arc", .gtkFileTheme = "Arc-Dark"}), std::nullopt);

@@ -129,6 +129,9 @@ TEST(FuzzyMatcher, CanonicallyEquivalentCharactersAreEqual) {
     EXPECT_THAT(match("CAFÉ", "cafe\u0301"), Optional(whole));
     EXPECT_TRUE(match("\u1112\u1161\u11AB", "한"));
     EXPECT_TRUE(match("한", "\u1112\u1161\u11AB글"));
+    // One scalar that stands for another one.
+    EXPECT_TRUE(match("\u8C48", "\uF900"));
+    EXPECT_TRUE(match("\uF900", "\u8C48"));
     // Two marks in either order, with no composed scalar for both.
     EXPECT_TRUE(match("q\u0323\u0307", "q\u0307\u0323"));
     EXPECT_EQ(match("q\u0323\u0307", "q\u0307"), std::nullopt);
