@@ -13,8 +13,8 @@
 #include <utility>
 #include <variant>
 
-#include "platform/linux/application_id.h"
 #include "platform/linux/atomic_file.h"
+#include "platform/linux/desktop_entry.h"
 #include "platform/linux/ini_document.h"
 #include "platform/linux/xdg_login_item.h"
 

@@ -1,16 +1,60 @@
 #include "platform/linux/application_service.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusError>
 #include <QDBusMessage>
+#include <QLatin1String>
+#include <QObject>
+#include <QString>
+#include <QStringList>
 #include <QVariant>
+#include <QVariantList>
+#include <QVariantMap>
+#include <algorithm>
 #include <utility>
 
-#include "platform/linux/application_service_listener.h"
-#include "platform/linux/bus_link.h"
-#include "platform/linux/bus_thread.h"
+#include "platform/linux/bus.h"
+#include "platform/linux/desktop_entry.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
+
+/// The object that the bus calls. Lives on a thread of its own, on which it also tells.
+class ApplicationServiceListener final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    ApplicationServiceListener(std::string busAddress, std::vector<std::string> actions,
+                               ApplicationService::Handlers handlers);
+    ~ApplicationServiceListener() override;
+
+    /// Connects, and again after the bus was restarted; slow where a bus is. On the listener's thread.
+    void start();
+
+    [[nodiscard]] static QString serviceName();
+    /// The service's name as a path, as desktops derive it.
+    [[nodiscard]] static QString objectPath();
+
+public slots:
+    // Named as on the bus. What launchers say of the screen and the time of the click has no use here yet.
+    // NOLINTBEGIN(readability-identifier-naming)
+    Q_SCRIPTABLE void Activate(const QVariantMap& platformData);
+    /// The program opens no documents: like launchers without any, it shows itself.
+    Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platformData);
+    Q_SCRIPTABLE void ActivateAction(const QString& action, const QVariantList& parameters,
+                                     const QVariantMap& platformData);
+    // NOLINTEND(readability-identifier-naming)
+
+private:
+    void appearOn(QDBusConnection& bus);
+
+    std::string busAddress_;
+    std::vector<std::string> actions_;
+    ApplicationService::Handlers handlers_;
+    std::unique_ptr<BusLink> link_;
+};
 
 namespace {
 
@@ -62,4 +106,53 @@ bool activateActionOfRunningApplication(const std::string& busAddress, const std
     return wasDone;
 }
 
+ApplicationServiceListener::ApplicationServiceListener(std::string busAddress, std::vector<std::string> actions,
+                                                       ApplicationService::Handlers handlers)
+    : busAddress_(std::move(busAddress)), actions_(std::move(actions)), handlers_(std::move(handlers)) {}
+
+ApplicationServiceListener::~ApplicationServiceListener() = default;
+
+QString ApplicationServiceListener::serviceName() {
+    return QLatin1String(applicationId.data(), static_cast<int>(applicationId.size()));
+}
+
+QString ApplicationServiceListener::objectPath() {
+    return QLatin1Char('/') + serviceName().replace(QLatin1Char('.'), QLatin1Char('/'));
+}
+
+void ApplicationServiceListener::start() {
+    link_ = std::make_unique<BusLink>(
+        busAddress_, QStringLiteral("application"),
+        BusLink::Handlers{.connected = [this](QDBusConnection& bus) { appearOn(bus); }, .lost = [] {}});
+    link_->start();
+}
+
+void ApplicationServiceListener::appearOn(QDBusConnection& bus) {
+    // The object first: from the moment it has the name, the bus delivers what was asked of the name.
+    if (bus.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots)) {
+        bus.registerService(serviceName());
+    }
+}
+
+void ApplicationServiceListener::Activate(const QVariantMap& /*platformData*/) {
+    handlers_.activate();
+}
+
+void ApplicationServiceListener::Open(const QStringList& /*uris*/, const QVariantMap& /*platformData*/) {
+    handlers_.activate();
+}
+
+void ApplicationServiceListener::ActivateAction(const QString& action, const QVariantList& /*parameters*/,
+                                                const QVariantMap& /*platformData*/) {
+    const auto name = action.toStdString();
+    if (std::ranges::find(actions_, name) == actions_.end()) {
+        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no action \"%1\".").arg(action));
+        return;
+    }
+    handlers_.activateAction(name);
+}
+
 }  // namespace ferrowyn
+
+// The meta-objects of the classes above.
+#include "application_service.moc"

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <limits>
 
-#include "platform/linux/desktop_file_text.h"
+#include "platform/linux/desktop_file.h"
 
 namespace ferrowyn {
 

@@ -7,6 +7,10 @@
 
 namespace ferrowyn {
 
+/// The name of the installed program on the desktop: of its desktop file (and with it of its icon and autostart entry)
+/// and of its service on the session bus.
+inline constexpr std::string_view applicationId = "com.larkmoor.ferrowyn";
+
 /// One application as its desktop file describes it.
 struct DesktopEntry {
     /// The desktop-file id without ".desktop": "org.gnome.Terminal".

@@ -4,7 +4,7 @@
 #include <QEvent>
 #include <utility>
 
-#include "platform/linux/status_notifier_item.h"
+#include "platform/linux/status_notifier.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {

@@ -11,8 +11,7 @@
 
 #include "core/text_encoding.h"
 #include "platform/linux/atomic_file.h"
-#include "platform/linux/desktop_file_document.h"
-#include "platform/linux/desktop_file_text.h"
+#include "platform/linux/desktop_file.h"
 
 namespace ferrowyn {
 

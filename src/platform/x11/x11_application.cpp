@@ -13,7 +13,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/file_manager.h"
+#include "platform/linux/desktop_programs.h"
 
 namespace ferrowyn {
 

@@ -1,4 +1,4 @@
-#include "platform/linux/autostart_settings.h"
+#include "platform/linux/desktop_programs.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

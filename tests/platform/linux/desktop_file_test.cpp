@@ -1,7 +1,6 @@
 #include <array>
 
-#include "platform/linux/desktop_file_document.h"
-#include "platform/linux/desktop_file_text.h"
+#include "platform/linux/desktop_file.h"
 
 namespace ferrowyn {
 namespace {

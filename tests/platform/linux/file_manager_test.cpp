@@ -1,4 +1,4 @@
-#include "platform/linux/file_manager.h"
+#include "platform/linux/desktop_programs.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,22 +1,87 @@
-#include "platform/linux/status_notifier_item.h"
+#include "platform/linux/status_notifier.h"
 
 #include <unistd.h>
 
+#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QFile>
 #include <QVariant>
+#include <QtEndian>
 #include <atomic>
 #include <utility>
 
 #include "platform/background_work.h"
-#include "platform/linux/bus_call.h"
-#include "platform/linux/bus_link.h"
+#include "platform/linux/bus.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
+
+StatusNotifierPixmap StatusNotifierPixmap::fromImage(const QImage& image) {
+    const QImage straight = image.convertToFormat(QImage::Format_ARGB32);
+    StatusNotifierPixmap pixmap{straight.width(), straight.height(), {}};
+    pixmap.bytes.resize(straight.sizeInBytes());
+    // Lines of 32-bit pixels have no padding.
+    qToBigEndian<quint32>(straight.constBits(), straight.sizeInBytes() / 4, pixmap.bytes.data());
+    return pixmap;
+}
+
+void registerStatusNotifierTypes() {
+    qDBusRegisterMetaType<StatusNotifierPixmap>();
+    qDBusRegisterMetaType<StatusNotifierPixmaps>();
+    qDBusRegisterMetaType<StatusNotifierToolTip>();
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const StatusNotifierPixmap& pixmap) {
+    argument.beginStructure();
+    argument << pixmap.width << pixmap.height << pixmap.bytes;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierPixmap& pixmap) {
+    argument.beginStructure();
+    argument >> pixmap.width >> pixmap.height >> pixmap.bytes;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const StatusNotifierToolTip& toolTip) {
+    argument.beginStructure();
+    argument << toolTip.iconName << toolTip.icon << toolTip.title << toolTip.description;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierToolTip& toolTip) {
+    argument.beginStructure();
+    argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.description;
+    argument.endStructure();
+    return argument;
+}
+
+StatusNotifierObject::StatusNotifierObject(QObject& parent) : QDBusAbstractAdaptor(&parent) {
+    registerStatusNotifierTypes();
+}
+
+void StatusNotifierObject::setIcon(StatusNotifierPixmaps icon) {
+    icon_ = std::move(icon);
+    emit NewIcon();
+}
+
+void StatusNotifierObject::setToolTip(const QString& title) {
+    if (std::exchange(toolTip_, title) != title) {
+        emit NewToolTip();
+    }
+}
+
+void StatusNotifierObject::press(int x, int y) const {
+    if (onPress_) {
+        onPress_(x, y);
+    }
+}
 
 namespace {
 

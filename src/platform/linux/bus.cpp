@@ -1,4 +1,4 @@
-#include "platform/linux/bus_link.h"
+#include "platform/linux/bus.h"
 
 #include <QRegularExpression>
 #include <algorithm>
@@ -6,6 +6,42 @@
 #include <utility>
 
 namespace ferrowyn {
+
+QDBusMessage methodCall(const QString& service, const QString& path, const QString& interface, const QString& method,
+                        const QVariantList& arguments) {
+    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    return message;
+}
+
+QDBusMessage callToBus(const QString& method, const QString& argument) {
+    const auto bus = QStringLiteral("org.freedesktop.DBus");
+    return methodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, method, {argument});
+}
+
+namespace {
+
+/// Milliseconds.
+constexpr unsigned long patienceWithBuses = 1000;
+
+}  // namespace
+
+BusThread::BusThread(const char* name, QObject* listener, std::function<void()> start)
+    : thread_(std::make_unique<QThread>()) {
+    thread_->setObjectName(name);
+    listener->moveToThread(thread_.get());
+    QObject::connect(thread_.get(), &QThread::started, listener, std::move(start));
+    QObject::connect(thread_.get(), &QThread::finished, listener, &QObject::deleteLater);
+    thread_->start(QThread::LowPriority);
+}
+
+BusThread::~BusThread() {
+    thread_->quit();
+    if (!thread_->wait(patienceWithBuses)) {
+        // It still waits for a bus that does not answer. The program is ending: better it ends without it.
+        static_cast<void>(thread_.release());
+    }
+}
 
 namespace {
 

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
 #include <QString>
+#include <QThread>
 #include <QTimer>
+#include <QVariantList>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -11,6 +14,26 @@
 #include <string>
 
 namespace ferrowyn {
+
+QDBusMessage methodCall(const QString& service, const QString& path, const QString& interface, const QString& method,
+                        const QVariantList& arguments);
+
+/// A call of the bus itself, which knows who is on it: `method` of org.freedesktop.DBus, with its one argument.
+QDBusMessage callToBus(const QString& method, const QString& argument);
+
+/// A thread on which an object speaks to a bus: even connecting to one waits for it, and a bus that does not answer
+/// must not hold up the program.
+class BusThread {
+public:
+    /// `listener` lives on the thread from now on, and dies with it; `start` is called there first.
+    BusThread(const char* name, QObject* listener, std::function<void()> start);
+    ~BusThread();
+    BusThread(const BusThread&) = delete;
+    BusThread& operator=(const BusThread&) = delete;
+
+private:
+    std::unique_ptr<QThread> thread_;
+};
 
 /// An address may carry the identity of the one bus that said it. The bus that follows it there has another.
 [[nodiscard]] QString withoutBusIdentity(const std::string& address);

@@ -1,5 +1,7 @@
 #pragma once
 
+/// How desktop files write texts and command lines.
+
 #include <optional>
 #include <span>
 #include <string>
@@ -7,6 +9,22 @@
 #include <vector>
 
 namespace ferrowyn {
+
+namespace desktop_file {
+
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+/// A value of the type "string", with its escapes resolved and written.
+[[nodiscard]] std::string unescaped(std::string_view value);
+[[nodiscard]] std::string escaped(std::string_view text);
+
+/// One argument of an Exec line, quoted where the rules ask for it, before the escapes of a string.
+[[nodiscard]] std::string quotedArgument(std::string_view argument);
+/// The arguments of an Exec line, after the escapes of a string were resolved; what stands for files is left out.
+/// Nothing when the line is not quoted rightly.
+[[nodiscard]] std::optional<std::vector<std::string>> splitExec(std::string_view line);
+
+}  // namespace desktop_file
 
 /// The text of a desktop file as lines, so that what this program does not write itself (comments, other keys, further
 /// groups, the order) survives a change. Keys are those of the group "[Desktop Entry]", without a locale.

@@ -1,5 +1,11 @@
 #pragma once
 
+class QDBusConnection;
+
+class QDBusConnection;
+class QString;
+
+#include <QString>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -8,10 +14,13 @@
 
 #include "platform/linux/xdg_login_item.h"
 
-class QDBusConnection;
-class QString;
-
 namespace ferrowyn {
+
+/// Shows the file, selected, in the desktop's file manager. Where none takes such requests on the bus, or the bus is
+/// missing, `openAddress` gets the address of the file's folder instead, later on the main loop. Main thread, with a
+/// QCoreApplication; never waits.
+void revealInFileManager(const QDBusConnection& bus, const std::filesystem::path& file,
+                         std::function<void(const QString& address)> openAddress);
 
 /// The command that opens the settings in which this desktop's user decides what starts at login; nothing where the
 /// desktop has none, or they are not installed.
