@@ -86,13 +86,23 @@ void SwitcherController::showFromMenu() {
 }
 
 void SwitcherController::dismiss() {
+    close(std::nullopt);
+}
+
+void SwitcherController::close(const std::optional<AppWindow>& chosen) {
     assert(mainLoop_.isMainThread());
     watchdogTimer_.reset();
     auto& state = hotKeyMonitor_.state();
     state.setSwitcherVisible(false);
     state.setHoldModeActive(false);
-    state.passSessionOn();
+    // Gone before the activation starts, so that the panel neither covers the window nor takes its focus.
     panel_->hide();
+    if (chosen) {
+        activator_->activate(*chosen);
+    }
+    // Only now: the tap may hold back the next trigger until it hears of the end, and the session that this one opens
+    // must find the activation begun, or it would start from the window before.
+    state.passSessionOn();
     if (isVisible_) {
         isVisible_ = false;
         viewModel_->endSession();
@@ -101,12 +111,7 @@ void SwitcherController::dismiss() {
 }
 
 void SwitcherController::confirm() {
-    const auto window = viewModel_->selectedWindow();
-    // Gone before the activation starts, so that the panel neither covers the window nor takes its focus.
-    dismiss();
-    if (window) {
-        activator_->activate(*window);
-    }
+    close(viewModel_->selectedWindow());
 }
 
 void SwitcherController::noteActivated(const AppWindow& window) {

@@ -83,6 +83,8 @@ private:
 
     void cycleLayout();
     void toggleFavouriteOfSelection();
+    /// Closes the panel, and switches to the window, if there is one.
+    void close(const std::optional<AppWindow>& chosen);
     void armPointerGate();
     void rearmWatchdog();
     void watchdogFired();

@@ -84,10 +84,8 @@ void SwitcherController::handle(const SwitcherCommand& command) {
 }
 
 void SwitcherController::activateClicked(const AppWindow& window) {
-    // The row, and with it the argument, may go with the session.
-    const AppWindow chosen = window;  // NOLINT(performance-unnecessary-copy-initialization)
-    dismiss();
-    activator_->activate(chosen);
+    // A copy: the row, and with it the argument, may go with the session.
+    close(std::optional(window));
 }
 
 void SwitcherController::hover(int index) {

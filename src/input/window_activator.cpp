@@ -34,7 +34,16 @@ void WindowActivator::activate(const AppWindow& window) {
     assert(mainLoop_.isMainThread());
     pause_.reset();
     activation_.reset();
+    posted_ = std::make_shared<const AppWindow>(window);
+    mainLoop_.post([this, posted = std::weak_ptr(posted_)] {
+        if (const auto chosen = posted.lock()) {
+            posted_.reset();
+            begin(*chosen);
+        }
+    });
+}
 
+void WindowActivator::begin(const AppWindow& window) {
     AppWindow chosen = window;
     if (chosen.blockedBy && !workspace_.runningApplication(chosen.blockedBy->pid)) {
         // Closed since the list was made, and its application with it: nothing blocks the window any more.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -27,7 +28,8 @@ public:
     WindowActivator(const WindowActivator&) = delete;
     WindowActivator& operator=(const WindowActivator&) = delete;
 
-    /// The requests to raise the window are on their way when it returns; the rest follows on the main loop.
+    /// Ends the running activation and starts this one as a task on the main loop: an application that does not answer
+    /// holds up nothing of what the caller does. Returns at once.
     void activate(const AppWindow& window);
 
     /// The user switched to this window, whether or not its activation could be confirmed. Not called when something
@@ -53,6 +55,7 @@ private:
         Seconds delay = initialVerificationDelay;
     };
 
+    void begin(const AppWindow& window);
     void lookUpElement();
     void raiseFirst();
     void raise();
@@ -67,6 +70,8 @@ private:
     Log& log_;
     Workspace& workspace_;
     WindowControl& control_;
+    /// The window whose activation has been posted and not begun; held weakly by that task.
+    std::shared_ptr<const AppWindow> posted_;
     /// The running activation; absent when idle.
     std::optional<Activation> activation_;
     /// The pause that the running activation is in; dropping it is what cancels an activation.

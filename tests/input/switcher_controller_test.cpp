@@ -210,6 +210,7 @@ TEST_F(SwitcherControllerTest, DismissingWhileHiddenIsHarmless) {
     controller->handle(Cancel{});
     controller->dismiss();
     EXPECT_FALSE(controller->isVisible());
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
 }
 
@@ -220,6 +221,7 @@ TEST_F(SwitcherControllerTest, EndsTheSessionWhenItCloses) {
     EXPECT_FALSE(viewModel().isInSession());
     EXPECT_EQ(viewModel().query.get(), "");
     EXPECT_FALSE(viewModel().isPinned.get());
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty()) << "closed without switching";
 }
 
@@ -240,12 +242,14 @@ TEST_F(SwitcherControllerTest, ThePanelIsGoneBeforeTheActivationStarts) {
     spy.onOrderOut = [&] { callsAtOrderOut = desktop.takeControlCalls().size(); };
     controller->handle(Confirm{});
     EXPECT_EQ(callsAtOrderOut, 0U);
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), Contains("raise 2"));
 
     controller->handle(Invoke{false});
     callsAtOrderOut.reset();
     content.onActivate(rowWindow(3));
     EXPECT_EQ(callsAtOrderOut, 0U);
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), Contains("raise 4"));
 }
 
@@ -255,6 +259,7 @@ TEST_F(SwitcherControllerTest, ConfirmingWithoutAWindowJustCloses) {
     ASSERT_TRUE(controller->isVisible());
     controller->handle(Confirm{});
     EXPECT_FALSE(controller->isVisible());
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
 }
 
@@ -262,6 +267,7 @@ TEST_F(SwitcherControllerTest, ReleasingTheModifierConfirms) {
     controller->handle(Invoke{false});
     controller->handle(ModifierReleased{});
     EXPECT_FALSE(controller->isVisible());
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), Contains("raise 2"));
 }
 
@@ -296,6 +302,7 @@ TEST_F(SwitcherControllerTest, ADigitSwitchesAtOnceAndOneBeyondTheRowsDoesNothin
     EXPECT_FALSE(viewModel().isPinned.get());
     controller->handle(SelectIndex{5});
     EXPECT_FALSE(controller->isVisible());
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), Contains("raise 5"));
 }
 
@@ -330,6 +337,7 @@ TEST_F(SwitcherControllerTest, IgnoresEverythingButInvokeWhileHidden) {
         controller->handle(command);
         EXPECT_FALSE(controller->isVisible()) << command.index();
     }
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
     EXPECT_EQ(shownWindows(), rowsBefore);
     EXPECT_EQ(selection(), selectionBefore);
@@ -416,6 +424,7 @@ TEST_F(SwitcherControllerTest, AClickElsewhereClosesAndOneWhileHiddenDoesNothing
     controller->handle(Invoke{false});
     desktop.clickElsewhere();
     EXPECT_FALSE(controller->isVisible());
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
 }
 
@@ -563,6 +572,43 @@ TEST_F(SwitcherControllerTest, EveryCommandKeepsTheWatchdogQuiet) {
     forgetLog();
     desktop.advance(60s);
     EXPECT_THAT(desktop.takeLog(), IsEmpty()) << "no watchdog is left behind";
+}
+
+TEST_F(SwitcherControllerTest, TheChosenWindowIsAskedForBeforeTheNextTriggerOpensASession) {
+    /// What is held back behind the trigger's release follows as soon as the tap hears of the end.
+    class ImpatientTap final : public EventTap {
+    public:
+        explicit ImpatientTap(std::function<void()> onClosed) : onClosed_(std::move(onClosed)) {}
+        void setEnabled(bool) override {}
+        [[nodiscard]] bool isEnabled() const override { return true; }
+        void invalidate() override {}
+        void setTrigger(SwitcherModifier) override {}
+        void setSessionOpen(bool isOpen) override {
+            if (!isOpen) {
+                onClosed_();
+            }
+        }
+
+    private:
+        std::function<void()> onClosed_;
+    };
+    std::vector<std::string> callsBefore;
+    bool wasVisible = true;
+    monitor.state().setTapPort(std::make_shared<ImpatientTap>([&] {
+        platform.mainLoop.post([&] {
+            wasVisible = desktop.panel().isVisible;
+            callsBefore = desktop.takeControlCalls();
+            controller->handle(Invoke{false});
+        });
+    }));
+    controller->handle(Invoke{false});
+    controller->handle(ModifierReleased{});
+    EXPECT_FALSE(controller->isVisible());
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty()) << "the panel is gone before the activation starts";
+    desktop.settle();
+    EXPECT_FALSE(wasVisible);
+    EXPECT_THAT(callsBefore, Contains("raise 2"));
+    EXPECT_TRUE(controller->isVisible());
 }
 
 TEST_F(SwitcherControllerTest, AnActivatedWindowLeadsTheList) {

@@ -43,6 +43,12 @@ protected:
         return result;
     }
 
+    /// Asks for the window, and lets the task that this starts run.
+    void activate(const AppWindow& window) {
+        activator->activate(window);
+        desktop.settle();
+    }
+
     void forgetCalls() { static_cast<void>(desktop.takeControlCalls()); }
 
     SimulatedDesktop desktop;
@@ -59,15 +65,42 @@ LogLine standard(std::string message) {
     return {LogLevel::standard, "activation", std::move(message)};
 }
 
-TEST_F(WindowActivatorTest, RaisesTheWindowInOrderBeforeItReturns) {
+TEST_F(WindowActivatorTest, ReturnsAtOnceAndRaisesTheWindowInOrderInATaskOfItsOwn) {
     activator->activate(window(7, editor));
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    desktop.settle();
     EXPECT_THAT(desktop.takeControlCalls(),
                 ElementsAreArray(joined({"timeout 100 0.5", "timeout 7 0.5"}, raiseOfSeven)));
     EXPECT_THAT(activated, IsEmpty());
 }
 
-TEST_F(WindowActivatorTest, ConfirmsAfterTheFirstPause) {
+TEST_F(WindowActivatorTest, OfTwoActivationsInOneTaskOnlyTheSecondRaises) {
     activator->activate(window(7, editor));
+    activator->activate(window(8, browser));
+    desktop.advance(5s);
+    EXPECT_THAT(desktop.takeControlCalls(),
+                ElementsAre("timeout 200 0.5", "timeout 8 0.5", "raise 8", "main 8", "focused 8", "focusedWindow 200 8",
+                            "activate 200", "frontmost 200"));
+    EXPECT_THAT(activated, ElementsAre(8U));
+}
+
+TEST_F(WindowActivatorTest, DestroyedBeforeItsTaskItRaisesNothing) {
+    activator->activate(window(7, editor));
+    activator.reset();
+    desktop.advance(5s);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+}
+
+TEST_F(WindowActivatorTest, WhatWasListedMayChangeBeforeItsTaskRuns) {
+    auto chosen = window(7, editor);
+    activator->activate(chosen);
+    chosen.pid = 300;
+    desktop.advance(initialDelay);
+    EXPECT_THAT(activated, ElementsAre(7U));
+}
+
+TEST_F(WindowActivatorTest, ConfirmsAfterTheFirstPause) {
+    activate(window(7, editor));
     forgetCalls();
     desktop.advance(0.119s);
     EXPECT_THAT(activated, IsEmpty());
@@ -85,7 +118,7 @@ TEST_F(WindowActivatorTest, UnminimisesBeforeItRaises) {
     desktop.changeWindow(7, [](auto& state) { state.isMinimized = true; });
     auto minimised = window(7, editor);
     minimised.isMinimized = true;
-    activator->activate(minimised);
+    activate(minimised);
     EXPECT_THAT(desktop.takeControlCalls(),
                 ElementsAreArray(joined({"timeout 100 0.5", "timeout 7 0.5", "unminimize 7"}, raiseOfSeven)));
 }
@@ -94,7 +127,7 @@ TEST_F(WindowActivatorTest, UnhidesTheApplicationFirst) {
     desktop.setHidden(editor, true);
     auto minimised = window(7, editor);
     minimised.isMinimized = true;
-    activator->activate(minimised);
+    activate(minimised);
     EXPECT_THAT(
         desktop.takeControlCalls(),
         ElementsAreArray(joined({"timeout 100 0.5", "timeout 7 0.5", "unhide 100", "unminimize 7"}, raiseOfSeven)));
@@ -105,7 +138,7 @@ TEST_F(WindowActivatorTest, OfABlockedWindowTheDialogGetsTheKeyboardAboveIt) {
     auto blocked = window(7, editor);
     blocked.blockedBy = ModalDialog{8, desktop.elementOf(8), browser};
     desktop.setFrontmost(editor);
-    activator->activate(blocked);
+    activate(blocked);
     EXPECT_THAT(desktop.takeControlCalls(),
                 ElementsAre("timeout 200 0.5", "timeout 8 0.5", "raise 7", "raise 8", "main 8", "focused 8",
                             "focusedWindow 200 8", "activate 200", "frontmost 200"));
@@ -119,14 +152,14 @@ TEST_F(WindowActivatorTest, ABlockedWindowThatIsMinimisedIsRestoredItself) {
     auto blocked = window(7, editor);
     blocked.isMinimized = true;
     blocked.blockedBy = ModalDialog{8, desktop.elementOf(8), browser};
-    activator->activate(blocked);
+    activate(blocked);
     EXPECT_THAT(desktop.takeControlCalls(), Contains("unminimize 7"));
 }
 
 TEST_F(WindowActivatorTest, AWindowWhoseDialogHasJustBeenClosedIsConfirmedItself) {
     auto blocked = window(7, editor);
     blocked.blockedBy = ModalDialog{9, desktop.elementOf(9), editor};
-    activator->activate(blocked);
+    activate(blocked);
     desktop.advance(initialDelay);
     EXPECT_THAT(activated, ElementsAre(7U));
     EXPECT_THAT(desktop.takeLog(),
@@ -136,7 +169,7 @@ TEST_F(WindowActivatorTest, AWindowWhoseDialogHasJustBeenClosedIsConfirmedItself
 TEST_F(WindowActivatorTest, AWindowIsActivatedItselfWhenTheApplicationOfItsDialogIsGone) {
     auto blocked = window(7, editor);
     blocked.blockedBy = ModalDialog{99, desktop.elementOf(99), 300};
-    activator->activate(blocked);
+    activate(blocked);
     desktop.advance(initialDelay);
     EXPECT_THAT(activated, ElementsAre(7U));
     EXPECT_THAT(desktop.takeLog(),
@@ -144,7 +177,7 @@ TEST_F(WindowActivatorTest, AWindowIsActivatedItselfWhenTheApplicationOfItsDialo
 }
 
 TEST_F(WindowActivatorTest, SaysThatTheProcessIsGoneAndCallsNobody) {
-    activator->activate(window(9, 300));
+    activate(window(9, 300));
     desktop.advance(10s);
     EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
     EXPECT_THAT(activated, IsEmpty());
@@ -153,7 +186,7 @@ TEST_F(WindowActivatorTest, SaysThatTheProcessIsGoneAndCallsNobody) {
 
 TEST_F(WindowActivatorTest, ChecksFourTimesAndRaisesThreeTimesMoreWhenNothingHappens) {
     desktop.setIgnoresActivation(editor, true);
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     forgetCalls();
     // After 0.12, 0.216, 0.3888 and 0.69984 seconds.
     for (const Seconds pause : {0.12s, 0.216s, 0.3888s}) {
@@ -175,7 +208,7 @@ TEST_F(WindowActivatorTest, ChecksFourTimesAndRaisesThreeTimesMoreWhenNothingHap
 
 TEST_F(WindowActivatorTest, CountsTheChecksUntilItWorked) {
     desktop.setIgnoresActivation(editor, true);
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(0.12s);
     desktop.setIgnoresActivation(editor, false);
     desktop.advance(0.216s);
@@ -187,7 +220,7 @@ TEST_F(WindowActivatorTest, CountsTheChecksUntilItWorked) {
 }
 
 TEST_F(WindowActivatorTest, TakesNoAnswerForNoConfirmation) {
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.setHung(editor, true);
     desktop.advance(2s);
     EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Could not confirm activation of window 7 in Editor")));
@@ -201,13 +234,13 @@ TEST_F(WindowActivatorTest, TellsWhetherTheWindowHasBecomeTheActiveOneBeforeItTe
         told.emplace_back(isConfirmed ? "confirmed" : "unconfirmed");
     };
     activator->onActivated = [&](const AppWindow&) { told.emplace_back("activated"); };
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(2s);
     EXPECT_THAT(told, ElementsAre("confirmed", "activated"));
 
     desktop.setFrontmost(browser);
     desktop.setIgnoresActivation(editor, true);
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(2s);
     EXPECT_THAT(told, ElementsAre("confirmed", "activated", "unconfirmed", "activated"));
 }
@@ -215,10 +248,10 @@ TEST_F(WindowActivatorTest, TellsWhetherTheWindowHasBecomeTheActiveOneBeforeItTe
 TEST_F(WindowActivatorTest, AWindowThatWasTheActiveOneConfirmsNothing) {
     std::vector<bool> told;
     activator->onVerified = [&](bool isConfirmed, Pid) { told.push_back(isConfirmed); };
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(2s);
     ASSERT_THAT(told, ElementsAre(true));
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(2s);
     EXPECT_THAT(told, ElementsAre(true));
     EXPECT_THAT(activated, ElementsAre(7U, 7U));
@@ -227,14 +260,14 @@ TEST_F(WindowActivatorTest, AWindowThatWasTheActiveOneConfirmsNothing) {
 TEST_F(WindowActivatorTest, AWindowThatCannotBeLookedAtIsNeitherConfirmedNorUnconfirmed) {
     std::vector<bool> told;
     activator->onVerified = [&](bool isConfirmed, Pid) { told.push_back(isConfirmed); };
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.setHung(editor, true);
     desktop.advance(2s);
     desktop.setHung(editor, false);
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.closeWindow(7);
     desktop.advance(2s);
-    activator->activate(window(9, 300));
+    activate(window(9, 300));
     desktop.advance(2s);
     EXPECT_THAT(told, IsEmpty());
 }
@@ -244,14 +277,14 @@ TEST_F(WindowActivatorTest, NamesTheApplicationAsItWasListedWhenItHasNoNameOfIts
     desktop.openWindow({.id = 9, .pid = 300});
     desktop.setIgnoresActivation(300, true);
     desktop.setFrontmost(browser);
-    activator->activate(window(9, 300));
+    activate(window(9, 300));
     desktop.advance(2s);
     EXPECT_THAT(desktop.takeLog(),
                 ElementsAre(standard("Could not confirm activation of window 9 in Editor as listed")));
 }
 
 TEST_F(WindowActivatorTest, LeavesTheFocusWithWhatWasChosenAfterItsWindowHadIt) {
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(0.06s);
     ASSERT_EQ(desktop.frontmostPid(), editor);
     desktop.setFrontmost(browser);
@@ -267,7 +300,7 @@ TEST_F(WindowActivatorTest, LeavesTheFocusWithWhatWasChosenAfterItsWindowHadIt) 
 
 TEST_F(WindowActivatorTest, RaisesAgainWhatHasNotHadTheFocusYetWhateverElseGetsIt) {
     desktop.setIgnoresActivation(editor, true);
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(0.06s);
     desktop.launch({.pid = 300});
     desktop.setFrontmost(300);
@@ -279,7 +312,7 @@ TEST_F(WindowActivatorTest, RaisesAgainWhatHasNotHadTheFocusYetWhateverElseGetsI
 TEST_F(WindowActivatorTest, LeavesTheFocusWithWhatTheUserChoseBeforeItsWindowHadIt) {
     desktop.openWindow({.id = 9, .pid = browser});
     desktop.setIgnoresActivation(editor, true);
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(0.06s);
     desktop.focusWindow(9);
     forgetCalls();
@@ -290,9 +323,9 @@ TEST_F(WindowActivatorTest, LeavesTheFocusWithWhatTheUserChoseBeforeItsWindowHad
 }
 
 TEST_F(WindowActivatorTest, OnlyTheSecondOfTwoQuickActivationsReports) {
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(0.05s);
-    activator->activate(window(8, browser));
+    activate(window(8, browser));
     desktop.advance(5s);
     EXPECT_THAT(activated, ElementsAre(8U));
     EXPECT_THAT(desktop.takeLog(),
@@ -300,14 +333,14 @@ TEST_F(WindowActivatorTest, OnlyTheSecondOfTwoQuickActivationsReports) {
 }
 
 TEST_F(WindowActivatorTest, ANewActivationOfAProcessThatIsGoneStillEndsTheFormerOne) {
-    activator->activate(window(7, editor));
-    activator->activate(window(9, 300));
+    activate(window(7, editor));
+    activate(window(9, 300));
     desktop.advance(5s);
     EXPECT_THAT(activated, IsEmpty());
 }
 
 TEST_F(WindowActivatorTest, LooksUpAMissingElementAmongTheApplicationsWindows) {
-    activator->activate(windowWithoutElement(7, editor));
+    activate(windowWithoutElement(7, editor));
     EXPECT_THAT(desktop.takeControlCalls(),
                 ElementsAreArray(joined({"timeout 100 0.5", "activate 100", "timeout 7 0.5"}, raiseOfSeven)));
     desktop.advance(0.12s);
@@ -316,7 +349,7 @@ TEST_F(WindowActivatorTest, LooksUpAMissingElementAmongTheApplicationsWindows) {
 
 TEST_F(WindowActivatorTest, RaisesAWindowFoundAtTheThirdLook) {
     desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = false; });
-    activator->activate(windowWithoutElement(7, editor));
+    activate(windowWithoutElement(7, editor));
     EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("timeout 100 0.5", "activate 100"));
     desktop.advance(0.2s);
     desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = true; });
@@ -328,7 +361,7 @@ TEST_F(WindowActivatorTest, RaisesAWindowFoundAtTheThirdLook) {
 
 TEST_F(WindowActivatorTest, ActivatesTheApplicationAloneWhenNoLookFindsTheElement) {
     desktop.changeWindow(7, [](auto& state) { state.hasWindowNumber = false; });
-    activator->activate(windowWithoutElement(7, editor));
+    activate(windowWithoutElement(7, editor));
     desktop.advance(0.479s);
     EXPECT_THAT(desktop.takeLog(), IsEmpty());
     desktop.advance(0.001s);
@@ -340,9 +373,9 @@ TEST_F(WindowActivatorTest, ActivatesTheApplicationAloneWhenNoLookFindsTheElemen
 
 TEST_F(WindowActivatorTest, ACancelledLookUpStopsLooking) {
     desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = false; });
-    activator->activate(windowWithoutElement(7, editor));
+    activate(windowWithoutElement(7, editor));
     desktop.advance(0.2s);
-    activator->activate(window(8, browser));
+    activate(window(8, browser));
     desktop.changeWindow(7, [](auto& state) { state.isListedByAccessibility = true; });
     forgetCalls();
     desktop.advance(5s);
@@ -351,7 +384,7 @@ TEST_F(WindowActivatorTest, ACancelledLookUpStopsLooking) {
 }
 
 TEST_F(WindowActivatorTest, DestroyingItCancelsTheActivation) {
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     activator.reset();
     desktop.advance(5s);
     EXPECT_THAT(activated, IsEmpty());
@@ -365,14 +398,14 @@ TEST_F(WindowActivatorTest, MayActivateAnotherWindowFromItsCallback) {
             activator->activate(window(8, browser));
         }
     };
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(5s);
     EXPECT_THAT(activated, ElementsAre(7U, 8U));
 }
 
 TEST_F(WindowActivatorTest, WorksWithoutACallback) {
     activator->onActivated = nullptr;
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.advance(1s);
     EXPECT_EQ(desktop.frontmostPid(), editor);
 }
