@@ -1,5 +1,6 @@
 #include "core/status_item_texts.h"
 
+#include "core/linux_words.h"
 #include "core/phrase.h"
 
 namespace ferrowyn {
@@ -53,10 +54,10 @@ StatusItemTexts macVariant() {
 StatusItemTexts linuxVariant() {
     StatusItemTexts texts = sharedTexts();
     texts.accessRequired = {.tooltip = translatable("Ferrowyn", "Ferrowyn — a window manager is required"),
-                            .subtitle = translatable("Ferrowyn", "A window manager is required"),
+                            .subtitle = linux_words::windowManagerRequired,
                             .repair = translatable("Ferrowyn", "Show What Is Missing…")};
     texts.serverUnusable = {.tooltip = translatable("Ferrowyn", "Ferrowyn — this X server cannot be used"),
-                            .subtitle = translatable("Ferrowyn", "This X server cannot be used"),
+                            .subtitle = linux_words::serverUnusable,
                             .repair = translatable("Ferrowyn", "Show What Is Missing…")};
     texts.activationsUnconfirmed.repair = translatable("Ferrowyn", "Use another window manager");
     texts.trustRevoked.tooltip = translatable("Ferrowyn", "Ferrowyn — keyboard access was lost");

@@ -1,5 +1,6 @@
 #include "core/text_table.h"
 
+#include "core/linux_words.h"
 #include "core/phrase.h"
 
 namespace ferrowyn {
@@ -29,6 +30,8 @@ const TextTable& macTexts() {
         .sessionCommandKeyWithControlTrigger = "⌘",
         .keySeparator = "",
         .tabKey = "⇥",
+        .returnKey = "⏎",
+        .escapeKey = "esc",
         .permissionTitle = translatable("Ferrowyn", "Accessibility access is required"),
         .permissionExplanation =
             translatable("Ferrowyn", "Ferrowyn cannot list or focus other apps' windows without it."),
@@ -55,15 +58,17 @@ const TextTable& linuxTexts() {
         .sessionCommandKeyWithControlTrigger = "Super",
         .keySeparator = "+",
         .tabKey = "Tab",
-        .permissionTitle = translatable("Ferrowyn", "A window manager is required"),
+        .returnKey = "Return",
+        .escapeKey = "Esc",
+        .permissionTitle = linux_words::windowManagerRequired,
         // The user meets this text in two states, so it names the way out of both.
         .permissionExplanation =
             translatable("Ferrowyn",
                          "Ferrowyn cannot list or focus other apps' windows without an EWMH window manager and "
                          "XInput 2.2. Start a window manager or update the X server; Ferrowyn then goes on by "
                          "itself."),
-        .permissionButton = translatable("Ferrowyn", "Open Setup"),
-        .otherSpaceBadge = translatable("Ferrowyn", "Other Space"),
+        .permissionButton = linux_words::openSetup,
+        .otherSpaceBadge = translatable("Ferrowyn", "Other Workspace"),
 
         .loginItemUnavailable =
             translatable("Ferrowyn", "Ferrowyn must be able to write to the autostart folder to launch at login."),

@@ -23,12 +23,15 @@ struct TextTable {
     /// Between a modifier and its key: nothing between glyphs, "+" between names.
     std::string_view keySeparator;
     std::string_view tabKey;
+    /// The keys that switch and that close the panel, as the panel's key caps show them.
+    std::string_view returnKey;
+    std::string_view escapeKey;
 
     std::string_view permissionTitle;
     std::string_view permissionExplanation;
     std::string_view permissionButton;
 
-    /// "Other Space" where the desktop has Spaces.
+    /// "Other Space" where the desktop has Spaces, "Other Workspace" where it has workspaces.
     std::string_view otherSpaceBadge;
 
     /// Why the program cannot be registered to start at login.

@@ -31,9 +31,9 @@ std::vector<ShortcutHint> footerHints(SwitcherModifier trigger, SwitcherLayout l
     return {
         {{keyCombination(texts.modifierKey(trigger), texts.tabKey, texts)}, "next"},
         {std::move(arrows), "navigate"},
-        {{"⏎"}, "switch"},
+        {{std::string(texts.returnKey)}, "switch"},
         {{keyCombination(texts.commandKeyDuringSession(trigger), "D", texts)}, "pin"},
-        {{"esc"}, "cancel"},
+        {{std::string(texts.escapeKey)}, "cancel"},
     };
 }
 

@@ -1,5 +1,6 @@
 #include "core/window_texts.h"
 
+#include "core/linux_words.h"
 #include "core/phrase.h"
 
 namespace ferrowyn {
@@ -54,7 +55,6 @@ void setShortcutPane(WindowTexts& texts) {
     texts.settings.confirmOnReleaseNote =
         translatable("Ferrowyn", "With this off, the switcher stays open until you press Return or Escape.");
     texts.settings.keysSection = translatable("Ferrowyn", "While the switcher is open");
-    texts.settings.escapeKey = translatable("Ferrowyn", "esc");
     texts.settings.keyCycle = translatable("Ferrowyn", "Cycle List → Grouped → Grid");
     texts.settings.keyPin = translatable("Ferrowyn", "Pin or unpin the highlighted app");
     texts.settings.keyJump = translatable("Ferrowyn", "Jump straight to a row");
@@ -168,25 +168,29 @@ WindowTexts makeLinuxTexts() {
                                                        "The check sends only the app version and your system version. "
                                                        "No account, no identifier, and nothing about your windows.");
     texts.settings.openLoginItems = translatable("Ferrowyn", "Open Autostart Settings");
-    texts.settings.openSettings = translatable("Ferrowyn", "Open Setup");
+    texts.settings.permissionsSection = translatable("Ferrowyn", "Requirements");
+    texts.settings.permissionGranted = linux_words::windowManagerRuns;
+    texts.settings.permissionRequired = linux_words::windowManagerRequired;
+    texts.settings.openSettings = linux_words::openSetup;
     texts.settings.optionName = translatable("Ferrowyn", "Alt");
     texts.settings.commandName = translatable("Ferrowyn", "Super");
     texts.settings.controlName = translatable("Ferrowyn", "Ctrl");
     texts.settings.commandReplacesNote =
         translatable("Ferrowyn", "Super + Tab replaces the desktop's own switcher while Ferrowyn is running.");
     texts.settings.confirmOnReleaseNote =
-        translatable("Ferrowyn", "With this off, the switcher stays open until you press Enter or Esc.");
-    texts.settings.escapeKey = translatable("Ferrowyn", "Esc");
+        translatable("Ferrowyn", "With this off, the switcher stays open until you press Return or Esc.");
     texts.settings.otherSpaces = translatable("Ferrowyn", "Windows on other workspaces");
     texts.settings.otherSpacesNote =
         translatable("Ferrowyn",
                      "A workspace is one of the desktops you switch between, often with Ctrl+Alt+Arrow. Turn this off "
                      "to list only what is on the workspace in front of you.");
 
+    texts.onboarding.grantedTitle = linux_words::windowManagerRuns;
     texts.onboarding.grantedDetail = translatable("Ferrowyn", "The switcher is running in the background.");
+    texts.onboarding.requiredTitle = linux_words::windowManagerRequired;
     texts.onboarding.stayingOpenHint = translatable(
         "Ferrowyn",
-        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Enter does.");
+        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Return does.");
     texts.onboarding.requiredExplanation =
         translatable("Ferrowyn",
                      "Ferrowyn lists and focuses other apps' windows through the window manager, and sees its shortcut "
@@ -206,6 +210,7 @@ WindowTexts makeLinuxTexts() {
         "Run “ferrowyn --doctor” in a terminal: it says which window manager and which XInput version it finds. A "
         "window manager that does not follow EWMH, such as twm, cannot be used — it has to be replaced.");
 
+    texts.serverUnusable = linux_words::serverUnusable;
     texts.shiftKey = translatable("Ferrowyn", "Shift");
     return texts;
 }

@@ -44,7 +44,6 @@ struct WindowTexts {
         std::string_view confirmOnRelease;
         std::string_view confirmOnReleaseNote;
         std::string_view keysSection;
-        std::string_view escapeKey;
         std::string_view keyCycle;
         std::string_view keyPin;
         std::string_view keyJump;
@@ -121,6 +120,8 @@ struct WindowTexts {
     Settings settings;
     Onboarding onboarding;
     About about;
+    /// Instead of what is required, where the display server can lack it for good; empty elsewhere.
+    std::string_view serverUnusable;
     /// Shift, as this desktop's keyboards name it.
     std::string_view shiftKey;
 };

@@ -97,8 +97,8 @@ void GeneralPane::addPermissions(const WindowTexts& texts, AccessibilityAuthoriz
     auto* const open = new WindowButton({texts.settings.openSettings, {}});
     group.addRow(status, open);
     connect(open, &QAbstractButton::clicked, this, [&authorizer] { authorizer.openAccessibilitySettings(); });
-    keep(authorizer.status().subscribe([status, open, &texts](AccessibilityStatus trust) {
-        showStatus(*status, settings_lines::permissionStatus(trust, texts));
+    keep(authorizer.status().subscribe([status, open, &texts, &authorizer](AccessibilityStatus trust) {
+        showStatus(*status, settings_lines::permissionStatus(trust, authorizer.canBecomeTrusted(), texts));
         open->setVisible(trust == AccessibilityStatus::notTrusted);
     }));
 

@@ -25,7 +25,7 @@ std::vector<KeyLine> whileOpen(SwitcherModifier trigger, const TextTable& texts)
     return {
         {commandKeys(trigger, "L", texts), words.keyCycle},      {commandKeys(trigger, "D", texts), words.keyPin},
         {commandKeys(trigger, rowDigits, texts), words.keyJump}, {"↑ ↓", words.keyMove},
-        {std::string(words.escapeKey), words.keyClose},
+        {std::string(texts.escapeKey), words.keyClose},
     };
 }
 
@@ -37,7 +37,7 @@ std::vector<KeyLine> forSetup(SwitcherModifier trigger, const TextTable& texts) 
         {triggerKeys(trigger, texts), words.keyOpen},
         {combination(modifier, shifted, texts), words.keyPrevious},
         {combination(modifier, rowDigits, texts), words.keyJump},
-        {std::string(texts.windows.settings.escapeKey), words.keyCancel},
+        {std::string(texts.escapeKey), words.keyCancel},
     };
 }
 

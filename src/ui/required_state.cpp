@@ -76,17 +76,19 @@ RequiredState::RequiredState(const Platform& platform, AccessibilityAuthorizer& 
     auto* const group = new SettingsGroup;
     column->addWidget(group);
     const WindowTexts& texts = platform.texts.windows;
-    addExplanation(*group, texts, makeButtons(platform, authorizer, std::move(makeReport)));
+    const auto title = authorizer.canBecomeTrusted() ? texts.onboarding.requiredTitle : texts.serverUnusable;
+    addExplanation(*group, title, texts, makeButtons(platform, authorizer, std::move(makeReport)));
     addTroubleshooting(*group, texts);
 }
 
-void RequiredState::addExplanation(SettingsGroup& group, const WindowTexts& texts, QWidget* buttons) {
+void RequiredState::addExplanation(SettingsGroup& group, std::string_view titleText, const WindowTexts& texts,
+                                   QWidget* buttons) {
     const WindowTexts::Onboarding& words = texts.onboarding;
     auto* const block = new QWidget;
     auto* const column = new QVBoxLayout(block);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(betweenParagraphs);
-    auto* const title = new TextLabel({words.requiredTitle, {}}, TextStyle::bodyEmphasised);
+    auto* const title = new TextLabel({titleText, {}}, TextStyle::bodyEmphasised);
     title->setSymbol(WindowPresentation::permissionSymbol, Tone::warning);
     column->addWidget(title);
     column->addWidget(new TextLabel({words.requiredExplanation, {}}, TextStyle::note, Tone::secondary));

@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace ferrowyn {
 
@@ -21,7 +22,7 @@ public:
                   std::function<std::string()> makeReport);
 
 private:
-    void addExplanation(SettingsGroup& group, const WindowTexts& texts, QWidget* buttons);
+    void addExplanation(SettingsGroup& group, std::string_view titleText, const WindowTexts& texts, QWidget* buttons);
     void addTroubleshooting(SettingsGroup& group, const WindowTexts& texts);
     [[nodiscard]] QWidget* makeButtons(const Platform& platform, AccessibilityAuthorizer& authorizer,
                                        std::function<std::string()> makeReport);

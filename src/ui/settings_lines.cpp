@@ -36,11 +36,12 @@ StatusLine noUpdateServer(const WindowTexts& texts) {
     return {"", StatusLine::Tint::none, {texts.settings.noUpdateServer, {}}};
 }
 
-StatusLine permissionStatus(AccessibilityStatus status, const WindowTexts& texts) {
+StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const WindowTexts& texts) {
     if (status == AccessibilityStatus::trusted) {
         return {goodSymbol, StatusLine::Tint::good, {texts.settings.permissionGranted, {}}};
     }
-    return {attentionSymbol, StatusLine::Tint::attention, {texts.settings.permissionRequired, {}}};
+    const auto text = canBecomeTrusted ? texts.settings.permissionRequired : texts.serverUnusable;
+    return {attentionSymbol, StatusLine::Tint::attention, {text, {}}};
 }
 
 StatusLine secureInputStatus(const WindowTexts& texts) {

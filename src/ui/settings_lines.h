@@ -30,7 +30,7 @@ struct StatusLine {
 [[nodiscard]] std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts);
 /// In place of that where there is nothing to ask.
 [[nodiscard]] StatusLine noUpdateServer(const WindowTexts& texts);
-[[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, const WindowTexts& texts);
+[[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const WindowTexts& texts);
 [[nodiscard]] StatusLine secureInputStatus(const WindowTexts& texts);
 /// The line's text is a view of the message, which is looked up like any text: most come from the table of texts.
 [[nodiscard]] StatusLine loginItemMessage(std::string_view message);

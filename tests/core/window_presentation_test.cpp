@@ -24,14 +24,15 @@ AppWindow window(bool isMinimized, bool isFullScreen, bool isOnActiveSpace) {
 TEST(WindowPresentation, TheFirstStateThatAppliesIsTheBadge) {
     const Badge minimised{"Minimised", "arrow.down.right.and.arrow.up.left", Tint::orange};
     const Badge fullScreen{"Full Screen", "arrow.up.left.and.arrow.down.right", Tint::blue};
-    const Badge otherSpace{"Other Space", "rectangle.on.rectangle", Tint::purple};
     for (const TextTable* const texts : {&macTexts(), &linuxTexts()}) {
         EXPECT_THAT(badge(window(true, true, false), *texts), Optional(minimised));
         EXPECT_THAT(badge(window(true, false, false), *texts), Optional(minimised));
         EXPECT_THAT(badge(window(true, true, true), *texts), Optional(minimised));
         EXPECT_THAT(badge(window(false, true, false), *texts), Optional(fullScreen));
         EXPECT_THAT(badge(window(false, true, true), *texts), Optional(fullScreen));
-        EXPECT_THAT(badge(window(false, false, false), *texts), Optional(otherSpace));
+        EXPECT_THAT(badge(window(false, false, false), *texts),
+                    Optional(Badge{texts == &macTexts() ? "Other Space" : "Other Workspace", "rectangle.on.rectangle",
+                                   Tint::purple}));
     }
 }
 
@@ -44,6 +45,13 @@ TEST(WindowPresentation, FooterHintsStandInTheirOrder) {
         footerHints(SwitcherModifier::option, SwitcherLayout::list, macTexts()),
         ElementsAre(ShortcutHint{{"⌥⇥"}, "next"}, ShortcutHint{{"↑", "↓"}, "navigate"}, ShortcutHint{{"⏎"}, "switch"},
                     ShortcutHint{{"⌘D"}, "pin"}, ShortcutHint{{"esc"}, "cancel"}));
+}
+
+TEST(WindowPresentation, OnLinuxTheFooterNamesTheKeysOfAPcKeyboard) {
+    EXPECT_THAT(footerHints(SwitcherModifier::option, SwitcherLayout::list, linuxTexts()),
+                ElementsAre(ShortcutHint{{"Alt+Tab"}, "next"}, ShortcutHint{{"↑", "↓"}, "navigate"},
+                            ShortcutHint{{"Return"}, "switch"}, ShortcutHint{{"Ctrl+D"}, "pin"},
+                            ShortcutHint{{"Esc"}, "cancel"}));
 }
 
 TEST(WindowPresentation, OnlyTheGridNavigatesWithFourArrows) {

@@ -2,8 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cctype>
 #include <string_view>
 #include <vector>
+
+#include "core/text_table.h"
 
 namespace ferrowyn {
 namespace {
@@ -53,7 +59,6 @@ TEST(WindowTextsTest, OnAMacSettingsWindow) {
     EXPECT_EQ(texts.settings.confirmOnReleaseNote,
               "With this off, the switcher stays open until you press Return or Escape.");
     EXPECT_EQ(texts.settings.keysSection, "While the switcher is open");
-    EXPECT_EQ(texts.settings.escapeKey, "esc");
     EXPECT_EQ(texts.settings.keyCycle, "Cycle List → Grouped → Grid");
     EXPECT_EQ(texts.settings.keyPin, "Pin or unpin the highlighted app");
     EXPECT_EQ(texts.settings.keyJump, "Jump straight to a row");
@@ -159,9 +164,9 @@ TEST(WindowTextsTest, OnALinuxDesktopSettingsWindow) {
     EXPECT_EQ(texts.settings.notChecked, "Not checked yet.");
     EXPECT_EQ(texts.settings.upToDate, "Ferrowyn is up to date");
     EXPECT_EQ(texts.settings.updateAvailable, "Version %1 is available");
-    EXPECT_EQ(texts.settings.permissionsSection, "Permissions");
-    EXPECT_EQ(texts.settings.permissionGranted, "Accessibility access granted");
-    EXPECT_EQ(texts.settings.permissionRequired, "Accessibility access required");
+    EXPECT_EQ(texts.settings.permissionsSection, "Requirements");
+    EXPECT_EQ(texts.settings.permissionGranted, "A window manager is running");
+    EXPECT_EQ(texts.settings.permissionRequired, "A window manager is required");
     EXPECT_EQ(texts.settings.openSettings, "Open Setup");
     EXPECT_EQ(texts.settings.secureInput, "Secure input is active — another app is blocking global shortcuts.");
     EXPECT_EQ(texts.settings.summonWith, "Summon with");
@@ -173,9 +178,8 @@ TEST(WindowTextsTest, OnALinuxDesktopSettingsWindow) {
               "Super + Tab replaces the desktop's own switcher while Ferrowyn is running.");
     EXPECT_EQ(texts.settings.confirmOnRelease, "Switch when the modifier is released");
     EXPECT_EQ(texts.settings.confirmOnReleaseNote,
-              "With this off, the switcher stays open until you press Enter or Esc.");
+              "With this off, the switcher stays open until you press Return or Esc.");
     EXPECT_EQ(texts.settings.keysSection, "While the switcher is open");
-    EXPECT_EQ(texts.settings.escapeKey, "Esc");
     EXPECT_EQ(texts.settings.keyCycle, "Cycle List → Grouped → Grid");
     EXPECT_EQ(texts.settings.keyPin, "Pin or unpin the highlighted app");
     EXPECT_EQ(texts.settings.keyJump, "Jump straight to a row");
@@ -215,7 +219,7 @@ TEST(WindowTextsTest, OnALinuxDesktopSettingsWindow) {
 
 TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
     const WindowTexts& texts = linuxWindowTexts();
-    EXPECT_EQ(texts.onboarding.grantedTitle, "Accessibility access granted");
+    EXPECT_EQ(texts.onboarding.grantedTitle, "A window manager is running");
     EXPECT_EQ(texts.onboarding.grantedDetail, "The switcher is running in the background.");
     EXPECT_EQ(texts.onboarding.keyOpen, "open / next");
     EXPECT_EQ(texts.onboarding.keyPrevious, "previous");
@@ -224,7 +228,7 @@ TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
     EXPECT_EQ(texts.onboarding.typingHint,
               "Start typing while the switcher is open to filter by app name or window title.");
     EXPECT_EQ(texts.onboarding.done, "Done");
-    EXPECT_EQ(texts.onboarding.requiredTitle, "Accessibility access required");
+    EXPECT_EQ(texts.onboarding.requiredTitle, "A window manager is required");
     EXPECT_EQ(texts.onboarding.requiredExplanation,
               "Ferrowyn lists and focuses other apps' windows through the window manager, and sees its shortcut "
               "through XInput 2.2. One of the two is missing on this desktop.");
@@ -254,106 +258,83 @@ TEST(WindowTextsTest, OnALinuxDesktopAboutWindow) {
     EXPECT_EQ(texts.about.close, "Close");
 }
 
-TEST(WindowTextsTest, NothingOnALinuxDesktopNamesAnotherSystem) {
-    const WindowTexts& texts = linuxWindowTexts();
-    const std::vector<std::string_view> all{
-        texts.setupWindowTitle,
-        texts.settingsWindowTitle,
-        texts.aboutWindowTitle,
-        texts.shiftKey,
-        texts.settings.generalTitle,
-        texts.settings.shortcutTitle,
-        texts.settings.appearanceTitle,
-        texts.settings.windowsTitle,
-        texts.settings.favouritesTitle,
-        texts.settings.aboutTitle,
-        texts.settings.sidebarName,
-        texts.settings.launchAtLogin,
-        texts.settings.openLoginItems,
-        texts.settings.updatesSection,
-        texts.settings.automaticUpdates,
-        texts.settings.automaticUpdatesNote,
-        texts.settings.checkNow,
-        texts.settings.checking,
-        texts.settings.notChecked,
-        texts.settings.upToDate,
-        texts.settings.updateAvailable,
-        texts.settings.permissionsSection,
-        texts.settings.permissionGranted,
-        texts.settings.permissionRequired,
-        texts.settings.openSettings,
-        texts.settings.secureInput,
-        texts.settings.summonWith,
-        texts.settings.summonChoice,
-        texts.settings.optionName,
-        texts.settings.commandName,
-        texts.settings.controlName,
-        texts.settings.commandReplacesNote,
-        texts.settings.confirmOnRelease,
-        texts.settings.confirmOnReleaseNote,
-        texts.settings.keysSection,
-        texts.settings.escapeKey,
-        texts.settings.keyCycle,
-        texts.settings.keyPin,
-        texts.settings.keyJump,
-        texts.settings.keyMove,
-        texts.settings.keyClose,
-        texts.settings.layoutSection,
-        texts.settings.listTitle,
-        texts.settings.groupedTitle,
-        texts.settings.gridTitle,
-        texts.settings.listDescription,
-        texts.settings.groupedDescription,
-        texts.settings.gridDescription,
-        texts.settings.maximumRows,
-        texts.settings.showHints,
-        texts.settings.orderingSection,
-        texts.settings.activeAppFirst,
-        texts.settings.activeAppFirstOnNote,
-        texts.settings.activeAppFirstOffNote,
-        texts.settings.includeSection,
-        texts.settings.minimised,
-        texts.settings.otherSpaces,
-        texts.settings.otherSpacesNote,
-        texts.settings.favouritesFirst,
-        texts.settings.favouritesFirstNote,
-        texts.settings.pinnedSection,
-        texts.settings.nothingPinned,
-        texts.settings.removeHelp,
-        texts.settings.removeAll,
-        texts.onboarding.grantedTitle,
-        texts.onboarding.grantedDetail,
-        texts.onboarding.keyOpen,
-        texts.onboarding.keyPrevious,
-        texts.onboarding.keyJump,
-        texts.onboarding.keyCancel,
-        texts.onboarding.typingHint,
-        texts.onboarding.done,
-        texts.onboarding.requiredTitle,
-        texts.onboarding.requiredExplanation,
-        texts.onboarding.firstStep,
-        texts.onboarding.secondStep,
-        texts.onboarding.thirdStep,
-        texts.onboarding.openSystemSettings,
-        texts.onboarding.requestAccess,
-        texts.onboarding.copyReport,
-        texts.onboarding.revealApp,
-        texts.onboarding.troubleTitle,
-        texts.onboarding.troubleText,
-        texts.onboarding.close,
-        texts.about.tagline,
-        texts.about.version,
-        texts.about.copyright,
-        texts.about.summary,
-        texts.about.close,
+/// Every text of a table, whatever is added to it: nothing but texts stands in one.
+template <typename Table>
+auto textsIn(const Table& table) {
+    static_assert(sizeof(Table) % sizeof(std::string_view) == 0);
+    return std::bit_cast<std::array<std::string_view, sizeof(Table) / sizeof(std::string_view)>>(table);
+}
+
+/// The texts that a whole desktop shows: those of the panel, of the menu and of the windows.
+std::vector<std::string_view> allTexts(const TextTable& table) {
+    struct Parts {
+        // What is left of the table without its references to the other two.
+        std::array<std::string_view, (sizeof(TextTable) - 2 * sizeof(void*)) / sizeof(std::string_view)> own;
+        std::array<const void*, 2> others;
     };
+    const auto parts = std::bit_cast<Parts>(table);
+    EXPECT_EQ(parts.others[0], &table.statusItem);
+    EXPECT_EQ(parts.others[1], &table.windows);
+    std::vector<std::string_view> all(parts.own.begin(), parts.own.end());
+    for (const std::string_view text : textsIn(table.statusItem)) {
+        all.push_back(text);
+    }
+    for (const std::string_view text : textsIn(table.windows)) {
+        all.push_back(text);
+    }
+    return all;
+}
+
+TEST(WindowTextsTest, NothingOnALinuxDesktopNamesAnotherSystem) {
+    const std::vector<std::string_view> all = allTexts(linuxTexts());
+    // The first, one from between, and the last of each table are among what was found.
+    const WindowTexts& windows = linuxWindowTexts();
+    for (const std::string_view known :
+         {linuxTexts().optionKey, linuxTexts().permissionExplanation, linuxTexts().loginItemApproval,
+          linuxStatusItemTexts().programName, linuxStatusItemTexts().quit, windows.setupWindowTitle,
+          windows.settings.removeAll, windows.onboarding.troubleText, windows.about.close, windows.shiftKey}) {
+        ASSERT_NE(std::find(all.begin(), all.end(), known), all.end()) << known;
+    }
     for (const std::string_view text : all) {
         for (const std::string_view foreign :
              {"macOS", "Mission Control", "System Settings", "/Applications", "menu bar", "Space", "Option", "Command",
-              "Control", "⌘", "⌥", "⌃", "⇧", "Dock", "Privacy"}) {
+              "Control", "⌘", "⌥", "⌃", "⇧", "⇥", "⏎", "Dock", "Privacy", "Accessibility"}) {
             EXPECT_EQ(text.find(foreign), std::string_view::npos) << text;
         }
     }
+}
+
+TEST(WindowTextsTest, AKeyHasOneNameOnALinuxDesktop) {
+    EXPECT_EQ(linuxTexts().returnKey, "Return");
+    EXPECT_EQ(linuxTexts().escapeKey, "Esc");
+    for (const std::string_view text : allTexts(linuxTexts())) {
+        for (const std::string_view otherName : {"Enter", "Escape", "esc", "Windows key"}) {
+            // As a word: "escape" may well be part of another one.
+            for (std::size_t at = text.find(otherName); at != std::string_view::npos;
+                 at = text.find(otherName, at + 1)) {
+                const auto isLetter = [text](std::size_t place) {
+                    return place < text.size() && std::isalpha(static_cast<unsigned char>(text[place])) != 0;
+                };
+                EXPECT_TRUE(isLetter(at - 1) || isLetter(at + otherName.size())) << text;
+            }
+        }
+    }
+}
+
+TEST(WindowTextsTest, WhatIsMissingIsSaidInTheSameWordsEverywhere) {
+    const TextTable& linux = linuxTexts();
+    const std::string_view windowManager = "A window manager is required";
+    EXPECT_EQ(linux.permissionTitle, windowManager);
+    EXPECT_EQ(linux.statusItem.accessRequired.subtitle, windowManager);
+    EXPECT_EQ(linux.windows.settings.permissionRequired, windowManager);
+    EXPECT_EQ(linux.windows.onboarding.requiredTitle, windowManager);
+    const std::string_view server = "This X server cannot be used";
+    EXPECT_EQ(linux.statusItem.serverUnusable.subtitle, server);
+    EXPECT_EQ(linux.windows.serverUnusable, server);
+    EXPECT_EQ(linux.windows.settings.permissionGranted, linux.windows.onboarding.grantedTitle);
+    EXPECT_EQ(linux.permissionButton, linux.windows.settings.openSettings);
+    EXPECT_EQ(linux.otherSpaceBadge, "Other Workspace");
+    EXPECT_EQ(linux.windows.settings.otherSpaces, "Windows on other workspaces");
 }
 
 }  // namespace

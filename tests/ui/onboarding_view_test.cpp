@@ -83,13 +83,13 @@ TEST_F(OnboardingViewTest, ItChangesByItselfWhenTrustComesAndGoes) {
     linux.desktop.setTrusted(false);
     linux.authorizer.refresh();
     settle();
-    EXPECT_THAT(visibleTexts(window), Contains("Accessibility access required"));
-    EXPECT_THAT(visibleTexts(window), Not(Contains("Accessibility access granted")));
+    EXPECT_THAT(visibleTexts(window), Contains("A window manager is required"));
+    EXPECT_THAT(visibleTexts(window), Not(Contains("A window manager is running")));
     EXPECT_GT(window.height(), height) << "the window takes the size of what it shows";
     linux.desktop.setTrusted(true, true);
     linux.desktop.advance(Seconds(1));
     settle();
-    EXPECT_THAT(visibleTexts(window), Contains("Accessibility access granted"));
+    EXPECT_THAT(visibleTexts(window), Contains("A window manager is running"));
     EXPECT_EQ(window.height(), height);
 }
 
@@ -134,6 +134,13 @@ TEST_F(OnboardingViewTest, OnALinuxDesktopItExplainsTheWindowManager) {
     buttonNamed(*setup, "Check Again")->click();
     EXPECT_THAT(visibleTexts(*setup), Contains("The switcher is running in the background."));
     EXPECT_THAT(visibleKeyCaps(*setup), ElementsAre("Alt+Tab", "Alt+Shift+Tab", "Alt+1–9", "Esc"));
+}
+
+TEST_F(OnboardingViewTest, AServerThatCannotBeUsedIsCalledThatAndNotAMissingWindowManager) {
+    test::WindowsModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.makeServerUnusable(); });
+    const auto texts = visibleTexts(*makeView(desktop));
+    EXPECT_THAT(texts, Contains("This X server cannot be used"));
+    EXPECT_THAT(texts, Not(Contains("A window manager is required")));
 }
 
 TEST_F(OnboardingViewTest, TheReportIsMadeInTheBackgroundAndCopied) {

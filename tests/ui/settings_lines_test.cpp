@@ -31,9 +31,9 @@ TEST(SettingsLinesTest, TheUpdateLineSaysHowTheLastCheckEnded) {
 }
 
 TEST(SettingsLinesTest, ThePermissionLineFollowsTrust) {
-    EXPECT_EQ(settings_lines::permissionStatus(AccessibilityStatus::trusted, mac()),
+    EXPECT_EQ(settings_lines::permissionStatus(AccessibilityStatus::trusted, true, mac()),
               (StatusLine{"checkmark.circle.fill", Tint::good, {"Accessibility access granted", {}}}));
-    EXPECT_EQ(settings_lines::permissionStatus(AccessibilityStatus::notTrusted, mac()),
+    EXPECT_EQ(settings_lines::permissionStatus(AccessibilityStatus::notTrusted, true, mac()),
               (StatusLine{"exclamationmark.triangle.fill", Tint::attention, {"Accessibility access required", {}}}));
     EXPECT_EQ(settings_lines::secureInputStatus(mac()),
               (StatusLine{"keyboard.badge.ellipsis",

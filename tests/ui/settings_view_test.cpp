@@ -292,6 +292,22 @@ TEST_F(LinuxSettingsViewTest, WorkspacesAreCalledWorkspaces) {
     expectBound(SettingsPane::windows, "Windows on other workspaces", model.preferences.includeOtherSpaces);
 }
 
+TEST_F(LinuxSettingsViewTest, ThePermissionLineNamesWhatIsMissing) {
+    QWidget& pane = open(SettingsPane::general);
+    EXPECT_EQ(symbolBeside(pane, "A window manager is running"), "checkmark.circle.fill");
+    model.desktop.setTrusted(false);
+    model.authorizer.refresh();
+    EXPECT_EQ(symbolBeside(pane, "A window manager is required"), "exclamationmark.triangle.fill");
+    EXPECT_THAT(visibleButtons(pane), Contains("Open Setup"));
+}
+
+TEST_F(LinuxSettingsViewTest, AServerThatCannotBeUsedIsCalledThat) {
+    model.desktop.makeServerUnusable();
+    model.authorizer.refresh();
+    EXPECT_EQ(symbolBeside(open(SettingsPane::general), "This X server cannot be used"),
+              "exclamationmark.triangle.fill");
+}
+
 // Appearance
 
 TEST_F(SettingsViewTest, TheLayoutIsChosenAndDescribed) {

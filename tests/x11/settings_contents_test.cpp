@@ -38,12 +38,12 @@ TEST_F(SettingsContentsTest, EveryControlOfEveryPaneHasItsRoleAndItsName) {
                               "label: " + updatesNote,
                               "label: Not checked yet.",
                               "push button: Check Now",
-                              "label: Permissions",
-                              "panel: Permissions",
-                              "label: Accessibility access granted",
+                              "label: Requirements",
+                              "panel: Requirements",
+                              "label: A window manager is running",
                           });
 
-    const std::string releaseNote = "With this off, the switcher stays open until you press Enter or Esc.";
+    const std::string releaseNote = "With this off, the switcher stays open until you press Return or Esc.";
     expectPane("Shortcut", {
                                "panel: ",
                                "label: Summon with",

@@ -47,7 +47,7 @@ TEST_F(SettingsMouseTest, WindowsTheSwitcherListsThemInThisOrderAndOnlyThese) {
             "list item: Report, Writer, 1 of 5",
             "list item: Maps, Browser, 2 of 5",
             "list item: Weather, Browser, 3 of 5",
-            "list item: News, Browser, Other Space, 4 of 5",
+            "list item: News, Browser, Other Workspace, 4 of 5",
             "list item: Letter, Writer, Minimised, 5 of 5",
         },
         listWidth);
@@ -58,7 +58,7 @@ TEST_F(SettingsMouseTest, WindowsTheSwitcherListsThemInThisOrderAndOnlyThese) {
             "list item: Report, Writer, 1 of 4",
             "list item: Maps, Browser, 2 of 4",
             "list item: Weather, Browser, 3 of 4",
-            "list item: News, Browser, Other Space, 4 of 4",
+            "list item: News, Browser, Other Workspace, 4 of 4",
         },
         listWidth);
     toggle("Windows on other workspaces", false);

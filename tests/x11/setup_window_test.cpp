@@ -22,7 +22,7 @@ protected:
     [[nodiscard]] static Lines granted() {
         return withHeader({
             "panel: ",
-            "label: Accessibility access granted",
+            "label: A window manager is running",
             "label: The switcher is running in the background.",
             "label: Alt+Tab",
             "label: open / next",
@@ -34,14 +34,14 @@ protected:
             "label: cancel",
             "label: Start typing while the switcher is open to filter by app name or window title.",
             "label: Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, "
-            "Enter does.",
+            "Return does.",
             "push button: Done",
         });
     }
     [[nodiscard]] static Lines required() {
         return withHeader({
             "panel: ",
-            "label: Accessibility access required",
+            "label: A window manager is required",
             "label: Ferrowyn lists and focuses other apps' windows through the window manager, and sees its shortcut "
             "through XInput 2.2. One of the two is missing on this desktop.",
             "label: 1.",
@@ -67,11 +67,11 @@ TEST_F(SetupWindowTest, BothStatesAreToldAndItChangesBetweenThemByItself) {
     EXPECT_EQ(shown(setupTitle).role, "frame");
     expectLines(setupTitle, granted());
     open("--settings", settingsTitle);
-    expectLabel(settingsTitle, "Accessibility access granted");
+    expectLabel(settingsTitle, "A window manager is running");
     manager.process().signal(SIGTERM);
     ASSERT_TRUE(manager.process().waitForExit());
     expectLines(setupTitle, required());
-    expectLabel(settingsTitle, "Accessibility access required");
+    expectLabel(settingsTitle, "A window manager is required");
     // Its buttons, pressed as assistive technology does, for windows have no certain place now.
     press(setupTitle, "Close");
     EXPECT_TRUE(reader->waitUntil([&] { return shown(setupTitle).children.empty(); }));
@@ -81,7 +81,7 @@ TEST_F(SetupWindowTest, BothStatesAreToldAndItChangesBetweenThemByItself) {
     expectLines(setupTitle, required());
     const WindowManagerProcess another(server, "openbox");
     expectLines(setupTitle, granted());
-    expectLabel(settingsTitle, "Accessibility access granted");
+    expectLabel(settingsTitle, "A window manager is running");
     EXPECT_FALSE(shows(settingsTitle, "push button", "Open Setup"));
 }
 

@@ -88,7 +88,7 @@ TEST_F(StatusMenuTest, WithoutAWindowManagerItSaysSoAndLeadsToWhatIsMissing) {
     EXPECT_EQ(Lines(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(lost.size())), lost);
     EXPECT_FALSE(isEnabled("Open Switcher"));
     chooseFromMenu("Show What Is Missing…");
-    expectLabel(setupTitle, "Accessibility access required");
+    expectLabel(setupTitle, "A window manager is required");
 }
 
 TEST_F(StatusMenuTest, WhileAnotherProgramHoldsTheKeyboardItSaysThatItWaits) {
