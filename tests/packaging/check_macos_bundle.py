@@ -166,6 +166,8 @@ def complaints_about_scripts(packaging):
     found = []
     if plistlib.loads((packaging / "ferrowyn.entitlements").read_bytes()) != {}:
         found.append("the entitlements ask for an exception")
+    if b"<!--" in (packaging / "ferrowyn.entitlements").read_bytes():
+        found.append("the entitlements have a comment, which signing may refuse")
     with tempfile.TemporaryDirectory() as folder:
         workshop = Workshop(packaging, pathlib.Path(folder))
         found += complaints_about_signing(workshop)
