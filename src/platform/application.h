@@ -8,6 +8,7 @@
 #include "core/subscription.h"
 #include "platform/activation_policy.h"
 #include "platform/bundle_info.h"
+#include "platform/main_loop.h"
 
 namespace ferrowyn {
 
@@ -23,6 +24,9 @@ public:
     [[nodiscard]] virtual BundleInfo bundleInfo() const = 0;
     /// The operating system's major and minor version numbers joined by ".", such as "14.5".
     [[nodiscard]] virtual std::string systemVersion() const = 0;
+    /// The year of this moment in the calendar that the user has chosen, such as 2569 in the Buddhist one; absent where
+    /// the desktop knows of no other than the Gregorian.
+    [[nodiscard]] virtual std::optional<int> calendarYear(WallTime moment) const = 0;
 
     /// Whether the program has a place among the running applications (a Dock icon, a task bar entry) beside its
     /// windows. Ignored by desktops that know no such thing.

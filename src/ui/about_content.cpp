@@ -26,9 +26,13 @@ constexpr int belowVersion = 10;
 constexpr int belowTagline = 14;
 constexpr int belowSite = 12;
 
-int currentYear(const MainLoop& mainLoop) {
+int currentYear(const Platform& platform) {
     using std::chrono::duration_cast;
-    const auto sinceEpoch = duration_cast<std::chrono::milliseconds>(mainLoop.wallTime().time_since_epoch());
+    const WallTime now = platform.mainLoop.wallTime();
+    if (const auto year = platform.application.calendarYear(now)) {
+        return *year;
+    }
+    const auto sinceEpoch = duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
     // By the clock on the user's wall.
     return QDateTime::fromMSecsSinceEpoch(sinceEpoch.count()).date().year();
 }
@@ -66,7 +70,7 @@ AboutContent::AboutContent(const Platform& platform, int iconSize) {
     column->addSpacing(belowTagline);
     column->addWidget(makeSiteLink(platform), 0, Qt::AlignHCenter);
     column->addSpacing(belowSite);
-    column->addWidget(TextLabel::centred(about_lines::copyrightLine(bundle, currentYear(platform.mainLoop), texts),
+    column->addWidget(TextLabel::centred(about_lines::copyrightLine(bundle, currentYear(platform), texts),
                                          TextStyle::note, Tone::secondary));
     setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(translated(about_lines::accessibilitySummary(bundle, texts)));

@@ -76,6 +76,17 @@ void UtilityWindow::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
 }
 
+void UtilityWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange) {
+        return;
+    }
+    const bool wasFullScreen = static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowFullScreen);
+    if (wasFullScreen && !isFullScreen() && onDidLeaveFullScreen) {
+        onDidLeaveFullScreen();
+    }
+}
+
 bool UtilityWindow::event(QEvent* event) {
     if (event->type() == QEvent::Show) {
         wasExposed_ = false;

@@ -18,6 +18,8 @@ public:
     std::function<void()> onWillClose;
     /// Called each time the window has come onto the screen, when the window manager knows it.
     std::function<void()> onExposed;
+    /// Called when the window was full screen and is so no longer.
+    std::function<void()> onDidLeaveFullScreen;
 
     [[nodiscard]] bool isExposed() const { return isVisible() && wasExposed_; }
     /// In the middle of the screen on which the pointer is.
@@ -28,6 +30,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 

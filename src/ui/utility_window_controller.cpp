@@ -40,8 +40,8 @@ void UtilityWindowController::show() {
     if (!window_) {
         makeWindow();
     }
-    if (configure_ && !window_->isVisible()) {
-        window_->leaveRoomAtTheTop(configure_(static_cast<std::uintptr_t>(window_->winId()), isResizable_));
+    if (!window_->isVisible()) {
+        configureWindow();
     }
     application_.activate();
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
@@ -66,13 +66,21 @@ void UtilityWindowController::makeWindow() {
     // The toolkit's own request carries the time of the last event that it saw, which may be hours old, and says that
     // an application asks: a manager that guards the focus then refuses.
     window_->onExposed = [this] { application_.bringToFront(static_cast<WindowId>(window_->winId())); };
+    window_->onDidLeaveFullScreen = [this] { configureWindow(); };
     window_->centre();
+}
+
+void UtilityWindowController::configureWindow() {
+    if (configure_) {
+        window_->leaveRoomAtTheTop(configure_(static_cast<std::uintptr_t>(window_->winId()), isResizable_));
+    }
 }
 
 void UtilityWindowController::windowWillClose() {
     const auto windows = QApplication::topLevelWidgets();
     const bool isLast = std::ranges::none_of(windows, [this](const QWidget* other) {
-        return other != window_.get() && other->isVisible() && canBecomeMain(*other);
+        // A minimised window is not on the screen; the toolkit calls it visible all the same.
+        return other != window_.get() && other->isVisible() && !other->isMinimized() && canBecomeMain(*other);
     });
     if (isLast) {
         application_.setActivationPolicy(ActivationPolicy::accessory);

@@ -20,8 +20,9 @@ class UtilityWindow;
 class UtilityWindowController {
 public:
     using ContentBuilder = std::function<std::unique_ptr<QWidget>()>;
-    /// Gives a window what its desktop knows and the toolkit does not, each time before it comes onto the screen: the
-    /// toolkit may have made the desktop's window anew since it was closed.
+    /// Gives a window what its desktop knows and the toolkit does not, each time before it comes onto the screen, and
+    /// when it is no longer full screen: the toolkit may have made the desktop's window anew since it was closed, and
+    /// sets what it knows of the window again after full screen.
     /// The height of what then lies over the top of the window's content.
     using WindowConfiguration = std::function<int(std::uintptr_t windowNumber, bool isResizable)>;
 
@@ -42,6 +43,7 @@ public:
 
 private:
     void makeWindow();
+    void configureWindow();
     void windowWillClose();
 
     Application& application_;

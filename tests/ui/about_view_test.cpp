@@ -65,6 +65,13 @@ TEST(AboutViewTest, TheYearIsThatOfTheClock) {
     EXPECT_THAT(visibleTexts(view), Contains("© " + std::to_string(year) + " Ferrowyn"));
 }
 
+TEST(AboutViewTest, TheYearIsThatOfTheUsersCalendar) {
+    test::WindowsModel model;
+    model.desktop.application().year = 2569;
+    const AboutView view(model.platform, [] {});
+    EXPECT_THAT(visibleTexts(view), Contains("© 2569 Ferrowyn"));
+}
+
 TEST(AboutViewTest, ItsSummaryIsReadOut) {
     test::WindowsModel model;
     AboutView view(model.platform, [] {});

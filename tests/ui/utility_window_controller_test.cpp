@@ -119,6 +119,17 @@ TEST_F(UtilityWindowControllerTest, OnlyTheLastWindowToCloseGivesUpThePlaceAmong
     EXPECT_THAT(application.policies, ElementsAre(ActivationPolicy::accessory));
 }
 
+TEST_F(UtilityWindowControllerTest, AMinimisedWindowDoesNotCountAsAnOpenOne) {
+    UtilityWindowController setup = make("Ferrowyn Setup");
+    UtilityWindowController settings = make("Ferrowyn Settings", true);
+    setup.show();
+    settings.show();
+    setup.window()->showMinimized();
+    application.policies.clear();
+    settings.close();
+    EXPECT_THAT(application.policies, ElementsAre(ActivationPolicy::accessory));
+}
+
 TEST_F(UtilityWindowControllerTest, ThePanelAndTooltipsDoNotCountAsOpenWindows) {
     QWidget panel(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
     QWidget tooltip(nullptr, Qt::ToolTip);
@@ -212,6 +223,27 @@ TEST_F(UtilityWindowControllerTest, TheDesktopConfiguresTheWindowEachTimeBeforeI
         EXPECT_EQ(configured.size(), times) << "it is on the screen already";
         controller->close();
     }
+}
+
+TEST_F(UtilityWindowControllerTest, TheDesktopConfiguresTheWindowAgainAfterFullScreen) {
+    int configurations = 0;
+    UtilityWindowController controller(
+        application, Phrase{"Ferrowyn Settings", {}}, true, [] { return std::make_unique<QLabel>(); },
+        [&](std::uintptr_t /*number*/, bool /*isResizable*/) { return 28 + configurations++; });
+    controller.show();
+    processEvents();
+    EXPECT_EQ(configurations, 1);
+    controller.window()->showFullScreen();
+    processEvents();
+    EXPECT_EQ(configurations, 1);
+    controller.window()->showNormal();
+    processEvents();
+    EXPECT_EQ(configurations, 2);
+    EXPECT_EQ(controller.window()->contentsMargins().top(), 29);
+    controller.window()->showMaximized();
+    controller.window()->showNormal();
+    processEvents();
+    EXPECT_EQ(configurations, 2) << "which changes nothing of the window's looks";
 }
 
 TEST_F(UtilityWindowControllerTest, NothingOfTheContentStandsUnderATitleBarThatCoversTheWindow) {

@@ -11,6 +11,7 @@ public:
     [[nodiscard]] Subscription observeDidBecomeActive(std::function<void()> handler) override;
     [[nodiscard]] BundleInfo bundleInfo() const override;
     [[nodiscard]] std::string systemVersion() const override;
+    [[nodiscard]] std::optional<int> calendarYear(WallTime moment) const override;
     void setActivationPolicy(ActivationPolicy policy) override;
     void activate() override;
     /// The toolkit's number of a window is the address of its view, of which a window id holds the lower half.

@@ -57,6 +57,11 @@ std::string MacApplication::systemVersion() const {
     return std::to_string(version.majorVersion) + "." + std::to_string(version.minorVersion);
 }
 
+std::optional<int> MacApplication::calendarYear(WallTime moment) const {
+    NSDate* const date = [NSDate dateWithTimeIntervalSince1970:moment.time_since_epoch().count()];
+    return static_cast<int>([NSCalendar.currentCalendar component:NSCalendarUnitYear fromDate:date]);
+}
+
 void MacApplication::setActivationPolicy(ActivationPolicy policy) {
     [NSApplication.sharedApplication setActivationPolicy:systemPolicy(policy)];
 }

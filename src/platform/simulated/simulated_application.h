@@ -18,6 +18,7 @@ public:
 
     [[nodiscard]] BundleInfo bundleInfo() const override { return bundle; }
     [[nodiscard]] std::string systemVersion() const override { return version; }
+    [[nodiscard]] std::optional<int> calendarYear(WallTime /*moment*/) const override { return year; }
     void setActivationPolicy(ActivationPolicy policy) override { policies.push_back(policy); }
     void activate() override { ++activationCount; }
     void bringToFront(WindowId window) override { broughtToFront.push_back(window); }
@@ -33,6 +34,7 @@ public:
                       .updateHost = "updates.ferrowyn.example",
                       .homePage = "https://ferrowyn.example"};
     std::string version = "14.5";
+    std::optional<int> year;
     /// What was asked, in order.
     std::vector<ActivationPolicy> policies;
     int activationCount = 0;

@@ -50,6 +50,10 @@ std::string X11Application::systemVersion() const {
     return fmt::format("{}.{}", std::max(version.majorVersion(), 0), std::max(version.minorVersion(), 0));
 }
 
+std::optional<int> X11Application::calendarYear(WallTime /*moment*/) const {
+    return std::nullopt;
+}
+
 void X11Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 
 /// The window manager decides that for each window, when it is asked to activate one.

@@ -15,6 +15,7 @@ public:
     [[nodiscard]] Subscription observeDidBecomeActive(std::function<void()> handler) override;
     [[nodiscard]] BundleInfo bundleInfo() const override;
     [[nodiscard]] std::string systemVersion() const override;
+    [[nodiscard]] std::optional<int> calendarYear(WallTime moment) const override;
     /// A window that is open is in the task bar anyway; there is nothing to switch.
     void setActivationPolicy(ActivationPolicy policy) override;
     void activate() override;
