@@ -15,16 +15,18 @@ std::unique_ptr<MacAccessibilityObserver> MacAccessibilityObserver::create(Pid p
     AXObserverRef created = nullptr;
     const AXError error = AXObserverCreate(pid, receive, &created);
     auto watch = std::make_shared<Watch>(Watch{Owned<AXObserverRef>(created), std::move(handler)});
-    if (error != kAXErrorSuccess || !watch->observer) {
+    auto application = accessibility::applicationElement(pid);
+    if (error != kAXErrorSuccess || !watch->observer || !application) {
         return nullptr;
     }
     return std::unique_ptr<MacAccessibilityObserver>(
-        new MacAccessibilityObserver(pid, std::move(watch), mainLoop, log));
+        new MacAccessibilityObserver(pid, std::move(application), std::move(watch), mainLoop, log));
 }
 
-MacAccessibilityObserver::MacAccessibilityObserver(Pid pid, std::shared_ptr<Watch> watch, MainLoop& mainLoop, Log& log)
+MacAccessibilityObserver::MacAccessibilityObserver(Pid pid, Owned<AXUIElementRef> application,
+                                                   std::shared_ptr<Watch> watch, MainLoop& mainLoop, Log& log)
     : mainLoop_(mainLoop),
-      application_(accessibility::applicationElement(pid)),
+      application_(std::move(application)),
       watch_(std::move(watch)),
       registrations_(pid, watch_->observer.get(), watch_.get(), mainLoop, log) {
     // After what its maker registers in this turn. Nothing is lost in between: what the application tells waits for

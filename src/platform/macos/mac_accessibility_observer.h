@@ -43,7 +43,8 @@ private:
         Source source = Source::notYetAdded;
     };
 
-    MacAccessibilityObserver(Pid pid, std::shared_ptr<Watch> watch, MainLoop& mainLoop, Log& log);
+    MacAccessibilityObserver(Pid pid, Owned<AXUIElementRef> application, std::shared_ptr<Watch> watch,
+                             MainLoop& mainLoop, Log& log);
 
     static void receive(AXObserverRef observer, AXUIElementRef element, CFStringRef notification, void* refcon);
 

@@ -32,11 +32,17 @@ Owned<AXUIElementRef> applicationElement(Pid pid) {
 }
 
 void setMessagingTimeout(AXUIElementRef element, Seconds timeout) {
+    if (element == nullptr) {
+        return;
+    }
     // It can only fail for an element or a number that is no such thing, and then there is nobody to wait for either.
     static_cast<void>(AXUIElementSetMessagingTimeout(element, static_cast<float>(timeout.count())));
 }
 
 Answer copyAttribute(AXUIElementRef element, CFStringRef attribute) {
+    if (element == nullptr) {
+        return {kAXErrorInvalidUIElement, {}};
+    }
     CFTypeRef value = nullptr;
     const AXError error = AXUIElementCopyAttributeValue(element, attribute, &value);
     return {error, Owned<CFTypeRef>(value)};

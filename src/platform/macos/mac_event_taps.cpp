@@ -6,6 +6,7 @@
 
 #include "platform/log.h"
 #include "platform/macos/mac_event_tap.h"
+#include "platform/macos/mac_tap_event.h"
 #include "platform/macos/mac_tap_run_loop.h"
 #include "platform/macos/mac_tap_run_loop_source.h"
 #include "platform/macos/mac_tap_thread.h"
@@ -13,7 +14,12 @@
 namespace ferrowyn {
 
 std::shared_ptr<EventTap> MacEventTaps::create(std::uint64_t mask, SwitcherModifier /*trigger*/, Callback callback) {
-    return MacEventTap::create(mask, std::move(callback));
+    MacTapEvent::prepareTexts();
+    return MacEventTap::create(mask, [inPool = inPool_, callback = std::move(callback)](const TapEvent& event) {
+        TapVerdict verdict;
+        inPool([&] { verdict = callback(event); });
+        return verdict;
+    });
 }
 
 std::shared_ptr<TapRunLoopSource> MacEventTaps::createSource(const std::shared_ptr<EventTap>& tap) {
@@ -22,7 +28,7 @@ std::shared_ptr<TapRunLoopSource> MacEventTaps::createSource(const std::shared_p
 }
 
 std::shared_ptr<TapRunLoop> MacEventTaps::currentRunLoop() {
-    return std::make_shared<MacTapRunLoop>(Owned<CFRunLoopRef>::retaining(CFRunLoopGetCurrent()));
+    return std::make_shared<MacTapRunLoop>(Owned<CFRunLoopRef>::retaining(CFRunLoopGetCurrent()), inPool_);
 }
 
 std::unique_ptr<TapThread> MacEventTaps::startThread(std::string_view name, std::function<void()> body) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "platform/event_tap.h"
 
 namespace ferrowyn {
@@ -9,8 +12,11 @@ class Log;
 /// The system's own event taps, and the thread that serves one.
 class MacEventTaps final : public EventTaps {
 public:
-    /// The log outlives this.
-    explicit MacEventTaps(Log& log) : log_(log) {}
+    /// Does the work in an autorelease pool of its own.
+    using InPool = std::function<void(const std::function<void()>& work)>;
+
+    /// The log outlives this. The tap's thread has no pool of its own, and the system's functions autorelease too.
+    MacEventTaps(Log& log, InPool inPool) : log_(log), inPool_(std::move(inPool)) {}
 
     [[nodiscard]] std::shared_ptr<EventTap> create(std::uint64_t mask, SwitcherModifier trigger,
                                                    Callback callback) override;
@@ -20,6 +26,7 @@ public:
 
 private:
     Log& log_;
+    InPool inPool_;
 };
 
 }  // namespace ferrowyn

@@ -5,7 +5,9 @@
 #include "core/text_table.h"
 #include "platform/macos/mac_accessibility_notifications.h"
 #include "platform/macos/mac_accessibility_observers.h"
+#include "platform/macos/mac_activity.h"
 #include "platform/macos/mac_application.h"
+#include "platform/macos/mac_autorelease_pool.h"
 #include "platform/macos/mac_background_work.h"
 #include "platform/macos/mac_event_taps.h"
 #include "platform/macos/mac_icon_source.h"
@@ -27,6 +29,7 @@ namespace ferrowyn {
 struct MacPlatform::Parts {
     explicit Parts(MacPlatformFoundation foundation);
 
+    MacActivity activity;
     MacBackgroundWork backgroundWork;
     MacWindowNumberLookup windowNumbers;
     MacRunningApplicationControl applications;
@@ -52,7 +55,7 @@ MacPlatform::Parts::Parts(MacPlatformFoundation foundation)
       observers(foundation.mainLoop, foundation.log),
       control(applications, windowNumbers, foundation.log),
       trust(observeAccessibilityDatabase),
-      eventTaps(foundation.log),
+      eventTaps(foundation.log, inAutoreleasePool),
       panel(std::move(foundation.hostWidget), foundation.panelCornerRadius),
       platform{.mainLoop = foundation.mainLoop,
                .backgroundWork = backgroundWork,

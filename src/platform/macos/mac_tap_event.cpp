@@ -38,6 +38,13 @@ std::u16string textOf(CGEventRef event) {
 
 }  // namespace
 
+void MacTapEvent::prepareTexts() {
+    constexpr CGKeyCode someKey = 0;
+    if (const Owned<CGEventRef> event(CGEventCreateKeyboardEvent(nullptr, someKey, true)); event) {
+        static_cast<void>(textOf(event.get()));
+    }
+}
+
 TapEvent::Type MacTapEvent::type() const {
     return static_cast<Type>(type_);
 }

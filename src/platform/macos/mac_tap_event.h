@@ -12,6 +12,10 @@ public:
     /// The two "disabled" types come without an event worth asking, or with none.
     MacTapEvent(CGEventType type, CGEventRef event) : type_(type), event_(event) {}
 
+    /// Asks for the text of some key. What translates keys is made when it is first used, which must be on the main
+    /// thread; after that any thread may use it.
+    static void prepareTexts();
+
     [[nodiscard]] Type type() const override;
     [[nodiscard]] std::uint64_t flags() const override;
     [[nodiscard]] std::uint16_t keyCode() const override;

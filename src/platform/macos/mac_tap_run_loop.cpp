@@ -9,7 +9,9 @@ void MacTapRunLoop::runFor(Seconds slice) {
     if (takeStop()) {
         return;
     }
-    const CFRunLoopRunResult result = CFRunLoopRunInMode(kCFRunLoopDefaultMode, slice.count(), false);
+    CFRunLoopRunResult result = kCFRunLoopRunFinished;
+    // What the loop itself leaves behind goes with each slice.
+    inPool_([&] { result = CFRunLoopRunInMode(kCFRunLoopDefaultMode, slice.count(), false); });
     if (result == kCFRunLoopRunFinished) {
         // A loop without a source, such as after the tap's port has gone, returns at once, and the thread that runs
         // it again and again would turn as fast as it can.

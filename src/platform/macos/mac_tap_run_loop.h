@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "platform/event_tap.h"
+#include "platform/macos/mac_event_taps.h"
 #include "platform/macos/owned.h"
 
 namespace ferrowyn {
@@ -13,7 +14,8 @@ namespace ferrowyn {
 /// A thread's run loop as the tap thread uses it.
 class MacTapRunLoop final : public TapRunLoop {
 public:
-    explicit MacTapRunLoop(Owned<CFRunLoopRef> loop) : loop_(std::move(loop)) {}
+    MacTapRunLoop(Owned<CFRunLoopRef> loop, MacEventTaps::InPool inPool)
+        : loop_(std::move(loop)), inPool_(std::move(inPool)) {}
 
     void runFor(Seconds slice) override;
     void stop() override;
@@ -25,6 +27,7 @@ private:
     [[nodiscard]] bool takeStop();
 
     Owned<CFRunLoopRef> loop_;
+    MacEventTaps::InPool inPool_;
     std::mutex lock_;
     std::condition_variable stopped_;
     bool isStopped_ = false;

@@ -2,9 +2,11 @@
 # against fakes.
 set(ferrowyn_objective_cpp_sources
   mac_accessibility_notifications.mm
+  mac_activity.mm
   mac_application.mm
   mac_application_delegate.mm
   mac_application_menu.mm
+  mac_autorelease_pool.mm
   mac_background_work.mm
   mac_icon_image.mm
   mac_icon_source.mm

@@ -28,6 +28,7 @@ Accessibility& Accessibility::shared() {
 
 void Accessibility::reset() {
     const std::lock_guard lock(lock_);
+    refusesHandles = false;
     applications_.clear();
     elements_.clear();
     requests_.clear();
@@ -197,6 +198,9 @@ CFTypeID AXUIElementGetTypeID() {
 }
 
 AXUIElementRef AXUIElementCreateApplication(pid_t pid) {
+    if (Accessibility::shared().refusesHandles) {
+        return nullptr;
+    }
     return (new ElementHandle(Accessibility::shared().elementOfApplication(pid)))->as<AXUIElementRef>();
 }
 

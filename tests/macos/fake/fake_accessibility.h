@@ -3,6 +3,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 #include <HIServices/HIServices.h>
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -44,6 +45,9 @@ public:
 
     [[nodiscard]] static Accessibility& shared();
     void reset();
+
+    /// No handle of an application is made.
+    std::atomic<bool> refusesHandles = false;
 
     ElementId addApplication(Pid pid);
     /// Also listed last among the application's "AXWindows".

@@ -37,8 +37,11 @@ void Keyboard::reset() {
     refusesTaps = false;
     refusesSources = false;
     refusesCopies = false;
+    refusesEvents = false;
     layout.clear();
     request_.reset();
+    mainThread_ = std::this_thread::get_id();
+    hasTranslated_ = false;
 }
 
 Keyboard::Outcome Keyboard::press(const Key& key) {
@@ -113,6 +116,13 @@ void Keyboard::setEnabled(MachPort& port, bool enabled) {
     changed_.notify_all();
 }
 
+void Keyboard::translate() {
+    const std::lock_guard lock(lock_);
+    if (!std::exchange(hasTranslated_, true) && std::this_thread::get_id() != mainThread_) {
+        Objects::shared().fault("the first text of a key is asked for on another thread than the main one");
+    }
+}
+
 }  // namespace ferrowyn::fake
 
 using namespace ferrowyn::fake;
@@ -150,6 +160,14 @@ bool CGEventTapIsEnabled(CFMachPortRef tap) {
     return port != nullptr && port->isEnabled();
 }
 
+CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef source, CGKeyCode virtualKey, bool keyDown) {
+    static_cast<void>(source);
+    if (Keyboard::shared().refusesEvents) {
+        return nullptr;
+    }
+    return (new Event({.type = keyDown ? kCGEventKeyDown : kCGEventKeyUp, .keyCode = virtualKey}))->as<CGEventRef>();
+}
+
 CGEventRef CGEventCreateCopy(CGEventRef event) {
     auto* const found = find(event, "CGEventCreateCopy");
     if (found == nullptr || Keyboard::shared().refusesCopies) {
@@ -180,6 +198,7 @@ void CGEventKeyboardGetUnicodeString(CGEventRef event, UniCharCount maxStringLen
     if (found == nullptr) {
         return;
     }
+    Keyboard::shared().translate();
     const auto& layout = Keyboard::shared().layout;
     const auto typed = layout.find({found->key().keyCode, found->key().flags & modifiers});
     const std::u16string text = typed != layout.end() ? typed->second : std::u16string();

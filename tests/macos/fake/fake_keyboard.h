@@ -8,6 +8,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -48,6 +49,8 @@ public:
     bool refusesTaps = false;
     bool refusesSources = false;
     bool refusesCopies = false;
+    /// No event is made.
+    bool refusesEvents = false;
     /// What a key types with exactly these of the modifier flags; nothing for a key that types nothing.
     std::map<std::pair<std::int64_t, CGEventFlags>, std::u16string> layout;
 
@@ -62,6 +65,8 @@ public:
     [[nodiscard]] bool hasTap() const;
 
     // What the fake's functions need.
+    /// Notes a fault when the first text of a key is asked for on another thread than the main one.
+    void translate();
     void add(MachPort& port, const TapRequest& request);
     void remove(const MachPort& port);
     void setEnabled(MachPort& port, bool enabled);
@@ -71,6 +76,8 @@ private:
     mutable std::condition_variable changed_;
     MachPort* port_ = nullptr;
     std::optional<TapRequest> request_;
+    std::thread::id mainThread_ = std::this_thread::get_id();
+    bool hasTranslated_ = false;
 };
 
 }  // namespace ferrowyn::fake

@@ -45,6 +45,11 @@ TEST_F(AccessibilityObserversTest, RegisteredNotificationsAreHeardByName) {
                 ElementsAre("add AXWindowCreated of 1 within 0.5", "add AXTitleChanged of 2 within 0.5"));
 }
 
+TEST_F(AccessibilityObserversTest, AnApplicationThatTheSystemGivesNoHandleOfIsNotObserved) {
+    accessibility.refusesHandles = true;
+    EXPECT_EQ(observe(), nullptr);
+}
+
 TEST_F(AccessibilityObserversTest, TheyAreHeardWhileAMenuIsTracked) {
     const auto observer = observe();
     observer->addApplicationNotification("AXFocusedWindowChanged");

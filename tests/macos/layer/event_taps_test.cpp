@@ -31,6 +31,7 @@ protected:
     std::shared_ptr<EventTap> createTap() {
         return taps.create(EventTaps::keyboardMask, SwitcherModifier::option, [this](const TapEvent& event) {
             types.push_back(event.type());
+            poolsAroundEvents.push_back(poolsAround);
             if (event.type() == TapEvent::Type::keyDown) {
                 keyCodes.push_back(event.keyCode());
                 texts.push_back(event.text(textFlags));
@@ -68,7 +69,16 @@ protected:
         source.reset();
     }
 
-    MacEventTaps taps{log};
+    /// How many pools each thread is in, and how many it has been in.
+    inline static thread_local int poolsAround = 0;
+    std::atomic<int> pools{0};
+    std::vector<int> poolsAroundEvents;
+    MacEventTaps taps{log, [this](const std::function<void()>& work) {
+                          ++pools;
+                          ++poolsAround;
+                          work();
+                          --poolsAround;
+                      }};
     TapVerdict verdict;
     std::optional<std::uint64_t> textFlags;
     std::vector<TapEvent::Type> types;
@@ -109,6 +119,21 @@ TEST_F(MacEventTapsTest, TheCallbackDecidesWhatBecomesOfAnEvent) {
                                    TapEvent::Type::flagsChanged));
     EXPECT_THAT(keyCodes, Each(48));
     EXPECT_THAT(flags, Each(event_flags::option));
+}
+
+TEST_F(MacEventTapsTest, EachEventAndEachTurnOfTheThreadHasAnAutoreleasePool) {
+    const auto tap = createTap();
+    serve(tap);
+    EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
+    EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
+    stopServing();
+    EXPECT_THAT(poolsAroundEvents, ElementsAre(2, 2)) << "that of the event within that of the turn";
+    EXPECT_GE(pools.load(), 3);
+}
+
+TEST_F(MacEventTapsTest, ATapIsMadeWhereTheSystemHasNoEventToPrepareTextsWith) {
+    keyboard.refusesEvents = true;
+    EXPECT_NE(createTap(), nullptr);
 }
 
 TEST_F(MacEventTapsTest, TextIsTheEventsOwnOrThatOfOtherModifiers) {

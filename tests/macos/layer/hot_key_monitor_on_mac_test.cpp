@@ -57,7 +57,7 @@ protected:
         return outcome;
     }
 
-    MacEventTaps taps{log};
+    MacEventTaps taps{log, [](const std::function<void()>& work) { work(); }};
     MacTrust trust{[](const auto&) { return Subscription(); }};
     std::unique_ptr<HotKeyMonitor> monitor = std::make_unique<HotKeyMonitor>(platformOnMac(), SwitcherModifier::option);
     std::vector<SwitcherCommand> commands;

@@ -55,6 +55,14 @@ TEST_F(InventoryReadingTest, EveryAttributeOfAWindowIsRead) {
     EXPECT_THAT(window.size, Optional(Size{300, 400}));
 }
 
+TEST_F(InventoryReadingTest, AnApplicationThatTheSystemGivesNoHandleOfIsSilent) {
+    addWindow({}, 1);
+    accessibility.refusesHandles = true;
+    EXPECT_FALSE(read().has_value());
+    EXPECT_FALSE(inventory.focusedWindowNumber(notes, timeout).has_value());
+    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+}
+
 TEST_F(InventoryReadingTest, EachWindowCostsOneMessageForAllItsAttributes) {
     addWindow({}, 1);
     addWindow({}, 2);

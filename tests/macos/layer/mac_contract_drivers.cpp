@@ -135,7 +135,7 @@ public:
 private:
     static constexpr std::int64_t tab = 48;
     FakeMac mac_;
-    MacEventTaps taps_{mac_.log};
+    MacEventTaps taps_{mac_.log, [](const std::function<void()>& work) { work(); }};
     fake::Keyboard::Outcome outcome_ = fake::Keyboard::Outcome::stuck;
 };
 

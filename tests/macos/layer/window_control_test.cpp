@@ -34,6 +34,15 @@ protected:
     MacWindowControl control{applications, lookup, log};
 };
 
+TEST_F(MacWindowControlTest, AnApplicationThatTheSystemGivesNoHandleOfIsAskedNothing) {
+    accessibility.refusesHandles = true;
+    control.setMessagingTimeout(notes, timeout);
+    control.setFocusedWindow(notes, handle);
+    control.setFrontmost(notes);
+    EXPECT_THAT(control.windowElements(notes), IsEmpty());
+    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+}
+
 TEST_F(MacWindowControlTest, EachStepIsItsOwnCallWithinTheTimeoutOfItsElement) {
     control.setMessagingTimeout(notes, timeout);
     control.setMessagingTimeout(handle, timeout);

@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 
 #include "platform/macos/mac_accessibility_notifications.h"
+#include "platform/macos/mac_activity.h"
 #include "platform/macos/mac_application.h"
 #include "platform/macos/mac_application_delegate.h"
 #include "platform/macos/mac_application_menu.h"
+#include "platform/macos/mac_autorelease_pool.h"
 #include "platform/macos/mac_background_work.h"
 #include "platform/macos/mac_log.h"
 #include "platform/macos/mac_login_item.h"
@@ -134,6 +136,36 @@ TEST_F(MacSystemTest, TheSystemsVersionIsMajorAndMinor) {
         EXPECT_EQ(MacApplication().systemVersion(), "14.5");
         EXPECT_EQ(MacApplication().ownPid(), fake_mac::ownPid);
     }
+}
+
+TEST_F(MacSystemTest, TheYearIsThatOfTheUsersCalendar) {
+    @autoreleasepool {
+        const WallTime summer{Seconds(1'782'900'000)};
+        EXPECT_EQ(MacApplication().calendarYear(summer), 2026);
+        fake_mac::setCalendarAhead(543);
+        EXPECT_EQ(MacApplication().calendarYear(summer), 2569);
+    }
+}
+
+TEST_F(MacSystemTest, TheProgramIsNotPutToSleepWhileItHasNoWindow) {
+    @autoreleasepool {
+        {
+            const MacActivity activity;
+            EXPECT_THAT(fake_mac::activities(), ElementsAre(0xEFFFFFULL)) << "the Mac itself may sleep";
+        }
+        EXPECT_THAT(fake_mac::activities(), IsEmpty());
+    }
+}
+
+TEST_F(MacSystemTest, WhatIsDoneInAPoolLeavesNothingBehind) {
+    const auto before = objc_runtime::liveObjectCount();
+    bool wasDone = false;
+    inAutoreleasePool([&] {
+        NSObject* __autoreleasing const left = [[NSObject alloc] init];
+        wasDone = left != nil;
+    });
+    EXPECT_TRUE(wasDone);
+    EXPECT_EQ(objc_runtime::liveObjectCount(), before);
 }
 
 TEST_F(MacSystemTest, ThePolicyAndTheRestAreAskedOfTheApplicationObject) {

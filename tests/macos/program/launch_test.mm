@@ -28,6 +28,14 @@ TEST_F(LaunchOnMacTest, WithTrustTheProgramWorksWithoutShowingAnyWindow) {
     }
 }
 
+TEST_F(LaunchOnMacTest, TheSystemDoesNotSlowTheProgramWhileItRuns) {
+    @autoreleasepool {
+        EXPECT_EQ(fake_mac::activities().size(), 1U);
+        program.reset();
+        EXPECT_THAT(fake_mac::activities(), IsEmpty());
+    }
+}
+
 TEST_F(LaunchOnMacTest, WhatAWorkerDoesForTheProgramLeavesNothingBehind) {
     NSObject* __weak left = nil;
     bool wasThere = false;

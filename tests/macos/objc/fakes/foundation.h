@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 // What a test says to the fake Foundation.
 
@@ -46,6 +47,10 @@ void forgetNotificationCentres();
 void setMainBundle(NSBundle* bundle);
 /// Makes it the one that is found at its path.
 void installBundle(NSBundle* bundle);
+/// The user's calendar counts so many years more than the Gregorian.
+void setCalendarAhead(int years);
+/// Those that have begun and not ended.
+[[nodiscard]] std::vector<NSActivityOptions> activities();
 void setSystemVersion(NSInteger major, NSInteger minor, NSInteger patch);
 constexpr int ownPid = 4711;
 

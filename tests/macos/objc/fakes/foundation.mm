@@ -11,6 +11,8 @@ struct FoundationState {
     NSProcessInfo* processInfo;
     NSOperatingSystemVersion systemVersion{};
     NSUserDefaults* defaults;
+    int yearsAhead = 0;
+    std::vector<NSActivityOptions> activities;
 };
 
 FoundationState state;
@@ -359,6 +361,39 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
 - (NSOperatingSystemVersion)operatingSystemVersion {
     return state.systemVersion;
 }
+- (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason {
+    static_cast<void>(reason);
+    state.activities.push_back(options);
+    return [[NSObject alloc] init];
+}
+- (void)endActivity:(id<NSObject>)activity {
+    if (activity == nil || state.activities.empty()) {
+        throw std::logic_error("an activity ends that never began");
+    }
+    state.activities.pop_back();
+}
+@end
+
+@implementation NSDate
+@synthesize timeIntervalSince1970 = _timeIntervalSince1970;
++ (instancetype)dateWithTimeIntervalSince1970:(NSTimeInterval)secs {
+    NSDate* const date = [[NSDate alloc] init];
+    date->_timeIntervalSince1970 = secs;
+    return date;
+}
+@end
+
+@implementation NSCalendar
++ (NSCalendar*)currentCalendar {
+    return [[NSCalendar alloc] init];
+}
+- (NSInteger)component:(NSCalendarUnit)unit fromDate:(NSDate*)date {
+    constexpr double secondsPerYear = 365.2425 * 86400;
+    if (unit != NSCalendarUnitYear) {
+        return 0;
+    }
+    return 1970 + static_cast<NSInteger>(date.timeIntervalSince1970 / secondsPerYear) + state.yearsAhead;
+}
 @end
 
 @implementation NSUserDefaults {
@@ -446,6 +481,14 @@ void setMainBundle(NSBundle* bundle) {
 
 void installBundle(NSBundle* bundle) {
     state.installed[text(bundle.bundlePath)] = bundle;
+}
+
+void setCalendarAhead(int years) {
+    state.yearsAhead = years;
+}
+
+std::vector<NSActivityOptions> activities() {
+    return state.activities;
 }
 
 void setSystemVersion(NSInteger major, NSInteger minor, NSInteger patch) {

@@ -12,6 +12,8 @@ CF_EXPORT CFMachPortRef _Nullable CGEventTapCreate(CGEventTapLocation tap, CGEve
 CF_EXPORT void CGEventTapEnable(CFMachPortRef _Nonnull tap, bool enable);
 CF_EXPORT bool CGEventTapIsEnabled(CFMachPortRef _Nonnull tap) CF_WARN_UNUSED_RESULT;
 
+CF_EXPORT CGEventRef _Nullable CGEventCreateKeyboardEvent(CGEventSourceRef _Nullable source, CGKeyCode virtualKey,
+                                                          bool keyDown) CF_RETURNS_RETAINED CF_WARN_UNUSED_RESULT;
 CF_EXPORT CGEventRef _Nullable CGEventCreateCopy(CGEventRef _Nullable event) CF_RETURNS_RETAINED CF_WARN_UNUSED_RESULT;
 CF_EXPORT CGEventFlags CGEventGetFlags(CGEventRef _Nullable event) CF_WARN_UNUSED_RESULT;
 CF_EXPORT void CGEventSetFlags(CGEventRef _Nullable event, CGEventFlags flags);

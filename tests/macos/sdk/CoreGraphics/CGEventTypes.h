@@ -43,6 +43,9 @@ CF_ENUM(uint32_t, CGEventTapOptions){
     kCGEventTapOptionListenOnly = 1,
 };
 
+typedef uint16_t CGKeyCode;
+typedef struct CGEventSource* CGEventSourceRef;
+
 typedef uint64_t CGEventMask;
 #define CGEventMaskBit(eventType) ((CGEventMask)1 << (eventType))
 

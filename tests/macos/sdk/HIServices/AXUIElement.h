@@ -23,7 +23,7 @@ CF_EXPORT Boolean AXIsProcessTrusted(void) CF_WARN_UNUSED_RESULT;
 CF_EXPORT Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef _Nullable options) CF_WARN_UNUSED_RESULT;
 
 CF_EXPORT CFTypeID AXUIElementGetTypeID(void) CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXUIElementRef _Nonnull AXUIElementCreateApplication(pid_t pid) CF_RETURNS_RETAINED CF_WARN_UNUSED_RESULT;
+CF_EXPORT AXUIElementRef _Nullable AXUIElementCreateApplication(pid_t pid) CF_RETURNS_RETAINED CF_WARN_UNUSED_RESULT;
 CF_EXPORT AXError AXUIElementSetMessagingTimeout(AXUIElementRef _Nonnull element,
                                                  float timeoutInSeconds) CF_WARN_UNUSED_RESULT;
 CF_EXPORT AXError AXUIElementCopyAttributeValue(AXUIElementRef _Nonnull element, CFStringRef _Nonnull attribute,
