@@ -79,6 +79,7 @@ int f(const Row& row, std::string name) {
     row.each([&](int each) { total += each; });
     static_cast<void>(row.icon());
     (*self).load();
+    rows.reserve(9);
     switch (value) {
         case 2:
             reset();
@@ -98,8 +99,9 @@ EXPECTED_LIST = [
     (20, "deleted"), (20, "deleted (2)"),
     (21, "deleted"),
     (22, "deleted"),
-    (24, "2 to 3"),
-    (25, "deleted"),
+    (23, "9 to 10"),
+    (25, "2 to 3"),
+    (26, "deleted"),
 ]
 
 
