@@ -425,6 +425,12 @@ TEST_F(SwitcherViewModelTest, PreparesNoMoreTextsThanTheCacheKeepsStartingWithTh
     EXPECT_FALSE(cache.prepareAhead("Fenêtre 1")) << "prepared first, and still there";
     EXPECT_FALSE(cache.prepareAhead("Fenêtre 682"));
     EXPECT_TRUE(cache.prepareAhead("Fenêtre 683"));
+
+    windows.set({testWindow(1, "Fenêtre of the next list")});
+    while (tasks.size() > 0) {
+        tasks.run();
+    }
+    EXPECT_FALSE(cache.prepareAhead("Fenêtre of the next list")) << "each list has its share";
 }
 
 TEST_F(SwitcherViewModelTest, PlainTextsNeedNoPreparation) {
