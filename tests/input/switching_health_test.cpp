@@ -11,7 +11,7 @@ using ::testing::IsEmpty;
 using Problem = SwitchingHealth::Problem;
 using LogLine = SimulatedDesktop::LogLine;
 
-constexpr Pid editor = 100, browser = 200, mail = 300;
+constexpr Pid oneApplication = 100, anotherApplication = 200, thirdApplication = 300;
 
 class SwitchingHealthTest : public ::testing::Test {
 protected:
@@ -22,23 +22,23 @@ protected:
 };
 
 TEST_F(SwitchingHealthTest, TwoApplicationsInARowThatDoNotComeAreAProblemUntilOneDoes) {
-    health.noteActivation(false, editor);
+    health.noteActivation(false, oneApplication);
     EXPECT_EQ(problem(), std::nullopt);
-    health.noteActivation(false, browser);
+    health.noteActivation(false, anotherApplication);
     EXPECT_EQ(problem(), Problem::activationsUnconfirmed);
-    health.noteActivation(true, editor);
+    health.noteActivation(true, oneApplication);
     EXPECT_EQ(problem(), std::nullopt);
 }
 
 TEST_F(SwitchingHealthTest, AnApplicationThatHangsIsNoProblemOfTheDesktopHoweverOftenItIsTried) {
     for (int round = 0; round < 5; ++round) {
-        health.noteActivation(false, editor);
+        health.noteActivation(false, oneApplication);
     }
     EXPECT_EQ(problem(), std::nullopt);
-    health.noteActivation(true, browser);
-    health.noteActivation(false, mail);
+    health.noteActivation(true, anotherApplication);
+    health.noteActivation(false, thirdApplication);
     EXPECT_EQ(problem(), std::nullopt) << "a window has come to the front since";
-    health.noteActivation(false, editor);
+    health.noteActivation(false, oneApplication);
     EXPECT_EQ(problem(), Problem::activationsUnconfirmed);
 }
 
@@ -79,8 +79,8 @@ TEST_F(SwitchingHealthTest, LogsEachChangeOnce) {
     for (int round = 0; round < 4; ++round) {
         health.noteActivation(false, round);
     }
-    health.noteActivation(true, editor);
-    health.noteActivation(true, browser);
+    health.noteActivation(true, oneApplication);
+    health.noteActivation(true, anotherApplication);
     EXPECT_THAT(desktop.takeLog(),
                 ElementsAre(LogLine{LogLevel::standard, "input", "The chosen windows do not come to the front"},
                             LogLine{LogLevel::standard, "input", "Switching works again"}));
