@@ -13,6 +13,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using LogLine = SimulatedDesktop::LogLine;
 
 constexpr Pid editor = 100;
@@ -156,6 +157,17 @@ TEST_F(WindowActivatorTest, ABlockedWindowThatIsMinimisedIsRestoredItself) {
     EXPECT_THAT(desktop.takeControlCalls(), Contains("unminimize 7"));
 }
 
+TEST_F(WindowActivatorTest, OfABlockedWindowWithoutAnElementTheDialogIsRestored) {
+    auto blocked = windowWithoutElement(7, editor);
+    blocked.isMinimized = true;
+    blocked.blockedBy = ModalDialog{8, desktop.elementOf(8), browser};
+    activator->activate(blocked);
+    const auto calls = desktop.takeControlCalls();
+    EXPECT_THAT(calls, Contains("unminimize 8"));
+    EXPECT_THAT(calls, Contains("raise 8"));
+    EXPECT_THAT(calls, Not(Contains("raise 7")));
+}
+
 TEST_F(WindowActivatorTest, AWindowWhoseDialogHasJustBeenClosedIsConfirmedItself) {
     auto blocked = window(7, editor);
     blocked.blockedBy = ModalDialog{9, desktop.elementOf(9), editor};
@@ -255,6 +267,17 @@ TEST_F(WindowActivatorTest, AWindowThatWasTheActiveOneConfirmsNothing) {
     desktop.advance(2s);
     EXPECT_THAT(told, ElementsAre(true));
     EXPECT_THAT(activated, ElementsAre(7U, 7U));
+}
+
+TEST_F(WindowActivatorTest, AWindowThatCouldNotBeLookedAtBeforeIsConfirmedAllTheSame) {
+    std::vector<bool> told;
+    activator->onVerified = [&](bool isConfirmed, Pid) { told.push_back(isConfirmed); };
+    desktop.setFrontmost(editor);
+    desktop.setHung(editor, true);
+    activator->activate(window(7, editor));
+    desktop.setHung(editor, false);
+    desktop.advance(2s);
+    EXPECT_THAT(told, ElementsAre(true));
 }
 
 TEST_F(WindowActivatorTest, AWindowThatCannotBeLookedAtIsNeitherConfirmedNorUnconfirmed) {
