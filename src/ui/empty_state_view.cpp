@@ -12,7 +12,8 @@ void EmptyStateView::paint(QPainter& painter, const Rect& rect, const PaintConte
     constexpr double belowSymbol = 10;
     constexpr double belowTitle = 5;
     const Theme& theme = context.theme;
-    double height = SymbolImages::boxSide(symbolPoints) + belowSymbol + CentredColumn::lineHeight(TextStyle::emptyTitle, context);
+    double height =
+        SymbolImages::boxSide(symbolPoints) + belowSymbol + CentredColumn::lineHeight(TextStyle::emptyTitle, context);
     if (!state.detail.empty()) {
         height += belowTitle + CentredColumn::lineHeight(TextStyle::emptyDetail, context);
     }

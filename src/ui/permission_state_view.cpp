@@ -26,7 +26,8 @@ QStringList explanation(const PaintContext& context) {
 }
 
 double columnHeight(const PaintContext& context) {
-    return SymbolImages::boxSide(symbolPoints) + belowSymbol + CentredColumn::lineHeight(TextStyle::emptyTitle, context) + belowTitle +
+    return SymbolImages::boxSide(symbolPoints) + belowSymbol +
+           CentredColumn::lineHeight(TextStyle::emptyTitle, context) + belowTitle +
            CentredColumn::lineHeight(TextStyle::emptyDetail, context) *
                static_cast<double>(explanation(context).size()) +
            aboveButton + buttonHeight;

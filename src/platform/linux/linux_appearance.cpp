@@ -361,6 +361,5 @@ void SettingsPortalListener::tellIfChanged() {
 
 }  // namespace ferrowyn
 
-
 // The meta-objects of the classes above.
 #include "linux_appearance.moc"
