@@ -161,7 +161,7 @@ TEST_F(WindowActivatorTest, OfABlockedWindowWithoutAnElementTheDialogIsRestored)
     auto blocked = windowWithoutElement(7, editor);
     blocked.isMinimized = true;
     blocked.blockedBy = ModalDialog{8, desktop.elementOf(8), browser};
-    activator->activate(blocked);
+    activate(blocked);
     const auto calls = desktop.takeControlCalls();
     EXPECT_THAT(calls, Contains("unminimize 8"));
     EXPECT_THAT(calls, Contains("raise 8"));
@@ -274,7 +274,7 @@ TEST_F(WindowActivatorTest, AWindowThatCouldNotBeLookedAtBeforeIsConfirmedAllThe
     activator->onVerified = [&](bool isConfirmed, Pid) { told.push_back(isConfirmed); };
     desktop.setFrontmost(editor);
     desktop.setHung(editor, true);
-    activator->activate(window(7, editor));
+    activate(window(7, editor));
     desktop.setHung(editor, false);
     desktop.advance(2s);
     EXPECT_THAT(told, ElementsAre(true));
