@@ -62,6 +62,11 @@ bool HotKeyMonitor::start() {
         return false;
     }
     tap_ = std::move(tap);
+    if (!startThread()) {
+        log_.write(LogLevel::error, category, "The event tap's thread cannot be started");
+        dropTap();
+        return false;
+    }
     consecutiveDisables_ = 0;
     lastDisableTime_.reset();
     state_->setTapPort(tap_);
@@ -69,7 +74,6 @@ bool HotKeyMonitor::start() {
     if (state_->snapshot().isSwitcherVisible) {
         state_->passSessionOn();
     }
-    startThread();
     startHealthTimer();
     isRunning_.set(true);
     log_.write(LogLevel::standard, category, "Event tap installed");
@@ -106,6 +110,12 @@ void HotKeyMonitor::removeTap() {
         runLoopSource_->removeFrom(*threadRunLoop_);
         threadRunLoop_->stop();
     }
+    dropTap();
+}
+
+void HotKeyMonitor::dropTap() {
+    period_.reset();
+    state_->setKeepRunning(false);
     if (tap_ != nullptr) {
         tap_->invalidate();
     }
@@ -117,18 +127,22 @@ void HotKeyMonitor::removeTap() {
     tap_.reset();
 }
 
-void HotKeyMonitor::startThread() {
+bool HotKeyMonitor::startThread() {
     runLoopSource_ = eventTaps_.createSource(tap_);
     if (runLoopSource_ == nullptr) {
         log_.write(LogLevel::error, category, "CFMachPortCreateRunLoopSource failed");
-        return;
+        return true;
     }
     threadContext_ = std::make_shared<TapThreadContext>(tap_, runLoopSource_);
     state_->setKeepRunning(true);
     thread_ = eventTaps_.startThread(threadName, [&eventTaps = eventTaps_, context = threadContext_, state = state_] {
         runTapThread(eventTaps, *context, *state);
     });
+    if (thread_ == nullptr) {
+        return false;
+    }
     threadRunLoop_ = threadContext_->waitForRunLoop(threadStartTimeout);
+    return true;
 }
 
 void HotKeyMonitor::startHealthTimer() {

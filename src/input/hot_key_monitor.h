@@ -56,7 +56,8 @@ private:
     /// The monitor, while that period lasts.
     [[nodiscard]] static HotKeyMonitor* monitorIn(const std::weak_ptr<Period>& period);
     [[nodiscard]] EventTaps::Callback makeTapCallback() const;
-    void startThread();
+    /// False when the thread cannot be started. A tap without a source runs unserved.
+    [[nodiscard]] bool startThread();
     void startHealthTimer();
     void checkHealth();
     void reenable(std::string_view reason);
@@ -65,6 +66,7 @@ private:
     void handleTimeout();
     void stopAndFail(Failure failure);
     void removeTap();
+    void dropTap();
 
     MainLoop& mainLoop_;
     Log& log_;

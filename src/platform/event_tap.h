@@ -65,8 +65,10 @@ class EventTap {
 public:
     virtual ~EventTap() = default;
 
+    /// A tap that no loop serves yet may be enabled: it lets every event pass until one does. It is disabled before its
+    /// source is removed.
     virtual void setEnabled(bool enabled) = 0;
-    /// False after the system disabled the tap, until it is enabled again.
+    /// What was last asked for, served or not; false after the system disabled the tap, until it is enabled again.
     [[nodiscard]] virtual bool isEnabled() const = 0;
     /// The tap delivers nothing any more, for good, and gives back whatever of the keyboard it holds.
     virtual void invalidate() = 0;
@@ -115,7 +117,7 @@ public:
     [[nodiscard]] virtual std::shared_ptr<TapRunLoopSource> createSource(const std::shared_ptr<EventTap>& tap) = 0;
     /// The loop of the calling thread. Tap thread.
     [[nodiscard]] virtual std::shared_ptr<TapRunLoop> currentRunLoop() = 0;
-    /// Starts a thread with this name at the highest quality of service. Main thread.
+    /// Starts a thread with this name at the highest quality of service; null when the system refuses. Main thread.
     [[nodiscard]] virtual std::unique_ptr<TapThread> startThread(std::string_view name, std::function<void()> body) = 0;
 };
 

@@ -124,8 +124,25 @@ TEST_F(HotKeyMonitorTest, RunsWithoutASourceAndEnablesTheTapAtTheHealthCheck) {
     desktop.advance(3s);
     EXPECT_TRUE(desktop.tapIsEnabled());
     EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Re-enabling event tap (periodic check)")));
+    desktop.advance(60s);
+    EXPECT_THAT(desktop.takeLog(), IsEmpty()) << "once";
     monitor->stop();
     EXPECT_FALSE(desktop.tapIsInstalled());
+}
+
+TEST_F(HotKeyMonitorTest, DoesNotStartWhenTheThreadDoesNot) {
+    desktop.setTapThreadFails(true);
+    monitor->state().setSwitcherVisible(true);
+    EXPECT_FALSE(monitor->start());
+    EXPECT_FALSE(monitor->isRunning().get());
+    EXPECT_FALSE(desktop.tapIsInstalled());
+    EXPECT_FALSE(monitor->state().keepRunning());
+    EXPECT_TRUE(monitor->state().snapshot().isSwitcherVisible) << "a session that the menu has opened goes on";
+    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(error("The event tap's thread cannot be started")));
+    desktop.setTapThreadFails(false);
+    EXPECT_TRUE(monitor->start());
+    EXPECT_TRUE(desktop.tapIsEnabled());
 }
 
 TEST_F(HotKeyMonitorTest, StoppingRemovesTheTapAndEveryTimer) {

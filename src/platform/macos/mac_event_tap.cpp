@@ -27,21 +27,29 @@ MacEventTap::~MacEventTap() {
 }
 
 void MacEventTap::setEnabled(bool enabled) {
-    if (isValid_.load() && (isServed_.load() || !enabled)) {
+    const std::lock_guard guard(lock_);
+    wantsEnabled_ = enabled;
+    if (isValid_ && isServed_) {
         CGEventTapEnable(port_.get(), enabled);
     }
 }
 
 void MacEventTap::setServed(bool isServed) {
-    isServed_.store(isServed);
+    const std::lock_guard guard(lock_);
+    isServed_ = isServed;
+    if (isValid_ && wantsEnabled_) {
+        CGEventTapEnable(port_.get(), isServed);
+    }
 }
 
 bool MacEventTap::isEnabled() const {
-    return isValid_.load() && CGEventTapIsEnabled(port_.get());
+    const std::lock_guard guard(lock_);
+    return isValid_ && (isServed_ ? CGEventTapIsEnabled(port_.get()) : wantsEnabled_);
 }
 
 void MacEventTap::invalidate() {
-    if (isValid_.exchange(false) && port_) {
+    const std::lock_guard guard(lock_);
+    if (std::exchange(isValid_, false) && port_) {
         CFMachPortInvalidate(port_.get());
     }
 }

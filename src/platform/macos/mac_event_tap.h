@@ -2,8 +2,8 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
-#include <atomic>
 #include <memory>
+#include <mutex>
 
 #include "platform/event_tap.h"
 #include "platform/macos/owned.h"
@@ -26,8 +26,8 @@ public:
     void setTrigger(SwitcherModifier /*modifier*/) override {}
     void setSessionOpen(bool /*isOpen*/) override {}
 
-    /// Whether a thread's loop has the tap's source. Without one the tap cannot be enabled: every key would wait for a
-    /// verdict that nobody gives.
+    /// Whether a thread's loop has the tap's source. Without one the system is not asked to enable the tap: every key
+    /// would wait for a verdict that nobody gives.
     void setServed(bool isServed);
 
     /// Borrowed from this.
@@ -40,8 +40,11 @@ private:
 
     EventTaps::Callback callback_;
     Owned<CFMachPortRef> port_;
-    std::atomic<bool> isValid_{true};
-    std::atomic<bool> isServed_{false};
+    mutable std::mutex lock_;
+    bool isValid_ = true;
+    bool isServed_ = false;
+    /// What was last asked for; the system may have disabled the tap since.
+    bool wantsEnabled_ = false;
 };
 
 }  // namespace ferrowyn

@@ -343,6 +343,10 @@ void SimulatedDesktop::setTapSourceFails(bool fails) {
     implementation_->eventTaps.setSourceFails(fails);
 }
 
+void SimulatedDesktop::setTapThreadFails(bool fails) {
+    implementation_->eventTaps.setThreadFails(fails);
+}
+
 bool SimulatedDesktop::tapSessionIsOpen() const {
     const auto tap = implementation_->eventTaps.installed();
     return tap != nullptr && tap->isSessionOpen();

@@ -148,6 +148,7 @@ public:
     [[nodiscard]] int tapCreationCount() const;
     void setTapCreationFails(bool fails);
     void setTapSourceFails(bool fails);
+    void setTapThreadFails(bool fails);
     /// What the tap was told last.
     [[nodiscard]] bool tapSessionIsOpen() const;
     [[nodiscard]] std::optional<SwitcherModifier> tapTrigger() const;

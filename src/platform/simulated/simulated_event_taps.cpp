@@ -63,6 +63,9 @@ std::shared_ptr<TapRunLoop> SimulatedEventTaps::currentRunLoop() {
 }
 
 std::unique_ptr<TapThread> SimulatedEventTaps::startThread(std::string_view name, std::function<void()> body) {
+    if (threadFails_) {
+        return nullptr;
+    }
     threadName_ = name;
     return std::make_unique<SimulatedTapThread>(std::move(body));
 }

@@ -29,6 +29,7 @@ public:
     [[nodiscard]] const std::string& threadName() const { return threadName_; }
     void setCreationFails(bool fails) { creationFails_ = fails; }
     void setSourceFails(bool fails) { sourceFails_ = fails; }
+    void setThreadFails(bool fails) { threadFails_ = fails; }
 
 private:
     std::weak_ptr<SimulatedEventTap> latest_;
@@ -37,6 +38,7 @@ private:
     std::string threadName_;
     bool creationFails_ = false;
     bool sourceFails_ = false;
+    bool threadFails_ = false;
 };
 
 }  // namespace ferrowyn

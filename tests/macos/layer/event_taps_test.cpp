@@ -191,17 +191,25 @@ TEST_F(MacEventTapsTest, AnEventThatIsNoneHasNoKeyAndNoText) {
     EXPECT_EQ(event.text(0), u"");
 }
 
-TEST_F(MacEventTapsTest, ATapIsOnlyEnabledWhileItIsServed) {
+TEST_F(MacEventTapsTest, TheSystemIsAskedOnlyWhileTheTapIsServed) {
     const auto tap = createTap();
     tap->setEnabled(true);
-    EXPECT_FALSE(tap->isEnabled());
-    serve(tap);
     EXPECT_TRUE(tap->isEnabled());
+    EXPECT_FALSE(keyboard.isTapEnabled());
+    serve(tap);
+    EXPECT_TRUE(keyboard.isTapEnabled());
+    stopServing();
+    EXPECT_FALSE(keyboard.isTapEnabled()) << "every key would wait for a verdict that nobody gives";
+    EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
     tap->setEnabled(false);
+    serve(tap);
+    EXPECT_TRUE(keyboard.isTapEnabled());
+    tap->setEnabled(false);
+    EXPECT_FALSE(keyboard.isTapEnabled());
+    EXPECT_FALSE(tap->isEnabled());
     stopServing();
     tap->setEnabled(true);
-    EXPECT_FALSE(tap->isEnabled());
-    EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
+    EXPECT_FALSE(keyboard.isTapEnabled());
 }
 
 TEST_F(MacEventTapsTest, AnInvalidatedTapIsGoneForGood) {
@@ -247,7 +255,8 @@ TEST_F(MacEventTapsTest, TheSourceIsOnItsThreadsLoopInTheCommonModesUntilItIsRem
     EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
     stopServing();
     EXPECT_THAT(fake::RunLoop::takeJournal(),
-                ElementsAre("remove the tap from a thread's loop in kCFRunLoopCommonModes", "stop a thread's loop"));
+                ElementsAre("disable the tap", "remove the tap from a thread's loop in kCFRunLoopCommonModes",
+                            "stop a thread's loop"));
     EXPECT_THAT(fake::RunLoop::takeRuns(), AllOf(Not(IsEmpty()), Each("kCFRunLoopDefaultMode for 1 s")));
 }
 

@@ -24,15 +24,22 @@ constexpr auto patience = std::chrono::seconds(30);
 /// A tap that swallows the trigger, and the thread that serves it.
 class ServedTap {
 public:
-    explicit ServedTap(EventTaps& taps) : taps_(taps) {
+    enum class Enabling { beforeItIsServed, onItsThread };
+
+    explicit ServedTap(EventTaps& taps, Enabling enabling = Enabling::onItsThread) : taps_(taps) {
         tap = taps.create(EventTaps::keyboardMask, SwitcherModifier::option,
                           [this](const TapEvent& event) { return handle(event); });
         source_ = taps.createSource(tap);
+        if (enabling == Enabling::beforeItIsServed) {
+            tap->setEnabled(true);
+        }
         std::promise<std::shared_ptr<TapRunLoop>> started;
-        thread_ = taps.startThread("contract-tap", [this, &started] {
+        thread_ = taps.startThread("contract-tap", [this, enabling, &started] {
             const auto loop = taps_.currentRunLoop();
             source_->addTo(*loop);
-            tap->setEnabled(true);
+            if (enabling == Enabling::onItsThread) {
+                tap->setEnabled(true);
+            }
             started.set_value(loop);
             while (!isEnding_) {
                 loop->runFor(Seconds(1));
@@ -132,6 +139,33 @@ TEST_P(EventTapContract, ATapIsDisabledAtFirstAndNoKeyWaitsForIt) {
     driver->releaseTrigger();
     EXPECT_TRUE(driver->applicationGotTrigger());
     EXPECT_EQ(calls, 0);
+}
+
+TEST_P(EventTapContract, AnEnabledTapThatNobodyServesSaysSoAndNoKeyWaitsForIt) {
+    int calls = 0;
+    const auto tap = driver->taps().create(EventTaps::keyboardMask, SwitcherModifier::option, [&](const TapEvent&) {
+        ++calls;
+        return TapVerdict{.isSwallowed = true};
+    });
+    ASSERT_NE(tap, nullptr);
+    tap->setEnabled(true);
+    EXPECT_TRUE(tap->isEnabled());
+    driver->pressTrigger();
+    driver->releaseTrigger();
+    EXPECT_TRUE(driver->applicationGotTrigger());
+    EXPECT_EQ(calls, 0);
+    tap->setEnabled(false);
+    EXPECT_FALSE(tap->isEnabled());
+}
+
+TEST_P(EventTapContract, ATapThatIsEnabledBeforeItIsServedWorksOnceItIs) {
+    ServedTap served(driver->taps(), ServedTap::Enabling::beforeItIsServed);
+    EXPECT_TRUE(served.tap->isEnabled());
+    driver->pressTrigger();
+    ASSERT_TRUE(served.waitForTriggers(1));
+    served.tap->setSessionOpen(false);
+    driver->releaseTrigger();
+    EXPECT_FALSE(driver->applicationGotTrigger());
 }
 
 TEST_P(EventTapContract, AServedTapSeesTheTriggerAndKeepsItFromTheApplication) {
