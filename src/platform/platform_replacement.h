@@ -8,6 +8,7 @@ namespace ferrowyn {
 /// simulated desktop with a real log does. Null keeps the platform's. Whoever gives a part owns it.
 struct PlatformReplacement {
     Log* log = nullptr;
+    WindowInventory* windowInventory = nullptr;
     EventTaps* eventTaps = nullptr;
     Panel* panel = nullptr;
     IconSource* icons = nullptr;
@@ -25,7 +26,7 @@ struct PlatformReplacement {
         .userDefaults = platform.userDefaults,
         .application = platform.application,
         .workspace = platform.workspace,
-        .windowInventory = platform.windowInventory,
+        .windowInventory = orOwn(replacement.windowInventory, platform.windowInventory),
         .accessibilityObservers = platform.accessibilityObservers,
         .windowControl = platform.windowControl,
         .trust = platform.trust,

@@ -29,6 +29,8 @@ public:
         changed_.wait(guard, [this] { return allowed_ == 0; });
     }
     [[nodiscard]] int handledCount() const { return handled_; }
+    /// For how long the tap thread last ran its loop.
+    [[nodiscard]] Seconds lastSlice() const { return Seconds(lastSlice_); }
     [[nodiscard]] int liveThreadCount() const { return liveThreads_; }
     [[nodiscard]] std::shared_ptr<EventTap> latest() const { return latest_.lock(); }
 
@@ -88,7 +90,8 @@ private:
     public:
         explicit Loop(BusyEventTaps& taps) : taps_(taps) {}
         void serve(std::shared_ptr<Tap> tap) { tap_ = std::move(tap); }
-        void runFor(Seconds) override {
+        void runFor(Seconds slice) override {
+            taps_.lastSlice_ = slice.count();
             while (taps_.takeOne(*this)) {
                 tap_->ask(nextEvent());
                 taps_.finishOne();
@@ -166,6 +169,7 @@ private:
     int allowed_ = 0;
     bool areThreadsHeld_ = false;
     std::atomic<int> handled_ = 0;
+    std::atomic<double> lastSlice_ = 0;
     std::atomic<int> liveThreads_ = 0;
     std::weak_ptr<EventTap> latest_;
 };

@@ -79,6 +79,14 @@ TEST_F(TapThreadTest, StartsAndStopsOverAndOverWhileEventsPour) {
     }
 }
 
+TEST_F(TapThreadTest, TheLoopRunsInSlicesOfOneSecond) {
+    ASSERT_TRUE(monitor.start());
+    taps.allow(6);
+    taps.waitUntilHandled();
+    EXPECT_EQ(taps.lastSlice(), Seconds(1.0));
+    monitor.stop();
+}
+
 TEST_F(TapThreadTest, StartingGoesOnAfterOneSecondWhenTheThreadIsSlow) {
     taps.holdThreads(true);
     const auto begin = std::chrono::steady_clock::now();

@@ -231,6 +231,25 @@ TEST_F(WindowActivatorTest, CountsTheChecksUntilItWorked) {
                 ElementsAre(LogLine{LogLevel::debug, "activation", "Window 7 active after 3 check(s)"}));
 }
 
+TEST_F(WindowActivatorTest, ConfirmsOnlyAWindowThatIsBothMainAndFocused) {
+    desktop.changeWindow(7, [](auto& state) { state.deniesBeingMain = true; });
+    activate(window(7, editor));
+    desktop.advance(2s);
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Could not confirm activation of window 7 in Editor")));
+    desktop.changeWindow(7, [](auto& state) {
+        state.deniesBeingMain = false;
+        state.deniesBeingFocused = true;
+    });
+    activate(window(7, editor));
+    desktop.advance(2s);
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Could not confirm activation of window 7 in Editor")));
+    desktop.changeWindow(7, [](auto& state) { state.deniesBeingFocused = false; });
+    activate(window(7, editor));
+    desktop.advance(2s);
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(LogLine{LogLevel::debug, "activation", "Window 7 active after 1 check(s)"}));
+}
+
 TEST_F(WindowActivatorTest, TakesNoAnswerForNoConfirmation) {
     activate(window(7, editor));
     desktop.setHung(editor, true);

@@ -25,13 +25,18 @@ public:
     mutable std::atomic<int> readings = 0;
     mutable std::atomic<int> applicationsAsked = 0;
     mutable std::atomic<double> lastTimeout = 0;
+    /// Main thread.
+    mutable std::optional<Seconds> lastFocusTimeout;
 
     [[nodiscard]] std::unique_ptr<InventoryReading> beginReading() const override {
         ++readings;
         return std::make_unique<Reading>(*this);
     }
     [[nodiscard]] std::optional<std::vector<std::optional<WindowId>>> windowOrder() const override { return {}; }
-    [[nodiscard]] std::optional<WindowId> focusedWindowNumber(Pid, Seconds) const override { return {}; }
+    [[nodiscard]] std::optional<WindowId> focusedWindowNumber(Pid, Seconds messagingTimeout) const override {
+        lastFocusTimeout = messagingTimeout;
+        return {};
+    }
 
 private:
     class Reading final : public InventoryReading {

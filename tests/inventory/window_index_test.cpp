@@ -7,7 +7,9 @@
 
 #include "inventory/recency_tracker.h"
 #include "inventory/window_observation_center.h"
+#include "platform/platform_replacement.h"
 #include "platform/simulated/simulated_desktop.h"
+#include "tests/inventory/stub_inventory.h"
 
 namespace ferrowyn {
 namespace {
@@ -259,8 +261,17 @@ TEST_F(WindowIndexTest, AFocusChangeMakesTheFocusedWindowMostRecent) {
     EXPECT_THAT(ids(), ElementsAre(1, 2, 3));
 }
 
+TEST_F(WindowIndexTest, AnApplicationHasATenthOfASecondToNameItsFocusedWindow) {
+    StubInventory inventory;
+    WindowIndex other(replacedIn(desktop.platform(), {.windowInventory = &inventory}));
+    other.start();
+    desktop.settle();
+    ASSERT_EQ(inventory.lastFocusTimeout, std::nullopt);
+    desktop.focusWindow(2);
+    EXPECT_EQ(inventory.lastFocusTimeout, Seconds(0.1));
+}
+
 TEST_F(WindowIndexTest, AFocusThatCannotBeResolvedIsSilent) {
-    EXPECT_EQ(WindowIndex::focusedWindowTimeout, Seconds(0.1));
     start();
     const auto expectNoTouch = [this] {
         observation->changes().send(WindowChange::focus(200));

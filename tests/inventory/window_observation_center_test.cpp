@@ -217,8 +217,17 @@ TEST_F(WindowObservationCenterTest, StoppingEndsEverything) {
     desktop.launch({.pid = 300, .localizedName = "Maps"});
     desktop.setSpaceChanged();
     desktop.setScreenParametersChanged();
+    desktop.focusWindow(2);
+    desktop.setHidden(100, true);
+    desktop.setTitle(1, "New");
+    desktop.terminate(100);
+    // A look that only remembers, and one that would find the order changed.
+    desktop.advance(6s);
+    desktop.restack({2, 1});
     desktop.advance(20s);
     EXPECT_THAT(changes, IsEmpty());
+    EXPECT_EQ(desktop.liveObserverCount(), 0U);
+    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
 }
 
 TEST_F(WindowObservationCenterTest, ALateNotificationAfterTheCenterIsGoneIsHarmless) {

@@ -87,10 +87,18 @@ void SimulatedWindowControl::setFrontmost(Pid pid) {
 }
 
 std::optional<bool> SimulatedWindowControl::isMain(const AXElementRef& window) const {
-    return isFocused(window);
+    const auto* state = model_.window(idOf(window));
+    const auto hasFocus = this->hasFocus(window);
+    return hasFocus ? std::optional(*hasFocus && !state->deniesBeingMain) : std::nullopt;
 }
 
 std::optional<bool> SimulatedWindowControl::isFocused(const AXElementRef& window) const {
+    const auto* state = model_.window(idOf(window));
+    const auto hasFocus = this->hasFocus(window);
+    return hasFocus ? std::optional(*hasFocus && !state->deniesBeingFocused) : std::nullopt;
+}
+
+std::optional<bool> SimulatedWindowControl::hasFocus(const AXElementRef& window) const {
     const auto* state = model_.window(idOf(window));
     const auto* app = state != nullptr ? model_.app(state->pid) : nullptr;
     if (app == nullptr || app->isHung) {

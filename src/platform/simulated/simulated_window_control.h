@@ -33,6 +33,8 @@ public:
     [[nodiscard]] std::optional<WindowId> windowNumber(const AXElementRef& window) const override;
 
 private:
+    /// Nothing when the application does not answer.
+    [[nodiscard]] std::optional<bool> hasFocus(const AXElementRef& window) const;
     [[nodiscard]] bool obeys(Pid pid) const;
     /// The window behind the element, when its application does what it is asked.
     [[nodiscard]] SimulatedWindowState* obedientWindow(const AXElementRef& element);

@@ -29,6 +29,9 @@ struct SimulatedWindowState {
     bool hasAccessibilityFrame = true;
     /// What the element-to-window-number lookup answers instead of the id, for an application that lies about it.
     std::optional<WindowId> reportedWindowNumber = std::nullopt;
+    /// Answers of an application whose main window and focused window are not the same: false whatever has the focus.
+    bool deniesBeingMain = false;
+    bool deniesBeingFocused = false;
     /// The modal dialog that takes its input. What is done to the window then is still done to the window itself.
     std::optional<WindowId> blockedBy = std::nullopt;
 };
