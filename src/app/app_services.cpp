@@ -4,6 +4,7 @@
 #include <functional>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 #include "core/switcher_view_model.h"
 #include "input/switcher_controller.h"
@@ -78,7 +79,9 @@ std::unique_ptr<SwitcherController> AppServices::makeSwitcher(const SwitcherCont
 /// The monitor is a member and calls nobody while it is destroyed: its hooks never outlive this object.
 void AppServices::wireHotKeyMonitor() {
     hotKeyMonitor_.onCommand = [this](const SwitcherCommand& command) {
-        switchingHealth_.noteTrigger();
+        if (std::holds_alternative<command::Invoke>(command)) {
+            switchingHealth_.noteTrigger();
+        }
         switcher_->handle(command);
     };
     hotKeyMonitor_.onTapDisabled = [this] { switcher_->dismiss(); };

@@ -453,6 +453,18 @@ TEST_F(AppServicesTest, ATriggerWithoutTrustGivesTheKeyboardBack) {
     EXPECT_FALSE(desktop.tapIsInstalled()) << "and with it whatever it held";
 }
 
+TEST_F(AppServicesTest, AChosenWindowLeadsTheListThoughNoFocusChangeTellsOfIt) {
+    buildQuietly();
+    desktop.setIgnoresActivation(browser, true);
+    const auto& windows = services->windowIndex().windows().get();
+    const auto chosen = *std::ranges::find(windows, 3U, &AppWindow::id);
+    services->switcher().activator().activate(chosen);
+    desktop.advance(1s);
+    EXPECT_THAT(listedWindows().front(), 1U);
+    desktop.advance(1s);
+    EXPECT_THAT(listedWindows().front(), 3U);
+}
+
 TEST_F(AppServicesTest, SwitchesToTwoApplicationsThatComeToNothingAreAProblemUntilOneWorks) {
     desktop.launch({.pid = 300, .bundleIdentifier = "org.mail", .localizedName = "Mail"}, true);
     desktop.openWindow({.id = 5, .pid = 300, .title = "Window 5"}, true);
@@ -471,6 +483,21 @@ TEST_F(AppServicesTest, SwitchesToTwoApplicationsThatComeToNothingAreAProblemUnt
     EXPECT_EQ(problemAfterSwitchTo(4), std::nullopt) << "the same application";
     EXPECT_EQ(problemAfterSwitchTo(5), SwitchingHealth::Problem::activationsUnconfirmed);
     EXPECT_EQ(problemAfterSwitchTo(2), std::nullopt);
+}
+
+TEST_F(AppServicesTest, AKeyOfASessionFromTheMenuIsNoTriggerThatCame) {
+    buildQuietly();
+    desktop.loseTrigger();
+    desktop.loseTrigger();
+    const auto problem = [this] { return services->switchingHealth().problem().get(); };
+    ASSERT_EQ(problem(), SwitchingHealth::Problem::triggerAnsweredElsewhere);
+    services->switcher().showFromMenu();
+    EXPECT_FALSE(desktop.keyDown({124, 0, u"\uF703", u"\uF703"})) << "the panel's";
+    desktop.settle();
+    EXPECT_EQ(problem(), SwitchingHealth::Problem::triggerAnsweredElsewhere);
+    desktop.keyDown(optionTab);
+    desktop.settle();
+    EXPECT_EQ(problem(), std::nullopt);
 }
 
 TEST_F(AppServicesTest, ATriggerThatAnotherProgramAnswersIsAProblemUntilItComesOrIsAnotherOne) {
