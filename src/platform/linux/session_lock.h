@@ -13,10 +13,9 @@ namespace ferrowyn {
 class BusThread;
 class MainLoop;
 
-/// Whether the session is locked, from the login manager and the screen saver over D-Bus; a machine that goes to sleep
-/// counts as locked until it is awake. Main thread; the buses are
-/// spoken to on a thread of its own, because even connecting to one waits for it. Without a bus the session counts as
-/// never locked.
+/// Whether the session is locked, as the login manager and the screen saver say over D-Bus. A machine that goes to
+/// sleep counts as locked until it is awake; without a bus the session counts as never locked. Main thread. A second
+/// thread speaks to the buses, because even connecting to one waits for it.
 class SessionLock {
 public:
     /// D-Bus addresses; nothing where there is no such bus.

@@ -16,13 +16,11 @@ class X11Connection;
 /// The passive grabs of the trigger combinations. They match at the slave keyboards, before any grab of a window
 /// manager, which can only be at the master. There are two ways:
 ///
-/// - On all devices at once, synchronous: from the trigger's press on the server holds back what that keyboard types
-/// until
-///   the tap has freed it, however late that is. A tap that never does would freeze the keyboard.
-/// - On each slave keyboard by its id, asynchronous: what is typed before the tap has taken the keyboard goes
-/// elsewhere. For
-///   managers with grabs of this kind of their own, which make the server refuse the first way, and where nobody
-///   watches that the tap keeps answering. (By id the first way would lose keys.)
+/// - On all devices at once, synchronous. After the trigger's press the server holds back what that keyboard types
+///   until the tap frees it, however late that is. A tap that never does would freeze the keyboard.
+/// - On each slave keyboard by its id, asynchronous. What is typed before the tap has taken the keyboard goes to the
+///   application. Used where the window manager has such grabs itself, because the server then refuses the first way,
+///   and where no guard watches the tap. (Synchronous grabs by id would lose keys.)
 ///
 /// Tap thread.
 class X11KeyboardGrabs {

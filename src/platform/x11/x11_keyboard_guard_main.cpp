@@ -28,8 +28,8 @@ namespace {
 
 using Message = X11KeyboardGuardMessage;
 
-/// Milliseconds. The tap has missed its answer once this many questions' time has passed since it was asked: counted in
-/// waits and not by the clock, so that a machine on which nothing runs for a while costs the tap nothing.
+/// Milliseconds between questions, and how many such waits may pass without an answer. Waits are counted instead of
+/// reading the clock, so that a machine that was suspended for a while is not taken for a tap that does not answer.
 constexpr int questionInterval = 100;
 constexpr int patienceInQuestions = 3;
 
@@ -64,7 +64,7 @@ public:
         return true;
     }
 
-    /// Until the tap is gone or ended, or there is no server any more.
+    /// Returns when the tap is gone, when this has ended it, or when the server is gone.
     void run() {
         bool isAnswering = true;
         while (isAnswering && readTap() && readServer()) {
@@ -88,7 +88,7 @@ public:
     }
 
 private:
-    /// A server that one client has to itself answers nobody, and the tap may have waited for it too.
+    /// While another client has grabbed the server, it answers nobody, and the tap may have been waiting for it too.
     [[nodiscard]] bool answersAfterAll() {
         const auto start = std::chrono::steady_clock::now();
         synchronize();
@@ -156,8 +156,8 @@ private:
             xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     }
 
-    /// A program that was killed is gone a moment before the server notices. What it had cannot be used to end it: it
-    /// may be another client's by now.
+    /// The server notices a moment later that a killed program is gone. Until then its handle is still there; the guard
+    /// only waits, because the same number may soon belong to another client, which must not be ended.
     void waitUntilTheServerLetGo() const {
         for (int turn = 0; turn < mostTurns && hasHandle(); ++turn) {
             poll(nullptr, 0, turnLength);
@@ -168,8 +168,8 @@ private:
             xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, handle_), nullptr));
         return reply != nullptr;
     }
-    /// Keys that went up while the server held them back are still down for the rest of the desktop: their releases are
-    /// lost.
+    /// Sends the releases that were lost: keys that went up while the server held them back are still down for every
+    /// other client.
     void releaseLostKeys() const {
         const auto down = keysDownAtKeyboards();
         const XcbReply<xcb_query_keymap_reply_t> map(

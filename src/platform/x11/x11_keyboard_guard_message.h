@@ -10,12 +10,12 @@ struct X11KeyboardGuardMessage {
         /// From the guard: does the tap still run? From the tap: it does.
         question,
         answer,
-        /// From the tap: while one of these modifiers is down, a press can make the server hold keys back. `value`:
-        /// real
-        /// modifiers; 0 when it never does.
+        /// From the tap: while one of these modifiers is down, a press can make the server hold keys back. `value` is
+        /// a mask of real modifiers; 0 when no press can.
         freezingModifiers,
-        /// From the tap: it is about to take the keyboard; it has given it back.
+        /// From the tap: it is about to take the keyboard.
         held,
+        /// From the tap: it has given the keyboard back.
         free,
     };
     Kind kind = Kind::question;

@@ -52,21 +52,21 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
     }
     context_.isKeyboardHeldElsewhere.store(false);
     reportActiveWindow(state->activeWindow);
-    // Those that were down at the press: what came after it waits, or is about to.
+    // Keys that were down when the trigger was pressed: undo the queued events to get from now back to then.
     receive();
     auto keysDown = state->keysDown;
     reception_.rewind(keysDown);
     keysDown.reset(press.keyCode);
     heldKeys_.noteTaken(keysDown, keyboard_->layout());
     if (isAtSlave) {
-        // A slave knows its own modifiers only, and its own pointer while it floats; the grab matched the master's.
-        // Shift may be on another keyboard.
+        // The event has the slave's modifiers and, while the slave floats, the slave's pointer, but the grab matched
+        // the master's modifiers. Shift may be down on another keyboard.
         context_.setPointer(state->pointerX, state->pointerY);
         press.modifiers.effective |= keyboard_->triggerMask() | (state->modifiers & XCB_MOD_MASK_SHIFT);
         addShift(press);
         modifiers_ = state->modifiers;
-        // What was held back is here by now. Releases among it are repeated before anybody hears of the trigger, and
-        // may press it again.
+        // What the server held back has arrived by now. Releases among it are repeated before the callback hears of the
+        // trigger, and the trigger's key may have gone up already.
         receive();
         if (!reception_.hasReleaseOf(press.keyCode)) {
             heldKeys_.holdTrigger(press, *state);
@@ -182,8 +182,8 @@ void X11TapEngine::endSession() {
     }
 }
 
-/// The keyboard is somebody else's, or nobody takes its keys: whoever listens ends the session and enables the tap
-/// again.
+/// Another program needs the keyboard, or the main thread does not take its keys. The tap is disabled; its owner ends
+/// the session and enables it again.
 void X11TapEngine::loseKeyboard() {
     isEnabled_ = false;
     onLoss();

@@ -33,7 +33,8 @@ public:
 
     /// Whether a release of this key waits.
     [[nodiscard]] bool hasReleaseOf(std::uint32_t keyCode) const;
-    /// Goes back over what waits: from the keys that are down by now to those that were before it.
+    /// Undoes the queued events in `keysDown`: from the keys that are down now to those that were down before the
+    /// first.
     void rewind(X11KeyboardSeizure::KeysDown& keysDown) const;
     /// Whether more of the same key waits behind this repeat.
     [[nodiscard]] bool isStaleRepeat(const X11KeyboardEvent& event) const;
