@@ -260,6 +260,43 @@ TEST_F(InventoryEventsTest, ADestroyedWindowIsGoneThoughItIsStillListed) {
     expectListed({other});
 }
 
+TEST_F(InventoryEventsTest, AWindowThatJoinsAGroupIsReadAgain) {
+    const auto window = manager.createWindow();
+    const auto leader = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    seen.clear();
+    constexpr std::uint32_t windowGroupHint = 1U << 6U;
+    const std::array<std::uint32_t, 9> hints{windowGroupHint, 0, 0, 0, 0, 0, 0, 0, leader};
+    manager.set(window, "WM_HINTS", "WM_HINTS", 32, hints.data(), 9);
+    EXPECT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window)->group == leader; }));
+    EXPECT_THAT(seen, Contains("activeSpaceDidChange")) << "which of its group's dialogs blocks it";
+}
+
+TEST_F(InventoryEventsTest, ABlockedWindowIsRestoredByMappingItWhenItsActivationDidNot) {
+    manager.publishSupported({"_NET_WM_STATE", "_NET_WM_STATE_HIDDEN"});
+    const auto window = manager.createWindow();
+    const auto dialog = manager.createWindow();
+    manager.publishStacking({window, dialog});
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window)->isHidden; }));
+    const auto isMapped = [&] {
+        settle();
+        const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+            manager.connection(), xcb_get_window_attributes(manager.connection(), window), nullptr));
+        return attributes != nullptr && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
+    };
+    const auto raiseBoth = [&] {
+        parts.control.raise(X11Element::make(window));
+        parts.control.raise(X11Element::make(dialog));
+    };
+    raiseBoth();
+    EXPECT_FALSE(isMapped()) << "the manager may do it";
+    raiseBoth();
+    EXPECT_TRUE(isMapped());
+}
+
 TEST_F(InventoryEventsTest, AWindowWithTheNumberOfAnotherOneIsReadAnew) {
     parts.reader.keepLastingFacts();
     const auto forgetting =

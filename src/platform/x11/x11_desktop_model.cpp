@@ -106,7 +106,7 @@ void X11DesktopModel::update(X11WindowFacts window, Windows& renamed, Announceme
     // that becomes modal changes which windows take input.
     if (old.desktop != now.desktop || old.isFullScreen != now.isFullScreen || old.kind != now.kind ||
         old.skipsTaskbar != now.skipsTaskbar || old.isModal != now.isModal || old.transientFor != now.transientFor ||
-        old.opacity != now.opacity || old.identity != now.identity) {
+        old.group != now.group || old.opacity != now.opacity || old.identity != now.identity) {
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::activeSpaceDidChange, std::nullopt});
     }
 }

@@ -125,6 +125,7 @@ void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event)
                               atoms_.gtkApplicationId,
                               atoms_.kdeDesktopFile,
                               xcb_atom_t{XCB_ATOM_WM_CLASS},
+                              xcb_atom_t{XCB_ATOM_WM_HINTS},
                               xcb_atom_t{XCB_ATOM_WM_TRANSIENT_FOR}};
     if (event.window != clockWindow_ && std::ranges::find(relevant, event.atom) != relevant.end()) {
         changedWindows_.insert(event.window);

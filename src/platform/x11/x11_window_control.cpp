@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "platform/x11/x11_element.h"
 #include "platform/x11/x11_server_time.h"
@@ -67,7 +68,7 @@ void X11WindowControl::raise(const AXElementRef& window) {
         return;
     }
     const auto* const facts = monitor_.model().find(*id);
-    if (requested_ == id && facts != nullptr && facts->isHidden) {
+    if ((requested_ == id || requestedBefore_ == id) && facts != nullptr && facts->isHidden) {
         // The first request did not restore it: this manager goes by the older convention, by which a window is
         // restored by mapping it.
         xcb_map_window(monitor_.connection().get(), *id);
@@ -101,8 +102,13 @@ void X11WindowControl::activate(Pid pid) {
 }
 
 void X11WindowControl::requestActivation(xcb_window_t window) {
-    requested_ = window;
-    requestEnd_ = mainLoop_.after(requestLifetime, [this] { requested_.reset(); });
+    if (requested_ != window) {
+        requestedBefore_ = std::exchange(requested_, window);
+    }
+    requestEnd_ = mainLoop_.after(requestLifetime, [this] {
+        requested_.reset();
+        requestedBefore_.reset();
+    });
     requestTime_ = userTime();
     const auto& model = monitor_.model();
     activeAtRequest_ = model.activeWindow();

@@ -77,6 +77,8 @@ private:
     /// The window that was last asked for; forgotten after a while, or it would stand in the way of the next request
     /// for its application.
     std::optional<xcb_window_t> requested_;
+    /// The one before it: a blocked window is asked for and then its dialog.
+    std::optional<xcb_window_t> requestedBefore_;
     Subscription requestEnd_;
     /// The user's latest input when it was asked for.
     xcb_timestamp_t requestTime_ = 0;
