@@ -10,6 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "platform/log.h"
+#include "platform/x11/x11_event_tap.h"
+#include "platform/x11/x11_tap_engine.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/private_x_server.h"
@@ -69,6 +72,11 @@ private:
 
     xcb_connection_t* connection_;
     bool hasGrab_ = false;
+};
+
+class SilentLog final : public Log {
+public:
+    void write(LogLevel /*level*/, std::string_view /*category*/, std::string_view /*message*/) override {}
 };
 
 class TapKeyboardTest : public testing::Test {
@@ -818,6 +826,51 @@ TEST_F(TapKeyboardTest, ALostConnectionDisablesTheTapForGoodAndCostsNoTime) {
     const auto before = rig.tapThreadCpuTime();
     EXPECT_FALSE(rig.waitUntil([] { return false; }, milliseconds{500}));
     EXPECT_LT(rig.tapThreadCpuTime() - before, std::chrono::milliseconds(50));
+}
+
+TEST_F(TapKeyboardTest, ATapThatCannotBeginAnewSaysSoAndTriesAgainWhenItIsEnabled) {
+    SilentLog log;
+    X11InputContext context;
+    std::vector<TapEvent::Type> told;
+    xcb_pixmap_t handle = XCB_PIXMAP_NONE;
+    const auto make = [&](SwitcherModifier trigger) {
+        auto connection = X11Connection::open(server.display().c_str());
+        handle = xcb_generate_id(connection->get());
+        xcb_create_pixmap(connection->get(), 1, handle, connection->root(), 1, 1);
+        return X11TapEngine::create(
+            std::move(connection), nullptr, trigger,
+            [&](const TapEvent& event) {
+                told.push_back(event.type());
+                return TapVerdict{};
+            },
+            context, log);
+    };
+    bool isRefused = true;
+    X11EventTap tap(make(SwitcherModifier::option), SwitcherModifier::option,
+                    [&](SwitcherModifier trigger) { return isRefused ? nullptr : make(trigger); });
+    tap.noteServingThread();
+    tap.setEnabled(true);
+    ASSERT_TRUE(tap.isEnabled());
+    // Somebody ends the connection, as the guard does.
+    xcb_kill_client(desktop.connection(), handle);
+    EXPECT_TRUE(desktop.waitUntil([&] {
+        tap.serve();
+        return !tap.isEnabled();
+    }));
+    EXPECT_THAT(told, testing::ElementsAre(TapEvent::Type::disabledByUserInput));
+    tap.setEnabled(true);
+    EXPECT_FALSE(tap.isEnabled());
+    isRefused = false;
+    tap.setEnabled(true);
+    EXPECT_TRUE(tap.isEnabled());
+    told.clear();
+    toggle();
+    EXPECT_TRUE(desktop.waitUntil([&] {
+        tap.serve();
+        return testing::Value(told, Contains(TapEvent::Type::keyDown));
+    }));
+    tap.invalidate();
+    input.releaseAll();
 }
 
 TEST_F(TapKeyboardTest, TellsWhenTheUserLastActedAndWhereThePointerIs) {

@@ -96,10 +96,13 @@ void X11EventTap::serve() {
 }
 
 void X11EventTap::handle(const X11TapRequest& request) {
+    using Kind = X11TapRequest::Kind;
+    if (engine_ != nullptr && !isConnected_ && request.kind == Kind::enable) {
+        connectAgain();
+    }
     if (engine_ == nullptr || !isConnected_) {
         return;
     }
-    using Kind = X11TapRequest::Kind;
     if (request.kind == Kind::disable) {
         isEnabled_.store(false);
     } else if (request.kind == Kind::enable) {
@@ -111,18 +114,25 @@ void X11EventTap::handle(const X11TapRequest& request) {
     engine_->handle(request);
 }
 
-/// The guard ends the connection of a tap that was stopped; whoever listens enables the new one. Otherwise the server
-/// is gone.
+/// The guard ends the connection of a tap that was stopped; the tap's owner enables the new one. Where there is no new
+/// one, the server is gone or serves as many clients as it can: the next request to enable the tap tries again.
 void X11EventTap::replaceEngine() {
     isEnabled_.store(false);
-    auto engine = makeEngine_(trigger_);
-    if (engine == nullptr) {
-        // For good: a dead descriptor is always readable and must not be waited on.
-        isConnected_ = false;
-        return;
+    // A dead descriptor is always readable and must not be waited on.
+    isConnected_ = false;
+    connectAgain();
+    if (isConnected_) {
+        engine_->reportLoss();
+    } else {
+        engine_->reportEnd();
     }
-    adopt(std::move(engine));
-    engine_->reportLoss();
+}
+
+void X11EventTap::connectAgain() {
+    if (auto engine = makeEngine_(trigger_)) {
+        adopt(std::move(engine));
+        isConnected_ = true;
+    }
 }
 
 }  // namespace ferrowyn

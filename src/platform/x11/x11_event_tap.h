@@ -56,6 +56,7 @@ private:
     void handle(const X11TapRequest& request);
     void adopt(std::unique_ptr<X11TapEngine> engine);
     void replaceEngine();
+    void connectAgain();
 
     X11TapMailbox mailbox_;
     std::atomic<std::thread::id> servingThread_{};

@@ -312,6 +312,11 @@ void X11TapEngine::reportLoss() {
     delivery_.disabled();
 }
 
+void X11TapEngine::reportEnd() {
+    log_.write(LogLevel::error, category, "The keyboard's connection to the X server has ended");
+    delivery_.disabled();
+}
+
 void X11TapEngine::answerGuard() {
     if (guard_ == nullptr) {
         return;

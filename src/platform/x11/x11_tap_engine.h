@@ -64,6 +64,8 @@ public:
     void handle(const X11TapRequest& request);
     /// The guard ended the connection of this tap's predecessor: whatever that had begun is over.
     void reportLoss();
+    /// This tap's connection has ended, and it has no successor yet.
+    void reportEnd();
     /// Handles all that has arrived and all that is due. False when the connection is lost.
     [[nodiscard]] bool serve();
     /// Told that the tap disables itself, before the tap's callback is. Set before the tap's thread starts.
