@@ -40,7 +40,7 @@ protected:
         return program->process().waitForOutput("The input method fcitx5 is asked about typed keys");
     }
 
-    const PrivateBus bus{server};
+    PrivateBus bus{server};
     std::unique_ptr<ChildProcess> inputMethod;
 };
 
@@ -102,6 +102,21 @@ TEST_F(InputMethodTest, OneThatHangsOrEndsCostsNoKey) {
     // And it is asked again when it comes back.
     program->process().discardOutput();
     startInputMethod();
+    EXPECT_TRUE(waitUntilAsked());
+}
+
+TEST_F(InputMethodTest, ItIsAskedAgainOnABusThatWasStartedAgain) {
+    openWindows(2);
+    startProgram();
+    ASSERT_TRUE(waitUntilAsked());
+    inputMethod.reset();
+    bus.restart();
+    program->process().discardOutput();
+    startInputMethod();
+    // The end of a session is when it looks for the bus.
+    holdAndPin();
+    input.tap(key::escape);
+    expectQuiet();
     EXPECT_TRUE(waitUntilAsked());
 }
 

@@ -86,6 +86,10 @@ void X11InputMethod::reset() {
     isAsking_ = false;
     isTooSlow_ = false;
     text_.clear();
+    if (bus_ == nullptr) {
+        // It may be there again, or have come since the start.
+        connect();
+    }
 }
 
 bool X11InputMethod::ask(const Key& key, const std::optional<X11PixelRect>& panel) {

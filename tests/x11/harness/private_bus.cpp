@@ -5,15 +5,27 @@
 namespace ferrowyn::x11test {
 
 PrivateBus::PrivateBus(const PrivateXServer& server) {
-    ChildProcess::Options options;
+    options_.environment = server.clientEnvironment();
+    start({});
+}
+
+void PrivateBus::restart() {
+    kill();
+    start({"--address=" + address_});
+}
+
+void PrivateBus::start(const std::vector<std::string>& arguments) {
+    auto options = options_;
     options.command = {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address"};
-    options.environment = server.clientEnvironment();
+    options.command.insert(options.command.end(), arguments.begin(), arguments.end());
     process_ = std::make_unique<ChildProcess>(options);
-    if (!process_->waitForOutput("\n")) {
+    if (!process_->waitForOutput(",guid=")) {
         throw std::runtime_error("waited for dbus-daemon to say its address");
     }
+    // Without the identity, as a user's bus has its address: a bus that is started again has another one.
     const std::string said = process_->output();
-    address_ = said.substr(0, said.find_first_of("\r\n"));
+    const auto begin = said.find("unix:");
+    address_ = said.substr(begin, said.find(",guid=", begin) - begin);
 }
 
 }  // namespace ferrowyn::x11test

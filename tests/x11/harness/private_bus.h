@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/private_x_server.h"
@@ -17,8 +18,13 @@ public:
     [[nodiscard]] const std::string& address() const { return address_; }
     /// Ends the bus under its clients.
     void kill() { process_.reset(); }
+    /// Starts it again at the same address.
+    void restart();
 
 private:
+    void start(const std::vector<std::string>& arguments);
+
+    ChildProcess::Options options_;
     std::unique_ptr<ChildProcess> process_;
     std::string address_;
 };
