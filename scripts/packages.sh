@@ -23,7 +23,7 @@ demo_packages=(
 # The private desktops of the tests.
 test_packages=(
   appstream at-spi2-core desktop-file-utils dwm libbenchmark-dev libgmock-dev libglib2.0-bin libgtest-dev libsm-dev openssl python3
-  dbus dbus-bin dbus-daemon dex fcitx5 fcitx5-hangul i3-wm i3lock icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
+  dbus dbus-bin dbus-daemon dex fcitx5 fcitx5-hangul fonts-dejavu-core i3-wm i3lock icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
   xfce4-panel xfwm4 xfconf
   wmaker x11-utils x11-xkb-utils x11-xserver-utils xinput xsecurelock xserver-xephyr xsettingsd xterm xvfb xkb-data
   clang-14 libc++-14-dev llvm-14 musl-dev
