@@ -95,8 +95,24 @@ TEST_F(IconProviderTest, FallsBackWhenTheFileHasNoIcon) {
 }
 
 TEST_F(IconProviderTest, EveryIconIs32PointsWideAndHigh) {
-    EXPECT_EQ(provider.icon(window(1, 9, std::nullopt, std::nullopt)).size, (Size{32, 32}));
-    EXPECT_EQ(provider.icon(window(2, 10, "org.example.a", "/a")).size, (Size{32, 32}));
+    desktop.setProcessHasIcon(11, false);
+    const AppWindow ofAProcess = window(1, 9, std::nullopt, std::nullopt);
+    const AppWindow ofAFile = window(2, 10, "org.example.a", "/a");
+    const AppWindow ofNeither = window(3, 11, std::nullopt, std::nullopt);
+    for (const AppWindow* const shown : {&ofAProcess, &ofAFile, &ofNeither}) {
+        for (const char* const state : {"loaded", "kept"}) {
+            const Icon& icon = provider.icon(*shown);
+            ASSERT_NE(icon.image, nullptr) << state;
+            EXPECT_EQ(icon.size, (Size{32, 32})) << state;
+            for (const int scale : {1, 2}) {
+                const PixelBuffer pixels = icon.image->render(static_cast<int>(icon.size.width) * scale);
+                EXPECT_EQ(pixels.width, 32 * scale);
+                EXPECT_EQ(pixels.height, 32 * scale);
+                EXPECT_EQ(pixels.pixels.size(), static_cast<std::size_t>(32 * 32 * scale * scale));
+            }
+        }
+    }
+    EXPECT_THAT(desktop.takeIconLoads(), ElementsAre("process 9", "file /a", "process 11", "generic Editor"));
 }
 
 TEST_F(IconProviderTest, RemovingAllLoadsEverythingAnew) {

@@ -108,10 +108,26 @@ TEST_F(StatusMenuPopupTest, AReleaseBeforeThePointerHasMovedIsTheEndOfTheClickTh
 }
 
 TEST_F(StatusMenuPopupTest, ThePointerUnderWhichTheMenuOpensSelectsNothing) {
-    const QPointF place = popup->mapFromGlobal(QPointF(QCursor::pos()));
-    move(place);
-    EXPECT_EQ(selectedTitle(), "none");
-    EXPECT_FALSE(popup->isHoveringGear());
+    struct Place {
+        QPointF position;
+        std::string selected;
+        bool isOnGear;
+    };
+    for (const Place& place : {Place{centreOf("Grid"), "Grid", false}, Place{gear(), "none", true}}) {
+        const QPoint global = popup->mapToGlobal(place.position.toPoint());
+        popup->close();
+        QCursor::setPos(global);
+        open(test::statusMenu(test::Health::ready));
+        ASSERT_EQ(popup->mapFromGlobal(QCursor::pos()), place.position.toPoint()) << "it opens where it was";
+        move(place.position);
+        move(place.position + QPointF(1, 1));
+        EXPECT_EQ(selectedTitle(), "none") << "a hand that trembles";
+        EXPECT_FALSE(popup->isHoveringGear());
+        move(place.position + QPointF(12, 0));
+        EXPECT_EQ(selectedTitle(), place.selected) << "a hand that moves";
+        move(place.position);
+        EXPECT_EQ(popup->isHoveringGear(), place.isOnGear);
+    }
 }
 
 TEST_F(StatusMenuPopupTest, APressOutsideClosesTheMenu) {

@@ -157,10 +157,16 @@ TEST_F(SwitcherViewTest, MovingOverRowsReportsThemAndNothingElse) {
 }
 
 TEST_F(SwitcherViewTest, APointerThatRestsWhereThePanelAppearsHoversNothing) {
+    const QPointF onARow = centre(view.rowRect(3));
     view.show();
-    const QPointF resting = view.mapFromGlobal(QPointF(QCursor::pos()));
-    move(resting);
+    // All that a panel which comes to the pointer causes is that the pointer is now inside.
+    QEnterEvent enter(onARow, onARow, view.mapToGlobal(onARow));
+    QApplication::sendEvent(&view, &enter);
+    view.synchronize();
+    (void)picture();
     EXPECT_THAT(hovered, IsEmpty());
+    move(onARow + QPointF(1, 0));
+    EXPECT_THAT(hovered, ElementsAre(3)) << "a motion over the same row";
     view.hide();
 }
 
