@@ -36,6 +36,8 @@ StatusItemTexts sharedTexts() {
         .settings = translatable("Ferrowyn", "Settings…"),
         .setupGuide = translatable("Ferrowyn", "Setup Guide…"),
         .update = translatable("Ferrowyn", "Update to %1…"),
+        .noDownloadPage =
+            translatable("Ferrowyn", "The update names no secure page to open. Get it where you got Ferrowyn."),
         .about = translatable("Ferrowyn", "About %1"),
         .quit = translatable("Ferrowyn", "Quit Ferrowyn"),
     };

@@ -39,6 +39,8 @@ struct StatusItemTexts {
     std::string_view settings;
     std::string_view setupGuide;
     std::string_view update;
+    /// Why that row cannot be chosen.
+    std::string_view noDownloadPage;
     std::string_view about;
     std::string_view quit;
 };

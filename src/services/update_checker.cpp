@@ -130,19 +130,23 @@ void UpdateChecker::accept(Release release) {
     }
 }
 
-void UpdateChecker::openDownloadPage() {
-    auto address = homePage_;
-    if (const auto* available = std::get_if<UpdateAvailable>(&state_.get())) {
-        // The manifest may name anything; only what the web's own rules protect is handed to the system.
-        if (isHttpsAddress(available->release.downloadURL)) {
-            address = available->release.downloadURL;
-        } else {
-            log_.write(LogLevel::error, logCategory,
-                       fmt::format("Not opened: the download address \"{}\" is not an https address",
-                                   available->release.downloadURL));
-        }
+std::optional<std::string> UpdateChecker::downloadPage() const {
+    // The manifest may name anything; only what the web's own rules protect is handed to the system.
+    const auto* const available = std::get_if<UpdateAvailable>(&state_.get());
+    if (available != nullptr && isHttpsAddress(available->release.downloadURL)) {
+        return available->release.downloadURL;
     }
-    if (address) {
+    return homePage_;
+}
+
+void UpdateChecker::openDownloadPage() {
+    const auto* const available = std::get_if<UpdateAvailable>(&state_.get());
+    if (available != nullptr && !isHttpsAddress(available->release.downloadURL)) {
+        log_.write(LogLevel::error, logCategory,
+                   fmt::format("Not opened: the download address \"{}\" is not an https address",
+                               available->release.downloadURL));
+    }
+    if (const auto address = downloadPage()) {
         workspace_.open(*address);
     }
 }

@@ -81,8 +81,11 @@ public:
     /// Opens the release's download address when one is available and safe to open, else the maker's home page, where
     /// there is one.
     void openDownloadPage();
+    /// Whether there is a page to open now.
+    [[nodiscard]] bool hasDownloadPage() const { return downloadPage().has_value(); }
 
 private:
+    [[nodiscard]] std::optional<std::string> downloadPage() const;
     [[nodiscard]] std::optional<std::string> requestAddress() const;
     void finish(const HttpResult& result);
     [[nodiscard]] static std::variant<Release, UpdateError> parseManifest(std::string_view body);

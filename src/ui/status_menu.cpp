@@ -117,6 +117,10 @@ private:
         auto row = item(say(texts_.update, available->release.version.original()), "arrow.down.circle",
                         Action::downloadUpdate);
         row.symbolTint = MenuTint::accent;
+        if (!services_.updates().hasDownloadPage()) {
+            row.isEnabled = false;
+            row.tooltip = say(texts_.noDownloadPage);
+        }
         menu.push_back(std::move(row));
     }
 

@@ -142,11 +142,11 @@ protected:
             desktop.advance(2s);
         }
     }
-    void offerUpdate(const std::string& version) {
+    void offerUpdate(const std::string& version, const std::string& address = "https://example.org/get") {
         services->updates().check();
         auto& http = desktop.httpClient();
         http.answer(http.requestCount() - 1,
-                    HttpResponse{200, R"({"version": ")" + version + R"(", "url": "https://example.org/get"})"});
+                    HttpResponse{200, R"({"version": ")" + version + R"(", "url": ")" + address + "\"}"});
         desktop.settle();
     }
     [[nodiscard]] const MenuRow* find(Action action) const {
@@ -351,6 +351,27 @@ TEST_F(StatusItemControllerTest, AnAvailableUpdateHasARowOfItsOwnAndNoUpdateHasN
     EXPECT_EQ(find(Action::downloadUpdate), nullptr);
     offerUpdate("2.0-beta");
     EXPECT_EQ(row(Action::downloadUpdate).title, "Update to 2.0-beta…") << "as it was published";
+}
+
+TEST_F(StatusItemControllerTest, AnUpdateWithNothingToOpenIsShownButCannotBeChosenAndSaysWhy) {
+    desktop.application().bundle.homePage.reset();
+    build();
+    offerUpdate("1.4.0", "http://example.org/get");
+    EXPECT_EQ(row(Action::downloadUpdate).title, "Update to 1.4.0…");
+    EXPECT_FALSE(row(Action::downloadUpdate).isEnabled);
+    EXPECT_EQ(row(Action::downloadUpdate).tooltip,
+              "The update names no secure page to open. Get it where you got Ferrowyn.");
+    offerUpdate("1.5.0");
+    EXPECT_TRUE(row(Action::downloadUpdate).isEnabled);
+    EXPECT_EQ(row(Action::downloadUpdate).tooltip, "");
+}
+
+TEST_F(StatusItemControllerTest, AnUpdateWithoutASecureAddressOpensTheHomePage) {
+    build();
+    offerUpdate("1.4.0", "http://example.org/get");
+    EXPECT_TRUE(row(Action::downloadUpdate).isEnabled);
+    item.choose(row(Action::downloadUpdate));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("open https://ferrowyn.example"));
 }
 
 TEST_F(StatusItemControllerTest, AnUnavailableLoginItemIsDisabledAndSaysWhy) {
