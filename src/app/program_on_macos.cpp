@@ -15,11 +15,13 @@
 #include "platform/macos/mac_application_delegate.h"
 #include "platform/macos/mac_platform.h"
 #include "platform/macos/mac_status_item.h"
+#include "platform/macos/mac_system_looks.h"
 #include "platform/macos/mac_utility_window.h"
 #include "platform/qt/curl_http_client.h"
 #include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_hosted_widget.h"
 #include "platform/qt/qt_main_loop.h"
+#include "ui/system_looks_in_use.h"
 #include "ui/translations.h"
 #include "ui/visual_effect_background.h"
 
@@ -71,6 +73,8 @@ int runOnMacOS(const CommandLine& line, int& argumentCount, char** arguments) {
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     QtUserInterface userInterface(
         platform, [] { return std::make_unique<MacStatusItem>(); }, nullptr, configureUtilityWindow);
+    const MacSystemLooks looks;
+    const SystemLooksInUse looksInUse(looks);
     AppDelegate delegate(platform, userInterface);
     told = &delegate;
     // After the toolkit's own application object, which brings a menu of its own.

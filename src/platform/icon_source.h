@@ -11,7 +11,7 @@
 
 namespace ferrowyn {
 
-/// A square of device pixels, premultiplied ARGB, each 0xAARRGGBB, row by row from the top.
+/// Device pixels, premultiplied ARGB, each 0xAARRGGBB, row by row from the top.
 struct PixelBuffer {
     int width = 0;
     int height = 0;
@@ -23,7 +23,7 @@ class IconImage {
 public:
     virtual ~IconImage() = default;
 
-    /// The icon at `side` × `side` device pixels (1 to 1024).
+    /// The icon as a square of `side` × `side` device pixels (1 to 1024).
     [[nodiscard]] virtual PixelBuffer render(int side) const = 0;
 };
 

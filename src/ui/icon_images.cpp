@@ -10,7 +10,9 @@ namespace {
 /// More than the applications anybody runs; beyond it all are rendered anew, which costs one slow frame.
 constexpr qsizetype keptImages = 256;
 
-QImage toImage(const PixelBuffer& buffer) {
+}  // namespace
+
+QImage pixelImage(const PixelBuffer& buffer) {
     const auto needed = static_cast<std::size_t>(buffer.width) * static_cast<std::size_t>(buffer.height);
     if (buffer.width < 1 || buffer.height < 1 || buffer.pixels.size() < needed) {
         return {};
@@ -23,8 +25,6 @@ QImage toImage(const PixelBuffer& buffer) {
     }
     return image;
 }
-
-}  // namespace
 
 const QImage& IconImages::image(const std::shared_ptr<const IconImage>& icon, int deviceSide) {
     static const QImage none;
@@ -39,7 +39,7 @@ const QImage& IconImages::image(const std::shared_ptr<const IconImage>& icon, in
     if (images_.size() >= keptImages) {
         images_.clear();
     }
-    return images_.insert(key, {toImage(icon->render(deviceSide)), icon})->image;
+    return images_.insert(key, {pixelImage(icon->render(deviceSide)), icon})->image;
 }
 
 }  // namespace ferrowyn

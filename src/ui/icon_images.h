@@ -8,6 +8,9 @@
 
 namespace ferrowyn {
 
+/// The pixels as an image; null when they are not as many as they are said to be.
+[[nodiscard]] QImage pixelImage(const PixelBuffer& buffer);
+
 /// Application icons as images, each rendered once a device size and kept while it is among those used lately. Main
 /// thread.
 class IconImages {

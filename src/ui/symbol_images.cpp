@@ -5,7 +5,9 @@
 #include <QSvgRenderer>
 #include <cmath>
 
+#include "ui/icon_images.h"
 #include "ui/resources.h"
+#include "ui/system_looks_in_use.h"
 
 namespace ferrowyn {
 
@@ -34,22 +36,36 @@ void SymbolImages::paint(QPainter& painter, std::string_view name, double center
                          const QColor& color, SymbolWeight weight) {
     // Of what is really painted on: a widget may be rendered into an image of another resolution.
     const double scale = painter.deviceTransform().m11();
-    const Key key{std::string(name), static_cast<int>(std::lround(boxSide(points) * scale)), color.rgba(), weight};
+    const Key key{std::string(name), static_cast<int>(std::lround(boxSide(points) * scale)),
+                  static_cast<int>(std::lround(points * scale * 100)), color.rgba(), weight};
     auto found = images_.find(key);
     if (found == images_.end()) {
-        found = images_.insert(key, render(key));
+        found = images_.insert(key, render(key, points, scale));
     }
     const QImage& image = found.value();
     if (image.isNull()) {
         return;
     }
     // On whole device pixels, or every stroke would be blurred once more.
-    const double shown = key.deviceSide / scale;
+    const QSizeF shown = QSizeF(image.size()) / scale;
     const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
-    painter.drawImage(QRectF(snapped(centerX - shown / 2), snapped(centerY - shown / 2), shown, shown), image);
+    painter.drawImage(
+        QRectF(QPointF(snapped(centerX - shown.width() / 2), snapped(centerY - shown.height() / 2)), shown), image);
 }
 
-QImage SymbolImages::render(const Key& key) {
+QImage SymbolImages::render(const Key& key, double points, double scale) {
+    const SystemLooks* const looks = SystemLooksInUse::current();
+    const auto symbol = looks != nullptr ? looks->symbol(key.name, points, key.weight, scale) : std::nullopt;
+    QImage image = symbol ? pixelImage(*symbol) : drawing(key);
+    if (!image.isNull()) {
+        QPainter painter(&image);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(image.rect(), QColor::fromRgba(key.color));
+    }
+    return image;
+}
+
+QImage SymbolImages::drawing(const Key& key) {
     loadResources();
     QFile file(QStringLiteral(":/ferrowyn/symbols/%1.svg").arg(QString::fromStdString(key.name)));
     if (key.deviceSide < 1 || !file.open(QIODevice::ReadOnly)) {
@@ -60,8 +76,6 @@ QImage SymbolImages::render(const Key& key) {
     image.fill(Qt::transparent);
     QPainter painter(&image);
     renderer.render(&painter);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image.rect(), QColor::fromRgba(key.color));
     return image;
 }
 

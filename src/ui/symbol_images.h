@@ -6,13 +6,14 @@
 #include <string>
 #include <string_view>
 
+#include "platform/system_looks.h"
+
 class QPainter;
 
 namespace ferrowyn {
 
-enum class SymbolWeight { light, regular, medium, semibold };
-
-/// The system symbols, drawn in any colour, size and weight. Each image is rendered once and kept. Main thread.
+/// Symbols, drawn in any colour, size and weight: the desktop's own where it has one of that name, else ours. Each
+/// image is rendered once and kept. Main thread.
 class SymbolImages {
 public:
     /// The side of the square in which a symbol of so many points stands. The drawings reach over 20 of the 24 units of
@@ -32,16 +33,19 @@ private:
     struct Key {
         std::string name;
         int deviceSide;
+        /// In hundredths of a device pixel.
+        int devicePoints;
         QRgb color;
         SymbolWeight weight;
         friend bool operator==(const Key&, const Key&) = default;
         friend size_t qHash(const Key& key, size_t seed) {
-            return qHashMulti(seed, std::hash<std::string>{}(key.name), key.deviceSide, key.color,
+            return qHashMulti(seed, std::hash<std::string>{}(key.name), key.deviceSide, key.devicePoints, key.color,
                               static_cast<int>(key.weight));
         }
     };
 
-    [[nodiscard]] static QImage render(const Key& key);
+    [[nodiscard]] static QImage render(const Key& key, double points, double scale);
+    [[nodiscard]] static QImage drawing(const Key& key);
 
     QHash<Key, QImage> images_;
 };

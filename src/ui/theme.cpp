@@ -5,6 +5,7 @@
 
 #include "ui/contrast.h"
 #include "ui/hairline.h"
+#include "ui/system_looks_in_use.h"
 
 namespace ferrowyn {
 
@@ -51,6 +52,9 @@ void setDarkColors(Theme& theme) {
     theme.keyCapFill = withAlpha(Qt::white, 0.08);
     theme.keyCapEdge = withAlpha(Qt::white, 0.10);
     theme.favourite = QColor(0xFF, 0xD2, 0x0A);
+    theme.orange = QColor(0xFF, 0xB3, 0x40);
+    theme.blue = QColor(0x6F, 0xB6, 0xFF);
+    theme.purple = QColor(0xCF, 0x9B, 0xFF);
     theme.buttonFill = withAlpha(Qt::white, 0.12);
     theme.buttonFillHovered = withAlpha(Qt::white, 0.18);
 }
@@ -65,8 +69,28 @@ void setLightColors(Theme& theme) {
     theme.keyCapFill = Qt::white;
     theme.keyCapEdge = withAlpha(Qt::black, 0.12);
     theme.favourite = QColor(0xE5, 0xA5, 0x00);
+    theme.orange = QColor(0x9A, 0x45, 0x06);
+    theme.blue = QColor(0x0B, 0x58, 0xB8);
+    theme.purple = QColor(0x73, 0x30, 0xE4);
     theme.buttonFill = Qt::white;
     theme.buttonFillHovered = QColor(0xEA, 0xEB, 0xEF);
+}
+
+void takeSystemColor(QColor& own, SystemLooks::Color name, ColorScheme scheme) {
+    const SystemLooks* const looks = SystemLooksInUse::current();
+    if (const auto color = looks != nullptr ? looks->color(name, scheme) : std::nullopt) {
+        own = QColor(color->red, color->green, color->blue);
+    }
+}
+
+void takeSystemColors(Theme& theme) {
+    const ColorScheme scheme = theme.isDark ? ColorScheme::dark : ColorScheme::light;
+    takeSystemColor(theme.orange, SystemLooks::Color::orange, scheme);
+    takeSystemColor(theme.blue, SystemLooks::Color::blue, scheme);
+    takeSystemColor(theme.purple, SystemLooks::Color::purple, scheme);
+    takeSystemColor(theme.favourite, SystemLooks::Color::yellow, scheme);
+    // On the accent, which is as dark as a dark window.
+    takeSystemColor(theme.selectionFavourite, SystemLooks::Color::yellow, ColorScheme::dark);
 }
 
 }  // namespace
@@ -74,11 +98,11 @@ void setLightColors(Theme& theme) {
 QColor Theme::badgeText(WindowPresentation::Tint tint) const {
     switch (tint) {
         case WindowPresentation::Tint::orange:
-            return isDark ? QColor(0xFF, 0xB3, 0x40) : QColor(0x9A, 0x45, 0x06);
+            return orange;
         case WindowPresentation::Tint::blue:
-            return isDark ? QColor(0x6F, 0xB6, 0xFF) : QColor(0x0B, 0x58, 0xB8);
+            return blue;
         case WindowPresentation::Tint::purple:
-            return isDark ? QColor(0xCF, 0x9B, 0xFF) : QColor(0x73, 0x30, 0xE4);
+            return purple;
     }
     return textPrimary;
 }
@@ -93,7 +117,9 @@ Theme Theme::fromPalette(const QPalette& palette, bool isTranslucent) {
     const QColor highlight = palette.color(QPalette::Active, QPalette::Highlight);
     const bool isChosen =
         std::find(toolkitHighlights.begin(), toolkitHighlights.end(), highlight) == toolkitHighlights.end();
-    return make(isDark, isChosen ? highlight : ownAccent, isTranslucent);
+    Theme theme = make(isDark, isChosen ? highlight : ownAccent, isTranslucent);
+    takeSystemColors(theme);
+    return theme;
 }
 
 Theme Theme::make(bool isDark, const QColor& accent, bool isTranslucent) {

@@ -26,6 +26,10 @@ struct Theme {
     QColor countText;
     QColor countFill;
     QColor favourite;
+    /// Of the badges' tints.
+    QColor orange;
+    QColor blue;
+    QColor purple;
     QColor buttonFill;
     QColor buttonFillHovered;
 
@@ -39,7 +43,8 @@ struct Theme {
     [[nodiscard]] QColor badgeText(WindowPresentation::Tint tint) const;
     [[nodiscard]] QColor badgeFill(WindowPresentation::Tint tint) const;
 
-    /// Light or dark as the desktop's windows are, in the desktop's accent colour where it has one.
+    /// Light or dark as the desktop's windows are, in the desktop's accent colour where it has one, and in its own
+    /// orange, blue, purple and yellow where it has those.
     [[nodiscard]] static Theme fromPalette(const QPalette& palette, bool isTranslucent);
     [[nodiscard]] static Theme make(bool isDark, const QColor& accent, bool isTranslucent);
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 
 #include "ui/contrast.h"
+#include "ui/system_looks_in_use.h"
 #include "ui/theme.h"
 
 namespace ferrowyn {
@@ -99,6 +100,9 @@ WindowTheme WindowTheme::fromPalette(const QPalette& palette) {
         setDarkColors(theme);
     } else {
         setLightColors(theme);
+    }
+    if (SystemLooksInUse::current() != nullptr) {
+        theme.warning = panel.orange;
     }
     theme.focusRing = withAlpha(theme.link, 0.9);
     return theme;

@@ -2,7 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QImage>
+#include <QPainter>
+
 #include "ui/contrast.h"
+#include "ui/symbol_images.h"
+#include "ui/system_looks_in_use.h"
+#include "ui/window_theme.h"
 
 namespace ferrowyn {
 namespace {
@@ -85,6 +91,82 @@ TEST(ThemeTest, IsOpaqueWithoutACompositor) {
     EXPECT_EQ(Theme::make(true, Qt::blue, false).background.alpha(), 255);
     EXPECT_NEAR(Theme::make(true, Qt::blue, true).background.alphaF(), 0.96, 0.005);
     EXPECT_NEAR(Theme::make(false, Qt::blue, true).background.alphaF(), 0.97, 0.005);
+}
+
+/// A desktop with a colour of each name, and with one symbol.
+class StubLooks final : public SystemLooks {
+public:
+    [[nodiscard]] std::optional<RgbColor> color(Color color, ColorScheme scheme) const override {
+        return RgbColor{static_cast<std::uint8_t>(color),
+                        scheme == ColorScheme::dark ? std::uint8_t{200} : std::uint8_t{100}, 0};
+    }
+    [[nodiscard]] std::optional<PixelBuffer> symbol(std::string_view name, double pointSize, SymbolWeight /*weight*/,
+                                                    double scale) const override {
+        if (name != "star") {
+            return std::nullopt;
+        }
+        pointSizes.push_back(pointSize);
+        const auto side = static_cast<int>(4 * scale);
+        return PixelBuffer{side, side, std::vector<std::uint32_t>(static_cast<std::size_t>(side * side), 0xFF000000U)};
+    }
+
+    mutable std::vector<double> pointSizes;
+};
+
+TEST(SystemLooksTest, ThePanelAndTheWindowsTakeTheDesktopsColours) {
+    QPalette palette;
+    palette.setColor(QPalette::Window, Qt::white);
+    const Theme own = Theme::fromPalette(palette, false);
+    {
+        const StubLooks looks;
+        const SystemLooksInUse inUse(looks);
+        const Theme theme = Theme::fromPalette(palette, false);
+        EXPECT_EQ(theme.badgeText(WindowPresentation::Tint::orange), QColor(0, 100, 0));
+        EXPECT_EQ(theme.badgeText(WindowPresentation::Tint::blue), QColor(1, 100, 0));
+        EXPECT_EQ(theme.badgeText(WindowPresentation::Tint::purple), QColor(2, 100, 0));
+        EXPECT_EQ(theme.favourite, QColor(3, 100, 0));
+        EXPECT_EQ(theme.selectionFavourite, QColor(3, 200, 0)) << "the accent is dark";
+        const WindowTheme windows = WindowTheme::fromPalette(palette);
+        EXPECT_EQ(windows.warning, QColor(0, 100, 0));
+        EXPECT_EQ(windows.favourite, QColor(3, 100, 0));
+        palette.setColor(QPalette::Window, Qt::black);
+        EXPECT_EQ(Theme::fromPalette(palette, false).badgeText(WindowPresentation::Tint::orange), QColor(0, 200, 0));
+        palette.setColor(QPalette::Window, Qt::white);
+    }
+    EXPECT_EQ(Theme::fromPalette(palette, false), own);
+}
+
+/// The smallest rectangle around what is painted.
+QRect paintedArea(std::string_view name, SymbolSize size, double scale) {
+    QImage image((QSizeF(32, 32) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    {
+        QPainter painter(&image);
+        SymbolImages().paint(painter, name, 16, 16, size, Qt::red);
+    }
+    QRect area;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y).alpha() > 0) {
+                EXPECT_EQ(image.pixelColor(x, y).rgb(), QColor(Qt::red).rgb());
+                area |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return area;
+}
+
+TEST(SystemLooksTest, SymbolsAreTheDesktopsWhereItHasThem) {
+    const StubLooks looks;
+    const SystemLooksInUse inUse(looks);
+    EXPECT_EQ(paintedArea("star", {16, 14}, 1), QRect(14, 14, 4, 4)) << "in the middle, as large as it is";
+    EXPECT_EQ(paintedArea("star", {16, 14}, 2), QRect(28, 28, 8, 8));
+    EXPECT_EQ(paintedArea("star", 16, 1), QRect(14, 14, 4, 4));
+    EXPECT_EQ(looks.pointSizes, (std::vector<double>{14, 14, 14}));
+    const QRect own = paintedArea("square.grid.3x2", {16, 14}, 1);
+    EXPECT_GT(own.width(), 8) << "which the desktop has not";
+    EXPECT_LE(own.width(), 16);
 }
 
 }  // namespace

@@ -6,6 +6,9 @@
 
 namespace ferrowyn {
 
+/// The image drawn over all of so many device pixels; transparent where the system does not draw.
+[[nodiscard]] PixelBuffer drawnPixels(NSImage* _Nonnull image, int width, int height);
+
 /// An image of the system. It keeps its best drawing for each size, so that it is asked anew each time.
 class MacIconImage final : public IconImage {
 public:

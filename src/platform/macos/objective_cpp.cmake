@@ -24,6 +24,7 @@ set(ferrowyn_objective_cpp_sources
   mac_screens.mm
   mac_status_item.mm
   mac_symbols.mm
+  mac_system_looks.mm
   mac_user_defaults.mm
   mac_utility_window.mm
   mac_workspace.mm

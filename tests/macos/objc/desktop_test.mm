@@ -4,6 +4,7 @@
 #include "platform/macos/mac_pointer.h"
 #include "platform/macos/mac_running_application_control.h"
 #include "platform/macos/mac_screens.h"
+#include "platform/macos/mac_system_looks.h"
 #include "platform/macos/mac_workspace.h"
 #include "tests/macos/objc/mac_test.h"
 
@@ -315,6 +316,49 @@ TEST_F(MacDesktopTest, AnIconThatOthersShareKeepsItsSize) {
         EXPECT_TRUE(MacIconSource().iconForProcess(512));
         EXPECT_EQ(application.icon.size.width, size.width);
         EXPECT_EQ(application.icon.size.height, size.height);
+    }
+}
+
+TEST_F(MacDesktopTest, TheSystemsColoursAreThoseOfTheAppearance) {
+    @autoreleasepool {
+        auto& colors = fake_mac::systemColors();
+        colors["NSAppearanceNameAqua systemOrange"] = {1, 0.5, 0};
+        colors["NSAppearanceNameDarkAqua systemOrange"] = {1, 0.6, 0.2};
+        colors["NSAppearanceNameAqua systemBlue"] = {0, 0, 1};
+        colors["NSAppearanceNameAqua systemPurple"] = {-0.1, 0, 1.2};
+        colors["NSAppearanceNameAqua systemYellow"] = {1, 0.8, 0};
+        const MacSystemLooks looks;
+        using Color = SystemLooks::Color;
+        EXPECT_EQ(looks.color(Color::orange, ColorScheme::light), (RgbColor{255, 128, 0}));
+        EXPECT_EQ(looks.color(Color::orange, ColorScheme::dark), (RgbColor{255, 153, 51}));
+        EXPECT_EQ(looks.color(Color::blue, ColorScheme::light), (RgbColor{0, 0, 255}));
+        EXPECT_EQ(looks.color(Color::purple, ColorScheme::light), (RgbColor{0, 0, 255})) << "outside of its space";
+        EXPECT_EQ(looks.color(Color::yellow, ColorScheme::light), (RgbColor{255, 204, 0}));
+    }
+}
+
+TEST_F(MacDesktopTest, SymbolsOfTheSystemAreDrawnInTheirOwnProportions) {
+    @autoreleasepool {
+        const MacSystemLooks looks;
+        const auto symbol = looks.symbol("star.fill", 14, SymbolWeight::medium, 2);
+        ASSERT_TRUE(symbol.has_value());
+        EXPECT_EQ(symbol->width, 32);
+        EXPECT_EQ(symbol->height, 28);
+        EXPECT_EQ(symbol->pixels.size(), 32U * 28U);
+        EXPECT_EQ(symbol->pixels.back(), 0x80000000U);
+        const std::vector<std::pair<SymbolWeight, double>> weights{{SymbolWeight::light, -0.4},
+                                                                   {SymbolWeight::regular, 0},
+                                                                   {SymbolWeight::medium, 0.23},
+                                                                   {SymbolWeight::semibold, 0.3}};
+        for (const auto& [weight, number] : weights) {
+            fake_mac::drawnSymbols().clear();
+            EXPECT_TRUE(looks.symbol("star", 9, weight, 1));
+            ASSERT_EQ(fake_mac::drawnSymbols().size(), 1U);
+            EXPECT_EQ(fake_mac::drawnSymbols()[0].name, "star");
+            EXPECT_EQ(fake_mac::drawnSymbols()[0].pointSize, 9);
+            EXPECT_EQ(fake_mac::drawnSymbols()[0].weight, number);
+        }
+        EXPECT_FALSE(looks.symbol("no.such.symbol", 14, SymbolWeight::medium, 1));
     }
 }
 

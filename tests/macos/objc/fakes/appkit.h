@@ -2,7 +2,9 @@
 
 #import <AppKit/AppKit.h>
 
+#include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -128,6 +130,16 @@ struct Fill {
     std::string tint;
 };
 [[nodiscard]] std::vector<Fill>& fills();
+/// What colours of the system are, by the appearance and the name: "NSAppearanceNameAqua systemOrange".
+[[nodiscard]] std::map<std::string, std::array<CGFloat, 3>>& systemColors();
+struct DrawnSymbol {
+    std::string name;
+    CGFloat pointSize;
+    NSFontWeight weight;
+    NSSize pixels;
+};
+/// Symbols that were drawn into bitmaps.
+[[nodiscard]] std::vector<DrawnSymbol>& drawnSymbols();
 /// The sizes of the icons that were drawn into bitmaps.
 [[nodiscard]] std::vector<NSSize>& drawnIconSizes();
 

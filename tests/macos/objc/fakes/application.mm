@@ -56,6 +56,8 @@ void forgetAppKit() {
     lastMonitorMask = 0;
     fills().clear();
     drawnIconSizes().clear();
+    drawnSymbols().clear();
+    systemColors().clear();
     windows().clear();
 }
 

@@ -1,4 +1,8 @@
+#include <array>
+#include <map>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #import "tests/macos/objc/fakes/appkit.h"
@@ -9,6 +13,8 @@
 
 namespace {
 
+/// Of what is being drawn; nothing while nothing is.
+std::optional<std::string> currentAppearance;
 std::string currentColor;
 CGFloat currentAlpha = 0;
 /// Held by what draws into it.
@@ -24,6 +30,16 @@ std::vector<Fill>& fills() {
     return all;
 }
 
+std::map<std::string, std::array<CGFloat, 3>>& systemColors() {
+    static std::map<std::string, std::array<CGFloat, 3>> all;
+    return all;
+}
+
+std::vector<DrawnSymbol>& drawnSymbols() {
+    static std::vector<DrawnSymbol> all;
+    return all;
+}
+
 std::vector<NSSize>& drawnIconSizes() {
     static std::vector<NSSize> all;
     return all;
@@ -31,7 +47,33 @@ std::vector<NSSize>& drawnIconSizes() {
 
 }  // namespace fake_mac
 
-@implementation NSColor
+@implementation NSAppearance {
+    std::string _name;
+}
++ (NSAppearance*)appearanceNamed:(NSAppearanceName)name {
+    NSAppearance* const appearance = [[NSAppearance alloc] init];
+    appearance->_name = name.UTF8String;
+    return appearance;
+}
+- (void)performAsCurrentDrawingAppearance:(void(NS_NOESCAPE ^)(void))block {
+    const auto previous = std::exchange(currentAppearance, _name);
+    block();
+    currentAppearance = previous;
+}
+@end
+
+NSAppearanceName const NSAppearanceNameAqua = @"NSAppearanceNameAqua";
+NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
+
+@implementation NSColorSpace
++ (NSColorSpace*)sRGBColorSpace {
+    return [[NSColorSpace alloc] init];
+}
+@end
+
+@implementation NSColor {
+    std::array<CGFloat, 3> _components;
+}
 @synthesize name = _name;
 @synthesize alpha = _alpha;
 + (NSColor*)named:(const char*)name {
@@ -61,6 +103,32 @@ std::vector<NSSize>& drawnIconSizes() {
 + (NSColor*)systemOrangeColor {
     return [self named:"systemOrange"];
 }
++ (NSColor*)systemBlueColor {
+    return [self named:"systemBlue"];
+}
++ (NSColor*)systemPurpleColor {
+    return [self named:"systemPurple"];
+}
++ (NSColor*)systemYellowColor {
+    return [self named:"systemYellow"];
+}
+- (NSColor*)colorUsingColorSpace:(NSColorSpace*)space {
+    if (space == nil || !currentAppearance) {
+        return nil;
+    }
+    NSColor* const color = [NSColor named:_name.c_str()];
+    color->_components = fake_mac::systemColors()[*currentAppearance + " " + _name];
+    return color;
+}
+- (CGFloat)redComponent {
+    return _components[0];
+}
+- (CGFloat)greenComponent {
+    return _components[1];
+}
+- (CGFloat)blueComponent {
+    return _components[2];
+}
 - (NSColor*)colorWithAlphaComponent:(CGFloat)alpha {
     NSColor* const color = [NSColor named:_name.c_str()];
     color->_alpha = alpha;
@@ -76,7 +144,10 @@ std::vector<NSSize>& drawnIconSizes() {
 }
 @end
 
+const NSFontWeight NSFontWeightLight = -0.4;
 const NSFontWeight NSFontWeightRegular = 0;
+const NSFontWeight NSFontWeightMedium = 0.23;
+const NSFontWeight NSFontWeightSemibold = 0.3;
 NSAttributedStringKey const NSFontAttributeName = @"NSFont";
 NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
 
@@ -198,6 +269,13 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
          operation:(NSCompositingOperation)operation
           fraction:(CGFloat)fraction {
     NSBitmapImageRep* const bitmap = [NSGraphicsContext.currentContext bitmap];
+    if (_symbolName != nil) {
+        fake_mac::drawnSymbols().push_back(
+            {_symbolName.UTF8String, _configuration.pointSize, _configuration.weight, target.size});
+        auto* const pixels = reinterpret_cast<std::uint32_t*>(bitmap.bitmapData);
+        std::fill_n(pixels, static_cast<std::size_t>(target.size.width * target.size.height), 0x80000000U);
+        return;
+    }
     if (!_isIcon || source.size.width > 0 || operation != NSCompositingOperationCopy || fraction < 1) {
         return;
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <AppKit/NSAccessibility.h>
+#include <AppKit/NSAppearance.h>
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSBezierPath.h>
 #include <AppKit/NSBitmapImageRep.h>

@@ -7,7 +7,10 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef CGFloat NSFontWeight NS_TYPED_EXTENSIBLE_ENUM;
+APPKIT_EXTERN const NSFontWeight NSFontWeightLight;
 APPKIT_EXTERN const NSFontWeight NSFontWeightRegular;
+APPKIT_EXTERN const NSFontWeight NSFontWeightMedium;
+APPKIT_EXTERN const NSFontWeight NSFontWeightSemibold;
 
 @interface NSFont : NSObject <NSCopying>
 + (NSFont*)systemFontOfSize:(CGFloat)fontSize;
