@@ -8,7 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 
 @interface NSURL : NSObject <NSCopying>
 + (nullable instancetype)URLWithString:(NSString*)string;
-@property(readonly, copy) NSString* absoluteString;
+@property(nullable, readonly, copy) NSString* absoluteString;
 @property(nullable, readonly, copy) NSString* path;
 @end
 
