@@ -15,6 +15,8 @@ nm=llvm-nm-14
 resources=$("$clang" -print-resource-dir)
 machine=$(g++ -dumpmachine)
 libstdcxx=$(g++ -dumpversion)
+# Clang's own C++ library; the newest, where there are several.
+libcxx=$(printf '%s\n' /usr/lib/llvm-*/include/c++/v1 | sort -V | tail -n 1)
 
 # Those of a build for a Mac (cmake/Compiler.cmake), and more.
 warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wunguarded-availability -Wundeclared-selector
@@ -29,7 +31,7 @@ intel=(-target x86_64-apple-macos13 -U__nonnull -D_GNU_SOURCE "${declarations[@]
 # Apple silicon: clang's C++ library, as on a Mac, over a small C library.
 silicon=(-target arm64-apple-macos13 -D_GNU_SOURCE -D_LIBCPP_PROVIDES_DEFAULT_RUNE_TABLE
   -D_LIBCPP_HAS_NO_LOCALIZATION -nostdinc -stdlib=libc++ "${declarations[@]}" -isystem tests/macos/shim
-  -isystem "${resources%/lib/clang/*}/include/c++/v1" -isystem "$resources/include" -isystem "/usr/include/${machine%-gnu}-musl"
+  -isystem "$libcxx" -isystem "$resources/include" -isystem "/usr/include/${machine%-gnu}-musl"
   "${language[@]}" "${warnings[@]}")
 # The bound keeps one long function from taking as much time as all others together.
 analyzer=(--analyze --analyzer-output text -Xclang -analyzer-checker=core,osx,cplusplus,nullability

@@ -26,11 +26,11 @@ test_packages=(
   dbus dbus-bin dbus-daemon dex fcitx5 fcitx5-hangul fonts-dejavu-core i3-wm i3lock icewm kwin-x11 lxqt-panel metacity mutter openbox picom trayer
   xfce4-panel xfwm4 xfconf
   wmaker x11-utils x11-xkb-utils x11-xserver-utils xinput xsecurelock xserver-xephyr xsettingsd xterm xvfb xkb-data
-  clang-14 libc++-14-dev llvm-14 musl-dev
+  clang-14 libc++-16-dev llvm-14 musl-dev
 )
 
 # The further checks of ./test --full.
-full_packages=(clang-format-14 clang-tidy-16)
+full_packages=(clang-16 clang-format-14 clang-tidy-16)
 
 # Homebrew's formulae on a Mac: what compiles, links and draws the icon, and what the tests need.
 mac_packages=(ccache cmake fmt googletest icu4c librsvg ninja nlohmann-json pkgconf qt)
