@@ -325,14 +325,14 @@ TEST_F(MacDesktopTest, TheSystemsColoursAreThoseOfTheAppearance) {
         colors["NSAppearanceNameAqua systemOrange"] = {1, 0.5, 0};
         colors["NSAppearanceNameDarkAqua systemOrange"] = {1, 0.6, 0.2};
         colors["NSAppearanceNameAqua systemBlue"] = {0, 0, 1};
-        colors["NSAppearanceNameAqua systemPurple"] = {-0.1, 0, 1.2};
+        colors["NSAppearanceNameAqua systemPurple"] = {-0.1, 0.4, 1.2};
         colors["NSAppearanceNameAqua systemYellow"] = {1, 0.8, 0};
         const MacSystemLooks looks;
         using Color = SystemLooks::Color;
         EXPECT_EQ(looks.color(Color::orange, ColorScheme::light), (RgbColor{255, 128, 0}));
         EXPECT_EQ(looks.color(Color::orange, ColorScheme::dark), (RgbColor{255, 153, 51}));
         EXPECT_EQ(looks.color(Color::blue, ColorScheme::light), (RgbColor{0, 0, 255}));
-        EXPECT_EQ(looks.color(Color::purple, ColorScheme::light), (RgbColor{0, 0, 255})) << "outside of its space";
+        EXPECT_EQ(looks.color(Color::purple, ColorScheme::light), (RgbColor{0, 102, 255})) << "outside of its space";
         EXPECT_EQ(looks.color(Color::yellow, ColorScheme::light), (RgbColor{255, 204, 0}));
     }
 }
