@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Compares our declarations of macOS (tests/macos/sdk) with what is known of the system's interfaces (facts.txt beside
-this file): functions, methods, superclasses, constants and their values.
+this file): functions, methods, superclasses, the fields of structures, constants and their values.
 
   check_facts.py CLANG              says what is declared otherwise than it is known, and what nothing is known about
   check_facts.py CLANG --declared   prints the declarations in the table's form
@@ -84,6 +84,7 @@ def evaluated(node):
 def declared(clang):
     found = {}
     parents = {}
+    records = {}
 
     def method(owner, node):
         sign = "-" if node.get("instance") else "+"
@@ -112,6 +113,13 @@ def declared(clang):
                     previous = previous + 1 if value is None else value
                     if OURS.match(inner["name"]):
                         found[inner["name"]] = str(previous)
+        elif kind == "CXXRecordDecl":
+            records[node["id"]] = [each["name"] for each in node.get("inner", [])
+                                   if each["kind"] == "FieldDecl" and "name" in each]
+        elif kind == "TypedefDecl" and OURS.match(name):
+            tag = next((inner["ownedTagDecl"]["id"] for inner in node.get("inner", []) if "ownedTagDecl" in inner), None)
+            if records.get(tag):
+                found[f"{name}, its fields"] = " ".join(records[tag])
         elif kind == "FunctionDecl" and OURS.match(name):
             arguments = [kind_of(each["type"]) for each in node.get("inner", []) if each["kind"] == "ParmVarDecl"]
             result = node["type"]["qualType"].split("(")[0].strip()
