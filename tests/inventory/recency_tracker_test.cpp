@@ -155,6 +155,16 @@ TEST_F(RecencyTrackerTest, RetainOnlyKeepsRanksAndCounter) {
     EXPECT_EQ(tracker.rank(8), 4);
 }
 
+TEST_F(RecencyTrackerTest, RetainOnlySparesTheRanksGivenAfterTheOneNamed) {
+    tracker.touch(5);
+    tracker.touch(6);
+    tracker.touch(7);
+    tracker.retainOnly({}, 2);
+    EXPECT_EQ(tracker.rank(5), std::nullopt);
+    EXPECT_EQ(tracker.rank(6), std::nullopt);
+    EXPECT_EQ(tracker.rank(7), 3);
+}
+
 TEST_F(RecencyTrackerTest, RankedWindowsPrecedeUnrankedOnes) {
     tracker.touch(1);
     const auto ranked = testWindow(1, 9);

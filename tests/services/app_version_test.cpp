@@ -55,6 +55,7 @@ TEST(AppVersionTest, APieceWithoutADigitReadsAsZero) {
 
 TEST(AppVersionTest, ANumberBeyondAllBoundsIsTheLargestOne) {
     constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+    EXPECT_THAT(version("9223372036854775806").components(), ElementsAre(largest - 1));
     EXPECT_THAT(version("9223372036854775807").components(), ElementsAre(largest));
     EXPECT_THAT(version("9223372036854775808").components(), ElementsAre(largest));
     EXPECT_THAT(version("99999999999999999999999.1").components(), ElementsAre(largest, 1));
