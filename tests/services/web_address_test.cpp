@@ -38,6 +38,14 @@ TEST(WebAddressTest, RefusesWhatIsNoAddress) {
     }
 }
 
+TEST(WebAddressTest, AnEscapeIsTwoHexadecimalDigits) {
+    EXPECT_TRUE(isWellFormedAddress("https://x.example/%09%af%AF%90"));
+    for (const char beside : {'/', ':', '@', 'G', '`', 'g'}) {
+        EXPECT_FALSE(isWellFormedAddress(std::string("https://x.example/%") + beside + '0')) << beside;
+        EXPECT_FALSE(isWellFormedAddress(std::string("https://x.example/%0") + beside)) << beside;
+    }
+}
+
 TEST(WebAddressTest, OnlyAnAddressWithAHostIsHttps) {
     EXPECT_TRUE(isHttpsAddress("https://ferrowyn.example/download"));
     EXPECT_TRUE(isHttpsAddress("HttpS://ferrowyn.example"));
@@ -51,6 +59,8 @@ TEST(WebAddressTest, OnlyAnAddressWithAHostIsHttps) {
 
 TEST(WebAddressTest, AQueryValueKeepsOnlyUnreservedCharacters) {
     EXPECT_EQ(percentEncoded("1.2-beta_3~"), "1.2-beta_3~");
+    EXPECT_EQ(percentEncoded("azAZ09"), "azAZ09");
+    EXPECT_EQ(percentEncoded("`{@[/:"), "%60%7B%40%5B%2F%3A") << "beside the letters and digits";
     EXPECT_EQ(percentEncoded("a b&c=d+e%/ä"), "a%20b%26c%3Dd%2Be%25%2F%C3%A4");
 }
 
