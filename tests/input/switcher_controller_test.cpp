@@ -231,6 +231,8 @@ TEST_F(SwitcherControllerTest, TheMenuOpensAPinnedSessionWithTheFirstRow) {
     EXPECT_TRUE(viewModel().isPinned.get());
     EXPECT_EQ(selection(), 0);
     EXPECT_FALSE(tapSnapshot().isHoldModeActive);
+    content.onHover(3);
+    EXPECT_EQ(selection(), 0) << "the panel has come under the pointer, which chooses nothing by that";
 }
 
 // --- confirming

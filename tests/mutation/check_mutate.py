@@ -116,8 +116,9 @@ def write(root, file, text):
     path.write_text(text, encoding="utf-8")
 
 
-def equivalent(line, mutation):
-    return f"[[equivalent]]\nfile = 'src/services/limits.cpp'\nline = '{line}'\nmutation = '{mutation}'\nreason = 'so it is'\n"
+def equivalent(line, mutation, behind=""):
+    return (f"[[equivalent]]\nfile = 'src/services/limits.cpp'\nline = '{line}'\nmutation = '{mutation}'\nbehind = '{behind}'\n"
+            "reason = 'so it is'\n")
 
 
 def run(mutate, root, *arguments):
@@ -151,7 +152,7 @@ def check_a_run(mutate, root):
 
     # A better test, and a reason for what it cannot see.
     write(root, "tests/limits_test.cpp", WEAK_TEST.replace("fits(3)", "fits(4)"))
-    named = equivalent("++calls;", "deleted")
+    named = equivalent("++calls;", "deleted", behind="bool fits(int count) {")
     write(root, "tests/mutation/equivalent.toml", named)
     lines = ("src/services/limits.cpp:11", "src/services/limits.cpp:12")
     expect("a better test", run(mutate, root, "--files", *lines), (0, [
@@ -161,14 +162,15 @@ def check_a_run(mutate, root):
     ]))
     write(root, "tests/mutation/equivalent.toml", equivalent("return count <= Box<3>::room;", "<= to <"))
     expect("a name for a mistake that is caught", run(mutate, root, "--files", lines[1])[0], 1)
-    write(root, "tests/mutation/equivalent.toml", equivalent("++calls();", "deleted"))
-    try:
-        run(mutate, root, "--list")
-    except mutate.Broken as broken:
-        if "fits no line any more" not in str(broken):
-            raise
-    else:
-        sys.exit("a name for a line that is not there: expected a failure, got none")
+    for stale in (equivalent("++calls();", "deleted"), equivalent("++calls;", "deleted", behind="while (true) {")):
+        write(root, "tests/mutation/equivalent.toml", stale)
+        try:
+            run(mutate, root, "--list")
+        except mutate.Broken as broken:
+            if "fits no line any more" not in str(broken):
+                raise
+        else:
+            sys.exit("a name for a line that is not there: expected a failure, got none")
 
 
 def check_choices(mutate):

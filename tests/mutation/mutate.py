@@ -94,6 +94,8 @@ class Mutant:
     # What is done, as equivalent.toml names it; with a number behind it from the second of its kind in a line on.
     mutation: str
     line_text: str
+    # Tells lines of the same text apart.
+    line_before: str
 
     def __str__(self):
         return f"{self.file}:{self.line}: {self.mutation}: {self.line_text}"
@@ -272,7 +274,7 @@ def mutants_of(file, text):
         line = text.count("\n", 0, start) + 1
         times = seen[line, mutation] = seen.get((line, mutation), 0) + 1
         mutants.append(Mutant(file, line, start, end, replacement, mutation if times == 1 else f"{mutation} ({times})",
-                              lines[line - 1].strip()))
+                              lines[line - 1].strip(), lines[line - 2].strip() if line > 1 else ""))
     return mutants
 
 
@@ -297,21 +299,38 @@ def chosen_mutants(mutants, files, count, seed):
     return [mutants[index] for index in sorted(random.Random(seed).sample(range(len(mutants)), count))]
 
 
+@dataclasses.dataclass(frozen=True)
+class Equivalent:
+    """A mistake that changes nothing anybody could notice."""
+
+    file: str
+    line: str
+    mutation: str
+    reason: str
+    # The line before, where another one has the same text.
+    behind: str = ""
+
+    def __str__(self):
+        return f"{self.file}: {self.mutation}: {self.line}"
+
+    def is_of(self, mutant):
+        return ((self.file, self.line, self.mutation) == (mutant.file, mutant.line_text, mutant.mutation)
+                and self.behind in ("", mutant.line_before))
+
+
 def read_equivalents(path, mutants):
-    """The reasons by (file, line, mutation); each entry must fit a line that is there."""
+    """Each of them must fit a line that is there."""
     entries = tomllib.loads(path.read_text(encoding="utf-8")).get("equivalent", []) if path.exists() else []
-    possible = {(mutant.file, mutant.line_text, mutant.mutation) for mutant in mutants}
-    reasons = {}
+    equivalents = []
     for entry in entries:
-        if set(entry) != {"file", "line", "mutation", "reason"} or not entry["reason"].strip():
-            raise Broken(f"{path.name}: an entry has a file, a line, a mutation and a reason: {entry}")
-        key = (entry["file"], entry["line"], entry["mutation"])
-        if key not in possible:
-            raise Broken(f"{path.name}: this fits no line any more: {entry['file']}: {entry['mutation']}: {entry['line']}")
-        if key in reasons:
-            raise Broken(f"{path.name}: this is there twice: {entry['file']}: {entry['mutation']}: {entry['line']}")
-        reasons[key] = entry["reason"]
-    return reasons
+        try:
+            equivalent = Equivalent(**entry)
+        except TypeError as error:
+            raise Broken(f"{path.name}: {entry}: {error}") from error
+        if not any(equivalent.is_of(mutant) for mutant in mutants):
+            raise Broken(f"{path.name}: this fits no line any more: {equivalent}")
+        equivalents.append(equivalent)
+    return equivalents
 
 
 # Making them ---------------------------------------------------------------------------------------------------------
@@ -450,7 +469,7 @@ def main(arguments):
     if unknown := [place for place in options.files if place.partition(":")[0] not in sources]:
         raise Broken(f"not in {', '.join(FOLDERS)}: {', '.join(unknown)}")
     possible = [mutant for file in sources for mutant in mutants_of(file, (root / file).read_text("utf-8"))]
-    reasons = read_equivalents(root / "tests/mutation/equivalent.toml", possible)
+    equivalents = read_equivalents(root / "tests/mutation/equivalent.toml", possible)
     mutants = chosen_mutants(possible, options.files, options.count, options.seed)
     if options.list:
         print("\n".join(map(str, mutants)))
@@ -462,7 +481,7 @@ def main(arguments):
     surprises = []
 
     def report(mutant, finder):
-        reason = reasons.get((mutant.file, mutant.line_text, mutant.mutation))
+        reason = next((equivalent.reason for equivalent in equivalents if equivalent.is_of(mutant)), None)
         if finder == "does not compile":
             outcome = verdict = finder
         elif finder is not None:
