@@ -106,6 +106,9 @@ TEST(WindowTextsTest, OnAMacSetupWindow) {
     EXPECT_EQ(texts.onboarding.keyCancel, "cancel");
     EXPECT_EQ(texts.onboarding.typingHint,
               "Start typing while the switcher is open to filter by app name or window title.");
+    EXPECT_EQ(
+        texts.onboarding.stayingOpenHint,
+        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Return does.");
     EXPECT_EQ(texts.onboarding.done, "Done");
     EXPECT_EQ(texts.onboarding.requiredTitle, "Accessibility access required");
     EXPECT_EQ(texts.onboarding.requiredExplanation,
@@ -227,6 +230,9 @@ TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
     EXPECT_EQ(texts.onboarding.keyCancel, "cancel");
     EXPECT_EQ(texts.onboarding.typingHint,
               "Start typing while the switcher is open to filter by app name or window title.");
+    EXPECT_EQ(
+        texts.onboarding.stayingOpenHint,
+        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Enter does.");
     EXPECT_EQ(texts.onboarding.done, "Done");
     EXPECT_EQ(texts.onboarding.requiredTitle, "A window manager is required");
     EXPECT_EQ(texts.onboarding.requiredExplanation,

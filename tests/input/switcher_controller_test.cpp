@@ -756,6 +756,9 @@ TEST_F(SwitcherControllerTest, PreparesNothingDuringASessionOrWithoutTrust) {
     preferences.maximumVisibleRows.set(6);
     desktop.settle();
     EXPECT_THAT(spy.prepared, IsEmpty());
+    desktop.setTrusted(true);
+    desktop.advance(1s);
+    EXPECT_EQ(spy.prepared.size(), 1U) << "with trust, before anything else has changed";
 }
 
 }  // namespace
