@@ -41,6 +41,7 @@ TEST(WindowTextsTest, OnAMacSettingsWindow) {
     EXPECT_EQ(texts.settings.checkNow, "Check Now");
     EXPECT_EQ(texts.settings.checking, "Checking…");
     EXPECT_EQ(texts.settings.notChecked, "Not checked yet.");
+    EXPECT_EQ(texts.settings.noUpdateServer, "This build has no update server, so it never asks.");
     EXPECT_EQ(texts.settings.upToDate, "Ferrowyn is up to date");
     EXPECT_EQ(texts.settings.updateAvailable, "Version %1 is available");
     EXPECT_EQ(texts.settings.permissionsSection, "Permissions");
@@ -134,6 +135,7 @@ TEST(WindowTextsTest, OnAMacAboutWindow) {
     EXPECT_EQ(texts.about.tagline, "Switch between every open window, not just apps.");
     EXPECT_EQ(texts.about.version, "Version %1");
     EXPECT_EQ(texts.about.copyright, "© %1 Ferrowyn");
+    EXPECT_EQ(texts.about.noHomePage, "This build has no home page.");
     EXPECT_EQ(texts.about.summary, "About %1, version %2");
     EXPECT_EQ(texts.about.close, "Close");
 }
@@ -165,6 +167,7 @@ TEST(WindowTextsTest, OnALinuxDesktopSettingsWindow) {
     EXPECT_EQ(texts.settings.checkNow, "Check Now");
     EXPECT_EQ(texts.settings.checking, "Checking…");
     EXPECT_EQ(texts.settings.notChecked, "Not checked yet.");
+    EXPECT_EQ(texts.settings.noUpdateServer, "This build has no update server, so it never asks.");
     EXPECT_EQ(texts.settings.upToDate, "Ferrowyn is up to date");
     EXPECT_EQ(texts.settings.updateAvailable, "Version %1 is available");
     EXPECT_EQ(texts.settings.permissionsSection, "Requirements");
@@ -260,6 +263,7 @@ TEST(WindowTextsTest, OnALinuxDesktopAboutWindow) {
     EXPECT_EQ(texts.about.tagline, "Switch between every open window, not just apps.");
     EXPECT_EQ(texts.about.version, "Version %1");
     EXPECT_EQ(texts.about.copyright, "© %1 Ferrowyn");
+    EXPECT_EQ(texts.about.noHomePage, "This build has no home page.");
     EXPECT_EQ(texts.about.summary, "About %1, version %2");
     EXPECT_EQ(texts.about.close, "Close");
 }
