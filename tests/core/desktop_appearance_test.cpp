@@ -52,6 +52,7 @@ TEST(DesktopAppearanceTest, AGroundIsDarkBelowTheMiddleOfWhatPeopleSee) {
     EXPECT_EQ(schemeOn({255, 0, 255}), ColorScheme::dark);
     EXPECT_EQ(schemeOn({255, 90, 0}), ColorScheme::light) << "red more than blue";
     EXPECT_EQ(schemeOn({0, 90, 255}), ColorScheme::dark);
+    EXPECT_EQ(schemeOn({100, 129, 196}), ColorScheme::dark) << "with a little more of any of the three it is light";
 }
 
 TEST(DesktopAppearanceTest, TheThemeThatTheRunningManagerTellsWinsOverTheFile) {
