@@ -64,7 +64,7 @@ TEST(TextEncoding, ControlsAreShownAsQuestionMarks) {
     EXPECT_EQ(withoutControls(std::string("\0a\x1B[2J\x1F \x7F", 9)), "?a?[2J? ?");
     EXPECT_EQ(withoutControls("\u0080\u009B\u009F\u00A0"), "???\u00A0") << "the second set, and what follows it";
     EXPECT_EQ(withoutControls("\u0100\u00C0"), "\u0100\u00C0") << "the same bytes in other characters";
-    EXPECT_EQ(withoutControls("\xC2"), "\xC2") << "cut off";
+    EXPECT_EQ(withoutControls(std::string_view("\xC2\x80").substr(0, 1)), "\xC2") << "cut off";
     EXPECT_EQ(withoutControls("\n"), "?");
     EXPECT_EQ(withoutControls(""), "");
 }

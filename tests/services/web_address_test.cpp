@@ -42,7 +42,9 @@ TEST(WebAddressTest, RefusesWhatIsNoAddress) {
 }
 
 TEST(WebAddressTest, AnEscapeIsTwoHexadecimalDigits) {
-    EXPECT_TRUE(isWellFormedAddress("https://x.example/%09%af%AF%90"));
+    constexpr std::string_view address = "https://x.example/%09%af%AF%90";
+    EXPECT_TRUE(isWellFormedAddress(address));
+    EXPECT_FALSE(isWellFormedAddress(address.substr(0, address.size() - 1))) << "what follows is not part of it";
     for (const char beside : {'/', ':', '@', 'G', '`', 'g'}) {
         EXPECT_FALSE(isWellFormedAddress(std::string("https://x.example/%") + beside + '0')) << beside;
         EXPECT_FALSE(isWellFormedAddress(std::string("https://x.example/%0") + beside)) << beside;
