@@ -235,7 +235,7 @@ TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
               "Start typing while the switcher is open to filter by app name or window title.");
     EXPECT_EQ(
         texts.onboarding.stayingOpenHint,
-        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Enter does.");
+        "Typing keeps it open, and so do the arrow keys: letting go of the modifier no longer switches, Return does.");
     EXPECT_EQ(texts.onboarding.done, "Done");
     EXPECT_EQ(texts.onboarding.requiredTitle, "A window manager is required");
     EXPECT_EQ(texts.onboarding.requiredExplanation,

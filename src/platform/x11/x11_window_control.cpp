@@ -167,6 +167,7 @@ void X11WindowControl::uncover(xcb_window_t window) {
     auto& connection = monitor_.connection();
     const X11PlaceRequest place(connection, window);
     std::vector<X11PlaceRequest> places;
+    places.reserve(fullScreen.size());
     for (const auto each : fullScreen) {
         places.emplace_back(connection, each);
     }
