@@ -92,16 +92,16 @@ void SwitcherController::dismiss() {
 void SwitcherController::close(const std::optional<AppWindow>& chosen) {
     assert(mainLoop_.isMainThread());
     watchdogTimer_.reset();
-    auto& state = hotKeyMonitor_.state();
-    state.setSwitcherVisible(false);
-    state.setHoldModeActive(false);
-    // Gone before the activation starts, so that the panel neither covers the window nor takes its focus.
-    panel_->hide();
+    // Asked for first: from here on the tap may send the next trigger, and the session that it opens must find the
+    // activation begun, or it would start from the window before. The activation's task runs after this one, when the
+    // panel is hidden and neither covers the window nor takes its focus.
     if (chosen) {
         activator_->activate(*chosen);
     }
-    // Only now: the tap may hold back the next trigger until it hears of the end, and the session that this one opens
-    // must find the activation begun, or it would start from the window before.
+    auto& state = hotKeyMonitor_.state();
+    state.setSwitcherVisible(false);
+    state.setHoldModeActive(false);
+    panel_->hide();
     state.passSessionOn();
     if (isVisible_) {
         isVisible_ = false;

@@ -860,11 +860,12 @@ TEST_F(TapKeyboardTest, ATapThatCannotBeginAnewSaysSoAndTriesAgainWhenItIsEnable
     EXPECT_THAT(told, testing::ElementsAre(TapEvent::Type::disabledByUserInput));
     tap.setEnabled(true);
     EXPECT_FALSE(tap.isEnabled());
+    tap.setTrigger(SwitcherModifier::control);
     isRefused = false;
     tap.setEnabled(true);
     EXPECT_TRUE(tap.isEnabled());
     told.clear();
-    toggle();
+    input.chord({key::leftControl, key::tab});
     EXPECT_TRUE(desktop.waitUntil([&] {
         tap.serve();
         return testing::Value(told, Contains(TapEvent::Type::keyDown));

@@ -1,10 +1,5 @@
 #pragma once
 
-class QDBusConnection;
-
-class QDBusConnection;
-class QString;
-
 #include <QString>
 #include <filesystem>
 #include <functional>
@@ -13,6 +8,8 @@ class QString;
 #include <vector>
 
 #include "platform/linux/xdg_login_item.h"
+
+class QDBusConnection;
 
 namespace ferrowyn {
 

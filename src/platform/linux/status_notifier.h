@@ -1,7 +1,5 @@
 #pragma once
 
-class QDBusServiceWatcher;
-
 #include <QByteArray>
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
@@ -15,6 +13,8 @@ class QDBusServiceWatcher;
 #include <memory>
 #include <optional>
 #include <string>
+
+class QDBusServiceWatcher;
 
 namespace ferrowyn {
 

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdlib>
 #include <mutex>
 #include <set>
 #include <string_view>
@@ -22,6 +23,7 @@ namespace ferrowyn {
 namespace {
 
 constexpr long mostRedirects = 10;
+constexpr long firstErrorStatus = 300;
 /// For the header fields of all answers of one request together, those of redirects included. In bytes.
 constexpr std::size_t largestHead = std::size_t{64} << 10U;
 /// A transfer that is cancelled is woken up; this only bounds one wait for sockets. In milliseconds.
@@ -92,10 +94,10 @@ public:
 
     /// Once, on a worker thread: waits for the answer.
     [[nodiscard]] HttpResult run() {
-        const std::unique_ptr<CURL, EasyDeleter> easy(curl_easy_init());
+        const auto proxy = isCancelled_.load() ? std::string() : proxyFor(address_);
         const std::unique_ptr<curl_slist, ListDeleter> fields(
             curl_slist_append(curl_slist_append(nullptr, "Connection: close"), "Accept:"));
-        const auto proxy = proxyFor(address_);
+        const std::unique_ptr<CURL, EasyDeleter> easy(curl_easy_init());
         if (easy == nullptr || multi_ == nullptr) {
             return failure(QT_TRANSLATE_NOOP("HttpClient", "The network cannot be used: out of memory."));
         }
@@ -104,7 +106,13 @@ public:
         const auto outcome = perform();
         long status = 0;
         curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
+        long proxyStatus = 0;
+        curl_easy_getinfo(easy.get(), CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
         curl_multi_remove_handle(multi_.get(), easy.get());
+        if (outcome != CURLE_OK && proxyStatus >= firstErrorStatus) {
+            return failure(
+                QT_TRANSLATE_NOOP("HttpClient", "The proxy of the network settings refuses the connection."));
+        }
         return result(outcome, static_cast<int>(status));
     }
 
@@ -125,6 +133,7 @@ private:
         curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
         // Set even when there is none: libcurl would ask the environment, which the system's answer goes before.
         curl_easy_setopt(easy, CURLOPT_PROXY, proxy.c_str());
+        curl_easy_setopt(easy, CURLOPT_NOPROXY, "");
         curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
         if (!authoritiesFile_.empty()) {
             curl_easy_setopt(easy, CURLOPT_CAINFO, authoritiesFile_.c_str());
@@ -183,6 +192,7 @@ private:
         switch (outcome) {
             case CURLE_OK:
                 return HttpResponse{status, std::move(body_)};
+            case CURLE_URL_MALFORMAT:
             case CURLE_UNSUPPORTED_PROTOCOL:
                 // Said of an answer without a status line, and of a redirect to another protocol.
                 if (!hasAnswer_) {
@@ -196,9 +206,11 @@ private:
             case CURLE_TOO_MANY_REDIRECTS:
                 return failure(QT_TRANSLATE_NOOP("HttpClient", "The server redirects too often."));
             case CURLE_FILESIZE_EXCEEDED:
+            // Of header fields that are longer than the library takes them.
             case CURLE_OUT_OF_MEMORY:
                 return failure(QT_TRANSLATE_NOOP("HttpClient", "The server's answer is too long."));
             case CURLE_PARTIAL_FILE:
+            case CURLE_SEND_ERROR:
             case CURLE_RECV_ERROR:
             case CURLE_BAD_CONTENT_ENCODING:
                 return failure(QT_TRANSLATE_NOOP("HttpClient", "The server's answer is incomplete or damaged."));
@@ -236,42 +248,49 @@ private:
 };
 
 /// The transfers that run now. A process may end with `exit` in the middle of one, as the toolkit does when the display
-/// is gone: what a transfer uses must not be cleaned up under it. This object is made after what libcurl keeps for the
-/// process, so it is destroyed before that, and waits until every transfer has ended.
+/// is gone: what a transfer uses must not be cleaned up under it. So the end of the process waits for them, before
+/// libcurl cleans up. This object itself is never destroyed: a worker may come to it even later.
 class RunningTransfers {
 public:
     static RunningTransfers& instance() {
-        static RunningTransfers transfers;
+        static auto& transfers = *new RunningTransfers;
         return transfers;
     }
-    RunningTransfers(const RunningTransfers&) = delete;
-    RunningTransfers& operator=(const RunningTransfers&) = delete;
 
     /// On a worker thread.
     [[nodiscard]] HttpResult run(Transfer& transfer) {
-        std::unique_lock lock(mutex_);
-        running_.insert(&transfer);
-        if (isEnding_) {
-            transfer.cancel();
+        {
+            const std::scoped_lock lock(mutex_);
+            if (isEnding_) {
+                return HttpFailure{};
+            }
+            running_.insert(&transfer);
         }
-        lock.unlock();
         auto result = transfer.run();
-        lock.lock();
+        const std::scoped_lock lock(mutex_);
         running_.erase(&transfer);
         oneHasEnded_.notify_all();
         return result;
     }
 
 private:
-    RunningTransfers() { curl_global_init(CURL_GLOBAL_DEFAULT); }
-    ~RunningTransfers() {
+    RunningTransfers() {
+        curl_global_init(CURL_GLOBAL_DEFAULT);
+        // Called before what libcurl has just registered.
+        std::atexit([] { instance().end(); });
+    }
+
+    void end() {
         std::unique_lock lock(mutex_);
         isEnding_ = true;
         for (auto* const transfer : running_) {
             transfer->cancel();
         }
-        oneHasEnded_.wait(lock, [this] { return running_.empty(); });
+        // Only the system's search for its proxy cannot be cancelled.
+        oneHasEnded_.wait_for(lock, patienceAtTheEnd, [this] { return running_.empty(); });
     }
+
+    static constexpr std::chrono::seconds patienceAtTheEnd{2};
 
     std::mutex mutex_;
     std::condition_variable oneHasEnded_;

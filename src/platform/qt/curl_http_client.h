@@ -13,7 +13,8 @@ class MainLoop;
 
 /// HTTPS over libcurl. The server's certificate is always checked, nothing is kept between requests (no cache, no
 /// cookies), and a redirect that leaves HTTPS is an error. A transfer runs on a worker thread, where its waits hold up
-/// nobody. Main thread, with a QCoreApplication. Main loop and background work outlive it and its requests.
+/// nobody. Main thread, with a QCoreApplication. Main loop and background
+/// work outlive its requests.
 ///
 /// Qt's HTTP client is not used: it always sends a program's name, the user's language and a list of encodings, and
 /// takes header fields without any bound.

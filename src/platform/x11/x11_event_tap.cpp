@@ -97,6 +97,10 @@ void X11EventTap::serve() {
 
 void X11EventTap::handle(const X11TapRequest& request) {
     using Kind = X11TapRequest::Kind;
+    if (request.kind == Kind::setTrigger) {
+        // Also while there is no connection, for the next one.
+        trigger_ = request.trigger;
+    }
     if (engine_ != nullptr && !isConnected_ && request.kind == Kind::enable) {
         connectAgain();
     }
@@ -108,8 +112,6 @@ void X11EventTap::handle(const X11TapRequest& request) {
     } else if (request.kind == Kind::enable) {
         // Whoever asked has said so already, but the keyboard may have become unavailable just before.
         isEnabled_.store(true);
-    } else if (request.kind == Kind::setTrigger) {
-        trigger_ = request.trigger;
     }
     engine_->handle(request);
 }

@@ -128,6 +128,8 @@ TEST_F(CurlHttpClientTest, TakesTheSystemsProxy) {
     const auto behindTheProxy = "https://behind.example:" + servers->port() + "/?v=text";
     qputenv("https_proxy", QByteArray::fromStdString("http://" + servers->host("proxy")));
     EXPECT_EQ(response({behindTheProxy}).body, "It works!");
+    qputenv("https_proxy", QByteArray::fromStdString("http://" + servers->host("refusing-proxy")));
+    EXPECT_EQ(failure({behindTheProxy}), "The proxy of the network settings refuses the connection.");
     qunsetenv("https_proxy");
 }
 

@@ -175,6 +175,13 @@ def pump(source, sink):
         pass
 
 
+def refuse_tunnel(connection):
+    """What a proxy does that asks for a password."""
+    with connection:
+        connection.recv(4096)
+        connection.sendall(b"HTTP/1.1 407 Proxy Authentication Required\r\nContent-Length: 0\r\nConnection: close\r\n\r\n")
+
+
 def tunnel(connection):
     """What an HTTP proxy does for encrypted connections; a name under "behind" leads to this machine."""
     request = b""
@@ -200,14 +207,15 @@ def main():
     make_certificate(folder, "other-host", "ca", "DNS:elsewhere.example")
     make_certificate(folder, "expired", "ca", here, "-1")
     ports = {}
-    for name in ("good", "unknown", "other-host", "expired", "plain", "proxy"):
+    for name in ("good", "unknown", "other-host", "expired", "plain", "proxy", "refusing-proxy"):
         context = None
-        if name not in ("plain", "proxy"):
+        if name not in ("plain", "proxy", "refusing-proxy"):
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
             context.load_cert_chain(folder / f"{name}.pem", folder / f"{name}.key")
         listener = socket.create_server(("127.0.0.1", 0))
         ports[name] = listener.getsockname()[1]
-        service = (tunnel,) if name == "proxy" else (serve_one, context, ports)
+        proxies = {"proxy": (tunnel,), "refusing-proxy": (refuse_tunnel,)}
+        service = proxies.get(name, (serve_one, context, ports))
         threading.Thread(target=serve, args=(listener, *service), daemon=True).start()
     print(json.dumps(ports), flush=True)
     sys.stdin.read()

@@ -33,7 +33,7 @@ public:
     [[nodiscard]] std::string authority() const { return (folder_.path() / "ca.pem").string(); }
     /// A folder of trusted authorities as a system has one, with that one in it.
     [[nodiscard]] std::string store() const { return (folder_.path() / "store").string(); }
-    /// "127.0.0.1:port" of the server with this kind of certificate, or "plain", or "proxy".
+    /// "127.0.0.1:port" of the server with this kind of certificate, or "plain", or one of the proxies.
     [[nodiscard]] std::string host(const char* certificate = "good") const { return "127.0.0.1:" + port(certificate); }
     [[nodiscard]] std::string port(const char* certificate = "good") const {
         return std::to_string(ports_[certificate].toInt());
