@@ -68,8 +68,8 @@ public:
     /// A tap that no loop serves yet may be enabled: it lets every event pass until one does. It is disabled before its
     /// source is removed.
     virtual void setEnabled(bool enabled) = 0;
-    /// What was last asked for, served or not; false after the system disabled the tap and while it has no connection to
-    /// the system, until it is enabled again.
+    /// What was last asked for, served or not; false after the system disabled the tap and while it has no connection
+    /// to the system, until it is enabled again.
     [[nodiscard]] virtual bool isEnabled() const = 0;
     /// The tap delivers nothing any more, for good, and gives back whatever of the keyboard it holds.
     virtual void invalidate() = 0;

@@ -470,7 +470,7 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenNoSessionIsOpenedAndLeavesTheKey
 
 TEST_F(TapKeyboardTest, AHiddenSwitcherSeesNoOtherKey) {
     TapRig rig(server.display(), {});
-    ASSERT_TRUE(desktop.waitForActiveWindow(window.id())) << "keys go nowhere before";
+    ASSERT_TRUE(desktop.waitForFocus(window.id())) << "keys go nowhere before";
     input.tap(key::a);
     input.tap(key::tab);
     input.chord({key::leftAlt, key::a});

@@ -134,6 +134,16 @@ bool TestDesktop::waitForActiveWindow(xcb_window_t window, milliseconds budget) 
     return waitUntil([&] { return activeWindow() == window; }, budget);
 }
 
+bool TestDesktop::waitForFocus(xcb_window_t window, milliseconds budget) {
+    return waitUntil(
+        [&] {
+            const XcbReply<xcb_get_input_focus_reply_t> reply(
+                xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+            return reply != nullptr && reply->focus == window;
+        },
+        budget);
+}
+
 std::vector<std::uint32_t> TestDesktop::clientList() const {
     return cardinals(root(), "_NET_CLIENT_LIST");
 }

@@ -40,6 +40,8 @@ public:
     [[nodiscard]] std::optional<xcb_window_t> windowManagerCheckWindow() const;
     [[nodiscard]] xcb_window_t activeWindow() const;
     [[nodiscard]] bool waitForActiveWindow(xcb_window_t window, milliseconds budget = patience);
+    /// Whether the server sends keys there; some managers say that a window is active a little before.
+    [[nodiscard]] bool waitForFocus(xcb_window_t window, milliseconds budget = patience);
     [[nodiscard]] std::vector<std::uint32_t> clientList() const;
     [[nodiscard]] bool hasState(xcb_window_t window, const std::string& state) const;
     [[nodiscard]] std::uint32_t currentDesktop() const;
