@@ -61,7 +61,7 @@ const TextTable& linuxTexts() {
         .returnKey = "Return",
         .escapeKey = "Esc",
         .permissionTitle = linux_words::windowManagerRequired,
-        // The user meets this text in two states, so it names the way out of both.
+        // Either of the two may be missing: the text names the way out of both.
         .permissionExplanation =
             translatable("Ferrowyn",
                          "Ferrowyn cannot list or focus other apps' windows without an EWMH window manager and "

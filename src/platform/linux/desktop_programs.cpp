@@ -99,26 +99,27 @@ std::optional<std::vector<std::string>> autostartSettingsCommand(const XdgLoginI
     return std::nullopt;
 }
 
-bool openAutostartSettings(const QDBusConnection& bus, const std::filesystem::path& entry,
+void openAutostartSettings(const QDBusConnection& bus, const std::filesystem::path& entry,
                            std::function<void(const QString& address)> openAddress) {
     if (const auto command = autostartSettingsCommand(XdgLoginItem::Session::fromEnvironment())) {
         QStringList arguments;
         for (auto argument = command->begin() + 1; argument != command->end(); ++argument) {
             arguments.append(QString::fromStdString(*argument));
         }
-        return QProcess::startDetached(QString::fromStdString(command->front()), arguments);
+        if (QProcess::startDetached(QString::fromStdString(command->front()), arguments)) {
+            return;
+        }
     }
     std::error_code error;
     if (std::filesystem::exists(entry, error)) {
         revealInFileManager(bus, entry, std::move(openAddress));
-        return true;
+        return;
     }
     auto folder = entry.parent_path();
     while (folder.has_relative_path() && !std::filesystem::is_directory(folder, error)) {
         folder = folder.parent_path();
     }
     openAddress(QUrl::fromLocalFile(QString::fromStdString(folder.string())).toString(QUrl::FullyEncoded));
-    return true;
 }
 
 }  // namespace ferrowyn

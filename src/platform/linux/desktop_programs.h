@@ -23,10 +23,10 @@ void revealInFileManager(const QDBusConnection& bus, const std::filesystem::path
 /// desktop has none, or they are not installed.
 [[nodiscard]] std::optional<std::vector<std::string>> autostartSettingsCommand(const XdgLoginItem::Session& session);
 
-/// Opens those settings, or, where there are none, shows the autostart entry in the file manager. Without an entry its
-/// folder is shown, or the nearest folder above it that exists. `openAddress` is as in `revealInFileManager`. False
-/// when the settings were found but could not be started. Main thread, with a QCoreApplication.
-bool openAutostartSettings(const QDBusConnection& bus, const std::filesystem::path& entry,
+/// Opens those settings, or, where there are none or they cannot be started, shows the autostart entry in the file
+/// manager. Without an entry its folder is shown, or the nearest folder above it that exists. `openAddress` is as in
+/// `revealInFileManager`. Main thread, with a QCoreApplication.
+void openAutostartSettings(const QDBusConnection& bus, const std::filesystem::path& entry,
                            std::function<void(const QString& address)> openAddress);
 
 }  // namespace ferrowyn

@@ -150,9 +150,9 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
                  .openSettingsPage =
                      [this](std::string_view url) {
                          if (url == settings_page::loginItems) {
-                             return openAutostartSettings(
-                                 QDBusConnection::sessionBus(), loginItem.userEntry(),
-                                 [](const QString& address) { openAddress(address.toStdString()); });
+                             openAutostartSettings(QDBusConnection::sessionBus(), loginItem.userEntry(),
+                                                   [](const QString& address) { openAddress(address.toStdString()); });
+                             return true;
                          }
                          return openSettingsPage && openSettingsPage(url);
                      }}),
