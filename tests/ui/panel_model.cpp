@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "input/panel_geometry.h"
 #include "platform/qt/lettered_tile.h"
 
 namespace ferrowyn::test {
@@ -53,6 +54,14 @@ std::vector<AppWindow> PanelModel::windows(int count, int applications) {
                               "Window " + std::to_string(number)));
     }
     return list;
+}
+
+Size PanelModel::panelSize() const {
+    const panel_geometry::Style style{preferences.layout.get(), preferences.maximumVisibleRows.get(),
+                                      preferences.showShortcutHints.get()};
+    const int rows = viewModel.isAccessibilityTrusted.get() ? static_cast<int>(viewModel.rows.get().size()) : 0;
+    return {panel_geometry::contentWidth(style.layout),
+            panel_geometry::contentHeight(style, rows, viewModel.groupCount())};
 }
 
 }  // namespace ferrowyn::test

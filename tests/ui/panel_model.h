@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/geometry.h"
 #include "core/switcher_view_model.h"
 #include "platform/icon_source.h"
 #include "platform/user_defaults.h"
@@ -77,6 +78,9 @@ public:
     void setTrusted(bool isTrusted) {
         status.set(isTrusted ? AccessibilityStatus::trusted : AccessibilityStatus::notTrusted);
     }
+
+    /// The size that the program gives the panel for what it shows now.
+    [[nodiscard]] Size panelSize() const;
 
     Published<std::vector<AppWindow>> published;
     Published<AccessibilityStatus> status{AccessibilityStatus::trusted};

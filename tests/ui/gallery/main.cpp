@@ -14,13 +14,11 @@
 #include "tests/ui/gallery/sheets.h"
 #include "tests/ui/gallery/window_pictures.h"
 #include "tests/ui/panel_model.h"
-#include "ui/panel_geometry.h"
 #include "ui/switcher_view.h"
 
 namespace {
 
 using ferrowyn::AppWindow;
-using ferrowyn::PanelGeometry;
 using ferrowyn::SwitcherLayout;
 using ferrowyn::SwitcherView;
 using ferrowyn::test::PanelModel;
@@ -54,21 +52,6 @@ std::vector<AppWindow> nineWindows() {
     return list;
 }
 
-double panelHeight(const PanelModel& model) {
-    const auto layout = model.preferences.layout.get();
-    const int count =
-        model.viewModel.isAccessibilityTrusted.get() ? static_cast<int>(model.viewModel.rows.get().size()) : 0;
-    const double hints = model.preferences.showShortcutHints.get() ? 34 : 0;
-    if (count == 0) {
-        return 188 + hints;
-    }
-    const bool isGrid = layout == SwitcherLayout::grid;
-    const int lines = std::min(ferrowyn::lineCount(layout, count),
-                               ferrowyn::visibleLineCount(layout, model.preferences.maximumVisibleRows.get()));
-    const double headers = layout == SwitcherLayout::grouped ? 28 * std::min(lines, model.viewModel.groupCount()) : 0;
-    return (isGrid ? 104 : 52) * lines + (isGrid ? 6 : 1) * (lines - 1) + headers + 16 + 56 + hints;
-}
-
 QPalette palette(Scheme scheme) {
     QPalette palette;
     palette.setColor(QPalette::Window, scheme == Scheme::dark ? QColor(0x2A, 0x2A, 0x2E) : QColor(0xF4, 0xF4, 0xF4));
@@ -92,8 +75,8 @@ QImage photograph(const Shot& shot, bool isTimed) {
     view.setPalette(palette(shot.scheme));
     view.setBackground(shot.isTranslucent ? ferrowyn::PanelBackground::translucent : ferrowyn::PanelBackground::opaque);
     shot.arrange(model);
-    const QSize size(model.preferences.layout.get() == SwitcherLayout::grid ? 760 : 640,
-                     static_cast<int>(panelHeight(model)));
+    const ferrowyn::Size panelSize = model.panelSize();
+    const QSize size(static_cast<int>(panelSize.width), static_cast<int>(panelSize.height));
     view.resize(size);
     view.synchronize();
     QImage panel((QSizeF(size) * shot.scale).toSize(), QImage::Format_ARGB32_Premultiplied);
