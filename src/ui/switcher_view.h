@@ -48,6 +48,7 @@ public:
     [[nodiscard]] const Theme& theme() const { return theme_; }
     [[nodiscard]] bool isAnimating() const;
     [[nodiscard]] double scroll() const { return scroll_; }
+    [[nodiscard]] const QVariantAnimation& scrollAnimation() const { return scrollAnimation_; }
 
     /// For accessibility: what is shown, and where, in the widget's coordinates.
     [[nodiscard]] const SwitcherViewModel& viewModel() const { return viewModel_; }

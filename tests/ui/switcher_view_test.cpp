@@ -313,6 +313,26 @@ TEST_F(SwitcherViewTest, ASelectionThatChangesWithTheQueryScrollsIntoViewLikeAny
     view.setStyle(nullptr);
 }
 
+TEST_F(SwitcherViewTest, ScrollingTakesATenthOfASecondAndSlowsDownTowardsItsEnd) {
+    MovingStyle style;
+    view.setStyle(&style);
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    view.show();
+    model.viewModel.moveToEdge(false);
+    view.synchronize();
+    const QVariantAnimation& scrolling = view.scrollAnimation();
+    ASSERT_EQ(scrolling.state(), QAbstractAnimation::Running);
+    EXPECT_EQ(scrolling.totalDuration(), 100);
+    EXPECT_EQ(scrolling.endValue().toDouble(), view.geometryNow().maximumScroll());
+    const QEasingCurve curve = scrolling.easingCurve();
+    EXPECT_EQ(curve.type(), QEasingCurve::OutQuad);
+    EXPECT_NEAR(curve.valueForProgress(0.5), 0.75, 0.001) << "most of the way lies in the first half";
+    view.hide();
+    view.setStyle(nullptr);
+}
+
 TEST_F(SwitcherViewTest, ScrollingStartsWithinTheRowsThatAreLeft) {
     MovingStyle style;
     view.setStyle(&style);
