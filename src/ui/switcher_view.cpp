@@ -92,7 +92,7 @@ void SwitcherView::applyModel() {
         scrollToSelection(false);
     } else {
         // A query may have left fewer rows than had been scrolled past.
-        setScroll(std::clamp(scroll_, 0.0, geometry_.maximumScroll()));
+        setScroll(scroll_);
         if (queryChanged || selectionChanged) {
             scrollToSelection(true);
         }
@@ -185,7 +185,7 @@ void SwitcherView::updateGeometry() {
 void SwitcherView::resizeEvent(QResizeEvent* /*event*/) {
     applyModel();
     updateGeometry();
-    setScroll(std::clamp(scroll_, 0.0, geometry_.maximumScroll()));
+    setScroll(scroll_);
     // The panel is sized anew while a query scrolls the selection into view: that goes on.
     scrollToSelection(scrollAnimation_.state() == QAbstractAnimation::Running);
 }
@@ -258,8 +258,9 @@ void SwitcherView::scrollToSelection(bool isAnimated) {
 }
 
 void SwitcherView::setScroll(double scroll) {
-    if (scroll_ != scroll) {
-        scroll_ = scroll;
+    const double shown = std::clamp(scroll, 0.0, geometry_.maximumScroll());
+    if (scroll_ != shown) {
+        scroll_ = shown;
         update();
     }
 }

@@ -102,6 +102,7 @@ private:
                                         const Size& size) const;
     [[nodiscard]] PaintContext paintContext(double devicePixelRatio);
     void scrollToSelection(bool isAnimated);
+    /// As far as the rows go: they may have become fewer since this position was chosen.
     void setScroll(double scroll);
     void restartCaret();
     void caretTick();

@@ -2,7 +2,6 @@
 #include <QMouseEvent>
 #include <QToolTip>
 #include <QWheelEvent>
-#include <algorithm>
 
 #include "core/window_presentation.h"
 #include "ui/favourite_button.h"
@@ -87,7 +86,7 @@ void SwitcherView::wheelEvent(QWheelEvent* event) {
     const double distance = event->pixelDelta().isNull() ? event->angleDelta().y() / unitsPerNotch * (rowRect(0).height)
                                                          : event->pixelDelta().y();
     scrollAnimation_.stop();
-    setScroll(std::clamp(scroll_ - distance, 0.0, geometry_.maximumScroll()));
+    setScroll(scroll_ - distance);
     event->accept();
 }
 

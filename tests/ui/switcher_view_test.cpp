@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QProxyStyle>
 #include <QWheelEvent>
+#include <algorithm>
 
 #include "tests/ui/switcher_view_fixture.h"
 
@@ -346,6 +347,42 @@ TEST_F(SwitcherViewTest, ScrollingStartsWithinTheRowsThatAreLeft) {
     model.viewModel.insertText("window 1");
     view.synchronize();
     EXPECT_LE(view.scroll(), view.geometryNow().maximumScroll()) << "no empty place is shown below the last row";
+    view.hide();
+    view.setStyle(nullptr);
+}
+
+TEST_F(SwitcherViewTest, ScrollingNeverPassesTheEndOfRowsThatBecomeFewerMeanwhile) {
+    MovingStyle style;
+    view.setStyle(&style);
+    model.viewModel.endSession();
+    model.show(test::PanelModel::windows(50, 3));
+    model.viewModel.beginSession(false);
+    // Of a filtered list, windows that are closed leave at once.
+    model.viewModel.insertText("window");
+    model.viewModel.moveToEdge(false);
+    view.show();
+    ASSERT_EQ(model.viewModel.selectedIndex.get(), 49);
+    ASSERT_EQ(view.scroll(), view.geometryNow().maximumScroll());
+    std::vector<AppWindow> left;
+    for (int row = 0; row < 33; ++row) {
+        left.push_back(model.viewModel.rows.get()[static_cast<std::size_t>(row)].window);
+    }
+    model.viewModel.move(-19);
+    view.synchronize();
+    model.show(left);
+    view.synchronize();
+    ASSERT_EQ(model.viewModel.selectedIndex.get(), 30) << "nothing scrolls the selection into view again";
+    ASSERT_EQ(view.scrollAnimation().state(), QAbstractAnimation::Running);
+    const double end = view.geometryNow().maximumScroll();
+    ASSERT_GT(view.scrollAnimation().endValue().toDouble(), end) << "the selected row would have stood at the top";
+    double furthest = view.scroll();
+    const QDeadlineTimer deadline(20'000);
+    while (view.scrollAnimation().state() == QAbstractAnimation::Running && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        furthest = std::max(furthest, view.scroll());
+    }
+    EXPECT_LE(furthest, end) << "no empty place is shown below the last row";
+    EXPECT_EQ(view.scroll(), end);
     view.hide();
     view.setStyle(nullptr);
 }
