@@ -5,6 +5,7 @@
 #include <QProxyStyle>
 #include <QWheelEvent>
 #include <algorithm>
+#include <string>
 
 #include "tests/ui/switcher_view_fixture.h"
 
@@ -102,6 +103,26 @@ TEST_F(SwitcherViewTest, TheIndicatorChangesWithTheLayout) {
     view.synchronize();
     EXPECT_NE(list, grouped);
     EXPECT_NE(grouped, indicator());
+}
+
+TEST_F(SwitcherViewTest, ALongQueryDoesNotRunOverTheMagnifier) {
+    const int textLeft = 46;
+    const auto searchLine = [this](const std::string& query) {
+        model.viewModel.clearQuery();
+        model.viewModel.insertText(query);
+        view.synchronize();
+        return picture().copy(toQt(view.geometryNow().searchLine()).toAlignedRect());
+    };
+    const QImage brief = searchLine("mm");
+    const QImage endless = searchLine(std::string(200, 'm'));
+    // A letter may reach a pixel out of its box.
+    const QRect before(0, 0, textLeft - 1, brief.height());
+    EXPECT_TRUE(endless.copy(before) == brief.copy(before));
+    // Below the outline of the panel.
+    const QImage firstLetters = endless.copy(textLeft, 1, 20, brief.height() - 1);
+    QImage blank = firstLetters;
+    blank.fill(view.theme().background);
+    EXPECT_NE(firstLetters, blank) << "the text fills its room";
 }
 
 TEST_F(SwitcherViewTest, WithoutWindowsTheBodySaysSo) {
