@@ -14,7 +14,7 @@ namespace ferrowyn {
 namespace {
 
 constexpr double symbolPoints = 14;
-/// Behind the symbol, at a whole number.
+/// Where the text begins: right of the symbol, with a gap. Whole, so that it lies on a device pixel.
 constexpr double textLeft = PanelGeometry::sideMargin + 26;
 constexpr double caretHeight = 19;
 constexpr double caretGap = 1;

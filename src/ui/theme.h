@@ -26,7 +26,7 @@ struct Theme {
     QColor countText;
     QColor countFill;
     QColor favourite;
-    /// Of the badges' tints.
+    /// The tints of the badges.
     QColor orange;
     QColor blue;
     QColor purple;

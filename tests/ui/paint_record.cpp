@@ -8,8 +8,10 @@
 #include <QPainterPath>
 #include <QScreen>
 #include <QSvgRenderer>
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 #include "ui/resources.h"
 

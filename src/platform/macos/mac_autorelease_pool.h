@@ -4,8 +4,8 @@
 
 namespace ferrowyn {
 
-/// Does the work, after which nothing is left of what it has autoreleased: a thread that the system did not make for
-/// its own objects has no pool. Any thread.
+/// Calls `work` inside an autorelease pool, which is drained before this returns. A thread that the program started has
+/// no pool: without one, what the system's functions autorelease there is not freed. Any thread.
 void inAutoreleasePool(const std::function<void()>& work);
 
 }  // namespace ferrowyn
