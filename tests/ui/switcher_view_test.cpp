@@ -335,15 +335,32 @@ TEST_F(SwitcherViewTest, ASelectionThatChangesWithTheQueryScrollsIntoViewLikeAny
     view.setStyle(nullptr);
 }
 
-TEST_F(SwitcherViewTest, ScrollingTakesATenthOfASecondAndSlowsDownTowardsItsEnd) {
-    MovingStyle style;
-    view.setStyle(&style);
-    model.viewModel.endSession();
-    model.show(test::PanelModel::windows(50, 3));
-    model.viewModel.beginSession(false);
-    view.show();
-    model.viewModel.moveToEdge(false);
-    view.synchronize();
+/// Fifty rows in a view that moves them as it does where the user has not turned animations off.
+class ScrollingSwitcherViewTest : public SwitcherViewTest {
+protected:
+    ScrollingSwitcherViewTest() {
+        view.setStyle(&style_);
+        model.viewModel.endSession();
+        model.show(test::PanelModel::windows(50, 3));
+        model.viewModel.beginSession(false);
+    }
+    ~ScrollingSwitcherViewTest() override {
+        view.hide();
+        view.setStyle(nullptr);
+    }
+
+    void scrollToTheLastRow() {
+        view.show();
+        model.viewModel.moveToEdge(false);
+        view.synchronize();
+    }
+
+private:
+    MovingStyle style_;
+};
+
+TEST_F(ScrollingSwitcherViewTest, ScrollingTakesATenthOfASecondAndSlowsDownTowardsItsEnd) {
+    scrollToTheLastRow();
     const QVariantAnimation& scrolling = view.scrollAnimation();
     ASSERT_EQ(scrolling.state(), QAbstractAnimation::Running);
     EXPECT_EQ(scrolling.totalDuration(), 100);
@@ -351,33 +368,17 @@ TEST_F(SwitcherViewTest, ScrollingTakesATenthOfASecondAndSlowsDownTowardsItsEnd)
     const QEasingCurve curve = scrolling.easingCurve();
     EXPECT_EQ(curve.type(), QEasingCurve::OutQuad);
     EXPECT_NEAR(curve.valueForProgress(0.5), 0.75, 0.001) << "most of the way lies in the first half";
-    view.hide();
-    view.setStyle(nullptr);
 }
 
-TEST_F(SwitcherViewTest, ScrollingStartsWithinTheRowsThatAreLeft) {
-    MovingStyle style;
-    view.setStyle(&style);
-    model.viewModel.endSession();
-    model.show(test::PanelModel::windows(50, 3));
-    model.viewModel.beginSession(false);
-    view.show();
-    model.viewModel.moveToEdge(false);
-    view.synchronize();
+TEST_F(ScrollingSwitcherViewTest, ScrollingStartsWithinTheRowsThatAreLeft) {
+    scrollToTheLastRow();
     (void)watchScrolling(view, view.geometryNow().maximumScroll());
     model.viewModel.insertText("window 1");
     view.synchronize();
     EXPECT_LE(view.scroll(), view.geometryNow().maximumScroll()) << "no empty place is shown below the last row";
-    view.hide();
-    view.setStyle(nullptr);
 }
 
-TEST_F(SwitcherViewTest, ScrollingNeverPassesTheEndOfRowsThatBecomeFewerMeanwhile) {
-    MovingStyle style;
-    view.setStyle(&style);
-    model.viewModel.endSession();
-    model.show(test::PanelModel::windows(50, 3));
-    model.viewModel.beginSession(false);
+TEST_F(ScrollingSwitcherViewTest, ScrollingNeverPassesTheEndOfRowsThatBecomeFewerMeanwhile) {
     // Of a filtered list, windows that are closed leave at once.
     model.viewModel.insertText("window");
     model.viewModel.moveToEdge(false);
@@ -404,8 +405,6 @@ TEST_F(SwitcherViewTest, ScrollingNeverPassesTheEndOfRowsThatBecomeFewerMeanwhil
     }
     EXPECT_LE(furthest, end) << "no empty place is shown below the last row";
     EXPECT_EQ(view.scroll(), end);
-    view.hide();
-    view.setStyle(nullptr);
 }
 
 TEST_F(SwitcherViewTest, RowsOfALaterSessionAreFoundReadyWhenTheyMatchThePreview) {
