@@ -7,7 +7,7 @@
 
 #include "bench/sample_windows.h"
 #include "core/fuzzy_matcher.h"
-#include "core/prepared_text_cache.h"
+#include "core/prepared_text.h"
 #include "tests/core/reference_fuzzy_matcher.h"
 
 /// Nanoseconds a window, beside the plain implementation of the same rules in the same run.

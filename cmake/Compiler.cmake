@@ -53,13 +53,14 @@ if(FERROWYN_LLD AND NOT APPLE)
   add_link_options(-fuse-ld=lld)
 endif()
 
-# ferrowyn_library(<name> SOURCES … [ALONE …] [PUBLIC …] [PRIVATE …]): one target a folder, with its links said
-# explicitly. ALONE are those of the sources whose file-local names occur in others too.
+# ferrowyn_library(<name> [APART] SOURCES … [ALONE …] [PUBLIC …] [PRIVATE …]): one target a folder, with its links said
+# explicitly. ALONE are those of the sources whose file-local names occur in others too. APART is a folder whose modules
+# are large enough that compiling several at once saves nothing.
 function(ferrowyn_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;ALONE;PUBLIC;PRIVATE" ${ARGN})
+  cmake_parse_arguments(ARG "APART" "" "SOURCES;ALONE;PUBLIC;PRIVATE" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC ferrowyn_compiler ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
-  if(FERROWYN_COMPILE_TOGETHER)
+  if(FERROWYN_COMPILE_TOGETHER AND NOT ARG_APART)
     set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
     set_source_files_properties(${ARG_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   endif()

@@ -6,7 +6,7 @@
 
 #include "app/program_request.h"
 #include "app/user_interface.h"
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

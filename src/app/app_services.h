@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "core/published.h"
-#include "core/subscription.h"
 #include "input/hot_key_monitor.h"
 #include "input/switcher_content.h"
 #include "input/switching_health.h"

@@ -9,7 +9,7 @@
 
 #include "app/doctor_activation.h"
 #include "app/single_instance.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "input/switching_health.h"
 #include "platform/log.h"
 #include "platform/x11/x11_connection.h"

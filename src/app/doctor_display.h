@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "app/doctor_report.h"
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 

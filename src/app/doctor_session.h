@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/doctor_report.h"
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "platform/linux/xdg_folders.h"
 
 namespace ferrowyn {

@@ -5,7 +5,7 @@
 #include "app/app_delegate.h"
 #include "app/program_request.h"
 #include "app/user_interface.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 
 namespace ferrowyn {
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "app/app_services.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/platform.h"
 #include "ui/about_view.h"
 #include "ui/onboarding_view.h"

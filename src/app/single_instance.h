@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "app/program_request.h"
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

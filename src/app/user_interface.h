@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/on_demand_window.h"
-#include "core/phrase.h"
+#include "core/texts.h"
 #include "input/switcher_content.h"
 #include "platform/status_item.h"
 

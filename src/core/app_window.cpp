@@ -4,6 +4,10 @@
 
 namespace ferrowyn {
 
+std::string AXElementRef::description() const {
+    return "AXElementRef(" + std::to_string(hash()) + ")";
+}
+
 std::string_view AppWindow::displayTitleView() const {
     const std::string_view trimmed = text::trimmingWhitespaceAndNewlines(title);
     return trimmed.empty() ? std::string_view(appName) : trimmed;

@@ -4,15 +4,54 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
-#include "core/ax_element_ref.h"
 #include "core/geometry.h"
-#include "core/identifiers.h"
 
 namespace ferrowyn {
+
+/// The window server's number of a window; the identity of a window throughout the program.
+using WindowId = std::uint32_t;
+
+/// A process identifier, by which the logic knows an application. Positive for a real process; adapters may hand out
+/// other values for window owners whose process the desktop does not tell, and where an application is not a process
+/// (the logic only compares them).
+using Pid = std::int32_t;
+
+/// An Accessibility element as an adapter represents it. Immutable; compared and hashed from any thread.
+class AXElement {
+public:
+    virtual ~AXElement() = default;
+
+    /// Whether both stand for the same element of the desktop, which two distinct handles may.
+    [[nodiscard]] virtual bool equals(const AXElement& other) const = 0;
+    /// Equal elements hash alike, and an element hashes alike for as long as it exists.
+    [[nodiscard]] virtual std::size_t hash() const = 0;
+};
+
+/// A handle of one Accessibility element that can be a dictionary key and pass between threads. It shares ownership of
+/// the element because windows, observers and a running activation hold it independently of each other.
+class AXElementRef {
+public:
+    explicit AXElementRef(std::shared_ptr<const AXElement> element) : element_(std::move(element)) {}
+
+    [[nodiscard]] const AXElement& element() const { return *element_; }
+    [[nodiscard]] std::size_t hash() const { return element_->hash(); }
+    /// "AXElementRef(" + the hash in decimal + ")".
+    [[nodiscard]] std::string description() const;
+
+    friend bool operator==(const AXElementRef& a, const AXElementRef& b) {
+        return a.element_ == b.element_ || a.element_->equals(*b.element_);
+    }
+
+private:
+    std::shared_ptr<const AXElement> element_;
+};
 
 /// The `zOrder` of a window that the window server does not list: behind every listed one.
 inline constexpr std::int64_t unlistedZOrder = std::numeric_limits<std::int64_t>::max();
@@ -67,8 +106,44 @@ struct AppWindow {
     }
 };
 
+/// A window of a list that several rows, sessions and previews show at once. Copying it copies no text: at every
+/// keystroke hundreds of rows are written anew, of windows that have not changed. It keeps the whole list alive that
+/// the window came from. Never empty; the window never changes, so it may pass between threads.
+class SharedWindow {
+public:
+    using List = std::shared_ptr<const std::vector<AppWindow>>;
+
+    SharedWindow() : window_(none()) {}
+    explicit SharedWindow(AppWindow window) : window_(std::make_shared<const AppWindow>(std::move(window))) {}
+    /// The window is one of the list's.
+    SharedWindow(const List& list, const AppWindow& window) : window_(list, &window) {}
+
+    [[nodiscard]] const AppWindow& operator*() const { return *window_; }
+    [[nodiscard]] const AppWindow* operator->() const { return window_.get(); }
+    operator const AppWindow&() const { return *window_; }
+
+    friend bool operator==(const SharedWindow& a, const SharedWindow& b) {
+        return a.window_ == b.window_ || *a.window_ == *b.window_;
+    }
+
+private:
+    [[nodiscard]] static const std::shared_ptr<const AppWindow>& none() {
+        static const auto window = std::make_shared<const AppWindow>();
+        return window;
+    }
+
+    std::shared_ptr<const AppWindow> window_;
+};
+
+/// Whether this process may read and drive other applications' windows.
+enum class AccessibilityStatus { trusted, notTrusted };
+
 }  // namespace ferrowyn
 
+template <>
+struct std::hash<ferrowyn::AXElementRef> {
+    std::size_t operator()(const ferrowyn::AXElementRef& reference) const { return reference.hash(); }
+};
 /// Combines `id`, then `pid`, and nothing else.
 template <>
 struct std::hash<ferrowyn::AppWindow> {

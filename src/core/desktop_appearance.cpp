@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "core/plain_ascii.h"
+#include "core/prepared_text.h"
 
 namespace ferrowyn {
 

@@ -3,11 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "core/plain_ascii.h"
 #include "core/prepared_text.h"
-#include "core/prepared_text_cache.h"
 #include "core/text.h"
-#include "core/word_separators.h"
 
 namespace ferrowyn::FuzzyMatcher {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/app_window.h"
-#include "core/character_codes.h"
+#include "core/prepared_text.h"
 
 /// Scores how well a typed query matches a text. Pure functions on UTF-8; positions count user-perceived characters.
 /// Any thread.

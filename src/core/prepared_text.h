@@ -1,13 +1,131 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <functional>
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "core/character_codes.h"
-
 namespace ferrowyn {
+
+/// The character after one of these starts a word.
+inline constexpr std::array<char32_t, 8> wordSeparators{U' ', U'-', U'_', U'.', U'/', U':', U'\u2014', U'\u2013'};
+
+[[nodiscard]] constexpr bool isWordSeparator(char32_t scalar) {
+    return std::find(wordSeparators.begin(), wordSeparators.end(), scalar) != wordSeparators.end();
+}
+
+/// Byte-wise work on text in which every byte is one character: ASCII without carriage returns, which may join a
+/// following line feed. Eight bytes at a time, because titles are searched at every keystroke.
+namespace plain_ascii {
+
+inline constexpr std::uint64_t lowBits = 0x0101010101010101;
+inline constexpr std::uint64_t highBits = 0x8080808080808080;
+
+/// The highest bit of each byte that is 0; bytes above the lowest such byte may be wrong.
+[[nodiscard]] constexpr std::uint64_t zeroBytes(std::uint64_t bytes) {
+    return (bytes - lowBits) & ~bytes & highBits;
+}
+
+[[nodiscard]] inline std::uint64_t load(const char* bytes) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+[[nodiscard]] constexpr bool isUpper(char c) {
+    return c >= 'A' && c <= 'Z';
+}
+[[nodiscard]] constexpr bool isLower(char c) {
+    return c >= 'a' && c <= 'z';
+}
+[[nodiscard]] constexpr char lower(char c) {
+    return isUpper(c) ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+[[nodiscard]] inline bool isPlain(std::string_view text) {
+    std::size_t i = 0;
+    std::uint64_t strange = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+        const std::uint64_t word = load(text.data() + i);
+        strange |= (word & highBits) | zeroBytes(word ^ (lowBits * '\r'));
+    }
+    for (; i < text.size(); ++i) {
+        strange |= static_cast<std::uint64_t>((text[i] & 0x80) != 0 || text[i] == '\r');
+    }
+    return strange == 0;
+}
+
+/// Where `wanted`, a lower-case letter or a character without case, first stands in a plain text at or after `from`, in
+/// either case; npos when it does not.
+[[nodiscard]] inline std::size_t findIgnoringCase(std::string_view text, std::size_t from, char wanted) {
+    // The bit that tells the cases of a letter apart is set on both sides; other characters are compared as they are.
+    const auto caseBit = static_cast<unsigned char>(isLower(wanted) ? 0x20 : 0);
+    std::size_t i = from;
+    if constexpr (std::endian::native == std::endian::little) {
+        const std::uint64_t caseBits = lowBits * caseBit;
+        const std::uint64_t wantedBytes = lowBits * static_cast<unsigned char>(wanted);
+        for (; i + 8 <= text.size(); i += 8) {
+            const std::uint64_t found = zeroBytes((load(text.data() + i) | caseBits) ^ wantedBytes);
+            if (found != 0) {
+                return i + static_cast<std::size_t>(std::countr_zero(found)) / 8;
+            }
+        }
+    }
+    for (; i < text.size(); ++i) {
+        if ((static_cast<unsigned char>(text[i]) | caseBit) == static_cast<unsigned char>(wanted)) {
+            return i;
+        }
+    }
+    return std::string_view::npos;
+}
+
+}  // namespace plain_ascii
+
+/// The user-perceived characters of a text in a form that compares fast, and in which canonically equivalent characters
+/// are equal: é is one character, and the same one, whether it is stored in one scalar or in two.
+class CharacterCodes {
+public:
+    static constexpr std::size_t notFound = static_cast<std::size_t>(-1);
+
+    CharacterCodes() = default;
+    explicit CharacterCodes(std::string_view text);
+
+    [[nodiscard]] std::size_t size() const { return codes_.size(); }
+
+    /// The one scalar to which the character composes; a value beyond Unicode when it takes more.
+    [[nodiscard]] char32_t scalar(std::size_t position) const { return codes_[position]; }
+    /// Whether every character is one ASCII character.
+    [[nodiscard]] bool isAscii() const;
+
+    [[nodiscard]] bool areEqual(std::size_t position, const CharacterCodes& other, std::size_t otherPosition) const {
+        const std::uint32_t code = codes_[position];
+        const std::uint32_t otherCode = other.codes_[otherPosition];
+        if ((code & otherCode & sequenceFlag) == 0) {
+            return code == otherCode;
+        }
+        return sequences_[code & ~sequenceFlag] == other.sequences_[otherCode & ~sequenceFlag];
+    }
+
+    /// Where the other text's character first stands in this one at or after `from`.
+    [[nodiscard]] std::size_t find(const CharacterCodes& other, std::size_t otherPosition, std::size_t from) const;
+
+private:
+    static constexpr std::uint32_t sequenceFlag = 0x80000000;
+
+    void append(std::string_view character);
+
+    /// The scalar to which a character composes; the flag and an index into `sequences_` when it does not to one.
+    std::vector<std::uint32_t> codes_;
+    /// Composed forms, UTF-8.
+    std::vector<std::string> sequences_;
+};
 
 /// What matching a query asks of a text and does not depend on the query, worked out once: segmentation, case mapping
 /// and composition cost a hundred times what the search itself does.
@@ -45,6 +163,38 @@ private:
     CharacterCodes lowercased_;
     std::size_t characterCount_ = 0;
     std::vector<std::uint8_t> traits_;
+};
+
+/// Keeps prepared texts from one keystroke to the next. Bounded: texts not asked for lately are forgotten. One thread;
+/// `ofThisThread` gives each thread its own.
+class PreparedTextCache {
+public:
+    /// Enough for the titles, applications and both together of some hundred windows. Up to two generations are kept.
+    static constexpr std::size_t generationSize = 2048;
+    /// Longer texts are prepared anew each time: they are rare, and a few of them would crowd out the others.
+    static constexpr std::size_t longestKeptText = 1024;
+
+    [[nodiscard]] static PreparedTextCache& ofThisThread();
+
+    /// Valid until the next call.
+    [[nodiscard]] const PreparedText& prepared(std::string_view text);
+
+    /// Prepares a text that will be asked for, unless it is there already or too long to be kept. Whether there was
+    /// anything to do.
+    bool prepareAhead(std::string_view text);
+
+    [[nodiscard]] std::size_t size() const { return recent_.size() + older_.size(); }
+
+private:
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
+    };
+    using Generation = std::unordered_map<std::string, PreparedText, Hash, std::equal_to<>>;
+
+    Generation recent_;
+    Generation older_;
+    PreparedText longText_;
 };
 
 }  // namespace ferrowyn

@@ -1,14 +1,116 @@
 #pragma once
 
+#include <algorithm>
+#include <cassert>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <thread>
 #include <utility>
-
-#include "core/subject.h"
-#include "core/subscription.h"
+#include <vector>
 
 namespace ferrowyn {
+
+/// A move-only token that ends something when it is dropped: a subscription, a timer, a monitor. Dropping it is what
+/// "holds its target weakly" means here: whoever registers a callback keeps the token beside the state the callback
+/// touches, so the callback cannot outlive that state.
+class [[nodiscard]] Subscription {
+public:
+    Subscription() = default;
+    explicit Subscription(std::function<void()> cancel) : cancel_(std::move(cancel)) {}
+    Subscription(Subscription&& other) noexcept : cancel_(std::exchange(other.cancel_, nullptr)) {}
+    Subscription& operator=(Subscription&& other) noexcept {
+        if (this != &other) {
+            reset();
+            cancel_ = std::exchange(other.cancel_, nullptr);
+        }
+        return *this;
+    }
+    Subscription(const Subscription&) = delete;
+    Subscription& operator=(const Subscription&) = delete;
+    ~Subscription() { reset(); }
+
+    /// Ends it now; harmless when it has ended already.
+    void reset() {
+        if (auto cancel = std::exchange(cancel_, nullptr)) {
+            cancel();
+        }
+    }
+
+    /// Whether this token still stands for something. A one-shot timer that has fired still counts until it is reset.
+    [[nodiscard]] explicit operator bool() const { return static_cast<bool>(cancel_); }
+
+private:
+    std::function<void()> cancel_;
+};
+
+/// Finds out whether something that is for one thread is used on one only: the one of its first use. For assertions; it
+/// makes nothing safe.
+class ThreadChecker {
+public:
+    [[nodiscard]] bool isOnItsThread() {
+        const auto current = std::this_thread::get_id();
+        if (thread_ == std::thread::id()) {
+            thread_ = current;
+        }
+        return thread_ == current;
+    }
+
+private:
+    std::thread::id thread_;
+};
+
+/// Broadcasts values to its subscribers, synchronously and in the order in which they subscribed. One thread only.
+/// Subscribers may come and go while a value is being delivered: one that leaves is not called any more, one that
+/// joins gets the next value. The subject may be destroyed before its tokens, even by a subscriber.
+template <typename Value>
+class Subject {
+public:
+    using Handler = std::function<void(const Value&)>;
+
+    Subject() = default;
+    Subject(const Subject&) = delete;
+    Subject& operator=(const Subject&) = delete;
+
+    [[nodiscard]] Subscription subscribe(Handler handler) const {
+        assert(list_->thread.isOnItsThread());
+        const auto entry = std::make_shared<Entry>(Entry{std::move(handler), true});
+        list_->entries.push_back(entry);
+        // The list is held weakly: a token that outlives the subject has nothing left to end.
+        return Subscription([list = std::weak_ptr<List>(list_), entry] {
+            entry->isLive = false;
+            if (const auto alive = list.lock()) {
+                assert(alive->thread.isOnItsThread());
+                std::erase(alive->entries, entry);
+            }
+        });
+    }
+
+    void send(const Value& value) const {
+        assert(list_->thread.isOnItsThread());
+        const auto current = list_->entries;
+        for (const auto& entry : current) {
+            if (entry->isLive) {
+                entry->handler(value);
+            }
+        }
+    }
+
+    [[nodiscard]] bool hasSubscribers() const { return !list_->entries.empty(); }
+
+private:
+    struct Entry {
+        Handler handler;
+        bool isLive;
+    };
+    struct List {
+        std::vector<std::shared_ptr<Entry>> entries;
+        ThreadChecker thread;
+    };
+
+    std::shared_ptr<List> list_ = std::make_shared<List>();
+};
 
 /// A value that tells its subscribers about every assignment. The new value is in place before they are told. One
 /// thread only (the main thread, for everything that a service publishes).

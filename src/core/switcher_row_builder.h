@@ -7,10 +7,9 @@
 #include <vector>
 
 #include "core/app_window.h"
-#include "core/favourite_applications.h"
-#include "core/session_settings.h"
-#include "core/shared_window.h"
+#include "core/switcher_options.h"
 #include "core/switcher_view_model.h"
+#include "core/window_presentation.h"
 
 namespace ferrowyn {
 

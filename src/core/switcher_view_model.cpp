@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "core/fuzzy_matcher.h"
-#include "core/graphemes.h"
-#include "core/prepared_text_cache.h"
+#include "core/prepared_text.h"
 #include "core/switcher_row_builder.h"
+#include "core/text.h"
 
 namespace ferrowyn {
 

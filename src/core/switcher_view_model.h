@@ -8,13 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "core/accessibility_status.h"
 #include "core/app_window.h"
-#include "core/favourite_applications.h"
 #include "core/published.h"
-#include "core/session_settings.h"
-#include "core/shared_window.h"
-#include "core/subscription.h"
+#include "core/switcher_options.h"
+#include "core/window_presentation.h"
 
 namespace ferrowyn {
 

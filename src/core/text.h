@@ -1,13 +1,18 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
+
+namespace ferrowyn {
 
 /// Questions about UTF-8 text that need Unicode's tables. Pure functions; any thread. Bytes that are no UTF-8 count as
 /// characters that are in none of the sets asked about; text from outside is repaired on its way in
 /// (`text_encoding.h`). Positions and lengths are bytes unless a name says characters.
-namespace ferrowyn::text {
+namespace text {
 
 [[nodiscard]] bool isAscii(std::string_view text);
 
@@ -35,4 +40,22 @@ namespace ferrowyn::text {
 /// "Window 10"), letters follow the user's language.
 [[nodiscard]] std::weak_ordering localizedStandardCompare(std::string_view a, std::string_view b);
 
-}  // namespace ferrowyn::text
+}  // namespace text
+
+/// User-perceived characters (extended grapheme clusters) of UTF-8 text. Pure functions; any thread.
+namespace text {
+
+/// Replaces `ends` by the byte offset behind each character, ascending. For callers that keep the vector from one text
+/// to the next; texts are shorter than 4 GiB.
+void findCharacterEnds(std::string_view text, std::vector<std::uint32_t>& ends);
+
+/// Views into the argument, one a character.
+[[nodiscard]] std::vector<std::string_view> characters(std::string_view text);
+[[nodiscard]] std::size_t characterCount(std::string_view text);
+
+/// Removes the whole last character; nothing to remove is harmless.
+void removeLastCharacter(std::string& text);
+
+}  // namespace text
+
+}  // namespace ferrowyn

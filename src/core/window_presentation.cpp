@@ -1,6 +1,8 @@
 #include "core/window_presentation.h"
 
-namespace ferrowyn::WindowPresentation {
+namespace ferrowyn {
+
+namespace WindowPresentation {
 
 namespace {
 
@@ -80,4 +82,6 @@ std::string_view layoutSymbol(SwitcherLayout layout) {
     return "list.bullet";
 }
 
-}  // namespace ferrowyn::WindowPresentation
+}  // namespace WindowPresentation
+
+}  // namespace ferrowyn

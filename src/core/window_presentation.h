@@ -6,12 +6,25 @@
 #include <vector>
 
 #include "core/app_window.h"
-#include "core/switcher_layout.h"
-#include "core/switcher_modifier.h"
-#include "core/text_table.h"
+#include "core/published.h"
+#include "core/switcher_options.h"
+#include "core/texts.h"
+
+namespace ferrowyn {
+
+/// What a session needs to know of the favourites; the store that keeps them implements it. Main thread.
+class FavouriteApplications {
+public:
+    virtual ~FavouriteApplications() = default;
+
+    /// Oldest favourite first; the same identifier may stand in it twice.
+    [[nodiscard]] virtual const Published<std::vector<std::string>>& bundleIdentifiers() const = 0;
+    /// The windows of favourite applications first, then the others, each part in its given order. None is null.
+    [[nodiscard]] virtual std::vector<const AppWindow*> ordered(std::vector<const AppWindow*> windows) const = 0;
+};
 
 /// The small display decisions that rows and cards share. Pure functions; any thread.
-namespace ferrowyn::WindowPresentation {
+namespace WindowPresentation {
 
 enum class Tint { orange, blue, purple };
 
@@ -66,4 +79,6 @@ inline constexpr std::string_view favouriteAccessibilityText = "Favourite";
 /// "list.bullet", "list.bullet.indent" or "square.grid.3x2".
 [[nodiscard]] std::string_view layoutSymbol(SwitcherLayout layout);
 
-}  // namespace ferrowyn::WindowPresentation
+}  // namespace WindowPresentation
+
+}  // namespace ferrowyn

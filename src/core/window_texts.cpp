@@ -1,7 +1,6 @@
 #include "core/window_texts.h"
 
-#include "core/linux_words.h"
-#include "core/phrase.h"
+#include "core/texts.h"
 
 namespace ferrowyn {
 

@@ -7,9 +7,8 @@
 #include <string_view>
 
 #include "core/published.h"
-#include "core/subscription.h"
 #include "core/switcher_command.h"
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "input/tap_state.h"
 #include "platform/event_tap.h"
 #include "platform/main_loop.h"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/geometry.h"
-#include "core/switcher_layout.h"
+#include "core/switcher_options.h"
 #include "platform/screens.h"
 
 /// How large the switcher's panel is and where it goes. Pure functions; points, y growing upward.

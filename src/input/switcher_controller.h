@@ -4,10 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "core/accessibility_status.h"
 #include "core/app_window.h"
 #include "core/geometry.h"
-#include "core/subscription.h"
+#include "core/published.h"
 #include "core/switcher_command.h"
 #include "core/switcher_view_model.h"
 #include "input/panel_geometry.h"

@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "core/published.h"
 
 namespace ferrowyn {

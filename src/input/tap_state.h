@@ -4,7 +4,7 @@
 #include <memory>
 #include <mutex>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 

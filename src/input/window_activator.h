@@ -6,7 +6,7 @@
 #include <string>
 
 #include "core/app_window.h"
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {

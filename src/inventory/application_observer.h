@@ -6,8 +6,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "core/ax_element_ref.h"
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "inventory/window_change.h"
 #include "platform/accessibility_observers.h"
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
+#include "core/app_window.h"
 #include "core/geometry.h"
-#include "core/identifiers.h"
 #include "inventory/window_metadata.h"
 #include "platform/workspace.h"
 

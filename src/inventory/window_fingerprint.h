@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

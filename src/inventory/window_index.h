@@ -7,7 +7,6 @@
 
 #include "core/app_window.h"
 #include "core/published.h"
-#include "core/subscription.h"
 #include "inventory/window_enumerator.h"
 #include "platform/main_loop.h"
 

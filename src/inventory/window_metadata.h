@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "core/app_window.h"
 #include "core/geometry.h"
-#include "core/identifiers.h"
 
 namespace ferrowyn {
 

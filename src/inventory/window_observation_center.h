@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "core/app_window.h"
-#include "core/subject.h"
-#include "core/subscription.h"
+#include "core/published.h"
 #include "inventory/application_observer.h"
 #include "inventory/window_change.h"
 #include "inventory/window_filter.h"

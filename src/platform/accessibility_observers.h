@@ -4,8 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "core/ax_element_ref.h"
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "core/identifiers.h"
-#include "core/subscription.h"
+#include "core/app_window.h"
+#include "core/published.h"
 #include "platform/activation_policy.h"
 #include "platform/bundle_info.h"
 #include "platform/main_loop.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {

@@ -5,7 +5,7 @@
 #include <string>
 #include <variant>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <functional>
 
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

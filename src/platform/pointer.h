@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "core/geometry.h"
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

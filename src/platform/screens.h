@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/geometry.h"
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

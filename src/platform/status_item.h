@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

@@ -3,8 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/ax_element_ref.h"
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {

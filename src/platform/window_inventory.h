@@ -8,9 +8,7 @@
 #include <vector>
 
 #include "core/app_window.h"
-#include "core/ax_element_ref.h"
 #include "core/geometry.h"
-#include "core/identifiers.h"
 #include "platform/main_loop.h"
 #include "platform/workspace.h"
 

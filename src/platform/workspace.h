@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/identifiers.h"
-#include "core/subscription.h"
+#include "core/app_window.h"
+#include "core/published.h"
 #include "platform/activation_policy.h"
 
 namespace ferrowyn {

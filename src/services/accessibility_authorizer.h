@@ -3,9 +3,8 @@
 #include <deque>
 #include <vector>
 
-#include "core/accessibility_status.h"
+#include "core/app_window.h"
 #include "core/published.h"
-#include "core/subscription.h"
 
 namespace ferrowyn {
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/favourite_applications.h"
+#include "core/window_presentation.h"
 
 namespace ferrowyn {
 

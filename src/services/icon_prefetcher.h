@@ -6,7 +6,6 @@
 
 #include "core/app_window.h"
 #include "core/published.h"
-#include "core/subscription.h"
 
 namespace ferrowyn {
 

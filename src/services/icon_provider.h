@@ -7,8 +7,7 @@
 
 #include "core/app_window.h"
 #include "core/geometry.h"
-#include "core/subject.h"
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/application.h"
 #include "platform/log.h"
 #include "platform/platform.h"

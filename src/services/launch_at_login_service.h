@@ -5,7 +5,6 @@
 #include <variant>
 
 #include "core/published.h"
-#include "core/subscription.h"
 #include "platform/login_item.h"
 
 namespace ferrowyn {

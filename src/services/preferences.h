@@ -4,9 +4,7 @@
 #include <utility>
 
 #include "core/published.h"
-#include "core/session_settings.h"
-#include "core/switcher_layout.h"
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 

@@ -5,9 +5,8 @@
 #include <string_view>
 #include <variant>
 
-#include "core/phrase.h"
 #include "core/published.h"
-#include "core/subscription.h"
+#include "core/texts.h"
 #include "platform/http_client.h"
 #include "platform/main_loop.h"
 #include "services/app_version.h"

@@ -4,7 +4,7 @@
 #include <QVBoxLayout>
 #include <chrono>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/application.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/phrase.h"
+#include "core/texts.h"
 #include "core/window_texts.h"
 #include "platform/bundle_info.h"
 

@@ -1,6 +1,6 @@
 #include "ui/about_pane.h"
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/platform.h"
 #include "ui/about_content.h"
 

@@ -4,7 +4,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/platform.h"
 #include "ui/about_content.h"
 #include "ui/window_button.h"

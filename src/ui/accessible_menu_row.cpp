@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "ui/display_text.h"
 #include "ui/menu_row_view.h"
 #include "ui/status_menu_popup.h"

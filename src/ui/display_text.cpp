@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "core/graphemes.h"
+#include "core/text.h"
 
 namespace ferrowyn::display_text {
 

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "core/app_window.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/icon_source.h"
 #include "platform/workspace.h"
 #include "services/favourites_store.h"

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "services/preferences.h"
 #include "ui/key_cap_label.h"
 #include "ui/key_lines.h"

@@ -3,7 +3,7 @@
 #include <QWidget>
 #include <functional>
 
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/switcher_modifier.h"
-#include "core/text_table.h"
+#include "core/switcher_options.h"
+#include "core/texts.h"
 
 /// Which keys do what, for people to read. Pure functions; the descriptions are untranslated.
 namespace ferrowyn::key_lines {

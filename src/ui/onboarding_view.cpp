@@ -5,7 +5,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/application.h"
 #include "platform/platform.h"
 #include "services/accessibility_authorizer.h"

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

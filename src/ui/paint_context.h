@@ -3,7 +3,7 @@
 #include <QRectF>
 
 #include "core/geometry.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "ui/icon_images.h"
 #include "ui/symbol_images.h"
 #include "ui/text_lines.h"

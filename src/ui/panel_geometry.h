@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/geometry.h"
-#include "core/switcher_layout.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "core/switcher_view_model.h"
 #include "platform/icon_source.h"
 #include "ui/paint_context.h"

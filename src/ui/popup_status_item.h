@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/status_item.h"
 #include "platform/tray_icon.h"
 #include "ui/status_menu_popup.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "core/window_presentation.h"
 #include "platform/application.h"
 #include "platform/background_work.h"

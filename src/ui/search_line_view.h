@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "core/switcher_layout.h"
+#include "core/switcher_options.h"
 #include "ui/paint_context.h"
 
 class QPainter;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "services/preferences.h"
 
 class QAbstractButton;

@@ -4,11 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/accessibility_status.h"
-#include "core/phrase.h"
-#include "core/switcher_layout.h"
-#include "core/switcher_modifier.h"
-#include "core/text_table.h"
+#include "core/app_window.h"
+#include "core/switcher_options.h"
+#include "core/texts.h"
 #include "services/update_checker.h"
 
 /// What the settings window says, decided without a toolkit. Pure functions; texts are untranslated.

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "core/phrase.h"
-#include "core/subscription.h"
+#include "core/published.h"
+#include "core/texts.h"
 #include "ui/plain_scroll_area.h"
 
 class QVBoxLayout;

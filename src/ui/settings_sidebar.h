@@ -2,7 +2,7 @@
 
 #include <QListWidget>
 
-#include "core/settings_pane.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 

@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QStackedWidget>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/platform.h"
 #include "ui/about_pane.h"
 #include "ui/appearance_pane.h"

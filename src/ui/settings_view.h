@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "core/settings_pane.h"
+#include "core/switcher_options.h"
 #include "ui/settings_services.h"
 
 class QStackedWidget;

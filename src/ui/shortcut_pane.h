@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "ui/settings_pane_view.h"
 
 namespace ferrowyn {

@@ -4,7 +4,7 @@
 #include <variant>
 
 #include "app/app_services.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "input/switcher_controller.h"
 #include "platform/application.h"
 #include "platform/main_loop.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/status_item.h"
 #include "ui/status_menu.h"
 

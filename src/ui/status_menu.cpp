@@ -7,7 +7,7 @@
 #include <variant>
 
 #include "app/app_services.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "core/window_presentation.h"
 #include "services/launch_at_login_service.h"
 #include "services/update_checker.h"

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "core/phrase.h"
+#include "core/texts.h"
 #include "platform/status_item.h"
 
 namespace ferrowyn {

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <utility>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "ui/accessible_status_menu.h"
 #include "ui/display_text.h"
 #include "ui/menu_placement.h"

@@ -6,7 +6,7 @@
 #include <functional>
 #include <optional>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/status_item.h"
 #include "ui/menu_colors.h"
 #include "ui/menu_geometry.h"

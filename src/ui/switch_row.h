@@ -2,7 +2,7 @@
 
 #include <QCheckBox>
 
-#include "core/phrase.h"
+#include "core/texts.h"
 
 namespace ferrowyn {
 

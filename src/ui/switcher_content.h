@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "input/switcher_content.h"
 
 namespace ferrowyn {

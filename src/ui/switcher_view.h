@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "core/switcher_view_model.h"
 #include "input/switcher_content.h"
 #include "platform/panel.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/phrase.h"
+#include "core/texts.h"
 #include "ui/symbol_images.h"
 #include "ui/text_style.h"
 #include "ui/window_theme.h"

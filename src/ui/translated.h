@@ -3,7 +3,7 @@
 #include <QString>
 #include <string_view>
 
-#include "core/phrase.h"
+#include "core/texts.h"
 
 namespace ferrowyn {
 

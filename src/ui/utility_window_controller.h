@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "core/phrase.h"
+#include "core/texts.h"
 
 class QWidget;
 

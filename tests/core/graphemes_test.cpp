@@ -1,4 +1,4 @@
-#include "core/graphemes.h"
+#include "core/text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "core/phrase.h"
+#include "core/texts.h"
 
 #include <gtest/gtest.h>
 

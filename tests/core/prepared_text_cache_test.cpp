@@ -1,4 +1,4 @@
-#include "core/prepared_text_cache.h"
+#include "core/prepared_text.h"
 
 #include <gtest/gtest.h>
 

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "core/favourite_applications.h"
-#include "core/session_settings.h"
+#include "core/switcher_options.h"
 #include "core/switcher_view_model.h"
+#include "core/window_presentation.h"
 
 namespace ferrowyn {
 

@@ -1,4 +1,4 @@
-#include "core/settings_pane.h"
+#include "core/switcher_options.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,8 +3,7 @@
 #include <map>
 
 #include "core/switcher_command.h"
-#include "core/switcher_layout.h"
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "core/prepared_text_cache.h"
+#include "core/prepared_text.h"
 #include "platform/simulated/simulated_element.h"
 #include "tests/core/switcher_view_model_fixture.h"
 

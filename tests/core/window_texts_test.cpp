@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 
 namespace ferrowyn {
 namespace {

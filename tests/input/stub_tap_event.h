@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "platform/event_tap.h"
 
 namespace ferrowyn {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "platform/simulated/simulated_login_item.h"
 

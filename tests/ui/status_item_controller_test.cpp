@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "app/app_services.h"
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "input/switcher_controller.h"
 #include "input/window_activator.h"
 #include "platform/platform_replacement.h"

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/status_item_texts.h"
+#include "core/texts.h"
 #include "platform/status_item.h"
 
 namespace ferrowyn::test {

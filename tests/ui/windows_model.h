@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/platform.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "services/accessibility_authorizer.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/linux/desktop_entry.h"
 #include "platform/linux/xdg_folders.h"
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/qt/tray_symbol_painter.h"
 #include "platform/tray_icon.h"
 

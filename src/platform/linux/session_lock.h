@@ -5,8 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "core/subject.h"
-#include "core/subscription.h"
+#include "core/published.h"
 
 namespace ferrowyn {
 

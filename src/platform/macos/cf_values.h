@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/app_window.h"
 #include "core/geometry.h"
-#include "core/identifiers.h"
 #include "platform/macos/owned.h"
 
 /// Between Core Foundation's values and ours. A value that is absent, of another type or out of range is nothing. Pure

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "platform/macos/owned.h"
 #include "platform/main_loop.h"
 

@@ -2,7 +2,7 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
-#include "core/ax_element_ref.h"
+#include "core/app_window.h"
 #include "platform/macos/owned.h"
 
 namespace ferrowyn {

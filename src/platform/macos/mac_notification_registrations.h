@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/identifiers.h"
-#include "core/subscription.h"
+#include "core/app_window.h"
+#include "core/published.h"
 #include "platform/macos/owned.h"
 #include "platform/main_loop.h"
 

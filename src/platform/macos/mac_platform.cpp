@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/macos/mac_accessibility_notifications.h"
 #include "platform/macos/mac_accessibility_observers.h"
 #include "platform/macos/mac_activity.h"

@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "platform/window_inventory.h"
 
 /// The window server's list. Each call asks the server. Any thread.

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <optional>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "core/graphemes.h"
 #include "core/text.h"
 #include "core/text_encoding.h"
 #include "platform/qt/pixel_buffer_image.h"

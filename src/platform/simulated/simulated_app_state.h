@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "platform/workspace.h"
 
 namespace ferrowyn {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/application.h"
 
 namespace ferrowyn {

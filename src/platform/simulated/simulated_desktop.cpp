@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/simulated/simulated_accessibility_observers.h"
 #include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_background_work.h"

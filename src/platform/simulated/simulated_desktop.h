@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/ax_element_ref.h"
-#include "core/switcher_modifier.h"
+#include "core/app_window.h"
+#include "core/switcher_options.h"
 #include "platform/event_tap.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"

@@ -2,8 +2,7 @@
 
 #include <functional>
 
-#include "core/ax_element_ref.h"
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/icon_source.h"
 
 namespace ferrowyn {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/pointer.h"
 
 namespace ferrowyn {

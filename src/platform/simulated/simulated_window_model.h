@@ -3,8 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/ax_element_ref.h"
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "platform/simulated/simulated_app_state.h"
 #include "platform/simulated/simulated_window_state.h"
 #include "platform/workspace.h"

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "core/app_window.h"
 #include "core/geometry.h"
-#include "core/identifiers.h"
 
 namespace ferrowyn {
 

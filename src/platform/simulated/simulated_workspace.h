@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/simulated/simulated_window_model.h"
 #include "platform/workspace.h"
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/accessibility_observers.h"
 #include "platform/x11/x11_desktop_model.h"
 

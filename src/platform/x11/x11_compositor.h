@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/x11/x11_panel_events.h"
 
 namespace ferrowyn {

@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/workspace.h"
 #include "platform/x11/x11_accessibility_notification.h"
 #include "platform/x11/x11_application_directory.h"

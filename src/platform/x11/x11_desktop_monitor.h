@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/main_loop.h"
 #include "platform/x11/x11_atoms.h"
 #include "platform/x11/x11_desktop_model.h"

@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/ax_element_ref.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

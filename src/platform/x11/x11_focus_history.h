@@ -6,7 +6,7 @@
 #include <optional>
 #include <unordered_map>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "core/text_encoding.h"
 
 namespace ferrowyn {

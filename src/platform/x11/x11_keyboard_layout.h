@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 

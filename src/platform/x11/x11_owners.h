@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "platform/x11/x11_atoms.h"
 #include "platform/x11/x11_connection.h"
 

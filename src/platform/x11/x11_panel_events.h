@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/x11/x11_event_connection.h"
 
 namespace ferrowyn {

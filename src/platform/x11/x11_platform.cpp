@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/desktop_entry.h"
 #include "platform/linux/desktop_programs.h"

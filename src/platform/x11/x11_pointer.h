@@ -3,7 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/pointer.h"
 #include "platform/x11/x11_input_context.h"
 #include "platform/x11/x11_panel_events.h"

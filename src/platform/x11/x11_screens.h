@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/screens.h"
 #include "platform/x11/x11_panel_events.h"
 #include "platform/x11/x11_screens_coordinates.h"

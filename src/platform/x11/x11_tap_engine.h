@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "platform/event_tap.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_held_keys.h"

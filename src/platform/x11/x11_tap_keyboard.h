@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 #include "platform/x11/x11_key_text.h"
 #include "platform/x11/x11_keyboard_event.h"
 #include "platform/x11/x11_keyboard_grabs.h"

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <optional>
 
-#include "core/switcher_modifier.h"
+#include "core/switcher_options.h"
 
 namespace ferrowyn {
 

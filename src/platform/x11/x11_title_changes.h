@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {

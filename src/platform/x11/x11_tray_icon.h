@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/qt/tray_symbol_painter.h"
 #include "platform/tray_icon.h"
 #include "platform/x11/x11_event_connection.h"

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/log.h"
 #include "platform/trust.h"
 #include "platform/x11/x11_desktop_model.h"

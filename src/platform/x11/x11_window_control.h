@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-#include "core/subscription.h"
+#include "core/published.h"
 #include "platform/log.h"
 #include "platform/main_loop.h"
 #include "platform/window_control.h"

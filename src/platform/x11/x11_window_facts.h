@@ -7,8 +7,8 @@
 #include <span>
 #include <string>
 
+#include "core/app_window.h"
 #include "core/geometry.h"
-#include "core/identifiers.h"
 #include "platform/x11/x11_application_identity.h"
 #include "platform/x11/x11_atoms.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "platform/workspace.h"
 #include "platform/x11/x11_desktop_monitor.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 #include "tests/macos/fake/fake_object.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/fake/fake_value.h"

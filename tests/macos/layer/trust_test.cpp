@@ -1,6 +1,6 @@
 #include "platform/macos/mac_trust.h"
 
-#include "core/subject.h"
+#include "core/published.h"
 #include "tests/macos/layer/mac_fixture.h"
 
 namespace ferrowyn {

@@ -1,4 +1,4 @@
-#include "core/text_table.h"
+#include "core/texts.h"
 #include "services/launch_at_login_service.h"
 #include "tests/macos/objc/fakes/services.h"
 #include "tests/macos/program/mac_program_test.h"

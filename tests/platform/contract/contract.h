@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "core/identifiers.h"
+#include "core/app_window.h"
 
 namespace ferrowyn::contract {
 

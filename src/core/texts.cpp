@@ -1,9 +1,29 @@
-#include "core/status_item_texts.h"
+#include "core/texts.h"
 
-#include "core/linux_words.h"
-#include "core/phrase.h"
+#include <cstddef>
 
 namespace ferrowyn {
+
+std::string Phrase::untranslated() const {
+    return withArguments(text, arguments);
+}
+
+std::string withArguments(std::string_view text, const std::vector<std::string>& arguments) {
+    std::string result;
+    // From left to right: an argument may itself look like a placeholder.
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        const bool isPlaceholder = text[position] == '%' && position + 1 < text.size() && text[position + 1] >= '1' &&
+                                   text[position + 1] <= '9';
+        const auto number = isPlaceholder ? static_cast<std::size_t>(text[position + 1] - '1') : arguments.size();
+        if (number < arguments.size()) {
+            result += arguments[number];
+            ++position;
+        } else {
+            result += text[position];
+        }
+    }
+    return result;
+}
 
 namespace {
 
@@ -77,6 +97,85 @@ const StatusItemTexts& macStatusItemTexts() {
 const StatusItemTexts& linuxStatusItemTexts() {
     static const StatusItemTexts texts = linuxVariant();
     return texts;
+}
+
+std::string_view TextTable::modifierKey(SwitcherModifier modifier) const {
+    switch (modifier) {
+        case SwitcherModifier::option:
+            return optionKey;
+        case SwitcherModifier::command:
+            return commandKey;
+        case SwitcherModifier::control:
+            return controlKey;
+    }
+    return optionKey;
+}
+
+std::string_view TextTable::commandKeyDuringSession(SwitcherModifier trigger) const {
+    return trigger == SwitcherModifier::control ? sessionCommandKeyWithControlTrigger : sessionCommandKey;
+}
+
+const TextTable& macTexts() {
+    static const TextTable table{
+        .optionKey = "⌥",
+        .commandKey = "⌘",
+        .controlKey = "⌃",
+        .sessionCommandKey = "⌘",
+        .sessionCommandKeyWithControlTrigger = "⌘",
+        .keySeparator = "",
+        .tabKey = "⇥",
+        .returnKey = "⏎",
+        .escapeKey = "esc",
+        .permissionTitle = translatable("Ferrowyn", "Accessibility access is required"),
+        .permissionExplanation =
+            translatable("Ferrowyn", "Ferrowyn cannot list or focus other apps' windows without it."),
+        .permissionButton = translatable("Ferrowyn", "Open System Settings"),
+        .otherSpaceBadge = translatable("Ferrowyn", "Other Space"),
+
+        .loginItemUnavailable = translatable("Ferrowyn", "Ferrowyn must be in /Applications to launch at login."),
+        .loginItemRefused =
+            translatable("Ferrowyn", "macOS refused the request. Move Ferrowyn to /Applications and try again."),
+        .loginItemApproval = translatable("Ferrowyn", "Approve Ferrowyn in System Settings → General → Login Items."),
+
+        .statusItem = macStatusItemTexts(),
+        .windows = macWindowTexts(),
+    };
+    return table;
+}
+
+const TextTable& linuxTexts() {
+    static const TextTable table{
+        .optionKey = "Alt",
+        .commandKey = "Super",
+        .controlKey = "Ctrl",
+        .sessionCommandKey = "Ctrl",
+        .sessionCommandKeyWithControlTrigger = "Super",
+        .keySeparator = "+",
+        .tabKey = "Tab",
+        .returnKey = "Return",
+        .escapeKey = "Esc",
+        .permissionTitle = linux_words::windowManagerRequired,
+        // Either of the two may be missing: the text names the way out of both.
+        .permissionExplanation =
+            translatable("Ferrowyn",
+                         "Ferrowyn cannot list or focus other apps' windows without an EWMH window manager and "
+                         "XInput 2.2. Start a window manager or update the X server; Ferrowyn then goes on by "
+                         "itself."),
+        .permissionButton = linux_words::openSetup,
+        .otherSpaceBadge = translatable("Ferrowyn", "Other Workspace"),
+
+        .loginItemUnavailable =
+            translatable("Ferrowyn", "Ferrowyn must be able to write to the autostart folder to launch at login."),
+        .loginItemRefused = translatable(
+            "Ferrowyn", "The system refused the request. Make sure that the autostart folder is yours and try again."),
+        .loginItemApproval = translatable("Ferrowyn",
+                                          "Your desktop keeps Ferrowyn from starting: allow it in the autostart "
+                                          "settings, or turn this off and on again."),
+
+        .statusItem = linuxStatusItemTexts(),
+        .windows = linuxWindowTexts(),
+    };
+    return table;
 }
 
 }  // namespace ferrowyn
