@@ -21,7 +21,7 @@ import json, re, shlex, sys
 commands, root, *wanted = sys.argv[1:]
 # What only Linux builds, beside its adapters.
 linux = re.compile(r"src/platform/(x11|linux|macos)/|_on_(linux|x11|macos)\.cpp|src/keyboard_guard/"
-                   r"|src/app/(bus_|doctor|outside_|session_check|single_instance|mac_)|src/ui/generated")
+                   r"|src/main/(bus_|doctor|outside_|single_instance|mac_)|src/ui/generated")
 seen = set()
 for entry in json.load(open(commands)):
     name = entry["file"].removeprefix(root + "/")

@@ -5,12 +5,11 @@
 
 #include "core/published.h"
 #include "input/hot_key_monitor.h"
-#include "input/switcher_content.h"
+#include "input/switcher_panel.h"
 #include "input/switching_health.h"
 #include "inventory/window_index.h"
 #include "services/accessibility_authorizer.h"
 #include "services/favourites_store.h"
-#include "services/icon_prefetcher.h"
 #include "services/icon_provider.h"
 #include "services/launch_at_login_service.h"
 #include "services/preferences.h"

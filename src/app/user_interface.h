@@ -4,14 +4,23 @@
 #include <memory>
 #include <string>
 
-#include "app/on_demand_window.h"
 #include "core/texts.h"
-#include "input/switcher_content.h"
+#include "input/switcher_panel.h"
 #include "platform/status_item.h"
 
 namespace ferrowyn {
 
 class AppServices;
+
+/// One of the program's ordinary windows: made when it is first shown, kept and shown again after that. Main thread.
+class OnDemandWindow {
+public:
+    virtual ~OnDemandWindow() = default;
+
+    /// Brings it to the front as the key window.
+    virtual void show() = 0;
+    virtual void close() = 0;
+};
 
 /// Makes what only the toolkit can make; the delegate owns it. The services outlive all of it. Main thread.
 class UserInterface {

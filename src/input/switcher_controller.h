@@ -10,12 +10,10 @@
 #include "core/switcher_command.h"
 #include "core/switcher_view_model.h"
 #include "input/panel_geometry.h"
-#include "input/pointer_activity_gate.h"
-#include "input/switcher_content.h"
+#include "input/switcher_panel.h"
 
 namespace ferrowyn {
 
-struct Platform;
 class AccessibilityAuthorizer;
 class FavouritesStore;
 class HotKeyMonitor;
@@ -24,9 +22,24 @@ class MainLoop;
 class Pointer;
 class Preferences;
 class Screens;
-class SwitcherPanel;
 class WindowActivator;
 class WindowIndex;
+struct Platform;
+
+/// Keeps the mouse pointer from stealing the keyboard's selection: rows that move under a resting pointer, and the
+/// jitter of a hand on the desk, are no choice of the user's. A plain value.
+struct PointerActivityGate {
+    /// The pointer must get farther than this many points from the anchor before it counts again.
+    static constexpr double activityDistance = 3.0;
+
+    /// Where the pointer was at the last key; absent while the pointer is live.
+    std::optional<Point> anchor;
+
+    /// The keyboard is driving from now on.
+    void arm(const Point& pointer) { anchor = pointer; }
+    /// Whether a hover with the pointer at this place counts; the first that does makes the pointer live.
+    [[nodiscard]] bool admitsHover(const Point& pointer);
+};
 
 /// Runs one switching session at a time: opens the panel, carries out the commands of the keyboard and of the panel's
 /// content, tells the tap what is on the screen, and hands the chosen window to the activator. Main thread.

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/panel.h"
-
 namespace ferrowyn {
 
 namespace {

@@ -9,8 +9,8 @@
 #include <tuple>
 #include <utility>
 
-#include "platform/background_work.h"
 #include "platform/log.h"
+#include "platform/main_loop.h"
 
 namespace ferrowyn {
 

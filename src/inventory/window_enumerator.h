@@ -9,13 +9,11 @@
 
 #include "core/app_window.h"
 #include "inventory/window_filter.h"
-#include "inventory/window_metadata.h"
 #include "platform/main_loop.h"
 #include "platform/window_inventory.h"
 
 namespace ferrowyn {
 
-class BackgroundWork;
 class Log;
 
 /// Takes one snapshot of all switchable windows: what the window server lists, matched with what each application says

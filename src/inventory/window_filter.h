@@ -1,15 +1,30 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "core/app_window.h"
 #include "core/geometry.h"
-#include "inventory/window_metadata.h"
 #include "platform/workspace.h"
 
 namespace ferrowyn {
+
+/// What the window server says about one window, with a default for whatever it kept to itself.
+struct WindowMetadata {
+    /// Position in the server's list, 0 = front-most.
+    std::int64_t zOrder = 0;
+    std::string ownerName;
+    bool isOnScreen = false;
+    bool isOnActiveSpace = false;
+    /// Global coordinates in points, y growing downward; all zero when unknown.
+    Rect bounds;
+    double alpha = 1.0;
+    std::int64_t layer = 0;
+    Pid pid = 0;
+};
 
 /// Decides which applications, and which of their windows, may appear in the switcher. A plain value; any thread.
 class WindowFilter {

@@ -6,11 +6,29 @@
 
 #include "core/app_window.h"
 #include "core/published.h"
-#include "platform/activation_policy.h"
-#include "platform/bundle_info.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
+
+/// How an application takes part in the desktop; the values are the raw values of the policies.
+enum class ActivationPolicy { regular = 0, accessory = 1, prohibited = 2 };
+
+/// What the installed program says of itself. Each is absent where the installation does not say it.
+struct BundleInfo {
+    /// "CFBundleName" on macOS.
+    std::optional<std::string> name;
+    /// "CFBundleShortVersionString" on macOS.
+    std::optional<std::string> shortVersion;
+    /// "NSHumanReadableCopyright" on macOS.
+    std::optional<std::string> copyright;
+    /// Absolute path of what a file manager shows as the program.
+    std::string path;
+    /// The host, with a port where it needs one, that serves the update manifest over HTTPS. "FerrowynUpdateHost" on
+    /// macOS.
+    std::optional<std::string> updateHost;
+    /// An https address. "FerrowynHomePage" on macOS.
+    std::optional<std::string> homePage;
+};
 
 /// This process as the desktop knows it. Main thread.
 class Application {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/geometry.h"
 #include "core/published.h"
 
 namespace ferrowyn {
@@ -78,6 +79,22 @@ public:
     virtual void setMenu(const StatusMenu& menu) = 0;
     /// Called with the row that the user chose, after the menu has closed; for the header it is `openSettings`.
     virtual void setActionHandler(std::function<void(const MenuRow&)> handler) = 0;
+};
+
+/// An icon in the desktop's tray, for desktops where the menu is the program's own popup. Main thread. It appears as
+/// soon as a tray takes it, and again in every tray that replaces the first.
+class TrayIcon {
+public:
+    virtual ~TrayIcon() = default;
+
+    /// `symbol` is one of the program's own drawings, shown in the colour that suits the tray.
+    virtual void setIcon(const std::string& symbol) = 0;
+    virtual void setToolTip(const std::string& title) = 0;
+    /// Called when the user presses the icon with either button or chooses it with the keyboard. `anchor` is the icon's
+    /// rectangle in pixels of the root window, or a point (an empty rectangle) where the tray tells no more.
+    virtual void setPressHandler(std::function<void(const Rect& anchor)> handler) = 0;
+    /// Whether some tray shows the icon now.
+    [[nodiscard]] virtual bool isShown() const = 0;
 };
 
 }  // namespace ferrowyn

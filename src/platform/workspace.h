@@ -8,7 +8,7 @@
 
 #include "core/app_window.h"
 #include "core/published.h"
-#include "platform/activation_policy.h"
+#include "platform/application.h"
 
 namespace ferrowyn {
 

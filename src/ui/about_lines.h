@@ -5,7 +5,7 @@
 
 #include "core/texts.h"
 #include "core/window_texts.h"
-#include "platform/bundle_info.h"
+#include "platform/application.h"
 
 /// What the program says of itself. Pure functions; texts are untranslated.
 namespace ferrowyn::about_lines {

@@ -6,7 +6,6 @@
 
 #include "core/texts.h"
 #include "platform/status_item.h"
-#include "platform/tray_icon.h"
 #include "ui/status_menu_popup.h"
 
 namespace ferrowyn {

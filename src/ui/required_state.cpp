@@ -11,7 +11,6 @@
 #include "core/texts.h"
 #include "core/window_presentation.h"
 #include "platform/application.h"
-#include "platform/background_work.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "services/accessibility_authorizer.h"

@@ -8,7 +8,6 @@
 
 namespace ferrowyn {
 
-struct TextTable;
 class AppServices;
 
 /// Puts a text into the language of the user.

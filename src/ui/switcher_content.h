@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/texts.h"
-#include "input/switcher_content.h"
+#include "input/switcher_panel.h"
 
 namespace ferrowyn {
 

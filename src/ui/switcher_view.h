@@ -13,7 +13,7 @@
 
 #include "core/published.h"
 #include "core/switcher_view_model.h"
-#include "input/switcher_content.h"
+#include "input/switcher_panel.h"
 #include "platform/panel.h"
 #include "ui/accessible_switcher_view.h"
 #include "ui/panel_scene.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/system_looks.h"
+#include "platform/icon_source.h"
 
 class QPainter;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system_looks.h"
+#include "platform/icon_source.h"
 
 namespace ferrowyn {
 

@@ -4,9 +4,9 @@
 
 #include "app/app_services.h"
 #include "input/switcher_controller.h"
-#include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "platform/simulated/simulated_status_item.h"
+#include "platform/simulated/simulated_display.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/input/print_log_line.h"
 #include "tests/input/stub_panel_content.h"
 

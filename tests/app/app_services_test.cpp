@@ -5,10 +5,8 @@
 
 #include "input/switcher_controller.h"
 #include "input/window_activator.h"
-#include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_login_item.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/input/print_log_line.h"
 #include "tests/input/stub_panel_content.h"
 

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "core/prepared_text.h"
-#include "platform/simulated/simulated_element.h"
+#include "platform/simulated/simulated_window_model.h"
 #include "tests/core/switcher_view_model_fixture.h"
 
 namespace ferrowyn {

@@ -1,4 +1,4 @@
-#include "input/pointer_activity_gate.h"
+#include "input/switcher_controller.h"
 
 namespace ferrowyn {
 namespace {

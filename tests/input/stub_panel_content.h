@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "input/switcher_content.h"
+#include "input/switcher_panel.h"
 #include "platform/panel.h"
 
 namespace ferrowyn {

@@ -6,7 +6,7 @@
 
 #include "input/hot_key_monitor.h"
 #include "platform/main_loop.h"
-#include "platform/platform_replacement.h"
+#include "platform/platform.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "tests/input/busy_event_taps.h"
 

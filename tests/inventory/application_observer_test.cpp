@@ -1,4 +1,4 @@
-#include "inventory/application_observer.h"
+#include "inventory/window_observation_center.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/accessibility_observers.h"
-#include "platform/simulated/simulated_element.h"
+#include "platform/simulated/simulated_window_model.h"
 
 namespace ferrowyn {
 namespace {

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/background_work.h"
+#include "platform/main_loop.h"
 
 namespace ferrowyn {
 

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "platform/simulated/simulated_element.h"
-#include "platform/simulated/simulated_log.h"
+#include "platform/simulated/simulated_system.h"
+#include "platform/simulated/simulated_window_model.h"
 #include "tests/inventory/parallel_work.h"
 #include "tests/inventory/stub_inventory.h"
 

@@ -7,7 +7,7 @@
 
 #include "inventory/recency_tracker.h"
 #include "inventory/window_observation_center.h"
-#include "platform/platform_replacement.h"
+#include "platform/platform.h"
 #include "platform/simulated/simulated_desktop.h"
 #include "tests/inventory/stub_inventory.h"
 

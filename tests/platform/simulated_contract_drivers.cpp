@@ -1,5 +1,5 @@
 #include "platform/simulated/simulated_desktop.h"
-#include "platform/simulated/simulated_login_item.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/platform/contract/desktop_contract.h"
 #include "tests/platform/contract/event_tap_contract.h"
 #include "tests/platform/contract/login_item_contract.h"

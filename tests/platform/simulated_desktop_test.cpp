@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "platform/accessibility_observers.h"
-#include "platform/background_work.h"
 #include "platform/icon_source.h"
+#include "platform/main_loop.h"
 #include "platform/panel.h"
 #include "platform/window_control.h"
 #include "platform/window_inventory.h"

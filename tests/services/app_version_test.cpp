@@ -1,4 +1,4 @@
-#include "services/app_version.h"
+#include "services/update_checker.h"
 
 #include <cstdint>
 #include <limits>

@@ -1,7 +1,6 @@
-#include "services/icon_prefetcher.h"
+#include "services/icon_provider.h"
 
 #include "platform/simulated/simulated_desktop.h"
-#include "services/icon_provider.h"
 
 namespace ferrowyn {
 namespace {

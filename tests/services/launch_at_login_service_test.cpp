@@ -4,7 +4,7 @@
 
 #include "core/texts.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "platform/simulated/simulated_login_item.h"
+#include "platform/simulated/simulated_system.h"
 
 namespace ferrowyn {
 namespace {

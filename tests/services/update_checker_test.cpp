@@ -3,9 +3,8 @@
 #include <chrono>
 #include <memory>
 
-#include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "platform/simulated/simulated_http_client.h"
+#include "platform/simulated/simulated_system.h"
 
 namespace ferrowyn {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "platform/application.h"
 #include "platform/main_loop.h"
-#include "platform/simulated/simulated_application.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
 #include "ui/about_content.h"

@@ -3,7 +3,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
-#include "platform/simulated/simulated_application.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
 #include "ui/utility_window.h"

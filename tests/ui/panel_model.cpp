@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "input/panel_geometry.h"
-#include "platform/qt/lettered_tile.h"
+#include "platform/qt/qt_icons.h"
 
 namespace ferrowyn::test {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/qt/lettered_tile.h"
+#include "platform/qt/qt_icons.h"
 #include "tests/ui/paint_record.h"
 #include "ui/paint_context.h"
 

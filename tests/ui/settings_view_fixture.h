@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_login_item.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
 #include "ui/settings_view.h"

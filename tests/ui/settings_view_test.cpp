@@ -3,7 +3,7 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
-#include "platform/simulated/simulated_application.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/choice_box.h"
 #include "ui/segment_button.h"

@@ -6,12 +6,10 @@
 #include "core/texts.h"
 #include "input/switcher_controller.h"
 #include "input/window_activator.h"
-#include "platform/platform_replacement.h"
-#include "platform/simulated/simulated_application.h"
+#include "platform/platform.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_login_item.h"
-#include "platform/simulated/simulated_status_item.h"
+#include "platform/simulated/simulated_display.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/input/stub_panel_content.h"
 
 namespace ferrowyn {

@@ -11,7 +11,7 @@
 #include <QWindow>
 #include <cstdlib>
 
-#include "platform/simulated/simulated_application.h"
+#include "platform/simulated/simulated_system.h"
 #include "ui/progress_view.h"
 
 namespace ferrowyn {

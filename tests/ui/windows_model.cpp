@@ -1,6 +1,6 @@
 #include "tests/ui/windows_model.h"
 
-#include "platform/platform_replacement.h"
+#include "platform/platform.h"
 
 namespace ferrowyn::test {
 

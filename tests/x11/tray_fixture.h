@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "platform/linux/linux_tray_icon.h"
-#include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
 #include "tests/ui/status_menu_model.h"
 #include "tests/x11/harness/private_bus.h"

@@ -15,7 +15,6 @@
 namespace ferrowyn {
 
 class DesktopEntryIndex;
-class DesktopFolderWatcher;
 class MainLoop;
 
 /// The installed applications. The folders are read at the first question and again at the first one after something

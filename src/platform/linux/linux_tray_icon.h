@@ -8,7 +8,7 @@
 
 #include "core/published.h"
 #include "platform/qt/tray_symbol_painter.h"
-#include "platform/tray_icon.h"
+#include "platform/status_item.h"
 
 namespace ferrowyn {
 

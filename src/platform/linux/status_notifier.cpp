@@ -13,7 +13,6 @@
 #include <atomic>
 #include <utility>
 
-#include "platform/background_work.h"
 #include "platform/linux/bus.h"
 #include "platform/main_loop.h"
 

@@ -11,7 +11,7 @@
 #include <system_error>
 
 #include "platform/linux/xdg_folders.h"
-#include "platform/qt/qt_icon_image.h"
+#include "platform/qt/qt_icons.h"
 
 namespace ferrowyn {
 

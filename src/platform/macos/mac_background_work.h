@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/background_work.h"
+#include "platform/main_loop.h"
 
 namespace ferrowyn {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pointer.h"
+#include "platform/screens.h"
 
 namespace ferrowyn {
 

@@ -15,7 +15,6 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/background_work.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {

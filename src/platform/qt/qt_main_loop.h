@@ -1,8 +1,14 @@
 #pragma once
 
+#include <QThreadPool>
 #include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <thread>
+#include <unordered_map>
 
 #include "platform/main_loop.h"
 
@@ -37,6 +43,32 @@ private:
     std::unique_ptr<PostedTasks> postedTasks_;
     /// Shared with the tokens, weakly: a token may outlive the loop.
     std::shared_ptr<Timers> timers_;
+};
+
+/// Worker threads in a pool of their own, so that nothing else that uses Qt's global pool can hold up a snapshot.
+class QtBackgroundWork final : public BackgroundWork {
+public:
+    QtBackgroundWork();
+    ~QtBackgroundWork() override;
+    QtBackgroundWork(const QtBackgroundWork&) = delete;
+    QtBackgroundWork& operator=(const QtBackgroundWork&) = delete;
+
+    void run(std::function<void()> work) override;
+    void concurrentPerform(std::size_t count, const std::function<void(std::size_t)>& iteration) override;
+
+private:
+    class SharedIterations;
+
+    void runNext();
+    void helpWith(std::uint64_t key);
+
+    std::mutex mutex_;
+    /// What no worker has begun yet, first come first.
+    std::deque<std::function<void()>> waiting_;
+    std::uint64_t nextKey_ = 0;
+    /// What helpers are handed goes through this class's own lock: the pool's is out of the thread sanitizer's sight.
+    std::unordered_map<std::uint64_t, std::shared_ptr<SharedIterations>> shared_;
+    QThreadPool pool_;
 };
 
 }  // namespace ferrowyn

@@ -3,22 +3,13 @@
 #include <utility>
 
 #include "core/texts.h"
-#include "platform/simulated/simulated_accessibility_observers.h"
-#include "platform/simulated/simulated_application.h"
-#include "platform/simulated/simulated_background_work.h"
-#include "platform/simulated/simulated_element.h"
+#include "platform/simulated/simulated_display.h"
 #include "platform/simulated/simulated_event_taps.h"
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_icons.h"
-#include "platform/simulated/simulated_login_item.h"
 #include "platform/simulated/simulated_main_loop.h"
-#include "platform/simulated/simulated_pointer.h"
-#include "platform/simulated/simulated_screens.h"
-#include "platform/simulated/simulated_trust.h"
-#include "platform/simulated/simulated_user_defaults.h"
+#include "platform/simulated/simulated_system.h"
 #include "platform/simulated/simulated_window_control.h"
 #include "platform/simulated/simulated_window_inventory.h"
-#include "platform/simulated/simulated_windows.h"
+#include "platform/simulated/simulated_window_model.h"
 #include "platform/simulated/simulated_workspace.h"
 
 namespace ferrowyn {

@@ -15,18 +15,13 @@
 #include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "platform/screens.h"
-#include "platform/simulated/simulated_app_state.h"
-#include "platform/simulated/simulated_log.h"
-#include "platform/simulated/simulated_panel.h"
-#include "platform/simulated/simulated_tap_event.h"
-#include "platform/simulated/simulated_window_state.h"
+#include "platform/simulated/simulated_display.h"
+#include "platform/simulated/simulated_event_taps.h"
+#include "platform/simulated/simulated_system.h"
+#include "platform/simulated/simulated_window_model.h"
 #include "platform/user_defaults.h"
 
 namespace ferrowyn {
-
-class SimulatedApplication;
-class SimulatedHttpClient;
-class SimulatedLoginItem;
 
 /// A deterministic desktop with a virtual clock: it implements the platform interfaces (`platform()`) and, separately,
 /// this control interface, with which a test or the simulator plays the user, the applications and the system. Nothing

@@ -1,14 +1,86 @@
 #pragma once
 
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/event_tap.h"
-#include "platform/simulated/simulated_event_tap.h"
-#include "platform/simulated/simulated_tap_event.h"
 
 namespace ferrowyn {
+
+/// A key as a test presses it.
+struct SimulatedKey {
+    std::uint16_t keyCode = 0;
+    std::uint64_t flags = 0;
+    /// What the key types with its own flags, and with Shift alone or none.
+    std::u16string text;
+    std::u16string textWithReducedFlags;
+};
+
+class SimulatedTapEvent final : public TapEvent {
+public:
+    SimulatedTapEvent(Type type, SimulatedKey key) : type_(type), key_(std::move(key)) {}
+
+    [[nodiscard]] Type type() const override { return type_; }
+    [[nodiscard]] std::uint64_t flags() const override { return key_.flags; }
+    [[nodiscard]] std::uint16_t keyCode() const override { return key_.keyCode; }
+    [[nodiscard]] std::u16string text(std::optional<std::uint64_t> withFlags) const override {
+        return withFlags ? key_.textWithReducedFlags : key_.text;
+    }
+
+private:
+    Type type_;
+    SimulatedKey key_;
+};
+
+/// The loop of a real tap thread. Nothing comes in through it, as the simulated keys are delivered in the thread that
+/// presses them; it only waits out its slices, in real time.
+class SimulatedTapRunLoop final : public TapRunLoop {
+public:
+    void runFor(Seconds slice) override;
+    /// A stop that comes between two slices ends the next one, so that no thread sleeps through it.
+    void stop() override;
+
+private:
+    std::mutex lock_;
+    std::condition_variable stopped_;
+    bool isStopped_ = false;
+};
+
+/// A tap that gets the keys a test presses. Any thread.
+class SimulatedEventTap final : public EventTap {
+public:
+    SimulatedEventTap(std::uint64_t mask, SwitcherModifier trigger, EventTaps::Callback callback);
+
+    void setEnabled(bool enabled) override;
+    [[nodiscard]] bool isEnabled() const override;
+    void invalidate() override;
+    void setTrigger(SwitcherModifier modifier) override;
+    void setSessionOpen(bool isOpen) override;
+
+    [[nodiscard]] bool isValid() const;
+    [[nodiscard]] SwitcherModifier trigger() const;
+    [[nodiscard]] bool isSessionOpen() const;
+    void setAttached(bool isAttached);
+
+    /// Asks the callback, when the tap is enabled, served by a loop and made for this type of event.
+    [[nodiscard]] std::optional<TapVerdict> deliver(const TapEvent& event);
+    /// Disables the tap first, then tells it, as the system does.
+    void disableBySystem(TapEvent::Type reason);
+
+private:
+    mutable std::mutex lock_;
+    const std::uint64_t mask_;
+    const EventTaps::Callback callback_;
+    SwitcherModifier trigger_;
+    bool isEnabled_ = false;
+    bool isValid_ = true;
+    bool isAttached_ = false;
+    bool isSessionOpen_ = false;
+};
 
 /// Makes taps that a test's keys go through, and real threads to serve them. Main thread but for `currentRunLoop`.
 class SimulatedEventTaps final : public EventTaps {

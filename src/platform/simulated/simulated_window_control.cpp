@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/simulated/simulated_element.h"
+#include "platform/simulated/simulated_window_model.h"
 
 namespace ferrowyn {
 

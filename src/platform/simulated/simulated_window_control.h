@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/simulated/simulated_windows.h"
+#include "platform/simulated/simulated_window_model.h"
 #include "platform/window_control.h"
 
 namespace ferrowyn {

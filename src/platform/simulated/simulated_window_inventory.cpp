@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/simulated/simulated_element.h"
+#include "platform/simulated/simulated_window_model.h"
 
 namespace ferrowyn {
 

@@ -1,14 +1,81 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "core/app_window.h"
-#include "platform/simulated/simulated_app_state.h"
-#include "platform/simulated/simulated_window_state.h"
+#include "core/geometry.h"
 #include "platform/workspace.h"
 
 namespace ferrowyn {
+
+class SimulatedAccessibilityObservers;
+class SimulatedMainLoop;
+class SimulatedWorkspace;
+
+/// An application as a test launches it.
+struct SimulatedAppState {
+    Pid pid = 0;
+    std::optional<std::string> bundleIdentifier;
+    std::optional<std::string> localizedName;
+    std::optional<std::string> bundleURL;
+    ActivationPolicy activationPolicy = ActivationPolicy::regular;
+};
+
+/// A window as a test opens it, with what the window server and its application say about it.
+struct SimulatedWindowState {
+    WindowId id = 0;
+    Pid pid = 0;
+    std::string title;
+    std::optional<std::string> subrole = "AXStandardWindow";
+    Rect frame{100, 100, 800, 600};
+    bool isMinimized = false;
+    bool isFullScreen = false;
+    bool isOnActiveSpace = true;
+    /// What the window server says, or keeps to itself.
+    std::optional<double> alpha = 1.0;
+    std::optional<std::int64_t> layer = 0;
+    std::optional<Rect> serverBounds;  ///< the frame when absent
+    bool isListedByWindowServer = true;
+    bool isListedByAccessibility = true;
+    bool hasWindowNumber = true;
+    bool hasAccessibilityFrame = true;
+    /// What the element-to-window-number lookup answers instead of the id, for an application that lies about it.
+    std::optional<WindowId> reportedWindowNumber = std::nullopt;
+    /// Answers of an application whose main window and focused window are not the same: false whatever has the focus.
+    bool deniesBeingMain = false;
+    bool deniesBeingFocused = false;
+    /// The modal dialog that takes its input. What is done to the window then is still done to the window itself.
+    std::optional<WindowId> blockedBy = std::nullopt;
+};
+
+/// The Accessibility element of a simulated window: every handle of one window is equal to every other.
+class SimulatedElement final : public AXElement {
+public:
+    explicit SimulatedElement(WindowId id) : id_(id) {}
+
+    [[nodiscard]] WindowId id() const { return id_; }
+    [[nodiscard]] bool equals(const AXElement& other) const override {
+        const auto* element = dynamic_cast<const SimulatedElement*>(&other);
+        return element != nullptr && element->id_ == id_;
+    }
+    [[nodiscard]] std::size_t hash() const override { return std::hash<WindowId>{}(id_); }
+
+    [[nodiscard]] static AXElementRef reference(WindowId id) {
+        return AXElementRef(std::make_shared<SimulatedElement>(id));
+    }
+    /// 0, which no window has, for an element of another desktop.
+    [[nodiscard]] static WindowId idOf(const AXElementRef& reference) {
+        const auto* element = dynamic_cast<const SimulatedElement*>(&reference.element());
+        return element != nullptr ? element->id_ : 0;
+    }
+
+private:
+    WindowId id_;
+};
 
 /// What the simulated desktop consists of at one moment: a value, so that a reading can keep a copy of it.
 struct SimulatedWindowModel {
@@ -50,6 +117,45 @@ struct SimulatedWindowModel {
 
     /// What the element-to-window-number lookup answers.
     [[nodiscard]] std::optional<WindowId> lookUpNumber(const SimulatedWindowState& window) const;
+};
+
+/// Changes the model as applications, the user and the window manager do, and tells whoever watches: at once where a
+/// test plays the user, from the loop where the program itself asked for the change, as no answer overtakes a request.
+class SimulatedWindows {
+public:
+    enum class Telling { nobody, atOnce, fromTheLoop };
+
+    SimulatedWindows(SimulatedWindowModel& model, SimulatedAccessibilityObservers& observers,
+                     SimulatedWorkspace& workspace, SimulatedMainLoop& mainLoop)
+        : model_(model), observers_(observers), workspace_(workspace), mainLoop_(mainLoop) {}
+
+    void launch(const SimulatedAppState& app, Telling telling);
+    /// Its windows go with it, unannounced; no application is in front then, if it was.
+    void terminate(Pid pid);
+    /// In front of all others, and focused in its application unless it is minimised.
+    void open(const SimulatedWindowState& window, Telling telling);
+    /// The application's next window gets its focus.
+    void close(WindowId id, Telling telling);
+    void setTitle(WindowId id, std::string title);
+    /// As a click does it: unhidden, restored, in front, focused, its application active.
+    void focusByUser(WindowId id);
+
+    void setHidden(Pid pid, bool isHidden, Telling telling);
+    void unminimize(WindowId id, Telling telling);
+    void raise(WindowId id) { model_.moveToFront(id); }
+    /// Main and focused window are one here.
+    void setFocusedWindow(Pid pid, std::optional<WindowId> id, Telling telling);
+    /// With its focused window in front.
+    void activate(Pid pid, Telling telling);
+
+private:
+    void tell(Telling telling, std::function<void()> message);
+    void announce(Telling telling, WorkspaceEvent::Kind kind, const SimulatedWindowModel::App& app);
+
+    SimulatedWindowModel& model_;
+    SimulatedAccessibilityObservers& observers_;
+    SimulatedWorkspace& workspace_;
+    SimulatedMainLoop& mainLoop_;
 };
 
 }  // namespace ferrowyn

@@ -1,5 +1,6 @@
 #include "platform/simulated/simulated_workspace.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace ferrowyn {
@@ -35,6 +36,126 @@ bool SimulatedWorkspace::open(std::string_view url) {
 
 void SimulatedWorkspace::setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name) {
     installedNames_.insert_or_assign(std::move(bundleIdentifier), std::move(name));
+}
+
+namespace {
+
+using Registration = SimulatedAccessibilityObservers::Registration;
+
+class SimulatedAccessibilityObserver final : public AccessibilityObserver {
+public:
+    explicit SimulatedAccessibilityObserver(std::shared_ptr<Registration> registration)
+        : registration_(std::move(registration)) {}
+    ~SimulatedAccessibilityObserver() override { forget(); }
+    SimulatedAccessibilityObserver(const SimulatedAccessibilityObserver&) = delete;
+    SimulatedAccessibilityObserver& operator=(const SimulatedAccessibilityObserver&) = delete;
+
+    void addApplicationNotification(std::string_view notification) override {
+        registration_->applicationNotifications.emplace_back(notification);
+    }
+    void addWindowNotification(const AXElementRef& window, std::string_view notification) override {
+        registration_->windowNotifications[SimulatedElement::idOf(window)].emplace_back(notification);
+    }
+    void removeWindowNotification(const AXElementRef& window, std::string_view notification) override {
+        auto& names = registration_->windowNotifications[SimulatedElement::idOf(window)];
+        // One at a time, so that a test sees a name that was registered twice.
+        if (const auto found = std::ranges::find(names, notification); found != names.end()) {
+            names.erase(found);
+        }
+    }
+    void detachFromMainLoop() override { registration_->isAttached = false; }
+
+private:
+    void forget() {
+        registration_->isAttached = false;
+        registration_->applicationNotifications.clear();
+        registration_->windowNotifications.clear();
+    }
+
+    std::shared_ptr<Registration> registration_;
+};
+
+bool contains(const std::vector<std::string>& names, std::string_view name) {
+    return std::ranges::find(names, name) != names.end();
+}
+
+}  // namespace
+
+std::unique_ptr<AccessibilityObserver> SimulatedAccessibilityObservers::create(Pid pid, Handler handler) {
+    const auto* app = model_.app(pid);
+    if (app == nullptr || app->isUnobservable) {
+        return nullptr;
+    }
+    registrations_.push_back(std::make_shared<Registration>(Registration{pid, std::move(handler), true, {}, {}}));
+    return std::make_unique<SimulatedAccessibilityObserver>(registrations_.back());
+}
+
+void SimulatedAccessibilityObservers::announceForApplication(Pid pid, std::string_view notification) {
+    deliver(notification, [&](const Registration& registration) {
+        return registration.isAttached && registration.pid == pid &&
+               contains(registration.applicationNotifications, notification);
+    });
+}
+
+void SimulatedAccessibilityObservers::announceForWindow(WindowId id, std::string_view notification) {
+    deliver(notification, [&](const Registration& registration) {
+        const auto names = registration.windowNotifications.find(id);
+        return registration.isAttached && names != registration.windowNotifications.end() &&
+               contains(names->second, notification);
+    });
+}
+
+void SimulatedAccessibilityObservers::notify(Pid pid, std::string_view notification) {
+    deliver(notification,
+            [&](const Registration& registration) { return registration.isAttached && registration.pid == pid; });
+}
+
+void SimulatedAccessibilityObservers::notifyLate(Pid pid, std::string_view notification) {
+    const auto isGone = [&](const auto& registration) { return !registration->isAttached && registration->pid == pid; };
+    std::vector<std::shared_ptr<Registration>> gone;
+    std::ranges::copy_if(registrations_, std::back_inserter(gone), isGone);
+    std::erase_if(registrations_, isGone);
+    for (const auto& registration : gone) {
+        registration->handler(notification);
+    }
+}
+
+std::vector<std::string> SimulatedAccessibilityObservers::windowNotifications(WindowId id) const {
+    std::vector<std::string> all;
+    for (const auto& registration : registrations_) {
+        const auto names = registration->windowNotifications.find(id);
+        if (names != registration->windowNotifications.end()) {
+            all.insert(all.end(), names->second.begin(), names->second.end());
+        }
+    }
+    return all;
+}
+
+std::vector<std::string> SimulatedAccessibilityObservers::applicationNotifications(Pid pid) const {
+    std::vector<std::string> all;
+    for (const auto& registration : registrations_) {
+        if (registration->pid == pid) {
+            all.insert(all.end(), registration->applicationNotifications.begin(),
+                       registration->applicationNotifications.end());
+        }
+    }
+    return all;
+}
+
+std::size_t SimulatedAccessibilityObservers::liveCount() const {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(registrations_, [](const auto& registration) { return registration->isAttached; }));
+}
+
+template <typename Predicate>
+void SimulatedAccessibilityObservers::deliver(std::string_view notification, Predicate wants) {
+    // A copy, because a handler may make or drop observers.
+    const auto current = registrations_;
+    for (const auto& registration : current) {
+        if (wants(*registration)) {
+            registration->handler(notification);
+        }
+    }
 }
 
 }  // namespace ferrowyn

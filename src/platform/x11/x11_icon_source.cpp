@@ -4,8 +4,7 @@
 
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/theme_icons.h"
-#include "platform/qt/lettered_tile.h"
-#include "platform/qt/pixel_icon_image.h"
+#include "platform/qt/qt_icons.h"
 #include "platform/x11/x11_property.h"
 
 namespace ferrowyn {

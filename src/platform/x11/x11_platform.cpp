@@ -21,7 +21,6 @@
 #include "platform/linux/session_lock.h"
 #include "platform/linux/xdg_login_item.h"
 #include "platform/qt/curl_http_client.h"
-#include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
 #include "platform/x11/x11_accessibility_observers.h"
 #include "platform/x11/x11_application.h"

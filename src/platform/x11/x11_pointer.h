@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "core/published.h"
-#include "platform/pointer.h"
+#include "platform/screens.h"
 #include "platform/x11/x11_input_context.h"
 #include "platform/x11/x11_panel_events.h"
 #include "platform/x11/x11_screens.h"

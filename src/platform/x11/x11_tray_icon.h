@@ -6,7 +6,7 @@
 
 #include "core/published.h"
 #include "platform/qt/tray_symbol_painter.h"
-#include "platform/tray_icon.h"
+#include "platform/status_item.h"
 #include "platform/x11/x11_event_connection.h"
 #include "platform/x11/x11_property.h"
 #include "platform/x11/x11_tray_window.h"

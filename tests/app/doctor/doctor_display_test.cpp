@@ -1,4 +1,4 @@
-#include "app/doctor_display.h"
+#include "main/doctor_display.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "app/doctor_report.h"
+#include "main/doctor.h"
 
 namespace ferrowyn {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/doctor_session.h"
+#include "main/doctor.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

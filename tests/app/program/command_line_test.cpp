@@ -1,4 +1,4 @@
-#include "app/command_line.h"
+#include "main/command_line.h"
 
 namespace ferrowyn {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/mirrored_log.h"
+#include "main/program_log.h"
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include "app/other_instance.h"
+#include "main/other_instance.h"
 
 #include "platform/simulated/simulated_desktop.h"
 

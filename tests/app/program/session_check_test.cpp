@@ -1,4 +1,4 @@
-#include "app/session_check.h"
+#include "main/single_instance.h"
 
 namespace ferrowyn {
 namespace {

@@ -1,7 +1,7 @@
 #include "inventory/window_enumerator.h"
-#include "platform/background_work.h"
 #include "platform/macos/mac_window_inventory.h"
 #include "platform/macos/mac_window_number_lookup.h"
+#include "platform/main_loop.h"
 #include "tests/macos/layer/mac_fixture.h"
 
 namespace ferrowyn {

@@ -1,6 +1,6 @@
 #include "platform/macos/mac_notification_registrations.h"
 
-#include "inventory/application_observer.h"
+#include "inventory/window_observation_center.h"
 #include "platform/macos/mac_accessibility_observers.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/layer/mac_fixture.h"

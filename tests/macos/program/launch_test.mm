@@ -1,4 +1,4 @@
-#include "platform/background_work.h"
+#include "platform/main_loop.h"
 #include "tests/macos/program/mac_program_test.h"
 
 namespace ferrowyn::test {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/mac_application_events.h"
+#include "main/mac_application_events.h"
 #include "platform/macos/mac_menu_header_view.h"
 #include "tests/macos/fake/fake_objects.h"
 #include "tests/macos/fake/fake_run_loop.h"

@@ -20,7 +20,6 @@
 
 #include "platform/linux/linux_tray_icon.h"
 #include "platform/linux/status_notifier.h"
-#include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
 #include "tests/platform/linux/fake_status_notifier_watcher.h"
 #include "tests/platform/linux/restartable_bus.h"

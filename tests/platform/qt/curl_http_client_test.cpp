@@ -8,10 +8,9 @@
 #include <memory>
 #include <optional>
 
-#include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
-#include "platform/simulated/simulated_application.h"
 #include "platform/simulated/simulated_desktop.h"
+#include "platform/simulated/simulated_system.h"
 #include "services/update_checker.h"
 #include "tests/platform/qt/https_servers.h"
 

@@ -3,9 +3,7 @@
 #include <QPixmap>
 #include <algorithm>
 
-#include "platform/qt/lettered_tile.h"
-#include "platform/qt/pixel_icon_image.h"
-#include "platform/qt/qt_icon_image.h"
+#include "platform/qt/qt_icons.h"
 
 namespace ferrowyn {
 namespace {

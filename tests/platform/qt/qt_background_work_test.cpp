@@ -1,4 +1,4 @@
-#include "platform/qt/qt_background_work.h"
+#include "platform/qt/qt_main_loop.h"
 
 #include <atomic>
 #include <latch>

@@ -12,7 +12,6 @@
 #include <string_view>
 
 #include "platform/qt/curl_http_client.h"
-#include "platform/qt/qt_background_work.h"
 #include "platform/qt/qt_main_loop.h"
 #include "tests/platform/qt/https_servers.h"
 

@@ -11,9 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/simulated/simulated_application.h"
-#include "platform/simulated/simulated_http_client.h"
-#include "platform/simulated/simulated_login_item.h"
+#include "platform/simulated/simulated_system.h"
 #include "tests/ui/windows_model.h"
 #include "ui/about_view.h"
 #include "ui/onboarding_view.h"

@@ -1,0 +1,18 @@
+#include <iostream>
+#include <utility>
+
+#include "main/command_line.h"
+#include "main/program_log.h"
+#include "platform/macos/mac_log.h"
+
+namespace ferrowyn {
+
+std::unique_ptr<Log> makeProgramLog(const CommandLine& line) {
+    auto log = std::make_unique<MacLog>();
+    if (!line.logLevel) {
+        return log;
+    }
+    return std::make_unique<MirroredLog>(std::move(log), *line.logLevel, std::cerr);
+}
+
+}  // namespace ferrowyn
