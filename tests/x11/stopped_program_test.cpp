@@ -5,11 +5,9 @@
 
 #include <chrono>
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <optional>
-#include <sstream>
 #include <string>
 
 #include "tests/x11/desk_test.h"
@@ -55,25 +53,6 @@ std::vector<Stop> stopsUnder(std::initializer_list<const char*> managers) {
         }
     }
     return stops;
-}
-
-/// The process that this one started, by its name; nothing while there is none.
-std::optional<pid_t> childNamed(pid_t parent, const std::string& name) {
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        std::ifstream file(entry.path() / "stat");
-        std::string line;
-        if (!std::getline(file, line)) {
-            continue;
-        }
-        std::istringstream rest(line.substr(line.rfind(')') + 1));
-        char state = 0;
-        pid_t itsParent = 0;
-        rest >> state >> itsParent;
-        if (itsParent == parent && line.find('(' + name + ')') != std::string::npos) {
-            return std::stoi(entry.path().filename());
-        }
-    }
-    return std::nullopt;
 }
 
 class StoppedProgramTest : public DeskTest<testing::TestWithParam<Stop>> {
@@ -160,8 +139,7 @@ protected:
     KeyboardGuardTest() : DeskTest("openbox") {}
 
     [[nodiscard]] std::optional<pid_t> guard() const {
-        // The kernel keeps 15 letters of a name.
-        return childNamed(program->process().pid(), "ferrowyn-keyboa");
+        return childNamed(program->process().pid(), "ferrowyn-keyboard-guard");
     }
 };
 
@@ -174,6 +152,8 @@ TEST_F(KeyboardGuardTest, WithoutItsGuardTheProgramSwitchesButHoldsNoKeysBack) {
     use(window(2));
     input.chord({key::leftAlt, key::tab});
     expectSwitchTo(window(1));
+    // The panel goes a moment before the keyboard is given back.
+    ASSERT_TRUE(desktop.waitForUntouchedKeyboard());
     program->process().signal(SIGSTOP);
     input.chord({key::leftAlt, key::tab});
     input.tap(key::q);

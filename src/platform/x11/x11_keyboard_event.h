@@ -34,6 +34,8 @@ struct X11KeyboardEvent {
     std::uint16_t deviceId = 0;
     std::uint32_t keyCode = 0;
     std::uint32_t time = 0;
+    /// The latest request of the tap that the server had handled by then. Press and release only.
+    std::uint32_t sequence = 0;
     std::uint32_t rootX = 0;
     std::uint32_t rootY = 0;
     /// For `modifiersChanged`, after the change.

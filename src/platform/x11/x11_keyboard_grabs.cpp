@@ -29,6 +29,11 @@ std::vector<std::uint32_t> without(const std::vector<std::uint32_t>& list, const
     return rest;
 }
 
+/// Of two numbers of requests, which wrap around.
+bool isBefore(std::uint32_t sequence, std::uint32_t other) {
+    return static_cast<std::int32_t>(sequence - other) < 0;
+}
+
 }  // namespace
 
 void X11KeyboardGrabs::setKeys(std::vector<std::uint32_t> keyCodes, std::vector<std::uint32_t> modifiers) {
@@ -102,6 +107,11 @@ void X11KeyboardGrabs::install() {
             requests.emplace_back(target, requestGrab(target, missing));
         }
     }
+    // The grabs of the other way are gone by the first of these requests.
+    const bool isChange = wayChanges_.empty() || wayChanges_.back().holdsKeysBack != holdsKeysBack();
+    if (isChange && !requests.empty()) {
+        wayChanges_.push_back({requests.front().second.sequence, holdsKeysBack()});
+    }
     bool isGranted = true;
     for (const auto& [target, cookie] : requests) {
         isGranted = readAnswer(target, cookie) && isGranted;
@@ -110,6 +120,13 @@ void X11KeyboardGrabs::install() {
         isRefusedOnAllDevices_ = true;
         install();
     }
+}
+
+bool X11KeyboardGrabs::heldKeysBackAt(std::uint32_t sequence) {
+    while (wayChanges_.size() > 1 && !isBefore(sequence, wayChanges_[1].sequence)) {
+        wayChanges_.pop_front();
+    }
+    return !wayChanges_.empty() && wayChanges_.front().holdsKeysBack;
 }
 
 void X11KeyboardGrabs::remove() {

@@ -4,6 +4,7 @@
 #include <xcb/xinput.h>
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <set>
 #include <vector>
@@ -29,11 +30,14 @@ public:
 
     /// Whether the server may hold keys back. Takes effect with the next `install`.
     void setHoldsKeysBack(bool isAllowed) { mayHoldKeysBack_ = isAllowed; }
-    /// Whether it does: the grabs are of the first way.
+    /// Whether the next `install` grabs in the first way.
     /// Several people at one screen, each with a keyboard, do without: the guard watches one.
     [[nodiscard]] bool holdsKeysBack() const {
         return mayHoldKeysBack_ && !isRefusedOnAllDevices_ && masterKeyboards_.size() == 1;
     }
+    /// Whether the grabs were of the first way when the server had handled the request with this number: an event may
+    /// be read after the way has changed. Called with the numbers of events in their order.
+    [[nodiscard]] bool heldKeysBackAt(std::uint32_t sequence);
     /// What is to be grabbed. Takes effect with the next `install`.
     void setKeys(std::vector<std::uint32_t> keyCodes, std::vector<std::uint32_t> modifiers);
     /// Reads which keyboards there are. Waits for the server.
@@ -66,6 +70,12 @@ private:
         friend auto operator<=>(const Target&, const Target&) = default;
     };
 
+    /// The grabs are of this way from a request on.
+    struct WayChange {
+        std::uint32_t sequence = 0;
+        bool holdsKeysBack = false;
+    };
+
     void ungrab(const Target& target, const std::vector<std::uint32_t>& modifiers);
     [[nodiscard]] xcb_input_xi_passive_grab_device_cookie_t requestGrab(
         const Target& target, const std::vector<std::uint32_t>& modifiers) const;
@@ -85,6 +95,8 @@ private:
     /// Master of each slave keyboard.
     std::map<xcb_input_device_id_t, xcb_input_device_id_t> masters_;
     xcb_input_device_id_t mainMaster_ = 3;
+    /// In order; the first is that of the events which are still to come.
+    std::deque<WayChange> wayChanges_;
     /// With the modifiers it was grabbed with, in order.
     std::map<Target, std::vector<std::uint32_t>> installed_;
 };

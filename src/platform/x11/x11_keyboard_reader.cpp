@@ -30,6 +30,7 @@ X11KeyboardEvent keyEvent(const xcb_input_key_press_event_t& key) {
     event.deviceId = key.deviceid;
     event.keyCode = key.detail;
     event.time = key.time;
+    event.sequence = key.full_sequence;
     event.rootX = pixel(key.root_x);
     event.rootY = pixel(key.root_y);
     event.modifiers = {key.mods.base,  key.mods.latched,  key.mods.locked, key.mods.effective,

@@ -61,9 +61,9 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     const auto master = slave ? grabs_.masterOf(*slave) : grabs_.mainMaster();
     const auto grab = requestGrab(master);
     grabs_.remove();
-    freedSlave_ = slave;
-    if (slave) {
-        freeSlave(*slave);
+    freedSlave_.reset();
+    if (slave && freeSlave(*slave)) {
+        freedSlave_ = slave;
     }
     // A trigger at another keyboard, or one that came before a session was opened from the menu, waits in the queue.
     freeGrabbedSlaves();
@@ -112,19 +112,21 @@ void X11KeyboardSeizure::giveBack() {
 }
 
 void X11KeyboardSeizure::freeGrabbedSlaves() {
-    for (const auto slave : std::exchange(grabbedSlaves_, {})) {
-        freeSlave(slave);
+    while (!grabbedSlaves_.empty()) {
+        freeSlave(grabbedSlaves_.begin()->first);
     }
 }
 
-void X11KeyboardSeizure::freeSlave(xcb_input_device_id_t slave) {
-    grabbedSlaves_.erase(slave);
-    if (grabs_.holdsKeysBack()) {
+bool X11KeyboardSeizure::freeSlave(xcb_input_device_id_t slave) {
+    const auto grabbed = grabbedSlaves_.extract(slave);
+    const bool isHeldBack = !grabbed.empty() && grabbed.mapped();
+    if (isHeldBack) {
         // The server would play what it held back to the slave alone, and nobody listens there: the master misses it in
         // any case. A grab of the slave lets all of it come here.
         xcb_discard_reply(connection_.get(), requestGrab(slave).sequence);
     }
     xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, slave);
+    return isHeldBack;
 }
 
 void X11KeyboardSeizure::noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode) {

@@ -6,8 +6,8 @@
 #include <bitset>
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace ferrowyn {
@@ -53,14 +53,15 @@ public:
     [[nodiscard]] std::optional<State> take(std::optional<xcb_input_device_id_t> slave);
     /// The caller puts the passive grabs back first, so that no press falls between. Only sent.
     void giveBack();
-    /// Frees a slave that its passive grab still holds; what the server held back of its keys comes before this
-    /// connection's next answer. Only sent.
-    void freeSlave(xcb_input_device_id_t slave);
-    /// A press came from this slave, which its passive grab holds from then on until the slave is freed.
-    void noteGrabbedSlave(xcb_input_device_id_t slave) { grabbedSlaves_.insert(slave); }
+    /// Frees a slave that its passive grab still holds. Returns whether the server held back what it typed, which comes
+    /// before this connection's next answer. Only sent.
+    bool freeSlave(xcb_input_device_id_t slave);
+    /// A press came from this slave, which its passive grab holds from then on until the slave is freed. `isHeldBack`:
+    /// the server holds back what it types, as `X11KeyboardGrabs::heldKeysBackAt` says of the press.
+    void noteGrabbedSlave(xcb_input_device_id_t slave, bool isHeldBack) { grabbedSlaves_[slave] = isHeldBack; }
     /// Frees every slave that was noted and not freed since: their presses are queued or dropped. Only sent.
     void freeGrabbedSlaves();
-    /// Whether the latest `take` freed this slave, and what was held back of its keys may still be on its way here.
+    /// Whether what the server held back of this slave's keys, until the latest `take`, may still be on its way here.
     [[nodiscard]] bool hasFreed(xcb_input_device_id_t slave) const { return freedSlave_ == slave; }
     /// All that came before the answer to `take` has been read.
     void noteAllRead() { freedSlave_.reset(); }
@@ -95,7 +96,8 @@ private:
     xcb_atom_t activeWindowProperty_ = XCB_ATOM_NONE;
     std::optional<xcb_input_device_id_t> master_;
     std::optional<xcb_input_device_id_t> freedSlave_;
-    std::set<xcb_input_device_id_t> grabbedSlaves_;
+    /// Of each slave that its passive grab holds, whether the server holds back what it types.
+    std::map<xcb_input_device_id_t, bool> grabbedSlaves_;
     std::vector<Release> missedReleases_;
 };
 

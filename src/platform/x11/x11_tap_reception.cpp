@@ -41,7 +41,7 @@ void X11TapReception::receiveAtSlave(const X11KeyboardEvent& event) {
         seizure_.noteMissedRelease(event.deviceId, event.keyCode);
         receiveMissedModifier(event);
     } else if (event.kind == Kind::press && !event.wasHeldBack) {
-        seizure_.noteGrabbedSlave(event.deviceId);
+        seizure_.noteGrabbedSlave(event.deviceId, keyboard_.grabs().heldKeysBackAt(event.sequence));
         if (seizure_.isHeld()) {
             // A trigger at another keyboard, or one that came before the passive grabs were gone.
             seizure_.freeSlave(event.deviceId);
@@ -50,7 +50,7 @@ void X11TapReception::receiveAtSlave(const X11KeyboardEvent& event) {
 }
 
 bool X11TapReception::wasHeldBack(const X11KeyboardEvent& event) const {
-    return keyboard_.grabs().holdsKeysBack() && keyboard_.isAtSlave(event) && seizure_.hasFreed(event.deviceId);
+    return keyboard_.isAtSlave(event) && seizure_.hasFreed(event.deviceId);
 }
 
 void X11TapReception::receiveMissedModifier(const X11KeyboardEvent& release) {

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 extern "C" {
@@ -164,6 +165,26 @@ std::optional<int> ChildProcess::waitForExit(milliseconds budget) {
     }
     readAvailable();
     return status_;
+}
+
+std::optional<pid_t> childNamed(pid_t parent, const std::string& name) {
+    constexpr std::size_t lettersThatTheKernelKeeps = 15;
+    const auto kernelName = '(' + name.substr(0, lettersThatTheKernelKeeps) + ')';
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream file(entry.path() / "stat");
+        std::string line;
+        if (!std::getline(file, line)) {
+            continue;
+        }
+        std::istringstream rest(line.substr(line.rfind(')') + 1));
+        char state = 0;
+        pid_t itsParent = 0;
+        rest >> state >> itsParent;
+        if (itsParent == parent && line.find(kernelName) != std::string::npos) {
+            return std::stoi(entry.path().filename());
+        }
+    }
+    return std::nullopt;
 }
 
 TemporaryFolder::TemporaryFolder() {

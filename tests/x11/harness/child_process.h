@@ -56,6 +56,9 @@ private:
     std::optional<int> status_;
 };
 
+/// The process of that name which `parent` started; nothing while there is none.
+[[nodiscard]] std::optional<pid_t> childNamed(pid_t parent, const std::string& name);
+
 /// A folder that goes away with this object.
 class TemporaryFolder {
 public:
