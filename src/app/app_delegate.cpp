@@ -11,7 +11,7 @@
 #include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "platform/workspace.h"
-#include "ui/status_item_controller.h"
+#include "ui/menu/status_item_controller.h"
 
 namespace ferrowyn {
 

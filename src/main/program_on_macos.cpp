@@ -20,9 +20,9 @@
 #include "platform/qt/curl_http_client.h"
 #include "platform/qt/qt_hosted_widget.h"
 #include "platform/qt/qt_main_loop.h"
-#include "ui/system_looks_in_use.h"
-#include "ui/translations.h"
-#include "ui/visual_effect_background.h"
+#include "ui/common/desktop_looks.h"
+#include "ui/common/translation.h"
+#include "ui/panel/visual_effect_background.h"
 
 namespace ferrowyn {
 

@@ -29,11 +29,10 @@
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_platform.h"
 #include "platform/x11/x11_wayland_session.h"
-#include "ui/desktop_palette.h"
-#include "ui/popup_status_item.h"
-#include "ui/translations.h"
-#include "ui/tray_symbol.h"
-#include "ui/window_icon.h"
+#include "ui/common/desktop_looks.h"
+#include "ui/common/translation.h"
+#include "ui/menu/popup_status_item.h"
+#include "ui/windows/about_view.h"
 
 namespace ferrowyn {
 

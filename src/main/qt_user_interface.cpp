@@ -5,13 +5,12 @@
 #include "app/app_services.h"
 #include "core/texts.h"
 #include "platform/platform.h"
-#include "ui/about_view.h"
-#include "ui/onboarding_view.h"
-#include "ui/progress_view.h"
-#include "ui/settings_view.h"
-#include "ui/switcher_content.h"
-#include "ui/translated.h"
-#include "ui/utility_window_controller.h"
+#include "ui/common/translation.h"
+#include "ui/panel/switcher_view.h"
+#include "ui/windows/about_view.h"
+#include "ui/windows/onboarding_view.h"
+#include "ui/windows/settings_view.h"
+#include "ui/windows/utility_window.h"
 
 namespace ferrowyn {
 

@@ -1,4 +1,4 @@
-#include "ui/about_view.h"
+#include "ui/windows/about_view.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,6 @@
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
-#include "ui/about_content.h"
-#include "ui/about_lines.h"
 
 namespace ferrowyn {
 namespace {

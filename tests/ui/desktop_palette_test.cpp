@@ -1,13 +1,13 @@
-#include "ui/desktop_palette.h"
+#include "ui/common/desktop_looks.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QToolTip>
 
-#include "ui/contrast.h"
-#include "ui/theme.h"
-#include "ui/window_theme.h"
+#include "ui/common/colors.h"
+#include "ui/common/theme.h"
+#include "ui/windows/window_theme.h"
 
 namespace ferrowyn {
 namespace {

@@ -1,8 +1,7 @@
-#include "ui/favourites_pane.h"
+#include "ui/windows/favourites_pane.h"
 
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/favourite_row.h"
-#include "ui/window_button.h"
+#include "ui/windows/buttons.h"
 
 namespace ferrowyn {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/menu_header_view.h"
+#include "ui/menu/menu_row_views.h"
 
 #include "tests/ui/status_menu_fixture.h"
 

@@ -1,4 +1,4 @@
-#include "ui/menu_placement.h"
+#include "ui/menu/menu_geometry.h"
 
 #include <gtest/gtest.h>
 

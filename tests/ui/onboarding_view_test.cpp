@@ -1,4 +1,4 @@
-#include "ui/onboarding_view.h"
+#include "ui/windows/onboarding_view.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -6,7 +6,7 @@
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
-#include "ui/utility_window.h"
+#include "ui/windows/utility_window.h"
 
 namespace ferrowyn {
 namespace {

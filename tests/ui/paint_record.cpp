@@ -13,7 +13,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "ui/resources.h"
+#include "ui/common/images.h"
 
 namespace ferrowyn::test {
 

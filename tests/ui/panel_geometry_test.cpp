@@ -1,4 +1,4 @@
-#include "ui/panel_geometry.h"
+#include "ui/panel/panel_geometry.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 
 #include "platform/qt/qt_icons.h"
 #include "tests/ui/paint_record.h"
-#include "ui/paint_context.h"
+#include "ui/common/paint_context.h"
 
 namespace ferrowyn::test {
 

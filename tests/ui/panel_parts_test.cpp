@@ -1,18 +1,12 @@
 #include <cmath>
 
 #include "tests/ui/panel_parts_fixture.h"
-#include "ui/app_icon_view.h"
-#include "ui/badge_view.h"
-#include "ui/caret.h"
-#include "ui/empty_state_view.h"
-#include "ui/favourite_button.h"
-#include "ui/footer_view.h"
-#include "ui/group_header_view.h"
-#include "ui/key_cap_view.h"
-#include "ui/permission_state_view.h"
-#include "ui/search_line_view.h"
-#include "ui/selection_background.h"
-#include "ui/visual_effect_background.h"
+#include "ui/panel/footer_view.h"
+#include "ui/panel/panel_messages.h"
+#include "ui/panel/row_parts.h"
+#include "ui/panel/row_views.h"
+#include "ui/panel/search_line_view.h"
+#include "ui/panel/visual_effect_background.h"
 
 namespace ferrowyn {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "tests/ui/panel_model.h"
-#include "ui/switcher_view.h"
+#include "ui/panel/switcher_view.h"
 
 // The whole panel, compared with the pictures beside this file. scripts/renew_pictures.sh draws them anew.
 namespace ferrowyn {

@@ -2,8 +2,7 @@
 
 #include "tests/ui/panel_model.h"
 #include "tests/ui/panel_parts_fixture.h"
-#include "ui/window_card_view.h"
-#include "ui/window_row_view.h"
+#include "ui/panel/row_views.h"
 
 namespace ferrowyn {
 namespace {

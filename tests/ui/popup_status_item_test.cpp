@@ -1,4 +1,4 @@
-#include "ui/popup_status_item.h"
+#include "ui/menu/popup_status_item.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "tests/ui/status_menu_model.h"
-#include "ui/tray_symbol.h"
 
 namespace ferrowyn {
 namespace {

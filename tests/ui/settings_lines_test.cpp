@@ -1,8 +1,6 @@
-#include "ui/settings_lines.h"
+#include "ui/windows/settings_model.h"
 
 #include <gtest/gtest.h>
-
-#include "ui/key_lines.h"
 
 namespace ferrowyn {
 namespace {

@@ -12,8 +12,8 @@
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
-#include "ui/settings_view.h"
-#include "ui/switch_row.h"
+#include "ui/windows/buttons.h"
+#include "ui/windows/settings_view.h"
 
 namespace ferrowyn::test {
 

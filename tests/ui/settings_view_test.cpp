@@ -1,15 +1,14 @@
-#include "ui/settings_view.h"
+#include "ui/windows/settings_view.h"
 
 #include <QMouseEvent>
 #include <QWheelEvent>
 
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/choice_box.h"
-#include "ui/segment_button.h"
-#include "ui/settings_sidebar.h"
-#include "ui/stepper.h"
-#include "ui/text_label.h"
+#include "ui/windows/buttons.h"
+#include "ui/windows/choice_box.h"
+#include "ui/windows/labels.h"
+#include "ui/windows/stepper.h"
 
 namespace ferrowyn {
 namespace {

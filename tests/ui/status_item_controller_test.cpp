@@ -1,4 +1,4 @@
-#include "ui/status_item_controller.h"
+#include "ui/menu/status_item_controller.h"
 
 #include <optional>
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "tests/ui/status_menu_model.h"
-#include "ui/status_menu_popup.h"
+#include "ui/menu/status_menu_popup.h"
 
 namespace ferrowyn::test {
 

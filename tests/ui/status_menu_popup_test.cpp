@@ -6,8 +6,8 @@
 #include <QWheelEvent>
 
 #include "tests/ui/status_menu_fixture.h"
-#include "ui/contrast.h"
-#include "ui/menu_row_view.h"
+#include "ui/common/colors.h"
+#include "ui/menu/menu_row_views.h"
 
 namespace ferrowyn {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/ui/panel_model.h"
-#include "ui/switcher_view.h"
+#include "ui/panel/switcher_view.h"
 
 namespace ferrowyn::test {
 

@@ -2,9 +2,8 @@
 
 #include <QFontMetricsF>
 
-#include "ui/display_text.h"
-#include "ui/text_line.h"
-#include "ui/text_lines.h"
+#include "ui/common/display_text.h"
+#include "ui/common/text_line.h"
 
 namespace ferrowyn {
 namespace {

@@ -1,14 +1,14 @@
-#include "ui/theme.h"
+#include "ui/common/theme.h"
 
 #include <gtest/gtest.h>
 
 #include <QImage>
 #include <QPainter>
 
-#include "ui/contrast.h"
-#include "ui/symbol_images.h"
-#include "ui/system_looks_in_use.h"
-#include "ui/window_theme.h"
+#include "ui/common/colors.h"
+#include "ui/common/desktop_looks.h"
+#include "ui/common/images.h"
+#include "ui/windows/window_theme.h"
 
 namespace ferrowyn {
 namespace {

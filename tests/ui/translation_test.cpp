@@ -12,10 +12,9 @@
 #include "tests/ui/settings_view_fixture.h"
 #include "tests/ui/widget_search.h"
 #include "tests/ui/windows_model.h"
-#include "ui/about_view.h"
-#include "ui/onboarding_view.h"
-#include "ui/translated.h"
-#include "ui/translations.h"
+#include "ui/common/translation.h"
+#include "ui/windows/about_view.h"
+#include "ui/windows/onboarding_view.h"
 
 namespace ferrowyn {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/utility_window_controller.h"
+#include "ui/windows/utility_window.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,7 +12,6 @@
 #include <cstdlib>
 
 #include "platform/simulated/simulated_system.h"
-#include "ui/progress_view.h"
 
 namespace ferrowyn {
 namespace {

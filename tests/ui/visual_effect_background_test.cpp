@@ -1,11 +1,11 @@
-#include "ui/visual_effect_background.h"
+#include "ui/panel/visual_effect_background.h"
 
 #include <gtest/gtest.h>
 
 #include <QImage>
 #include <QPainter>
 
-#include "ui/paint_context.h"
+#include "ui/common/paint_context.h"
 
 namespace ferrowyn {
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/key_cap_label.h"
+#include "ui/windows/labels.h"
 
 namespace ferrowyn::test {
 

@@ -3,16 +3,16 @@
 #include <QTranslator>
 
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/choice_box.h"
-#include "ui/favourite_row.h"
-#include "ui/fitting_scroll_area.h"
-#include "ui/flow_layout.h"
-#include "ui/onboarding_view.h"
-#include "ui/settings_pane_view.h"
-#include "ui/settings_sidebar.h"
-#include "ui/text_label.h"
-#include "ui/utility_window.h"
-#include "ui/window_button.h"
+#include "ui/windows/buttons.h"
+#include "ui/windows/choice_box.h"
+#include "ui/windows/favourites_pane.h"
+#include "ui/windows/flow_layout.h"
+#include "ui/windows/labels.h"
+#include "ui/windows/onboarding_view.h"
+#include "ui/windows/scroll_areas.h"
+#include "ui/windows/settings_form.h"
+#include "ui/windows/settings_view.h"
+#include "ui/windows/utility_window.h"
 
 namespace ferrowyn {
 namespace {

@@ -5,12 +5,11 @@
 
 #include "tests/ui/panel_parts_fixture.h"
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/menu_colors.h"
-#include "ui/menu_row_view.h"
-#include "ui/resources.h"
-#include "ui/settings_group.h"
-#include "ui/stepper.h"
-#include "ui/window_theme.h"
+#include "ui/common/images.h"
+#include "ui/menu/menu_row_views.h"
+#include "ui/windows/settings_form.h"
+#include "ui/windows/stepper.h"
+#include "ui/windows/window_theme.h"
 
 // What the menu and the windows beside the panel paint.
 namespace ferrowyn {

@@ -1,4 +1,4 @@
-#include "ui/window_theme.h"
+#include "ui/windows/window_theme.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 #include <QVBoxLayout>
 #include <vector>
 
-#include "ui/choice_box.h"
-#include "ui/contrast.h"
-#include "ui/text_label.h"
+#include "ui/common/colors.h"
+#include "ui/windows/choice_box.h"
+#include "ui/windows/labels.h"
 
 namespace ferrowyn {
 namespace {

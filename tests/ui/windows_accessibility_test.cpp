@@ -4,11 +4,11 @@
 
 #include "platform/main_loop.h"
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/about_view.h"
-#include "ui/choice_box.h"
-#include "ui/onboarding_view.h"
-#include "ui/settings_sidebar.h"
-#include "ui/utility_window.h"
+#include "ui/windows/about_view.h"
+#include "ui/windows/choice_box.h"
+#include "ui/windows/onboarding_view.h"
+#include "ui/windows/settings_view.h"
+#include "ui/windows/utility_window.h"
 
 namespace ferrowyn {
 namespace {

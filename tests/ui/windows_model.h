@@ -14,7 +14,7 @@
 #include "services/preferences.h"
 #include "services/update_checker.h"
 #include "tests/ui/panel_model.h"
-#include "ui/settings_services.h"
+#include "ui/windows/settings_model.h"
 
 namespace ferrowyn::test {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "tests/x11/harness/tray_icon.h"
-#include "ui/menu_geometry.h"
+#include "ui/menu/menu_geometry.h"
 
 namespace ferrowyn::x11test {
 

@@ -5,7 +5,7 @@
 
 #include "tests/x11/scripted_tray.h"
 #include "tests/x11/tray_fixture.h"
-#include "ui/tray_symbol.h"
+#include "ui/menu/popup_status_item.h"
 
 namespace ferrowyn::x11test {
 namespace {

@@ -20,7 +20,7 @@
 #include "tests/x11/harness/toolkit_wait.h"
 #include "tests/x11/harness/tray_host_process.h"
 #include "tests/x11/harness/window_manager_process.h"
-#include "ui/popup_status_item.h"
+#include "ui/menu/popup_status_item.h"
 
 namespace ferrowyn::x11test {
 

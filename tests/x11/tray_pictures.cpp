@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "tests/x11/tray_fixture.h"
-#include "ui/tray_symbol.h"
+#include "ui/menu/popup_status_item.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include "tests/ui/gallery/sheets.h"
 #include "tests/ui/gallery/window_pictures.h"
 #include "tests/ui/panel_model.h"
-#include "ui/switcher_view.h"
+#include "ui/panel/switcher_view.h"
 
 namespace {
 

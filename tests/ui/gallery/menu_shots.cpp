@@ -11,8 +11,8 @@
 #include <string>
 
 #include "tests/ui/status_menu_model.h"
-#include "ui/status_menu_popup.h"
-#include "ui/tray_symbol.h"
+#include "ui/menu/popup_status_item.h"
+#include "ui/menu/status_menu_popup.h"
 
 namespace ferrowyn::gallery {
 

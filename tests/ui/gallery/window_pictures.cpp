@@ -13,10 +13,10 @@
 
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/windows_model.h"
-#include "ui/about_view.h"
-#include "ui/onboarding_view.h"
-#include "ui/settings_view.h"
-#include "ui/utility_window.h"
+#include "ui/windows/about_view.h"
+#include "ui/windows/onboarding_view.h"
+#include "ui/windows/settings_view.h"
+#include "ui/windows/utility_window.h"
 
 namespace ferrowyn::test {
 

@@ -1,0 +1,79 @@
+#include "ui/common/desktop_looks.h"
+
+#include <QApplication>
+#include <QColor>
+#include <QStyle>
+#include <QToolTip>
+#include <QWidget>
+
+namespace ferrowyn {
+
+namespace {
+
+bool isDark(const QPalette& palette) {
+    constexpr int middleLightness = 128;
+    return palette.color(QPalette::Window).lightness() < middleLightness;
+}
+
+/// Of Qt's own making, with every shade and the disabled state derived from the ground.
+QPalette paletteOf(ColorScheme scheme) {
+    if (scheme == ColorScheme::light) {
+        return {QColor(0xF0, 0xF0, 0xF0), QColor(0xF4, 0xF4, 0xF4)};
+    }
+    QPalette palette(QColor(0x3A, 0x3A, 0x3F), QColor(0x2A, 0x2A, 0x2E));
+    palette.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x22));
+    palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x26, 0x2A));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x3A, 0x3A, 0x3F));
+    palette.setColor(QPalette::ToolTipText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x6F, 0xB1, 0xFF));
+    palette.setColor(QPalette::LinkVisited, QColor(0xCF, 0x9B, 0xFF));
+    return palette;
+}
+
+}  // namespace
+
+void DesktopPalette::apply(const DesktopAppearance& appearance) {
+    if (!hasChanged_) {
+        own_ = QApplication::palette();
+    }
+    const bool isOwnRight = !appearance.scheme || (*appearance.scheme == ColorScheme::dark) == isDark(own_);
+    QPalette palette;
+    if (!isOwnRight) {
+        palette = paletteOf(*appearance.scheme);
+    }
+    if (appearance.accent) {
+        palette.setColor(QPalette::Highlight,
+                         QColor(appearance.accent->red, appearance.accent->green, appearance.accent->blue));
+    }
+    // One that says nothing gives back the toolkit's own, which may have changed meanwhile.
+    hasChanged_ = !isOwnRight || appearance.accent.has_value();
+    QApplication::setPalette(palette);
+    QToolTip::setPalette(QApplication::palette());
+}
+
+namespace {
+
+const SystemLooks* looksInUse = nullptr;
+
+}  // namespace
+
+SystemLooksInUse::SystemLooksInUse(const SystemLooks& looks) {
+    looksInUse = &looks;
+}
+
+SystemLooksInUse::~SystemLooksInUse() {
+    looksInUse = nullptr;
+}
+
+const SystemLooks* SystemLooksInUse::current() {
+    return looksInUse;
+}
+
+bool prefersReducedMotion(const QWidget& widget) {
+    if (qEnvironmentVariableIntValue("FERROWYN_REDUCED_MOTION") != 0) {
+        return true;
+    }
+    return widget.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &widget) == 0;
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QRectF>
+
+#include "core/geometry.h"
+#include "core/texts.h"
+#include "ui/common/images.h"
+#include "ui/common/text_line.h"
+#include "ui/common/theme.h"
+
+namespace ferrowyn {
+
+/// What the parts of the panel paint with. The caches belong to the view and live as long as it does. Main thread.
+struct PaintContext {
+    const Theme& theme;
+    const TextTable& texts;
+    TextLines& lines;
+    SymbolImages& symbols;
+    IconImages& icons;
+    double devicePixelRatio = 1;
+    /// Of the language, for what stands at its lines' beginnings and ends.
+    bool isRightToLeft = false;
+};
+
+[[nodiscard]] inline QRectF toQt(const Rect& rect) {
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+[[nodiscard]] inline Rect fromQt(const QRectF& rect) {
+    return {rect.x(), rect.y(), rect.width(), rect.height()};
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,217 @@
+#include "ui/panel/row_views.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "core/window_presentation.h"
+#include "ui/panel/row_parts.h"
+
+namespace ferrowyn {
+
+namespace row_title {
+
+QString text(const AppWindow& window) {
+    QString title = display_text::singleLine(window.displayTitle());
+    return display_text::hasVisibleCharacters(title) ? title : display_text::singleLine(window.appName);
+}
+
+TextEmphasis emphasis(const SwitcherViewModel::Row& row, bool isSelected, const Theme& theme) {
+    if (row.highlightedTitleIndices.empty()) {
+        return {};
+    }
+    return {display_text::rangesOfCharacters(row.window->displayTitle(), row.highlightedTitleIndices),
+            isSelected ? theme.selectionText : theme.matchedCharacters, isSelected};
+}
+
+}  // namespace row_title
+
+void GroupHeaderView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    constexpr double inset = 12;
+    constexpr double iconSide = 16;
+    constexpr double gap = 7;
+    constexpr double countInset = 4;
+    constexpr double countRadius = 4;
+    const double scale = context.devicePixelRatio;
+    const Theme& theme = context.theme;
+
+    AppIconView{icon, iconSide, false}.paint(painter, {rect.x + inset, rect.y, iconSide, rect.height}, context);
+    const double nameLeft = rect.x + inset + iconSide + gap;
+
+    const QString countText = QString::fromStdString(WindowPresentation::groupCountText(count));
+    const double countWidth =
+        std::ceil(context.lines.line(countText, TextStyle::groupCount, rect.width).width()) + 2 * countInset;
+    const double room = rect.maxX() - inset - countWidth - gap - nameLeft;
+    const TextLine& name = context.lines.line(appName, TextStyle::groupName, std::max(room, 0.0));
+    const double nameWidth = name.width();
+    name.paint(painter, nameLeft, context.lines.centredBaseline(TextStyle::groupName, rect.y, rect.height, scale),
+               theme.textSecondary);
+
+    const auto metrics = context.lines.metrics(TextStyle::groupCount);
+    const double boxHeight = std::round(metrics.ascent + metrics.descent + 2);
+    const QRectF box(std::round((nameLeft + nameWidth + gap) * scale) / scale,
+                     std::round((rect.midY() - boxHeight / 2) * scale) / scale, countWidth, boxHeight);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme.countFill);
+    painter.drawRoundedRect(box, countRadius, countRadius);
+    const TextLine& number = context.lines.line(countText, TextStyle::groupCount, rect.width);
+    number.paint(painter, box.center().x() - number.width() / 2,
+                 context.lines.centredBaseline(TextStyle::groupCount, box.y(), box.height(), scale), theme.countText);
+}
+
+namespace {
+
+constexpr double inset = 12;
+constexpr double indentation = 12;
+constexpr double iconSide = 32;
+constexpr double gap = 12;
+constexpr double starPoints = 12.5;
+constexpr double starSide = SymbolImages::boxSide(starPoints);
+/// Ordinals stand in a column of their own, so that badges and stars of all rows line up.
+constexpr double ordinalColumn = KeyCapView::height;
+constexpr int ordinalsWithAKey = 9;
+
+/// Where the next part to the left of the ordinal ends.
+double ordinalLeft(const Rect& rect) {
+    return rect.maxX() - inset - ordinalColumn;
+}
+
+}  // namespace
+
+bool WindowRowView::showsOrdinal() const {
+    return ordinal >= 1 && ordinal <= ordinalsWithAKey;
+}
+
+std::optional<Rect> WindowRowView::favouriteButton(const Rect& rect) const {
+    if (!WindowPresentation::showsFavouriteButton(row.isFavourite, isSelected)) {
+        return std::nullopt;
+    }
+    return Rect{ordinalLeft(rect) - gap - starSide, rect.midY() - starSide / 2, starSide, starSide};
+}
+
+void WindowRowView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    SelectionBackground{isSelected}.paint(painter, rect, context);
+    const double left = rect.x + inset + (isIndented ? indentation : 0);
+    AppIconView{icon, iconSide, row.window->isMinimized}.paint(painter, {left, rect.y, iconSide, rect.height}, context);
+    const double textLeft = left + iconSide + gap;
+    const double textRight = paintTrailingParts(painter, rect, context);
+    paintText(painter, {textLeft, rect.y, std::max(textRight - textLeft, 0.0), rect.height}, context);
+}
+
+double WindowRowView::paintTrailingParts(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    double right = ordinalLeft(rect);
+    if (showsOrdinal()) {
+        const KeyCapView cap{QString::number(ordinal), isSelected};
+        const double width = cap.width(context);
+        right = std::min(right, rect.maxX() - inset - width);
+        cap.paint(painter, {rect.maxX() - inset - width, rect.y, width, rect.height}, context);
+    }
+    if (const auto star = favouriteButton(rect)) {
+        FavouriteButton{row.isFavourite, isSelected, starPoints, onToggleFavourite}.paint(painter, *star, context);
+        right = star->x;
+    }
+    if (const auto badge = WindowPresentation::badge(row.window, context.texts)) {
+        const BadgeView view{*badge, false, isSelected};
+        right -= gap + view.width(context);
+        view.paint(painter, {right, rect.y, view.width(context), rect.height}, context);
+    }
+    return right - gap;
+}
+
+void WindowRowView::paintText(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    constexpr double lineGap = 2;
+    const Theme& theme = context.theme;
+    const double scale = context.devicePixelRatio;
+    const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
+    const TextLine& title = context.lines.line(row_title::text(row.window), TextStyle::rowTitle, rect.width,
+                                               row_title::emphasis(row, isSelected, theme));
+    const QColor titleColor = isSelected ? theme.selectionText : theme.textPrimary;
+    if (!showsAppName) {
+        const double centred = context.lines.centredBaseline(TextStyle::rowTitle, rect.y, rect.height, scale);
+        title.paint(painter, rect.x, centred, titleColor);
+        return;
+    }
+    const auto titleMetrics = context.lines.metrics(TextStyle::rowTitle);
+    const auto nameMetrics = context.lines.metrics(TextStyle::rowAppName);
+    const double titleHeight = titleMetrics.ascent + titleMetrics.descent;
+    const double height = titleHeight + lineGap + nameMetrics.ascent + nameMetrics.descent;
+    const double top = rect.midY() - height / 2;
+    title.paint(painter, rect.x, snapped(top + titleMetrics.ascent), titleColor);
+    const TextLine& name =
+        context.lines.line(display_text::singleLine(row.window->appName), TextStyle::rowAppName, rect.width);
+    name.paint(painter, rect.x, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
+               isSelected ? theme.selectionTextSecondary : theme.textSecondary);
+}
+
+namespace {
+
+constexpr double inset = 8;
+constexpr double iconTop = 12;
+constexpr double iconSide = 40;
+constexpr double starPoints = 11;
+constexpr double starSide = SymbolImages::boxSide(starPoints);
+constexpr int ordinalsWithAKey = 9;
+
+}  // namespace
+
+std::optional<Rect> WindowCardView::favouriteButton(const Rect& rect) const {
+    if (!WindowPresentation::showsFavouriteButton(row.isFavourite, isSelected)) {
+        return std::nullopt;
+    }
+    return Rect{rect.maxX() - inset - starSide, rect.y + inset, starSide, starSide};
+}
+
+void WindowCardView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    SelectionBackground{isSelected}.paint(painter, rect, context);
+    const Rect iconRect{rect.midX() - iconSide / 2, rect.y + iconTop, iconSide, iconSide};
+    AppIconView{icon, iconSide, row.window->isMinimized}.paint(painter, iconRect, context);
+    paintCorners(painter, rect, context);
+    if (const auto badge = WindowPresentation::badge(row.window, context.texts)) {
+        const BadgeView view{*badge, true, isSelected};
+        const double width = view.width(context);
+        // Over the lower edge of the icon, and no further down than the title allows.
+        view.paint(painter, {rect.midX() - width / 2, iconRect.maxY() - view.height() + 4, width, view.height()},
+                   context);
+    }
+    paintText(painter, rect, context);
+}
+
+void WindowCardView::paintCorners(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    if (ordinal >= 1 && ordinal <= ordinalsWithAKey) {
+        const double baseline =
+            context.lines.centredBaseline(TextStyle::cardOrdinal, rect.y + inset, starSide, context.devicePixelRatio);
+        context.lines.line(QString::number(ordinal), TextStyle::cardOrdinal, rect.width)
+            .paint(painter, rect.x + inset, baseline,
+                   isSelected ? context.theme.selectionTextSecondary : context.theme.textSecondary);
+    }
+    if (const auto star = favouriteButton(rect)) {
+        FavouriteButton{row.isFavourite, isSelected, starPoints, onToggleFavourite}.paint(painter, *star, context);
+    }
+}
+
+void WindowCardView::paintText(QPainter& painter, const Rect& rect, const PaintContext& context) const {
+    constexpr double textTop = iconTop + iconSide + 4;
+    constexpr double bottomMargin = 6;
+    constexpr double lineGap = 1;
+    const Theme& theme = context.theme;
+    const double scale = context.devicePixelRatio;
+    const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
+    const double width = rect.width - 2 * inset;
+    const auto titleMetrics = context.lines.metrics(TextStyle::rowTitle);
+    const auto nameMetrics = context.lines.metrics(TextStyle::rowAppName);
+    const double titleHeight = titleMetrics.ascent + titleMetrics.descent;
+    const double height = titleHeight + lineGap + nameMetrics.ascent + nameMetrics.descent;
+    const double room = rect.height - textTop - bottomMargin;
+    const double top = rect.y + textTop + std::max((room - height) / 2, 0.0);
+
+    const TextLine& title = context.lines.line(row_title::text(row.window), TextStyle::rowTitle, width,
+                                               row_title::emphasis(row, isSelected, theme));
+    title.paint(painter, rect.midX() - title.width() / 2, snapped(top + titleMetrics.ascent),
+                isSelected ? theme.selectionText : theme.textPrimary);
+    const TextLine& name =
+        context.lines.line(display_text::singleLine(row.window->appName), TextStyle::rowAppName, width);
+    name.paint(painter, rect.midX() - name.width() / 2, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
+               isSelected ? theme.selectionTextSecondary : theme.textSecondary);
+}
+
+}  // namespace ferrowyn

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QComboBox>
+
+namespace ferrowyn {
+
+/// One of several texts, the others in a list that opens below it. Main thread.
+class ChoiceBox final : public QComboBox {
+    Q_OBJECT
+
+public:
+    ChoiceBox();
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void adopt();
+};
+
+/// Has assistive technology hear a `ChoiceBox` by its own name, with the chosen text as its value: the toolkit's answer
+/// names it after what is chosen. Main thread, before the first one is asked for its interface.
+void installChoiceBoxAccessibility();
+
+}  // namespace ferrowyn

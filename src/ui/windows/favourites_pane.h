@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+#include "ui/common/images.h"
+#include "ui/windows/settings_form.h"
+#include "ui/windows/settings_model.h"
+
+namespace ferrowyn {
+
+struct WindowTexts;
+class IconImage;
+class WindowButton;
+
+/// A pinned application: its icon, name and star, and a button that removes it. Main thread.
+class FavouriteRow final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Loading may be slow: it is asked for once, when the row comes into sight.
+    using IconLoader = std::function<std::shared_ptr<const IconImage>()>;
+
+    FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts);
+
+    [[nodiscard]] WindowButton& removeButton() { return *remove_; }
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    /// As they are when lines run from left to right.
+    [[nodiscard]] QRectF nameRect() const;
+    [[nodiscard]] QRectF starRect() const;
+
+    QString name_;
+    IconLoader loadIcon_;
+    std::shared_ptr<const IconImage> icon_;
+    WindowButton* remove_ = nullptr;
+    IconImages icons_;
+    SymbolImages symbols_;
+};
+
+/// The pinned applications. Main thread. The platform and the services outlive it.
+class FavouritesPane final : public SettingsPaneView {
+    Q_OBJECT
+
+public:
+    FavouritesPane(const Platform& platform, const SettingsServices& services);
+
+private:
+    void addOrdering();
+    void addPinnedApps();
+    void showFavourites(const std::vector<std::string>& identifiers);
+    [[nodiscard]] std::shared_ptr<const IconImage> icon(const std::string& identifier, const std::string& name) const;
+
+    Platform platform_;
+    SettingsServices services_;
+    SettingsGroup* pinned_ = nullptr;
+    QWidget* nothingPinned_ = nullptr;
+    WindowButton* removeAll_ = nullptr;
+    std::vector<FavouriteRow*> rows_;
+};
+
+}  // namespace ferrowyn

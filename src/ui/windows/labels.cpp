@@ -1,0 +1,129 @@
+#include "ui/windows/labels.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/common/translation.h"
+#include "ui/windows/window_theme.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr int behindSymbol = 9;
+
+}  // namespace
+
+TextLabel::TextLabel(TextStyle style, Tone tone, QWidget* parent) : QLabel(parent), style_(style), tone_(tone) {
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    adopt();
+}
+
+TextLabel::TextLabel(const Phrase& text, TextStyle style, Tone tone) : TextLabel(style, tone) {
+    setPhrase(text);
+}
+
+TextLabel* TextLabel::centred(const Phrase& text, TextStyle style, Tone tone) {
+    auto* const label = new TextLabel(text, style, tone);
+    label->setAlignment(Qt::AlignHCenter);
+    return label;
+}
+
+void TextLabel::setPhrase(const Phrase& text) {
+    setText(translated(text));
+}
+
+void TextLabel::setSymbol(std::string_view name, Tone tone, double points) {
+    symbol_ = name;
+    symbolTone_ = tone;
+    symbolPoints_ = points;
+    QMargins margins = contentsMargins();
+    const int room = name.empty() ? 0 : static_cast<int>(std::ceil(SymbolImages::boxSide(points))) + behindSymbol;
+    margins.setLeft(isRightToLeft() ? 0 : room);
+    margins.setRight(isRightToLeft() ? room : 0);
+    setContentsMargins(margins);
+    update();
+}
+
+bool TextLabel::event(QEvent* event) {
+    // Of the application's palette only windows are told; what stands in one hears of the colours that it takes from
+    // it.
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange ||
+        event->type() == QEvent::ApplicationFontChange) {
+        const bool isHandled = QLabel::event(event);
+        adopt();
+        return isHandled;
+    }
+    return QLabel::event(event);
+}
+
+void TextLabel::adopt() {
+    setFont(fontFor(style_));
+    QPalette own;
+    own.setColor(QPalette::WindowText, WindowTheme::current().color(tone_));
+    setPalette(own);
+}
+
+void TextLabel::paintEvent(QPaintEvent* event) {
+    QLabel::paintEvent(event);
+    if (symbol_.empty()) {
+        return;
+    }
+    QPainter painter(this);
+    // Beside the first line of a text that stands in the middle of its place.
+    const QRectF room = contentsRect();
+    const double textHeight =
+        fontMetrics().boundingRect(contentsRect(), Qt::TextWordWrap | Qt::AlignLeft, text()).height();
+    const double middle = room.center().y() - textHeight / 2 + fontMetrics().height() / 2.0;
+    const double side = SymbolImages::boxSide(symbolPoints_);
+    const QRectF place = control_painting::mirrored(*this, QRectF(0, middle - side / 2, side, side));
+    symbols_.paint(painter, symbol_, place.center().x(), place.center().y(), symbolPoints_,
+                   WindowTheme::current().color(symbolTone_));
+}
+
+namespace {
+
+constexpr int controlHeight = 22;
+constexpr int padding = 8;
+constexpr int aroundText = 4;
+constexpr double cornerRadius = 5;
+
+}  // namespace
+
+KeyCapLabel::KeyCapLabel() {
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setFont(fontFor(TextStyle::button));
+}
+
+QSize KeyCapLabel::sizeHint() const {
+    const int high = std::max(controlHeight, fontMetrics().height() + aroundText);
+    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * padding, high), high};
+}
+
+bool KeyCapLabel::event(QEvent* event) {
+    const bool isHandled = QLabel::event(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        setFont(fontFor(TextStyle::button));
+        updateGeometry();
+    }
+    return isHandled;
+}
+
+void KeyCapLabel::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const WindowTheme theme = WindowTheme::current();
+    control_painting::paintBox(painter, rect(), cornerRadius, theme.keyCapFill, theme.keyCapEdge);
+    painter.setFont(font());
+    painter.setPen(theme.textSecondary);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+}
+
+}  // namespace ferrowyn

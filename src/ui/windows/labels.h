@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QLabel>
+#include <string>
+#include <string_view>
+
+#include "core/texts.h"
+#include "ui/common/images.h"
+#include "ui/common/text_line.h"
+#include "ui/windows/window_theme.h"
+
+namespace ferrowyn {
+
+/// A text of the windows, on as many lines as it needs, with a symbol before it where one is set. It follows the
+/// desktop's colours and fonts. Main thread.
+class TextLabel final : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit TextLabel(TextStyle style, Tone tone = Tone::primary, QWidget* parent = nullptr);
+    TextLabel(const Phrase& text, TextStyle style, Tone tone = Tone::primary);
+    /// For whoever takes it in: it has no parent yet.
+    [[nodiscard]] static TextLabel* centred(const Phrase& text, TextStyle style, Tone tone);
+
+    void setPhrase(const Phrase& text);
+    /// An empty name shows none.
+    void setSymbol(std::string_view name, Tone tone, double points = 13);
+    [[nodiscard]] const std::string& symbol() const { return symbol_; }
+    [[nodiscard]] Tone symbolTone() const { return symbolTone_; }
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void adopt();
+
+    TextStyle style_;
+    Tone tone_;
+    std::string symbol_;
+    Tone symbolTone_ = Tone::primary;
+    double symbolPoints_ = 0;
+    SymbolImages symbols_;
+};
+
+/// Keys as they stand on a key cap. Main thread.
+class KeyCapLabel final : public QLabel {
+    Q_OBJECT
+
+public:
+    KeyCapLabel();
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+};
+
+}  // namespace ferrowyn

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/app_window.h"
+#include "core/switcher_options.h"
+#include "core/texts.h"
+#include "services/update_checker.h"
+
+namespace ferrowyn {
+
+class AccessibilityAuthorizer;
+class FavouritesStore;
+class IconProvider;
+class LaunchAtLoginService;
+class Preferences;
+class UpdateChecker;
+
+/// What the settings window shows and changes. All of them outlive the window.
+struct SettingsServices {
+    Preferences& preferences;
+    AccessibilityAuthorizer& authorizer;
+    LaunchAtLoginService& launchAtLogin;
+    FavouritesStore& favourites;
+    UpdateChecker& updates;
+    IconProvider& icons;
+};
+
+/// What the settings window says, decided without a toolkit. Pure functions; texts are untranslated.
+namespace settings_lines {
+
+/// A line with a symbol before it, whose colour says how things are.
+struct StatusLine {
+    enum class Tint { none, good, attention };
+
+    /// Empty for none.
+    std::string_view symbol;
+    Tint tint = Tint::none;
+    Phrase text;
+
+    friend bool operator==(const StatusLine&, const StatusLine&) = default;
+};
+
+/// Nothing while a check runs.
+[[nodiscard]] std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts);
+/// In place of that where there is nothing to ask.
+[[nodiscard]] StatusLine noUpdateServer(const WindowTexts& texts);
+[[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const WindowTexts& texts);
+[[nodiscard]] StatusLine secureInputStatus(const WindowTexts& texts);
+/// The line's text is a view of the message, which is looked up like any text: most come from the table of texts.
+[[nodiscard]] StatusLine loginItemMessage(std::string_view message);
+
+[[nodiscard]] std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts);
+/// The modifier's name followed by " + Tab".
+[[nodiscard]] Phrase summonChoice(SwitcherModifier modifier, const WindowTexts& texts);
+/// Only command takes keys that the system uses itself.
+[[nodiscard]] bool showsReplacementNote(SwitcherModifier modifier);
+
+[[nodiscard]] std::string_view layoutTitle(SwitcherLayout layout, const WindowTexts& texts);
+[[nodiscard]] std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts);
+inline constexpr int fewestVisibleRows = 4;
+inline constexpr int mostVisibleRows = 16;
+/// "Show up to 9 rows before scrolling".
+[[nodiscard]] Phrase maximumRows(int rows, const WindowTexts& texts);
+
+[[nodiscard]] std::string_view activeAppFirstNote(bool isOn, const WindowTexts& texts);
+/// Names the keys that pin an application.
+[[nodiscard]] Phrase favouritesFirstNote(SwitcherModifier trigger, const TextTable& texts);
+[[nodiscard]] Phrase removeHelp(std::string applicationName, const WindowTexts& texts);
+
+}  // namespace settings_lines
+
+/// Which keys do what, for people to read. Pure functions; the descriptions are untranslated.
+namespace key_lines {
+
+/// What stands on the key cap, and what the key does.
+struct KeyLine {
+    std::string keys;
+    std::string_view description;
+
+    friend bool operator==(const KeyLine&, const KeyLine&) = default;
+};
+
+/// "⌘D", or "Ctrl+D" on a PC keyboard.
+[[nodiscard]] std::string commandKeys(SwitcherModifier trigger, std::string_view key, const TextTable& texts);
+/// "⌥⇥", or "Alt+Tab".
+[[nodiscard]] std::string triggerKeys(SwitcherModifier trigger, const TextTable& texts);
+
+/// The keys of an open switcher, as the settings list them.
+[[nodiscard]] std::vector<KeyLine> whileOpen(SwitcherModifier trigger, const TextTable& texts);
+/// The few that a new user needs.
+[[nodiscard]] std::vector<KeyLine> forSetup(SwitcherModifier trigger, const TextTable& texts);
+
+}  // namespace key_lines
+
+}  // namespace ferrowyn

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QListWidget>
+#include <QWidget>
+
+#include "core/switcher_options.h"
+#include "ui/windows/settings_model.h"
+
+class QStackedWidget;
+
+namespace ferrowyn {
+
+struct Platform;
+
+/// The list of panes. The arrow keys and the mouse choose one; it always has one chosen. Main thread.
+class SettingsSidebar final : public QListWidget {
+    Q_OBJECT
+
+public:
+    /// Longer titles make it wider, up to a point.
+    static constexpr int barWidth = 190;
+    static constexpr int widestBar = 280;
+
+    explicit SettingsSidebar(const WindowTexts& texts);
+
+    [[nodiscard]] SettingsPane selection() const;
+    void select(SettingsPane pane);
+
+protected:
+    bool event(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                                       const QEvent* event) const override;
+
+private:
+    void adopt();
+};
+
+/// The content of the settings window: a sidebar of panes beside a form. Every control is bound to its service both
+/// ways; nothing is applied later or needs saving. Main thread. The platform and the services outlive it.
+class SettingsView final : public QWidget {
+    Q_OBJECT
+
+public:
+    SettingsView(const Platform& platform, const SettingsServices& services);
+    ~SettingsView() override;
+
+    [[nodiscard]] SettingsPane selection() const;
+    void select(SettingsPane pane);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    SettingsSidebar* sidebar_ = nullptr;
+    QStackedWidget* panes_ = nullptr;
+};
+
+}  // namespace ferrowyn
