@@ -14,8 +14,6 @@
 
 namespace ferrowyn {
 
-class StatusMenuPopup;
-
 /// A row of the menu as assistive technology sees it: the header is the button "Settings", since that is all it does.
 /// It is no object of its own: it reads the popup whenever it is asked. Main thread.
 class AccessibleMenuRow final : public AccessibleLeaf {

@@ -24,8 +24,6 @@
 #include "ui/menu/menu_geometry.h"
 #include "ui/menu/menu_row_views.h"
 
-// What the pointer and the keyboard do to the menu.
-
 namespace ferrowyn {
 
 namespace {

@@ -15,8 +15,6 @@
 
 namespace ferrowyn {
 
-class SwitcherView;
-
 /// A row, a group header, or what stands in the place of rows, as assistive technology sees it. It is no object of its
 /// own: it reads the view whenever it is asked. Main thread.
 class AccessibleItem final : public AccessibleLeaf {

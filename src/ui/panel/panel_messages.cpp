@@ -12,6 +12,8 @@
 
 namespace ferrowyn {
 
+namespace {
+
 /// Paints symbols and lines of text under each other, centred in a rectangle, from `top` down.
 class CentredColumn {
 public:
@@ -74,6 +76,8 @@ double CentredColumn::lineHeight(TextStyle style, const PaintContext& context) {
     const auto& metrics = context.lines.metrics(style);
     return std::round(metrics.ascent + metrics.descent);
 }
+
+}  // namespace
 
 void EmptyStateView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     constexpr double symbolPoints = 26;

@@ -50,8 +50,8 @@ void FavouriteButton::paint(QPainter& painter, const Rect& rect, const PaintCont
 
 namespace {
 
-constexpr double cornerRadius = 5;
-constexpr double longestText = 140;
+constexpr double chipRadius = 5;
+constexpr double longestBadge = 140;
 
 double symbolPoints(bool compact) {
     return compact ? 7 : 8;
@@ -76,7 +76,7 @@ QColor opaque(const QColor& top, const QColor& ground) {
 }  // namespace
 
 const TextLine& BadgeView::line(const PaintContext& context) const {
-    return context.lines.line(QString::fromStdString(badge.text), TextStyle::badge, longestText);
+    return context.lines.line(QString::fromStdString(badge.text), TextStyle::badge, longestBadge);
 }
 
 double BadgeView::width(const PaintContext& context) const {
@@ -95,7 +95,7 @@ void BadgeView::paint(QPainter& painter, const Rect& rect, const PaintContext& c
     }
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill);
-    painter.drawRoundedRect(chip, cornerRadius, cornerRadius);
+    painter.drawRoundedRect(chip, chipRadius, chipRadius);
 
     const double side = symbolSide(compact);
     double x = chip.x() + padding(compact);
@@ -108,15 +108,14 @@ void BadgeView::paint(QPainter& painter, const Rect& rect, const PaintContext& c
 
 namespace {
 
-constexpr double padding = 6;
-constexpr double cornerRadius = 5;
+constexpr double keyPadding = 6;
 constexpr double longestKey = 120;
 
 }  // namespace
 
 double KeyCapView::width(const PaintContext& context) const {
     const double textWidth = context.lines.line(text, TextStyle::keyCap, longestKey).width();
-    return std::max(std::ceil(textWidth + 2 * padding), height);
+    return std::max(std::ceil(textWidth + 2 * keyPadding), height);
 }
 
 void KeyCapView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
@@ -126,12 +125,12 @@ void KeyCapView::paint(QPainter& painter, const Rect& rect, const PaintContext& 
     const QRectF cap(snapped(rect.x), snapped(rect.midY() - height / 2), width(context), height);
     painter.setPen(Qt::NoPen);
     painter.setBrush(isOnSelection ? theme.selectionChip : theme.keyCapFill);
-    painter.drawRoundedRect(cap, cornerRadius, cornerRadius);
+    painter.drawRoundedRect(cap, chipRadius, chipRadius);
     if (!isOnSelection) {
         const double edge = 1 / scale;
         painter.setPen(QPen(theme.keyCapEdge, edge));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(cap.adjusted(edge / 2, edge / 2, -edge / 2, -edge / 2), cornerRadius, cornerRadius);
+        painter.drawRoundedRect(cap.adjusted(edge / 2, edge / 2, -edge / 2, -edge / 2), chipRadius, chipRadius);
     }
     const double baseline = context.lines.centredBaseline(TextStyle::keyCap, cap.y(), height, scale);
     const TextLine& line = context.lines.line(text, TextStyle::keyCap, longestKey);

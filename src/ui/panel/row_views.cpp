@@ -61,19 +61,19 @@ void GroupHeaderView::paint(QPainter& painter, const Rect& rect, const PaintCont
 
 namespace {
 
-constexpr double inset = 12;
-constexpr double indentation = 12;
-constexpr double iconSide = 32;
-constexpr double gap = 12;
-constexpr double starPoints = 12.5;
-constexpr double starSide = SymbolImages::boxSide(starPoints);
+constexpr double rowInset = 12;
+constexpr double rowIndentation = 12;
+constexpr double rowIconSide = 32;
+constexpr double rowGap = 12;
+constexpr double rowStarPoints = 12.5;
+constexpr double rowStarSide = SymbolImages::boxSide(rowStarPoints);
 /// Ordinals stand in a column of their own, so that badges and stars of all rows line up.
 constexpr double ordinalColumn = KeyCapView::height;
 constexpr int ordinalsWithAKey = 9;
 
 /// Where the next part to the left of the ordinal ends.
 double ordinalLeft(const Rect& rect) {
-    return rect.maxX() - inset - ordinalColumn;
+    return rect.maxX() - rowInset - ordinalColumn;
 }
 
 }  // namespace
@@ -86,14 +86,15 @@ std::optional<Rect> WindowRowView::favouriteButton(const Rect& rect) const {
     if (!WindowPresentation::showsFavouriteButton(row.isFavourite, isSelected)) {
         return std::nullopt;
     }
-    return Rect{ordinalLeft(rect) - gap - starSide, rect.midY() - starSide / 2, starSide, starSide};
+    return Rect{ordinalLeft(rect) - rowGap - rowStarSide, rect.midY() - rowStarSide / 2, rowStarSide, rowStarSide};
 }
 
 void WindowRowView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     SelectionBackground{isSelected}.paint(painter, rect, context);
-    const double left = rect.x + inset + (isIndented ? indentation : 0);
-    AppIconView{icon, iconSide, row.window->isMinimized}.paint(painter, {left, rect.y, iconSide, rect.height}, context);
-    const double textLeft = left + iconSide + gap;
+    const double left = rect.x + rowInset + (isIndented ? rowIndentation : 0);
+    AppIconView{icon, rowIconSide, row.window->isMinimized}.paint(painter, {left, rect.y, rowIconSide, rect.height},
+                                                                  context);
+    const double textLeft = left + rowIconSide + rowGap;
     const double textRight = paintTrailingParts(painter, rect, context);
     paintText(painter, {textLeft, rect.y, std::max(textRight - textLeft, 0.0), rect.height}, context);
 }
@@ -103,19 +104,19 @@ double WindowRowView::paintTrailingParts(QPainter& painter, const Rect& rect, co
     if (showsOrdinal()) {
         const KeyCapView cap{QString::number(ordinal), isSelected};
         const double width = cap.width(context);
-        right = std::min(right, rect.maxX() - inset - width);
-        cap.paint(painter, {rect.maxX() - inset - width, rect.y, width, rect.height}, context);
+        right = std::min(right, rect.maxX() - rowInset - width);
+        cap.paint(painter, {rect.maxX() - rowInset - width, rect.y, width, rect.height}, context);
     }
     if (const auto star = favouriteButton(rect)) {
-        FavouriteButton{row.isFavourite, isSelected, starPoints, onToggleFavourite}.paint(painter, *star, context);
+        FavouriteButton{row.isFavourite, isSelected, rowStarPoints, onToggleFavourite}.paint(painter, *star, context);
         right = star->x;
     }
     if (const auto badge = WindowPresentation::badge(row.window, context.texts)) {
         const BadgeView view{*badge, false, isSelected};
-        right -= gap + view.width(context);
+        right -= rowGap + view.width(context);
         view.paint(painter, {right, rect.y, view.width(context), rect.height}, context);
     }
-    return right - gap;
+    return right - rowGap;
 }
 
 void WindowRowView::paintText(QPainter& painter, const Rect& rect, const PaintContext& context) const {
@@ -145,12 +146,11 @@ void WindowRowView::paintText(QPainter& painter, const Rect& rect, const PaintCo
 
 namespace {
 
-constexpr double inset = 8;
-constexpr double iconTop = 12;
-constexpr double iconSide = 40;
-constexpr double starPoints = 11;
-constexpr double starSide = SymbolImages::boxSide(starPoints);
-constexpr int ordinalsWithAKey = 9;
+constexpr double cardInset = 8;
+constexpr double cardIconTop = 12;
+constexpr double cardIconSide = 40;
+constexpr double cardStarPoints = 11;
+constexpr double cardStarSide = SymbolImages::boxSide(cardStarPoints);
 
 }  // namespace
 
@@ -158,13 +158,13 @@ std::optional<Rect> WindowCardView::favouriteButton(const Rect& rect) const {
     if (!WindowPresentation::showsFavouriteButton(row.isFavourite, isSelected)) {
         return std::nullopt;
     }
-    return Rect{rect.maxX() - inset - starSide, rect.y + inset, starSide, starSide};
+    return Rect{rect.maxX() - cardInset - cardStarSide, rect.y + cardInset, cardStarSide, cardStarSide};
 }
 
 void WindowCardView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     SelectionBackground{isSelected}.paint(painter, rect, context);
-    const Rect iconRect{rect.midX() - iconSide / 2, rect.y + iconTop, iconSide, iconSide};
-    AppIconView{icon, iconSide, row.window->isMinimized}.paint(painter, iconRect, context);
+    const Rect iconRect{rect.midX() - cardIconSide / 2, rect.y + cardIconTop, cardIconSide, cardIconSide};
+    AppIconView{icon, cardIconSide, row.window->isMinimized}.paint(painter, iconRect, context);
     paintCorners(painter, rect, context);
     if (const auto badge = WindowPresentation::badge(row.window, context.texts)) {
         const BadgeView view{*badge, true, isSelected};
@@ -178,25 +178,25 @@ void WindowCardView::paint(QPainter& painter, const Rect& rect, const PaintConte
 
 void WindowCardView::paintCorners(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     if (ordinal >= 1 && ordinal <= ordinalsWithAKey) {
-        const double baseline =
-            context.lines.centredBaseline(TextStyle::cardOrdinal, rect.y + inset, starSide, context.devicePixelRatio);
+        const double baseline = context.lines.centredBaseline(TextStyle::cardOrdinal, rect.y + cardInset, cardStarSide,
+                                                              context.devicePixelRatio);
         context.lines.line(QString::number(ordinal), TextStyle::cardOrdinal, rect.width)
-            .paint(painter, rect.x + inset, baseline,
+            .paint(painter, rect.x + cardInset, baseline,
                    isSelected ? context.theme.selectionTextSecondary : context.theme.textSecondary);
     }
     if (const auto star = favouriteButton(rect)) {
-        FavouriteButton{row.isFavourite, isSelected, starPoints, onToggleFavourite}.paint(painter, *star, context);
+        FavouriteButton{row.isFavourite, isSelected, cardStarPoints, onToggleFavourite}.paint(painter, *star, context);
     }
 }
 
 void WindowCardView::paintText(QPainter& painter, const Rect& rect, const PaintContext& context) const {
-    constexpr double textTop = iconTop + iconSide + 4;
+    constexpr double textTop = cardIconTop + cardIconSide + 4;
     constexpr double bottomMargin = 6;
     constexpr double lineGap = 1;
     const Theme& theme = context.theme;
     const double scale = context.devicePixelRatio;
     const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
-    const double width = rect.width - 2 * inset;
+    const double width = rect.width - 2 * cardInset;
     const auto titleMetrics = context.lines.metrics(TextStyle::rowTitle);
     const auto nameMetrics = context.lines.metrics(TextStyle::rowAppName);
     const double titleHeight = titleMetrics.ascent + titleMetrics.descent;

@@ -18,8 +18,6 @@
 #include "ui/panel/row_parts.h"
 #include "ui/panel/search_line_view.h"
 
-// What the pointer does to the panel's content.
-
 namespace ferrowyn {
 
 namespace {

@@ -18,11 +18,6 @@
 #include "ui/windows/labels.h"
 #include "ui/windows/window_theme.h"
 
-// A static library's resources are linked only when something asks for them; the macro must stand outside namespaces.
-static void loadIconResource() {
-    Q_INIT_RESOURCE(ferrowyn);
-}
-
 namespace ferrowyn {
 
 namespace about_lines {
@@ -62,7 +57,7 @@ std::string siteName(std::string_view address) {
 }  // namespace about_lines
 
 ProductIcon::ProductIcon(int side, const QString& name) {
-    loadIconResource();
+    loadResources();
     setFixedSize(side, side);
     setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(name);

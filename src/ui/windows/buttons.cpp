@@ -14,10 +14,10 @@ namespace ferrowyn {
 
 namespace {
 
-constexpr int padding = 12;
-constexpr double cornerRadius = 6;
+constexpr int buttonPadding = 12;
+constexpr double buttonRadius = 6;
 constexpr int symbolButtonSide = 26;
-constexpr double symbolPoints = 13;
+constexpr double buttonSymbolPoints = 13;
 constexpr double disabledOpacity = 0.45;
 
 }  // namespace
@@ -50,7 +50,7 @@ QSize WindowButton::sizeHint() const {
     }
     const int textWidth = fontMetrics().horizontalAdvance(text()) + 1;
     return look_ == Look::link ? QSize(textWidth, fontMetrics().height() + 2)
-                               : QSize(textWidth + 2 * padding, control_painting::controlHeight(fontMetrics()));
+                               : QSize(textWidth + 2 * buttonPadding, control_painting::controlHeight(fontMetrics()));
 }
 
 bool WindowButton::event(QEvent* event) {
@@ -83,7 +83,7 @@ void WindowButton::paintSymbolButton(QPainter& painter, const WindowTheme& theme
     constexpr double inset = 3;
     const QRectF shape = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
     const bool isStressed = underMouse() || isDown();
-    symbols_.paint(painter, symbol_, shape.center().x(), shape.center().y(), symbolPoints,
+    symbols_.paint(painter, symbol_, shape.center().x(), shape.center().y(), buttonSymbolPoints,
                    isStressed ? theme.textPrimary : theme.textSecondary);
     if (control_painting::showsFocus(*this)) {
         control_painting::paintFocusRing(painter, shape.adjusted(1, 1, -1, -1), shape.width() / 2, theme);
@@ -106,14 +106,14 @@ void WindowButton::paintBoxedButton(QPainter& painter, const WindowTheme& theme)
     } else if (underMouse() && isEnabled()) {
         fill = isPrimary ? theme.accentHovered : theme.controlFillHovered;
     }
-    control_painting::paintBox(painter, rect(), cornerRadius, fill, isPrimary ? fill : theme.controlEdge);
+    control_painting::paintBox(painter, rect(), buttonRadius, fill, isPrimary ? fill : theme.controlEdge);
     if (control_painting::showsFocus(*this)) {
         // Inside, so that buttons need no room around them; on the accent's own fill only white is seen.
         constexpr double inset = 4;
         WindowTheme ring = theme;
         ring.focusRing = isPrimary ? theme.accentText : theme.focusRing;
         control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
-                                         cornerRadius - 3, ring);
+                                         buttonRadius - 3, ring);
     }
     painter.setFont(font());
     painter.setPen(isPrimary ? theme.accentText : theme.textPrimary);
@@ -122,12 +122,12 @@ void WindowButton::paintBoxedButton(QPainter& painter, const WindowTheme& theme)
 
 namespace {
 
-constexpr int controlHeight = 58;
-constexpr int usualWidth = 96;
-constexpr int padding = 14;
-constexpr double cornerRadius = 7;
-constexpr double symbolPoints = 17;
-constexpr double symbolCentre = 21;
+constexpr int segmentHeight = 58;
+constexpr int usualSegmentWidth = 96;
+constexpr int segmentPadding = 14;
+constexpr double segmentRadius = 7;
+constexpr double segmentSymbolPoints = 17;
+constexpr double segmentSymbolCentre = 21;
 constexpr double titleTop = 33;
 constexpr double titleHeight = 20;
 
@@ -141,8 +141,8 @@ SegmentButton::SegmentButton(std::string_view symbol, const Phrase& title)
 }
 
 QSize SegmentButton::sizeHint() const {
-    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * padding, usualWidth),
-            controlHeight + static_cast<int>(std::max(fontMetrics().height() - titleHeight, 0.0))};
+    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * segmentPadding, usualSegmentWidth),
+            segmentHeight + static_cast<int>(std::max(fontMetrics().height() - titleHeight, 0.0))};
 }
 
 QSize SegmentButton::minimumSizeHint() const {
@@ -169,9 +169,10 @@ void SegmentButton::paintEvent(QPaintEvent* /*event*/) {
     } else if (underMouse() && !isChecked()) {
         fill = theme.controlFillHovered;
     }
-    control_painting::paintBox(painter, rect(), cornerRadius, fill, isChecked() ? fill : theme.controlEdge);
+    control_painting::paintBox(painter, rect(), segmentRadius, fill, isChecked() ? fill : theme.controlEdge);
     const QColor ink = isChecked() ? theme.accentText : theme.textPrimary;
-    symbols_.paint(painter, symbol_, width() / 2.0, symbolCentre, symbolPoints, ink, SymbolWeight::regular);
+    symbols_.paint(painter, symbol_, width() / 2.0, segmentSymbolCentre, segmentSymbolPoints, ink,
+                   SymbolWeight::regular);
     painter.setFont(font());
     painter.setPen(ink);
     painter.drawText(QRectF(0, titleTop, width(), std::max(titleHeight, fontMetrics().height() + 0.0)),
@@ -181,7 +182,7 @@ void SegmentButton::paintEvent(QPaintEvent* /*event*/) {
         WindowTheme ring = theme;
         ring.focusRing = isChecked() ? theme.accentText : theme.focusRing;
         control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
-                                         cornerRadius - 3, ring);
+                                         segmentRadius - 3, ring);
     }
 }
 
@@ -190,7 +191,6 @@ namespace {
 constexpr int switchWidth = 34;
 constexpr int switchHeight = 20;
 constexpr int beforeSwitch = 16;
-constexpr double disabledOpacity = 0.45;
 
 }  // namespace
 

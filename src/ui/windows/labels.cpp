@@ -89,10 +89,10 @@ void TextLabel::paintEvent(QPaintEvent* event) {
 
 namespace {
 
-constexpr int controlHeight = 22;
-constexpr int padding = 8;
-constexpr int aroundText = 4;
-constexpr double cornerRadius = 5;
+constexpr int capHeight = 22;
+constexpr int capPadding = 8;
+constexpr int aroundKeys = 4;
+constexpr double capRadius = 5;
 
 }  // namespace
 
@@ -103,8 +103,8 @@ KeyCapLabel::KeyCapLabel() {
 }
 
 QSize KeyCapLabel::sizeHint() const {
-    const int high = std::max(controlHeight, fontMetrics().height() + aroundText);
-    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * padding, high), high};
+    const int high = std::max(capHeight, fontMetrics().height() + aroundKeys);
+    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * capPadding, high), high};
 }
 
 bool KeyCapLabel::event(QEvent* event) {
@@ -120,7 +120,7 @@ void KeyCapLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const WindowTheme theme = WindowTheme::current();
-    control_painting::paintBox(painter, rect(), cornerRadius, theme.keyCapFill, theme.keyCapEdge);
+    control_painting::paintBox(painter, rect(), capRadius, theme.keyCapFill, theme.keyCapEdge);
     painter.setFont(font());
     painter.setPen(theme.textSecondary);
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());

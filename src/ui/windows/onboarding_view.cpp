@@ -28,18 +28,11 @@
 
 namespace ferrowyn {
 
-struct Platform;
-struct TextTable;
-struct WindowTexts;
-class AccessibilityAuthorizer;
-class Preferences;
-class SettingsGroup;
+namespace {
 
 /// The part of the setup window that says what is missing and how to repair it. Main thread. The platform and the
 /// authorizer outlive it.
 class RequiredState final : public QWidget {
-    Q_OBJECT
-
 public:
     RequiredState(const Platform& platform, AccessibilityAuthorizer& authorizer,
                   std::function<std::string()> makeReport);
@@ -51,8 +44,6 @@ private:
                                        std::function<std::string()> makeReport);
 };
 
-namespace {
-
 constexpr int betweenParagraphs = 8;
 constexpr int betweenSteps = 6;
 /// The steps' texts stand under the titles, their numbers under the symbols.
@@ -60,6 +51,7 @@ constexpr int numberWidth = 16;
 constexpr int behindNumber = 9;
 constexpr int aboveButtons = 8;
 constexpr int betweenButtons = 8;
+/// In both parts.
 constexpr int belowTitle = 4;
 
 /// On a worker thread: a report asks the session bus, which may take its time. Until it is there the button is off.
@@ -95,8 +87,6 @@ QWidget* makeSteps(const WindowTexts::Onboarding& words) {
     }
     return steps;
 }
-
-}  // namespace
 
 RequiredState::RequiredState(const Platform& platform, AccessibilityAuthorizer& authorizer,
                              std::function<std::string()> makeReport) {
@@ -170,8 +160,6 @@ QWidget* RequiredState::makeButtons(const Platform& platform, AccessibilityAutho
 /// The part of the setup window that shows how to use the switcher, once it can be used. Main thread. The texts and
 /// preferences outlive it.
 class GrantedState final : public QWidget {
-    Q_OBJECT
-
 public:
     GrantedState(const TextTable& texts, const Preferences& preferences, std::function<void()> onDone);
 
@@ -179,14 +167,9 @@ private:
     Subscription modifierSubscription_;
 };
 
-namespace {
-
 constexpr int betweenKeys = 7;
 constexpr int betweenColumns = 14;
-constexpr int belowTitle = 4;
 constexpr int aboveButton = 16;
-
-}  // namespace
 
 GrantedState::GrantedState(const TextTable& texts, const Preferences& preferences, std::function<void()> onDone) {
     const WindowTexts::Onboarding& words = texts.windows.onboarding;
@@ -240,8 +223,6 @@ GrantedState::GrantedState(const TextTable& texts, const Preferences& preference
     column->addWidget(done, 0, Qt::AlignHCenter);
     connect(done, &QAbstractButton::clicked, this, [told = std::move(onDone)] { told(); });
 }
-
-namespace {
 
 constexpr int windowWidth = 480;
 constexpr QMargins margins(34, 28, 34, 22);

@@ -17,7 +17,6 @@ class FavouritesStore;
 class IconProvider;
 class LaunchAtLoginService;
 class Preferences;
-class UpdateChecker;
 
 /// What the settings window shows and changes. All of them outlive the window.
 struct SettingsServices {

@@ -24,9 +24,6 @@
 
 namespace ferrowyn {
 
-/// Shows a line in the label, its symbol in the colour of its tint.
-void showStatus(TextLabel& label, const settings_lines::StatusLine& line);
-
 namespace {
 
 Tone toneOf(settings_lines::StatusLine::Tint tint) {
@@ -41,12 +38,13 @@ Tone toneOf(settings_lines::StatusLine::Tint tint) {
     return Tone::secondary;
 }
 
-}  // namespace
-
+/// Shows the line in the label, its symbol in the colour of its tint.
 void showStatus(TextLabel& label, const settings_lines::StatusLine& line) {
     label.setSymbol(line.symbol, toneOf(line.tint));
     label.setPhrase(line.text);
 }
+
+}  // namespace
 
 GeneralPane::GeneralPane(const WindowTexts& texts, const SettingsServices& services)
     : SettingsPaneView({texts.settings.generalTitle, {}}) {
@@ -280,13 +278,8 @@ WindowsPane::WindowsPane(const WindowTexts& texts, Preferences& preferences)
     keep(bindSwitch(*otherSpaces, preferences.includeOtherSpaces));
 }
 
-namespace {
-
-constexpr int iconSize = 96;
-
-}  // namespace
-
 AboutPane::AboutPane(const Platform& platform) : SettingsPaneView({platform.texts.windows.settings.aboutTitle, {}}) {
+    constexpr int iconSize = 96;
     addWidget(new AboutContent(platform, iconSize));
 }
 

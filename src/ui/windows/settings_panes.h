@@ -11,7 +11,6 @@ namespace ferrowyn {
 struct Platform;
 struct TextTable;
 struct WindowTexts;
-class KeyCapLabel;
 class Preferences;
 
 /// Launch at login, updates, permissions. Main thread.

@@ -8,8 +8,6 @@
 
 #include "core/texts.h"
 
-class QWidget;
-
 namespace ferrowyn {
 
 class Application;
