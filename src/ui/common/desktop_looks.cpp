@@ -8,12 +8,12 @@
 
 namespace ferrowyn {
 
-namespace {
-
 bool isDark(const QPalette& palette) {
     constexpr int middleLightness = 128;
     return palette.color(QPalette::Window).lightness() < middleLightness;
 }
+
+namespace {
 
 /// Of Qt's own making, with every shade and the disabled state derived from the ground.
 QPalette paletteOf(ColorScheme scheme) {

@@ -21,6 +21,9 @@ private:
     bool hasChanged_ = false;
 };
 
+/// Whether windows are dark in this palette.
+[[nodiscard]] bool isDark(const QPalette& palette);
+
 /// Has everything that is drawn use these looks for as long as this lives; the looks outlive it. As the toolkit's
 /// palette, they are one for all widgets, which ask for them whenever they draw. Main thread.
 class SystemLooksInUse {

@@ -25,19 +25,19 @@ std::string_view beginning(std::string_view utf8) {
     return utf8.substr(0, end);
 }
 
-QString decoded(std::string_view utf8) {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
 bool breaksLine(QChar unit) {
     return unit.category() == QChar::Other_Control || unit == QChar::LineSeparator || unit == QChar::ParagraphSeparator;
 }
 
 }  // namespace
 
+QString fromUtf8(std::string_view utf8) {
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
 QString singleLine(std::string_view utf8) {
     const std::string_view start = beginning(utf8);
-    QString text = decoded(start);
+    QString text = fromUtf8(start);
     std::replace_if(text.begin(), text.end(), breaksLine, QChar(u' '));
     if (text.size() > maximumLength || start.size() < utf8.size()) {
         qsizetype kept = std::min<qsizetype>(text.size(), maximumLength);
@@ -85,8 +85,8 @@ std::vector<Range> rangesOfCharacters(std::string_view utf8, const std::vector<s
         }
         const auto character = static_cast<std::size_t>(position);
         const std::size_t first = character == 0 ? 0 : ends[character - 1];
-        units += static_cast<int>(decoded(text.substr(bytes, first - bytes)).size());
-        const int length = static_cast<int>(decoded(text.substr(first, ends[character] - first)).size());
+        units += static_cast<int>(fromUtf8(text.substr(bytes, first - bytes)).size());
+        const int length = static_cast<int>(fromUtf8(text.substr(first, ends[character] - first)).size());
         if (!ranges.empty() && ranges.back().start + ranges.back().length == units) {
             ranges.back().length += length;
         } else {

@@ -18,6 +18,7 @@ struct Range {
 /// Longer texts than this many UTF-16 units never fit the panel; what follows is cut before anything is shaped.
 inline constexpr int maximumLength = 600;
 
+[[nodiscard]] QString fromUtf8(std::string_view utf8);
 /// One line: control characters, newlines and paragraph separators become spaces, each one of them one space, so that
 /// positions stay true. Too long a text is cut and ends in "…".
 [[nodiscard]] QString singleLine(std::string_view utf8);

@@ -21,6 +21,11 @@ void loadResources() {
     initializeResources();
 }
 
+QString productIconFile() {
+    loadResources();
+    return QStringLiteral(":/ferrowyn/ferrowyn.svg");
+}
+
 namespace {
 
 /// The files are drawn at medium weight, with this attribute on every stroke that follows the weight.

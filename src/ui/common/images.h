@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QHash>
 #include <QImage>
+#include <QString>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@ namespace ferrowyn {
 
 /// Makes the program's own drawings readable under ":/ferrowyn". Harmless to call again.
 void loadResources();
+
+/// The file with the program's own icon, readable.
+[[nodiscard]] QString productIconFile();
 
 /// Symbols, drawn in any colour, size and weight: the desktop's own where it has one of that name, else ours. Each
 /// image is rendered once and kept. Main thread.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRectF>
+#include <cmath>
 
 #include "core/geometry.h"
 #include "core/texts.h"
@@ -20,6 +21,9 @@ struct PaintContext {
     double devicePixelRatio = 1;
     /// Of the language, for what stands at its lines' beginnings and ends.
     bool isRightToLeft = false;
+
+    /// The nearest edge of a device pixel, in points.
+    [[nodiscard]] double snapped(double edge) const { return std::round(edge * devicePixelRatio) / devicePixelRatio; }
 };
 
 [[nodiscard]] inline QRectF toQt(const Rect& rect) {

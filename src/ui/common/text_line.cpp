@@ -89,7 +89,6 @@ QFont::Weight emphasisedWeight() {
 
 namespace {
 
-constexpr double unlimitedWidth = 1e6;
 const QChar ellipsis(u'…');
 
 QTextOption singleLineOption() {

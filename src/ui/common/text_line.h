@@ -60,6 +60,9 @@ struct TextEmphasis {
 /// where it is painted. Shaping is the expensive part of painting text: lines are made once and kept. Main thread.
 class TextLine {
 public:
+    /// Wider than any line.
+    static constexpr double unlimitedWidth = 1e6;
+
     TextLine(const QString& text, TextStyle style, double maximumWidth, TextEmphasis emphasis = {});
 
     [[nodiscard]] double width() const { return width_; }

@@ -111,12 +111,10 @@ QColor Theme::badgeFill(WindowPresentation::Tint tint) const {
 }
 
 Theme Theme::fromPalette(const QPalette& palette, bool isTranslucent) {
-    constexpr int middleLightness = 128;
-    const bool isDark = palette.color(QPalette::Window).lightness() < middleLightness;
     const QColor highlight = palette.color(QPalette::Active, QPalette::Highlight);
     const bool isChosen =
         std::find(toolkitHighlights.begin(), toolkitHighlights.end(), highlight) == toolkitHighlights.end();
-    Theme theme = make(isDark, isChosen ? highlight : ownAccent, isTranslucent);
+    Theme theme = make(ferrowyn::isDark(palette), isChosen ? highlight : ownAccent, isTranslucent);
     takeSystemColors(theme);
     return theme;
 }

@@ -94,8 +94,7 @@ void paintText(QPainter& painter, const std::string& text, TextStyle style, cons
 }  // namespace
 
 MenuHeaderView::MenuHeaderView() {
-    loadResources();
-    icon_ = std::make_unique<QSvgRenderer>(QStringLiteral(":/ferrowyn/ferrowyn.svg"));
+    icon_ = std::make_unique<QSvgRenderer>(productIconFile());
     icon_->setAspectRatioMode(Qt::KeepAspectRatio);
 }
 MenuHeaderView::~MenuHeaderView() = default;
@@ -158,11 +157,6 @@ constexpr double selectionRadius = 5;
 constexpr double checkPoints = 11;
 /// Between a title and the keys at the right.
 constexpr double keyGap = 16;
-constexpr double anyWidth = 10000;
-
-QString fromUtf8(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 void paintSeparator(QPainter& painter, const Rect& rect, const MenuColors& colors, double scale) {
     const double top = std::floor(rect.midY() * scale) / scale;
@@ -182,6 +176,7 @@ QString MenuRowView::keyEquivalentText(const MenuRow& row, const TextTable& text
     if (row.keyEquivalent.empty()) {
         return {};
     }
+    using display_text::fromUtf8;
     return fromUtf8(texts.sessionCommandKey) + fromUtf8(texts.keySeparator) + fromUtf8(row.keyEquivalent).toUpper();
 }
 
@@ -195,7 +190,7 @@ double MenuRowView::neededWidth(const PaintContext& context) const {
         return 0;
     }
     const auto width = [&](const QString& text) {
-        return text.isEmpty() ? 0 : context.lines.line(text, TextStyle::menuItem, anyWidth).width();
+        return text.isEmpty() ? 0 : context.lines.line(text, TextStyle::menuItem, TextLine::unlimitedWidth).width();
     };
     const double keys = width(keyEquivalentText(row, context.texts));
     return std::ceil(MenuGeometry::titleLeft + width(display_text::singleLine(row.title)) + width(suffixText()) +
@@ -251,7 +246,7 @@ void MenuRowView::paintItem(QPainter& painter, const Rect& rect, const MenuColor
         context.lines.centredBaseline(TextStyle::menuItem, rect.y, rect.height, context.devicePixelRatio);
     double right = rect.maxX() - MenuGeometry::inset;
     if (const QString keys = keyEquivalentText(row, context.texts); !keys.isEmpty()) {
-        const TextLine& line = context.lines.line(keys, TextStyle::menuItem, anyWidth);
+        const TextLine& line = context.lines.line(keys, TextStyle::menuItem, TextLine::unlimitedWidth);
         line.paint(painter, placeOf(rect, right - line.width(), line.width(), context), baseline, note);
         right -= line.width() + keyGap;
     }
@@ -262,7 +257,8 @@ void MenuRowView::paintItem(QPainter& painter, const Rect& rect, const MenuColor
     title.paint(painter, placeOf(rect, left, title.width(), context), baseline, text);
     if (const QString suffix = suffixText(); !suffix.isEmpty() && titleEnd < right) {
         // The spaces stand before it, which is the wrong side where the title stands behind it.
-        const double bareWidth = context.lines.line(suffix.trimmed(), TextStyle::menuItem, anyWidth).width();
+        const double bareWidth =
+            context.lines.line(suffix.trimmed(), TextStyle::menuItem, TextLine::unlimitedWidth).width();
         const TextLine& line = context.lines.line(suffix, TextStyle::menuItem, right - titleEnd);
         const double spaces = context.isRightToLeft ? std::max(line.width() - bareWidth, 0.0) : 0;
         line.paint(painter, placeOf(rect, titleEnd, line.width(), context) - spaces, baseline, note);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <utility>
 
+#include "ui/common/desktop_looks.h"
 #include "ui/common/images.h"
 
 namespace ferrowyn {
@@ -101,7 +102,6 @@ void paintRim(QPainter& painter, SymbolImages& images, const std::string& symbol
 }  // namespace
 
 QImage traySymbol(const std::string& symbol, int side, const std::optional<QColor>& color) {
-    constexpr int middleLightness = 128;
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
@@ -111,7 +111,7 @@ QImage traySymbol(const std::string& symbol, int side, const std::optional<QColo
         images.paint(painter, symbol, side / 2.0, side / 2.0, points, *color);
         return image;
     }
-    const bool isDark = QGuiApplication::palette().color(QPalette::Window).lightness() < middleLightness;
+    const bool isDark = ferrowyn::isDark(QGuiApplication::palette());
     const QColor light(0xF3, 0xF4, 0xF6);
     const QColor dark(0x1C, 0x1D, 0x21);
     paintRim(painter, images, symbol, side, isDark ? dark : light);

@@ -31,11 +31,10 @@ namespace {
 constexpr double cornerRadius = 10;
 /// Longer titles are elided: a menu is no page.
 constexpr double widestMenu = 420;
-constexpr double unboundedWidth = 10000;
 
 double neededHeaderWidth(const MenuHeader& header, TextLines& lines) {
     const auto width = [&](const std::string& text, TextStyle style) {
-        return lines.line(display_text::singleLine(text), style, unboundedWidth).width();
+        return lines.line(display_text::singleLine(text), style, TextLine::unlimitedWidth).width();
     };
     const double room = MenuGeometry::minimumWidth -
                         MenuHeaderView::titleRect({0, 0, MenuGeometry::minimumWidth, MenuGeometry::headerHeight}).width;

@@ -55,10 +55,6 @@ private:
 
 namespace {
 
-QString fromView(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 const SwitcherViewModel::Row& rowAt(const SwitcherView& view, int index) {
     return view.viewModel().rows.get().at(static_cast<std::size_t>(index));
 }
@@ -86,7 +82,7 @@ QString AccessibleItem::text(QAccessible::Text kind) const {
     switch (key_.kind) {
         case Kind::row:
             if (kind == QAccessible::Description && rowAt(view_, key_.row).isFavourite) {
-                return fromView(WindowPresentation::favouriteAccessibilityText);
+                return display_text::fromUtf8(WindowPresentation::favouriteAccessibilityText);
             }
             return kind == QAccessible::Name ? rowName() : QString();
         case Kind::header: {
@@ -100,8 +96,8 @@ QString AccessibleItem::text(QAccessible::Text kind) const {
         }
         case Kind::message:
             if (kind == QAccessible::Description && isPermissionButton()) {
-                return fromView(view_.texts().permissionTitle) + QStringLiteral(". ") +
-                       fromView(view_.texts().permissionExplanation);
+                return display_text::fromUtf8(view_.texts().permissionTitle) + QStringLiteral(". ") +
+                       display_text::fromUtf8(view_.texts().permissionExplanation);
             }
             return kind == QAccessible::Name ? messageName() : QString();
     }
@@ -120,7 +116,7 @@ QString AccessibleItem::rowName() const {
 
 QString AccessibleItem::messageName() const {
     if (isPermissionButton()) {
-        return fromView(view_.texts().permissionButton);
+        return display_text::fromUtf8(view_.texts().permissionButton);
     }
     const auto state = WindowPresentation::emptyState(view_.viewModel().query.get());
     const QString title = display_text::singleLine(state.title);
@@ -209,7 +205,7 @@ void AccessibleItem::doAction(const QString& name) {
 
 QString AccessibleItem::localizedActionName(const QString& name) const {
     if (name == toggleAction() && key_.kind == Kind::row && isValid()) {
-        return fromView(WindowPresentation::favouriteLabel(rowAt(view_, key_.row).isFavourite));
+        return display_text::fromUtf8(WindowPresentation::favouriteLabel(rowAt(view_, key_.row).isFavourite));
     }
     return QAccessibleActionInterface::localizedActionName(name);
 }

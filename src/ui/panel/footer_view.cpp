@@ -22,7 +22,8 @@ double width(const WindowPresentation::ShortcutHint& hint, const PaintContext& c
         sum += KeyCapView{display_text::singleLine(key)}.width(context) + betweenCaps;
     }
     const QString label = display_text::singleLine(hint.label);
-    return sum - betweenCaps + beforeLabel + context.lines.line(label, TextStyle::hint, 1e6).width();
+    return sum - betweenCaps + beforeLabel +
+           context.lines.line(label, TextStyle::hint, TextLine::unlimitedWidth).width();
 }
 
 }  // namespace
@@ -30,7 +31,7 @@ double width(const WindowPresentation::ShortcutHint& hint, const PaintContext& c
 void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const double scale = context.devicePixelRatio;
     // Between device pixels it would be two faint lines.
-    const double top = std::round(rect.y * scale) / scale;
+    const double top = context.snapped(rect.y);
     painter.fillRect(QRectF(rect.x, top, rect.width, hairline::width(scale)), context.theme.hairline);
     double total = -betweenHints;
     for (const auto& hint : hints) {
@@ -39,7 +40,8 @@ void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& 
     double x = std::round(rect.midX() - total / 2);
     const double baseline = context.lines.centredBaseline(TextStyle::hint, rect.y, rect.height, scale);
     if (!note.empty()) {
-        const TextLine& line = context.lines.line(display_text::singleLine(note), TextStyle::hint, 1e6);
+        const TextLine& line =
+            context.lines.line(display_text::singleLine(note), TextStyle::hint, TextLine::unlimitedWidth);
         const double noteX = std::round(rect.maxX() - besideNote - line.width());
         line.paint(painter, noteX, baseline, context.theme.textSecondary);
         // The hints make room where their usual place is too near.
@@ -53,7 +55,8 @@ void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& 
             x += capWidth + betweenCaps;
         }
         x += beforeLabel - betweenCaps;
-        const TextLine& label = context.lines.line(display_text::singleLine(hint.label), TextStyle::hint, 1e6);
+        const TextLine& label =
+            context.lines.line(display_text::singleLine(hint.label), TextStyle::hint, TextLine::unlimitedWidth);
         label.paint(painter, x, baseline, context.theme.textSecondary);
         x += label.width() + betweenHints;
     }

@@ -26,8 +26,8 @@ void AppIconView::paint(QPainter& painter, const Rect& rect, const PaintContext&
         return;
     }
     const double shown = deviceSide / scale;
-    const double left = std::round((rect.midX() - shown / 2) * scale) / scale;
-    const double top = std::round((rect.midY() - shown / 2) * scale) / scale;
+    const double left = context.snapped(rect.midX() - shown / 2);
+    const double top = context.snapped(rect.midY() - shown / 2);
     const double opacity = painter.opacity();
     if (isDimmed) {
         painter.setOpacity(opacity * dimmedOpacity);
@@ -86,8 +86,7 @@ double BadgeView::width(const PaintContext& context) const {
 void BadgeView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const Theme& theme = context.theme;
     const double scale = context.devicePixelRatio;
-    const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
-    const QRectF chip(snapped(rect.x), snapped(rect.midY() - height() / 2), width(context), height());
+    const QRectF chip(context.snapped(rect.x), context.snapped(rect.midY() - height() / 2), width(context), height());
     const QColor text = isOnSelection ? theme.selectionText : theme.badgeText(badge.tint);
     QColor fill = isOnSelection ? theme.selectionChip : theme.badgeFill(badge.tint);
     if (compact) {
@@ -121,8 +120,7 @@ double KeyCapView::width(const PaintContext& context) const {
 void KeyCapView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const Theme& theme = context.theme;
     const double scale = context.devicePixelRatio;
-    const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
-    const QRectF cap(snapped(rect.x), snapped(rect.midY() - height / 2), width(context), height);
+    const QRectF cap(context.snapped(rect.x), context.snapped(rect.midY() - height / 2), width(context), height);
     painter.setPen(Qt::NoPen);
     painter.setBrush(isOnSelection ? theme.selectionChip : theme.keyCapFill);
     painter.drawRoundedRect(cap, chipRadius, chipRadius);

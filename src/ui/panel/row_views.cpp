@@ -49,8 +49,8 @@ void GroupHeaderView::paint(QPainter& painter, const Rect& rect, const PaintCont
 
     const auto metrics = context.lines.metrics(TextStyle::groupCount);
     const double boxHeight = std::round(metrics.ascent + metrics.descent + 2);
-    const QRectF box(std::round((nameLeft + nameWidth + gap) * scale) / scale,
-                     std::round((rect.midY() - boxHeight / 2) * scale) / scale, countWidth, boxHeight);
+    const QRectF box(context.snapped(nameLeft + nameWidth + gap), context.snapped(rect.midY() - boxHeight / 2),
+                     countWidth, boxHeight);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.countFill);
     painter.drawRoundedRect(box, countRadius, countRadius);
@@ -123,7 +123,6 @@ void WindowRowView::paintText(QPainter& painter, const Rect& rect, const PaintCo
     constexpr double lineGap = 2;
     const Theme& theme = context.theme;
     const double scale = context.devicePixelRatio;
-    const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
     const TextLine& title = context.lines.line(row_title::text(row.window), TextStyle::rowTitle, rect.width,
                                                row_title::emphasis(row, isSelected, theme));
     const QColor titleColor = isSelected ? theme.selectionText : theme.textPrimary;
@@ -137,10 +136,10 @@ void WindowRowView::paintText(QPainter& painter, const Rect& rect, const PaintCo
     const double titleHeight = titleMetrics.ascent + titleMetrics.descent;
     const double height = titleHeight + lineGap + nameMetrics.ascent + nameMetrics.descent;
     const double top = rect.midY() - height / 2;
-    title.paint(painter, rect.x, snapped(top + titleMetrics.ascent), titleColor);
+    title.paint(painter, rect.x, context.snapped(top + titleMetrics.ascent), titleColor);
     const TextLine& name =
         context.lines.line(display_text::singleLine(row.window->appName), TextStyle::rowAppName, rect.width);
-    name.paint(painter, rect.x, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
+    name.paint(painter, rect.x, context.snapped(top + titleHeight + lineGap + nameMetrics.ascent),
                isSelected ? theme.selectionTextSecondary : theme.textSecondary);
 }
 
@@ -194,8 +193,6 @@ void WindowCardView::paintText(QPainter& painter, const Rect& rect, const PaintC
     constexpr double bottomMargin = 6;
     constexpr double lineGap = 1;
     const Theme& theme = context.theme;
-    const double scale = context.devicePixelRatio;
-    const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
     const double width = rect.width - 2 * cardInset;
     const auto titleMetrics = context.lines.metrics(TextStyle::rowTitle);
     const auto nameMetrics = context.lines.metrics(TextStyle::rowAppName);
@@ -206,11 +203,12 @@ void WindowCardView::paintText(QPainter& painter, const Rect& rect, const PaintC
 
     const TextLine& title = context.lines.line(row_title::text(row.window), TextStyle::rowTitle, width,
                                                row_title::emphasis(row, isSelected, theme));
-    title.paint(painter, rect.midX() - title.width() / 2, snapped(top + titleMetrics.ascent),
+    title.paint(painter, rect.midX() - title.width() / 2, context.snapped(top + titleMetrics.ascent),
                 isSelected ? theme.selectionText : theme.textPrimary);
     const TextLine& name =
         context.lines.line(display_text::singleLine(row.window->appName), TextStyle::rowAppName, width);
-    name.paint(painter, rect.midX() - name.width() / 2, snapped(top + titleHeight + lineGap + nameMetrics.ascent),
+    name.paint(painter, rect.midX() - name.width() / 2,
+               context.snapped(top + titleHeight + lineGap + nameMetrics.ascent),
                isSelected ? theme.selectionTextSecondary : theme.textSecondary);
 }
 

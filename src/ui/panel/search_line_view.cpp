@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/window_presentation.h"
+#include "ui/common/display_text.h"
 #include "ui/panel/panel_geometry.h"
 
 namespace ferrowyn {
@@ -35,7 +36,6 @@ constexpr double caretHeight = 19;
 constexpr double caretGap = 1;
 /// Room for the indicator: its symbol, and a count of five digits.
 constexpr double indicatorRoom = 80;
-constexpr double unlimitedWidth = 1e6;
 
 double textRoom(const Rect& rect) {
     return rect.width - textLeft - PanelGeometry::sideMargin - indicatorRoom;
@@ -44,13 +44,12 @@ double textRoom(const Rect& rect) {
 }  // namespace
 
 double SearchLineView::queryWidth(const PaintContext& context) const {
-    return query.isEmpty() ? 0 : context.lines.line(query, TextStyle::searchText, unlimitedWidth).width();
+    return query.isEmpty() ? 0 : context.lines.line(query, TextStyle::searchText, TextLine::unlimitedWidth).width();
 }
 
 Rect SearchLineView::caretRect(const Rect& rect, const PaintContext& context) const {
     const double behindQuery = query.isEmpty() ? 0 : std::min(queryWidth(context), textRoom(rect)) + caretGap;
-    const double scale = context.devicePixelRatio;
-    const double left = std::round((rect.x + textLeft + behindQuery) * scale) / scale;
+    const double left = context.snapped(rect.x + textLeft + behindQuery);
     return {left, rect.midY() - caretHeight / 2, Caret::width, caretHeight};
 }
 
@@ -64,18 +63,17 @@ void SearchLineView::paint(QPainter& painter, const Rect& rect, const PaintConte
     const double indicatorLeft = paintIndicator(painter, rect, context);
     const double left = rect.x + textLeft;
     if (query.isEmpty()) {
-        const auto placeholder = WindowPresentation::searchPlaceholder;
         constexpr double behindCaret = 3;
         context.lines
-            .line(QString::fromUtf8(placeholder.data(), static_cast<qsizetype>(placeholder.size())),
-                  TextStyle::searchText, indicatorLeft - left)
+            .line(display_text::fromUtf8(WindowPresentation::searchPlaceholder), TextStyle::searchText,
+                  indicatorLeft - left)
             .paint(painter, left + behindCaret, baseline, theme.textTertiary);
     } else {
         // The end is where the user types: a long query loses its beginning.
         const double hidden = std::max(queryWidth(context) - textRoom(rect), 0.0);
         painter.save();
         painter.setClipRect(QRectF(left - 1, rect.y, textRoom(rect) + 2, rect.height), Qt::IntersectClip);
-        context.lines.line(query, TextStyle::searchText, unlimitedWidth)
+        context.lines.line(query, TextStyle::searchText, TextLine::unlimitedWidth)
             .paint(painter, left - hidden, baseline, theme.textPrimary);
         painter.restore();
     }

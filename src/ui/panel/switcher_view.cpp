@@ -389,8 +389,7 @@ bool SwitcherView::event(QEvent* event) {
     if (target.kind == Target::Kind::favouriteButton) {
         const auto text =
             WindowPresentation::favouriteHelp(viewModel_.rows.get()[static_cast<std::size_t>(target.row)].isFavourite);
-        QToolTip::showText(help->globalPos(), QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())),
-                           this);
+        QToolTip::showText(help->globalPos(), display_text::fromUtf8(text), this);
     } else {
         QToolTip::hideText();
     }

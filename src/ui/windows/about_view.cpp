@@ -57,7 +57,6 @@ std::string siteName(std::string_view address) {
 }  // namespace about_lines
 
 ProductIcon::ProductIcon(int side, const QString& name) {
-    loadResources();
     setFixedSize(side, side);
     setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(name);
@@ -65,12 +64,11 @@ ProductIcon::ProductIcon(int side, const QString& name) {
 
 void ProductIcon::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    QSvgRenderer(QStringLiteral(":/ferrowyn/ferrowyn.svg")).render(&painter, rect());
+    QSvgRenderer(productIconFile()).render(&painter, rect());
 }
 
 QIcon windowIcon() {
-    loadResources();
-    QSvgRenderer drawing(QStringLiteral(":/ferrowyn/ferrowyn.svg"));
+    QSvgRenderer drawing(productIconFile());
     QIcon icon;
     for (const int side : {16, 24, 32, 48, 64, 128}) {
         QPixmap pixmap(side, side);

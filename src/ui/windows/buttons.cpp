@@ -86,7 +86,7 @@ void WindowButton::paintSymbolButton(QPainter& painter, const WindowTheme& theme
     symbols_.paint(painter, symbol_, shape.center().x(), shape.center().y(), buttonSymbolPoints,
                    isStressed ? theme.textPrimary : theme.textSecondary);
     if (control_painting::showsFocus(*this)) {
-        control_painting::paintFocusRing(painter, shape.adjusted(1, 1, -1, -1), shape.width() / 2, theme);
+        control_painting::paintFocusRing(painter, shape.adjusted(1, 1, -1, -1), shape.width() / 2, theme.focusRing);
     }
 }
 
@@ -110,8 +110,7 @@ void WindowButton::paintBoxedButton(QPainter& painter, const WindowTheme& theme)
     if (control_painting::showsFocus(*this)) {
         // Inside, so that buttons need no room around them; on the accent's own fill only white is seen.
         constexpr double inset = 4;
-        WindowTheme ring = theme;
-        ring.focusRing = isPrimary ? theme.accentText : theme.focusRing;
+        const QColor ring = isPrimary ? theme.accentText : theme.focusRing;
         control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
                                          buttonRadius - 3, ring);
     }
@@ -179,8 +178,7 @@ void SegmentButton::paintEvent(QPaintEvent* /*event*/) {
                      Qt::AlignCenter | Qt::TextSingleLine, text());
     if (control_painting::showsFocus(*this)) {
         constexpr double inset = 4;
-        WindowTheme ring = theme;
-        ring.focusRing = isChecked() ? theme.accentText : theme.focusRing;
+        const QColor ring = isChecked() ? theme.accentText : theme.focusRing;
         control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
                                          segmentRadius - 3, ring);
     }
@@ -266,7 +264,7 @@ void SwitchRow::paintEvent(QPaintEvent* /*event*/) {
     painter.setBrush(theme.switchKnob);
     painter.drawEllipse(knob);
     if (control_painting::showsFocus(*this)) {
-        control_painting::paintFocusRing(painter, track, switchHeight / 2.0, theme);
+        control_painting::paintFocusRing(painter, track, switchHeight / 2.0, theme.focusRing);
     }
 }
 

@@ -74,10 +74,8 @@ public:
         control_painting::paintText(*painter, list, textRect, index.data(Qt::DisplayRole).toString(), list.font(), ink);
         if (isSelected && control_painting::showsFocus(list)) {
             constexpr double inset = 4;
-            WindowTheme ring = theme;
-            ring.focusRing = theme.accentText;
             control_painting::paintFocusRing(*painter, row.adjusted(inset, inset, -inset, -inset), cornerRadius - 3,
-                                             ring);
+                                             theme.accentText);
         }
         painter->restore();
     }

@@ -90,7 +90,7 @@ void Stepper::paintEvent(QPaintEvent* /*event*/) {
     if (control_painting::showsFocus(*this)) {
         constexpr double inset = 3;
         control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
-                                         cornerRadius - 2, theme);
+                                         cornerRadius - 2, theme.focusRing);
     }
 }
 

@@ -127,10 +127,10 @@ bool showsFocus(const QWidget& widget) {
     return widget.hasFocus() && widget.window()->testAttribute(Qt::WA_KeyboardFocusChange);
 }
 
-void paintFocusRing(QPainter& painter, const QRectF& shape, double cornerRadius, const WindowTheme& theme) {
+void paintFocusRing(QPainter& painter, const QRectF& shape, double cornerRadius, const QColor& color) {
     constexpr double width = 2;
     constexpr double distance = 2;
-    painter.setPen(QPen(theme.focusRing, width));
+    painter.setPen(QPen(color, width));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(shape.adjusted(-distance, -distance, distance, distance), cornerRadius + distance,
                             cornerRadius + distance);

@@ -70,7 +70,7 @@ namespace control_painting {
 /// The keyboard is here, and the user works with it rather than with the mouse.
 [[nodiscard]] bool showsFocus(const QWidget& widget);
 /// Around a shape whose corners have this radius, outside of it.
-void paintFocusRing(QPainter& painter, const QRectF& shape, double cornerRadius, const WindowTheme& theme);
+void paintFocusRing(QPainter& painter, const QRectF& shape, double cornerRadius, const QColor& color);
 /// A shape with an edge of one device pixel.
 void paintBox(QPainter& painter, const QRectF& box, double cornerRadius, const QColor& fill, const QColor& edge);
 /// One line, cut at its end where it does not fit, at the edge of the rectangle where the widget's lines begin.
