@@ -18,10 +18,9 @@
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_desktop_reader.h"
 #include "platform/x11/xcb_reply.h"
-#include "tests/x11/harness/private_x_server.h"
+#include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_window.h"
-#include "tests/x11/harness/window_manager_process.h"
 
 namespace ferrowyn {
 namespace {

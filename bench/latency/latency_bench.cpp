@@ -15,12 +15,11 @@
 
 #include "bench/latency/screen_watch.h"
 #include "tests/x11/harness/child_process.h"
+#include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/ferrowyn_program.h"
-#include "tests/x11/harness/private_x_server.h"
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_input.h"
 #include "tests/x11/harness/test_window.h"
-#include "tests/x11/harness/window_manager_process.h"
 
 namespace ferrowyn::latency {
 namespace {

@@ -7,8 +7,8 @@
 #include "platform/simulated/simulated_desktop.h"
 #include "platform/simulated/simulated_display.h"
 #include "platform/simulated/simulated_system.h"
+#include "tests/input/panel_doubles.h"
 #include "tests/input/print_log_line.h"
-#include "tests/input/stub_panel_content.h"
 
 namespace ferrowyn {
 namespace {

@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "tests/core/test_window.h"
+#include "tests/core/session_doubles.h"
 
 namespace ferrowyn {
 namespace {

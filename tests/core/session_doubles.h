@@ -7,11 +7,26 @@
 #include <utility>
 #include <vector>
 
+#include "core/app_window.h"
 #include "core/switcher_options.h"
 #include "core/switcher_view_model.h"
 #include "core/window_presentation.h"
 
 namespace ferrowyn {
+
+/// An ordinary window on the active Space; tests change what they are about.
+inline AppWindow testWindow(WindowId id, std::string title, std::string appName = "App", Pid pid = 100) {
+    AppWindow window;
+    window.id = id;
+    window.pid = pid;
+    window.bundleIdentifier = "org.example." + appName;
+    window.appName = std::move(appName);
+    window.title = std::move(title);
+    window.isOnActiveSpace = true;
+    window.frame = {10, 20, 640, 480};
+    window.zOrder = id;
+    return window;
+}
 
 /// The view model only hands the icon provider on, so that here nothing needs to be behind the name.
 class IconProvider {};

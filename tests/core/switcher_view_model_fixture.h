@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "tests/core/session_doubles.h"
-#include "tests/core/test_window.h"
 
 namespace ferrowyn {
 

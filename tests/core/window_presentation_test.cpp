@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/core/test_window.h"
+#include "tests/core/session_doubles.h"
 
 namespace ferrowyn::WindowPresentation {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "platform/simulated/simulated_desktop.h"
 #include "tests/input/print_log_line.h"
-#include "tests/input/recording_event_tap.h"
+#include "tests/input/tap_doubles.h"
 
 namespace ferrowyn {
 namespace {

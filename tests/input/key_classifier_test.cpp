@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "tests/input/stub_tap_event.h"
+#include "tests/input/tap_doubles.h"
 
 namespace ferrowyn {
 namespace {

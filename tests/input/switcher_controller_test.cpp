@@ -1,24 +1,7 @@
-#include "input/switcher_controller.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <optional>
-
-#include "input/hot_key_monitor.h"
-#include "input/switcher_panel.h"
-#include "input/window_activator.h"
-#include "inventory/window_index.h"
-#include "platform/main_loop.h"
-#include "platform/platform.h"
-#include "platform/screens.h"
-#include "platform/simulated/simulated_desktop.h"
-#include "platform/user_defaults.h"
-#include "services/accessibility_authorizer.h"
-#include "services/favourites_store.h"
-#include "services/icon_provider.h"
-#include "services/preferences.h"
-#include "tests/input/print_log_line.h"
-#include "tests/input/recording_event_tap.h"
-#include "tests/input/spy_panel.h"
-#include "tests/input/stub_panel_content.h"
+#include "tests/input/switcher_controller_fixture.h"
 
 namespace ferrowyn {
 namespace {
@@ -28,90 +11,6 @@ using namespace command;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::Not;
-using LogLine = SimulatedDesktop::LogLine;
-
-constexpr Pid editor = 100;
-constexpr Pid browser = 200;
-
-/// Five windows, 1 to 5 in the order of their use, on the first screen; 1, 2 and 3 are the editor's.
-class SwitcherControllerTest : public ::testing::Test {
-protected:
-    SwitcherControllerTest()
-        : spy(desktop.platform().panel), platform(replacedIn(desktop.platform(), {.panel = &spy})) {
-        desktop.launch({.pid = editor, .bundleIdentifier = "org.editor", .localizedName = "Editor"});
-        desktop.launch({.pid = browser, .bundleIdentifier = "org.browser", .localizedName = "Browser"});
-        for (const WindowId id : {5U, 4U, 3U, 2U, 1U}) {
-            desktop.openWindow({.id = id, .pid = id > 3 ? browser : editor, .title = "Window " + std::to_string(id)});
-        }
-        desktop.setFrontmost(editor);
-        desktop.movePointer({700, 400});
-        preferences.showShortcutHints.set(false);
-        auto viewModel = std::make_unique<SwitcherViewModel>(
-            preferences.sessionSettings(), iconProvider, favourites, [this] { return desktop.frontmostPid(); },
-            [this](std::function<void()> task) { platform.mainLoop.post(std::move(task)); });
-        viewModel->bind(windowIndex.windows(), authorizer.status());
-        controller.emplace(platform,
-                           SwitcherController::Parts{.panel = std::make_unique<SwitcherPanel>(spy),
-                                                     .viewModel = std::move(viewModel),
-                                                     .activator = std::make_unique<WindowActivator>(platform),
-                                                     .preferences = preferences,
-                                                     .favourites = favourites,
-                                                     .windowIndex = windowIndex,
-                                                     .authorizer = authorizer,
-                                                     .hotKeyMonitor = monitor},
-                           stubContentFactory(content));
-        setUpCalls = desktop.panel().calls;
-        windowIndex.start();
-        desktop.settle();
-        // The observers' own notifications are history.
-        desktop.advance(1s);
-        forgetLog();
-        forgetCalls();
-    }
-
-    void forgetLog() { static_cast<void>(desktop.takeLog()); }
-    void forgetCalls() { static_cast<void>(desktop.takeControlCalls()); }
-    SwitcherViewModel& viewModel() { return controller->viewModel(); }
-    int selection() { return viewModel().selectedIndex.get(); }
-    std::vector<WindowId> shownWindows() {
-        std::vector<WindowId> ids;
-        for (const auto& row : viewModel().rows.get()) {
-            ids.push_back(row.window->id);
-        }
-        return ids;
-    }
-    AppWindow rowWindow(std::size_t row) { return viewModel().rows.get().at(row).window; }
-    TapState::Snapshot tapSnapshot() { return monitor.state().snapshot(); }
-    /// A tap that is told what the controller passes on.
-    std::shared_ptr<RecordingEventTap> record() {
-        auto tap = std::make_shared<RecordingEventTap>(monitor.state());
-        monitor.state().setTapPort(tap);
-        return tap;
-    }
-    void closeAllWindows() {
-        for (const WindowId id : {1U, 2U, 3U, 4U, 5U}) {
-            desktop.closeWindow(id);
-        }
-        desktop.advance(1s);
-    }
-
-    SimulatedDesktop desktop;
-    SpyPanel spy;
-    Platform platform;
-    Preferences preferences{platform.userDefaults};
-    AccessibilityAuthorizer authorizer{platform};
-    IconProvider iconProvider{platform.icons, platform.workspace};
-    WindowIndex windowIndex{platform};
-    HotKeyMonitor monitor{platform, SwitcherModifier::option};
-    FavouritesStore favourites{platform.userDefaults, platform.workspace};
-    SwitcherContentCallbacks content;
-    std::optional<SwitcherController> controller;
-    std::vector<std::string> setUpCalls;
-};
-
-// --- opening and closing
-// ----------------------------------------------------------------------------------------------
 
 TEST_F(SwitcherControllerTest, WarmsTheContentUpWhereNobodySeesIt) {
     EXPECT_THAT(setUpCalls, ElementsAre("setFrame -10000 -10000 640 300", "orderFront", "layOutContent", "orderOut"));
@@ -233,9 +132,6 @@ TEST_F(SwitcherControllerTest, TheMenuOpensAPinnedSessionWithTheFirstRow) {
     content.onHover(3);
     EXPECT_EQ(selection(), 0) << "the panel has come under the pointer, which chooses nothing by that";
 }
-
-// --- confirming
-// -------------------------------------------------------------------------------------------------------
 
 TEST_F(SwitcherControllerTest, ThePanelIsGoneBeforeTheActivationStarts) {
     std::optional<std::size_t> callsAtOrderOut;
@@ -366,134 +262,6 @@ TEST_F(SwitcherControllerTest, TogglesTheSelectedApplicationAsAFavouriteAndKeeps
     EXPECT_THAT(favourites.bundleIdentifiers().get(), IsEmpty());
 }
 
-// --- pointer
-// ----------------------------------------------------------------------------------------------------------
-
-TEST_F(SwitcherControllerTest, AHoverRightAfterAKeyDoesNotSelect) {
-    controller->handle(Invoke{false});
-    content.onHover(3);
-    EXPECT_EQ(selection(), 1);
-    desktop.movePointer({703, 400});
-    content.onHover(3);
-    EXPECT_EQ(selection(), 1) << "three points are not more than three";
-    desktop.movePointer({703.1, 400});
-    content.onHover(3);
-    EXPECT_EQ(selection(), 3);
-    EXPECT_FALSE(viewModel().isPinned.get());
-    content.onHover(0);
-    EXPECT_EQ(selection(), 0) << "the pointer is live now";
-    controller->handle(Invoke{false});
-    content.onHover(4);
-    EXPECT_EQ(selection(), 1) << "until the next key";
-}
-
-TEST_F(SwitcherControllerTest, AHoverOverNoRowSelectsNothing) {
-    controller->handle(Invoke{false});
-    desktop.movePointer({0, 0});
-    content.onHover(-1);
-    content.onHover(5);
-    EXPECT_EQ(selection(), 1);
-}
-
-TEST_F(SwitcherControllerTest, CommandsThatDriveNoSelectionLeaveThePointerAlone) {
-    controller->handle(Invoke{false});
-    desktop.movePointer({0, 0});
-    content.onHover(2);
-    controller->handle(ToggleLayout{});
-    controller->handle(ToggleFavourite{});
-    controller->handle(ModifierReleased{});
-    content.onHover(3);
-    EXPECT_EQ(selection(), 3);
-    for (const SwitcherCommand& command :
-         {SwitcherCommand(Invoke{}), SwitcherCommand(Move{0}), SwitcherCommand(MoveVertical{0}),
-          SwitcherCommand(MoveToEdge{true}), SwitcherCommand(SelectIndex{9}), SwitcherCommand(InsertText{"w"}),
-          SwitcherCommand(DeleteBackward{}), SwitcherCommand(ClearQuery{})}) {
-        controller->handle(command);
-        const int before = selection();
-        content.onHover(before == 2 ? 3 : 2);
-        EXPECT_EQ(selection(), before) << command.index();
-        desktop.movePointer({platform.pointer.location().x + 10, 0});
-        content.onHover(2);
-        EXPECT_EQ(selection(), 2) << command.index();
-    }
-}
-
-TEST_F(SwitcherControllerTest, AClickElsewhereClosesAndOneWhileHiddenDoesNothing) {
-    const auto callsBefore = desktop.panel().calls.size();
-    desktop.clickElsewhere();
-    EXPECT_EQ(desktop.panel().calls.size(), callsBefore);
-    controller->handle(Invoke{false});
-    desktop.clickElsewhere();
-    EXPECT_FALSE(controller->isVisible());
-    desktop.settle();
-    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
-}
-
-TEST_F(SwitcherControllerTest, AFavouriteButtonSelectsPinsAndToggles) {
-    controller->handle(Invoke{false});
-    content.onToggleFavourite(rowWindow(3));
-    EXPECT_EQ(viewModel().selectedWindow()->id, 4U);
-    EXPECT_TRUE(viewModel().isPinned.get());
-    EXPECT_THAT(favourites.bundleIdentifiers().get(), ElementsAre("org.browser"));
-}
-
-TEST_F(SwitcherControllerTest, ThePermissionButtonClosesAndOpensTheSettings) {
-    controller->handle(Invoke{false});
-    content.onRequestPermissions();
-    EXPECT_FALSE(controller->isVisible());
-    EXPECT_THAT(desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
-}
-
-TEST_F(SwitcherControllerTest, ContentThatOutlivesItReachesNobody) {
-    controller->handle(Invoke{false});
-    const AppWindow window = rowWindow(0);
-    controller.reset();
-    content.onActivate(window);
-    content.onHover(0);
-    content.onToggleFavourite(window);
-    content.onRequestPermissions();
-    desktop.clickElsewhere();
-    desktop.settle();
-    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
-}
-
-// --- size and place
-// ---------------------------------------------------------------------------------------------------
-
-TEST_F(SwitcherControllerTest, OpensAtItsPlaceWithTheSizeOfItsRows) {
-    controller->handle(Invoke{false});
-    // Five rows: 5 × 52 + 4 + 72; full height 548 on a visible frame of 1440 × 875.
-    EXPECT_EQ(desktop.panel().frame, (Rect{400, 782 - 336, 640, 336}));
-}
-
-TEST_F(SwitcherControllerTest, HasTheHeightOfTheEmptyStateWithoutRows) {
-    closeAllWindows();
-    controller->handle(Invoke{false});
-    EXPECT_EQ(desktop.panel().frame.width, 640);
-    EXPECT_EQ(desktop.panel().frame.height, 188);
-    controller->dismiss();
-    preferences.showShortcutHints.set(true);
-    preferences.layout.set(SwitcherLayout::grid);
-    controller->handle(Invoke{false});
-    EXPECT_EQ(desktop.panel().frame.width, 760);
-    EXPECT_EQ(desktop.panel().frame.height, 222);
-}
-
-TEST_F(SwitcherControllerTest, OpensOnTheScreenOfThePointer) {
-    desktop.setScreens({{{0, 0, 1440, 900}, {0, 0, 1440, 875}}, {{1440, 0, 1000, 900}, {1440, 0, 1000, 875}}});
-    desktop.movePointer({1500, 10});
-    controller->handle(Invoke{false});
-    EXPECT_EQ(desktop.panel().frame.x, 1440 + 500 - 320);
-}
-
-TEST_F(SwitcherControllerTest, TheMenuOpensItOnTheScreenThatThePointerIsOnNow) {
-    desktop.setScreens({{{0, 0, 1440, 900}, {0, 0, 1440, 875}}, {{1440, 0, 1000, 900}, {1440, 0, 1000, 875}}});
-    desktop.movePointerUnnoticed({1500, 10});
-    controller->showFromMenu();
-    EXPECT_EQ(desktop.panel().frame.x, 1440 + 500 - 320);
-}
-
 TEST_F(SwitcherControllerTest, TheMenuOpensAPinnedSessionWithoutAnyRow) {
     closeAllWindows();
     controller->showFromMenu();
@@ -533,62 +301,6 @@ TEST_F(SwitcherControllerTest, PinningWithNothingSelectedPinsNoApplication) {
     EXPECT_FALSE(tapSnapshot().isHoldModeActive);
     EXPECT_THAT(favourites.bundleIdentifiers().get(), IsEmpty());
 }
-
-TEST(SwitcherPanelTest, HasATopEdgeDuringASessionOnly) {
-    SimulatedDesktop desktop;
-    SwitcherPanel panel(desktop.platform().panel);
-    panel.install(std::make_unique<StubPanelContent>());
-    EXPECT_EQ(panel.sessionTopY(), std::nullopt);
-    panel.show({.frame = {400, 200, 640, 300}, .topY = 500});
-    EXPECT_EQ(panel.sessionTopY(), 500);
-    panel.refit({400, 250, 640, 250});
-    EXPECT_EQ(panel.sessionTopY(), 500);
-    panel.hide();
-    EXPECT_EQ(panel.sessionTopY(), std::nullopt);
-}
-
-TEST_F(SwitcherControllerTest, KeepsItsTopEdgeWhileTheRowsChange) {
-    controller->handle(Invoke{false});
-    const double top = desktop.panel().frame.maxY();
-    controller->handle(InsertText{"Window 4"});
-    desktop.settle();
-    EXPECT_EQ(desktop.panel().frame, (Rect{400, top - 124, 640, 124}));
-    controller->handle(ClearQuery{});
-    desktop.settle();
-    EXPECT_EQ(desktop.panel().frame, (Rect{400, top - 336, 640, 336}));
-}
-
-TEST_F(SwitcherControllerTest, FollowsTheLayoutWhileVisible) {
-    controller->handle(Invoke{false});
-    const double top = desktop.panel().frame.maxY();
-    controller->handle(ToggleLayout{});
-    desktop.settle();
-    EXPECT_EQ(desktop.panel().frame, (Rect{400, top - (336 + 2 * 28), 640, 336 + 2 * 28}));
-    controller->handle(ToggleLayout{});
-    desktop.settle();
-    EXPECT_EQ(desktop.panel().frame, (Rect{340, top - 176, 760, 176}));
-}
-
-TEST_F(SwitcherControllerTest, DoesNotTouchTheFrameWhenTheSizeStays) {
-    controller->handle(Invoke{false});
-    desktop.settle();
-    const auto calls = desktop.panel().calls.size();
-    controller->handle(Invoke{false});
-    desktop.setTitle(1, "Renamed");
-    desktop.advance(1s);
-    EXPECT_EQ(desktop.panel().calls.size(), calls);
-}
-
-TEST_F(SwitcherControllerTest, DoesNotMoveWhileHidden) {
-    const auto calls = desktop.panel().calls.size();
-    preferences.layout.set(SwitcherLayout::grid);
-    desktop.closeWindow(1);
-    desktop.advance(1s);
-    EXPECT_EQ(desktop.panel().calls.size(), calls);
-}
-
-// --- what it follows
-// --------------------------------------------------------------------------------------------------
 
 TEST_F(SwitcherControllerTest, FollowsTheTriggerPreference) {
     for (const auto modifier : {SwitcherModifier::control, SwitcherModifier::command, SwitcherModifier::option}) {
@@ -690,76 +402,6 @@ TEST_F(SwitcherControllerTest, AnActivatedWindowLeadsTheList) {
     EXPECT_EQ(windowIndex.windows().get().front().id, 1U);
     desktop.advance(1s);
     EXPECT_EQ(windowIndex.windows().get().front().id, 4U);
-}
-
-// --- preparing the next session
-// ---------------------------------------------------------------------------------------
-
-TEST_F(SwitcherControllerTest, PreparesTheFrameOfTheNextSession) {
-    ASSERT_FALSE(spy.prepared.empty());
-    const Rect prepared = spy.prepared.back();
-    controller->handle(Invoke{false});
-    EXPECT_EQ(desktop.panel().frame, prepared);
-}
-
-TEST_F(SwitcherControllerTest, PreparesOnceForABurstOfChanges) {
-    spy.prepared.clear();
-    preferences.maximumVisibleRows.set(4);
-    preferences.favouritesFirst.set(false);
-    favourites.toggle(windowIndex.windows().get().front());
-    EXPECT_THAT(spy.prepared, IsEmpty());
-    desktop.settle();
-    EXPECT_EQ(spy.prepared.size(), 1U);
-    EXPECT_EQ(spy.prepared.back().height, 4 * 52 + 3 + 72);
-}
-
-TEST_F(SwitcherControllerTest, PreparesWhenAnythingTheNextSessionShowsChanges) {
-    const std::vector<std::function<void()>> changes = {
-        [&] { preferences.includeMinimized.set(false); },
-        [&] { preferences.includeOtherSpaces.set(false); },
-        [&] { preferences.showActiveAppWindowsFirst.set(false); },
-        [&] { preferences.favouritesFirst.set(false); },
-        [&] { preferences.layout.set(SwitcherLayout::grid); },
-        [&] { preferences.showShortcutHints.set(true); },
-        [&] { preferences.maximumVisibleRows.set(5); },
-        [&] { favourites.toggle(windowIndex.windows().get().front()); },
-        [&] { windowIndex.noteActivated(3); },
-        [&] { desktop.setScreenParametersChanged(); },
-        [&] {
-            desktop.setScreens({{{0, 0, 800, 600}, {0, 0, 800, 580}}});
-        },
-        [&] { preferences.modifier.set(SwitcherModifier::command); },
-        [&] { content.onAppearanceChanged(); },
-        [&] {
-            controller->handle(Invoke{false});
-            controller->handle(Cancel{});
-        },
-    };
-    for (std::size_t change = 0; change < changes.size(); ++change) {
-        spy.prepared.clear();
-        changes[change]();
-        desktop.advance(200ms);
-        EXPECT_EQ(spy.prepared.size(), 1U) << change;
-    }
-}
-
-TEST_F(SwitcherControllerTest, PreparesNothingDuringASessionOrWithoutTrust) {
-    controller->handle(Invoke{false});
-    desktop.settle();
-    spy.prepared.clear();
-    preferences.maximumVisibleRows.set(5);
-    desktop.settle();
-    EXPECT_THAT(spy.prepared, IsEmpty());
-    controller->handle(Cancel{});
-    desktop.setTrusted(false);
-    desktop.advance(2s);
-    spy.prepared.clear();
-    preferences.maximumVisibleRows.set(6);
-    desktop.settle();
-    EXPECT_THAT(spy.prepared, IsEmpty());
-    desktop.setTrusted(true);
-    desktop.advance(1s);
-    EXPECT_EQ(spy.prepared.size(), 1U) << "with trust, before anything else has changed";
 }
 
 }  // namespace

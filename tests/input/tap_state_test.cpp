@@ -1,6 +1,6 @@
 #include "input/tap_state.h"
 
-#include "tests/input/recording_event_tap.h"
+#include "tests/input/tap_doubles.h"
 
 namespace ferrowyn {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "tests/inventory/test_window.h"
+#include "tests/inventory/inventory_doubles.h"
 
 namespace ferrowyn {
 namespace {

@@ -9,7 +9,7 @@
 #include "inventory/window_observation_center.h"
 #include "platform/platform.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "tests/inventory/stub_inventory.h"
+#include "tests/inventory/inventory_doubles.h"
 
 namespace ferrowyn {
 namespace {

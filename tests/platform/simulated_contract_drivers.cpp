@@ -1,11 +1,6 @@
 #include "platform/simulated/simulated_desktop.h"
 #include "platform/simulated/simulated_system.h"
-#include "tests/platform/contract/desktop_contract.h"
-#include "tests/platform/contract/event_tap_contract.h"
-#include "tests/platform/contract/login_item_contract.h"
-#include "tests/platform/contract/screens_contract.h"
-#include "tests/platform/contract/user_defaults_contract.h"
-#include "tests/platform/contract/workspace_contract.h"
+#include "tests/platform/contract/contracts.h"
 
 #include <algorithm>
 

@@ -8,8 +8,8 @@
 #include "platform/application.h"
 #include "platform/main_loop.h"
 #include "platform/simulated/simulated_system.h"
-#include "tests/ui/widget_search.h"
-#include "tests/ui/windows_model.h"
+#include "tests/ui/interface_models.h"
+#include "tests/ui/settings_view_fixture.h"
 
 namespace ferrowyn {
 namespace {

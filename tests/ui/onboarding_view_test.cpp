@@ -4,8 +4,8 @@
 #include <QGuiApplication>
 
 #include "platform/simulated/simulated_system.h"
-#include "tests/ui/widget_search.h"
-#include "tests/ui/windows_model.h"
+#include "tests/ui/interface_models.h"
+#include "tests/ui/settings_view_fixture.h"
 #include "ui/windows/utility_window.h"
 
 namespace ferrowyn {

@@ -4,7 +4,6 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPaintEngine>
-#include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
 #include <QSvgRenderer>
@@ -16,7 +15,6 @@
 #include "ui/common/images.h"
 
 namespace ferrowyn::test {
-
 namespace {
 
 double dotsPerInch() {

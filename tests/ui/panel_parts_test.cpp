@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "tests/ui/panel_parts_fixture.h"
+#include "tests/ui/paint_record.h"
 #include "ui/panel/footer_view.h"
 #include "ui/panel/panel_messages.h"
 #include "ui/panel/row_parts.h"

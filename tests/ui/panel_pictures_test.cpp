@@ -9,7 +9,7 @@
 #include <functional>
 #include <string>
 
-#include "tests/ui/panel_model.h"
+#include "tests/ui/interface_models.h"
 #include "ui/panel/switcher_view.h"
 
 // The whole panel, compared with the pictures beside this file. scripts/renew_pictures.sh draws them anew.

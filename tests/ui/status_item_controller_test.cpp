@@ -10,7 +10,7 @@
 #include "platform/simulated/simulated_desktop.h"
 #include "platform/simulated/simulated_display.h"
 #include "platform/simulated/simulated_system.h"
-#include "tests/input/stub_panel_content.h"
+#include "tests/input/panel_doubles.h"
 
 namespace ferrowyn {
 

@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-#include "tests/ui/panel_model.h"
+#include "tests/ui/interface_models.h"
 #include "ui/panel/switcher_view.h"
 
 namespace ferrowyn::test {

@@ -2,12 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <QToolTip>
+#include <QVBoxLayout>
+#include <vector>
 
 #include "ui/common/colors.h"
 #include "ui/common/desktop_looks.h"
 #include "ui/common/images.h"
+#include "ui/common/paint_context.h"
+#include "ui/panel/visual_effect_background.h"
+#include "ui/windows/choice_box.h"
+#include "ui/windows/labels.h"
 #include "ui/windows/window_theme.h"
 
 namespace ferrowyn {
@@ -166,6 +175,159 @@ TEST(SystemLooksTest, SymbolsAreTheDesktopsWhereItHasThem) {
     const QRect own = paintedArea("square.grid.3x2", 14, 1);
     EXPECT_GT(own.width(), 8) << "which the desktop has not";
     EXPECT_LE(own.width(), 17) << "the square in which it stands";
+}
+
+class DesktopPaletteTest : public testing::Test {
+protected:
+    ~DesktopPaletteTest() override {
+        QApplication::setPalette(QPalette());
+        QToolTip::setPalette(QApplication::palette());
+    }
+    DesktopPalette palette;
+};
+
+TEST_F(DesktopPaletteTest, FollowsTheDesktopThereAndBack) {
+    const QPalette own = QApplication::palette();
+    ASSERT_FALSE(WindowTheme::current().isDark);
+    palette.apply({});
+    EXPECT_EQ(QApplication::palette(), own);
+    palette.apply({.scheme = ColorScheme::light});
+    EXPECT_EQ(QApplication::palette(), own) << "the toolkit's own is light already";
+    palette.apply({.scheme = ColorScheme::dark});
+    EXPECT_TRUE(WindowTheme::current().isDark);
+    palette.apply({.scheme = ColorScheme::light});
+    EXPECT_EQ(QApplication::palette(), own);
+    palette.apply({.scheme = ColorScheme::dark});
+    palette.apply({});
+    EXPECT_EQ(QApplication::palette(), own);
+}
+
+TEST_F(DesktopPaletteTest, TakesTheAccent) {
+    const QPalette own = QApplication::palette();
+    palette.apply({.accent = RgbColor{0xE9, 0x54, 0x20}});
+    EXPECT_EQ(Theme::fromPalette(QApplication::palette(), false).accent, QColor(0xE9, 0x54, 0x20));
+    EXPECT_FALSE(WindowTheme::current().isDark);
+    palette.apply({.scheme = ColorScheme::dark, .accent = RgbColor{0x3D, 0xAE, 0xE9}});
+    EXPECT_EQ(Theme::fromPalette(QApplication::palette(), false).accent, QColor(0x3D, 0xAE, 0xE9));
+    EXPECT_TRUE(WindowTheme::current().isDark);
+    palette.apply({});
+    EXPECT_EQ(QApplication::palette(), own);
+}
+
+TEST_F(DesktopPaletteTest, WhatTheToolkitDrawsItselfCanBeReadInEither) {
+    for (const auto scheme : {ColorScheme::dark, ColorScheme::light}) {
+        palette.apply({.scheme = scheme});
+        const auto& all = QApplication::palette();
+        const auto ratio = [](const QPalette& of, QPalette::ColorRole text, QPalette::ColorRole ground) {
+            return contrast::ratio(of.color(text), of.color(ground));
+        };
+        EXPECT_GE(ratio(all, QPalette::WindowText, QPalette::Window), 4.5);
+        EXPECT_GE(ratio(all, QPalette::Text, QPalette::Base), 4.5);
+        EXPECT_GE(ratio(all, QPalette::ButtonText, QPalette::Button), 4.5);
+        EXPECT_GE(ratio(all, QPalette::Link, QPalette::Base), 4.5);
+        EXPECT_GE(ratio(QToolTip::palette(), QPalette::ToolTipText, QPalette::ToolTipBase), 4.5);
+    }
+}
+
+QPalette palette(bool isDark, const QColor& accent) {
+    QPalette palette(isDark ? QColor(0x2A, 0x2A, 0x2E) : QColor(0xF0, 0xF0, 0xF0));
+    palette.setColor(QPalette::Highlight, accent);
+    return palette;
+}
+
+const std::vector<QColor> accents{QColor(0x2F, 0x6F, 0xED), QColor(0xE9, 0x54, 0x20), QColor(0xFF, 0xD7, 0x00),
+                                  QColor(0x12, 0x12, 0x30), QColor(0x3D, 0xAE, 0xE9)};
+
+TEST(WindowThemeTest, EveryTextCanBeReadOnItsGround) {
+    for (const bool isDark : {false, true}) {
+        for (const auto& accent : accents) {
+            const auto theme = WindowTheme::fromPalette(palette(isDark, accent));
+            const auto readable = [&](const QColor& text, const QColor& ground) {
+                return contrast::ratio(contrast::blended(text, ground), ground);
+            };
+            for (const auto& ground : {theme.ground, theme.groupFill}) {
+                EXPECT_GE(readable(theme.textPrimary, ground), 4.5) << isDark;
+                EXPECT_GE(readable(theme.textSecondary, ground), 4.5) << isDark;
+                EXPECT_GE(readable(theme.link, ground), 4.5) << isDark << accent.name().toStdString();
+                EXPECT_GE(readable(theme.success, ground), 3) << isDark;
+                EXPECT_GE(readable(theme.warning, ground), 3) << isDark;
+            }
+            EXPECT_GE(readable(theme.textPrimary, theme.sidebar), 4.5);
+            EXPECT_GE(readable(theme.textPrimary, theme.selectionInactive), 4.5);
+            for (const auto& fill : {theme.controlFill, theme.controlFillHovered, theme.controlFillPressed}) {
+                EXPECT_GE(readable(theme.textPrimary, fill), 4.5);
+            }
+            for (const auto& fill : {theme.accent, theme.accentHovered, theme.accentPressed}) {
+                EXPECT_GE(readable(theme.accentText, fill), 4.5) << accent.name().toStdString();
+            }
+            const QColor cap = contrast::blended(theme.keyCapFill, theme.groupFill);
+            EXPECT_GE(readable(theme.textSecondary, cap), 4.5);
+        }
+    }
+}
+
+TEST(WindowThemeTest, LabelsFollowThePaletteWhileTheyAreShown) {
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(palette(false, accents.front()));
+    TextLabel label(Phrase{"Updates", {}}, TextStyle::note, Tone::secondary);
+    label.show();
+    const QColor light = label.palette().color(QPalette::WindowText);
+    EXPECT_EQ(light, WindowTheme::fromPalette(palette(false, accents.front())).textSecondary);
+    QApplication::setPalette(palette(true, accents.front()));
+    QCoreApplication::processEvents();
+    const QColor dark = label.palette().color(QPalette::WindowText);
+    EXPECT_EQ(dark, WindowTheme::fromPalette(palette(true, accents.front())).textSecondary);
+    EXPECT_NE(light, dark);
+    QApplication::setPalette(before);
+}
+
+TEST(WindowThemeTest, WhatStandsInAWindowFollowsThePaletteWhileItIsShown) {
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(palette(false, accents.front()));
+    QWidget window;
+    auto* const column = new QVBoxLayout(&window);
+    auto* const label = new TextLabel(Phrase{"General", {}}, TextStyle::paneTitle);
+    auto* const box = new ChoiceBox;
+    box->addItem("List");
+    column->addWidget(label);
+    column->addWidget(box);
+    window.show();
+    // There and back, and there again: the toolkit tells the first change to more than the later ones.
+    for (const bool isDark : {true, false, true}) {
+        QApplication::setPalette(palette(isDark, accents.front()));
+        QCoreApplication::processEvents();
+        const auto theme = WindowTheme::fromPalette(palette(isDark, accents.front()));
+        EXPECT_EQ(label->palette().color(QPalette::WindowText), theme.textPrimary) << isDark;
+        EXPECT_EQ(box->view()->palette().color(QPalette::Base), theme.groupFill) << isDark;
+        EXPECT_EQ(box->view()->palette().color(QPalette::Text), theme.textPrimary) << isDark;
+    }
+    QApplication::setPalette(before);
+}
+
+TEST(VisualEffectBackgroundTest, IsOfOneColourFromEdgeToEdgeAtEveryScale) {
+    const Theme theme = Theme::make(false, Qt::blue, true);
+    TextLines lines;
+    SymbolImages symbols;
+    IconImages icons;
+    for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+        for (int height = 588; height <= 592; ++height) {
+            QImage image(20, static_cast<int>(height * scale), QImage::Format_ARGB32_Premultiplied);
+            image.setDevicePixelRatio(scale);
+            image.fill(Qt::red);
+            {
+                QPainter painter(&image);
+                painter.setRenderHint(QPainter::Antialiasing);
+                // Wide enough that the corners lie outside the picture.
+                VisualEffectBackground{.blendingMode = VisualEffectBackground::BlendingMode::behindWindow}.paint(
+                    painter, {-100, 0, 300, static_cast<double>(height)},
+                    PaintContext{theme, macTexts(), lines, symbols, icons, scale});
+            }
+            const QRgb middle = image.pixel(10, image.height() / 2);
+            for (int y = 1; y < image.height() - 1; ++y) {
+                ASSERT_EQ(image.pixel(10, y), middle) << "row " << y << " of " << height << " points at " << scale;
+            }
+        }
+    }
 }
 
 }  // namespace

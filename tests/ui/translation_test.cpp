@@ -9,9 +9,8 @@
 #include <QTranslator>
 #include <string>
 
+#include "tests/ui/interface_models.h"
 #include "tests/ui/settings_view_fixture.h"
-#include "tests/ui/widget_search.h"
-#include "tests/ui/windows_model.h"
 #include "ui/common/translation.h"
 #include "ui/windows/about_view.h"
 #include "ui/windows/onboarding_view.h"

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <set>
 
-#include "tests/ui/panel_parts_fixture.h"
+#include "tests/ui/paint_record.h"
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/common/images.h"
 #include "ui/menu/menu_row_views.h"

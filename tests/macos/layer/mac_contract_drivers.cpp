@@ -5,8 +5,7 @@
 #include "platform/macos/mac_window_control.h"
 #include "platform/macos/mac_window_inventory.h"
 #include "tests/macos/layer/mac_fixture.h"
-#include "tests/platform/contract/desktop_contract.h"
-#include "tests/platform/contract/event_tap_contract.h"
+#include "tests/platform/contract/contracts.h"
 
 namespace ferrowyn::contract {
 namespace {

@@ -5,10 +5,7 @@
 #include "platform/macos/mac_workspace.h"
 #include "tests/macos/objc/fakes/services.h"
 #include "tests/macos/objc/mac_test.h"
-#include "tests/platform/contract/login_item_contract.h"
-#include "tests/platform/contract/screens_contract.h"
-#include "tests/platform/contract/user_defaults_contract.h"
-#include "tests/platform/contract/workspace_contract.h"
+#include "tests/platform/contract/contracts.h"
 
 namespace ferrowyn::contract {
 

@@ -7,7 +7,7 @@
 
 #include "app/user_interface.h"
 #include "platform/macos/mac_status_item.h"
-#include "tests/input/stub_panel_content.h"
+#include "tests/input/panel_doubles.h"
 
 namespace ferrowyn::test {
 

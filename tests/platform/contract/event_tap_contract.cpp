@@ -1,4 +1,4 @@
-#include "tests/platform/contract/event_tap_contract.h"
+#include "tests/platform/contract/contracts.h"
 
 #include <gmock/gmock.h>
 

@@ -10,10 +10,9 @@
 #include <functional>
 #include <string>
 
-#include "tests/ui/gallery/menu_shots.h"
 #include "tests/ui/gallery/sheets.h"
 #include "tests/ui/gallery/window_pictures.h"
-#include "tests/ui/panel_model.h"
+#include "tests/ui/interface_models.h"
 #include "ui/panel/switcher_view.h"
 
 namespace {

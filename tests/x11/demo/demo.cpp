@@ -7,8 +7,7 @@
 #include <string>
 
 #include "tests/x11/demo/demo_stage.h"
-#include "tests/x11/demo/switching_demo.h"
-#include "tests/x11/demo/windows_demo.h"
+#include "tests/x11/demo/demo_steps.h"
 
 int main(int argc, char** argv) {
     std::string program;

@@ -1,10 +1,130 @@
 #include "tests/x11/demo/demo_stage.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 #include <utility>
 
 namespace ferrowyn::x11test {
+namespace {
+
+void require(bool holds, const std::string& what) {
+    if (!holds) {
+        throw std::runtime_error("waited for " + what);
+    }
+}
+
+}  // namespace
+
+DemoDesktop::DemoDesktop(const std::string& programPath)
+    : desktop(server.display()), input(server.display()), programPath_(programPath) {
+    paintBackground();
+    server.home().write("Documents/Minutes.txt", "Minutes\n=======\n\nThe switcher shows every window.\n");
+    server.home().write("Documents/Report.txt", "Report\n");
+    manager = std::make_unique<WindowManagerProcess>(server, "openbox");
+    arrange();
+    program = std::make_unique<FerrowynProgram>(programPath, server);
+    require(program->waitUntilActive(), "the switcher to be active; it said: " + program->process().output());
+    require(program->waitForList(6, desktop.activeWindow()),
+            "six listed windows; it said: " + program->process().output());
+    for (const auto window : {files, editor, build, shell}) {
+        desktop.activate(window);
+        require(desktop.waitForActiveWindow(window), "a window to be active");
+        require(program->waitForFirst(window), "that window to lead the list");
+    }
+}
+
+void DemoDesktop::paintBackground() {
+    auto* const connection = desktop.connection();
+    const int width = desktop.screen()->width_in_pixels;
+    const int height = desktop.screen()->height_in_pixels;
+    const xcb_pixmap_t picture = xcb_generate_id(connection);
+    xcb_create_pixmap(connection, desktop.screen()->root_depth, picture, desktop.root(),
+                      static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
+    const xcb_gcontext_t context = xcb_generate_id(connection);
+    xcb_create_gc(connection, context, picture, 0, nullptr);
+    for (int row = 0; row < height; ++row) {
+        const auto share = static_cast<unsigned>(row * 255 / height);
+        const std::uint32_t colour = (0x24U + share * 0x38U / 255U) << 16U | (0x3CU + share * 0x02U / 255U) << 8U |
+                                     (0x5AU + share * 0x10U / 255U);
+        xcb_change_gc(connection, context, XCB_GC_FOREGROUND, &colour);
+        const xcb_rectangle_t line{0, static_cast<std::int16_t>(row), static_cast<std::uint16_t>(width), 1};
+        xcb_poly_fill_rectangle(connection, picture, context, 1, &line);
+    }
+    xcb_change_window_attributes(connection, desktop.root(), XCB_CW_BACK_PIXMAP, &picture);
+    xcb_clear_area(connection, 0, desktop.root(), 0, 0, 0, 0);
+    xcb_free_gc(connection, context);
+    xcb_free_pixmap(connection, picture);
+    xcb_flush(connection);
+}
+
+xcb_window_t DemoDesktop::launch(const std::vector<std::string>& command, const TestDesktop::Place& place) {
+    const auto before = desktop.clientList();
+    ChildProcess::Options options;
+    options.command = command;
+    options.environment = server.clientEnvironment();
+    applications_.push_back(std::make_unique<ChildProcess>(options));
+    xcb_window_t opened = 0;
+    require(desktop.waitUntil(
+                [&] {
+                    for (const auto window : desktop.clientList()) {
+                        if (std::find(before.begin(), before.end(), window) == before.end()) {
+                            opened = window;
+                        }
+                    }
+                    return opened != 0;
+                },
+                milliseconds{30000}),
+            "the window of " + command.front() + "; it said: " + applications_.back()->output());
+    desktop.activate(opened);
+    require(desktop.waitForActiveWindow(opened), command.front() + " to be active");
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(place.x), static_cast<std::uint32_t>(place.y),
+                                    static_cast<std::uint32_t>(place.width), static_cast<std::uint32_t>(place.height)};
+    xcb_configure_window(desktop.connection(), opened,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         values);
+    xcb_flush(desktop.connection());
+    return opened;
+}
+
+std::string DemoDesktop::ask(const std::string& argument) const {
+    ChildProcess::Options options;
+    options.command = {programPath_, argument};
+    options.environment = server.clientEnvironment();
+    ChildProcess process(options);
+    const auto status = process.waitForExit();
+    if (!status) {
+        return "it does not end";
+    }
+    return *status == 0 ? process.output() : "it ended with " + std::to_string(*status) + ": " + process.output();
+}
+
+void DemoDesktop::arrange() {
+    const std::string documents = server.home().path() + "/Documents";
+    desktop.setDesktopCount(2);
+    files = launch({"pcmanfm", "--no-desktop", documents}, {60, 80, 560, 380});
+    notes = launch({"xedit", "-title", "Notes for Berlin.txt"}, {860, 60, 380, 260});
+    calculator = launch({"xcalc", "-title", "Calculator"}, {980, 320, 220, 300});
+    editor = launch({"mousepad", "--disable-server", documents + "/Minutes.txt"}, {420, 60, 520, 360});
+    // A prompt of their own: a shell's would show this machine's folders in the pictures.
+    const std::vector<std::string> prompt{"-e", "sh", "-c", "printf '~/src/ferrowyn $ '; exec cat"};
+    const auto terminal = [&](const std::string& title, const TestDesktop::Place& place) {
+        std::vector<std::string> command{"xterm", "-fa", "DejaVu Sans Mono", "-fs", "10", "-T", title};
+        command.insert(command.end(), prompt.begin(), prompt.end());
+        return launch(command, place);
+    };
+    build = terminal("build: cmake --build --preset release", {80, 430, 520, 300});
+    shell = terminal("ssh build@larkmoor: ~/src/ferrowyn", {640, 440, 560, 300});
+    desktop.moveToDesktop(notes, 1);
+    require(desktop.waitUntil(
+                [&] { return desktop.cardinals(notes, "_NET_WM_DESKTOP") == std::vector<std::uint32_t>{1}; }, patience),
+            "the notes to be on the second desktop");
+    desktop.watchProperties(calculator);
+    desktop.iconify(calculator);
+    require(desktop.waitUntil([&] { return desktop.hasState(calculator, "_NET_WM_STATE_HIDDEN"); }),
+            "the calculator to be minimised");
+}
 
 DemoStage::DemoStage(const std::string& program, std::string pictures) : desk(program), pictures_(std::move(pictures)) {
     std::filesystem::create_directories(pictures_);

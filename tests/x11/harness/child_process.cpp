@@ -23,7 +23,6 @@ extern "C" {
 }
 
 namespace ferrowyn::x11test {
-
 namespace {
 
 [[noreturn]] void becomeProgram(const ChildProcess::Options& options, int terminal) {

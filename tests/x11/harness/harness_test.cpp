@@ -1,11 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/x11/harness/private_x_server.h"
+#include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_input.h"
 #include "tests/x11/harness/test_window.h"
-#include "tests/x11/harness/window_manager_process.h"
 
 namespace ferrowyn::x11test {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/x11/harness/deadline.h"
+#include "tests/x11/harness/child_process.h"
 
 namespace ferrowyn::x11test {
 
@@ -101,5 +101,8 @@ private:
     /// Never shown; its property's changes tell the server's time.
     xcb_window_t clock_;
 };
+
+/// Where the switcher's icon is on the screen while a tray embeds it; nothing when none does.
+[[nodiscard]] std::optional<TestDesktop::Place> embeddedTrayIcon(const TestDesktop& desktop);
 
 }  // namespace ferrowyn::x11test

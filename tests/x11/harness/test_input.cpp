@@ -1,10 +1,6 @@
 #include "tests/x11/harness/test_input.h"
 
-#include <xcb/xtest.h>
-
 #include <stdexcept>
-
-#include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn::x11test {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/x11/harness/deadline.h"
+#include "tests/x11/harness/child_process.h"
 
 namespace ferrowyn::x11test {
 

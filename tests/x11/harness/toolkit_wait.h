@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <functional>
 
-#include "tests/x11/harness/deadline.h"
+#include "tests/x11/harness/child_process.h"
 
 namespace ferrowyn::x11test {
 

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/switcher_options.h"
+#include "input/tap_state.h"
+#include "platform/event_tap.h"
+
+namespace ferrowyn {
+
+/// An event that types different texts with its own flags, with none and with Shift alone, so that a test sees which
+/// one was asked for.
+class StubTapEvent final : public TapEvent {
+public:
+    StubTapEvent(Type type, std::uint16_t keyCode, std::uint64_t flags)
+        : type_(type), keyCode_(keyCode), flags_(flags) {}
+
+    [[nodiscard]] Type type() const override { return type_; }
+    [[nodiscard]] std::uint64_t flags() const override { return flags_; }
+    [[nodiscard]] std::uint16_t keyCode() const override { return keyCode_; }
+    [[nodiscard]] std::u16string text(std::optional<std::uint64_t> withFlags) const override {
+        if (!withFlags) {
+            return ownText;
+        }
+        return *withFlags == event_flags::shift ? shiftedText : (*withFlags == 0 ? plainText : wrongText);
+    }
+
+    std::u16string ownText = u"own";
+    std::u16string plainText = u"plain";
+    std::u16string shiftedText = u"shifted";
+    std::u16string wrongText = u"asked with other flags";
+
+private:
+    Type type_;
+    std::uint16_t keyCode_;
+    std::uint64_t flags_;
+};
+
+/// A tap that writes down what it is told, and what the shared state said at that moment. Reading the state from inside
+/// a call also proves that no call is made while its lock is held.
+class RecordingEventTap final : public EventTap {
+public:
+    explicit RecordingEventTap(const TapState& state) : state_(state) {}
+
+    struct SessionCall {
+        bool isOpen = false;
+        bool wasVisible = false;
+        bool wasHolding = false;
+        friend bool operator==(const SessionCall&, const SessionCall&) = default;
+    };
+
+    void setEnabled(bool enabled) override { isEnabled_ = enabled; }
+    [[nodiscard]] bool isEnabled() const override { return isEnabled_; }
+    void invalidate() override { calls.emplace_back("invalidate"); }
+    void setTrigger(SwitcherModifier modifier) override {
+        triggers.push_back(modifier);
+        flagsAtTrigger.push_back(state_.snapshot().modifierFlag);
+    }
+    void setSessionOpen(bool isOpen) override {
+        const auto now = state_.snapshot();
+        sessions.push_back({isOpen, now.isSwitcherVisible, now.isHoldModeActive});
+        calls.emplace_back(isOpen ? "open" : "closed");
+    }
+
+    std::vector<std::string> calls;
+    std::vector<SessionCall> sessions;
+    std::vector<SwitcherModifier> triggers;
+    std::vector<std::uint64_t> flagsAtTrigger;
+
+private:
+    const TapState& state_;
+    bool isEnabled_ = false;
+};
+
+}  // namespace ferrowyn

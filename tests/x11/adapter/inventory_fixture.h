@@ -1,0 +1,119 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <QCoreApplication>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/qt/qt_main_loop.h"
+#include "platform/x11/x11_accessibility_observers.h"
+#include "platform/x11/x11_desktop_monitor.h"
+#include "platform/x11/x11_desktop_reader.h"
+#include "platform/x11/x11_element.h"
+#include "platform/x11/x11_inventory_reading.h"
+#include "platform/x11/x11_trust.h"
+#include "platform/x11/x11_window_control.h"
+#include "platform/x11/x11_window_inventory.h"
+#include "platform/x11/x11_workspace.h"
+#include "tests/x11/harness/desktop_processes.h"
+#include "tests/x11/harness/test_desktop.h"
+#include "tests/x11/harness/test_window.h"
+
+namespace ferrowyn::x11test {
+
+/// Remembers what was logged.
+class RememberingLog final : public Log {
+public:
+    void write(LogLevel /*level*/, std::string_view category, std::string_view message) override {
+        lines.push_back(std::string(category) + ": " + std::string(message));
+    }
+    std::vector<std::string> lines;
+};
+
+/// The adapter without keyboard and panel, on a display of the test's own.
+class AdapterParts {
+public:
+    explicit AdapterParts(const std::string& display);
+
+    /// Runs the main loop until the predicate holds; false when it does not within the harness's patience.
+    [[nodiscard]] bool runUntil(const std::function<bool()>& predicate, milliseconds budget = patience);
+    [[nodiscard]] bool runUntilKnown(xcb_window_t window);
+    /// A fresh reading, as a snapshot worker takes one.
+    [[nodiscard]] std::unique_ptr<X11InventoryReading> read();
+    /// The window as its application's part of a fresh reading describes it.
+    [[nodiscard]] std::optional<AccessibleWindow> accessibleWindow(xcb_window_t window);
+    /// The window as a fresh reading's window list describes it.
+    [[nodiscard]] std::optional<WindowServerEntry> listedWindow(xcb_window_t window);
+
+    QCoreApplication& qtApplication;
+    QtMainLoop mainLoop;
+    RememberingLog log;
+    X11InputContext context;
+    std::atomic<double> scale{1.0};
+    bool isConnectionLost = false;
+    X11FocusHistory history;
+    X11ApplicationDirectory directory;
+
+private:
+    std::unique_ptr<X11Connection> eventConnection_;
+
+public:
+    X11Atoms atoms;
+    X11DesktopMonitor monitor;
+    X11DesktopReader reader;
+    X11WindowInventory inventory;
+    X11AccessibilityObservers observers;
+    X11WindowControl control;
+    X11Workspace workspace;
+};
+
+/// As a short text, for comparing sequences.
+[[nodiscard]] std::string nameOf(WorkspaceEvent::Kind kind);
+
+/// Says on the root window what a window manager says, as the test tells it to: for states that no real manager shows
+/// on demand. It manages nothing.
+class ScriptedManager {
+public:
+    explicit ScriptedManager(const std::string& display);
+    ~ScriptedManager();
+    ScriptedManager(const ScriptedManager&) = delete;
+    ScriptedManager& operator=(const ScriptedManager&) = delete;
+
+    /// Bottom-most first.
+    void publishStacking(const std::vector<xcb_window_t>& windows);
+    void publishActive(xcb_window_t window);
+    void publishCurrentDesktop(std::uint32_t desktop);
+    void publishSupported(const std::vector<std::string>& atoms);
+    /// Any property of any window.
+    void set(xcb_window_t window, const std::string& property, const std::string& type, std::uint8_t format,
+             const void* data, std::uint32_t count);
+    void setCardinal(xcb_window_t window, const std::string& property, std::uint32_t value);
+    void setAtoms(xcb_window_t window, const std::string& property, const std::vector<std::string>& values);
+    void remove(xcb_window_t window, const std::string& property);
+    void removeFromRoot(const std::string& property) { remove(root_, property); }
+    /// The check window goes, as when the manager is killed; the properties on the root stay.
+    void die();
+    /// An unmapped window of this client, as plain as can be.
+    [[nodiscard]] xcb_window_t createWindow(int x = 0, int y = 0, int width = 200, int height = 100);
+    void destroyWindow(xcb_window_t window);
+    void mapWindow(xcb_window_t window);
+    [[nodiscard]] xcb_window_t root() const { return root_; }
+    [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
+    [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
+
+private:
+    void synchronize() const;
+
+    xcb_connection_t* connection_;
+    xcb_window_t root_;
+    xcb_window_t checkWindow_;
+};
+
+}  // namespace ferrowyn::x11test

@@ -1,0 +1,465 @@
+#include <unistd.h>
+#include <chrono>
+#include <numeric>
+
+#include "tests/x11/adapter/inventory_fixture.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+/// A desktop on which the test says what a window manager would.
+class InventorySnapshotTest : public testing::Test {
+protected:
+    InventorySnapshotTest() : InventorySnapshotTest(std::vector<std::string>{}) {}
+    explicit InventorySnapshotTest(const std::vector<std::string>& serverArguments)
+        : server({"1280x800x24"}, serverArguments), manager(server.display()), parts(server.display()) {
+        manager.publishCurrentDesktop(0);
+    }
+
+    /// A listed window of type normal, the only one.
+    xcb_window_t onlyWindow(int x = 10, int y = 20, int width = 300, int height = 200) {
+        const auto window = manager.createWindow(x, y, width, height);
+        manager.mapWindow(window);
+        manager.publishStacking({window});
+        return window;
+    }
+    std::string titleOf(xcb_window_t window) {
+        return parts.accessibleWindow(window).value().title.value_or("(absent)");
+    }
+    void setTitle(xcb_window_t window, const std::string& property, const std::string& type, const std::string& bytes) {
+        manager.set(window, property, type, 8, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    }
+    std::string subroleWith(const std::vector<std::string>& types) {
+        const auto window = onlyWindow();
+        manager.setAtoms(window, "_NET_WM_WINDOW_TYPE", types);
+        return parts.accessibleWindow(window).value().subrole.value_or("(absent)");
+    }
+
+    /// The dialog that a fresh reading says takes the window's input.
+    std::optional<WindowId> blockerOf(xcb_window_t window) {
+        const auto dialog = parts.accessibleWindow(window).value().blockedBy;
+        return dialog ? std::optional(dialog->id) : std::nullopt;
+    }
+    void setGroup(xcb_window_t window, xcb_window_t leader) {
+        const std::uint32_t hints[9] = {1U << 6U, 0, 0, 0, 0, 0, 0, 0, leader};
+        manager.set(window, "WM_HINTS", "WM_HINTS", 32, hints, 9);
+    }
+
+    PrivateXServer server;
+    ScriptedManager manager;
+    AdapterParts parts;
+};
+
+std::vector<WindowId> idsOf(const InventoryReading& reading) {
+    std::vector<WindowId> ids;
+    const auto list = reading.windowList().value();
+    for (const auto& entry : list) {
+        ids.push_back(entry.id.value());
+    }
+    return ids;
+}
+
+TEST_F(InventorySnapshotTest, ListsTheFrontMostWindowFirst) {
+    const auto bottom = manager.createWindow();
+    const auto middle = manager.createWindow();
+    const auto top = manager.createWindow();
+    manager.publishStacking({bottom, middle, top});
+    EXPECT_THAT(idsOf(*parts.read()), ElementsAre(top, middle, bottom));
+}
+
+TEST_F(InventorySnapshotTest, FallsBackOnTheListInMappingOrderOfAManagerThatDoesNotStack) {
+    const auto first = manager.createWindow();
+    const auto second = manager.createWindow();
+    const std::vector<xcb_window_t> list{first, second};
+    manager.removeFromRoot("_NET_CLIENT_LIST_STACKING");
+    manager.set(manager.root(), "_NET_CLIENT_LIST", "WINDOW", 32, list.data(), 2);
+    EXPECT_THAT(idsOf(*parts.read()), ElementsAre(second, first));
+}
+
+TEST_F(InventorySnapshotTest, LeavesOutTheDesktopAndDocks) {
+    const auto desktop = manager.createWindow();
+    const auto dock = manager.createWindow();
+    const auto window = manager.createWindow();
+    manager.setAtoms(desktop, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_DESKTOP"});
+    manager.setAtoms(dock, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_DOCK"});
+    manager.publishStacking({desktop, window, dock});
+    EXPECT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    EXPECT_FALSE(parts.accessibleWindow(dock).has_value());
+}
+
+TEST_F(InventorySnapshotTest, TellsFramesInPointsOfTheRoot) {
+    const auto window = onlyWindow(30, 40, 300, 200);
+    parts.scale = 2.0;
+    const auto accessible = parts.accessibleWindow(window).value();
+    EXPECT_EQ(accessible.position, (Point{15, 20}));
+    EXPECT_EQ(accessible.size, (Size{150, 100}));
+    EXPECT_EQ(parts.listedWindow(window)->bounds, (Rect{15, 20, 150, 100}));
+}
+
+TEST_F(InventorySnapshotTest, GivesSubrolesByTypeAndTransience) {
+    EXPECT_EQ(subroleWith({"_NET_WM_WINDOW_TYPE_NORMAL"}), "AXStandardWindow");
+    EXPECT_EQ(subroleWith({"_NET_WM_WINDOW_TYPE_DIALOG"}), "AXDialog");
+    EXPECT_EQ(subroleWith({"_TOOLKIT_PRIVATE_TYPE", "_NET_WM_WINDOW_TYPE_DIALOG"}), "AXDialog");
+    EXPECT_EQ(subroleWith({"_NET_WM_WINDOW_TYPE_UTILITY"}), "AXFloatingWindow");
+    EXPECT_EQ(subroleWith({"_NET_WM_WINDOW_TYPE_NOTIFICATION"}), "AXUnknown");
+
+    const auto untyped = onlyWindow();
+    EXPECT_EQ(parts.accessibleWindow(untyped)->subrole, "AXStandardWindow");
+    const auto parent = manager.createWindow();
+    manager.set(untyped, "WM_TRANSIENT_FOR", "WINDOW", 32, &parent, 1);
+    EXPECT_EQ(parts.accessibleWindow(untyped)->subrole, "AXDialog");
+}
+
+TEST_F(InventorySnapshotTest, GivesAWindowThatSkipsTheTaskbarAnotherSubrole) {
+    const auto window = onlyWindow();
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_SKIP_TASKBAR"});
+    EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXUnknown");
+}
+
+TEST_F(InventorySnapshotTest, KeepsADialogThatItsManagerKeepsOffTheTaskbar) {
+    const auto window = onlyWindow();
+    const auto parent = manager.createWindow();
+    manager.set(window, "WM_TRANSIENT_FOR", "WINDOW", 32, &parent, 1);
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_SKIP_TASKBAR"});
+    EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXDialog");
+    manager.setAtoms(window, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_NORMAL"});
+    EXPECT_EQ(parts.accessibleWindow(window)->subrole, "AXUnknown");
+}
+
+TEST_F(InventorySnapshotTest, TellsWhichModalDialogTakesAWindowsInput) {
+    const auto document = manager.createWindow();
+    const auto dialog = manager.createWindow();
+    const auto question = manager.createWindow();
+    const auto other = manager.createWindow();
+    manager.publishStacking({other, document, dialog, question});
+    manager.set(dialog, "WM_TRANSIENT_FOR", "WINDOW", 32, &document, 1);
+    EXPECT_EQ(blockerOf(document), std::nullopt) << "it is not modal";
+    manager.setAtoms(dialog, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    EXPECT_EQ(blockerOf(document), dialog);
+    EXPECT_EQ(blockerOf(dialog), std::nullopt);
+    EXPECT_EQ(blockerOf(other), std::nullopt);
+    // A question of the dialog takes the input of both.
+    manager.set(question, "WM_TRANSIENT_FOR", "WINDOW", 32, &dialog, 1);
+    manager.setAtoms(question, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    EXPECT_EQ(blockerOf(document), question);
+    EXPECT_EQ(blockerOf(dialog), question);
+    EXPECT_EQ(blockerOf(question), std::nullopt);
+}
+
+TEST_F(InventorySnapshotTest, AModalDialogOfNoWindowInParticularBlocksItsGroup) {
+    const auto leader = manager.createWindow();
+    const auto document = manager.createWindow();
+    const auto palette = manager.createWindow();
+    const auto stranger = manager.createWindow();
+    const auto dialog = manager.createWindow();
+    const auto itsOwn = manager.createWindow();
+    manager.publishStacking({stranger, document, palette, dialog, itsOwn});
+    for (const auto window : {document, palette, dialog, itsOwn}) {
+        setGroup(window, leader);
+    }
+    manager.setAtoms(dialog, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    manager.set(itsOwn, "WM_TRANSIENT_FOR", "WINDOW", 32, &dialog, 1);
+    const auto root = manager.root();
+    for (const bool namesTheRoot : {false, true}) {
+        if (namesTheRoot) {
+            manager.set(dialog, "WM_TRANSIENT_FOR", "WINDOW", 32, &root, 1);
+        }
+        EXPECT_EQ(blockerOf(document), dialog);
+        EXPECT_EQ(blockerOf(palette), dialog);
+        EXPECT_EQ(blockerOf(stranger), std::nullopt);
+        EXPECT_EQ(blockerOf(dialog), std::nullopt);
+        EXPECT_EQ(blockerOf(itsOwn), std::nullopt) << "the dialog has opened it";
+    }
+}
+
+TEST_F(InventorySnapshotTest, DialogsThatBlockEachOtherAreNoEndlessQuestion) {
+    const auto first = manager.createWindow();
+    const auto second = manager.createWindow();
+    manager.publishStacking({first, second});
+    manager.set(first, "WM_TRANSIENT_FOR", "WINDOW", 32, &second, 1);
+    manager.set(second, "WM_TRANSIENT_FOR", "WINDOW", 32, &first, 1);
+    manager.setAtoms(first, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    manager.setAtoms(second, "_NET_WM_STATE", {"_NET_WM_STATE_MODAL"});
+    EXPECT_EQ(blockerOf(first), second);
+    EXPECT_EQ(blockerOf(second), first);
+}
+
+TEST_F(InventorySnapshotTest, KeepsWindowsThatAreAlwaysOnTopInTheNormalLayerAndPutsNotificationsAbove) {
+    const auto onTop = onlyWindow();
+    manager.setAtoms(onTop, "_NET_WM_STATE", {"_NET_WM_STATE_ABOVE"});
+    EXPECT_EQ(parts.listedWindow(onTop)->layer, 0);
+    const auto notification = onlyWindow();
+    manager.setAtoms(notification, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_NOTIFICATION"});
+    EXPECT_GT(parts.listedWindow(notification)->layer.value(), 0);
+}
+
+TEST_F(InventorySnapshotTest, ReadsOpacityAndLeavesItOutWhereTheWindowDoesNotSay) {
+    const auto window = onlyWindow();
+    EXPECT_EQ(parts.listedWindow(window)->alpha, std::nullopt);
+    manager.setCardinal(window, "_NET_WM_WINDOW_OPACITY", 0x80000000U);
+    EXPECT_NEAR(parts.listedWindow(window)->alpha.value(), 0.5, 1e-6);
+    manager.setCardinal(window, "_NET_WM_WINDOW_OPACITY", 0xFFFFFFFFU);
+    EXPECT_EQ(parts.listedWindow(window)->alpha, 1.0);
+}
+
+TEST_F(InventorySnapshotTest, CountsAsOnScreenWhatIsMappedHereAndNotHidden) {
+    const auto here = manager.createWindow();
+    const auto elsewhere = manager.createWindow();
+    const auto everywhere = manager.createWindow();
+    const auto unmapped = manager.createWindow();
+    const auto minimised = manager.createWindow();
+    for (const auto window : {here, elsewhere, everywhere, minimised}) {
+        manager.mapWindow(window);
+    }
+    manager.setCardinal(here, "_NET_WM_DESKTOP", 0);
+    manager.setCardinal(elsewhere, "_NET_WM_DESKTOP", 1);
+    manager.setCardinal(everywhere, "_NET_WM_DESKTOP", 0xFFFFFFFFU);
+    manager.setAtoms(minimised, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+    manager.publishStacking({here, elsewhere, everywhere, unmapped, minimised});
+    EXPECT_THAT(parts.read()->onScreenWindowIds(), UnorderedElementsAre(here, everywhere));
+    EXPECT_EQ(parts.listedWindow(elsewhere)->isOnScreen, false);
+    EXPECT_EQ(parts.listedWindow(everywhere)->isOnScreen, true);
+}
+
+TEST_F(InventorySnapshotTest, TellsMinimisedAndFullScreenWindows) {
+    const auto window = onlyWindow();
+    EXPECT_EQ(parts.accessibleWindow(window)->isMinimized, false);
+    EXPECT_EQ(parts.accessibleWindow(window)->isFullScreen, false);
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+    EXPECT_EQ(parts.accessibleWindow(window)->isMinimized, true);
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_FULLSCREEN"});
+    EXPECT_EQ(parts.accessibleWindow(window)->isMinimized, false);
+    EXPECT_EQ(parts.accessibleWindow(window)->isFullScreen, true);
+}
+
+TEST_F(InventorySnapshotTest, BelievesTheIconicStateOnlyOfManagersThatHaveNoOther) {
+    const auto window = onlyWindow();
+    const std::uint32_t iconic[] = {3, 0};
+    manager.set(window, "WM_STATE", "WM_STATE", 32, iconic, 2);
+    EXPECT_EQ(parts.accessibleWindow(window)->isMinimized, false);
+    manager.publishSupported({"_NET_ACTIVE_WINDOW"});
+    EXPECT_EQ(parts.accessibleWindow(window)->isMinimized, true);
+}
+
+TEST_F(InventorySnapshotTest, PrefersTheUtf8TitleAndFallsBackOnTheOldForms) {
+    const auto window = onlyWindow();
+    setTitle(window, "WM_NAME", "STRING", "caf\xE9");
+    EXPECT_EQ(titleOf(window), "caf\xC3\xA9");
+    setTitle(window, "WM_NAME", "COMPOUND_TEXT", "\x1B%G\xE2\x82\xAC\x1B%@ ok");
+    EXPECT_EQ(titleOf(window), "\xE2\x82\xAC ok");
+    setTitle(window, "WM_NAME", "UTF8_STRING", "\xE2\x82\xAC");
+    EXPECT_EQ(titleOf(window), "\xE2\x82\xAC");
+    setTitle(window, "_NET_WM_NAME", "UTF8_STRING", "New");
+    EXPECT_EQ(titleOf(window), "New");
+    setTitle(window, "_NET_WM_NAME", "UTF8_STRING", "");
+    EXPECT_EQ(titleOf(window), "");
+}
+
+TEST_F(InventorySnapshotTest, RepairsInvalidTitles) {
+    const auto window = onlyWindow();
+    setTitle(window, "_NET_WM_NAME", "UTF8_STRING",
+             "a\xFF"
+             "b\xC3");
+    EXPECT_EQ(titleOf(window),
+              "a\xEF\xBF\xBD"
+              "b\xEF\xBF\xBD");
+}
+
+TEST_F(InventorySnapshotTest, CutsATitleOfMegabytesBetweenCharacters) {
+    const auto window = onlyWindow();
+    std::string title = "x";  // shifts the three-byte characters so that the cut falls into one
+    while (title.size() < 250'000) {
+        title += "\xE2\x82\xAC";
+    }
+    // One request holds no more than this; a title grows to megabytes by appending.
+    setTitle(window, "_NET_WM_NAME", "UTF8_STRING", title);
+    for (int part = 0; part < 8; ++part) {
+        xcb_change_property(manager.connection(), XCB_PROP_MODE_APPEND, window, manager.atom("_NET_WM_NAME"),
+                            manager.atom("UTF8_STRING"), 8, static_cast<std::uint32_t>(title.size()), title.data());
+    }
+    manager.mapWindow(window);
+    const auto shown = titleOf(window);
+    EXPECT_GT(shown.size(), 1000U);
+    EXPECT_LE(shown.size(), 4096U);
+    EXPECT_EQ((shown.size() - 1) % 3, 0U);
+    EXPECT_EQ(shown, title.substr(0, shown.size()));
+}
+
+TEST_F(InventorySnapshotTest, ReadsPropertiesOfTheWrongTypeOrFormatAsAbsent) {
+    const auto window = onlyWindow();
+    const std::uint32_t number = 1;
+    const std::uint16_t halves[] = {1, 0};
+    manager.set(window, "_NET_WM_NAME", "CARDINAL", 32, &number, 1);
+    manager.set(window, "_NET_WM_WINDOW_TYPE", "STRING", 8, "dock", 4);
+    manager.set(window, "_NET_WM_STATE", "ATOM", 16, halves, 2);
+    manager.set(window, "_NET_WM_DESKTOP", "CARDINAL", 16, halves, 2);
+    manager.set(window, "_NET_WM_WINDOW_OPACITY", "CARDINAL", 8, "\0", 1);
+    manager.set(window, "WM_TRANSIENT_FOR", "CARDINAL", 32, &number, 1);
+    manager.set(window, "WM_CLASS", "CARDINAL", 32, &number, 1);
+    const auto accessible = parts.accessibleWindow(window).value();
+    EXPECT_EQ(accessible.title, "");
+    EXPECT_EQ(accessible.subrole, "AXStandardWindow");
+    EXPECT_EQ(accessible.isMinimized, false);
+    const auto entry = parts.listedWindow(window).value();
+    EXPECT_EQ(entry.isOnScreen, true);
+    EXPECT_EQ(entry.alpha, std::nullopt);
+}
+
+TEST_F(InventorySnapshotTest, TakesAListOfTheWrongTypeForNoList) {
+    const auto window = onlyWindow();
+    ASSERT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    manager.setCardinal(manager.root(), "_NET_CLIENT_LIST_STACKING", window);
+    EXPECT_THAT(idsOf(*parts.read()), ElementsAre(window)) << "the windows are still those of the latest list";
+}
+
+TEST_F(InventorySnapshotTest, SkipsWindowsThatVanishedAfterTheListWasRead) {
+    const auto before = manager.createWindow();
+    const auto gone = manager.createWindow();
+    const auto after = manager.createWindow();
+    manager.publishStacking({before, gone, after});
+    manager.destroyWindow(gone);
+    const auto reading = parts.read();
+    EXPECT_THAT(idsOf(*reading), ElementsAre(after, before));
+    EXPECT_LE(reading->roundTrips(), 3);
+}
+
+TEST_F(InventorySnapshotTest, KeepsTheWindowsWhileAManagerIsBeingReplaced) {
+    const auto window = onlyWindow();
+    ASSERT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    manager.die();
+    manager.removeFromRoot("_NET_CLIENT_LIST_STACKING");
+    EXPECT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    manager.publishStacking({});
+    EXPECT_THAT(idsOf(*parts.read()), IsEmpty());
+}
+
+TEST_F(InventorySnapshotTest, TakesAListThatItsManagerHasDeletedForEmpty) {
+    const auto window = onlyWindow();
+    ASSERT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    manager.removeFromRoot("_NET_CLIENT_LIST_STACKING");
+    EXPECT_THAT(idsOf(*parts.read()), IsEmpty());
+}
+
+TEST_F(InventorySnapshotTest, BelievesTheServerMoreThanTheWindowAboutItsProcess) {
+    const auto window = onlyWindow();
+    manager.setCardinal(window, "_NET_WM_PID", 1);
+    EXPECT_EQ(parts.listedWindow(window)->ownerPid, getpid());
+}
+
+TEST_F(InventorySnapshotTest, NamesAnApplicationWithoutADesktopFileByItsClass) {
+    const auto window = onlyWindow();
+    const std::string classes("editor\0Editor\0", 14);
+    setTitle(window, "WM_CLASS", "STRING", classes);
+    const auto applications = parts.read()->runningApplications();
+    ASSERT_EQ(applications.size(), 1U);
+    EXPECT_EQ(applications[0].pid, getpid());
+    EXPECT_EQ(applications[0].localizedName, "Editor");
+    EXPECT_EQ(applications[0].bundleIdentifier, std::nullopt);
+    EXPECT_EQ(parts.listedWindow(window)->ownerName, "Editor");
+}
+
+TEST_F(InventorySnapshotTest, KeepsWhatRarelyChangesUntilAChangeIsHeardOf) {
+    const auto window = onlyWindow();
+    setTitle(window, "WM_CLASS", "STRING", std::string("editor\0Editor\0", 14));
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    parts.reader.keepLastingFacts();
+    ASSERT_EQ(parts.listedWindow(window)->ownerName, "Editor");
+    bool isHeardOf = false;
+    const auto subscription = parts.monitor.windowReadings().subscribe([&](const auto& windows) {
+        isHeardOf = std::ranges::find(windows, window) != windows.end();
+        parts.reader.forget(windows);
+    });
+    setTitle(window, "WM_CLASS", "STRING", std::string("viewer\0Viewer\0", 14));
+    setTitle(window, "_NET_WM_NAME", "UTF8_STRING", "Changes often");
+    EXPECT_EQ(parts.listedWindow(window)->ownerName, "Editor") << "nothing has been heard yet";
+    EXPECT_EQ(parts.listedWindow(window)->ownerPid, getpid());
+    EXPECT_EQ(titleOf(window), "Changes often");
+    ASSERT_TRUE(parts.runUntil([&] { return isHeardOf; }));
+    EXPECT_EQ(parts.listedWindow(window)->ownerName, "Viewer");
+}
+
+TEST_F(InventorySnapshotTest, TellsWhichWindowOfAnApplicationHasTheFocus) {
+    const auto first = manager.createWindow();
+    const auto second = manager.createWindow();
+    manager.publishStacking({first, second});
+    EXPECT_EQ(parts.read()->windowsOf(getpid(), Seconds(1))->focusedWindow, std::nullopt);
+    manager.publishActive(first);
+    const auto focused = parts.read()->windowsOf(getpid(), Seconds(1))->focusedWindow;
+    ASSERT_TRUE(focused.has_value());
+    EXPECT_EQ(parts.control.windowNumber(*focused), first);
+}
+
+TEST_F(InventorySnapshotTest, AnswersNothingForAProcessWithoutWindows) {
+    EXPECT_FALSE(parts.read()->windowsOf(1, Seconds(1)).has_value());
+}
+
+TEST_F(InventorySnapshotTest, ReadsTwoHundredWindowsInThreeRoundTripsAtMost) {
+    std::vector<xcb_window_t> windows;
+    for (int number = 0; number < 200; ++number) {
+        const auto window = manager.createWindow(number, number);
+        manager.mapWindow(window);
+        // Half of them need the old form of the title, which is what takes the third.
+        setTitle(window, number % 2 == 0 ? "_NET_WM_NAME" : "WM_NAME", number % 2 == 0 ? "UTF8_STRING" : "STRING",
+                 "Window " + std::to_string(number));
+        windows.push_back(window);
+    }
+    manager.publishStacking(windows);
+    std::vector<double> milliseconds;
+    for (int repetition = 0; repetition < 20; ++repetition) {
+        const auto start = std::chrono::steady_clock::now();
+        const auto reading = parts.read();
+        milliseconds.push_back(
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+        ASSERT_EQ(reading->windowList()->size(), 200U);
+        EXPECT_EQ(reading->roundTrips(), 3);
+    }
+    EXPECT_EQ(titleOf(windows[199]), "Window 199");
+    std::ranges::sort(milliseconds);
+    RecordProperty("medianMilliseconds", std::to_string(milliseconds[milliseconds.size() / 2]));
+    std::cout << "snapshot of 200 windows: median " << milliseconds[milliseconds.size() / 2] << " ms, best "
+              << milliseconds.front() << " ms\n";
+}
+
+TEST_F(InventorySnapshotTest, AnswersNothingOnceTheServerIsGone) {
+    const auto window = onlyWindow();
+    ASSERT_THAT(idsOf(*parts.read()), ElementsAre(window));
+    server.kill();
+    ASSERT_TRUE(parts.runUntil([&] { return parts.isConnectionLost; })) << "the loss is noticed and told once";
+    EXPECT_EQ(parts.read()->windowList(), std::nullopt);
+    EXPECT_THAT(parts.read()->onScreenWindowIds(), IsEmpty());
+    EXPECT_FALSE(parts.runUntil([] { return false; }, milliseconds(200))) << "and the loop goes on without it";
+}
+
+/// A server that cannot tell which process a client is.
+class InventoryWithoutOwnersTest : public InventorySnapshotTest {
+protected:
+    InventoryWithoutOwnersTest() : InventorySnapshotTest({"-extension", "X-Resource"}) {}
+};
+
+TEST_F(InventoryWithoutOwnersTest, BelievesTheProcessThatTheWindowNames) {
+    const auto window = onlyWindow();
+    manager.setCardinal(window, "_NET_WM_PID", 4242);
+    EXPECT_EQ(parts.listedWindow(window)->ownerPid, 4242);
+    setTitle(window, "WM_CLIENT_MACHINE", "STRING", "some.other.machine.example");
+    EXPECT_NE(parts.listedWindow(window)->ownerPid, 4242) << "a process number of another machine means nothing here";
+}
+
+TEST_F(InventoryWithoutOwnersTest, GroupsWindowsWithoutAProcessByTheirClient) {
+    ScriptedManager otherClient(server.display());
+    const auto first = manager.createWindow();
+    const auto second = manager.createWindow();
+    const auto third = otherClient.createWindow();
+    manager.publishStacking({first, second, third});
+    const auto ownerOfFirst = parts.listedWindow(first)->ownerPid.value();
+    EXPECT_GE(ownerOfFirst, X11Owners::firstStandIn) << "no real process has such a number";
+    EXPECT_EQ(parts.listedWindow(second)->ownerPid, ownerOfFirst);
+    EXPECT_NE(parts.listedWindow(third)->ownerPid, ownerOfFirst);
+    EXPECT_EQ(parts.read()->windowsOf(ownerOfFirst, Seconds(1))->windows.size(), 2U);
+}
+
+}  // namespace
+}  // namespace ferrowyn::x11test

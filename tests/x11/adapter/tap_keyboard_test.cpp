@@ -1,0 +1,360 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/x11/adapter/tap_keyboard_fixture.h"
+
+namespace ferrowyn::x11test {
+namespace {
+
+using testing::Contains;
+using testing::Not;
+
+TEST_F(TapKeyboardTest, ShiftReversesTheTriggerAndIsReportedAsAFlag) {
+    TapRig rig(server.display(), {});
+    input.chord({key::leftAlt, key::leftShift, key::tab});
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_EQ(rig.seen().front().flags, event_flags::option | event_flags::shift);
+    EXPECT_EQ(rig.seen().front().keyCode, tabKey);
+}
+
+TEST_F(TapKeyboardTest, TheKeyLeftOfOneIsATriggerOnlyWithCommand) {
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::command});
+    toggle(key::leftSuper, key::grave);
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_EQ(rig.seen().front().keyCode, graveKey);
+    EXPECT_EQ(rig.seen().front().flags, event_flags::command);
+
+    rig.tap().setTrigger(SwitcherModifier::option);
+    ASSERT_TRUE(rig.settle());
+    rig.forgetSeen();
+    toggle(key::leftAlt, key::grave);
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.opened(), 1);
+    EXPECT_THAT(rig.seen(), testing::IsEmpty());
+}
+
+TEST_F(TapKeyboardTest, ControlIsAlsoCommandInASessionUnlessItIsTheTrigger) {
+    TapRig rig(server.display(), {});
+    startSession(rig);
+    input.chord({key::leftControl, key::d});
+    ASSERT_TRUE(rig.settle());
+    const auto seen = rig.seen();
+    const auto pressed = std::find_if(seen.begin(), seen.end(), [](const auto& event) {
+        return event.type == TapEvent::Type::keyDown && event.keyCode == dKey;
+    });
+    ASSERT_NE(pressed, seen.end());
+    EXPECT_EQ(pressed->flags, event_flags::option | event_flags::control | event_flags::command);
+    EXPECT_EQ(pressed->text, u"d");
+    input.release(key::leftAlt);
+    EXPECT_TRUE(rig.waitForClosed(1));
+    ASSERT_TRUE(rig.settle());
+
+    rig.tap().setTrigger(SwitcherModifier::control);
+    ASSERT_TRUE(rig.settle());
+    rig.forgetSeen();
+    toggle(key::leftControl);
+    ASSERT_TRUE(rig.settle());
+    ASSERT_THAT(rig.seen(), Not(testing::IsEmpty()));
+    EXPECT_EQ(rig.seen().front().flags, event_flags::control);
+}
+
+TEST_F(TapKeyboardTest, ATriggerWaitsForNoEndOfASessionThatTheModifierDoesNotEnd) {
+    TapRig rig(server.display(), {.holdMode = false});
+    startSession(rig);
+    input.release(key::leftAlt);
+    auto shortest = std::chrono::steady_clock::duration::max();
+    for (int move = 1; move <= 3; ++move) {
+        const auto pressedAt = std::chrono::steady_clock::now();
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.moves() == move; }));
+        shortest = std::min(shortest, std::chrono::steady_clock::now() - pressedAt);
+    }
+    // Generous, for a loaded machine: a key that waits does so for a quarter of a second.
+    EXPECT_LT(shortest, milliseconds{100});
+    rig.close();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, AHeldControlDoesNotKeepASessionOfCommandOpen) {
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::command});
+    startSession(rig, key::leftSuper);
+    input.press(key::leftControl);
+    input.release(key::leftSuper);
+    EXPECT_TRUE(rig.waitForClosed(1));
+    input.release(key::leftControl);
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ControlAndTabAreNotTheTriggerOfCommand) {
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::command, .holdMode = false});
+    startSession(rig, key::leftSuper);
+    input.release(key::leftSuper);
+    ASSERT_TRUE(rig.settle());
+    rig.forgetSeen();
+    input.chord({key::leftControl, key::tab});
+    input.chord({key::leftControl, key::d});
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.moves(), 0);
+    std::vector<std::pair<std::uint16_t, std::uint64_t>> pressed;
+    for (const auto& event : rig.seen()) {
+        if (event.type == TapEvent::Type::keyDown) {
+            pressed.emplace_back(event.keyCode, event.flags);
+        }
+    }
+    EXPECT_THAT(pressed, testing::ElementsAre(std::pair(tabKey, event_flags::control),
+                                              std::pair(dKey, event_flags::control | event_flags::command)));
+    rig.close();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, NeverOpensWhileAnotherClientHoldsTheKeyboardAndProbesOnlyOnRequest) {
+    TapRig rig(server.display(), {});
+    {
+        KeyboardHolder holder(server.display());
+        ASSERT_TRUE(holder.hasGrab());
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.context().isKeyboardHeldElsewhere.load(); }));
+        ASSERT_TRUE(rig.settle());
+        EXPECT_THAT(rig.seen(), testing::IsEmpty());
+        EXPECT_THAT(holder.takePresses(), testing::ElementsAre(key::leftAlt, key::tab));
+        rig.context().requestKeyboardProbe();
+        ASSERT_TRUE(rig.settle());
+        EXPECT_TRUE(rig.context().isKeyboardHeldElsewhere);
+    }
+    ASSERT_TRUE(rig.settle());
+    EXPECT_TRUE(rig.context().isKeyboardHeldElsewhere) << "probed without being asked";
+    rig.context().requestKeyboardProbe();
+    ASSERT_TRUE(rig.settle());
+    EXPECT_FALSE(rig.context().isKeyboardHeldElsewhere);
+    EXPECT_TRUE(desktop.keyboardIsFree());
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ASessionThatOpensClearsThatTheKeyboardIsHeld) {
+    TapRig rig(server.display(), {});
+    {
+        const KeyboardHolder holder(server.display());
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.context().isKeyboardHeldElsewhere.load(); }));
+    }
+    toggle();
+    EXPECT_TRUE(rig.waitForClosed(1));
+    EXPECT_FALSE(rig.context().isKeyboardHeldElsewhere);
+}
+
+TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenTheMainThreadDoesNotAnswer) {
+    TapRig rig(server.display(), {.answers = false});
+    toggle();
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.requests() == 1; }));
+    EXPECT_FALSE(desktop.keyboardIsFree());
+    expectNothingLeft();
+    EXPECT_EQ(rig.seen().size(), 1U);
+}
+
+TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenNoSessionIsOpenedAndLeavesTheKeysAlone) {
+    TapRig rig(server.display(), {.opensSessions = false});
+    for (int request = 1; request <= 20; ++request) {
+        toggle();
+        ASSERT_TRUE(rig.waitUntil([&] { return rig.requests() == request; }));
+    }
+    ASSERT_TRUE(rig.settle());
+    expectNothingLeft();
+    input.tap(key::a);
+    EXPECT_TRUE(window.waitForKeyPress(key::a)) << "the keyboard belongs to the window again";
+}
+
+TEST_F(TapKeyboardTest, AHiddenSwitcherSeesNoOtherKey) {
+    TapRig rig(server.display(), {});
+    ASSERT_TRUE(desktop.waitForFocus(window.id())) << "keys go nowhere before";
+    input.tap(key::a);
+    input.tap(key::tab);
+    input.chord({key::leftAlt, key::a});
+    input.chord({key::leftControl, key::tab});
+    ASSERT_TRUE(rig.settle());
+    EXPECT_THAT(rig.seen(), testing::IsEmpty());
+    EXPECT_THAT(window.takeInput().keyPresses, testing::IsSupersetOf({key::a, key::tab}));
+    EXPECT_TRUE(desktop.keyboardIsFree());
+}
+
+TEST_F(TapKeyboardTest, ASessionFromTheMenuGetsItsKeysOnceTheMenuLetsTheKeyboardGo) {
+    TapRig rig(server.display(), {});
+    {
+        const KeyboardHolder menu(server.display());
+        rig.openFromMenu();
+        ASSERT_TRUE(rig.waitForOpened(1));
+        ASSERT_TRUE(rig.settle());
+    }
+    ASSERT_TRUE(rig.waitUntil([&] { return !rig.seenWhileWaiting().empty(); })) << "the tap tells the flags it found";
+    EXPECT_TRUE(typesInSession(rig, {key::a}, u"a"));
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, TheTriggerFreezesNoKeyboardWhileASessionFromTheMenuHasNone) {
+    TapRig rig(server.display(), {});
+    KeyboardHolder holder(server.display());
+    ASSERT_TRUE(holder.hasGrab());
+    rig.openFromMenu();
+    ASSERT_TRUE(rig.waitForOpened(1));
+    // By then the tap has stopped asking for the keyboard.
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.context().isKeyboardHeldElsewhere.load(); }, milliseconds{3000}) ||
+                rig.context().isKeyboardHeldElsewhere.load());
+    toggle();
+    ASSERT_TRUE(rig.settle());
+    static_cast<void>(holder.takePresses());
+    input.tap(key::a);
+    EXPECT_THAT(holder.takePresses(), Contains(key::a));
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+}
+
+TEST_F(TapKeyboardTest, AWindowManagerThatStartsLaterOrRestartsDoesNotTakeTheTrigger) {
+    TapRig rig(server.display(), {});
+    toggle();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    const WindowManagerProcess next(server, "xfwm4", true);
+    for (int session = 2; session <= 20; ++session) {
+        toggle();
+        ASSERT_TRUE(rig.waitForClosed(session));
+    }
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, GivesTheKeyboardBackAndReportsItWhenTheSessionIsLocked) {
+    // Not Alt: a disabled tap would leave the trigger to the manager, which takes the keyboard in its own time and may
+    // miss the release.
+    TapRig rig(server.display(), {.trigger = SwitcherModifier::control});
+    startSession(rig, key::leftControl);
+    rig.taps().notifyKeyboardUnavailable();
+    // The release of Tab may still come before it.
+    ASSERT_TRUE(rig.waitUntil([&] {
+        const auto& seen = rig.seenWhileWaiting();
+        return !seen.empty() && seen.back().type == TapEvent::Type::disabledByUserInput;
+    }));
+    EXPECT_FALSE(rig.tap().isEnabled());
+    EXPECT_TRUE(desktop.waitForFreeKeyboard());
+    input.release(key::leftControl);
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    toggle(key::leftControl);
+    ASSERT_TRUE(rig.settle());
+    EXPECT_EQ(rig.opened(), 1);
+    rig.tap().setEnabled(true);
+    EXPECT_TRUE(rig.tap().isEnabled());
+    ASSERT_TRUE(rig.settle());
+    toggle(key::leftControl);
+    EXPECT_TRUE(rig.waitForClosed(2));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, OfSeveralRequestsTheLastSaysWhetherItIsEnabled) {
+    TapRig rig(server.display(), {});
+    for (int repetition = 0; repetition < 20; ++repetition) {
+        rig.taps().notifyKeyboardUnavailable();
+        rig.tap().setEnabled(true);
+        ASSERT_TRUE(rig.settle());
+        EXPECT_TRUE(rig.tap().isEnabled());
+        rig.tap().setEnabled(true);
+        rig.tap().setEnabled(false);
+        ASSERT_TRUE(rig.settle());
+        EXPECT_FALSE(rig.tap().isEnabled());
+    }
+}
+
+TEST_F(TapKeyboardTest, AnInvalidatedOrDisabledTapGivesTheKeyboardBack) {
+    TapRig rig(server.display(), {});
+    startSession(rig);
+    rig.tap().setEnabled(false);
+    EXPECT_TRUE(desktop.waitForFreeKeyboard());
+    input.release(key::leftAlt);
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    rig.tap().setEnabled(true);
+    ASSERT_TRUE(rig.settle());
+    startSession(rig);
+    rig.tap().invalidate();
+    EXPECT_TRUE(desktop.keyboardIsFree());
+    EXPECT_FALSE(rig.tap().isEnabled());
+    rig.tap().setEnabled(true);
+    EXPECT_FALSE(rig.tap().isEnabled());
+    input.release(key::leftAlt);
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ALostConnectionDisablesTheTapForGoodAndCostsNoTime) {
+    TapRig rig(server.display(), {});
+    server.kill();
+    ASSERT_TRUE(rig.waitUntil([&] { return !rig.tap().isEnabled(); }));
+    rig.tap().setEnabled(true);
+    EXPECT_FALSE(rig.tap().isEnabled());
+    const auto before = rig.tapThreadCpuTime();
+    EXPECT_FALSE(rig.waitUntil([] { return false; }, milliseconds{500}));
+    EXPECT_LT(rig.tapThreadCpuTime() - before, std::chrono::milliseconds(50));
+}
+
+TEST_F(TapKeyboardTest, ATapThatCannotBeginAnewSaysSoAndTriesAgainWhenItIsEnabled) {
+    SilentLog log;
+    X11InputContext context;
+    std::vector<TapEvent::Type> told;
+    xcb_pixmap_t handle = XCB_PIXMAP_NONE;
+    const auto make = [&](SwitcherModifier trigger) {
+        auto connection = X11Connection::open(server.display().c_str());
+        handle = xcb_generate_id(connection->get());
+        xcb_create_pixmap(connection->get(), 1, handle, connection->root(), 1, 1);
+        return X11TapEngine::create(
+            std::move(connection), nullptr, trigger,
+            [&](const TapEvent& event) {
+                told.push_back(event.type());
+                return TapVerdict{};
+            },
+            context, log);
+    };
+    bool isRefused = true;
+    X11EventTap tap(make(SwitcherModifier::option), SwitcherModifier::option,
+                    [&](SwitcherModifier trigger) { return isRefused ? nullptr : make(trigger); });
+    tap.noteServingThread();
+    tap.setEnabled(true);
+    ASSERT_TRUE(tap.isEnabled());
+    // Somebody ends the connection, as the guard does.
+    xcb_kill_client(desktop.connection(), handle);
+    EXPECT_TRUE(desktop.waitUntil([&] {
+        tap.serve();
+        return !tap.isEnabled();
+    }));
+    EXPECT_THAT(told, testing::ElementsAre(TapEvent::Type::disabledByUserInput));
+    tap.setEnabled(true);
+    EXPECT_FALSE(tap.isEnabled());
+    tap.setTrigger(SwitcherModifier::control);
+    isRefused = false;
+    tap.setEnabled(true);
+    EXPECT_TRUE(tap.isEnabled());
+    told.clear();
+    input.chord({key::leftControl, key::tab});
+    EXPECT_TRUE(desktop.waitUntil([&] {
+        tap.serve();
+        return testing::Value(told, Contains(TapEvent::Type::keyDown));
+    }));
+    tap.invalidate();
+    input.releaseAll();
+}
+
+TEST_F(TapKeyboardTest, TellsWhenTheUserLastActedAndWhereThePointerIs) {
+    TapRig rig(server.display(), {});
+    input.movePointer(321, 123);
+    toggle();
+    ASSERT_TRUE(rig.waitForClosed(1));
+    EXPECT_EQ(rig.context().pointer(), (std::pair<std::uint32_t, std::uint32_t>{321, 123}));
+    const auto time = rig.context().lastUserTime.load();
+    EXPECT_NE(time, 0U);
+    toggle();
+    ASSERT_TRUE(rig.waitForClosed(2));
+    EXPECT_GE(rig.context().lastUserTime.load(), time);
+}
+
+}  // namespace
+}  // namespace ferrowyn::x11test

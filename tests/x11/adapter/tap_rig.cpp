@@ -1,0 +1,290 @@
+#include "tests/x11/adapter/tap_rig.h"
+
+#include <pthread.h>
+#include <time.h>
+
+#include <future>
+#include <iostream>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn::x11test {
+
+namespace {
+
+constexpr std::uint16_t tabKey = 48, graveKey = 50, escapeKey = 53;
+constexpr std::uint64_t hidingFlags = event_flags::control | event_flags::option | event_flags::command;
+
+}  // namespace
+
+void TapRig::QuietLog::write(LogLevel level, std::string_view category, std::string_view message) {
+    if (level >= LogLevel::standard) {
+        std::cerr << category << ": " << message << '\n';
+    }
+}
+
+TapRig::TapRig(const std::string& display, const Options& options)
+    : options_(options),
+      taps_(context_, log_, display),
+      observer_(X11Connection::open(display.c_str())),
+      random_(options.seed) {
+    tap_ =
+        taps_.create(EventTaps::keyboardMask, options.trigger, [this](const TapEvent& event) { return handle(event); });
+    if (tap_ == nullptr) {
+        throw std::runtime_error("no tap");
+    }
+    source_ = taps_.createSource(tap_);
+    mainThread_ = std::thread([this] { runMain(); });
+    std::promise<void> started;
+    tapThread_ = taps_.startThread("test-tap", [this, &started] {
+        tapThreadHandle_ = pthread_self();
+        loop_ = taps_.currentRunLoop();
+        source_->addTo(*loop_);
+        tap_->setEnabled(true);
+        started.set_value();
+        while (keepRunning_) {
+            int requested = 0;
+            {
+                const std::lock_guard guard(lock_);
+                requested = requestedLaps_;
+            }
+            if (requested > laps_) {
+                // Two passes of its own, because a stopped loop handles nothing: the first may end with the request.
+                loop_->runFor(Seconds::zero());
+                loop_->runFor(Seconds::zero());
+            } else {
+                loop_->runFor(Seconds(1));
+            }
+            {
+                const std::lock_guard guard(lock_);
+                laps_ = requested;
+            }
+            changed_.notify_all();
+        }
+    });
+    started.get_future().wait();
+}
+
+TapRig::~TapRig() {
+    tap_->setEnabled(false);
+    stopThread();
+    tap_->invalidate();
+    {
+        const std::lock_guard guard(lock_);
+        isEnding_ = true;
+    }
+    changed_.notify_all();
+    mainThread_.join();
+}
+
+void TapRig::stopThread() {
+    keepRunning_ = false;
+    source_->removeFrom(*loop_);
+    loop_->stop();
+    tapThread_.reset();
+}
+
+TapVerdict TapRig::handle(const TapEvent& event) {
+    const bool wasVisible = isVisible_;
+    switch (event.type()) {
+        case TapEvent::Type::keyDown:
+            return handleKeyDown(event, wasVisible);
+        case TapEvent::Type::flagsChanged:
+            record(event, {}, wasVisible);
+            if (wasVisible && isHoldModeActive_ && (event.flags() & flagMask(options_.trigger)) == 0) {
+                post(Command::modifierReleased);
+                return {.mayEndSession = true};
+            }
+            return {};
+        case TapEvent::Type::keyUp:
+        case TapEvent::Type::disabledByTimeout:
+        case TapEvent::Type::disabledByUserInput:
+            record(event, {}, wasVisible);
+            return {.isSwallowed = wasVisible};
+    }
+    return {};
+}
+
+TapVerdict TapRig::handleKeyDown(const TapEvent& event, bool wasVisible) {
+    const bool isHeld = (event.flags() & flagMask(options_.trigger)) != 0;
+    const bool isTriggerKey =
+        event.keyCode() == tabKey || (event.keyCode() == graveKey && options_.trigger == SwitcherModifier::command);
+    if (isHeld && isTriggerKey) {
+        if (onTrigger) {
+            onTrigger();
+        }
+        record(event, {}, wasVisible);
+        requests_ += wasVisible ? 0 : 1;
+        post(Command::invoke);
+        return {.isSwallowed = true, .requestsSession = !wasVisible};
+    }
+    if (!wasVisible) {
+        record(event, {}, wasVisible);
+        return {};
+    }
+    const bool isReduced = (event.flags() & hidingFlags) != 0;
+    record(event, event.text(isReduced ? std::optional(event.flags() & event_flags::shift) : std::nullopt), wasVisible);
+    if (event.keyCode() == escapeKey) {
+        post(Command::cancel);
+    }
+    return {.isSwallowed = true};
+}
+
+void TapRig::record(const TapEvent& event, const std::u16string& text, bool wasVisible) {
+    {
+        const std::lock_guard guard(lock_);
+        seen_.push_back({event.type(), event.flags(), event.keyCode(), text, wasVisible});
+    }
+    changed_.notify_all();
+}
+
+void TapRig::post(Command command) {
+    {
+        const std::lock_guard guard(lock_);
+        commands_.push_back(command);
+    }
+    changed_.notify_all();
+}
+
+void TapRig::runMain() {
+    while (true) {
+        Command command{};
+        {
+            std::unique_lock guard(lock_);
+            changed_.wait(guard, [this] { return isEnding_ || !commands_.empty(); });
+            if (isEnding_) {
+                return;
+            }
+            command = commands_.front();
+            commands_.pop_front();
+            isMainBusy_ = true;
+        }
+        if (options_.maximumMainDelay.count() > 0) {
+            // What is imitated here is a thread that has other things to do, not something to wait for.
+            std::uniform_int_distribution<std::int64_t> busy(0, options_.maximumMainDelay.count() * 1000);
+            std::this_thread::sleep_for(std::chrono::microseconds(busy(random_)));
+        }
+        execute(command);
+        {
+            const std::lock_guard guard(lock_);
+            isMainBusy_ = false;
+        }
+        changed_.notify_all();
+    }
+}
+
+void TapRig::execute(Command command) {
+    switch (command) {
+        case Command::invoke:
+            if (isVisible_) {
+                ++moves_;
+            } else if (!options_.answers) {
+                break;
+            } else if (options_.opensSessions) {
+                ++opened_;
+                isHoldModeActive_ = options_.holdMode;
+                setVisible(true);
+            } else {
+                tap_->setSessionOpen(false);
+            }
+            break;
+        case Command::openFromMenu:
+            ++opened_;
+            isHoldModeActive_ = false;
+            setVisible(true);
+            break;
+        case Command::modifierReleased:
+        case Command::cancel:
+        case Command::close:
+            if (isVisible_) {
+                isHoldModeActive_ = false;
+                setVisible(false);
+                ++closed_;
+            }
+            break;
+        case Command::nothing:
+            break;
+    }
+}
+
+void TapRig::setVisible(bool isVisible) {
+    isVisible_ = isVisible;
+    tap_->setSessionOpen(isVisible);
+}
+
+void TapRig::openFromMenu() {
+    post(Command::openFromMenu);
+}
+
+void TapRig::close() {
+    post(Command::close);
+}
+
+bool TapRig::waitUntil(const std::function<bool()>& predicate, milliseconds budget) {
+    std::unique_lock guard(lock_);
+    return changed_.wait_for(guard, budget, predicate);
+}
+
+bool TapRig::waitForOpened(int count) {
+    return waitUntil([&] { return opened_ >= count; });
+}
+
+bool TapRig::waitForClosed(int count) {
+    return waitUntil([&] { return closed_ >= count; });
+}
+
+std::vector<TapRig::Seen> TapRig::seen() const {
+    const std::lock_guard guard(lock_);
+    return seen_;
+}
+
+void TapRig::forgetSeen() {
+    const std::lock_guard guard(lock_);
+    seen_.clear();
+}
+
+std::u16string TapRig::typedWhileWaiting() const {
+    std::u16string all;
+    for (const auto& event : seen_) {
+        all += event.text;
+    }
+    return all;
+}
+
+bool TapRig::waitForOpenedWithin(int count, milliseconds budget) {
+    return waitUntil([&] { return opened_ >= count; }, budget);
+}
+
+bool TapRig::settle() {
+    // The server serves its clients in turn: after two round trips of one, all that others had sent before is done. A
+    // pass can make the tap ask something, and what came with the answer is for the next.
+    for (int pass = 0; pass < 3; ++pass) {
+        for (int trip = 0; trip < 2; ++trip) {
+            const XcbReply<xcb_get_input_focus_reply_t> reply(
+                xcb_get_input_focus_reply(observer_->get(), xcb_get_input_focus(observer_->get()), nullptr));
+        }
+        int lap = 0;
+        {
+            const std::lock_guard guard(lock_);
+            lap = ++requestedLaps_;
+            // Never later than the thread sees the request.
+            loop_->stop();
+        }
+        if (!waitUntil([&] { return laps_ >= lap && commands_.empty() && !isMainBusy_; })) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::chrono::nanoseconds TapRig::tapThreadCpuTime() const {
+    clockid_t clock{};
+    timespec time{};
+    pthread_getcpuclockid(tapThreadHandle_, &clock);
+    clock_gettime(clock, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+}  // namespace ferrowyn::x11test
