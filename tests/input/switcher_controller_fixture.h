@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "input/hot_key_monitor.h"
 #include "input/switcher_controller.h"
@@ -24,13 +28,13 @@
 
 namespace ferrowyn {
 
-using LogLine = SimulatedDesktop::LogLine;
-inline constexpr Pid editor = 100;
-inline constexpr Pid browser = 200;
-
 /// Five windows, 1 to 5 in the order of their use, on the first screen; 1, 2 and 3 are the editor's.
 class SwitcherControllerTest : public ::testing::Test {
 protected:
+    using LogLine = SimulatedDesktop::LogLine;
+    static constexpr Pid editor = 100;
+    static constexpr Pid browser = 200;
+
     SwitcherControllerTest()
         : spy(desktop.platform().panel), platform(replacedIn(desktop.platform(), {.panel = &spy})) {
         desktop.launch({.pid = editor, .bundleIdentifier = "org.editor", .localizedName = "Editor"});
@@ -59,7 +63,7 @@ protected:
         windowIndex.start();
         desktop.settle();
         // The observers' own notifications are history.
-        desktop.advance(1s);
+        desktop.advance(Seconds(1));
         forgetLog();
         forgetCalls();
     }
@@ -87,7 +91,7 @@ protected:
         for (const WindowId id : {1U, 2U, 3U, 4U, 5U}) {
             desktop.closeWindow(id);
         }
-        desktop.advance(1s);
+        desktop.advance(Seconds(1));
     }
 
     SimulatedDesktop desktop;

@@ -147,12 +147,12 @@ TEST_F(StatusMenuAccessibilityTest, TheMenuHasARowForEachOfItsRows) {
 }
 
 TEST_F(StatusMenuAccessibilityTest, TheHeaderIsTheButtonSettingsAndSaysHowTheProgramIsDoing) {
-    QAccessibleInterface* const header = menu()->child(0);
-    EXPECT_EQ(header->role(), QAccessible::Button);
-    EXPECT_EQ(header->text(QAccessible::Name), "Settings");
-    EXPECT_EQ(header->text(QAccessible::Description), "Ferrowyn, Ready");
-    ASSERT_NE(header->actionInterface(), nullptr);
-    header->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QAccessibleInterface* const button = menu()->child(0);
+    EXPECT_EQ(button->role(), QAccessible::Button);
+    EXPECT_EQ(button->text(QAccessible::Name), "Settings");
+    EXPECT_EQ(button->text(QAccessible::Description), "Ferrowyn, Ready");
+    ASSERT_NE(button->actionInterface(), nullptr);
+    button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_THAT(happened, ElementsAre("closed", "chosen"));
     ASSERT_EQ(chosen.size(), 1U);
     EXPECT_EQ(chosen.front().action, MenuRow::Action::openSettings);

@@ -242,26 +242,26 @@ TEST(WindowThemeTest, EveryTextCanBeReadOnItsGround) {
     for (const bool isDark : {false, true}) {
         for (const auto& accent : accents) {
             const auto theme = WindowTheme::fromPalette(palette(isDark, accent));
-            const auto readable = [&](const QColor& text, const QColor& ground) {
+            const auto contrastOf = [&](const QColor& text, const QColor& ground) {
                 return contrast::ratio(contrast::blended(text, ground), ground);
             };
             for (const auto& ground : {theme.ground, theme.groupFill}) {
-                EXPECT_GE(readable(theme.textPrimary, ground), 4.5) << isDark;
-                EXPECT_GE(readable(theme.textSecondary, ground), 4.5) << isDark;
-                EXPECT_GE(readable(theme.link, ground), 4.5) << isDark << accent.name().toStdString();
-                EXPECT_GE(readable(theme.success, ground), 3) << isDark;
-                EXPECT_GE(readable(theme.warning, ground), 3) << isDark;
+                EXPECT_GE(contrastOf(theme.textPrimary, ground), 4.5) << isDark;
+                EXPECT_GE(contrastOf(theme.textSecondary, ground), 4.5) << isDark;
+                EXPECT_GE(contrastOf(theme.link, ground), 4.5) << isDark << accent.name().toStdString();
+                EXPECT_GE(contrastOf(theme.success, ground), 3) << isDark;
+                EXPECT_GE(contrastOf(theme.warning, ground), 3) << isDark;
             }
-            EXPECT_GE(readable(theme.textPrimary, theme.sidebar), 4.5);
-            EXPECT_GE(readable(theme.textPrimary, theme.selectionInactive), 4.5);
+            EXPECT_GE(contrastOf(theme.textPrimary, theme.sidebar), 4.5);
+            EXPECT_GE(contrastOf(theme.textPrimary, theme.selectionInactive), 4.5);
             for (const auto& fill : {theme.controlFill, theme.controlFillHovered, theme.controlFillPressed}) {
-                EXPECT_GE(readable(theme.textPrimary, fill), 4.5);
+                EXPECT_GE(contrastOf(theme.textPrimary, fill), 4.5);
             }
             for (const auto& fill : {theme.accent, theme.accentHovered, theme.accentPressed}) {
-                EXPECT_GE(readable(theme.accentText, fill), 4.5) << accent.name().toStdString();
+                EXPECT_GE(contrastOf(theme.accentText, fill), 4.5) << accent.name().toStdString();
             }
             const QColor cap = contrast::blended(theme.keyCapFill, theme.groupFill);
-            EXPECT_GE(readable(theme.textSecondary, cap), 4.5);
+            EXPECT_GE(contrastOf(theme.textSecondary, cap), 4.5);
         }
     }
 }
