@@ -2,8 +2,7 @@
 
 #include <memory>
 
-#include "platform/macos/mac_application_delegate.h"
-#include "platform/macos/mac_application_menu.h"
+#include "platform/macos/mac_application.h"
 
 namespace ferrowyn {
 

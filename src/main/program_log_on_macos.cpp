@@ -3,7 +3,7 @@
 
 #include "main/command_line.h"
 #include "main/program_log.h"
-#include "platform/macos/mac_log.h"
+#include "platform/macos/mac_system_services.h"
 
 namespace ferrowyn {
 

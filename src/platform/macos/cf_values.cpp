@@ -1,10 +1,6 @@
 #include "platform/macos/cf_values.h"
 
-#include <ApplicationServices/ApplicationServices.h>
-
 #include <limits>
-
-#include "platform/macos/cf_cast.h"
 
 namespace ferrowyn::cf {
 

@@ -1,16 +1,101 @@
 #pragma once
 
+#include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/app_window.h"
 #include "core/geometry.h"
-#include "platform/macos/owned.h"
+
+namespace ferrowyn {
+
+/// Owns one reference of a Core Foundation object, or none. Any thread.
+template <typename Ref>
+class Owned {
+public:
+    Owned() = default;
+    /// Takes over what a Create or Copy function returned; null when it returned nothing.
+    explicit Owned(Ref adopted) : object_(adopted) {}
+    /// Shares in an object that belongs to somebody else.
+    [[nodiscard]] static Owned retaining(Ref object) {
+        if (object != nullptr) {
+            CFRetain(object);
+        }
+        return Owned(object);
+    }
+
+    Owned(Owned&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    Owned& operator=(Owned&& other) noexcept {
+        if (this != &other) {
+            reset();
+            object_ = std::exchange(other.object_, nullptr);
+        }
+        return *this;
+    }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+    ~Owned() { reset(); }
+
+    void reset() {
+        if (const Ref object = std::exchange(object_, nullptr)) {
+            CFRelease(object);
+        }
+    }
+
+    [[nodiscard]] Ref get() const { return object_; }
+    [[nodiscard]] explicit operator bool() const { return object_ != nullptr; }
+
+private:
+    Ref object_ = nullptr;
+};
+
+/// The type identifier of a Core Foundation type; specialised for each type that comes from another process.
+template <typename Ref>
+CFTypeID cfTypeId();
+
+template <>
+inline CFTypeID cfTypeId<CFStringRef>() {
+    return CFStringGetTypeID();
+}
+template <>
+inline CFTypeID cfTypeId<CFNumberRef>() {
+    return CFNumberGetTypeID();
+}
+template <>
+inline CFTypeID cfTypeId<CFBooleanRef>() {
+    return CFBooleanGetTypeID();
+}
+template <>
+inline CFTypeID cfTypeId<CFArrayRef>() {
+    return CFArrayGetTypeID();
+}
+template <>
+inline CFTypeID cfTypeId<CFDictionaryRef>() {
+    return CFDictionaryGetTypeID();
+}
+template <>
+inline CFTypeID cfTypeId<AXValueRef>() {
+    return AXValueGetTypeID();
+}
+template <>
+inline CFTypeID cfTypeId<AXUIElementRef>() {
+    return AXUIElementGetTypeID();
+}
+
+/// The object as the type that it is; null when it is absent or of another type. What another process sends is never
+/// taken at its word.
+template <typename Ref>
+[[nodiscard]] Ref castTo(CFTypeRef object) {
+    return object != nullptr && CFGetTypeID(object) == cfTypeId<Ref>() ? static_cast<Ref>(object) : nullptr;
+}
+
+}  // namespace ferrowyn
 
 /// Between Core Foundation's values and ours. A value that is absent, of another type or out of range is nothing. Pure
 /// functions; any thread.

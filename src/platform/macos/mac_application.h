@@ -1,5 +1,10 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
 #include "platform/application.h"
 
 namespace ferrowyn {
@@ -19,5 +24,53 @@ public:
     void terminate() override;
     void revealInFileManager() override;
 };
+
+/// What the system tells the application's delegate. Each may be empty.
+struct MacApplicationEvents {
+    std::function<void()> onDidFinishLaunching;
+    /// The user opens the program while it runs; the answer is whether the system may do what it does then, too.
+    std::function<bool(bool hasVisibleWindows)> onShouldHandleReopen;
+    std::function<void()> onWillTerminate;
+};
+
+/// The delegate of the application object for as long as this lives. The toolkit's own delegate passes on to the one
+/// that is there before it, so this is made before the QApplication. Main thread.
+class MacApplicationDelegate {
+public:
+    explicit MacApplicationDelegate(MacApplicationEvents events);
+    ~MacApplicationDelegate();
+    MacApplicationDelegate(const MacApplicationDelegate&) = delete;
+    MacApplicationDelegate& operator=(const MacApplicationDelegate&) = delete;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+/// What the rows of the application's menu say.
+struct MacApplicationMenuTitles {
+    std::string settings;
+    std::string quit;
+};
+
+/// The menu under the application's name, which the menu bar shows while one of the program's windows is in front: the
+/// settings (Command and comma) and the end of the program (Command and Q). The application's main menu for as long as
+/// this lives. Main thread, made after the application object.
+class MacApplicationMenu {
+public:
+    MacApplicationMenu(const MacApplicationMenuTitles& titles, std::function<void()> onOpenSettings);
+    ~MacApplicationMenu();
+    MacApplicationMenu(const MacApplicationMenu&) = delete;
+    MacApplicationMenu& operator=(const MacApplicationMenu&) = delete;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+/// Gives the window of a top-level widget, named by the address of its view, the looks of the program's ordinary
+/// windows: its content reaches under a transparent title bar. It is not released when it is closed. Main thread.
+/// The height of that bar, where nothing of the content can be seen well, or clicked.
+[[nodiscard]] int configureUtilityWindow(std::uintptr_t view, bool isResizable);
 
 }  // namespace ferrowyn

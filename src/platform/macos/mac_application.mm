@@ -2,12 +2,10 @@
 
 #import <AppKit/AppKit.h>
 
-#include <string>
+#include <cmath>
 #include <utility>
 
-#include "platform/macos/mac_notification_observation.h"
-#include "platform/macos/mac_strings.h"
-#include "platform/macos/mac_views.h"
+#include "platform/macos/cocoa.h"
 
 namespace ferrowyn {
 
@@ -85,6 +83,144 @@ void MacApplication::terminate() {
 
 void MacApplication::revealInFileManager() {
     [NSWorkspace.sharedWorkspace activateFileViewerSelectingURLs:@[ NSBundle.mainBundle.bundleURL ]];
+}
+
+}  // namespace ferrowyn
+
+@interface FerrowynApplicationDelegate : NSObject <NSApplicationDelegate>
+- (instancetype)initWithEvents:(ferrowyn::MacApplicationEvents)events;
+/// Nothing is told any more: the toolkit may hold the delegate for longer than what it tells.
+- (void)forgetEvents;
+@end
+
+@implementation FerrowynApplicationDelegate {
+    ferrowyn::MacApplicationEvents _events;
+}
+
+- (instancetype)initWithEvents:(ferrowyn::MacApplicationEvents)events {
+    self = [super init];
+    if (self != nil) {
+        _events = std::move(events);
+    }
+    return self;
+}
+
+- (void)forgetEvents {
+    _events = {};
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+    static_cast<void>(notification);
+    if (_events.onDidFinishLaunching) {
+        _events.onDidFinishLaunching();
+    }
+}
+
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasVisibleWindows {
+    static_cast<void>(sender);
+    return _events.onShouldHandleReopen ? _events.onShouldHandleReopen(hasVisibleWindows) : YES;
+}
+
+- (void)applicationWillTerminate:(NSNotification*)notification {
+    static_cast<void>(notification);
+    if (_events.onWillTerminate) {
+        _events.onWillTerminate();
+    }
+}
+
+@end
+
+namespace ferrowyn {
+
+struct MacApplicationDelegate::Parts {
+    FerrowynApplicationDelegate* delegate;
+};
+
+MacApplicationDelegate::MacApplicationDelegate(MacApplicationEvents events)
+    : parts_(new Parts{[[FerrowynApplicationDelegate alloc] initWithEvents:std::move(events)]}) {
+    // The application does not hold its delegate.
+    NSApplication.sharedApplication.delegate = parts_->delegate;
+}
+
+MacApplicationDelegate::~MacApplicationDelegate() {
+    [parts_->delegate forgetEvents];
+    if (NSApplication.sharedApplication.delegate == parts_->delegate) {
+        NSApplication.sharedApplication.delegate = nil;
+    }
+}
+
+}  // namespace ferrowyn
+
+/// The target of the rows that the program answers itself.
+@interface FerrowynApplicationMenuTarget : NSObject
+- (instancetype)initWithOnOpenSettings:(std::function<void()>)onOpenSettings;
+- (void)openSettings:(id)sender;
+@end
+
+@implementation FerrowynApplicationMenuTarget {
+    std::function<void()> _onOpenSettings;
+}
+
+- (instancetype)initWithOnOpenSettings:(std::function<void()>)onOpenSettings {
+    self = [super init];
+    if (self != nil) {
+        _onOpenSettings = std::move(onOpenSettings);
+    }
+    return self;
+}
+
+- (void)openSettings:(id)sender {
+    static_cast<void>(sender);
+    _onOpenSettings();
+}
+
+@end
+
+namespace ferrowyn {
+
+struct MacApplicationMenu::Parts {
+    FerrowynApplicationMenuTarget* target;
+    NSMenu* mainMenu;
+};
+
+MacApplicationMenu::MacApplicationMenu(const MacApplicationMenuTitles& titles, std::function<void()> onOpenSettings)
+    : parts_(
+          new Parts{.target = [[FerrowynApplicationMenuTarget alloc] initWithOnOpenSettings:std::move(onOpenSettings)],
+                    .mainMenu = [[NSMenu alloc] initWithTitle:@""]}) {
+    // The system writes the application's name over the first menu, whatever its title is.
+    auto* const menu = [[NSMenu alloc] initWithTitle:@""];
+    // A row's modifier is Command unless it says otherwise.
+    auto* const settings = [[NSMenuItem alloc] initWithTitle:nsString(titles.settings)
+                                                      action:@selector(openSettings:)
+                                               keyEquivalent:@","];
+    settings.target = parts_->target;
+    [menu addItem:settings];
+    [menu addItem:[NSMenuItem separatorItem]];
+    auto* const quit = [[NSMenuItem alloc] initWithTitle:nsString(titles.quit)
+                                                  action:@selector(terminate:)
+                                           keyEquivalent:@"q"];
+    quit.target = NSApplication.sharedApplication;
+    [menu addItem:quit];
+    auto* const row = [[NSMenuItem alloc] initWithTitle:@"" action:nil keyEquivalent:@""];
+    row.submenu = menu;
+    [parts_->mainMenu addItem:row];
+    NSApplication.sharedApplication.mainMenu = parts_->mainMenu;
+}
+
+MacApplicationMenu::~MacApplicationMenu() {
+    if (NSApplication.sharedApplication.mainMenu == parts_->mainMenu) {
+        NSApplication.sharedApplication.mainMenu = nil;
+    }
+}
+
+int configureUtilityWindow(std::uintptr_t view, bool isResizable) {
+    constexpr NSWindowStyleMask fixedSize = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
+                                            NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskFullSizeContentView;
+    NSWindow* const window = viewAt(view).window;
+    window.styleMask = isResizable ? fixedSize | NSWindowStyleMaskResizable : fixedSize;
+    window.titlebarAppearsTransparent = YES;
+    window.releasedWhenClosed = NO;
+    return static_cast<int>(std::ceil(window.frame.size.height - NSMaxY(window.contentLayoutRect)));
 }
 
 }  // namespace ferrowyn

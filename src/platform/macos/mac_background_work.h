@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
@@ -16,6 +19,24 @@ public:
 
 private:
     BackgroundWork& workers_;
+};
+
+/// Calls `work` inside an autorelease pool, which is drained before this returns. A thread that the program started has
+/// no pool: without one, what the system's functions autorelease there is not freed. Any thread.
+void inAutoreleasePool(const std::function<void()>& work);
+
+/// Keeps the system from slowing the program's timers, as it does to programs that show no window, for as long as this
+/// lives. The Mac may still go to sleep. Main thread.
+class MacActivity {
+public:
+    MacActivity();
+    ~MacActivity();
+    MacActivity(const MacActivity&) = delete;
+    MacActivity& operator=(const MacActivity&) = delete;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
 };
 
 }  // namespace ferrowyn

@@ -1,5 +1,7 @@
 #include "platform/macos/mac_background_work.h"
 
+#import <Foundation/Foundation.h>
+
 #include <utility>
 
 namespace ferrowyn {
@@ -20,6 +22,25 @@ void MacBackgroundWork::concurrentPerform(std::size_t count, const std::function
             iteration(index);
         }
     });
+}
+
+void inAutoreleasePool(const std::function<void()>& work) {
+    @autoreleasepool {
+        work();
+    }
+}
+
+struct MacActivity::Parts {
+    id<NSObject> activity;
+};
+
+MacActivity::MacActivity()
+    : parts_(new Parts{[NSProcessInfo.processInfo
+          beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                            reason:@"Answers the window switcher's shortcut at once"]}) {}
+
+MacActivity::~MacActivity() {
+    [NSProcessInfo.processInfo endActivity:parts_->activity];
 }
 
 }  // namespace ferrowyn

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <CoreGraphics/CoreGraphics.h>
+
 #include <functional>
 #include <utility>
 
@@ -8,6 +10,26 @@
 namespace ferrowyn {
 
 class Log;
+
+/// An event of the system's tap, borrowed for the length of the callback. Tap thread.
+class MacTapEvent final : public TapEvent {
+public:
+    /// The two "disabled" types come without an event worth asking, or with none.
+    MacTapEvent(CGEventType type, CGEventRef event) : type_(type), event_(event) {}
+
+    /// Asks for the text of some key. What translates keys is made when it is first used, which must be on the main
+    /// thread; after that any thread may use it.
+    static void prepareTexts();
+
+    [[nodiscard]] Type type() const override;
+    [[nodiscard]] std::uint64_t flags() const override;
+    [[nodiscard]] std::uint16_t keyCode() const override;
+    [[nodiscard]] std::u16string text(std::optional<std::uint64_t> withFlags) const override;
+
+private:
+    CGEventType type_;
+    CGEventRef event_;
+};
 
 /// The system's own event taps, and the thread that serves one.
 class MacEventTaps final : public EventTaps {

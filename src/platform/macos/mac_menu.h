@@ -3,8 +3,37 @@
 #import <AppKit/AppKit.h>
 
 #include <functional>
+#include <string_view>
 
 #include "platform/status_item.h"
+
+namespace ferrowyn {
+
+[[nodiscard]] NSColor* _Nonnull systemColor(MenuTint tint);
+
+/// A symbol of the system that its surroundings tint; nil when the system has none of this name.
+[[nodiscard]] NSImage* _Nullable templateSymbol(std::string_view name, NSString* _Nullable accessibilityDescription);
+[[nodiscard]] NSImage* _Nullable templateSymbol(std::string_view name, NSString* _Nullable accessibilityDescription,
+                                                double pointSize);
+/// A symbol in a colour of its own: for drawing by oneself, where nothing would tint a template.
+[[nodiscard]] NSImage* _Nullable coloredSymbol(std::string_view name, NSString* _Nullable accessibilityDescription,
+                                               double pointSize, NSColor* _Nonnull color);
+/// As the symbols of menu rows are drawn; one in another colour than the menu's own is no template.
+[[nodiscard]] NSImage* _Nullable menuSymbol(std::string_view name, MenuTint tint);
+
+}  // namespace ferrowyn
+
+/// The menu's first row: the program's icon and name, how it is doing, and a gear that opens the settings.
+@interface FerrowynMenuHeaderView : NSView
+
+- (instancetype)initWithHeader:(const ferrowyn::MenuHeader&)header
+                onOpenSettings:(std::function<void()>)onOpenSettings NS_DESIGNATED_INITIALIZER;
+- (instancetype)initWithFrame:(NSRect)frameRect NS_UNAVAILABLE;
+- (instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
+
+@property(nonatomic, readonly) BOOL isHoveringGear;
+
+@end
 
 /// A row of the status item's menu that knows what it stands for, so that choosing one in a menu which has been
 /// replaced meanwhile still does what it says.

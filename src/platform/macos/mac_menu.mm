@@ -1,8 +1,226 @@
 #include "platform/macos/mac_menu.h"
 
-#include "platform/macos/mac_menu_header_view.h"
-#include "platform/macos/mac_strings.h"
-#include "platform/macos/mac_symbols.h"
+#include <algorithm>
+#include <utility>
+
+#include "platform/macos/cocoa.h"
+
+namespace ferrowyn {
+
+namespace {
+
+constexpr double menuPointSize = 13;
+
+NSImage* systemSymbol(std::string_view name, NSString* accessibilityDescription) {
+    return [NSImage imageWithSystemSymbolName:nsString(name) accessibilityDescription:accessibilityDescription];
+}
+
+NSImageSymbolConfiguration* ofSize(double pointSize) {
+    return [NSImageSymbolConfiguration configurationWithPointSize:pointSize weight:NSFontWeightRegular];
+}
+
+}  // namespace
+
+NSColor* systemColor(MenuTint tint) {
+    switch (tint) {
+        case MenuTint::label:
+            return NSColor.labelColor;
+        case MenuTint::secondaryLabel:
+            return NSColor.secondaryLabelColor;
+        case MenuTint::tertiaryLabel:
+            return NSColor.tertiaryLabelColor;
+        case MenuTint::orange:
+            return NSColor.systemOrangeColor;
+        case MenuTint::accent:
+            return NSColor.controlAccentColor;
+    }
+    return NSColor.labelColor;
+}
+
+NSImage* templateSymbol(std::string_view name, NSString* accessibilityDescription) {
+    NSImage* const image = systemSymbol(name, accessibilityDescription);
+    [image setTemplate:YES];
+    return image;
+}
+
+NSImage* templateSymbol(std::string_view name, NSString* accessibilityDescription, double pointSize) {
+    NSImage* const symbol = systemSymbol(name, accessibilityDescription);
+    NSImage* const image = [symbol imageWithSymbolConfiguration:ofSize(pointSize)];
+    [image setTemplate:YES];
+    return image;
+}
+
+NSImage* coloredSymbol(std::string_view name, NSString* accessibilityDescription, double pointSize, NSColor* color) {
+    auto* const palette = [NSImageSymbolConfiguration configurationWithPaletteColors:@[ color ]];
+    auto* const configuration = [ofSize(pointSize) configurationByApplyingConfiguration:palette];
+    NSImage* const symbol = systemSymbol(name, accessibilityDescription);
+    NSImage* const image = [symbol imageWithSymbolConfiguration:configuration];
+    [image setTemplate:NO];
+    return image;
+}
+
+NSImage* menuSymbol(std::string_view name, MenuTint tint) {
+    return tint == MenuTint::label ? templateSymbol(name, nil, menuPointSize)
+                                   : coloredSymbol(name, nil, menuPointSize, systemColor(tint));
+}
+
+}  // namespace ferrowyn
+
+namespace {
+
+constexpr CGFloat headerWidth = 268;
+constexpr CGFloat headerHeight = 58;
+constexpr CGFloat iconSide = 32;
+constexpr CGFloat iconLeft = 14;
+constexpr CGFloat gearSide = 26;
+constexpr CGFloat gearRightInset = 14;
+constexpr CGFloat gearPointSize = 14;
+constexpr CGFloat textLeft = 54;
+constexpr CGFloat textRightInset = 8;
+constexpr CGFloat titleHeight = 17;
+constexpr CGFloat titleFromTop = 32;
+constexpr CGFloat titleFontSize = 13;
+constexpr CGFloat subtitleHeight = 15;
+constexpr CGFloat subtitleFromTop = 48;
+constexpr CGFloat subtitleFontSize = 11;
+constexpr CGFloat hoverInset = 1;
+constexpr CGFloat hoverRadius = 5;
+constexpr CGFloat hoverOpacity = 0.1;
+
+NSTextField* label(const std::string& text, CGFloat fontSize, NSColor* color) {
+    NSTextField* const field = [NSTextField labelWithString:ferrowyn::nsString(text)];
+    field.font = [NSFont systemFontOfSize:fontSize];
+    field.textColor = color;
+    return field;
+}
+
+}  // namespace
+
+@implementation FerrowynMenuHeaderView {
+    NSImageView* _iconView;
+    NSTextField* _titleLabel;
+    NSTextField* _subtitleLabel;
+    NSTrackingArea* _hoverArea;
+    std::function<void()> _onOpenSettings;
+}
+
+- (instancetype)initWithHeader:(const ferrowyn::MenuHeader&)header
+                onOpenSettings:(std::function<void()>)onOpenSettings {
+    self = [super initWithFrame:NSMakeRect(0, 0, headerWidth, headerHeight)];
+    if (self != nil) {
+        _onOpenSettings = std::move(onOpenSettings);
+        _iconView = [NSImageView imageViewWithImage:NSApplication.sharedApplication.applicationIconImage];
+        _iconView.imageScaling = NSImageScaleProportionallyUpOrDown;
+        _titleLabel = label(header.title, titleFontSize, NSColor.labelColor);
+        _subtitleLabel = label(header.subtitle, subtitleFontSize, ferrowyn::systemColor(header.subtitleTint));
+        _subtitleLabel.lineBreakMode = NSLineBreakByTruncatingTail;
+        [self addSubview:_iconView];
+        [self addSubview:_titleLabel];
+        [self addSubview:_subtitleLabel];
+        self.autoresizingMask = NSViewWidthSizable;
+        [self placeParts];
+    }
+    return self;
+}
+
+- (instancetype)initWithCoder:(NSCoder*)coder {
+    self = [super initWithCoder:coder];
+    [NSException raise:NSInternalInconsistencyException format:@"MenuHeaderView is created in code only"];
+    return self;
+}
+
+- (NSRect)gearArea {
+    return NSMakeRect(self.bounds.size.width - gearRightInset - gearSide, (self.bounds.size.height - gearSide) / 2,
+                      gearSide, gearSide);
+}
+
+- (void)placeParts {
+    const NSSize size = self.bounds.size;
+    const CGFloat textWidth = std::max<CGFloat>(0, self.gearArea.origin.x - textRightInset - textLeft);
+    _iconView.frame = NSMakeRect(iconLeft, (size.height - iconSide) / 2, iconSide, iconSide);
+    _titleLabel.frame = NSMakeRect(textLeft, size.height - titleFromTop, textWidth, titleHeight);
+    _subtitleLabel.frame = NSMakeRect(textLeft, size.height - subtitleFromTop, textWidth, subtitleHeight);
+}
+
+- (void)setFrameSize:(NSSize)newSize {
+    [super setFrameSize:newSize];
+    [self placeParts];
+}
+
+- (void)updateTrackingAreas {
+    [super updateTrackingAreas];
+    if (_hoverArea != nil) {
+        [self removeTrackingArea:_hoverArea];
+    }
+    // A menu tracks the pointer while another application may be the active one.
+    _hoverArea = [[NSTrackingArea alloc]
+        initWithRect:self.bounds
+             options:NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved | NSTrackingActiveAlways
+               owner:self
+            userInfo:nil];
+    [self addTrackingArea:_hoverArea];
+}
+
+- (BOOL)isInGear:(NSEvent*)event {
+    return NSPointInRect([self convertPoint:event.locationInWindow fromView:nil], self.gearArea);
+}
+
+- (void)mouseMoved:(NSEvent*)event {
+    _isHoveringGear = [self isInGear:event];
+    self.needsDisplay = YES;
+}
+
+- (void)mouseExited:(NSEvent*)event {
+    static_cast<void>(event);
+    _isHoveringGear = NO;
+    self.needsDisplay = YES;
+}
+
+- (void)mouseUp:(NSEvent*)event {
+    if ([self isInGear:event]) {
+        [self openSettings];
+    }
+}
+
+- (void)openSettings {
+    [self.enclosingMenuItem.menu cancelTracking];
+    // A copy: the menu, and this view with it, may be replaced by what it does.
+    const auto onOpenSettings = _onOpenSettings;
+    onOpenSettings();
+}
+
+- (void)drawRect:(NSRect)dirtyRect {
+    [super drawRect:dirtyRect];
+    const NSRect gear = self.gearArea;
+    if (_isHoveringGear) {
+        [[NSColor.labelColor colorWithAlphaComponent:hoverOpacity] setFill];
+        [[NSBezierPath bezierPathWithRoundedRect:NSInsetRect(gear, hoverInset, hoverInset)
+                                         xRadius:hoverRadius
+                                         yRadius:hoverRadius] fill];
+    }
+    NSImage* const symbol = ferrowyn::coloredSymbol("gearshape", @"Settings", gearPointSize, NSColor.labelColor);
+    const NSSize size = symbol.size;
+    [symbol drawInRect:NSInsetRect(gear, (gear.size.width - size.width) / 2, (gear.size.height - size.height) / 2)];
+}
+
+- (BOOL)isAccessibilityElement {
+    return YES;
+}
+
+- (NSAccessibilityRole)accessibilityRole {
+    return NSAccessibilityButtonRole;
+}
+
+- (NSString*)accessibilityLabel {
+    return @"Settings";
+}
+
+- (BOOL)accessibilityPerformPress {
+    [self openSettings];
+    return YES;
+}
+
+@end
 
 @implementation FerrowynMenuItem {
     ferrowyn::MenuRow _row;

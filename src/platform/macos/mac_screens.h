@@ -13,4 +13,14 @@ public:
     [[nodiscard]] Subscription observe(std::function<void()> handler) const override;
 };
 
+/// The mouse pointer. Main thread.
+class MacPointer final : public Pointer {
+public:
+    [[nodiscard]] Point location() const override;
+    /// The system's answer is of this moment already.
+    void refresh() override {}
+    /// Presses in the program's own windows do not count: the system's global monitor sees none of them.
+    [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override;
+};
+
 }  // namespace ferrowyn

@@ -4,8 +4,7 @@
 
 #include <utility>
 
-#include "platform/macos/mac_geometry.h"
-#include "platform/macos/mac_notification_observation.h"
+#include "platform/macos/cocoa.h"
 
 namespace ferrowyn {
 
@@ -36,6 +35,21 @@ std::optional<Screen> MacScreens::main() const {
 Subscription MacScreens::observe(std::function<void()> handler) const {
     return observeNotification(NSNotificationCenter.defaultCenter, NSApplicationDidChangeScreenParametersNotification,
                                [handler = std::move(handler)](NSNotification*) { handler(); });
+}
+
+Point MacPointer::location() const {
+    const NSPoint location = NSEvent.mouseLocation;
+    return {.x = location.x, .y = location.y};
+}
+
+Subscription MacPointer::observeClicksElsewhere(std::function<void()> handler) {
+    constexpr NSEventMask presses = NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown;
+    const id monitor = [NSEvent addGlobalMonitorForEventsMatchingMask:presses
+                                                              handler:^(NSEvent*) {
+                                                                handler();
+                                                              }];
+    // The system may refuse, and takes no nil back.
+    return monitor == nil ? Subscription() : Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
 }
 
 }  // namespace ferrowyn

@@ -4,9 +4,8 @@
 
 #include <utility>
 
+#include "platform/macos/cocoa.h"
 #include "platform/macos/mac_menu.h"
-#include "platform/macos/mac_strings.h"
-#include "platform/macos/mac_symbols.h"
 
 /// The menu's delegate and the target of its rows.
 @interface FerrowynStatusMenuTarget : NSObject <NSMenuDelegate>

@@ -4,6 +4,17 @@
 
 namespace ferrowyn {
 
+/// The icons that the workspace and running applications give. Main thread.
+class MacIconSource final : public IconSource {
+public:
+    [[nodiscard]] std::shared_ptr<const IconImage> iconForFile(std::string_view path) override;
+    [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid pid) override;
+    /// The same for every name.
+    [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
+    /// Nobody is ever told: the system does not say when a process gives itself another icon.
+    [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> /*handler*/) override { return {}; }
+};
+
 /// The system's symbols by name, and its standard colours. Main thread.
 class MacSystemLooks final : public SystemLooks {
 public:

@@ -6,7 +6,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/macos/owned.h"
+#include "platform/macos/cf_values.h"
 
 namespace ferrowyn {
 

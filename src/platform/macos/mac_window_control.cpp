@@ -1,9 +1,7 @@
 #include "platform/macos/mac_window_control.h"
 
 #include "platform/log.h"
-#include "platform/macos/cf_cast.h"
 #include "platform/macos/cf_values.h"
-#include "platform/macos/mac_attributes.h"
 #include "platform/macos/mac_element.h"
 
 namespace ferrowyn {

@@ -4,9 +4,9 @@
 
 #include <optional>
 
-#include "platform/macos/mac_application_control.h"
-#include "platform/macos/mac_window_number_lookup.h"
-#include "platform/macos/owned.h"
+#include "platform/macos/cf_values.h"
+#include "platform/macos/mac_element.h"
+#include "platform/macos/mac_workspace.h"
 #include "platform/window_control.h"
 
 namespace ferrowyn {

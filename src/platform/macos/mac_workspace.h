@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/app_window.h"
 #include "platform/workspace.h"
 
 namespace ferrowyn {
@@ -16,6 +17,28 @@ public:
     [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view bundleIdentifier) const override;
     [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view bundleIdentifier) const override;
     bool open(std::string_view url) override;
+};
+
+/// What running applications, rather than Accessibility, are asked for when a window is activated. Main thread. A
+/// process that has gone is not hidden, not active, and nothing can be asked of it.
+class MacApplicationControl {
+public:
+    virtual ~MacApplicationControl() = default;
+
+    [[nodiscard]] virtual bool isHidden(Pid pid) const = 0;
+    virtual void unhide(Pid pid) = 0;
+    /// Activates the application with no options.
+    virtual void activate(Pid pid) = 0;
+    [[nodiscard]] virtual bool isActive(Pid pid) const = 0;
+};
+
+/// Asks NSRunningApplication. Main thread.
+class MacRunningApplicationControl final : public MacApplicationControl {
+public:
+    [[nodiscard]] bool isHidden(Pid pid) const override;
+    void unhide(Pid pid) override;
+    void activate(Pid pid) override;
+    [[nodiscard]] bool isActive(Pid pid) const override;
 };
 
 }  // namespace ferrowyn

@@ -5,11 +5,12 @@
 #include <memory>
 #include <utility>
 
-#include "platform/macos/mac_notification_observation.h"
-#include "platform/macos/mac_running_application.h"
-#include "platform/macos/mac_strings.h"
+#include "platform/macos/cocoa.h"
 
 namespace ferrowyn {
+
+/// As it is at this moment.
+[[nodiscard]] RunningApplication describe(NSRunningApplication* _Nonnull application);
 
 namespace {
 
@@ -90,6 +91,59 @@ std::optional<std::string> MacWorkspace::installedApplicationPath(std::string_vi
 bool MacWorkspace::open(std::string_view url) {
     NSURL* const address = [NSURL URLWithString:nsString(url)];
     return address != nil && [NSWorkspace.sharedWorkspace openURL:address];
+}
+
+namespace {
+
+/// Nil, which answers every question with no, for a process that has gone.
+NSRunningApplication* applicationWith(Pid pid) {
+    return [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
+}
+
+constexpr NSApplicationActivationOptions noOptions{};
+
+}  // namespace
+
+bool MacRunningApplicationControl::isHidden(Pid pid) const {
+    return applicationWith(pid).hidden;
+}
+
+void MacRunningApplicationControl::unhide(Pid pid) {
+    [applicationWith(pid) unhide];
+}
+
+void MacRunningApplicationControl::activate(Pid pid) {
+    [applicationWith(pid) activateWithOptions:noOptions];
+}
+
+bool MacRunningApplicationControl::isActive(Pid pid) const {
+    return applicationWith(pid).active;
+}
+
+namespace {
+
+ActivationPolicy policyFrom(NSApplicationActivationPolicy policy) {
+    switch (policy) {
+        case NSApplicationActivationPolicyRegular:
+            return ActivationPolicy::regular;
+        case NSApplicationActivationPolicyAccessory:
+            return ActivationPolicy::accessory;
+        case NSApplicationActivationPolicyProhibited:
+            return ActivationPolicy::prohibited;
+    }
+    // One that a later system may add.
+    return ActivationPolicy::prohibited;
+}
+
+}  // namespace
+
+RunningApplication describe(NSRunningApplication* application) {
+    return {.pid = application.processIdentifier,
+            .isTerminated = application.terminated != NO,
+            .activationPolicy = policyFrom(application.activationPolicy),
+            .bundleIdentifier = optionalUtf8(application.bundleIdentifier),
+            .localizedName = optionalUtf8(application.localizedName),
+            .bundleURL = optionalUtf8(application.bundleURL.path)};
 }
 
 }  // namespace ferrowyn

@@ -11,12 +11,37 @@
 #include <vector>
 
 #include "core/app_window.h"
-#include "tests/macos/fake/fake_object.h"
-#include "tests/macos/fake/fake_value.h"
+#include "tests/macos/fake/fake_core_foundation.h"
+#include "tests/macos/fake/fake_objects.h"
+#include "tests/macos/fake/fake_run_loop.h"
 
 namespace ferrowyn::fake {
 
 class Observer;
+
+/// A handle of an element. Handles of one element are equal, and each has a messaging timeout of its own.
+class ElementHandle final : public Object {
+public:
+    /// What the system waits where nobody said otherwise.
+    static constexpr float defaultTimeout = 6;
+
+    explicit ElementHandle(ElementId id) : Object("AXUIElement"), id_(id) {}
+
+    [[nodiscard]] ElementId id() const { return id_; }
+    [[nodiscard]] bool equals(const Object& other) const override {
+        return dynamic_cast<const ElementHandle&>(other).id_ == id_;
+    }
+    [[nodiscard]] std::size_t hash() const override { return static_cast<std::size_t>(id_.number) * 7919; }
+
+    std::atomic<float> timeout{defaultTimeout};
+
+private:
+    ElementId id_;
+};
+
+}  // namespace ferrowyn::fake
+
+namespace ferrowyn::fake {
 
 /// The Accessibility interfaces of the scripted applications. Scripted on the main thread, asked from any.
 class Accessibility {
@@ -84,6 +109,42 @@ private:
     std::vector<std::string> requests_;
     double secondsWaited_ = 0;
     int lastElement_ = 0;
+};
+
+}  // namespace ferrowyn::fake
+
+namespace ferrowyn::fake {
+
+/// An observer of one application, with a source that delivers all that waits in one go, whatever a callback does to
+/// the observer in between.
+class Observer final : public Object {
+public:
+    Observer(Pid pid, AXObserverCallback callback);
+    ~Observer() override;
+
+    [[nodiscard]] Pid pid() const { return pid_; }
+    [[nodiscard]] RunLoopSource& source() { return *source_.get(); }
+
+    /// False when it is registered already.
+    bool add(ElementId element, const std::string& notification, void* refcon);
+    /// False when it is not registered.
+    bool remove(ElementId element, const std::string& notification);
+    void enqueue(ElementId element, const std::string& notification);
+
+private:
+    struct Registration {
+        ElementId element;
+        std::string notification;
+        void* refcon;
+    };
+
+    bool deliver();
+
+    Pid pid_;
+    AXObserverCallback callback_;
+    std::vector<Registration> registrations_;
+    std::vector<Registration> waiting_;
+    Held<RunLoopSource> source_;
 };
 
 }  // namespace ferrowyn::fake

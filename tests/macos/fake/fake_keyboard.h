@@ -4,7 +4,9 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -12,11 +14,48 @@
 #include <utility>
 #include <vector>
 
-#include "tests/macos/fake/fake_object.h"
+#include "tests/macos/fake/fake_objects.h"
 
 namespace ferrowyn::fake {
 
-class MachPort;
+/// The port of an event tap, with the events that wait for the thread which serves it. Any thread.
+class MachPort final : public Object {
+public:
+    MachPort(CGEventTapCallBack callback, void* userInfo);
+    ~MachPort() override;
+
+    void setEnabled(bool enabled);
+    [[nodiscard]] bool isEnabled() const;
+    void invalidate();
+    [[nodiscard]] bool isValid() const;
+
+    /// What the callback returned, once the serving thread has called it; nothing when no thread did in time.
+    [[nodiscard]] std::optional<CGEventRef> ask(CGEventType type, CGEventRef event);
+    /// Calls back about one waiting event; false when none waits. The serving thread.
+    bool serveNext();
+
+private:
+    struct Question {
+        CGEventType type;
+        CGEventRef event;
+        std::optional<CGEventRef> answer;
+    };
+
+    CGEventTapCallBack callback_;
+    void* userInfo_;
+    /// The layer has no use for one.
+    CGEventTapProxy proxy_ = nullptr;
+    mutable std::mutex lock_;
+    std::condition_variable answered_;
+    std::deque<std::shared_ptr<Question>> questions_;
+    /// A tap delivers from the moment it is made.
+    bool isEnabled_ = true;
+    bool isValid_ = true;
+};
+
+}  // namespace ferrowyn::fake
+
+namespace ferrowyn::fake {
 
 /// The session's keyboard and its taps. Keys are pressed on the main thread; taps answer on theirs.
 class Keyboard {

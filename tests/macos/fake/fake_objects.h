@@ -1,11 +1,73 @@
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
-#include "tests/macos/fake/fake_object.h"
+namespace ferrowyn::fake {
+
+/// A Core Foundation object of the fake: counted by reference, compared and hashed as its kind says. A reference of the
+/// system's types is the address of one. Any thread.
+class Object {
+public:
+    explicit Object(std::string kind);
+    virtual ~Object();
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+
+    [[nodiscard]] const std::string& kind() const { return kind_; }
+    [[nodiscard]] virtual bool equals(const Object& other) const { return this == &other; }
+    [[nodiscard]] virtual std::size_t hash() const;
+
+    /// The object as the system's type, with the one reference it was made with.
+    template <typename Ref>
+    [[nodiscard]] Ref as() {
+        return reinterpret_cast<Ref>(this);
+    }
+
+private:
+    std::string kind_;
+};
+
+/// A reference that one object of the fake holds in another.
+template <typename Kind>
+class Held {
+public:
+    Held() = default;
+    /// Takes over the reference that the object was made with.
+    explicit Held(Kind* object) : object_(object) {}
+    [[nodiscard]] static Held retaining(Kind* object) {
+        CFRetain(object);
+        return Held(object);
+    }
+    Held(Held&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    Held& operator=(Held&& other) noexcept {
+        std::swap(object_, other.object_);
+        return *this;
+    }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+    ~Held() {
+        if (object_ != nullptr) {
+            CFRelease(object_);
+        }
+    }
+
+    [[nodiscard]] Kind* get() const { return object_; }
+    Kind* operator->() const { return object_; }
+    /// Hands the reference to whoever called a Create or Copy function.
+    [[nodiscard]] Kind* release() { return std::exchange(object_, nullptr); }
+
+private:
+    Kind* object_ = nullptr;
+};
+
+}  // namespace ferrowyn::fake
 
 namespace ferrowyn::fake {
 

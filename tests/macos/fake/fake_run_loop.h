@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/macos/fake/fake_object.h"
+#include "tests/macos/fake/fake_objects.h"
 
 namespace ferrowyn::fake {
 

@@ -3,7 +3,6 @@
 #include <HIServices/HIServices.h>
 
 #include "tests/macos/fake/fake_accessibility.h"
-#include "tests/macos/fake/fake_element.h"
 #include "tests/macos/fake/fake_objects.h"
 
 using namespace ferrowyn::fake;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/macos/fake/fake_value.h"
+#include "tests/macos/fake/fake_core_foundation.h"
 
 namespace ferrowyn::fake {
 

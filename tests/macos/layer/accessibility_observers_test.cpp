@@ -1,5 +1,5 @@
+#include "inventory/window_observation_center.h"
 #include "platform/macos/mac_accessibility_observers.h"
-
 #include "tests/macos/fake/fake_objects.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/layer/mac_fixture.h"
@@ -173,6 +173,209 @@ TEST_F(AccessibilityObserversTest, ElementsOfAnotherDesktopAreLeftAlone) {
     observer->addWindowNotification(desktop.elementOf(70), "AXTitleChanged");
     observer->removeWindowNotification(desktop.elementOf(70), "AXTitleChanged");
     EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+}
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr Pid notes = 501;
+
+/// An observer of an application that sometimes does not answer.
+class NotificationRegistrationsTest : public MacFixture {
+protected:
+    NotificationRegistrationsTest() { desktop.settle(); }
+
+    /// Registers what the program does for an application.
+    void registerApplication() {
+        for (const auto notification : ApplicationObserver::applicationNotifications) {
+            observer->addApplicationNotification(notification);
+        }
+    }
+    void addWindow(fake::ElementId id) {
+        for (const auto notification : ApplicationObserver::windowNotifications) {
+            observer->addWindowNotification(handleOf(id), notification);
+        }
+    }
+    void removeWindow(fake::ElementId id) {
+        for (const auto notification : ApplicationObserver::windowNotifications) {
+            observer->removeWindowNotification(handleOf(id), notification);
+        }
+    }
+    void setHangs(bool hangs) { accessibility.application(notes).hangs = hangs; }
+    /// How long the main thread waited for the application while the test did this.
+    template <typename Work>
+    double secondsWaitedIn(const Work& work) {
+        const double before = accessibility.secondsWaited();
+        work();
+        return accessibility.secondsWaited() - before;
+    }
+    /// Once, and there is nobody else who hears of it.
+    bool isHeard(fake::ElementId from, const std::string& notification) {
+        heard.clear();
+        accessibility.post(from, notification);
+        runMainLoop();
+        return heard == std::vector<std::string>{notification};
+    }
+
+    fake::ElementId app = accessibility.addApplication(notes);
+    fake::ElementId window = accessibility.addWindow(notes, {});
+    std::vector<std::string> heard;
+    MacAccessibilityObservers observers{mainLoop, log};
+    std::unique_ptr<AccessibilityObserver> observer =
+        observers.create(notes, [this](std::string_view notification) { heard.emplace_back(notification); });
+};
+
+TEST_F(NotificationRegistrationsTest, AnApplicationThatHangsIsWaitedForOnceHoweverMuchIsRegistered) {
+    setHangs(true);
+    EXPECT_NEAR(secondsWaitedIn([&] {
+                    registerApplication();
+                    addWindow(window);
+                }),
+                0.5, 1e-6);
+    EXPECT_THAT(accessibility.takeRequests(), ElementsAre("add AXWindowCreated of 1 within 0.5"));
+    EXPECT_THAT(takeLog(), ElementsAre("AXWindowCreated: error -25204 for pid 501"));
+}
+
+TEST_F(NotificationRegistrationsTest, WhatAnApplicationWasNotToldItIsToldWhenItAnswersAgain) {
+    setHangs(true);
+    registerApplication();
+    addWindow(window);
+    setHangs(false);
+    static_cast<void>(accessibility.takeRequests());
+    desktop.advance(Seconds(0.9));
+    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+    desktop.advance(Seconds(0.2));
+    EXPECT_THAT(accessibility.takeRequests(), SizeIs(10));
+    for (const auto notification : ApplicationObserver::applicationNotifications) {
+        EXPECT_TRUE(isHeard(app, std::string(notification))) << notification;
+    }
+    for (const auto notification : ApplicationObserver::windowNotifications) {
+        EXPECT_TRUE(isHeard(window, std::string(notification))) << notification;
+    }
+    desktop.advance(Seconds(600));
+    EXPECT_THAT(accessibility.takeRequests(), IsEmpty()) << "each once";
+    const auto second = accessibility.addWindow(notes, {});
+    addWindow(second);
+    EXPECT_TRUE(isHeard(second, "AXTitleChanged")) << "and what comes later is told at once";
+}
+
+TEST_F(NotificationRegistrationsTest, AnApplicationThatHangsMidwayIsToldTheRest) {
+    accessibility.application(notes).requestsUntilItHangs = 2;
+    registerApplication();
+    accessibility.application(notes).requestsUntilItHangs.reset();
+    setHangs(false);
+    desktop.advance(Seconds(1.1));
+    for (const auto notification : ApplicationObserver::applicationNotifications) {
+        EXPECT_TRUE(isHeard(app, std::string(notification))) << notification;
+    }
+}
+
+TEST_F(NotificationRegistrationsTest, ThePausesGrowAndComeToAnEnd) {
+    setHangs(true);
+    EXPECT_NEAR(secondsWaitedIn([&] { registerApplication(); }), 0.5, 1e-6);
+    for (const double pause : {1.0, 2.0, 4.0, 8.0, 16.0, 32.0, 64.0, 128.0}) {
+        EXPECT_NEAR(secondsWaitedIn([&] { desktop.advance(Seconds(pause - 0.01)); }), 0, 1e-6) << pause;
+        EXPECT_NEAR(secondsWaitedIn([&] { desktop.advance(Seconds(0.01)); }), 0.5, 1e-6) << pause;
+    }
+    EXPECT_NEAR(secondsWaitedIn([&] { desktop.advance(Seconds(100000)); }), 0, 1e-6);
+}
+
+TEST_F(NotificationRegistrationsTest, ANewWindowShowsThatAnApplicationThatWasGivenUpAnswersAgain) {
+    setHangs(true);
+    registerApplication();
+    desktop.advance(Seconds(1000));
+    setHangs(false);
+    EXPECT_NEAR(secondsWaitedIn([&] { addWindow(window); }), 0, 1e-6);
+    desktop.advance(Seconds(1));
+    EXPECT_TRUE(isHeard(app, "AXWindowCreated"));
+    EXPECT_TRUE(isHeard(window, "AXTitleChanged"));
+}
+
+TEST_F(NotificationRegistrationsTest, OneRequestThatIsNeverAnsweredLeavesTheOthersTheirTurn) {
+    accessibility.element(window).refusals["AXWindowMiniaturized"] = kAXErrorCannotComplete;
+    addWindow(window);
+    desktop.advance(Seconds(3));
+    EXPECT_TRUE(isHeard(window, "AXUIElementDestroyed"));
+    EXPECT_TRUE(isHeard(window, "AXTitleChanged"));
+    EXPECT_FALSE(isHeard(window, "AXWindowMiniaturized"));
+}
+
+TEST_F(NotificationRegistrationsTest, ARegistrationThatWasMadeAfterAllIsNoNews) {
+    addWindow(window);
+    addWindow(window);
+    EXPECT_TRUE(isHeard(window, "AXTitleChanged"));
+    EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+TEST_F(NotificationRegistrationsTest, AWindowThatIsNoLongerListedIsNeverRegistered) {
+    setHangs(true);
+    registerApplication();
+    addWindow(window);
+    removeWindow(window);
+    setHangs(false);
+    static_cast<void>(accessibility.takeRequests());
+    desktop.advance(Seconds(1));
+    EXPECT_THAT(accessibility.takeRequests(), SizeIs(6));
+    EXPECT_TRUE(isHeard(app, "AXWindowCreated"));
+    EXPECT_FALSE(isHeard(window, "AXTitleChanged"));
+}
+
+TEST_F(NotificationRegistrationsTest, RemovalsAreHeldBackAsRegistrationsAre) {
+    const auto second = accessibility.addWindow(notes, {});
+    addWindow(window);
+    addWindow(second);
+    setHangs(true);
+    EXPECT_NEAR(secondsWaitedIn([&] {
+                    removeWindow(window);
+                    removeWindow(second);
+                }),
+                0.5, 1e-6);
+    // It is listed again before the application answers.
+    addWindow(second);
+    setHangs(false);
+    desktop.advance(Seconds(1));
+    EXPECT_FALSE(isHeard(window, "AXTitleChanged"));
+    EXPECT_TRUE(isHeard(second, "AXTitleChanged"));
+}
+
+TEST_F(NotificationRegistrationsTest, EndingTheObserverOfAnApplicationThatHangsSendsNothing) {
+    addWindow(window);
+    setHangs(true);
+    addWindow(accessibility.addWindow(notes, {}));
+    EXPECT_NEAR(secondsWaitedIn([&] {
+                    removeWindow(window);
+                    observer->detachFromMainLoop();
+                    observer.reset();
+                    desktop.advance(Seconds(600));
+                }),
+                0, 1e-6);
+}
+
+TEST_F(NotificationRegistrationsTest, QuittingWhileAnApplicationHangsWaitsForItOnce) {
+    ApplicationObserver::ChangeHandler nobody = [](const WindowChange&) {};
+    auto application = ApplicationObserver::create(observers, notes, nobody);
+    application->observeWindows({handleOf(window), handleOf(accessibility.addWindow(notes, {}))});
+    desktop.settle();
+    static_cast<void>(accessibility.takeRequests());
+    setHangs(true);
+    EXPECT_NEAR(secondsWaitedIn([&] {
+                    application.reset();
+                    desktop.advance(Seconds(600));
+                }),
+                0.5, 1e-6);
+    EXPECT_THAT(accessibility.takeRequests(), SizeIs(1));
+}
+
+TEST_F(NotificationRegistrationsTest, AnObserverThatIsDestroyedTriesNoMore) {
+    setHangs(true);
+    registerApplication();
+    observer.reset();
+    static_cast<void>(accessibility.takeRequests());
+    desktop.advance(Seconds(600));
+    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+    EXPECT_FALSE(fake::RunLoop::main().hasSources());
 }
 
 }  // namespace

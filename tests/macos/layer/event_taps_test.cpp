@@ -5,7 +5,6 @@
 #include <future>
 #include <thread>
 
-#include "platform/macos/mac_tap_event.h"
 #include "tests/macos/fake/fake_objects.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/layer/mac_fixture.h"

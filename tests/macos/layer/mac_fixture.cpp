@@ -1,6 +1,6 @@
 #include "tests/macos/layer/mac_fixture.h"
 
-#include "tests/macos/fake/fake_element.h"
+#include "tests/macos/fake/fake_accessibility.h"
 #include "tests/macos/fake/fake_objects.h"
 #include "tests/macos/fake/fake_run_loop.h"
 

@@ -1,6 +1,6 @@
 #include "inventory/window_enumerator.h"
+#include "platform/macos/mac_element.h"
 #include "platform/macos/mac_window_inventory.h"
-#include "platform/macos/mac_window_number_lookup.h"
 #include "platform/main_loop.h"
 #include "tests/macos/layer/mac_fixture.h"
 

@@ -1,8 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "platform/macos/mac_icon_source.h"
-#include "platform/macos/mac_pointer.h"
-#include "platform/macos/mac_running_application_control.h"
 #include "platform/macos/mac_screens.h"
 #include "platform/macos/mac_system_looks.h"
 #include "platform/macos/mac_workspace.h"

@@ -6,10 +6,9 @@
 #include <memory>
 #include <utility>
 
+#include "platform/macos/cocoa.h"
 #include "platform/macos/mac_application.h"
 #include "platform/macos/mac_panel.h"
-#include "platform/macos/mac_utility_window.h"
-#include "platform/macos/mac_views.h"
 #include "platform/qt/qt_hosted_widget.h"
 #include "tests/macos/objc/mac_test.h"
 

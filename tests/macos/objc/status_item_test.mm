@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "core/geometry.h"
-#include "platform/macos/mac_menu_header_view.h"
+#include "platform/macos/mac_menu.h"
 #include "platform/macos/mac_status_item.h"
 #include "tests/macos/objc/mac_test.h"
 #include "tests/ui/status_menu_model.h"

@@ -1,15 +1,9 @@
 #include <gmock/gmock.h>
 
 #include "platform/macos/mac_accessibility_notifications.h"
-#include "platform/macos/mac_activity.h"
 #include "platform/macos/mac_application.h"
-#include "platform/macos/mac_application_delegate.h"
-#include "platform/macos/mac_application_menu.h"
-#include "platform/macos/mac_autorelease_pool.h"
 #include "platform/macos/mac_background_work.h"
-#include "platform/macos/mac_log.h"
-#include "platform/macos/mac_login_item.h"
-#include "platform/macos/mac_user_defaults.h"
+#include "platform/macos/mac_system_services.h"
 #include "tests/macos/objc/fakes/services.h"
 #include "tests/macos/objc/mac_test.h"
 

@@ -1,9 +1,7 @@
 #include "tests/macos/program/mac_program_test.h"
 
-#include <utility>
-
 #include "main/mac_application_events.h"
-#include "platform/macos/mac_menu_header_view.h"
+#include "platform/macos/mac_menu.h"
 #include "tests/macos/fake/fake_objects.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/objc/fakes/services.h"

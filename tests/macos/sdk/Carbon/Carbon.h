@@ -2,6 +2,6 @@
 // calls and nothing else, from public knowledge of the API; see README.md here.
 #pragma once
 
-#include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CoreFoundation.h>
 
 CF_EXPORT Boolean IsSecureEventInputEnabled(void) CF_WARN_UNUSED_RESULT;

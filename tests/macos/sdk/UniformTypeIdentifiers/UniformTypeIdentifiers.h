@@ -2,7 +2,7 @@
 // calls and nothing else, from public knowledge of the API; see README.md here.
 #pragma once
 
-#include <Foundation/NSString.h>
+#include <Foundation/Foundation.h>
 
 NS_ASSUME_NONNULL_BEGIN
 

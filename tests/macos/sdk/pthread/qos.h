@@ -2,7 +2,7 @@
 // calls and nothing else, from public knowledge of the API; see README.md here.
 #pragma once
 
-#include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CoreFoundation.h>
 
 CF_ENUM(unsigned int, qos_class_t){
     QOS_CLASS_USER_INTERACTIVE = 0x21, QOS_CLASS_USER_INITIATED = 0x19, QOS_CLASS_DEFAULT = 0x15,

@@ -1,4 +1,4 @@
-#include "platform/macos/mac_notification_observation.h"
+#include "platform/macos/cocoa.h"
 
 #include <memory>
 #include <utility>

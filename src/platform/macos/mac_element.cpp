@@ -1,7 +1,6 @@
-#include "platform/macos/mac_attributes.h"
+#include "platform/macos/mac_element.h"
 
-#include "platform/macos/cf_cast.h"
-#include "platform/macos/cf_values.h"
+#include <dlfcn.h>
 
 namespace ferrowyn::accessibility {
 
@@ -74,3 +73,26 @@ std::string describe(std::string_view request, AXError error) {
 }
 
 }  // namespace ferrowyn::accessibility
+
+namespace ferrowyn {
+
+MacWindowNumberLookup::Answer MacWindowNumberLookup::lookUp(AXUIElementRef element) const {
+    const Function ask = function();
+    if (ask == nullptr) {
+        return {};
+    }
+    CGWindowID number = kCGNullWindowID;
+    const AXError error = ask(element, &number);
+    if (error != kAXErrorSuccess || number == kCGNullWindowID) {
+        return {error, std::nullopt};
+    }
+    return {error, number};
+}
+
+MacWindowNumberLookup::Function MacWindowNumberLookup::function() const {
+    std::call_once(once_,
+                   [this] { function_ = reinterpret_cast<Function>(dlsym(RTLD_DEFAULT, "_AXUIElementGetWindow")); });
+    return function_;
+}
+
+}  // namespace ferrowyn
