@@ -17,9 +17,6 @@
 
 namespace ferrowyn {
 
-class Log;
-class MainLoop;
-
 /// What one application is asked to notify an observer of. To ask is a message to the application, for whose answer the
 /// main thread waits: one that hangs is waited for once, and what it was not told waits for a later turn. Main thread.
 class MacNotificationRegistrations {

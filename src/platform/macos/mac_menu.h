@@ -7,9 +7,11 @@
 
 #include "platform/status_item.h"
 
+NS_ASSUME_NONNULL_BEGIN
+
 namespace ferrowyn {
 
-[[nodiscard]] NSColor* _Nonnull systemColor(MenuTint tint);
+[[nodiscard]] NSColor* systemColor(MenuTint tint);
 
 /// A symbol of the system that its surroundings tint; nil when the system has none of this name.
 [[nodiscard]] NSImage* _Nullable templateSymbol(std::string_view name, NSString* _Nullable accessibilityDescription);
@@ -17,7 +19,7 @@ namespace ferrowyn {
                                                 double pointSize);
 /// A symbol in a colour of its own: for drawing by oneself, where nothing would tint a template.
 [[nodiscard]] NSImage* _Nullable coloredSymbol(std::string_view name, NSString* _Nullable accessibilityDescription,
-                                               double pointSize, NSColor* _Nonnull color);
+                                               double pointSize, NSColor* color);
 /// As the symbols of menu rows are drawn; one in another colour than the menu's own is no template.
 [[nodiscard]] NSImage* _Nullable menuSymbol(std::string_view name, MenuTint tint);
 
@@ -27,7 +29,7 @@ namespace ferrowyn {
 @interface FerrowynMenuHeaderView : NSView
 
 - (instancetype)initWithHeader:(const ferrowyn::MenuHeader&)header
-                onOpenSettings:(std::function<void()>)onOpenSettings NS_DESIGNATED_INITIALIZER;
+                onOpenSettings:(const std::function<void()>&)onOpenSettings NS_DESIGNATED_INITIALIZER;
 - (instancetype)initWithFrame:(NSRect)frameRect NS_UNAVAILABLE;
 - (instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
 
@@ -46,13 +48,15 @@ namespace ferrowyn {
 
 /// What the rows of the menu are sent to. Rows hold their target weakly.
 struct MacMenuTarget {
-    id<NSMenuDelegate> _Nonnull target;
+    id<NSMenuDelegate> target;
     /// Takes the row as its sender.
-    SEL _Nonnull action;
+    SEL action;
     /// What a click on the header's gear does.
     std::function<void(const MenuRow&)> onChooseHeader;
 };
 
-[[nodiscard]] NSMenu* _Nonnull makeMenu(const StatusMenu& rows, const MacMenuTarget& target);
+[[nodiscard]] NSMenu* makeMenu(const StatusMenu& rows, const MacMenuTarget& target);
 
 }  // namespace ferrowyn
+
+NS_ASSUME_NONNULL_END

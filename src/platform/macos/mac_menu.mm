@@ -105,10 +105,10 @@ NSTextField* label(const std::string& text, CGFloat fontSize, NSColor* color) {
 }
 
 - (instancetype)initWithHeader:(const ferrowyn::MenuHeader&)header
-                onOpenSettings:(std::function<void()>)onOpenSettings {
+                onOpenSettings:(const std::function<void()>&)onOpenSettings {
     self = [super initWithFrame:NSMakeRect(0, 0, headerWidth, headerHeight)];
     if (self != nil) {
-        _onOpenSettings = std::move(onOpenSettings);
+        _onOpenSettings = onOpenSettings;
         _iconView = [NSImageView imageViewWithImage:NSApplication.sharedApplication.applicationIconImage];
         _iconView.imageScaling = NSImageScaleProportionallyUpOrDown;
         _titleLabel = label(header.title, titleFontSize, NSColor.labelColor);

@@ -11,13 +11,51 @@
 + (instancetype)switcherPanel;
 @end
 
-namespace ferrowyn {
+namespace {
 
-/// The blurred material behind the panel's whole content, with round corners. It always looks active: the panel never
-/// is.
-[[nodiscard]] NSVisualEffectView* _Nonnull makePanelMaterial(NSRect frame, double cornerRadius);
+constexpr CGFloat initialWidth = 640;
+constexpr CGFloat initialHeight = 200;
+constexpr NSWindowStyleMask style =
+    NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel | NSWindowStyleMaskFullSizeContentView;
+/// Over full-screen applications, on any Space, and no part of what the user cycles through.
+constexpr NSWindowCollectionBehavior behavior =
+    NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorStationary |
+    NSWindowCollectionBehaviorIgnoresCycle | NSWindowCollectionBehaviorFullScreenAuxiliary;
 
-}  // namespace ferrowyn
+}  // namespace
+
+@implementation FerrowynSwitcherPanel
+
++ (instancetype)switcherPanel {
+    FerrowynSwitcherPanel* const panel =
+        [[FerrowynSwitcherPanel alloc] initWithContentRect:NSMakeRect(0, 0, initialWidth, initialHeight)
+                                                 styleMask:style
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:NO];
+    panel.floatingPanel = YES;
+    // After it: making a panel float sets its level.
+    panel.level = NSScreenSaverWindowLevel;
+    panel.opaque = NO;
+    panel.backgroundColor = NSColor.clearColor;
+    panel.hasShadow = YES;
+    panel.hidesOnDeactivate = NO;
+    panel.releasedWhenClosed = NO;
+    panel.animationBehavior = NSWindowAnimationBehaviorNone;
+    panel.collectionBehavior = behavior;
+    panel.tabbingMode = NSWindowTabbingModeDisallowed;
+    panel.movable = NO;
+    return panel;
+}
+
+- (BOOL)canBecomeKeyWindow {
+    return NO;
+}
+
+- (BOOL)canBecomeMainWindow {
+    return NO;
+}
+
+@end
 
 /// Tells the hosted widget where the pointer is while another application is the active one: the toolkit drops the
 /// moves that its own view is told of then.
@@ -82,6 +120,37 @@ namespace ferrowyn {
 @end
 
 namespace ferrowyn {
+
+namespace {
+
+/// A small rounded square that is stretched in its middle. Only its opacity counts.
+NSImage* maskWithRadius(double radius) {
+    const CGFloat side = 2 * radius + 1;
+    NSImage* const mask = [NSImage imageWithSize:NSMakeSize(side, side)
+                                         flipped:NO
+                                  drawingHandler:^BOOL(NSRect rect) {
+                                    [NSColor.blackColor setFill];
+                                    [[NSBezierPath bezierPathWithRoundedRect:rect xRadius:radius yRadius:radius] fill];
+                                    return YES;
+                                  }];
+    mask.capInsets = NSEdgeInsetsMake(radius, radius, radius, radius);
+    mask.resizingMode = NSImageResizingModeStretch;
+    return mask;
+}
+
+/// The blurred material behind the panel's whole content, with round corners. It always looks active: the panel never
+/// is.
+NSVisualEffectView* makePanelMaterial(NSRect frame, double cornerRadius) {
+    auto* const view = [[NSVisualEffectView alloc] initWithFrame:frame];
+    view.material = NSVisualEffectMaterialPopover;
+    view.blendingMode = NSVisualEffectBlendingModeBehindWindow;
+    view.state = NSVisualEffectStateActive;
+    view.maskImage = maskWithRadius(cornerRadius);
+    view.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+    return view;
+}
+
+}  // namespace
 
 struct MacPanel::Parts {
     WidgetHost host;
@@ -177,85 +246,6 @@ void MacPanel::orderOut() {
         parts_->widget->setVisible(false);
     }
     parts_->isShown = false;
-}
-
-}  // namespace ferrowyn
-
-namespace {
-
-constexpr CGFloat initialWidth = 640;
-constexpr CGFloat initialHeight = 200;
-constexpr NSWindowStyleMask style =
-    NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel | NSWindowStyleMaskFullSizeContentView;
-/// Over full-screen applications, on any Space, and no part of what the user cycles through.
-constexpr NSWindowCollectionBehavior behavior =
-    NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorStationary |
-    NSWindowCollectionBehaviorIgnoresCycle | NSWindowCollectionBehaviorFullScreenAuxiliary;
-
-}  // namespace
-
-@implementation FerrowynSwitcherPanel
-
-+ (instancetype)switcherPanel {
-    FerrowynSwitcherPanel* const panel =
-        [[FerrowynSwitcherPanel alloc] initWithContentRect:NSMakeRect(0, 0, initialWidth, initialHeight)
-                                                 styleMask:style
-                                                   backing:NSBackingStoreBuffered
-                                                     defer:NO];
-    panel.floatingPanel = YES;
-    // After it: making a panel float sets its level.
-    panel.level = NSScreenSaverWindowLevel;
-    panel.opaque = NO;
-    panel.backgroundColor = NSColor.clearColor;
-    panel.hasShadow = YES;
-    panel.hidesOnDeactivate = NO;
-    panel.releasedWhenClosed = NO;
-    panel.animationBehavior = NSWindowAnimationBehaviorNone;
-    panel.collectionBehavior = behavior;
-    panel.tabbingMode = NSWindowTabbingModeDisallowed;
-    panel.movable = NO;
-    return panel;
-}
-
-- (BOOL)canBecomeKeyWindow {
-    return NO;
-}
-
-- (BOOL)canBecomeMainWindow {
-    return NO;
-}
-
-@end
-
-namespace ferrowyn {
-
-namespace {
-
-/// A small rounded square that is stretched in its middle. Only its opacity counts.
-NSImage* maskWithRadius(double radius) {
-    const CGFloat side = 2 * radius + 1;
-    NSImage* const mask = [NSImage imageWithSize:NSMakeSize(side, side)
-                                         flipped:NO
-                                  drawingHandler:^BOOL(NSRect rect) {
-                                    [NSColor.blackColor setFill];
-                                    [[NSBezierPath bezierPathWithRoundedRect:rect xRadius:radius yRadius:radius] fill];
-                                    return YES;
-                                  }];
-    mask.capInsets = NSEdgeInsetsMake(radius, radius, radius, radius);
-    mask.resizingMode = NSImageResizingModeStretch;
-    return mask;
-}
-
-}  // namespace
-
-NSVisualEffectView* makePanelMaterial(NSRect frame, double cornerRadius) {
-    auto* const view = [[NSVisualEffectView alloc] initWithFrame:frame];
-    view.material = NSVisualEffectMaterialPopover;
-    view.blendingMode = NSVisualEffectBlendingModeBehindWindow;
-    view.state = NSVisualEffectStateActive;
-    view.maskImage = maskWithRadius(cornerRadius);
-    view.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
-    return view;
 }
 
 }  // namespace ferrowyn

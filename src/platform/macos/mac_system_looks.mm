@@ -11,8 +11,58 @@
 
 namespace ferrowyn {
 
-/// The image drawn over all of so many device pixels; transparent where the system does not draw.
-[[nodiscard]] PixelBuffer drawnPixels(NSImage* _Nonnull image, int width, int height);
+namespace {
+
+constexpr NSInteger bitsPerSample = 8;
+constexpr NSInteger samplesPerPixel = 4;
+constexpr NSInteger bytesPerPixel = 4;
+
+/// Premultiplied, with each pixel as the number 0xAARRGGBB in the processor's own order of bytes.
+NSBitmapImageRep* emptyBitmap(NSInteger width, NSInteger height) {
+    return [[NSBitmapImageRep alloc]
+        initWithBitmapDataPlanes:nullptr
+                      pixelsWide:width
+                      pixelsHigh:height
+                   bitsPerSample:bitsPerSample
+                 samplesPerPixel:samplesPerPixel
+                        hasAlpha:YES
+                        isPlanar:NO
+                  colorSpaceName:NSDeviceRGBColorSpace
+                    bitmapFormat:NSBitmapFormatAlphaFirst | NSBitmapFormatThirtyTwoBitLittleEndian
+                     bytesPerRow:width * bytesPerPixel
+                    bitsPerPixel:bytesPerPixel * bitsPerSample];
+}
+
+void draw(NSImage* image, NSBitmapImageRep* bitmap, NSSize size) {
+    [NSGraphicsContext saveGraphicsState];
+    NSGraphicsContext* const context = [NSGraphicsContext graphicsContextWithBitmapImageRep:bitmap];
+    context.imageInterpolation = NSImageInterpolationHigh;
+    NSGraphicsContext.currentContext = context;
+    // The whole image, replacing what was there.
+    [image drawInRect:NSMakeRect(0, 0, size.width, size.height)
+             fromRect:NSZeroRect
+            operation:NSCompositingOperationCopy
+             fraction:1];
+    [NSGraphicsContext restoreGraphicsState];
+}
+
+/// The image drawn over so many device pixels; transparent where the system does not draw.
+PixelBuffer drawnPixels(NSImage* image, int width, int height) {
+    const auto columns = static_cast<std::size_t>(width);
+    const auto rows = static_cast<std::size_t>(height);
+    PixelBuffer buffer{.width = width, .height = height, .pixels = std::vector<std::uint32_t>(columns * rows)};
+    NSBitmapImageRep* const bitmap = emptyBitmap(width, height);
+    if (bitmap == nil || bitmap.bitmapData == nullptr) {
+        return buffer;
+    }
+    draw(image, bitmap, NSMakeSize(width, height));
+    const auto stride = static_cast<std::size_t>(bitmap.bytesPerRow);
+    for (std::size_t row = 0; row < rows; ++row) {
+        std::memcpy(buffer.pixels.data() + row * columns, bitmap.bitmapData + row * stride,
+                    columns * sizeof(std::uint32_t));
+    }
+    return buffer;
+}
 
 /// An image of the system. It keeps its best drawing for each size, so that it is asked anew each time.
 class MacIconImage final : public IconImage {
@@ -20,29 +70,16 @@ public:
     /// The size that every icon is given: that of the largest place where the program shows one in a list.
     static constexpr double pointSide = 32;
 
-    explicit MacIconImage(NSImage* _Nonnull image);
+    explicit MacIconImage(NSImage* _Nonnull image) : image_([image copy]) {
+        image_.size = NSMakeSize(pointSide, pointSide);
+    }
 
     /// Transparent where the system does not draw.
-    [[nodiscard]] PixelBuffer render(int side) const override;
+    [[nodiscard]] PixelBuffer render(int side) const override { return drawnPixels(image_, side, side); }
 
 private:
     NSImage* _Nonnull image_;
 };
-
-std::shared_ptr<const IconImage> MacIconSource::iconForFile(std::string_view path) {
-    return std::make_shared<MacIconImage>([NSWorkspace.sharedWorkspace iconForFile:nsString(path)]);
-}
-
-std::shared_ptr<const IconImage> MacIconSource::iconForProcess(Pid pid) {
-    NSImage* const icon = [NSRunningApplication runningApplicationWithProcessIdentifier:pid].icon;
-    return icon == nil ? nullptr : std::make_shared<MacIconImage>(icon);
-}
-
-std::shared_ptr<const IconImage> MacIconSource::genericApplicationIcon(std::string_view /*name*/) {
-    return std::make_shared<MacIconImage>([NSWorkspace.sharedWorkspace iconForContentType:UTTypeApplicationBundle]);
-}
-
-namespace {
 
 NSColor* standardColor(SystemLooks::Color color) {
     switch (color) {
@@ -79,6 +116,19 @@ std::uint8_t byteOf(CGFloat component) {
 
 }  // namespace
 
+std::shared_ptr<const IconImage> MacIconSource::iconForFile(std::string_view path) {
+    return std::make_shared<MacIconImage>([NSWorkspace.sharedWorkspace iconForFile:nsString(path)]);
+}
+
+std::shared_ptr<const IconImage> MacIconSource::iconForProcess(Pid pid) {
+    NSImage* const icon = [NSRunningApplication runningApplicationWithProcessIdentifier:pid].icon;
+    return icon == nil ? nullptr : std::make_shared<MacIconImage>(icon);
+}
+
+std::shared_ptr<const IconImage> MacIconSource::genericApplicationIcon(std::string_view /*name*/) {
+    return std::make_shared<MacIconImage>([NSWorkspace.sharedWorkspace iconForContentType:UTTypeApplicationBundle]);
+}
+
 std::optional<RgbColor> MacSystemLooks::color(Color color, ColorScheme scheme) const {
     __block std::optional<RgbColor> result;
     // The system's colours are others in a dark window, and are said as they are while something is drawn there.
@@ -107,68 +157,6 @@ std::optional<PixelBuffer> MacSystemLooks::symbol(std::string_view name, double 
         return std::nullopt;
     }
     return drawnPixels(image, width, height);
-}
-
-namespace {
-
-constexpr NSInteger bitsPerSample = 8;
-constexpr NSInteger samplesPerPixel = 4;
-constexpr NSInteger bytesPerPixel = 4;
-
-/// Premultiplied, with each pixel as the number 0xAARRGGBB in the processor's own order of bytes.
-NSBitmapImageRep* emptyBitmap(NSInteger width, NSInteger height) {
-    return [[NSBitmapImageRep alloc]
-        initWithBitmapDataPlanes:nullptr
-                      pixelsWide:width
-                      pixelsHigh:height
-                   bitsPerSample:bitsPerSample
-                 samplesPerPixel:samplesPerPixel
-                        hasAlpha:YES
-                        isPlanar:NO
-                  colorSpaceName:NSDeviceRGBColorSpace
-                    bitmapFormat:NSBitmapFormatAlphaFirst | NSBitmapFormatThirtyTwoBitLittleEndian
-                     bytesPerRow:width * bytesPerPixel
-                    bitsPerPixel:bytesPerPixel * bitsPerSample];
-}
-
-void draw(NSImage* image, NSBitmapImageRep* bitmap, NSSize size) {
-    [NSGraphicsContext saveGraphicsState];
-    NSGraphicsContext* const context = [NSGraphicsContext graphicsContextWithBitmapImageRep:bitmap];
-    context.imageInterpolation = NSImageInterpolationHigh;
-    NSGraphicsContext.currentContext = context;
-    // The whole image, replacing what was there.
-    [image drawInRect:NSMakeRect(0, 0, size.width, size.height)
-             fromRect:NSZeroRect
-            operation:NSCompositingOperationCopy
-             fraction:1];
-    [NSGraphicsContext restoreGraphicsState];
-}
-
-}  // namespace
-
-PixelBuffer drawnPixels(NSImage* image, int width, int height) {
-    const auto columns = static_cast<std::size_t>(width);
-    const auto rows = static_cast<std::size_t>(height);
-    PixelBuffer buffer{.width = width, .height = height, .pixels = std::vector<std::uint32_t>(columns * rows)};
-    NSBitmapImageRep* const bitmap = emptyBitmap(width, height);
-    if (bitmap == nil || bitmap.bitmapData == nullptr) {
-        return buffer;
-    }
-    draw(image, bitmap, NSMakeSize(width, height));
-    const auto stride = static_cast<std::size_t>(bitmap.bytesPerRow);
-    for (std::size_t row = 0; row < rows; ++row) {
-        std::memcpy(buffer.pixels.data() + row * columns, bitmap.bitmapData + row * stride,
-                    columns * sizeof(std::uint32_t));
-    }
-    return buffer;
-}
-
-MacIconImage::MacIconImage(NSImage* image) : image_([image copy]) {
-    image_.size = NSMakeSize(pointSide, pointSide);
-}
-
-PixelBuffer MacIconImage::render(int side) const {
-    return drawnPixels(image_, side, side);
 }
 
 }  // namespace ferrowyn

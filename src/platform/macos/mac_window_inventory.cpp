@@ -1,8 +1,12 @@
 #include "platform/macos/mac_window_inventory.h"
 
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <unordered_set>
+
 #include "platform/macos/cf_values.h"
 
-namespace ferrowyn::window_list {
+namespace ferrowyn {
 
 namespace {
 
@@ -27,9 +31,35 @@ std::optional<WindowId> numberOf(CFTypeRef entry) {
     return cf::windowId(valueOf(entry, kCGWindowNumber));
 }
 
-}  // namespace
+/// The one attribute among them that the system has no name for.
+CFStringRef fullScreenAttribute() {
+    return CFSTR("AXFullScreen");
+}
 
-std::optional<std::vector<WindowServerEntry>> read() {
+/// Asks the window server and the applications at the moment the snapshot asks it. Any thread but the main one.
+class MacInventoryReading final : public InventoryReading {
+public:
+    /// `runningApplications` is called on worker threads. The lookup outlives this.
+    MacInventoryReading(MacWindowInventory::RunningApplications runningApplications,
+                        const MacWindowNumberLookup& windowNumbers)
+        : runningApplications_(std::move(runningApplications)), windowNumbers_(windowNumbers) {}
+
+    [[nodiscard]] std::optional<std::vector<WindowServerEntry>> windowList() const override;
+    [[nodiscard]] std::unordered_set<WindowId> onScreenWindowIds() const override;
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() const override {
+        return runningApplications_();
+    }
+    [[nodiscard]] std::optional<AccessibleApplication> windowsOf(Pid pid, Seconds messagingTimeout) const override;
+    [[nodiscard]] bool hasWindowNumberLookup() const override { return windowNumbers_.isAvailable(); }
+
+private:
+    [[nodiscard]] std::optional<AccessibleWindow> read(AXUIElementRef window, Seconds messagingTimeout) const;
+
+    MacWindowInventory::RunningApplications runningApplications_;
+    const MacWindowNumberLookup& windowNumbers_;
+};
+
+std::optional<std::vector<WindowServerEntry>> MacInventoryReading::windowList() const {
     const auto list = copy(everyWindow);
     if (!list) {
         return std::nullopt;
@@ -47,19 +77,7 @@ std::optional<std::vector<WindowServerEntry>> read() {
     return entries;
 }
 
-std::optional<std::vector<std::optional<WindowId>>> readOrder() {
-    const auto list = copy(everyWindow);
-    if (!list) {
-        return std::nullopt;
-    }
-    std::vector<std::optional<WindowId>> numbers;
-    for (const CFTypeRef entry : cf::valuesOf(list.get())) {
-        numbers.push_back(numberOf(entry));
-    }
-    return numbers;
-}
-
-std::unordered_set<WindowId> readOnScreenIds() {
+std::unordered_set<WindowId> MacInventoryReading::onScreenWindowIds() const {
     std::unordered_set<WindowId> numbers;
     if (const auto list = copy(onScreenWindows)) {
         for (const CFTypeRef entry : cf::valuesOf(list.get())) {
@@ -69,27 +87,6 @@ std::unordered_set<WindowId> readOnScreenIds() {
         }
     }
     return numbers;
-}
-
-}  // namespace ferrowyn::window_list
-
-namespace ferrowyn {
-
-namespace {
-
-/// The one attribute among them that the system has no name for.
-CFStringRef fullScreenAttribute() {
-    return CFSTR("AXFullScreen");
-}
-
-}  // namespace
-
-std::optional<std::vector<WindowServerEntry>> MacInventoryReading::windowList() const {
-    return window_list::read();
-}
-
-std::unordered_set<WindowId> MacInventoryReading::onScreenWindowIds() const {
-    return window_list::readOnScreenIds();
 }
 
 std::optional<AccessibleApplication> MacInventoryReading::windowsOf(Pid pid, Seconds messagingTimeout) const {
@@ -152,12 +149,22 @@ std::optional<AccessibleWindow> MacInventoryReading::read(AXUIElementRef window,
     return result;
 }
 
+}  // namespace
+
 std::unique_ptr<InventoryReading> MacWindowInventory::beginReading() const {
     return std::make_unique<MacInventoryReading>(runningApplications_, windowNumbers_);
 }
 
 std::optional<std::vector<std::optional<WindowId>>> MacWindowInventory::windowOrder() const {
-    return window_list::readOrder();
+    const auto list = copy(everyWindow);
+    if (!list) {
+        return std::nullopt;
+    }
+    std::vector<std::optional<WindowId>> numbers;
+    for (const CFTypeRef entry : cf::valuesOf(list.get())) {
+        numbers.push_back(numberOf(entry));
+    }
+    return numbers;
 }
 
 std::optional<WindowId> MacWindowInventory::focusedWindowNumber(Pid pid, Seconds messagingTimeout) const {

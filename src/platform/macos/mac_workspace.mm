@@ -9,9 +9,6 @@
 
 namespace ferrowyn {
 
-/// As it is at this moment.
-[[nodiscard]] RunningApplication describe(NSRunningApplication* _Nonnull application);
-
 namespace {
 
 using Kind = WorkspaceEvent::Kind;
@@ -22,6 +19,29 @@ struct NotificationKind {
     Kind kind;
 };
 
+ActivationPolicy policyFrom(NSApplicationActivationPolicy policy) {
+    switch (policy) {
+        case NSApplicationActivationPolicyRegular:
+            return ActivationPolicy::regular;
+        case NSApplicationActivationPolicyAccessory:
+            return ActivationPolicy::accessory;
+        case NSApplicationActivationPolicyProhibited:
+            return ActivationPolicy::prohibited;
+    }
+    // One that a later system may add.
+    return ActivationPolicy::prohibited;
+}
+
+/// As it is at this moment.
+RunningApplication describe(NSRunningApplication* application) {
+    return {.pid = application.processIdentifier,
+            .isTerminated = application.terminated != NO,
+            .activationPolicy = policyFrom(application.activationPolicy),
+            .bundleIdentifier = optionalUtf8(application.bundleIdentifier),
+            .localizedName = optionalUtf8(application.localizedName),
+            .bundleURL = optionalUtf8(application.bundleURL.path)};
+}
+
 std::optional<RunningApplication> applicationOf(NSNotification* notification) {
     const id application = [notification.userInfo objectForKey:NSWorkspaceApplicationKey];
     return [application isKindOfClass:[NSRunningApplication class]] ? std::optional(describe(application))
@@ -31,6 +51,13 @@ std::optional<RunningApplication> applicationOf(NSNotification* notification) {
 NSURL* placeOf(std::string_view bundleIdentifier) {
     return [NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:nsString(bundleIdentifier)];
 }
+
+/// Nil, which answers every question with no, for a process that has gone.
+NSRunningApplication* applicationWith(Pid pid) {
+    return [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
+}
+
+constexpr NSApplicationActivationOptions noOptions{};
 
 }  // namespace
 
@@ -93,17 +120,6 @@ bool MacWorkspace::open(std::string_view url) {
     return address != nil && [NSWorkspace.sharedWorkspace openURL:address];
 }
 
-namespace {
-
-/// Nil, which answers every question with no, for a process that has gone.
-NSRunningApplication* applicationWith(Pid pid) {
-    return [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
-}
-
-constexpr NSApplicationActivationOptions noOptions{};
-
-}  // namespace
-
 bool MacRunningApplicationControl::isHidden(Pid pid) const {
     return applicationWith(pid).hidden;
 }
@@ -118,32 +134,6 @@ void MacRunningApplicationControl::activate(Pid pid) {
 
 bool MacRunningApplicationControl::isActive(Pid pid) const {
     return applicationWith(pid).active;
-}
-
-namespace {
-
-ActivationPolicy policyFrom(NSApplicationActivationPolicy policy) {
-    switch (policy) {
-        case NSApplicationActivationPolicyRegular:
-            return ActivationPolicy::regular;
-        case NSApplicationActivationPolicyAccessory:
-            return ActivationPolicy::accessory;
-        case NSApplicationActivationPolicyProhibited:
-            return ActivationPolicy::prohibited;
-    }
-    // One that a later system may add.
-    return ActivationPolicy::prohibited;
-}
-
-}  // namespace
-
-RunningApplication describe(NSRunningApplication* application) {
-    return {.pid = application.processIdentifier,
-            .isTerminated = application.terminated != NO,
-            .activationPolicy = policyFrom(application.activationPolicy),
-            .bundleIdentifier = optionalUtf8(application.bundleIdentifier),
-            .localizedName = optionalUtf8(application.localizedName),
-            .bundleURL = optionalUtf8(application.bundleURL.path)};
 }
 
 }  // namespace ferrowyn

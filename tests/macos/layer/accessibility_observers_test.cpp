@@ -9,6 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 constexpr Pid notes = 501;
 
@@ -174,13 +175,6 @@ TEST_F(AccessibilityObserversTest, ElementsOfAnotherDesktopAreLeftAlone) {
     observer->removeWindowNotification(desktop.elementOf(70), "AXTitleChanged");
     EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
 }
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
-
-constexpr Pid notes = 501;
 
 /// An observer of an application that sometimes does not answer.
 class NotificationRegistrationsTest : public MacFixture {

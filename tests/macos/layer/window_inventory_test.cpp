@@ -7,21 +7,35 @@
 namespace ferrowyn {
 namespace {
 
+using fake::ElementId;
 using fake::Value;
 using testing::ElementsAre;
 using testing::Eq;
+using testing::Field;
 using testing::IsEmpty;
 using testing::Optional;
 using testing::UnorderedElementsAre;
 
-class WindowListTest : public MacFixture {
+constexpr Pid notes = 501;
+
+class MacWindowInventoryTest : public MacFixture {
 protected:
+    std::vector<RunningApplication> running{{.pid = notes, .localizedName = "Notes"}};
+    MacWindowNumberLookup lookup;
+    MacWindowInventory inventory{[this] { return running; }, lookup};
+};
+
+class WindowListTest : public MacWindowInventoryTest {
+protected:
+    [[nodiscard]] std::optional<std::vector<WindowServerEntry>> windowList() const {
+        return inventory.beginReading()->windowList();
+    }
     fake::WindowServer::Window& add(std::map<std::string, Value> keys) {
         windowServer.windows.push_back({.keys = std::move(keys)});
         return windowServer.windows.back();
     }
     [[nodiscard]] WindowServerEntry readOnly() const {
-        const auto entries = window_list::read();
+        const auto entries = windowList();
         EXPECT_TRUE(entries.has_value());
         EXPECT_EQ(entries->size(), 1U);
         return entries->front();
@@ -81,7 +95,7 @@ TEST_F(WindowListTest, AnEntryThatIsNoDictionaryKeepsItsPlace) {
     add({{"kCGWindowNumber", number(1)}});
     add({{"kCGWindowNumber", number(2)}});
     windowServer.intruders[1] = std::string("no dictionary");
-    const auto entries = window_list::read();
+    const auto entries = windowList();
     ASSERT_TRUE(entries.has_value());
     ASSERT_EQ(entries->size(), 3U);
     EXPECT_THAT((*entries)[0].id, Optional(1U));
@@ -93,7 +107,7 @@ TEST_F(WindowListTest, TheListHasAllSpacesAndNoDesktopElements) {
     add({{"kCGWindowNumber", number(1)}});
     add({{"kCGWindowNumber", number(2)}}).isOnActiveSpace = false;
     add({{"kCGWindowNumber", number(3)}}).isDesktopElement = true;
-    const auto entries = window_list::read();
+    const auto entries = windowList();
     ASSERT_TRUE(entries.has_value());
     ASSERT_EQ(entries->size(), 2U);
     EXPECT_THAT((*entries)[1].id, Optional(2U));
@@ -105,7 +119,7 @@ TEST_F(WindowListTest, TheOnScreenListHasTheActiveSpaceAlone) {
     add({{"kCGWindowNumber", number(2)}}).isOnActiveSpace = false;
     add({{"kCGWindowNumber", number(3)}}).isDesktopElement = true;
     add({});
-    EXPECT_THAT(window_list::readOnScreenIds(), UnorderedElementsAre(1U));
+    EXPECT_THAT(inventory.beginReading()->onScreenWindowIds(), UnorderedElementsAre(1U));
     EXPECT_THAT(windowServer.options, ElementsAre(17U));
 }
 
@@ -113,41 +127,30 @@ TEST_F(WindowListTest, TheOrderCarriesAnEntryWithoutANumber) {
     add({{"kCGWindowNumber", number(9)}});
     add({});
     add({{"kCGWindowNumber", number(4)}});
-    const MacWindowNumberLookup lookup;
-    const MacWindowInventory inventory([] { return std::vector<RunningApplication>(); }, lookup);
     EXPECT_THAT(inventory.windowOrder(), Optional(ElementsAre(Optional(9U), Eq(std::nullopt), Optional(4U))));
     EXPECT_THAT(windowServer.options, ElementsAre(16U));
 }
 
 TEST_F(WindowListTest, ASilentServerIsToldFromAnEmptyDesktop) {
-    EXPECT_THAT(window_list::read(), Optional(IsEmpty()));
-    EXPECT_THAT(window_list::readOrder(), Optional(IsEmpty()));
+    EXPECT_THAT(windowList(), Optional(IsEmpty()));
+    EXPECT_THAT(inventory.windowOrder(), Optional(IsEmpty()));
     windowServer.isSilent = true;
-    EXPECT_EQ(window_list::read(), std::nullopt);
-    EXPECT_EQ(window_list::readOrder(), std::nullopt);
-    EXPECT_THAT(window_list::readOnScreenIds(), IsEmpty());
+    EXPECT_EQ(windowList(), std::nullopt);
+    EXPECT_EQ(inventory.windowOrder(), std::nullopt);
+    EXPECT_THAT(inventory.beginReading()->onScreenWindowIds(), IsEmpty());
 }
 
 TEST_F(WindowListTest, AnAnswerThatIsNoListIsNone) {
     windowServer.answersWithText = true;
-    EXPECT_EQ(window_list::read(), std::nullopt);
-    EXPECT_EQ(window_list::readOrder(), std::nullopt);
-    EXPECT_THAT(window_list::readOnScreenIds(), IsEmpty());
+    EXPECT_EQ(windowList(), std::nullopt);
+    EXPECT_EQ(inventory.windowOrder(), std::nullopt);
+    EXPECT_THAT(inventory.beginReading()->onScreenWindowIds(), IsEmpty());
 }
 
-using fake::ElementId;
-using fake::Value;
-using testing::ElementsAre;
-using testing::Eq;
-using testing::Field;
-using testing::IsEmpty;
-using testing::Optional;
-
-constexpr Pid notes = 501;
 constexpr Seconds timeout{0.35};
 const std::string bulkRequest = "copy AXSubrole AXTitle AXMinimized AXPosition AXSize AXFullScreen of ";
 
-class InventoryReadingTest : public MacFixture {
+class InventoryReadingTest : public MacWindowInventoryTest {
 protected:
     [[nodiscard]] std::optional<AccessibleApplication> read(Pid pid = notes) const {
         return inventory.beginReading()->windowsOf(pid, timeout);
@@ -157,9 +160,6 @@ protected:
     }
 
     ElementId app = accessibility.addApplication(notes);
-    std::vector<RunningApplication> running{{.pid = notes, .localizedName = "Notes"}};
-    MacWindowNumberLookup lookup;
-    MacWindowInventory inventory{[this] { return running; }, lookup};
 };
 
 TEST_F(InventoryReadingTest, EveryAttributeOfAWindowIsRead) {
