@@ -172,8 +172,8 @@ def copy_into(folder, file, source):
 
 
 def read_mistakes(texts):
-    mistakes = [Mistake(**each) for path in sorted(MISTAKES.glob("*.toml"))
-                for each in tomllib.loads(path.read_text())["mistake"]]
+    mistakes = [Mistake(file, what, *texts_of_it) for path in sorted(MISTAKES.glob("*.toml"))
+                for file, table in tomllib.loads(path.read_text()).items() for what, texts_of_it in table.items()]
     return [each for each in mistakes if not texts or any(text in f"{each.file}: {each.what}" for text in texts)]
 
 
