@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/x11/x11_atoms.h"
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_desktop_reader.h"
+#include "platform/x11/x11_root_properties.h"
+#include "platform/x11/x11_window_inventory.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/test_desktop.h"

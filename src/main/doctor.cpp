@@ -22,7 +22,6 @@
 #include "platform/linux/session_lock.h"
 #include "platform/linux/xdg_login_item.h"
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_wayland_session.h"
 
 namespace ferrowyn {
 

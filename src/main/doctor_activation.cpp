@@ -9,8 +9,6 @@
 #include <string_view>
 
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_property.h"
-#include "platform/x11/x11_server_time.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {

@@ -7,17 +7,16 @@
 #include <array>
 #include <utility>
 
-#include "main/doctor_activation.h"
-#include "main/single_instance.h"
 #include "core/texts.h"
 #include "input/switching_health.h"
+#include "main/doctor_activation.h"
+#include "main/single_instance.h"
 #include "platform/log.h"
+#include "platform/x11/keyboard/x11_keyboard_grabs.h"
+#include "platform/x11/keyboard/x11_keyboard_layout.h"
+#include "platform/x11/keyboard/x11_keyboard_reader.h"
+#include "platform/x11/keyboard/x11_tap_keyboard.h"
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_key_map.h"
-#include "platform/x11/x11_keyboard_reader.h"
-#include "platform/x11/x11_keyboard_seizure.h"
-#include "platform/x11/x11_property.h"
-#include "platform/x11/x11_tap_keyboard.h"
 #include "platform/x11/x11_text.h"
 #include "platform/x11/x11_trust.h"
 #include "platform/x11/xcb_reply.h"

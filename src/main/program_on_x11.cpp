@@ -28,7 +28,6 @@
 #include "platform/platform.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_platform.h"
-#include "platform/x11/x11_wayland_session.h"
 #include "ui/common/desktop_looks.h"
 #include "ui/common/translation.h"
 #include "ui/menu/popup_status_item.h"

@@ -12,8 +12,6 @@
 #include <utility>
 
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_property.h"
-#include "platform/x11/x11_sent_events.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {

@@ -1,19 +1,79 @@
 #pragma once
 
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <memory>
+#include <mutex>
 #include <optional>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
+#include "core/app_window.h"
 #include "core/published.h"
 #include "platform/workspace.h"
-#include "platform/x11/x11_accessibility_notification.h"
-#include "platform/x11/x11_application_directory.h"
-#include "platform/x11/x11_focus_history.h"
-#include "platform/x11/x11_root_facts.h"
-#include "platform/x11/x11_window_facts.h"
+#include "platform/x11/x11_applications.h"
+#include "platform/x11/x11_root_properties.h"
+#include "platform/x11/x11_window_properties.h"
 
 namespace ferrowyn {
+
+/// Something that happened to an application or to one of its windows, in the terms of the Accessibility notifications.
+struct X11AccessibilityNotification {
+    Pid pid = 0;
+    /// Absent for what the application itself announces.
+    std::optional<xcb_window_t> window;
+    std::string_view name;
+};
+
+/// Which window of each application was last the active one. The desktop monitor writes it on the main thread, snapshot
+/// workers read it; safe on any thread.
+class X11FocusHistory {
+public:
+    void note(Pid pid, xcb_window_t window) {
+        const std::scoped_lock lock(mutex_);
+        lastActive_[pid] = window;
+    }
+    void forget(xcb_window_t window) {
+        const std::scoped_lock lock(mutex_);
+        std::erase_if(lastActive_, [&](const auto& entry) { return entry.second == window; });
+    }
+    [[nodiscard]] std::optional<xcb_window_t> lastActiveOf(Pid pid) const {
+        const std::scoped_lock lock(mutex_);
+        const auto found = lastActive_.find(pid);
+        return found == lastActive_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::unordered_map<Pid, xcb_window_t> lastActive_;
+};
+
+/// A window as the logic holds it: its XID.
+class X11Element final : public AXElement {
+public:
+    explicit X11Element(xcb_window_t window) : window_(window) {}
+
+    [[nodiscard]] static AXElementRef make(xcb_window_t window) {
+        return AXElementRef(std::make_shared<const X11Element>(window));
+    }
+    /// The window of an element of this desktop.
+    [[nodiscard]] static std::optional<xcb_window_t> windowOf(const AXElementRef& reference) {
+        const auto* const element = dynamic_cast<const X11Element*>(&reference.element());
+        return element == nullptr ? std::nullopt : std::optional(element->window_);
+    }
+
+    [[nodiscard]] bool equals(const AXElement& other) const override {
+        const auto* const element = dynamic_cast<const X11Element*>(&other);
+        return element != nullptr && element->window_ == window_;
+    }
+    [[nodiscard]] std::size_t hash() const override { return std::hash<xcb_window_t>{}(window_); }
+
+private:
+    xcb_window_t window_;
+};
 
 /// The desktop as the main thread knows it: kept up to date by the monitor, asked without a round trip. Each update is
 /// compared with what was known, and the differences are announced in the terms of the logic. Main thread; knows

@@ -1,21 +1,46 @@
 #pragma once
 
+#include <xcb/xcb.h>
+
 #include <functional>
 #include <memory>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 
 #include "core/published.h"
 #include "platform/main_loop.h"
-#include "platform/x11/x11_atoms.h"
 #include "platform/x11/x11_desktop_model.h"
 #include "platform/x11/x11_event_connection.h"
 #include "platform/x11/x11_owners.h"
-#include "platform/x11/x11_root_facts.h"
-#include "platform/x11/x11_title_changes.h"
-#include "platform/x11/x11_window_batch.h"
+#include "platform/x11/x11_root_properties.h"
+#include "platform/x11/x11_window_properties.h"
 
 namespace ferrowyn {
+
+/// Passes on which windows have changed their titles: those of all windows together, twice a second at most. A refresh
+/// of the window list waits until changes pause, so a page that shows its progress in its title would otherwise keep a
+/// new window from being listed. Main thread.
+class X11TitleChanges {
+public:
+    /// A client sets two properties for one title.
+    static constexpr Seconds gatheringTime{0.05};
+    static constexpr Seconds interval{0.5};
+
+    /// `tell` is called for each window that has changed since it was told of. The loop outlives this.
+    X11TitleChanges(MainLoop& mainLoop, std::function<void(xcb_window_t)> tell);
+
+    void note(xcb_window_t window);
+
+private:
+    void tellAll();
+
+    MainLoop& mainLoop_;
+    std::function<void(xcb_window_t)> tell_;
+    std::vector<xcb_window_t> changed_;
+    std::optional<TimePoint> lastTold_;
+    Subscription timer_;
+};
 
 /// Listens to the window manager and to the listed windows, and keeps the model up to date. Main thread. After the
 /// first reading, which waits, nothing here waits for the server: changes mark what is to be read again, one reading is

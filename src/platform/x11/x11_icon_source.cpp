@@ -5,7 +5,7 @@
 #include "platform/linux/desktop_entries.h"
 #include "platform/linux/theme_icons.h"
 #include "platform/qt/qt_icons.h"
-#include "platform/x11/x11_property.h"
+#include "platform/x11/x11_connection.h"
 
 namespace ferrowyn {
 namespace {

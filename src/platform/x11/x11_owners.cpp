@@ -6,7 +6,7 @@
 #include <bit>
 #include <unordered_set>
 
-#include "platform/x11/x11_property.h"
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "core/app_window.h"
-#include "platform/x11/x11_atoms.h"
 #include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_root_properties.h"
 
 namespace ferrowyn {
 

@@ -2,16 +2,42 @@
 
 #include <xcb/xcb.h>
 
+#include <QImage>
 #include <QWidget>
 #include <cstdint>
 #include <functional>
 #include <optional>
 
-#include "platform/x11/x11_panel_pixmap.h"
-#include "platform/x11/x11_screens_coordinates.h"
-#include "platform/x11/x11_sent_events.h"
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_screens.h"
 
 namespace ferrowyn {
+
+/// A picture kept in the server, ready to become a window's background. Main thread.
+class X11PanelPixmap {
+public:
+    /// `depth` is the window's. The connection outlives this.
+    X11PanelPixmap(xcb_connection_t* connection, xcb_window_t root, std::uint8_t depth);
+    ~X11PanelPixmap();
+    X11PanelPixmap(const X11PanelPixmap&) = delete;
+    X11PanelPixmap& operator=(const X11PanelPixmap&) = delete;
+
+    /// Sends the picture; 32 bits a pixel, in the server's byte order. Without a round trip.
+    void upload(const QImage& image);
+    /// XCB_PIXMAP_NONE before the first upload.
+    [[nodiscard]] xcb_pixmap_t id() const { return pixmap_; }
+
+private:
+    void resize(const QSize& size);
+    void release();
+
+    xcb_connection_t* connection_;
+    xcb_window_t root_;
+    std::uint8_t depth_;
+    xcb_pixmap_t pixmap_ = XCB_PIXMAP_NONE;
+    xcb_gcontext_t context_ = 0;
+    QSize size_;
+};
 
 /// The toolkit's window around the panel's content, and the requests that put it on the screen ahead of the toolkit.
 /// Main thread.

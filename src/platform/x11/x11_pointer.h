@@ -5,8 +5,8 @@
 
 #include "core/published.h"
 #include "platform/screens.h"
-#include "platform/x11/x11_input_context.h"
-#include "platform/x11/x11_panel_events.h"
+#include "platform/x11/keyboard/x11_input_context.h"
+#include "platform/x11/x11_event_connection.h"
 #include "platform/x11/x11_screens.h"
 
 namespace ferrowyn {

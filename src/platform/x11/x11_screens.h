@@ -3,18 +3,72 @@
 #include <xcb/randr.h>
 #include <xcb/xinerama.h>
 
+#include <cmath>
 #include <functional>
 #include <optional>
 #include <unordered_map>
 #include <vector>
 
+#include "core/geometry.h"
 #include "core/published.h"
 #include "platform/screens.h"
-#include "platform/x11/x11_panel_events.h"
-#include "platform/x11/x11_screens_coordinates.h"
-#include "platform/x11/x11_screens_layout.h"
+#include "platform/x11/x11_event_connection.h"
 
 namespace ferrowyn {
+
+/// A rectangle of device pixels on the root window, y growing downward.
+struct X11PixelRect {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+
+    [[nodiscard]] bool contains(int pointX, int pointY) const {
+        return pointX >= x && pointX < x + width && pointY >= y && pointY < y + height;
+    }
+    friend bool operator==(const X11PixelRect&, const X11PixelRect&) = default;
+};
+
+/// Between device pixels that grow downward from the root's upper left corner and points that grow upward from the
+/// primary screen's lower left one.
+struct X11Coordinates {
+    /// Device pixels a point: the toolkit's, so that what is drawn fills what is placed.
+    double scale = 1;
+    /// Where the primary screen's lower left corner is.
+    int originX = 0;
+    int originY = 0;
+
+    [[nodiscard]] Point toPoints(int x, int y) const { return {(x - originX) / scale, (originY - y) / scale}; }
+    [[nodiscard]] Rect toPoints(const X11PixelRect& pixels) const {
+        const Point lowerLeft = toPoints(pixels.x, pixels.y + pixels.height);
+        return {lowerLeft.x, lowerLeft.y, pixels.width / scale, pixels.height / scale};
+    }
+    /// To the nearest pixel; the extent is rounded by itself, as the toolkit does, so that it never depends on the
+    /// place.
+    [[nodiscard]] X11PixelRect toPixels(const Rect& points) const {
+        const auto nearest = [](double value) { return static_cast<int>(std::lround(value)); };
+        return {originX + nearest(points.x * scale), originY - nearest(points.maxY() * scale),
+                nearest(points.width * scale), nearest(points.height * scale)};
+    }
+
+    friend bool operator==(const X11Coordinates&, const X11Coordinates&) = default;
+};
+
+/// The edge strips that a dock keeps free: device pixels inward from the edges of the root window, each with the range
+/// (inclusive) along its edge.
+struct X11Strut {
+    int left = 0, right = 0, top = 0, bottom = 0;
+    int leftStart = 0, leftEnd = 0, rightStart = 0, rightEnd = 0;
+    int topStart = 0, topEnd = 0, bottomStart = 0, bottomEnd = 0;
+};
+
+/// The part of a monitor that no dock covers. A strut that would leave nothing belongs to a dock on another monitor's
+/// inner edge, and is passed over.
+[[nodiscard]] X11PixelRect visiblePart(const X11PixelRect& monitor, const std::vector<X11Strut>& struts, int rootWidth,
+                                       int rootHeight);
+
+/// What both cover; of no extent when they are apart.
+[[nodiscard]] X11PixelRect intersection(const X11PixelRect& one, const X11PixelRect& other);
 
 /// The monitors as RandR names them, less the docks' struts. Main thread. The first reading waits for the server, later
 /// ones follow its events and do not.

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <xcb/render.h>
+#include <xcb/xcb.h>
+
+#include <QImage>
 #include <memory>
 #include <optional>
 #include <string>
@@ -7,13 +11,47 @@
 #include "core/published.h"
 #include "platform/qt/tray_symbol_painter.h"
 #include "platform/status_item.h"
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_event_connection.h"
-#include "platform/x11/x11_property.h"
-#include "platform/x11/x11_tray_window.h"
 
 namespace ferrowyn {
 
 class MainLoop;
+
+/// The small window that a tray takes in. Its ground is the tray's: transparent where the tray offers a visual for
+/// that, else whatever the tray has painted below. Main thread.
+class X11TrayWindow {
+public:
+    /// `visual` is the one the tray asks for; the screen's own otherwise. The connection outlives this.
+    X11TrayWindow(const X11Connection& connection, std::optional<xcb_visualid_t> visual);
+    ~X11TrayWindow();
+    X11TrayWindow(const X11TrayWindow&) = delete;
+    X11TrayWindow& operator=(const X11TrayWindow&) = delete;
+
+    [[nodiscard]] xcb_window_t id() const { return window_; }
+    /// The larger square that fits.
+    [[nodiscard]] int side() const;
+    [[nodiscard]] int width() const { return width_; }
+    [[nodiscard]] int height() const { return height_; }
+    void resized(int width, int height);
+    /// The window has gone already, with whoever took it in.
+    void forget() { window_ = XCB_WINDOW_NONE; }
+
+    void setTitle(const std::string& title);
+    /// In the middle of the window.
+    void draw(const QImage& icon);
+
+private:
+    void describe();
+
+    const X11Connection& connection_;
+    xcb_window_t window_ = XCB_WINDOW_NONE;
+    xcb_colormap_t colormap_ = XCB_NONE;
+    xcb_render_picture_t picture_ = XCB_NONE;
+    xcb_render_pictformat_t iconFormat_ = XCB_NONE;
+    int width_ = 0;
+    int height_ = 0;
+};
 
 /// The icon in a tray that embeds windows: found by the selection that the tray owns, and found again whenever another
 /// takes it. Main thread; on a connection of its own, so that its event masks are nobody else's business.

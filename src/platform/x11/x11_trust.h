@@ -6,8 +6,8 @@
 #include "core/published.h"
 #include "platform/log.h"
 #include "platform/trust.h"
+#include "platform/x11/keyboard/x11_input_context.h"
 #include "platform/x11/x11_desktop_model.h"
-#include "platform/x11/x11_input_context.h"
 
 namespace ferrowyn {
 

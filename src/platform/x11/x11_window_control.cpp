@@ -4,8 +4,8 @@
 #include <array>
 #include <utility>
 
-#include "platform/x11/x11_element.h"
-#include "platform/x11/x11_server_time.h"
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_desktop_model.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {

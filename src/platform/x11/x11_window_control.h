@@ -7,8 +7,8 @@
 #include "platform/log.h"
 #include "platform/main_loop.h"
 #include "platform/window_control.h"
+#include "platform/x11/keyboard/x11_input_context.h"
 #include "platform/x11/x11_desktop_monitor.h"
-#include "platform/x11/x11_input_context.h"
 
 namespace ferrowyn {
 

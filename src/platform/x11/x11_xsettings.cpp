@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/x11/x11_property.h"
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {

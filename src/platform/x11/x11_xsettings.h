@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/x11/x11_panel_events.h"
+#include "platform/x11/x11_event_connection.h"
 
 namespace ferrowyn {
 

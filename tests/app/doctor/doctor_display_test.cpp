@@ -5,9 +5,9 @@
 #include <sstream>
 
 #include "platform/log.h"
+#include "platform/x11/keyboard/x11_keyboard_reader.h"
+#include "platform/x11/keyboard/x11_tap_keyboard.h"
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_keyboard_reader.h"
-#include "platform/x11/x11_tap_keyboard.h"
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/ferrowyn_program.h"

@@ -1,4 +1,4 @@
-#include "platform/x11/x11_application_directory.h"
+#include "platform/x11/x11_applications.h"
 
 #include <gtest/gtest.h>
 

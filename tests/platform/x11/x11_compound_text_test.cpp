@@ -1,4 +1,4 @@
-#include "platform/x11/x11_compound_text.h"
+#include "platform/x11/x11_text.h"
 
 namespace ferrowyn {
 namespace {

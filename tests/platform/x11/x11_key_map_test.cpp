@@ -5,7 +5,7 @@
 #include <set>
 #include <string_view>
 
-#include "platform/x11/x11_key_map.h"
+#include "platform/x11/keyboard/x11_keyboard_layout.h"
 
 namespace ferrowyn {
 namespace {

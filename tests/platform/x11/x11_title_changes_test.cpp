@@ -1,4 +1,4 @@
-#include "platform/x11/x11_title_changes.h"
+#include "platform/x11/x11_desktop_monitor.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -9,8 +9,8 @@
 
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/xdg_login_item.h"
-#include "platform/x11/x11_event_taps.h"
-#include "platform/x11/x11_panel_events.h"
+#include "platform/x11/keyboard/x11_event_tap.h"
+#include "platform/x11/x11_event_connection.h"
 #include "platform/x11/x11_screens.h"
 #include "tests/platform/contract/contracts.h"
 #include "tests/platform/linux/temporary_folder.h"

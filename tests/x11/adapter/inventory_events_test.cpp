@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/simulated/simulated_main_loop.h"
-#include "platform/x11/x11_server_time.h"
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/adapter/inventory_fixture.h"
 #include "tests/x11/harness/desktop_processes.h"

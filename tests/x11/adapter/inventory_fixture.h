@@ -13,11 +13,8 @@
 #include <vector>
 
 #include "platform/qt/qt_main_loop.h"
-#include "platform/x11/x11_accessibility_observers.h"
+#include "platform/x11/x11_desktop_model.h"
 #include "platform/x11/x11_desktop_monitor.h"
-#include "platform/x11/x11_desktop_reader.h"
-#include "platform/x11/x11_element.h"
-#include "platform/x11/x11_inventory_reading.h"
 #include "platform/x11/x11_trust.h"
 #include "platform/x11/x11_window_control.h"
 #include "platform/x11/x11_window_inventory.h"

@@ -12,7 +12,6 @@
 #include <string>
 
 #include "platform/panel.h"
-#include "platform/x11/x11_compositor.h"
 #include "platform/x11/x11_panel.h"
 #include "platform/x11/x11_pointer.h"
 #include "platform/x11/x11_screens.h"

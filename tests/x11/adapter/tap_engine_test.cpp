@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "platform/log.h"
-#include "platform/x11/x11_tap_engine.h"
+#include "platform/x11/keyboard/x11_tap_engine.h"
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/test_desktop.h"

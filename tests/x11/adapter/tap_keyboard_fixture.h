@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "platform/log.h"
-#include "platform/x11/x11_event_tap.h"
-#include "platform/x11/x11_tap_engine.h"
+#include "platform/x11/keyboard/x11_event_tap.h"
+#include "platform/x11/keyboard/x11_tap_engine.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/adapter/tap_rig.h"
 #include "tests/x11/harness/child_process.h"

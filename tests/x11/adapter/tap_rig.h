@@ -15,9 +15,9 @@
 
 #include "platform/event_tap.h"
 #include "platform/log.h"
+#include "platform/x11/keyboard/x11_event_tap.h"
+#include "platform/x11/keyboard/x11_input_context.h"
 #include "platform/x11/x11_connection.h"
-#include "platform/x11/x11_event_taps.h"
-#include "platform/x11/x11_input_context.h"
 #include "tests/x11/harness/child_process.h"
 
 namespace ferrowyn::x11test {

@@ -1,0 +1,567 @@
+#include "platform/x11/keyboard/x11_tap_engine.h"
+
+#include <utility>
+
+#include "platform/log.h"
+#include "platform/x11/keyboard/x11_input_context.h"
+#include "platform/x11/xcb_reply.h"
+
+namespace ferrowyn {
+
+namespace {
+
+using Kind = X11KeyboardEvent::Kind;
+
+constexpr std::string_view category = "input";
+
+}  // namespace
+
+std::unique_ptr<X11TapEngine> X11TapEngine::create(std::unique_ptr<X11Connection> connection,
+                                                   std::unique_ptr<X11KeyboardGuard> guard, SwitcherModifier trigger,
+                                                   EventTaps::Callback callback, X11InputContext& context, Log& log) {
+    auto reader = X11KeyboardReader::create(*connection);
+    if (!reader) {
+        log.write(LogLevel::error, category, "The X server has no XInput 2.2 or no XKB");
+        return nullptr;
+    }
+    auto keyboard = X11TapKeyboard::create(*connection, trigger, log);
+    if (keyboard == nullptr) {
+        return nullptr;
+    }
+    return std::unique_ptr<X11TapEngine>(new X11TapEngine(std::move(connection), std::move(guard), std::move(keyboard),
+                                                          *reader, std::move(callback), context, log));
+}
+
+X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11KeyboardGuard> guard,
+                           std::unique_ptr<X11TapKeyboard> keyboard, X11KeyboardReader reader,
+                           EventTaps::Callback callback, X11InputContext& context, Log& log)
+    : connection_(std::move(connection)),
+      guard_(std::move(guard)),
+      keyboard_(std::move(keyboard)),
+      context_(context),
+      log_(log),
+      seizure_(*connection_, keyboard_->grabs()),
+      reception_(reader, *keyboard_, seizure_, heldKeys_, context),
+      delivery_(std::move(callback), *keyboard_, context) {
+    if (!context.inputMethodDisplay.empty()) {
+        inputMethod_ = std::make_unique<X11InputMethod>(context.inputMethodDisplay, log);
+    }
+}
+
+X11TapEngine::~X11TapEngine() {
+    seizure_.repeatMissedReleases();
+    seizure_.giveBack();
+    keyboard_->grabs().remove();
+    // Closing the connection would do as well, but not before this returns.
+    const XcbReply<xcb_get_input_focus_reply_t> sync(
+        xcb_get_input_focus_reply(connection_->get(), xcb_get_input_focus(connection_->get()), nullptr));
+}
+
+void X11TapEngine::handle(const X11TapRequest& request) {
+    switch (request.kind) {
+        case X11TapRequest::Kind::enable:
+            isEnabled_ = true;
+            applyGrabs();
+            break;
+        case X11TapRequest::Kind::disable:
+            isEnabled_ = false;
+            endSession();
+            applyGrabs();
+            break;
+        case X11TapRequest::Kind::setTrigger:
+            keyboard_->setTrigger(request.trigger);
+            applyGrabs();
+            break;
+        case X11TapRequest::Kind::openSession:
+            openSession();
+            break;
+        case X11TapRequest::Kind::closeSession:
+            if (!std::exchange(isLateCloseExpected_, false)) {
+                endSession();
+            }
+            break;
+        case X11TapRequest::Kind::probeKeyboard:
+            probeKeyboard();
+            break;
+        case X11TapRequest::Kind::keyboardUnavailable:
+            loseKeyboard();
+            break;
+    }
+}
+
+bool X11TapEngine::serve() {
+    receive();
+    if (!connection_->isAlive()) {
+        // What came before the end was for a tap that the guard has given up.
+        return false;
+    }
+    answerGuard();
+    // Whoever waits for a reply also takes in the events before it, and the descriptor does not tell of those: so until
+    // a round has found nothing new.
+    do {
+        hearInputMethod();
+        yieldToLocker();
+        deliverQueue();
+        handleDeadlines();
+        // Only when no key waits: reading the keymap takes longer than a quick press.
+        if (reception_.isEmpty() && reception_.hasChanges()) {
+            keyboard_->refresh(reception_.takeChanges());
+            applyGrabs();
+        }
+        xcb_flush(connection_->get());
+    } while (receive());
+    return connection_->isAlive();
+}
+
+std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
+    std::optional<Clock::time_point> earliest;
+    const auto waitingEnd = reception_.isEmpty() || phase_ != Phase::open ? std::nullopt : endingUntil_;
+    const auto inputMethodDeadline = inputMethod_ != nullptr ? inputMethod_->deadline() : std::nullopt;
+    for (const auto& candidate : {inputMethodDeadline, answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_,
+                                  lostTriggerJudgement_, heldKeys_.nextRepeat()}) {
+        if (candidate && (!earliest || *candidate < *earliest)) {
+            earliest = candidate;
+        }
+    }
+    return earliest;
+}
+
+bool X11TapEngine::receive() {
+    return reception_.receive(phase_ == Phase::awaitingAnswer);
+}
+
+void X11TapEngine::deliverQueue() {
+    while (!reception_.isEmpty() && phase_ != Phase::awaitingAnswer && !asked_ &&
+           !mustWaitForTheEnd(reception_.front())) {
+        auto event = reception_.take();
+        addShift(event);
+        if (phase_ == Phase::open) {
+            deliverInSession(event);
+        } else {
+            deliverHidden(event);
+        }
+    }
+}
+
+void X11TapEngine::addShift(X11KeyboardEvent& event) {
+    if (event.kind == Kind::modifiersChanged) {
+        return;
+    }
+    if (keyboard_->layout().isShiftKey(event.keyCode)) {
+        heldKeys_.noteShift(event);
+    } else if (seizure_.isHeld() && heldKeys_.isShiftDown()) {
+        event.modifiers.effective |= XCB_MOD_MASK_SHIFT;
+    }
+}
+
+void X11TapEngine::deliverHidden(const X11KeyboardEvent& event) {
+    // A trigger that is still held when its session ended opens no new one.
+    if (isEnabled_ && event.kind == Kind::press && !event.isRepeat && keyboard_->isTrigger(event)) {
+        beginSession(event);
+    } else if (event.kind == Kind::press && keyboard_->isAtSlave(event)) {
+        if (event.wasHeldBack && context_.isKeyboardHeldElsewhere.load()) {
+            seizure_.typeForHolder(event.keyCode);
+        }
+        seizure_.freeSlave(event.deviceId);
+        seizure_.repeatMissedReleases();
+    } else if (event.kind == Kind::modifiersChanged) {
+        delivery_.assumeModifiers(event.modifiers.effective);
+        followLostTrigger(event.modifiers.effective);
+    }
+}
+
+void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
+    if (event.kind == Kind::modifiersChanged) {
+        modifiers_ = event.modifiers.effective;
+        if (delivery_.modifiers(modifiers_)) {
+            endingUntil_ = Clock::now() + endingGrace;
+        }
+        return;
+    }
+    if (event.kind == Kind::press && keyboard_->isAtSlave(event) && !seizure_.isHeld()) {
+        // Another program had the keyboard when this session opened without the trigger, so the trigger is still
+        // grabbed.
+        seizure_.freeSlave(event.deviceId);
+        seizure_.repeatMissedReleases();
+    }
+    if (keyboard_->layout().isModifierKey(event.keyCode) || reception_.isStaleRepeat(event)) {
+        return;
+    }
+    if (!heldKeys_.belongsToSession(event)) {
+        return;
+    }
+    if (askInputMethod(event)) {
+        asked_ = event;
+    } else {
+        deliverKey(event);
+    }
+}
+
+bool X11TapEngine::askInputMethod(const X11KeyboardEvent& event) {
+    if (inputMethod_ == nullptr || event.kind != Kind::press) {
+        return false;
+    }
+    const auto symbol = keyboard_->text().symbols(event).symbol;
+    constexpr auto otherModifiers = event_flags::option | event_flags::command;
+    const auto flags = keyboard_->layout().flagsOf(event.modifiers.effective);
+    // The combination that turns an input method on and off, and means nothing here.
+    const bool isSwitch = symbol == XKB_KEY_space && keyboard_->trigger() != SwitcherModifier::control;
+    if ((flags & otherModifiers) != 0 || ((flags & event_flags::control) != 0 && !isSwitch)) {
+        return false;
+    }
+    return inputMethod_->ask({symbol, event.keyCode, event.modifiers.effective, event.time}, context_.panel());
+}
+
+void X11TapEngine::hearInputMethod() {
+    if (inputMethod_ == nullptr) {
+        return;
+    }
+    inputMethod_->process();
+    while (const auto text = inputMethod_->takeText()) {
+        if (phase_ == Phase::open) {
+            delivery_.text(*text);
+        }
+    }
+    if (asked_ && !inputMethod_->isAsking()) {
+        const auto press = *std::exchange(asked_, std::nullopt);
+        if (!inputMethod_->hasTakenKey()) {
+            deliverKey(press);
+        }
+    }
+}
+
+void X11TapEngine::deliverKey(const X11KeyboardEvent& event) {
+    if (event.kind == Kind::press && !event.isRepeat) {
+        delivery_.noteTriggerModifier(event.modifiers.effective);
+    }
+    if (delivery_.key(event).requestsSession) {
+        // The session was closed a moment ago, and the message that says so is on its way: it is not the answer.
+        isLateCloseExpected_ = true;
+        heldKeys_.beginSession(event.keyCode);
+        awaitAnswer();
+    }
+}
+
+void X11TapEngine::handleDeadlines() {
+    const auto now = Clock::now();
+    if (answerDeadline_ && now >= *answerDeadline_) {
+        log_.write(LogLevel::error, category, "No answer to the trigger; the keyboard is given back");
+        // What the user typed meanwhile was for no session.
+        reception_.clear();
+        seizure_.freeGrabbedSlaves();
+        endSession();
+    }
+    if (const auto deadline = sessionDeadline(); deadline && now >= *deadline) {
+        log_.write(LogLevel::error, category, "The program does not answer; the keyboard is given back");
+        loseKeyboard();
+    }
+    if (endingUntil_ && now >= *endingUntil_) {
+        endingUntil_.reset();
+        deliverQueue();
+    }
+    if (lostTriggerJudgement_ && now >= *lostTriggerJudgement_) {
+        judgeLostTrigger();
+    }
+    if (heldKeys_.nextRepeat() && now >= *heldKeys_.nextRepeat()) {
+        repeatTrigger();
+    }
+    if (seizureRetry_ && now >= *seizureRetry_) {
+        seizeForOpenSession();
+        deliverQueue();
+    }
+}
+
+void X11TapEngine::repeatTrigger() {
+    // The release may have arrived.
+    receive();
+    auto repeat = heldKeys_.takeRepeat();
+    if (repeat && phase_ == Phase::open && reception_.isEmpty()) {
+        repeat->modifiers.effective = modifiers_;
+        addShift(*repeat);
+        deliverInSession(*repeat);
+    }
+}
+
+bool X11TapEngine::mustWaitForTheEnd(const X11KeyboardEvent& event) const {
+    return phase_ == Phase::open && endingUntil_ && Clock::now() < *endingUntil_ && event.kind == Kind::press &&
+           !event.isRepeat && keyboard_->isTrigger(event);
+}
+
+void X11TapEngine::applyGrabs() {
+    const bool isGuarded = guard_ != nullptr && guard_->isThere();
+    if (isGuarded && isEnabled_) {
+        // Before the server can hold anything back.
+        guard_->setFreezingModifiers(keyboard_->triggerMask());
+    }
+    keyboard_->grabs().setHoldsKeysBack(isGuarded);
+    keyboard_->applyGrabs(isEnabled_, seizure_.isHeld());
+    const bool holdsKeysBack = isEnabled_ && keyboard_->grabs().holdsKeysBack();
+    if (isGuarded && !holdsKeysBack) {
+        guard_->setFreezingModifiers(0);
+    }
+    if (isEnabled_ && !seizure_.isHeld()) {
+        log_.write(
+            LogLevel::debug, category,
+            holdsKeysBack ? "The shortcut is grabbed, and keys behind it are held back" : "The shortcut is grabbed");
+    }
+}
+
+void X11TapEngine::reportLoss() {
+    log_.write(LogLevel::error, category,
+               "The program did not run for a while and has lost the keyboard; it begins anew");
+    delivery_.disabled();
+}
+
+void X11TapEngine::reportEnd() {
+    log_.write(LogLevel::error, category, "The keyboard's connection to the X server has ended");
+    delivery_.disabled();
+}
+
+void X11TapEngine::answerGuard() {
+    if (guard_ == nullptr) {
+        return;
+    }
+    guard_->answer();
+    // That it is gone may have been noticed when it was told something.
+    if (!guard_->isThere() && keyboard_->grabs().holdsKeysBack()) {
+        log_.write(LogLevel::error, category, "The keyboard's guard is gone; keys are not held back any more");
+        applyGrabs();
+    }
+}
+
+void X11TapEngine::tellGuard(bool isHeld) {
+    if (guard_ != nullptr) {
+        guard_->noteHeld(isHeld);
+    }
+}
+
+void X11TapEngine::yieldToLocker() {
+    if (reception_.takeLocker() && (phase_ != Phase::hidden || seizure_.isHeld())) {
+        log_.write(LogLevel::standard, category, "A screen locker is starting; the keyboard is given back");
+        loseKeyboard();
+    }
+}
+
+void X11TapEngine::probeKeyboard() {
+    if (phase_ != Phase::hidden || !context_.isKeyboardHeldElsewhere.load()) {
+        return;
+    }
+    if (isKeyboardFree()) {
+        context_.isKeyboardHeldElsewhere.store(false);
+    }
+}
+
+bool X11TapEngine::isKeyboardFree() {
+    tellGuard(true);
+    const bool isFree = seizure_.probe();
+    xcb_flush(connection_->get());
+    tellGuard(false);
+    return isFree;
+}
+
+// How a session of the tap begins, opens and ends.
+
+namespace {
+
+constexpr std::string_view category = "input";
+
+}  // namespace
+
+void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
+    auto pressed = press;
+    if (seizure_.isHeld()) {
+        reportActiveWindow(seizure_.activeWindow());
+    } else if (!seizeAt(pressed)) {
+        refuseSession(press);
+        return;
+    }
+    endingUntil_.reset();
+    hasLostTrigger_ = false;
+    lostTriggerJudgement_.reset();
+    keyboard_->text().reset();
+    heldKeys_.beginSession(press.keyCode);
+    delivery_.assumeModifiers(pressed.modifiers.effective);
+    awaitAnswer();
+    const auto verdict = delivery_.key(pressed);
+    if (!verdict.requestsSession) {
+        phase_ = Phase::hidden;
+        answerDeadline_.reset();
+        if (!verdict.isSwallowed) {
+            // While this tap holds the keyboard, the key would come back to it.
+            seizure_.giveBack();
+            seizure_.typeForHolder(press.keyCode);
+        }
+        giveKeyboardBack();
+    }
+}
+
+bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
+    const bool isAtSlave = keyboard_->isAtSlave(press);
+    reception_.watchWindows(true);
+    tellGuard(true);
+    const auto state = seizure_.take(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
+    if (!state) {
+        reception_.watchWindows(false);
+        tellGuard(false);
+        return false;
+    }
+    context_.isKeyboardHeldElsewhere.store(false);
+    reportActiveWindow(state->activeWindow);
+    // Keys that were down when the trigger was pressed: undo the queued events to get from now back to then.
+    receive();
+    auto keysDown = state->keysDown;
+    reception_.rewind(keysDown);
+    keysDown.reset(press.keyCode);
+    heldKeys_.noteTaken(keysDown, keyboard_->layout());
+    if (isAtSlave) {
+        // The event has the slave's modifiers and, while the slave floats, the slave's pointer, but the grab matched
+        // the master's modifiers. Shift may be down on another keyboard.
+        context_.setPointer(state->pointerX, state->pointerY);
+        press.modifiers.effective |= keyboard_->triggerMask() | (state->modifiers & XCB_MOD_MASK_SHIFT);
+        addShift(press);
+        modifiers_ = state->modifiers;
+        // What the server held back has arrived by now. Releases among it are repeated before the callback hears of the
+        // trigger, and the trigger's key may have gone up already.
+        receive();
+        if (!reception_.hasReleaseOf(press.keyCode)) {
+            heldKeys_.holdTrigger(press, *state);
+        }
+    }
+    return true;
+}
+
+void X11TapEngine::awaitAnswer() {
+    phase_ = Phase::awaitingAnswer;
+    answerDeadline_ = Clock::now() + answerTimeout;
+}
+
+void X11TapEngine::reportActiveWindow(xcb_window_t window) const {
+    if (context_.reportActiveWindow) {
+        context_.reportActiveWindow(window);
+    }
+}
+
+void X11TapEngine::refuseSession(const X11KeyboardEvent& press) {
+    if (!context_.isKeyboardHeldElsewhere.exchange(true)) {
+        log_.write(LogLevel::standard, category, "Another program holds the keyboard; the switcher stays closed");
+    }
+    // The combination is that program's: a virtual machine in full screen wants it.
+    seizure_.typeForHolder(press.keyCode);
+    // So is what was held back behind it.
+    receive();
+    seizure_.repeatMissedReleases();
+    applyGrabs();
+    hasLostTrigger_ = true;
+    lostTriggerJudgement_.reset();
+}
+
+void X11TapEngine::followLostTrigger(std::uint32_t modifiers) {
+    if (hasLostTrigger_ && (modifiers & keyboard_->triggerMask()) == 0) {
+        hasLostTrigger_ = false;
+        lostTriggerJudgement_ = Clock::now() + lostTriggerGrace;
+    }
+}
+
+void X11TapEngine::judgeLostTrigger() {
+    lostTriggerJudgement_.reset();
+    // A locker or a password dialog holds on. Once it is asked here, the keyboard's holder need not be asked again.
+    if (phase_ == Phase::hidden && !seizure_.isHeld() && isKeyboardFree()) {
+        context_.isKeyboardHeldElsewhere.store(false);
+        if (context_.reportLostTrigger) {
+            context_.reportLostTrigger();
+        }
+    }
+}
+
+void X11TapEngine::openSession() {
+    isLateCloseExpected_ = false;
+    answerDeadline_.reset();
+    endingUntil_.reset();
+    if (phase_ == Phase::open || !isEnabled_) {
+        return;
+    }
+    phase_ = Phase::open;
+    if (!seizure_.isHeld()) {
+        seizureRetryEnd_ = Clock::now() + seizureRetryTimeout;
+        seizeForOpenSession();
+    }
+}
+
+void X11TapEngine::seizeForOpenSession() {
+    seizureRetry_.reset();
+    receive();
+    reception_.watchWindows(true);
+    tellGuard(true);
+    const auto state = seizure_.take(std::nullopt);
+    if (!state) {
+        reception_.watchWindows(false);
+        tellGuard(false);
+        keyboard_->grabs().install();
+        if (Clock::now() < seizureRetryEnd_) {
+            seizureRetry_ = Clock::now() + seizureRetryInterval;
+        } else {
+            log_.write(LogLevel::standard, category, "Another program holds the keyboard; the panel gets no keys");
+            context_.isKeyboardHeldElsewhere.store(true);
+        }
+        return;
+    }
+    context_.isKeyboardHeldElsewhere.store(false);
+    keyboard_->text().reset();
+    heldKeys_.noteTaken(state->keysDown, keyboard_->layout());
+    heldKeys_.beginSession(std::nullopt);
+    delivery_.forgetModifiers();
+    if (delivery_.modifiers(state->modifiers)) {
+        endingUntil_ = Clock::now() + endingGrace;
+    }
+}
+
+void X11TapEngine::endSession() {
+    isLateCloseExpected_ = false;
+    answerDeadline_.reset();
+    endingUntil_.reset();
+    seizureRetry_.reset();
+    const bool wasHidden = phase_ == Phase::hidden;
+    phase_ = Phase::hidden;
+    asked_.reset();
+    if (inputMethod_ != nullptr && !wasHidden) {
+        inputMethod_->reset();
+    }
+    if (wasHidden && !seizure_.isHeld()) {
+        return;
+    }
+    receive();
+    // Keys of the session that ended belong to nobody and are dropped; but the next trigger may be among them.
+    deliverQueue();
+    if (phase_ == Phase::hidden) {
+        giveKeyboardBack();
+    }
+}
+
+/// Another program needs the keyboard, or the main thread does not take its keys. The tap is disabled; its owner ends
+/// the session and enables it again.
+void X11TapEngine::loseKeyboard() {
+    isEnabled_ = false;
+    onLoss();
+    endSession();
+    applyGrabs();
+    delivery_.disabled();
+}
+
+std::optional<X11TapEngine::Clock::time_point> X11TapEngine::sessionDeadline() const {
+    const auto since = phase_ == Phase::open ? delivery_.unansweredSince() : std::nullopt;
+    return since ? std::optional(*since + sessionTimeout) : std::nullopt;
+}
+
+void X11TapEngine::giveKeyboardBack() {
+    heldKeys_.releaseAll(seizure_);
+    if (isEnabled_) {
+        keyboard_->grabs().install();
+    }
+    seizure_.giveBack();
+    heldKeys_.releaseEarlierKeys(seizure_);
+    reception_.watchWindows(false);
+    xcb_flush(connection_->get());
+    tellGuard(false);
+}
+
+}  // namespace ferrowyn
