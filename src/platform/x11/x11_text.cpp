@@ -110,7 +110,6 @@ namespace {
 
 constexpr char escape = '\x1B';
 constexpr char startOfText = '\x02';
-constexpr std::string_view replacement = "\xEF\xBF\xBD";
 constexpr std::uint8_t highBit = 0x80;
 
 /// A set that fills one half of the byte values. Its characters, with the high bit set and the prefix before each, are

@@ -1,7 +1,6 @@
 #include "platform/x11/keyboard/x11_keyboard_grabs.h"
 
 #include <fmt/format.h>
-#include <xcb/xkb.h>
 #include <xcb/xtest.h>
 
 #include <algorithm>
@@ -12,12 +11,9 @@
 #include "platform/log.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
+#include "platform/x11/xcb_xkb.h"
 
 namespace ferrowyn {
-
-// The header of xcb's XKB names a field with a word that C++ reserves.
-#define explicit explicitField
-#undef explicit
 
 namespace {
 
@@ -198,13 +194,9 @@ bool X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_gra
     return isGranted;
 }
 
-// The header of xcb's XKB names a field with a word that C++ reserves.
-#define explicit explicitField
-#undef explicit
-
 namespace {
 
-constexpr std::uint32_t keyEvents =
+constexpr std::uint32_t seizedKeyEvents =
     XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
 
 constexpr std::string_view activeWindowName = "_NET_ACTIVE_WINDOW";
@@ -395,7 +387,7 @@ bool X11KeyboardSeizure::probe() {
 xcb_input_xi_grab_device_cookie_t X11KeyboardSeizure::requestGrab(xcb_input_device_id_t device) const {
     return xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE, device,
                                     XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
-                                    XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &keyEvents);
+                                    XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &seizedKeyEvents);
 }
 
 bool X11KeyboardSeizure::isGranted(xcb_input_xi_grab_device_cookie_t cookie) const {

@@ -14,13 +14,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-// The header of xcb's XKB names a field with a word that C++ reserves.
-#define explicit explicitField
-#include <xcb/xkb.h>
-#undef explicit
-
 #include "platform/x11/keyboard/x11_keyboard_guard_message.h"
 #include "platform/x11/xcb_reply.h"
+#include "platform/x11/xcb_xkb.h"
 
 namespace ferrowyn {
 

@@ -3,7 +3,6 @@
 #include <xcb/randr.h>
 #include <xcb/screensaver.h>
 #include <xcb/xinput.h>
-#include <xcb/xkb.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
 #include <bit>
@@ -11,6 +10,7 @@
 
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
+#include "platform/x11/xcb_xkb.h"
 
 namespace ferrowyn {
 
@@ -102,10 +102,6 @@ bool X11LockerWatch::coversAMonitor(xcb_window_t window) const {
     }
     return false;
 }
-
-// The header of xcb's XKB names a field with a word that C++ reserves.
-#define explicit explicitField
-#undef explicit
 
 namespace {
 

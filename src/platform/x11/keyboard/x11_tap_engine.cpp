@@ -361,11 +361,7 @@ bool X11TapEngine::isKeyboardFree() {
 
 // How a session of the tap begins, opens and ends.
 
-namespace {
-
-constexpr std::string_view category = "input";
-
-}  // namespace
+namespace {}  // namespace
 
 void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     auto pressed = press;
