@@ -71,9 +71,7 @@ bool HotKeyMonitor::start() {
     lastDisableTime_.reset();
     state_->setTapPort(tap_);
     // A session can be open already: the menu opens one without the keyboard.
-    if (state_->snapshot().isSwitcherVisible) {
-        state_->passSessionOn();
-    }
+    state_->tellTapOfSession();
     startHealthTimer();
     isRunning_.set(true);
     log_.write(LogLevel::standard, category, "Event tap installed");
@@ -96,9 +94,9 @@ void HotKeyMonitor::removeTap() {
     for (auto& retry : retries_) {
         retry.reset();
     }
-    state_->noteStop();
     // While the tap is still known: whatever it holds of the keyboard goes back before it is taken down.
-    state_->passSessionOn();
+    state_->closeSession();
+    state_->setKeepRunning(false);
     if (tap_ != nullptr) {
         tap_->setEnabled(false);
     }
@@ -197,12 +195,13 @@ EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
         auto decision = classify(event, snapshot);
         TapVerdict verdict{.isSwallowed = decision.kind == KeyDecision::Kind::swallow};
         if (decision.command) {
-            verdict.requestsSession =
-                !snapshot.isSwitcherVisible && std::holds_alternative<command::Invoke>(*decision.command);
+            if (!snapshot.isSwitcherVisible && std::holds_alternative<command::Invoke>(*decision.command)) {
+                verdict.requestedSession = state->requestSession();
+            }
             verdict.mayEndSession = std::holds_alternative<command::ModifierReleased>(*decision.command);
-            mainLoop.post([period, command = std::move(*decision.command), asks = verdict.requestsSession] {
+            mainLoop.post([period, command = std::move(*decision.command), request = verdict.requestedSession] {
                 if (auto* const monitor = monitorIn(period)) {
-                    monitor->deliver(command, asks);
+                    monitor->deliver(command, request);
                 }
             });
         }
@@ -210,19 +209,22 @@ EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
     };
 }
 
-void HotKeyMonitor::deliver(const SwitcherCommand& command, bool requestsSession) {
+void HotKeyMonitor::deliver(const SwitcherCommand& command, std::optional<TapSession> request) {
     assert(mainLoop_.isMainThread());
     // The owner may stop or even destroy the monitor while it handles the command.
     const auto state = state_;
-    const bool wasOpen = state->snapshot().isSwitcherVisible;
+    if (request) {
+        state->beginRequest(*request);
+    }
     if (const auto callback = onCommand) {
         callback(command);
     }
-    const bool hasOpened = !wasOpen && state->snapshot().isSwitcherVisible;
-    // Whoever opens a session tells the tap. In every other case, such as missing trust or a session that was open
-    // by the time the request arrived, a tap that holds events back for this request would wait in vain.
-    if (requestsSession && !hasOpened) {
-        state->passSessionOn();
+    if (request) {
+        state->endRequest();
+    }
+    if (std::holds_alternative<command::ModifierReleased>(command)) {
+        // A session that goes on all the same: the tap holds the next trigger back until it knows.
+        state->tellTapOfSession();
     }
 }
 
@@ -239,8 +241,7 @@ void HotKeyMonitor::handleTapDisabled(bool byTimeout) {
     if (period.expired()) {
         return;
     }
-    // The tap thread has forgotten the session, and whoever listens has ended it; now the tap hears of it too.
-    state_->passSessionOn();
+    state_->closeSession();
     if (byTimeout) {
         handleTimeout();
     } else {

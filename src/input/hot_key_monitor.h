@@ -60,7 +60,7 @@ private:
     void startHealthTimer();
     void checkHealth();
     void reenable(std::string_view reason);
-    void deliver(const SwitcherCommand& command, bool requestsSession);
+    void deliver(const SwitcherCommand& command, std::optional<TapSession> request);
     void handleTapDisabled(bool byTimeout);
     void handleTimeout();
     void stopAndFail(Failure failure);

@@ -74,11 +74,7 @@ void SwitcherController::show(bool reverse) {
     armPointerGate();
     panel_->show(panel_geometry::placement(visibleFrame(), currentContentSize(), panel_geometry::fullHeight(style())));
     isVisible_ = true;
-    auto& state = hotKeyMonitor_.state();
-    state.setSwitcherVisible(true);
-    state.setHoldModeActive(preferences_.confirmOnModifierRelease.get());
-    // Only now: what the tap held back for this session is classified with both flags.
-    state.passSessionOn();
+    hotKeyMonitor_.state().openSession(preferences_.confirmOnModifierRelease.get());
     rearmWatchdog();
     windowIndex_.scheduleRefresh();
 }
@@ -106,11 +102,8 @@ void SwitcherController::close(const std::optional<AppWindow>& chosen) {
     if (chosen) {
         activator_->activate(*chosen);
     }
-    auto& state = hotKeyMonitor_.state();
-    state.setSwitcherVisible(false);
-    state.setHoldModeActive(false);
+    hotKeyMonitor_.state().closeSession();
     panel_->hide();
-    state.passSessionOn();
     if (isVisible_) {
         isVisible_ = false;
         viewModel_->endSession();

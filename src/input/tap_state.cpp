@@ -23,9 +23,44 @@ void TapState::setModifier(SwitcherModifier modifier) {
     }
 }
 
-void TapState::setSwitcherVisible(bool isVisible) {
-    const std::lock_guard guard(lock_);
-    isSwitcherVisible_ = isVisible;
+void TapState::openSession(bool isHoldModeActive) {
+    {
+        const std::lock_guard guard(lock_);
+        if (!session_) {
+            session_ = request_ ? std::exchange(request_, std::nullopt) : nextSession();
+        }
+        isSwitcherVisible_ = true;
+        isHoldModeActive_ = isHoldModeActive;
+    }
+    tellTapOfSession();
+}
+
+void TapState::closeSession() {
+    std::shared_ptr<EventTap> tap;
+    std::optional<TapSession> session;
+    {
+        const std::lock_guard guard(lock_);
+        isSwitcherVisible_ = false;
+        isHoldModeActive_ = false;
+        session = std::exchange(session_, std::nullopt);
+        tap = tapPort_;
+    }
+    if (tap != nullptr && session) {
+        tap->closeSession(*session);
+    }
+}
+
+void TapState::tellTapOfSession() const {
+    std::shared_ptr<EventTap> tap;
+    std::optional<TapSession> session;
+    {
+        const std::lock_guard guard(lock_);
+        session = session_;
+        tap = tapPort_;
+    }
+    if (tap != nullptr && session) {
+        tap->openSession(*session);
+    }
 }
 
 void TapState::setHoldModeActive(bool isActive) {
@@ -33,16 +68,30 @@ void TapState::setHoldModeActive(bool isActive) {
     isHoldModeActive_ = isActive;
 }
 
-void TapState::passSessionOn() const {
+TapSession TapState::requestSession() {
+    const std::lock_guard guard(lock_);
+    return nextSession();
+}
+
+TapSession TapState::nextSession() {
+    return TapSession{++sessionCount_};
+}
+
+void TapState::beginRequest(TapSession request) {
+    const std::lock_guard guard(lock_);
+    request_ = request;
+}
+
+void TapState::endRequest() {
     std::shared_ptr<EventTap> tap;
-    bool isOpen = false;
+    std::optional<TapSession> unanswered;
     {
         const std::lock_guard guard(lock_);
+        unanswered = std::exchange(request_, std::nullopt);
         tap = tapPort_;
-        isOpen = isSwitcherVisible_;
     }
-    if (tap != nullptr) {
-        tap->setSessionOpen(isOpen);
+    if (tap != nullptr && unanswered) {
+        tap->closeSession(*unanswered);
     }
 }
 
@@ -77,13 +126,6 @@ void TapState::noteTapDisabled() {
     isSwitcherVisible_ = false;
     isHoldModeActive_ = false;
     reenableRequested_ = true;
-}
-
-void TapState::noteStop() {
-    const std::lock_guard guard(lock_);
-    isSwitcherVisible_ = false;
-    isHoldModeActive_ = false;
-    keepRunning_ = false;
 }
 
 }  // namespace ferrowyn

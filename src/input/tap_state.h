@@ -3,16 +3,18 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "core/switcher_options.h"
 
 namespace ferrowyn {
 
 class EventTap;
+enum class TapSession : std::uint64_t;
 
 /// The only data shared between the tap thread and the main thread. Every read and write holds the lock, for no longer
-/// than it takes to copy or set a few fields. What the tap itself must know (the trigger, whether a session is open) is
-/// passed on to it by the main thread after the lock is released, so that no call is ever made while holding it.
+/// than it takes to copy or set a few fields. What the tap itself must know (the trigger, which session is open) is
+/// told by the main thread after the lock is released, so that no call is ever made while holding it.
 class TapState {
 public:
     /// What one classification needs, copied in one locked section.
@@ -27,12 +29,23 @@ public:
 
     /// Main thread; the tap is told which trigger it serves from now on.
     void setModifier(SwitcherModifier modifier);
-    void setSwitcherVisible(bool isVisible);
+    /// The switcher is visible. The session is the one that the request at hand asks for, if there is such a request;
+    /// when one is open already, that one goes on. The tap is told once both flags are set, because it may classify
+    /// what it has held back at once. Main thread.
+    void openSession(bool isHoldModeActive);
+    /// The switcher is not visible any more; the tap is told. Without effect when no session is open. Main thread.
+    void closeSession();
+    /// Tells the tap of the open session once more; does nothing when none is open. Main thread.
+    void tellTapOfSession() const;
     void setHoldModeActive(bool isActive);
-    /// Tells the tap whether a session is open, as `isSwitcherVisible` says at this moment. A step of its own, because
-    /// a tap that held events back for the session classifies them as soon as it is told, and by then both flags must
-    /// be set: with hold mode still missing, a modifier released early would leave the panel open. Main thread.
-    void passSessionOn() const;
+
+    /// Numbers a session that an event asks for. Tap thread.
+    [[nodiscard]] TapSession requestSession();
+    /// The main thread handles this request from now on: a session that opens is the one it asks for.
+    void beginRequest(TapSession request);
+    /// It has handled the request. Where no session was opened for it the tap is told so, or a tap that holds events
+    /// back for it would wait in vain. Main thread.
+    void endRequest();
 
     void setKeepRunning(bool keepRunning);
     [[nodiscard]] bool keepRunning() const;
@@ -41,17 +54,22 @@ public:
     /// Main thread.
     void setTapPort(std::shared_ptr<EventTap> tap);
 
-    /// The system disabled the tap: no session is open for the tap thread any more. Tap thread; the main thread passes
-    /// that on to the tap when it handles the disabled tap.
+    /// The system disabled the tap: the switcher counts as hidden for the tap thread. Tap thread; the main thread
+    /// closes the session when it handles the disabled tap.
     void noteTapDisabled();
-    /// No session is open any more, and the tap thread is to end.
-    void noteStop();
 
 private:
+    [[nodiscard]] TapSession nextSession();
+
     mutable std::mutex lock_;
     std::uint64_t modifierFlag_ = event_flags::command;
     bool isSwitcherVisible_ = false;
     bool isHoldModeActive_ = false;
+    /// The open session; main thread alone sets it.
+    std::optional<TapSession> session_;
+    /// What the main thread handles now.
+    std::optional<TapSession> request_;
+    std::uint64_t sessionCount_ = 0;
     bool keepRunning_ = false;
     bool reenableRequested_ = false;
     std::shared_ptr<EventTap> tapPort_;

@@ -36,15 +36,19 @@ public:
     [[nodiscard]] virtual std::u16string text(std::optional<std::uint64_t> withFlags) const = 0;
 };
 
+/// Names a session towards the tap. Whoever makes the tap's callback numbers the sessions; no two have the same number.
+enum class TapSession : std::uint64_t {};
+
 /// What becomes of an event.
 struct TapVerdict {
     /// The event does not reach the application in front.
     bool isSwallowed = false;
-    /// The event asks for a session, which the main thread will open or not. A tap that must seize the keyboard for a
-    /// session holds back the events that follow until `setSessionOpen` tells it which.
-    bool requestsSession = false;
-    /// The trigger's modifier went up, and the main thread may end the session for that. A tap that seizes the keyboard
-    /// holds back a trigger pressed right after it, for a moment: it belongs to the next session.
+    /// The event asks for this session, which the main thread will open or not. A tap that must seize the keyboard for
+    /// a session holds back the events that follow until `openSession` or `closeSession` tells it which.
+    std::optional<TapSession> requestedSession;
+    /// The trigger's modifier went up, and the main thread may end the session for that: `openSession` or
+    /// `closeSession` tells whether it did. A tap that seizes the keyboard holds back a trigger until then, because it
+    /// may belong to the next session.
     bool mayEndSession = false;
     friend bool operator==(const TapVerdict&, const TapVerdict&) = default;
 };
@@ -77,9 +81,13 @@ public:
     /// Which modifier opens the switcher. A tap that sees every key may ignore it; one that must register its keys
     /// registers these.
     virtual void setTrigger(SwitcherModifier modifier) = 0;
-    /// A session opened, ended, or was asked for and not opened. A tap that must seize the keyboard holds it only
-    /// from the trigger to the end of the session; one that filters every event may ignore it.
-    virtual void setSessionOpen(bool isOpen) = 0;
+    /// This session has opened, or goes on after an event that might have ended it. It is the one that was asked for,
+    /// or one that was opened without a key. A tap that must seize the keyboard holds it only from the trigger to the
+    /// end of the session; one that filters every event may ignore both calls.
+    virtual void openSession(TapSession session) = 0;
+    /// This session has ended, or was asked for and not opened. Without effect when the tap is at another session: the
+    /// end of one that the tap has lost already may come after the next one was asked for.
+    virtual void closeSession(TapSession session) = 0;
 };
 
 /// The run-loop source of a tap: attaching it to the tap thread's loop makes the events come.

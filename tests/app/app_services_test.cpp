@@ -406,7 +406,7 @@ TEST_F(AppServicesTest, HoldingPressingAndReleasingSwitchesToThePreviousWindow) 
     static_cast<void>(desktop.takeControlCalls());
 
     EXPECT_FALSE(desktop.keyDown(optionTab));
-    EXPECT_TRUE(desktop.lastTapVerdict().requestsSession);
+    EXPECT_TRUE(desktop.lastTapVerdict().requestedSession);
     desktop.settle();
     EXPECT_TRUE(desktop.panel().isVisible);
     EXPECT_TRUE(desktop.tapSessionIsOpen());

@@ -29,6 +29,8 @@ LogLine error(std::string message) {
     return {LogLevel::error, "input", std::move(message)};
 }
 
+using SessionCall = RecordingEventTap::SessionCall;
+
 class HotKeyMonitorTest : public ::testing::Test {
 protected:
     HotKeyMonitorTest() {
@@ -132,7 +134,7 @@ TEST_F(HotKeyMonitorTest, RunsWithoutASourceAndEnablesTheTapAtTheHealthCheck) {
 
 TEST_F(HotKeyMonitorTest, DoesNotStartWhenTheThreadDoesNot) {
     desktop.setTapThreadFails(true);
-    monitor->state().setSwitcherVisible(true);
+    monitor->state().openSession(false);
     EXPECT_FALSE(monitor->start());
     EXPECT_FALSE(monitor->isRunning().get());
     EXPECT_FALSE(desktop.tapIsInstalled());
@@ -147,12 +149,10 @@ TEST_F(HotKeyMonitorTest, DoesNotStartWhenTheThreadDoesNot) {
 
 TEST_F(HotKeyMonitorTest, StoppingRemovesTheTapAndEveryTimer) {
     start();
-    monitor->state().setSwitcherVisible(true);
-    monitor->state().setHoldModeActive(true);
+    monitor->state().openSession(true);
     timeOut();
     forgetLog();
-    monitor->state().setSwitcherVisible(true);
-    monitor->state().setHoldModeActive(true);
+    monitor->state().openSession(true);
 
     monitor->stop();
     EXPECT_FALSE(monitor->isRunning().get());
@@ -175,9 +175,10 @@ TEST_F(HotKeyMonitorTest, StoppingWhileStoppedDoesNothing) {
 TEST_F(HotKeyMonitorTest, StoppingGivesTheKeyboardBack) {
     start();
     const auto tap = record();
-    monitor->state().setSwitcherVisible(true);
+    monitor->state().openSession(true);
     monitor->stop();
-    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{false, false, false}));
+    ASSERT_EQ(tap->sessions.size(), 2U);
+    EXPECT_EQ(tap->sessions[1], (SessionCall{false, false, false, tap->sessions[0].session}));
 }
 
 TEST_F(HotKeyMonitorTest, RestartsWithTheTriggerChosenMeanwhile) {
@@ -193,7 +194,7 @@ TEST_F(HotKeyMonitorTest, RestartsWithTheTriggerChosenMeanwhile) {
 }
 
 TEST_F(HotKeyMonitorTest, TellsANewTapOfASessionThatIsOpenAlready) {
-    monitor->state().setSwitcherVisible(true);
+    monitor->state().openSession(false);
     start();
     EXPECT_TRUE(desktop.tapSessionIsOpen());
 }
@@ -220,8 +221,7 @@ TEST_F(HotKeyMonitorTest, PassesOtherKeysWhileHidden) {
 
 TEST_F(HotKeyMonitorTest, KeepsCommandsInOrder) {
     start();
-    monitor->state().setSwitcherVisible(true);
-    monitor->state().setHoldModeActive(true);
+    monitor->state().openSession(true);
     EXPECT_FALSE(desktop.keyDown(optionTab));
     EXPECT_FALSE(desktop.keyUp(optionTab));
     EXPECT_FALSE(desktop.keyDown(rightArrow));
@@ -236,15 +236,19 @@ TEST_F(HotKeyMonitorTest, KeepsCommandsInOrder) {
 TEST_F(HotKeyMonitorTest, RequestsASessionForATriggerWhileHiddenOnly) {
     start();
     desktop.keyDown(optionTab);
-    EXPECT_EQ(desktop.lastTapVerdict(), (TapVerdict{.isSwallowed = true, .requestsSession = true}));
+    EXPECT_TRUE(desktop.lastTapVerdict().isSwallowed);
+    const auto first = desktop.lastTapVerdict().requestedSession;
+    EXPECT_TRUE(first);
     desktop.keyDown(letterA);
     EXPECT_EQ(desktop.lastTapVerdict(), TapVerdict{});
+    desktop.keyDown(optionTab);
+    EXPECT_TRUE(desktop.lastTapVerdict().requestedSession);
+    EXPECT_NE(desktop.lastTapVerdict().requestedSession, first);
 
-    monitor->state().setSwitcherVisible(true);
-    monitor->state().setHoldModeActive(true);
+    monitor->state().openSession(true);
     for (const auto& key : {optionTab, optionShiftTab, rightArrow, letterA}) {
         desktop.keyDown(key);
-        EXPECT_EQ(desktop.lastTapVerdict(), (TapVerdict{.isSwallowed = true, .requestsSession = false}));
+        EXPECT_EQ(desktop.lastTapVerdict(), TapVerdict{.isSwallowed = true});
     }
 }
 
@@ -252,7 +256,7 @@ TEST_F(HotKeyMonitorTest, TellsTheTapWhichReleaseMayEndTheSession) {
     start();
     desktop.flagsChanged(0);
     EXPECT_EQ(desktop.lastTapVerdict(), TapVerdict{});
-    monitor->state().setSwitcherVisible(true);
+    monitor->state().openSession(false);
     desktop.flagsChanged(0);
     EXPECT_EQ(desktop.lastTapVerdict(), TapVerdict{}) << "without hold mode the session stays open";
     monitor->state().setHoldModeActive(true);
@@ -262,35 +266,61 @@ TEST_F(HotKeyMonitorTest, TellsTheTapWhichReleaseMayEndTheSession) {
     EXPECT_EQ(desktop.lastTapVerdict(), (TapVerdict{.mayEndSession = true}));
 }
 
+TEST_F(HotKeyMonitorTest, TellsTheTapWhetherTheReleaseHasEndedTheSession) {
+    start();
+    const auto tap = record();
+    bool ends = false;
+    monitor->onCommand = [&](const SwitcherCommand&) {
+        if (ends) {
+            monitor->state().closeSession();
+        }
+    };
+    monitor->state().openSession(true);
+    desktop.flagsChanged(0);
+    desktop.settle();
+    EXPECT_THAT(tap->calls, ElementsAre("open", "open"));
+    EXPECT_EQ(tap->sessions[0], tap->sessions[1]);
+    ends = true;
+    desktop.flagsChanged(event_flags::option);
+    desktop.flagsChanged(0);
+    desktop.settle();
+    EXPECT_THAT(tap->calls, ElementsAre("open", "open", "closed"));
+}
+
 TEST_F(HotKeyMonitorTest, GivesTheKeyboardBackWhenATriggerOpensNothing) {
     start();
     const auto tap = record();
     desktop.keyDown(optionTab);
+    const auto requested = desktop.lastTapVerdict().requestedSession;
+    ASSERT_TRUE(requested);
     EXPECT_THAT(tap->sessions, IsEmpty());
     desktop.settle();
-    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{false, false, false}));
+    EXPECT_THAT(tap->sessions, ElementsAre(SessionCall{false, false, false, *requested}));
 }
 
 TEST_F(HotKeyMonitorTest, LeavesTheAnswerToWhoeverOpensTheSession) {
     start();
     const auto tap = record();
-    monitor->onCommand = [this](const SwitcherCommand&) {
-        monitor->state().setSwitcherVisible(true);
-        monitor->state().setHoldModeActive(true);
-        monitor->state().passSessionOn();
-    };
+    monitor->onCommand = [this](const SwitcherCommand&) { monitor->state().openSession(true); };
     desktop.keyDown(optionTab);
+    const auto requested = desktop.lastTapVerdict().requestedSession;
+    ASSERT_TRUE(requested);
     desktop.settle();
-    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{true, true, true}));
+    EXPECT_THAT(tap->sessions, ElementsAre(SessionCall{true, true, true, *requested}));
 }
 
 TEST_F(HotKeyMonitorTest, AnswersARequestThatFoundTheSessionOpenAlready) {
     start();
     const auto tap = record();
     desktop.keyDown(optionTab);
-    monitor->state().setSwitcherVisible(true);  // The menu opened a session between the key and its delivery.
+    const auto requested = desktop.lastTapVerdict().requestedSession;
+    ASSERT_TRUE(requested);
+    monitor->state().openSession(false);  // The menu opened a session between the key and its delivery.
     desktop.settle();
-    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{true, true, false}));
+    ASSERT_EQ(tap->sessions.size(), 2U);
+    EXPECT_TRUE(tap->sessions[0].isOpen);
+    EXPECT_NE(tap->sessions[0].session, *requested);
+    EXPECT_EQ(tap->sessions[1], (SessionCall{false, true, false, *requested}));
 }
 
 TEST_F(HotKeyMonitorTest, ToleratesMissingCallbacks) {
@@ -344,9 +374,9 @@ TEST_F(HotKeyMonitorTest, PostedWorkDoesNothingOnceTheMonitorIsGone) {
 TEST_F(HotKeyMonitorTest, DestroyingItWhileRunningRemovesTheTapSilently) {
     start();
     const auto tap = record();
-    monitor->state().setSwitcherVisible(true);
+    monitor->state().openSession(true);
     monitor.reset();
-    EXPECT_THAT(tap->calls, ElementsAre("closed"));
+    EXPECT_THAT(tap->calls, ElementsAre("open", "closed"));
     EXPECT_FALSE(desktop.tapIsInstalled());
     EXPECT_EQ(desktop.pendingTimerCount(), 0U);
     EXPECT_THAT(desktop.takeLog(), IsEmpty());
@@ -380,8 +410,7 @@ TEST_F(HotKeyMonitorTest, MayBeDestroyedByItsOwnCallbacks) {
 
 TEST_F(HotKeyMonitorTest, ForgetsTheSessionOnTheTapThreadAsSoonAsTheTapIsDisabled) {
     start();
-    monitor->state().setSwitcherVisible(true);
-    monitor->state().setHoldModeActive(true);
+    monitor->state().openSession(true);
     desktop.disableTapByTimeout();
     EXPECT_EQ(monitor->state().snapshot(), (TapState::Snapshot{event_flags::option, false, false}));
     EXPECT_TRUE(monitor->state().reenableRequested());
@@ -394,11 +423,32 @@ TEST_F(HotKeyMonitorTest, ForgetsTheSessionOnTheTapThreadAsSoonAsTheTapIsDisable
 TEST_F(HotKeyMonitorTest, GivesTheKeyboardBackWhenTheTapIsDisabled) {
     start();
     const auto tap = record();
-    monitor->state().setSwitcherVisible(true);
+    monitor->state().openSession(true);
     desktop.disableTapByTimeout();
-    EXPECT_THAT(tap->sessions, IsEmpty()) << "the tap is told by the main thread alone";
+    EXPECT_THAT(tap->calls, ElementsAre("open")) << "the tap is told by the main thread alone";
     desktop.settle();
-    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{false, false, false}));
+    ASSERT_EQ(tap->sessions.size(), 2U);
+    EXPECT_EQ(tap->sessions[1], (SessionCall{false, false, false, tap->sessions[0].session}));
+}
+
+TEST_F(HotKeyMonitorTest, TheEndOfASessionThatTheTapHasLostDoesNotNameTheNextOne) {
+    start();
+    const auto tap = record();
+    monitor->onCommand = [this](const SwitcherCommand&) { monitor->state().openSession(true); };
+    desktop.keyDown(optionTab);
+    desktop.settle();
+    // The tap loses the keyboard, is enabled again by the periodic check and sees the next trigger; the main thread
+    // hears of all that afterwards.
+    desktop.disableTapByUserInput();
+    desktop.enableTapSilently();
+    desktop.keyDown(optionTab);
+    const auto requested = desktop.lastTapVerdict().requestedSession;
+    ASSERT_TRUE(requested);
+    desktop.settle();
+    ASSERT_EQ(tap->sessions.size(), 3U);
+    EXPECT_EQ(tap->sessions[1], (SessionCall{false, false, false, tap->sessions[0].session}));
+    EXPECT_EQ(tap->sessions[2], (SessionCall{true, true, true, *requested}));
+    EXPECT_NE(tap->sessions[0].session, *requested);
 }
 
 TEST_F(HotKeyMonitorTest, ReenablesAtOnceAfterUserInputDisabledTheTap) {

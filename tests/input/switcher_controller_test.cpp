@@ -55,9 +55,9 @@ TEST_F(SwitcherControllerTest, SetsTheTapsFlagsRightAfterThePanelIsInFront) {
 TEST_F(SwitcherControllerTest, TellsTheTapOfTheSessionOnceBothFlagsAreSet) {
     const auto tap = record();
     controller->handle(Invoke{false});
-    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{true, true, true}));
+    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{true, true, true, TapSession{1}}));
     controller->handle(Cancel{});
-    EXPECT_EQ(tap->sessions.back(), (RecordingEventTap::SessionCall{false, false, false}));
+    EXPECT_EQ(tap->sessions.back(), (RecordingEventTap::SessionCall{false, false, false, TapSession{1}}));
 }
 
 TEST_F(SwitcherControllerTest, EveryWayOutOfASessionGivesTheKeyboardBack) {
@@ -364,11 +364,8 @@ TEST_F(SwitcherControllerTest, TheChosenWindowIsAskedForBeforeTheNextTriggerOpen
         [[nodiscard]] bool isEnabled() const override { return true; }
         void invalidate() override {}
         void setTrigger(SwitcherModifier) override {}
-        void setSessionOpen(bool isOpen) override {
-            if (!isOpen) {
-                onClosed_();
-            }
-        }
+        void openSession(TapSession) override {}
+        void closeSession(TapSession) override { onClosed_(); }
 
     private:
         std::function<void()> onClosed_;

@@ -49,6 +49,7 @@ public:
         bool isOpen = false;
         bool wasVisible = false;
         bool wasHolding = false;
+        TapSession session{};
         friend bool operator==(const SessionCall&, const SessionCall&) = default;
     };
 
@@ -59,11 +60,8 @@ public:
         triggers.push_back(modifier);
         flagsAtTrigger.push_back(state_.snapshot().modifierFlag);
     }
-    void setSessionOpen(bool isOpen) override {
-        const auto now = state_.snapshot();
-        sessions.push_back({isOpen, now.isSwitcherVisible, now.isHoldModeActive});
-        calls.emplace_back(isOpen ? "open" : "closed");
-    }
+    void openSession(TapSession session) override { note(true, session); }
+    void closeSession(TapSession session) override { note(false, session); }
 
     std::vector<std::string> calls;
     std::vector<SessionCall> sessions;
@@ -71,6 +69,12 @@ public:
     std::vector<std::uint64_t> flagsAtTrigger;
 
 private:
+    void note(bool isOpen, TapSession session) {
+        const auto now = state_.snapshot();
+        sessions.push_back({isOpen, now.isSwitcherVisible, now.isHoldModeActive, session});
+        calls.emplace_back(isOpen ? "open" : "closed");
+    }
+
     const TapState& state_;
     bool isEnabled_ = false;
 };

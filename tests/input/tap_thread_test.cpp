@@ -80,7 +80,8 @@ private:
             isEnabled_ = false;
         }
         void setTrigger(SwitcherModifier) override {}
-        void setSessionOpen(bool) override {}
+        void openSession(TapSession) override {}
+        void closeSession(TapSession) override {}
         void ask(const TapEvent& event) const {
             if (isEnabled_) {
                 static_cast<void>(callback_(event));
@@ -204,9 +205,11 @@ TEST_F(TapThreadTest, BothThreadsUseTheStateAtTheSameTime) {
         taps.allow(6);
         auto& state = monitor.state();
         for (bool isVisible = true; taps.handledCount() < round * 6; isVisible = !isVisible) {
-            state.setSwitcherVisible(isVisible);
-            state.setHoldModeActive(isVisible);
-            state.passSessionOn();
+            if (isVisible) {
+                state.openSession(true);
+            } else {
+                state.closeSession();
+            }
             state.setModifier(SwitcherModifier::option);
             desktop.settle();
         }
@@ -217,7 +220,7 @@ TEST_F(TapThreadTest, BothThreadsUseTheStateAtTheSameTime) {
     // The tap of this test stays enabled, so that every disabling it reports is one of six events.
     EXPECT_EQ(disables, rounds);
     EXPECT_EQ(invokes, rounds) << "the trigger is held in one of six events, whatever is visible";
-    monitor.state().setSwitcherVisible(true);
+    monitor.state().openSession(false);
     invokes = 0;
     others = 0;
     taps.allow(6);

@@ -94,8 +94,9 @@ TEST_F(SimulatedEventTapsTest, ADisabledTapIsToldAfterwards) {
 TEST_F(SimulatedEventTapsTest, AnInvalidatedOrDroppedTapIsGone) {
     auto tap = createTap();
     tap->setEnabled(true);
-    tap->setSessionOpen(true);
-    EXPECT_TRUE(desktop.tapSessionIsOpen());
+    tap->openSession(TapSession{2});
+    tap->closeSession(TapSession{1});
+    EXPECT_TRUE(desktop.tapSessionIsOpen()) << "another session has ended";
     EXPECT_EQ(desktop.tapTrigger(), SwitcherModifier::option);
     tap->invalidate();
     tap->setEnabled(true);
@@ -139,13 +140,13 @@ TEST_F(SimulatedEventTapsTest, KeysTypeTheirTextWithAndWithoutFlags) {
         texts = {event.text(std::nullopt), event.text(0)};
         EXPECT_EQ(event.flags(), event_flags::option);
         EXPECT_EQ(event.keyCode(), 0);
-        return TapVerdict{.isSwallowed = true, .requestsSession = true};
+        return TapVerdict{.isSwallowed = true, .requestedSession = TapSession{1}};
     });
     taps.createSource(tap)->addTo(*taps.currentRunLoop());
     tap->setEnabled(true);
     desktop.keyDown({.keyCode = 0, .flags = event_flags::option, .text = u"å", .textWithReducedFlags = u"a"});
     EXPECT_THAT(texts, ElementsAre(u"å", u"a"));
-    EXPECT_EQ(desktop.lastTapVerdict(), (TapVerdict{.isSwallowed = true, .requestsSession = true}));
+    EXPECT_EQ(desktop.lastTapVerdict(), (TapVerdict{.isSwallowed = true, .requestedSession = TapSession{1}}));
 }
 
 }  // namespace

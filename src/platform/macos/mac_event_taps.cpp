@@ -31,7 +31,8 @@ public:
     [[nodiscard]] bool isEnabled() const override;
     void invalidate() override;
     void setTrigger(SwitcherModifier /*modifier*/) override {}
-    void setSessionOpen(bool /*isOpen*/) override {}
+    void openSession(TapSession /*session*/) override {}
+    void closeSession(TapSession /*session*/) override {}
 
     /// Whether a thread's loop has the tap's source. Without one the system is not asked to enable the tap: every key
     /// would wait for a verdict that nobody gives.

@@ -309,6 +309,12 @@ void SimulatedDesktop::disableTapSilently() {
     }
 }
 
+void SimulatedDesktop::enableTapSilently() {
+    if (const auto tap = implementation_->eventTaps.installed()) {
+        tap->setEnabled(true);
+    }
+}
+
 TapVerdict SimulatedDesktop::lastTapVerdict() const {
     return implementation_->eventTaps.lastVerdict();
 }

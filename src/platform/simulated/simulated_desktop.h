@@ -136,6 +136,8 @@ public:
     void disableTapByUserInput();
     /// Disables it without telling.
     void disableTapSilently();
+    /// Enables it before the main thread has heard that it was disabled.
+    void enableTapSilently();
     /// What the tap said about the last event that it was asked about.
     [[nodiscard]] TapVerdict lastTapVerdict() const;
     [[nodiscard]] bool tapIsInstalled() const;

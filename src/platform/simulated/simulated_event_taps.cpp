@@ -35,7 +35,7 @@ void SimulatedEventTap::invalidate() {
     const std::lock_guard lock(lock_);
     isValid_ = false;
     isEnabled_ = false;
-    isSessionOpen_ = false;
+    session_.reset();
 }
 
 void SimulatedEventTap::setTrigger(SwitcherModifier modifier) {
@@ -43,9 +43,16 @@ void SimulatedEventTap::setTrigger(SwitcherModifier modifier) {
     trigger_ = modifier;
 }
 
-void SimulatedEventTap::setSessionOpen(bool isOpen) {
+void SimulatedEventTap::openSession(TapSession session) {
     const std::lock_guard lock(lock_);
-    isSessionOpen_ = isOpen;
+    session_ = session;
+}
+
+void SimulatedEventTap::closeSession(TapSession session) {
+    const std::lock_guard lock(lock_);
+    if (session_ == session) {
+        session_.reset();
+    }
 }
 
 bool SimulatedEventTap::isValid() const {
@@ -60,7 +67,7 @@ SwitcherModifier SimulatedEventTap::trigger() const {
 
 bool SimulatedEventTap::isSessionOpen() const {
     const std::lock_guard lock(lock_);
-    return isSessionOpen_;
+    return session_.has_value();
 }
 
 void SimulatedEventTap::setAttached(bool isAttached) {

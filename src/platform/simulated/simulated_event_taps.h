@@ -59,7 +59,8 @@ public:
     [[nodiscard]] bool isEnabled() const override;
     void invalidate() override;
     void setTrigger(SwitcherModifier modifier) override;
-    void setSessionOpen(bool isOpen) override;
+    void openSession(TapSession session) override;
+    void closeSession(TapSession session) override;
 
     [[nodiscard]] bool isValid() const;
     [[nodiscard]] SwitcherModifier trigger() const;
@@ -79,7 +80,7 @@ private:
     bool isEnabled_ = false;
     bool isValid_ = true;
     bool isAttached_ = false;
-    bool isSessionOpen_ = false;
+    std::optional<TapSession> session_;
 };
 
 /// Makes taps that a test's keys go through, and real threads to serve them. Main thread but for `currentRunLoop`.

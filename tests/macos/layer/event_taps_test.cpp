@@ -110,7 +110,7 @@ TEST_F(MacEventTapsTest, TheCallbackDecidesWhatBecomesOfAnEvent) {
     EXPECT_EQ(keyboard.press(tab), Outcome::reachedApplication);
     verdict.isSwallowed = true;
     EXPECT_EQ(keyboard.press(tab), Outcome::swallowed);
-    verdict = {.isSwallowed = false, .requestsSession = true};
+    verdict = {.isSwallowed = false, .requestedSession = TapSession{1}};
     EXPECT_EQ(keyboard.press({.type = kCGEventKeyUp, .keyCode = 48}), Outcome::reachedApplication);
     EXPECT_EQ(keyboard.press({.type = kCGEventFlagsChanged}), Outcome::reachedApplication);
     stopServing();

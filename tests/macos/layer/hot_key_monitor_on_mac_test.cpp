@@ -77,7 +77,7 @@ TEST_F(HotKeyMonitorOnMacTest, TypedTextLosesTheTriggerButKeepsShift) {
     keyboard.layout[{0, kCGEventFlagMaskAlternate}] = u"å";
     keyboard.layout[{0, kCGEventFlagMaskAlternate | kCGEventFlagMaskShift}] = u"Å";
     ASSERT_TRUE(monitor->start());
-    monitor->state().setSwitcherVisible(true);
+    monitor->state().openSession(false);
     EXPECT_EQ(press({.keyCode = 0, .flags = kCGEventFlagMaskAlternate}), Outcome::swallowed);
     EXPECT_EQ(press({.keyCode = 0, .flags = kCGEventFlagMaskAlternate | kCGEventFlagMaskShift}), Outcome::swallowed);
     EXPECT_EQ(press({.keyCode = 0}), Outcome::swallowed);
@@ -88,8 +88,7 @@ TEST_F(HotKeyMonitorOnMacTest, TypedTextLosesTheTriggerButKeepsShift) {
 
 TEST_F(HotKeyMonitorOnMacTest, LettingTheTriggerGoIsPassedOnAndSent) {
     ASSERT_TRUE(monitor->start());
-    monitor->state().setSwitcherVisible(true);
-    monitor->state().setHoldModeActive(true);
+    monitor->state().openSession(true);
     EXPECT_EQ(press({.type = kCGEventFlagsChanged}), Outcome::reachedApplication);
     EXPECT_THAT(commands, ElementsAre(SwitcherCommand(command::ModifierReleased{})));
 }

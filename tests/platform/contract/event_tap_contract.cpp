@@ -71,6 +71,8 @@ public:
         std::unique_lock lock(lock_);
         return changed_.wait_for(lock, patience, [&] { return triggers_ >= count; });
     }
+    /// The main thread opens no session for any of the triggers.
+    void refuseSession() { tap->closeSession(sessionOf(triggers())); }
     [[nodiscard]] int triggers() {
         const std::lock_guard lock(lock_);
         return triggers_;
@@ -79,6 +81,7 @@ public:
     std::shared_ptr<EventTap> tap;
 
 private:
+    static TapSession sessionOf(int trigger) { return TapSession{static_cast<std::uint64_t>(trigger)}; }
     void runErrand() {
         std::unique_lock lock(lock_);
         if (const auto errand = errand_) {
@@ -94,12 +97,13 @@ private:
         if (event.type() != Type::keyDown || event.keyCode() != tabKey || (event.flags() & event_flags::option) == 0) {
             return {};
         }
+        int trigger = 0;
         {
             const std::lock_guard lock(lock_);
-            ++triggers_;
+            trigger = ++triggers_;
         }
         changed_.notify_all();
-        return {.isSwallowed = true, .requestsSession = true};
+        return {.isSwallowed = true, .requestedSession = sessionOf(trigger)};
     }
 
     EventTaps& taps_;
@@ -163,7 +167,7 @@ TEST_P(EventTapContract, ATapThatIsEnabledBeforeItIsServedWorksOnceItIs) {
     EXPECT_TRUE(served.tap->isEnabled());
     driver->pressTrigger();
     ASSERT_TRUE(served.waitForTriggers(1));
-    served.tap->setSessionOpen(false);
+    served.refuseSession();
     driver->releaseTrigger();
     EXPECT_FALSE(driver->applicationGotTrigger());
 }
@@ -173,12 +177,12 @@ TEST_P(EventTapContract, AServedTapSeesTheTriggerAndKeepsItFromTheApplication) {
     EXPECT_TRUE(served.tap->isEnabled());
     driver->pressTrigger();
     ASSERT_TRUE(served.waitForTriggers(1));
-    served.tap->setSessionOpen(false);
+    served.refuseSession();
     driver->releaseTrigger();
     EXPECT_FALSE(driver->applicationGotTrigger());
     driver->pressTrigger();
     ASSERT_TRUE(served.waitForTriggers(2)) << "the next one is seen as the first was";
-    served.tap->setSessionOpen(false);
+    served.refuseSession();
     driver->releaseTrigger();
     EXPECT_FALSE(driver->applicationGotTrigger());
 }
@@ -193,7 +197,7 @@ TEST_P(EventTapContract, ADisabledTapLetsEverythingPassUntilItIsEnabledAgain) {
     EXPECT_TRUE(served.tap->isEnabled());
     driver->pressTrigger();
     ASSERT_TRUE(served.waitForTriggers(1));
-    served.tap->setSessionOpen(false);
+    served.refuseSession();
     driver->releaseTrigger();
     EXPECT_FALSE(driver->applicationGotTrigger());
 }
@@ -216,7 +220,7 @@ TEST_P(EventTapContract, ATapThatIsDroppedLetsTheNextOneTakeItsPlace) {
     ServedTap second(driver->taps());
     driver->pressTrigger();
     ASSERT_TRUE(second.waitForTriggers(1));
-    second.tap->setSessionOpen(false);
+    second.refuseSession();
     driver->releaseTrigger();
     EXPECT_FALSE(driver->applicationGotTrigger());
 }

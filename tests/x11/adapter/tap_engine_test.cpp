@@ -59,8 +59,14 @@ protected:
     TapVerdict handle(const TapEvent& event) {
         const bool isOptionDown = (event.flags() & event_flags::option) != 0;
         if (event.type() == TapEvent::Type::keyDown && event.keyCode() == tabKey && isOptionDown) {
-            (isOpen ? moves : requests) += 1;
-            return {.isSwallowed = true, .requestsSession = !isOpen};
+            if (isOpen) {
+                ++moves;
+                return {.isSwallowed = true};
+            }
+            return {.isSwallowed = true, .requestedSession = TapSession{++requests}};
+        }
+        if (event.type() == TapEvent::Type::keyDown && isOpen) {
+            typed += event.text(0);
         }
         if (event.type() == TapEvent::Type::flagsChanged && isOpen && !isOptionDown) {
             ++ends;
@@ -83,13 +89,28 @@ protected:
         }
         return false;
     }
-    void openSession() {
+    /// Answers as the main thread does: these messages come when the test says so.
+    void open(TapSession session) {
         isOpen = true;
-        engine->handle({.kind = X11TapRequest::Kind::openSession});
+        tell(X11TapRequest::Kind::openSession, session);
     }
-    void closeSession() {
+    void close(TapSession session) {
         isOpen = false;
-        engine->handle({.kind = X11TapRequest::Kind::closeSession});
+        tell(X11TapRequest::Kind::closeSession, session);
+    }
+    void tell(X11TapRequest::Kind kind, TapSession session) { engine->handle({.kind = kind, .session = session}); }
+    [[nodiscard]] TapSession latest() const { return TapSession{requests}; }
+    void openOneByTheTrigger() {
+        const auto before = requests;
+        input.press(key::leftAlt);
+        input.tap(key::tab);
+        ASSERT_TRUE(serveUntil([&] { return requests == before + 1; }));
+        open(latest());
+        serve();
+    }
+    void expectNothingLeft() {
+        EXPECT_TRUE(serveUntil([&] { return desktop.keyboardIsFree(); })) << "a grab is left";
+        EXPECT_FALSE(desktop.anyKeyIsDown()) << "a key is stuck";
     }
     void killGuard() {
         const auto process = childNamed(getpid(), "ferrowyn-keyboard-guard");
@@ -108,12 +129,11 @@ protected:
         log.onMessage = type;
         ASSERT_TRUE(serveUntil([&] { return requests == 1; }));
         typeOn();
-        openSession();
+        open(latest());
         EXPECT_TRUE(serveUntil([&] { return ends == 1; })) << "the release of the modifier is lost";
-        closeSession();
+        close(latest());
         EXPECT_EQ(moves, 0);
-        EXPECT_TRUE(serveUntil([&] { return desktop.keyboardIsFree(); }));
-        EXPECT_FALSE(desktop.anyKeyIsDown()) << "a key is stuck";
+        expectNothingLeft();
     }
 
     PrivateXServer server;
@@ -126,7 +146,8 @@ protected:
     bool hasGuard = false;
     std::unique_ptr<X11TapEngine> engine;
     bool isOpen = false;
-    int requests = 0;
+    std::uint64_t requests = 0;
+    std::u16string typed;
     int moves = 0;
     int ends = 0;
 };
@@ -153,6 +174,97 @@ TEST_F(TapEngineTest, ATriggerPressedBeforeTheGrabsChangeAndReleasedAfterwardsLo
             input.release(key::tab);
             input.release(key::leftAlt);
         });
+}
+
+TEST_F(TapEngineTest, ALateEndOfALostSessionLeavesTheNextOneItsKeyboard) {
+    openOneByTheTrigger();
+    const auto lost = latest();
+    // A locker or a hung main thread takes the keyboard from the session; the tap is enabled again before the main
+    // thread has closed the session, and the user presses the trigger at once.
+    engine->handle({.kind = X11TapRequest::Kind::keyboardUnavailable});
+    isOpen = false;
+    input.release(key::leftAlt);
+    engine->handle({.kind = X11TapRequest::Kind::enable});
+    serve();
+    input.press(key::leftAlt);
+    input.tap(key::tab);
+    ASSERT_TRUE(serveUntil([&] { return latest() != lost; }));
+
+    close(lost);
+    serve();
+    EXPECT_FALSE(desktop.keyboardIsFree()) << "the next session awaits its answer";
+    input.tap(key::q);
+    input.release(key::leftAlt);
+    serve();
+    open(latest());
+    EXPECT_TRUE(serveUntil([&] { return ends == 1; }));
+    EXPECT_EQ(typed, u"q") << "what is typed before the answer belongs to the session";
+    close(latest());
+    expectNothingLeft();
+    EXPECT_THAT(window.takeInput().keyPresses, testing::Not(testing::Contains(key::q)));
+}
+
+TEST_F(TapEngineTest, ATriggerThatFindsItsSessionClosedAwaitsItsOwnAnswer) {
+    openOneByTheTrigger();
+    const auto first = latest();
+    // The main thread has closed the session, and the tap has not heard of it yet.
+    isOpen = false;
+    input.tap(key::tab);
+    ASSERT_TRUE(serveUntil([&] { return latest() != first; }));
+    close(first);
+    serve();
+    EXPECT_FALSE(desktop.keyboardIsFree());
+    open(latest());
+    input.tap(key::q);
+    EXPECT_TRUE(serveUntil([&] { return typed == u"q"; }));
+    close(latest());
+    input.release(key::leftAlt);
+    expectNothingLeft();
+}
+
+TEST_F(TapEngineTest, ASessionOpenedFromTheMenuMeanwhileIsNoAnswerToTakeTheKeyboardFrom) {
+    input.press(key::leftAlt);
+    input.tap(key::tab);
+    ASSERT_TRUE(serveUntil([&] { return requests == 1; }));
+    const TapSession fromMenu{100};
+    open(fromMenu);
+    // The request found a session open.
+    tell(X11TapRequest::Kind::closeSession, latest());
+    input.tap(key::q);
+    EXPECT_TRUE(serveUntil([&] { return typed == u"q"; }));
+    close(fromMenu);
+    input.release(key::leftAlt);
+    expectNothingLeft();
+}
+
+TEST_F(TapEngineTest, ATriggerBehindTheModifiersReleaseWaitsForAsLongAsTheEndTakes) {
+    openOneByTheTrigger();
+    input.release(key::leftAlt);
+    input.chord({key::leftAlt, key::tab});
+    ASSERT_TRUE(serveUntil([&] { return ends == 1; }));
+    // A main thread that needs longer than any hand does.
+    const Deadline busy(milliseconds{400});
+    EXPECT_TRUE(serveUntil([&] { return busy.hasPassed(); }));
+    EXPECT_EQ(moves, 0);
+    EXPECT_EQ(requests, 1U);
+    close(latest());
+    ASSERT_TRUE(serveUntil([&] { return requests == 2; }));
+    open(latest());
+    EXPECT_TRUE(serveUntil([&] { return ends == 2; }));
+    close(latest());
+    expectNothingLeft();
+}
+
+TEST_F(TapEngineTest, ATriggerBehindAReleaseThatEndsNothingMovesTheSelection) {
+    openOneByTheTrigger();
+    input.release(key::leftAlt);
+    input.chord({key::leftAlt, key::tab});
+    ASSERT_TRUE(serveUntil([&] { return ends == 1; }));
+    EXPECT_EQ(moves, 0);
+    open(latest());
+    EXPECT_TRUE(serveUntil([&] { return moves == 1; }));
+    close(latest());
+    expectNothingLeft();
 }
 
 }  // namespace

@@ -94,7 +94,7 @@ TapVerdict TapRig::handle(const TapEvent& event) {
         case TapEvent::Type::flagsChanged:
             record(event, {}, wasVisible);
             if (wasVisible && isHoldModeActive_ && (event.flags() & flagMask(options_.trigger)) == 0) {
-                post(Command::modifierReleased);
+                post({Command::Kind::modifierReleased, {}});
                 return {.mayEndSession = true};
             }
             return {};
@@ -116,9 +116,14 @@ TapVerdict TapRig::handleKeyDown(const TapEvent& event, bool wasVisible) {
             onTrigger();
         }
         record(event, {}, wasVisible);
-        requests_ += wasVisible ? 0 : 1;
-        post(Command::invoke);
-        return {.isSwallowed = true, .requestsSession = !wasVisible};
+        if (wasVisible) {
+            post({Command::Kind::invoke, {}});
+            return {.isSwallowed = true};
+        }
+        ++requests_;
+        const auto requested = nextSession();
+        post({Command::Kind::invoke, requested});
+        return {.isSwallowed = true, .requestedSession = requested};
     }
     if (!wasVisible) {
         record(event, {}, wasVisible);
@@ -127,7 +132,7 @@ TapVerdict TapRig::handleKeyDown(const TapEvent& event, bool wasVisible) {
     const bool isReduced = (event.flags() & hidingFlags) != 0;
     record(event, event.text(isReduced ? std::optional(event.flags() & event_flags::shift) : std::nullopt), wasVisible);
     if (event.keyCode() == escapeKey) {
-        post(Command::cancel);
+        post({Command::Kind::cancel, {}});
     }
     return {.isSwallowed = true};
 }
@@ -140,7 +145,7 @@ void TapRig::record(const TapEvent& event, const std::u16string& text, bool wasV
     changed_.notify_all();
 }
 
-void TapRig::post(Command command) {
+void TapRig::post(const Command& command) {
     {
         const std::lock_guard guard(lock_);
         commands_.push_back(command);
@@ -175,51 +180,49 @@ void TapRig::runMain() {
     }
 }
 
-void TapRig::execute(Command command) {
-    switch (command) {
-        case Command::invoke:
+void TapRig::execute(const Command& command) {
+    switch (command.kind) {
+        case Command::Kind::invoke:
             if (isVisible_) {
                 ++moves_;
-            } else if (!options_.answers) {
+            } else if (options_.opensSessions && options_.answers) {
+                open(command.request.value_or(nextSession()), options_.holdMode);
                 break;
-            } else if (options_.opensSessions) {
-                ++opened_;
-                isHoldModeActive_ = options_.holdMode;
-                setVisible(true);
-            } else {
-                tap_->setSessionOpen(false);
+            }
+            if (command.request && options_.answers) {
+                tap_->closeSession(*command.request);
             }
             break;
-        case Command::openFromMenu:
-            ++opened_;
-            isHoldModeActive_ = false;
-            setVisible(true);
+        case Command::Kind::openFromMenu:
+            open(nextSession(), false);
             break;
-        case Command::modifierReleased:
-        case Command::cancel:
-        case Command::close:
+        case Command::Kind::modifierReleased:
+        case Command::Kind::cancel:
+        case Command::Kind::close:
             if (isVisible_) {
                 isHoldModeActive_ = false;
-                setVisible(false);
+                isVisible_ = false;
+                tap_->closeSession(*session_);
                 ++closed_;
             }
-            break;
-        case Command::nothing:
             break;
     }
 }
 
-void TapRig::setVisible(bool isVisible) {
-    isVisible_ = isVisible;
-    tap_->setSessionOpen(isVisible);
+void TapRig::open(TapSession session, bool isHoldModeActive) {
+    ++opened_;
+    session_ = session;
+    isHoldModeActive_ = isHoldModeActive;
+    isVisible_ = true;
+    tap_->openSession(session);
 }
 
 void TapRig::openFromMenu() {
-    post(Command::openFromMenu);
+    post({Command::Kind::openFromMenu, {}});
 }
 
 void TapRig::close() {
-    post(Command::close);
+    post({Command::Kind::close, {}});
 }
 
 bool TapRig::waitUntil(const std::function<bool()>& predicate, milliseconds budget) {

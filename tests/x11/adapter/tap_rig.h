@@ -88,7 +88,12 @@ public:
     void stopThread();
 
 private:
-    enum class Command { invoke, modifierReleased, cancel, openFromMenu, close, nothing };
+    struct Command {
+        enum class Kind { invoke, modifierReleased, cancel, openFromMenu, close };
+        Kind kind = Kind::invoke;
+        /// What an `invoke` asks for; absent when it moves the selection.
+        std::optional<TapSession> request;
+    };
 
     class QuietLog : public Log {
     public:
@@ -98,10 +103,11 @@ private:
     TapVerdict handle(const TapEvent& event);
     TapVerdict handleKeyDown(const TapEvent& event, bool wasVisible);
     void record(const TapEvent& event, const std::u16string& text, bool wasVisible);
-    void post(Command command);
+    void post(const Command& command);
     void runMain();
-    void execute(Command command);
-    void setVisible(bool isVisible);
+    void execute(const Command& command);
+    void open(TapSession session, bool isHoldModeActive);
+    [[nodiscard]] TapSession nextSession() { return TapSession{++sessionCount_}; }
 
     Options options_;
     QuietLog log_;
@@ -119,6 +125,9 @@ private:
     std::condition_variable changed_;
     std::atomic<bool> isVisible_{false};
     std::atomic<bool> isHoldModeActive_{false};
+    std::atomic<std::uint64_t> sessionCount_{0};
+    /// The open session. Main thread.
+    std::optional<TapSession> session_;
     std::atomic<int> opened_{0};
     std::atomic<int> closed_{0};
     std::atomic<int> moves_{0};

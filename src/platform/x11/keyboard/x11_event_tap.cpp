@@ -35,7 +35,7 @@ void X11EventTap::setEnabled(bool enabled) {
         const std::lock_guard guard(engineLock_);
         isEnabled_.store(enabled && engine_ != nullptr && isConnected_);
     }
-    post({enabled ? X11TapRequest::Kind::enable : X11TapRequest::Kind::disable, {}});
+    post({.kind = enabled ? X11TapRequest::Kind::enable : X11TapRequest::Kind::disable});
 }
 
 void X11EventTap::post(const X11TapRequest& request) {
@@ -58,19 +58,23 @@ void X11EventTap::invalidate() {
 }
 
 void X11EventTap::setTrigger(SwitcherModifier modifier) {
-    post({X11TapRequest::Kind::setTrigger, modifier});
+    post({.kind = X11TapRequest::Kind::setTrigger, .trigger = modifier});
 }
 
-void X11EventTap::setSessionOpen(bool isOpen) {
-    post({isOpen ? X11TapRequest::Kind::openSession : X11TapRequest::Kind::closeSession, {}});
+void X11EventTap::openSession(TapSession session) {
+    post({.kind = X11TapRequest::Kind::openSession, .session = session});
+}
+
+void X11EventTap::closeSession(TapSession session) {
+    post({.kind = X11TapRequest::Kind::closeSession, .session = session});
 }
 
 void X11EventTap::noteKeyboardUnavailable() {
-    post({X11TapRequest::Kind::keyboardUnavailable, {}});
+    post({.kind = X11TapRequest::Kind::keyboardUnavailable});
 }
 
 void X11EventTap::probeKeyboard() {
-    post({X11TapRequest::Kind::probeKeyboard, {}});
+    post({.kind = X11TapRequest::Kind::probeKeyboard});
 }
 
 int X11EventTap::connectionDescriptor() const {

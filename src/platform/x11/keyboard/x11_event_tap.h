@@ -36,7 +36,8 @@ public:
     [[nodiscard]] bool isEnabled() const override { return isEnabled_.load(); }
     void invalidate() override;
     void setTrigger(SwitcherModifier modifier) override;
-    void setSessionOpen(bool isOpen) override;
+    void openSession(TapSession session) override;
+    void closeSession(TapSession session) override;
 
     /// The keyboard belongs to somebody else by now, such as a screen locker. Any thread.
     void noteKeyboardUnavailable();

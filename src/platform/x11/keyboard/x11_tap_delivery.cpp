@@ -29,7 +29,11 @@ bool X11TapDelivery::modifiers(std::uint32_t modifiers) {
         return false;
     }
     flags_ = flags;
-    return callback_(X11TapEvent(TapEvent::Type::flagsChanged, flags)).mayEndSession;
+    const bool mayEndSession = callback_(X11TapEvent(TapEvent::Type::flagsChanged, flags)).mayEndSession;
+    if (mayEndSession) {
+        askMainThread();
+    }
+    return mayEndSession;
 }
 
 void X11TapDelivery::noteTriggerModifier(std::uint32_t modifiers) {

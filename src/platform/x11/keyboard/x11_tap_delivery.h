@@ -26,7 +26,8 @@ public:
     TapVerdict key(const X11KeyboardEvent& event);
     /// Text that no single key has typed.
     void text(const std::u16string& text);
-    /// Tells the flags when they differ from what was told. Whether that may end the session.
+    /// Tells the flags when they differ from what was told. Whether that may end the session, which the main thread
+    /// will say.
     [[nodiscard]] bool modifiers(std::uint32_t modifiers);
     /// Not told, but as good as: the callback learns them with the next key.
     void assumeModifiers(std::uint32_t modifiers) { flags_ = keyboard_.flagsOf(modifiers); }

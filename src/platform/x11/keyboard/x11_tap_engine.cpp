@@ -73,10 +73,10 @@ void X11TapEngine::handle(const X11TapRequest& request) {
             applyGrabs();
             break;
         case X11TapRequest::Kind::openSession:
-            openSession();
+            openSession(request.session);
             break;
         case X11TapRequest::Kind::closeSession:
-            if (!std::exchange(isLateCloseExpected_, false)) {
+            if (session_ == request.session) {
                 endSession();
             }
             break;
@@ -115,9 +115,8 @@ bool X11TapEngine::serve() {
 
 std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
     std::optional<Clock::time_point> earliest;
-    const auto waitingEnd = reception_.isEmpty() || phase_ != Phase::open ? std::nullopt : endingUntil_;
     const auto inputMethodDeadline = inputMethod_ != nullptr ? inputMethod_->deadline() : std::nullopt;
-    for (const auto& candidate : {inputMethodDeadline, answerDeadline_, sessionDeadline(), waitingEnd, seizureRetry_,
+    for (const auto& candidate : {inputMethodDeadline, answerDeadline_, sessionDeadline(), seizureRetry_,
                                   lostTriggerJudgement_, heldKeys_.nextRepeat()}) {
         if (candidate && (!earliest || *candidate < *earliest)) {
             earliest = candidate;
@@ -173,9 +172,7 @@ void X11TapEngine::deliverHidden(const X11KeyboardEvent& event) {
 void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
     if (event.kind == Kind::modifiersChanged) {
         modifiers_ = event.modifiers.effective;
-        if (delivery_.modifiers(modifiers_)) {
-            endingUntil_ = Clock::now() + endingGrace;
-        }
+        deliverModifiers(modifiers_);
         return;
     }
     if (event.kind == Kind::press && keyboard_->isAtSlave(event) && !seizure_.isHeld()) {
@@ -234,12 +231,17 @@ void X11TapEngine::deliverKey(const X11KeyboardEvent& event) {
     if (event.kind == Kind::press && !event.isRepeat) {
         delivery_.noteTriggerModifier(event.modifiers.effective);
     }
-    if (delivery_.key(event).requestsSession) {
-        // The session was closed a moment ago, and the message that says so is on its way: it is not the answer.
-        isLateCloseExpected_ = true;
+    if (const auto requested = delivery_.key(event).requestedSession) {
+        // The session was closed a moment ago, and the message that says so is on its way.
+        session_ = requested;
+        mayBeEnding_ = false;
         heldKeys_.beginSession(event.keyCode);
         awaitAnswer();
     }
+}
+
+void X11TapEngine::deliverModifiers(std::uint32_t modifiers) {
+    mayBeEnding_ = delivery_.modifiers(modifiers) || mayBeEnding_;
 }
 
 void X11TapEngine::handleDeadlines() {
@@ -254,10 +256,6 @@ void X11TapEngine::handleDeadlines() {
     if (const auto deadline = sessionDeadline(); deadline && now >= *deadline) {
         log_.write(LogLevel::error, category, "The program does not answer; the keyboard is given back");
         loseKeyboard();
-    }
-    if (endingUntil_ && now >= *endingUntil_) {
-        endingUntil_.reset();
-        deliverQueue();
     }
     if (lostTriggerJudgement_ && now >= *lostTriggerJudgement_) {
         judgeLostTrigger();
@@ -283,8 +281,8 @@ void X11TapEngine::repeatTrigger() {
 }
 
 bool X11TapEngine::mustWaitForTheEnd(const X11KeyboardEvent& event) const {
-    return phase_ == Phase::open && endingUntil_ && Clock::now() < *endingUntil_ && event.kind == Kind::press &&
-           !event.isRepeat && keyboard_->isTrigger(event);
+    return phase_ == Phase::open && mayBeEnding_ && event.kind == Kind::press && !event.isRepeat &&
+           keyboard_->isTrigger(event);
 }
 
 void X11TapEngine::applyGrabs() {
@@ -371,7 +369,7 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
         refuseSession(press);
         return;
     }
-    endingUntil_.reset();
+    mayBeEnding_ = false;
     hasLostTrigger_ = false;
     lostTriggerJudgement_.reset();
     keyboard_->text().reset();
@@ -379,7 +377,8 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     delivery_.assumeModifiers(pressed.modifiers.effective);
     awaitAnswer();
     const auto verdict = delivery_.key(pressed);
-    if (!verdict.requestsSession) {
+    session_ = verdict.requestedSession;
+    if (!session_) {
         phase_ = Phase::hidden;
         answerDeadline_.reset();
         if (!verdict.isSwallowed) {
@@ -469,14 +468,17 @@ void X11TapEngine::judgeLostTrigger() {
     }
 }
 
-void X11TapEngine::openSession() {
-    isLateCloseExpected_ = false;
-    answerDeadline_.reset();
-    endingUntil_.reset();
-    if (phase_ == Phase::open || !isEnabled_) {
+void X11TapEngine::openSession(TapSession session) {
+    if (!isEnabled_) {
         return;
     }
-    phase_ = Phase::open;
+    // Whether or not it is the one that was asked for: another one may have been opened from the menu meanwhile.
+    session_ = session;
+    answerDeadline_.reset();
+    mayBeEnding_ = false;
+    if (std::exchange(phase_, Phase::open) == Phase::open) {
+        return;
+    }
     if (!seizure_.isHeld()) {
         seizureRetryEnd_ = Clock::now() + seizureRetryTimeout;
         seizeForOpenSession();
@@ -506,15 +508,13 @@ void X11TapEngine::seizeForOpenSession() {
     heldKeys_.noteTaken(state->keysDown, keyboard_->layout());
     heldKeys_.beginSession(std::nullopt);
     delivery_.forgetModifiers();
-    if (delivery_.modifiers(state->modifiers)) {
-        endingUntil_ = Clock::now() + endingGrace;
-    }
+    deliverModifiers(state->modifiers);
 }
 
 void X11TapEngine::endSession() {
-    isLateCloseExpected_ = false;
+    session_.reset();
+    mayBeEnding_ = false;
     answerDeadline_.reset();
-    endingUntil_.reset();
     seizureRetry_.reset();
     const bool wasHidden = phase_ == Phase::hidden;
     phase_ = Phase::hidden;

@@ -35,9 +35,6 @@ public:
     static constexpr std::chrono::milliseconds answerTimeout{1000};
     /// How long the main thread may leave a key of an open session unanswered before the user gets the keyboard back.
     static constexpr std::chrono::milliseconds sessionTimeout{3000};
-    /// After a release of the trigger's modifier that may end the session, a new press of the trigger waits for that
-    /// end for this long, so that it opens the next session instead of moving the selection of a dying one.
-    static constexpr std::chrono::milliseconds endingGrace{250};
     /// Who answers the trigger instead of this program and lets the keyboard go with the modifier, as a manager's own
     /// switcher does, has let it go by then.
     static constexpr std::chrono::milliseconds lostTriggerGrace{300};
@@ -109,13 +106,16 @@ private:
     void followLostTrigger(std::uint32_t modifiers);
     void judgeLostTrigger();
     void awaitAnswer();
-    void openSession();
+    void openSession(TapSession session);
     void seizeForOpenSession();
     void endSession();
     void giveKeyboardBack();
     void loseKeyboard();
     [[nodiscard]] std::optional<Clock::time_point> sessionDeadline() const;
     void reportActiveWindow(xcb_window_t window) const;
+    /// Tells the callback that the modifiers are these now.
+    void deliverModifiers(std::uint32_t modifiers);
+    /// A trigger that is pressed while the session may be ending belongs to the next one if it does.
     [[nodiscard]] bool mustWaitForTheEnd(const X11KeyboardEvent& event) const;
     void probeKeyboard();
     /// Takes it for a moment.
@@ -138,12 +138,14 @@ private:
     Phase phase_ = Phase::hidden;
     /// The real modifiers as last heard of.
     std::uint32_t modifiers_ = 0;
-    bool isLateCloseExpected_ = false;
+    /// The session that was asked for or is open; none while the phase is hidden.
+    std::optional<TapSession> session_;
+    /// The trigger's modifier went up, and the main thread has not yet said whether that ends the session.
+    bool mayBeEnding_ = false;
     /// A trigger went to another client, and its modifier is still down.
     bool hasLostTrigger_ = false;
     std::optional<Clock::time_point> lostTriggerJudgement_;
     std::optional<Clock::time_point> answerDeadline_;
-    std::optional<Clock::time_point> endingUntil_;
     std::optional<Clock::time_point> seizureRetry_;
     std::optional<Clock::time_point> seizureRetryEnd_;
 };

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "core/switcher_options.h"
+#include "platform/event_tap.h"
 
 namespace ferrowyn {
 
@@ -14,6 +15,8 @@ struct X11TapRequest {
     Kind kind = Kind::enable;
     /// For `setTrigger`.
     SwitcherModifier trigger = SwitcherModifier::option;
+    /// For `openSession` and `closeSession`.
+    TapSession session{};
 };
 
 /// Carries requests to the tap thread in their order and wakes it. Any thread.
