@@ -23,7 +23,7 @@ QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* objec
 }  // namespace
 
 void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
-    // Qt itself ignores a factory that is installed already.
+    // Qt ignores a factory that is already installed.
     QAccessible::installFactory(makeInterface);
     widget.setProperty(roleProperty, static_cast<int>(role));
 }

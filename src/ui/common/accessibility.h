@@ -6,7 +6,7 @@ class QWidget;
 
 namespace ferrowyn {
 
-/// What assistive technology sees of something that is drawn, but is no widget and has nothing inside. Main thread.
+/// The accessibility interface of something that is painted and is not a widget. It has no children. Main thread.
 class AccessibleLeaf : public QAccessibleInterface, public QAccessibleActionInterface {
 public:
     [[nodiscard]] QObject* object() const override { return nullptr; }
@@ -17,8 +17,8 @@ public:
     void setText(QAccessible::Text /*kind*/, const QString& /*text*/) override {}
 };
 
-/// Says what a widget without a role of its own is to assistive technology; its name is its accessible name. Main
-/// thread, before anybody asks for its interface, which giving it a name does.
+/// Gives a plain widget a role for assistive technology. Call it before `setAccessibleName`, which already creates the
+/// widget's interface. Main thread.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
 }  // namespace ferrowyn

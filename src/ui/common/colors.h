@@ -5,19 +5,20 @@
 
 namespace ferrowyn {
 
-/// How readable one colour is on another. Pure functions; any thread.
+/// How well one colour can be read on another. Pure functions; any thread.
 namespace contrast {
 
-/// The least ratio at which text of ordinary size is read with ease, by the same guidelines as `ratio`.
+/// The lowest contrast ratio for text of normal size, from the same guidelines as `ratio`.
 inline constexpr double readableRatio = 4.5;
 
-/// The colour, as opaque as `alpha` says: 0 (unseen) to 1.
+/// The colour with this opacity, from 0 (invisible) to 1.
 [[nodiscard]] QColor withAlpha(QColor color, double alpha);
-/// What is seen where `top`, which may be translucent, lies on the opaque `ground`.
+/// The colour that painting `top`, which may be translucent, on the opaque `ground` gives.
 [[nodiscard]] QColor blended(const QColor& top, const QColor& ground);
-/// 1 (the same) to 21 (black on white), as the accessibility guidelines for web content define it. Opaque colours.
+/// The contrast ratio of the Web Content Accessibility Guidelines, from 1 (equal) to 21 (black on white), of two opaque
+/// colours.
 [[nodiscard]] double ratio(const QColor& a, const QColor& b);
-/// The colour made darker, no more than needed, until `text` reaches the ratio on it.
+/// `ground`, darkened only as far as needed for `text` on it to have at least this contrast ratio.
 [[nodiscard]] QColor darkenedFor(const QColor& ground, const QColor& text, double minimumRatio);
 
 }  // namespace contrast
@@ -25,13 +26,13 @@ inline constexpr double readableRatio = 4.5;
 /// The fine lines between the parts of the panel, the menu and the windows. Pure functions; any thread.
 namespace hairline {
 
-/// In points: half of one, or one device pixel where that is more. `scale` is device pixels per point.
+/// The width in points: half a point, but at least one device pixel. `scale` is device pixels per point.
 [[nodiscard]] inline double width(double scale) {
     constexpr double points = 0.5;
     return std::max(points, 1 / scale);
 }
 
-/// On a ground where text has this colour.
+/// The colour of a line, from the colour of the text beside it.
 [[nodiscard]] inline QColor color(const QColor& textPrimary) {
     constexpr double opacity = 0.14;
     return contrast::withAlpha(textPrimary, opacity);

@@ -15,7 +15,7 @@ bool isDark(const QPalette& palette) {
 
 namespace {
 
-/// Of Qt's own making, with every shade and the disabled state derived from the ground.
+/// A light or a dark palette; Qt derives the shades and the disabled state from its two colours.
 QPalette paletteOf(ColorScheme scheme) {
     if (scheme == ColorScheme::light) {
         return {QColor(0xF0, 0xF0, 0xF0), QColor(0xF4, 0xF4, 0xF4)};
@@ -45,7 +45,7 @@ void DesktopPalette::apply(const DesktopAppearance& appearance) {
         palette.setColor(QPalette::Highlight,
                          QColor(appearance.accent->red, appearance.accent->green, appearance.accent->blue));
     }
-    // One that says nothing gives back the toolkit's own, which may have changed meanwhile.
+    // An appearance that says nothing restores the toolkit's palette, which may have changed meanwhile.
     hasChanged_ = !isOwnRight || appearance.accent.has_value();
     QApplication::setPalette(palette);
     QToolTip::setPalette(QApplication::palette());

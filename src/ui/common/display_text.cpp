@@ -10,7 +10,7 @@ namespace ferrowyn::display_text {
 
 namespace {
 
-/// No title is read further than this; a UTF-16 unit takes at most three bytes.
+/// Only this much of a text is read. A UTF-16 unit takes at most three bytes of UTF-8.
 constexpr std::size_t maximumBytes = static_cast<std::size_t>(maximumLength) * 3 + 4;
 
 std::string_view beginning(std::string_view utf8) {

@@ -5,27 +5,28 @@
 #include <string_view>
 #include <vector>
 
-/// Titles come from other programs and may hold anything. Pure functions on text; any thread.
+/// Texts of other programs, which may contain any characters, made safe to show. Pure functions; any thread.
 namespace ferrowyn::display_text {
 
-/// UTF-16 units of a text: [start, start + length).
+/// A range of UTF-16 units, [start, start + length).
 struct Range {
     int start = 0;
     int length = 0;
     friend bool operator==(const Range&, const Range&) = default;
 };
 
-/// Longer texts than this many UTF-16 units never fit the panel; what follows is cut before anything is shaped.
+/// No text of this many UTF-16 units fits the panel. Longer ones are cut before they are shaped, because shaping
+/// is slow.
 inline constexpr int maximumLength = 600;
 
 [[nodiscard]] QString fromUtf8(std::string_view utf8);
-/// One line: control characters, newlines and paragraph separators become spaces, each one of them one space, so that
-/// positions stay true. Too long a text is cut and ends in "…".
+/// The text on one line. Each control character, line break and paragraph separator becomes one space, so that
+/// positions stay valid. A text longer than `maximumLength` is cut and ends in "…".
 [[nodiscard]] QString singleLine(std::string_view utf8);
-/// Whether anything of the text can be seen: not for zero-width and format characters and white space alone.
+/// Whether the text shows anything: false for white space, zero-width and format characters alone.
 [[nodiscard]] bool hasVisibleCharacters(const QString& text);
-/// Where the user-perceived characters with these ascending positions stand; neighbours become one range. Positions
-/// beyond the text are left out.
+/// The ranges of the user-perceived characters at these ascending positions. Neighbours share a range; positions beyond
+/// the text are ignored.
 [[nodiscard]] std::vector<Range> rangesOfCharacters(std::string_view utf8, const std::vector<std::int32_t>& positions);
 
 }  // namespace ferrowyn::display_text

@@ -10,7 +10,8 @@
 
 #include "ui/common/desktop_looks.h"
 
-// A static library's resources are linked only when something asks for them; the macro must stand outside namespaces.
+// The linker drops a static library's resources unless something refers to them. The macro must stand outside
+// namespaces.
 static void initializeResources() {
     Q_INIT_RESOURCE(ferrowyn);
 }
@@ -28,7 +29,7 @@ QString productIconFile() {
 
 namespace {
 
-/// The files are drawn at medium weight, with this attribute on every stroke that follows the weight.
+/// The drawings have medium weight; each stroke that changes with the weight has this attribute.
 constexpr const char* drawnStroke = "stroke-width=\"2\"";
 
 QByteArray strokeFor(SymbolWeight weight) {
@@ -49,7 +50,7 @@ QByteArray strokeFor(SymbolWeight weight) {
 
 void SymbolImages::paint(QPainter& painter, std::string_view name, double centerX, double centerY, double points,
                          const QColor& color, SymbolWeight weight) {
-    // Of what is really painted on: a widget may be rendered into an image of another resolution.
+    // The scale of the paint device: a widget may be rendered into an image of another resolution.
     const double scale = painter.deviceTransform().m11();
     const Key key{std::string(name), static_cast<int>(std::lround(boxSide(points) * scale)),
                   static_cast<int>(std::lround(points * scale * 100)), color.rgba(), weight};
@@ -61,7 +62,7 @@ void SymbolImages::paint(QPainter& painter, std::string_view name, double center
     if (image.isNull()) {
         return;
     }
-    // On whole device pixels, or every stroke would be blurred once more.
+    // Aligned to device pixels, so that strokes are not blurred.
     const QSizeF shown = QSizeF(image.size()) / scale;
     const auto snapped = [scale](double edge) { return std::round(edge * scale) / scale; };
     painter.drawImage(
@@ -96,7 +97,7 @@ QImage SymbolImages::drawing(const Key& key) {
 
 namespace {
 
-/// More than the applications anybody runs; beyond it all are rendered anew, which costs one slow frame.
+/// More icons than a session usually shows. Beyond it all are rendered again, which makes one frame slow.
 constexpr qsizetype keptImages = 256;
 
 }  // namespace

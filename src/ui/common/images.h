@@ -14,18 +14,18 @@ class QPainter;
 
 namespace ferrowyn {
 
-/// Makes the program's own drawings readable under ":/ferrowyn". Harmless to call again.
+/// Makes the program's drawings readable under ":/ferrowyn". May be called repeatedly.
 void loadResources();
 
-/// The file with the program's own icon, readable.
+/// The program's icon, as a file that the toolkit can read.
 [[nodiscard]] QString productIconFile();
 
-/// Symbols, drawn in any colour, size and weight: the desktop's own where it has one of that name, else ours. Each
-/// image is rendered once and kept. Main thread.
+/// Symbols in any colour, size and weight: the desktop's where it has one of that name, otherwise ours. Each image is
+/// rendered once and kept. Main thread.
 class SymbolImages {
 public:
-    /// The side of the square in which a symbol of so many points stands. The drawings reach over 20 of the 24 units of
-    /// their grid or nearly so: what is seen is as large as the points say.
+    /// The side of the square that a symbol of this size takes. The drawings fill about 20 of the 24 units of their
+    /// grid, so that what is visible is `points` large.
     [[nodiscard]] static constexpr double boxSide(double points) { return points * gridUnits / drawnUnits; }
     /// The size of the symbol that fills a square with sides of `side` points.
     [[nodiscard]] static constexpr double pointsIn(double side) { return side * drawnUnits / gridUnits; }
@@ -58,11 +58,10 @@ private:
     QHash<Key, QImage> images_;
 };
 
-/// The pixels as an image; null when they are not as many as they are said to be.
+/// The pixels as an image; null when there are fewer of them than its size needs.
 [[nodiscard]] QImage pixelImage(const PixelBuffer& buffer);
 
-/// Application icons as images, each rendered once a device size and kept while it is among those used lately. Main
-/// thread.
+/// Application icons as images. Each is rendered once for each size and kept. Main thread.
 class IconImages {
 public:
     /// Null when the icon cannot be rendered. Valid until the next call.
@@ -80,7 +79,7 @@ private:
     };
     struct Entry {
         QImage image;
-        /// Keeps the address in the key from being given to another icon.
+        /// Keeps the icon alive, so that no other icon gets the address in the key.
         std::shared_ptr<const IconImage> icon;
     };
 

@@ -11,7 +11,7 @@
 
 namespace ferrowyn {
 
-/// What the parts of the panel paint with. The caches belong to the view and live as long as it does. Main thread.
+/// What the parts of the panel and of the menu paint with. The caches belong to the view that paints. Main thread.
 struct PaintContext {
     const Theme& theme;
     const TextTable& texts;
@@ -19,7 +19,7 @@ struct PaintContext {
     SymbolImages& symbols;
     IconImages& icons;
     double devicePixelRatio = 1;
-    /// Of the language, for what stands at its lines' beginnings and ends.
+    /// Whether the user's language runs from right to left. The menu is mirrored then; the panel never is.
     bool isRightToLeft = false;
 
     /// The nearest edge of a device pixel, in points.

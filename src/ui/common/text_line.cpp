@@ -71,14 +71,13 @@ QFont fontFor(TextStyle style) {
     constexpr double pointsPerInch = 72;
     const auto [size, weight] = describe(style);
     QFont font = QGuiApplication::font();
-    // Pixel sizes are whole numbers in QFont's interface; point sizes are not, and there is one resolution for all
-    // fonts of the program.
+    // QFont takes fractional point sizes, but only whole pixel sizes. All fonts of the program have one resolution.
     const QScreen* const screen = QGuiApplication::primaryScreen();
     const double resolution = screen != nullptr ? screen->logicalDotsPerInchY() : pointsPerInch;
     font.setPointSizeF(size * pointsPerInch / resolution);
     font.setWeight(weight);
     font.setItalic(false);
-    // Widths stay proportional at these small, fractional sizes, while stems still stand on whole pixels.
+    // Horizontal hinting would distort the widths at these small, fractional sizes.
     font.setHintingPreference(QFont::PreferVerticalHinting);
     return font;
 }
@@ -94,7 +93,7 @@ const QChar ellipsis(u'…');
 QTextOption singleLineOption() {
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
     option.setTextDirection(Qt::LayoutDirectionAuto);
-    // Where the width ends, not at the last word that fits.
+    // Break where the width ends, not at the last word that fits.
     option.setWrapMode(QTextOption::WrapAnywhere);
     option.setUseDesignMetrics(true);
     return option;
@@ -142,7 +141,7 @@ void TextLine::shape(const QString& text, double lineWidth) {
 QString TextLine::elided(const QString& text, double maximumWidth) {
     const double ellipsisWidth = QFontMetricsF(layout_.font()).horizontalAdvance(ellipsis);
     shape(text, std::max(maximumWidth - ellipsisWidth, 1.0));
-    // The line breaks between user-perceived characters, in the order in which the text is read.
+    // Qt breaks the line between user-perceived characters, in reading order.
     qsizetype kept = layout_.lineCount() > 0 ? layout_.lineAt(0).textLength() : 0;
     while (kept > 0 && text.at(kept - 1).isSpace()) {
         --kept;
@@ -174,7 +173,7 @@ TextLine::Metrics TextLine::metrics(TextStyle style) {
 
 namespace {
 
-/// Several panels full: two lines a row, 16 rows at most, while the user types or scrolls.
+/// Enough for several panels: a panel has at most 16 rows, and a row two lines.
 constexpr int keptLines = 512;
 
 }  // namespace

@@ -15,10 +15,10 @@ class QPainter;
 
 namespace ferrowyn {
 
-/// The program's uses of text. Families are the desktop's; sizes are points at scale 1.
+/// What a text is used for, which decides its size and weight. The family is the desktop's.
 enum class TextStyle {
     searchText,
-    // Of rows and cards alike.
+    // Rows and cards.
     rowTitle,
     rowAppName,
     cardOrdinal,
@@ -35,7 +35,7 @@ enum class TextStyle {
     menuHeaderSubtitle,
     menuSectionTitle,
     button,
-    // Of the windows beside the panel.
+    // Windows.
     paneTitle,
     sectionTitle,
     body,
@@ -56,8 +56,8 @@ struct TextEmphasis {
     bool isUnderlined = false;
 };
 
-/// One line of shaped text, elided at its end to fit a width. It keeps its own direction, but stands at the left of
-/// where it is painted. Shaping is the expensive part of painting text: lines are made once and kept. Main thread.
+/// One line of shaped text, elided at its end to fit a width. It is painted from its left edge, also when the text runs
+/// from right to left. Shaping is the slow part of painting text, so lines are made once and kept. Main thread.
 class TextLine {
 public:
     /// Wider than any line.
@@ -67,13 +67,13 @@ public:
 
     [[nodiscard]] double width() const { return width_; }
     [[nodiscard]] bool isElided() const { return isElided_; }
-    /// What is left of the text, the ellipsis included.
+    /// The text that is painted, with the ellipsis if it is elided.
     [[nodiscard]] QString shownText() const { return layout_.text(); }
 
-    /// From `left`, with the letters standing on `baseline`.
+    /// Paints the line with its left edge at `left` and its letters on `baseline`.
     void paint(QPainter& painter, double left, double baseline, const QColor& color) const;
 
-    /// Of the style's own font, whatever fallback fonts a text needs.
+    /// Of the style's font. Fallback fonts for single characters do not change them.
     struct Metrics {
         double ascent = 0;
         double descent = 0;
@@ -92,7 +92,7 @@ private:
     bool isElided_ = false;
 };
 
-/// Keeps the shaped lines that were painted lately, so that a frame with the same texts shapes nothing. Main thread.
+/// Keeps the lines that were painted lately, so that a frame with the same texts shapes nothing. Main thread.
 class TextLines {
 public:
     TextLines();
@@ -101,12 +101,12 @@ public:
     [[nodiscard]] const TextLine& line(const QString& text, TextStyle style, double maximumWidth,
                                        const TextEmphasis& emphasis = {});
     [[nodiscard]] const TextLine::Metrics& metrics(TextStyle style);
-    /// The baseline on which capital letters stand centred in a height, on a whole device pixel.
+    /// The baseline that centres capital letters between `top` and `top + height`, aligned to a device pixel.
     [[nodiscard]] double centredBaseline(TextStyle style, double top, double height, double devicePixelRatio);
-    /// The desktop's fonts have changed.
+    /// Forgets all lines. To be called when the desktop's fonts have changed.
     void clear();
 
-    /// How many lines were shaped since the program started; a measure for tests.
+    /// How many lines this object has shaped; for tests and benchmarks.
     [[nodiscard]] int shapedLineCount() const { return shapedLineCount_; }
 
 private:

@@ -13,11 +13,11 @@ namespace {
 using contrast::readableRatio;
 using contrast::withAlpha;
 
-/// What palettes say when the desktop told Qt nothing: the colours of Qt's own styles, which nobody chose.
+/// The highlight colours of Qt's styles: a palette has one of them when the desktop chose none.
 const std::array toolkitHighlights{QColor(0, 0, 128), QColor(48, 140, 198)};
 const QColor ownAccent(0x2F, 0x6F, 0xED);
 
-/// The least opacity from `preferred` up at which white can be read on the ground.
+/// White with the lowest opacity, from `preferred` up, at which it can be read on the ground.
 QColor readableWhite(const QColor& ground, double preferred) {
     QColor white(Qt::white);
     for (double alpha = preferred; alpha < 1; alpha += 0.01) {
@@ -32,10 +32,10 @@ QColor readableWhite(const QColor& ground, double preferred) {
 void setSelectionColors(Theme& theme) {
     theme.selection = contrast::darkenedFor(theme.accent, Qt::white, readableRatio);
     theme.selectionText = Qt::white;
-    // Bright in either theme: the darker yellow is lost on some accents.
+    // Bright in both themes: the darker yellow is hard to see on some accent colours.
     theme.selectionFavourite = QColor(0xFF, 0xD6, 0x0A);
     theme.selectionTextSecondary = readableWhite(theme.selection, 0.77);
-    // A light chip takes contrast from the white text on it, and most accents have none to give away.
+    // A light chip lowers the contrast of the white text on it, with most accent colours too far.
     const QColor lightChip = withAlpha(Qt::white, 0.18);
     const bool isReadable = contrast::ratio(Qt::white, contrast::blended(lightChip, theme.selection)) >= readableRatio;
     theme.selectionChip = isReadable ? lightChip : withAlpha(Qt::black, 0.18);
@@ -88,7 +88,7 @@ void takeSystemColors(Theme& theme) {
     takeSystemColor(theme.blue, SystemLooks::Color::blue, scheme);
     takeSystemColor(theme.purple, SystemLooks::Color::purple, scheme);
     takeSystemColor(theme.favourite, SystemLooks::Color::yellow, scheme);
-    // On the accent, which is as dark as a dark window.
+    // The selection is dark in both themes.
     takeSystemColor(theme.selectionFavourite, SystemLooks::Color::yellow, ColorScheme::dark);
 }
 

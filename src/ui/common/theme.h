@@ -10,7 +10,7 @@ namespace ferrowyn {
 /// The colours of the panel, light or dark. A plain value.
 struct Theme {
     bool isDark = false;
-    /// Blended with the desktop by a compositor, with round corners; otherwise opaque with square ones.
+    /// Whether a compositor blends the panel with the desktop. The panel then has round corners, otherwise square ones.
     bool isTranslucent = false;
 
     QColor background;
@@ -22,7 +22,7 @@ struct Theme {
     QColor accent;
     QColor keyCapFill;
     QColor keyCapEdge;
-    /// The number in a group header, less important than anything else, and the box it stands in.
+    /// The number in a group header, and the box around it.
     QColor countText;
     QColor countFill;
     QColor favourite;
@@ -33,7 +33,7 @@ struct Theme {
     QColor buttonFill;
     QColor buttonFillHovered;
 
-    /// On the selection: its text, the less important text, and what badges and key caps stand on.
+    /// The background of the selected row, and what stands on it.
     QColor selection;
     QColor selectionText;
     QColor selectionTextSecondary;
@@ -43,8 +43,8 @@ struct Theme {
     [[nodiscard]] QColor badgeText(WindowPresentation::Tint tint) const;
     [[nodiscard]] QColor badgeFill(WindowPresentation::Tint tint) const;
 
-    /// Light or dark as the desktop's windows are, in the desktop's accent colour where it has one, and in its own
-    /// orange, blue, purple and yellow where it has those.
+    /// Light or dark like the desktop's windows, with the desktop's accent colour if it has one, and with its orange,
+    /// blue, purple and yellow where it provides them.
     [[nodiscard]] static Theme fromPalette(const QPalette& palette, bool isTranslucent);
     [[nodiscard]] static Theme make(bool isDark, const QColor& accent, bool isTranslucent);
 

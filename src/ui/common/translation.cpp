@@ -10,7 +10,7 @@
 namespace ferrowyn {
 
 QString translated(std::string_view text) {
-    // The lookup wants a text that ends in a NUL, which a view does not promise.
+    // Qt's lookup needs a text that ends with NUL, which a view may not.
     return QCoreApplication::translate("Ferrowyn", std::string(text).c_str());
 }
 
@@ -25,7 +25,7 @@ bool installTranslations(QCoreApplication& application, const QLocale& locale) {
     for (const QString& folder : folders) {
         auto translator = std::make_unique<QTranslator>();
         if (translator->load(locale, QStringLiteral("ferrowyn"), QStringLiteral("_"), folder)) {
-            // The application keeps it, and takes it out when it ends.
+            // The application owns it, and removes it when it ends.
             translator->setParent(&application);
             const QString language = translator->language();
             const QLocale spoken = language.isEmpty() ? locale : QLocale(language);

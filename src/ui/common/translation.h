@@ -10,15 +10,14 @@ class QCoreApplication;
 
 namespace ferrowyn {
 
-/// The text in the user's language, or as it was written where no translation is installed. Main thread.
+/// The text in the user's language, or unchanged where no translation is installed. Main thread.
 [[nodiscard]] QString translated(std::string_view text);
-/// The same with what is put into it, which stays as it is.
+/// The same for a phrase. Its arguments are not translated.
 [[nodiscard]] QString translated(const Phrase& phrase);
 
-/// Has every text shown in the user's language where a translation for it lies in one of the data folders, as
-/// "ferrowyn/translations/ferrowyn_<language>.qm". Where none does, texts stay as
-/// they were written. The windows run in the direction of the language that was found. Main thread, before the first
-/// window is made. False when there is none.
+/// Loads the translation for the locale from the first data folder that has one, as
+/// "ferrowyn/translations/ferrowyn_<language>.qm", and sets the direction of its language. Returns false when there is
+/// none; texts then stay as they were written. Main thread, before the first window is made.
 bool installTranslations(QCoreApplication& application, const QLocale& locale);
 
 }  // namespace ferrowyn

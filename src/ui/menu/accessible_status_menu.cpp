@@ -14,8 +14,8 @@
 
 namespace ferrowyn {
 
-/// A row of the menu as assistive technology sees it: the header is the button "Settings", since that is all it does.
-/// It is no object of its own: it reads the popup whenever it is asked. Main thread.
+/// A row of the menu for assistive technology. The header is the button "Settings", because that is all it does. It
+/// reads the popup each time it is asked. Main thread.
 class AccessibleMenuRow final : public AccessibleLeaf {
 public:
     AccessibleMenuRow(StatusMenuPopup& popup, int index) : popup_(popup), index_(index) {}
@@ -41,7 +41,7 @@ private:
 
 namespace {
 
-/// Whether the row's check mark says something by being away.
+/// Whether the row shows a state with its check mark, which may be off.
 bool isCheckable(const MenuRow& row) {
     return row.action == MenuRow::Action::selectLayout || row.action == MenuRow::Action::toggleLaunchAtLogin;
 }
@@ -59,7 +59,7 @@ QString nameOf(const MenuRow& row, const StatusItemTexts& texts) {
     return {};
 }
 
-/// What is shown beside the name: how the program is doing, or why a row is as it is.
+/// The state of the program for the header, the tooltip for other rows.
 QString descriptionOf(const MenuRow& row) {
     if (row.kind == MenuRow::Kind::header) {
         return display_text::singleLine(row.header.title) + QStringLiteral(", ") +
@@ -163,7 +163,7 @@ QStringList AccessibleMenuRow::keyBindingsForAction(const QString& name) const {
 
 namespace {
 
-/// A menu whose children are made when somebody asks for them and live as long as the menu.
+/// The menu for assistive technology. Its rows are made on request and live as long as the menu.
 class AccessibleStatusMenu final : public QAccessibleWidget {
 public:
     explicit AccessibleStatusMenu(StatusMenuPopup& popup)
@@ -222,7 +222,7 @@ QAccessibleInterface* makeMenuInterface(const QString& className, QObject* objec
 }  // namespace
 
 void installStatusMenuAccessibility() {
-    // Qt itself ignores a factory that is installed already.
+    // Qt ignores a factory that is already installed.
     QAccessible::installFactory(makeMenuInterface);
 }
 

@@ -4,9 +4,9 @@ namespace ferrowyn {
 
 class StatusMenuPopup;
 
-/// Lets assistive technology see the popup as a menu with its items. Harmless to call again. Main thread.
+/// Makes the popup a menu with its items for assistive technology. May be called repeatedly. Main thread.
 void installStatusMenuAccessibility();
-/// Tells it that the menu opened or closed, and on which row the selection stands. Main thread.
+/// Announces that the menu opened or closed, or which row is selected. Main thread.
 void announceMenu(StatusMenuPopup& popup, bool isOpen);
 void announceSelectedRow(StatusMenuPopup& popup, int index);
 

@@ -41,7 +41,7 @@ namespace {
 /// Between icon and menu.
 constexpr double gap = 4;
 
-/// Of what is too large the beginning is shown.
+/// Moves a range into the limits. Of a range that is too large the beginning is kept.
 double kept(double start, double extent, double least, double most) {
     return std::max(std::min(start, most - extent), least);
 }

@@ -19,14 +19,14 @@ public:
     /// Above the first row and below the last.
     static constexpr double padding = 6;
 
-    /// The columns of a row: the check mark and the symbol by their centres, the title by its left edge. Titles stand
-    /// under the program's name in the header, whatever stands at the right under the gear's right edge.
+    /// The columns of a row: the centres of check mark and symbol, and the left edge of the title. Titles are aligned
+    /// with the program's name in the header, texts at the right with the gear's right edge.
     static constexpr double checkCenter = 20;
     static constexpr double symbolCenter = 38;
     static constexpr double titleLeft = 54;
     static constexpr double inset = 14;
     static constexpr double symbolPoints = 13;
-    /// The selection, from the edges of the menu.
+    /// From the menu's edges to the selection.
     static constexpr double selectionInset = 6;
 
     MenuGeometry() = default;
@@ -40,7 +40,7 @@ public:
     [[nodiscard]] std::optional<int> rowAt(const Point& point) const;
 
     [[nodiscard]] static double heightOf(MenuRow::Kind kind);
-    /// Where a piece of a row stands in a language that runs from right to left.
+    /// The place of a piece of a row in a language that runs from right to left.
     [[nodiscard]] static Rect mirrored(const Rect& row, const Rect& piece) {
         return {row.minX() + row.maxX() - piece.maxX(), piece.y, piece.width, piece.height};
     }
@@ -52,8 +52,8 @@ private:
 };
 
 /// Where a menu of this size opens beside the icon that was pressed: below it, or above it where the icon is in the
-/// lower half of its screen, and never outside `available`, which is what the desktop's panels leave of the screen.
-/// One coordinate system for all, y growing downward. An anchor without extent is where the pointer was.
+/// lower half of its screen, and never outside `available`, which is the screen without the desktop's panels. All
+/// rectangles have one coordinate system, y growing downward. An empty anchor is the position of the pointer.
 [[nodiscard]] Rect menuPlacement(const Rect& anchor, const Size& menu, const Rect& screen, const Rect& available);
 
 }  // namespace ferrowyn

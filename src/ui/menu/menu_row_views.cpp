@@ -14,10 +14,10 @@ namespace ferrowyn {
 
 namespace {
 
-/// Symbols and short notes need less contrast than text that is read.
+/// Symbols and short notes need less contrast than longer text.
 constexpr double symbolRatio = 3;
 
-/// The accent, moved no further than needed toward the label until it can be told from the ground.
+/// The colour, mixed with that of labels only as far as needed to stand out from the ground.
 QColor visibleOn(const QColor& ground, QColor color, const QColor& label) {
     constexpr double step = 0.05;
     QColor part = label;
@@ -165,7 +165,8 @@ void paintSeparator(QPainter& painter, const Rect& rect, const MenuColors& color
         colors.separator);
 }
 
-/// The left edge of a piece of a row, from the one that it has where lines run from left to right.
+/// The left edge of a piece of a row in the user's language; `left` is the one in a language that runs from left to
+/// right.
 double placeOf(const Rect& row, double left, double width, const PaintContext& context) {
     return context.isRightToLeft ? MenuGeometry::mirrored(row, {left, row.y, width, row.height}).x : left;
 }
@@ -256,7 +257,7 @@ void MenuRowView::paintItem(QPainter& painter, const Rect& rect, const MenuColor
     const double titleEnd = left + title.width();
     title.paint(painter, placeOf(rect, left, title.width(), context), baseline, text);
     if (const QString suffix = suffixText(); !suffix.isEmpty() && titleEnd < right) {
-        // The spaces stand before it, which is the wrong side where the title stands behind it.
+        // The suffix begins with spaces. From right to left they are on the wrong side, so it is moved by their width.
         const double bareWidth =
             context.lines.line(suffix.trimmed(), TextStyle::menuItem, TextLine::unlimitedWidth).width();
         const TextLine& line = context.lines.line(suffix, TextStyle::menuItem, right - titleEnd);

@@ -13,7 +13,7 @@ class QSvgRenderer;
 
 namespace ferrowyn {
 
-/// The colours of the program's own menu, light or dark as the panel's. A plain value.
+/// The colours of the menu, derived from the panel's. A plain value.
 struct MenuColors {
     QColor background;
     QColor edge;
@@ -34,8 +34,8 @@ struct MenuColors {
     [[nodiscard]] static MenuColors fromTheme(const Theme& theme);
 };
 
-/// The menu's first row: the program's icon and name, how it is doing, and a gear that opens the settings. It is 58
-/// high and stretches with the menu. Main thread.
+/// The menu's first row: the program's icon and name, its state, and a gear that opens the settings. It is as wide as
+/// the menu. Main thread.
 class MenuHeaderView {
 public:
     static constexpr double iconSide = 32;
@@ -50,18 +50,19 @@ public:
     MenuHeaderView(const MenuHeaderView&) = delete;
     MenuHeaderView& operator=(const MenuHeaderView&) = delete;
 
-    /// The parts within the header's rectangle, y growing downward, where lines run from left to right.
+    /// The parts within the header's rectangle, y growing downward, in a language that runs from left to right.
     [[nodiscard]] static Rect iconRect(const Rect& header);
     [[nodiscard]] static Rect gearArea(const Rect& header);
     [[nodiscard]] static Rect titleRect(const Rect& header);
     [[nodiscard]] static Rect subtitleRect(const Rect& header);
 
-    /// The pointer moved to a point, or left; true when the picture has changed. The gear's area is as it is drawn.
+    /// To be called when the pointer has moved or left. They return true when the header must be painted again. `gear`
+    /// is the rectangle in which the gear is painted.
     bool pointerMoved(const Rect& gear, const Point& point);
     bool pointerExited();
     [[nodiscard]] bool isHoveringGear() const { return isHoveringGear_; }
 
-    /// `hasKeyboard` while the arrow keys have chosen the gear.
+    /// `hasKeyboard` says that the arrow keys have selected the gear.
     void paint(QPainter& painter, const Rect& rect, const MenuHeader& header, bool hasKeyboard,
                const MenuColors& colors, const PaintContext& context);
 
@@ -76,7 +77,7 @@ struct MenuRowView {
     bool isSelected = false;
 
     void paint(QPainter& painter, const Rect& rect, const MenuColors& colors, const PaintContext& context) const;
-    /// How wide the menu has to be for the row to be whole.
+    /// The width of the menu at which nothing of the row is cut.
     [[nodiscard]] double neededWidth(const PaintContext& context) const;
     /// The key equivalent as this desktop writes it; empty for none.
     [[nodiscard]] static QString keyEquivalentText(const MenuRow& row, const TextTable& texts);

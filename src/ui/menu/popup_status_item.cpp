@@ -14,7 +14,8 @@ namespace ferrowyn {
 
 namespace {
 
-/// From pixels of the root window: screens keep their place there, and are scaled each from its own corner.
+/// From pixels of the root window. The toolkit keeps the origin of each screen, and divides distances from it by the
+/// scale of the screen.
 QRect inToolkitCoordinates(const Rect& pixels) {
     for (const QScreen* const screen : QGuiApplication::screens()) {
         const QPoint origin = screen->geometry().topLeft();
@@ -67,15 +68,15 @@ void PopupStatusItem::pressed(const Rect& anchor) {
     popup_->popUp(inToolkitCoordinates(anchor));
 }
 
-/// In a turn of its own, when nothing of the popup is left: what the row does may take the keyboard, which the server
-/// gives only after it has seen the popup let go.
+/// Runs the action later, when the popup is gone: the action may take the keyboard, which the server grants only after
+/// the popup has released it.
 void PopupStatusItem::carryOut(const MenuRow& row) {
     QMetaObject::invokeMethod(
         &context_,
         [this, row] {
             QGuiApplication::sync();
             if (onAction_) {
-                // A copy: what it does may replace it.
+                // A copy, because the action may replace the handler.
                 const auto handler = onAction_;
                 handler(row);
             }

@@ -14,7 +14,7 @@
 
 namespace ferrowyn {
 
-/// The status item of a desktop that has a tray: an icon there, and the program's own popup beside it. Main thread.
+/// The status item on a desktop with a tray: an icon in the tray, and a popup beside it. Main thread.
 class PopupStatusItem final : public StatusItem {
 public:
     /// `icon` and `texts` outlive this. `isComposited`, asked at each opening, says whether windows may be translucent.
@@ -44,14 +44,14 @@ private:
     std::function<bool()> isComposited_;
     std::function<void(const MenuRow&)> onAction_;
     StatusMenu menu_;
-    /// It is in the middle of an event when it closes.
+    /// Deleted later, because it is handling an event when it closes.
     std::unique_ptr<StatusMenuPopup, DeleteLater> popup_;
-    /// What is to be done in a turn of its own dies with it.
+    /// The context of queued calls, which are dropped when this object ends.
     QObject context_;
 };
 
-/// One of the program's drawings as an icon for a tray. Without a colour it has the one of text in the desktop's
-/// windows, with a faint rim in the opposite one: a tray may be dark where windows are light, and does not say so. Main
+/// One of the program's symbols as an icon for a tray. Without a colour it has that of text in the desktop's windows,
+/// with a faint rim of the opposite lightness: a tray may be dark where windows are light, and does not tell. Main
 /// thread.
 [[nodiscard]] QImage traySymbol(const std::string& symbol, int side, const std::optional<QColor>& color);
 

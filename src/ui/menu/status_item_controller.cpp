@@ -63,7 +63,8 @@ void StatusItemController::followServices() {
     follow(services_.switchingHealth().problem());
     follow(services_.preferences().layout.published());
     follow(services_.updates().state());
-    // The list comes after the services have started: until something else changed, the menu would count no windows.
+    // The first list of windows comes after the start. Without this, the menu would count none until something else
+    // changes.
     const auto& windows = services_.windowIndex().windows();
     cancellables_.push_back(
         windows.subscribeToChanges([this, wasEmpty = windows.get().empty()](const auto& list) mutable {

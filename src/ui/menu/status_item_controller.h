@@ -18,8 +18,8 @@ class AppServices;
 class Application;
 class MainLoop;
 
-/// The program's only permanent user interface: shows on the status item how the shortcut is doing, and offers what can
-/// be done about it and with the program. Main thread. Everything that it is given outlives it.
+/// Shows on the status item whether the shortcut works, and offers the menu. It is the program's only permanent user
+/// interface. Main thread. All that it is given outlives it.
 class StatusItemController {
 public:
     /// Each may be empty.
@@ -32,12 +32,12 @@ public:
     StatusItemController(const Platform& platform, StatusItem& statusItem, AppServices& services, Actions actions,
                          Translator translate = &Phrase::untranslated);
 
-    // The set-up, in this order.
+    // To be called once, in this order.
     void configureButton();
-    /// The whole menu is made anew each time.
+    /// Builds the whole menu each time.
     void buildMenu();
-    /// From now on, the button and the menu follow what they show. The window count, once there are windows, the login
-    /// item's state and the shortcut's keys wait for the next rebuild.
+    /// From now on the button and the menu follow the services. The window count (once there are windows), the state of
+    /// the login item and the keys of the shortcut are updated only with the next change of something else.
     void followServices();
 
 private:
@@ -45,7 +45,7 @@ private:
     void retryInput();
     void selectLayout(std::string_view representedValue);
     void toggleLaunchAtLogin();
-    /// One rebuild, in a task of its own, for whatever changes meanwhile.
+    /// Posts one rebuild for all changes until it runs.
     void scheduleUpdate();
 
     MainLoop& mainLoop_;
@@ -58,7 +58,7 @@ private:
     Translator translate_;
     bool isUpdateScheduled_ = false;
     std::vector<Subscription> cancellables_;
-    /// Held weakly by what waits on the loop and by the status item, which outlive this.
+    /// Posted tasks and the status item outlive this object and refer to it weakly.
     std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
 };
 

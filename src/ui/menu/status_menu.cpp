@@ -89,7 +89,7 @@ MenuRow withKey(MenuRow row, std::string_view key) {
     return row;
 }
 
-/// Makes the rows, each from the services as they are now.
+/// Makes the rows from the current state of the services.
 class MenuMaker {
 public:
     MenuMaker(AppServices& services, const TextTable& table, const Translator& translate)

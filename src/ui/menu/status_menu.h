@@ -11,7 +11,7 @@ namespace ferrowyn {
 
 class AppServices;
 
-/// How the keyboard shortcut is doing. Derived from the services whenever it is shown, and kept nowhere.
+/// Whether the keyboard shortcut works, and if not, why. Computed from the services when it is shown; it is not stored.
 enum class HealthState {
     ready,
     accessRequired,
@@ -23,25 +23,25 @@ enum class HealthState {
     activationsUnconfirmed
 };
 
-/// Missing trust explains every other failure, and a shortcut that failed will not return when secure input ends. What
-/// was seen of earlier switches counts only when nothing is known to be in the way now.
+/// The first of these that applies: missing trust, which explains every other failure; a failed shortcut, which stays
+/// failed when secure input ends; secure input; what was noticed at earlier switches.
 [[nodiscard]] HealthState healthState(AppServices& services);
 
 /// How a state shows in the status item.
 struct HealthAppearance {
     std::string_view buttonSymbol;
     StatusItemTexts::Health texts;
-    /// Of the row that repairs it, or says what is being waited for.
+    /// For the row that repairs the state, or that says what the program waits for.
     std::string_view repairSymbol;
     MenuRow::Action repairAction = MenuRow::Action::none;
 };
 
 [[nodiscard]] HealthAppearance appearance(HealthState state, const StatusItemTexts& texts);
 
-/// Puts a text into the language of the user.
+/// Translates a text into the user's language.
 using Translator = std::function<std::string(const Phrase&)>;
 
-/// The whole menu of the status item, as things stand at this moment.
+/// The whole menu of the status item in the current state.
 [[nodiscard]] StatusMenu makeStatusMenu(AppServices& services, const TextTable& texts,
                                         const std::string& applicationName, const Translator& translate);
 

@@ -29,7 +29,7 @@ namespace ferrowyn {
 namespace {
 
 constexpr double cornerRadius = 10;
-/// Longer titles are elided: a menu is no page.
+/// Longer titles are elided.
 constexpr double widestMenu = 420;
 
 double neededHeaderWidth(const MenuHeader& header, TextLines& lines) {
@@ -244,7 +244,7 @@ void StatusMenuPopup::changeEvent(QEvent* event) {
 namespace {
 
 constexpr std::chrono::milliseconds inputRetryInterval{20};
-/// Who still holds the input after two seconds keeps it.
+/// Two seconds. After that the popup does without the input that it did not get.
 constexpr int mostInputRetries = 100;
 
 }  // namespace
@@ -273,9 +273,9 @@ void StatusMenuPopup::hideEvent(QHideEvent* event) {
     }
 }
 
-/// A tray that tells of the press while the button is down still holds the pointer, and no event says when it lets go.
-/// Without the pointer a click elsewhere would not close the menu, and without the keyboard no key would reach it. Who
-/// keeps the keyboard to himself, as a password prompt does, need not be in the way of the pointer.
+/// Some trays report the press while they still hold the pointer, and no event says when they release it, so this is
+/// repeated. Without the pointer a click elsewhere would not close the menu; without the keyboard no key would reach
+/// it. Each is taken alone, because another program, such as a password prompt, may hold only the keyboard.
 void StatusMenuPopup::takeInput() {
     QWindow* const window = windowHandle();
     const bool isLast = --inputRetriesLeft_ <= 0;
@@ -363,7 +363,7 @@ bool StatusMenuPopup::event(QEvent* event) {
         showToolTip(help->pos(), help->globalPos());
         return true;
     }
-    // The keys of the menu are no shortcuts of another window, and Tab moves no focus.
+    // Keys belong to the menu: they are no shortcuts of other windows, and Tab does not move the focus.
     if (event->type() == QEvent::ShortcutOverride) {
         event->accept();
         return true;
@@ -433,7 +433,7 @@ std::optional<int> StatusMenuPopup::rowWithKey(const QKeyEvent& event) const {
     return std::nullopt;
 }
 
-/// From where the selection is, around; with none, to the first or last item, which the header is not.
+/// Moves the selection and wraps around. Without one it goes to the first or last item, never to the header.
 void StatusMenuPopup::moveSelection(int step) {
     const int count = geometry_.rowCount();
     isSelectedByKeyboard_ = true;
@@ -468,7 +468,7 @@ void StatusMenuPopup::selectEdge(int step) {
     }
 }
 
-/// To the next row whose title begins with what was typed.
+/// Selects the next row whose title begins with the typed text.
 void StatusMenuPopup::typeAhead(const QString& text) {
     if (text.isEmpty() || !text.front().isPrint() || text.front().isSpace()) {
         return;

@@ -13,19 +13,19 @@
 
 namespace ferrowyn {
 
-/// The program's own menu, as a popup beside the icon that was pressed. It draws a `StatusMenu`, says which row was
-/// chosen, and decides nothing. Made anew for each opening. Main thread.
+/// The menu, as a popup beside the tray icon. It paints a `StatusMenu` and reports the chosen row. Each opening makes a
+/// new one. Main thread.
 class StatusMenuPopup final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `texts` outlives the popup. A translucent window, which can have round corners, needs a compositor.
+    /// `texts` outlives the popup. A translucent popup has round corners and needs a compositor.
     StatusMenuPopup(StatusMenu menu, const TextTable& texts, bool isTranslucent);
     ~StatusMenuPopup() override;
 
-    /// Shows other rows from now on, also while the popup is open; the selection stays on the row that does the same.
+    /// Replaces the rows, also while the popup is open. The selection stays on the row with the same action.
     void setMenu(StatusMenu menu);
-    /// Opens beside this rectangle of the toolkit's coordinates.
+    /// Opens beside this rectangle, which is in the toolkit's coordinates.
     void popUp(const QRect& anchor);
 
     /// Called once, after the popup has closed, with the row that was chosen; for the header it is `openSettings`.
@@ -33,24 +33,24 @@ public:
     /// Called when the popup has closed, for whatever reason and before the chosen handler.
     void setClosedHandler(std::function<void()> handler) { onClosed_ = std::move(handler); }
 
-    /// For accessibility and tests: what is shown, and where, in the widget's coordinates.
+    /// For accessibility and tests: what is shown and where, in the widget's coordinates.
     [[nodiscard]] const StatusMenu& menu() const { return menu_; }
     [[nodiscard]] const MenuRow& rowAt(int index) const { return menu_.at(static_cast<std::size_t>(index)); }
     [[nodiscard]] const MenuGeometry& geometryNow() const { return geometry_; }
-    /// Where the row is now: on a screen that is too small for the menu, it scrolls.
+    /// The row's rectangle now: the menu scrolls on a screen that is too small for it.
     [[nodiscard]] Rect rowRect(int index) const;
-    /// Where a header's gear is now.
+    /// The rectangle of a header's gear now.
     [[nodiscard]] Rect gearRect(int header) const;
     [[nodiscard]] std::optional<int> rowUnder(const QPointF& position) const;
     [[nodiscard]] const MenuColors& colors() const { return colors_; }
     [[nodiscard]] const TextTable& texts() const { return texts_; }
     [[nodiscard]] bool isHoveringGear() const { return header_.isHoveringGear(); }
-    /// The row that the pointer or the keyboard stands on.
+    /// The row that the pointer or the keyboard has selected.
     [[nodiscard]] std::optional<int> selectedRow() const { return selected_; }
     /// Whether the row can be chosen: enabled items, and the header for its gear.
     [[nodiscard]] bool isSelectable(int index) const;
     void select(std::optional<int> index);
-    /// Closes the popup and tells the row; nothing for one that cannot be chosen.
+    /// Closes the popup and reports the row. Does nothing when the row cannot be chosen.
     void choose(int index);
 
 protected:
@@ -101,11 +101,11 @@ private:
     std::optional<int> selected_;
     /// Whether the arrow keys, not the pointer, chose the row.
     bool isSelectedByKeyboard_ = false;
-    /// Where the pointer was when the popup opened under it: no motion yet.
+    /// The position of the pointer when the popup opened. Small motions away from it do not count.
     QPoint pointerAtShow_;
-    /// Whether a release may choose: the button went down here, or was dragged here from the icon.
+    /// Whether releasing the button chooses a row: it was pressed in the popup, or dragged into it from the icon.
     bool isArmed_ = false;
-    /// Asks again for the input while whoever opened the popup still holds it.
+    /// Repeats the grab while the tray still holds the input.
     QTimer inputTimer_;
     int inputRetriesLeft_ = 0;
 };

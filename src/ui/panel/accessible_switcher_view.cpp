@@ -15,14 +15,14 @@
 
 namespace ferrowyn {
 
-/// A row, a group header, or what stands in the place of rows, as assistive technology sees it. It is no object of its
-/// own: it reads the view whenever it is asked. Main thread.
+/// A row, a group header or the message in place of rows, for assistive technology. It reads the view each time it is
+/// asked. Main thread.
 class AccessibleItem final : public AccessibleLeaf {
 public:
     enum class Kind { row, header, message };
     struct Key {
         Kind kind = Kind::row;
-        /// The row, or the row under the header.
+        /// The row itself or, for a header, the row below it.
         int row = 0;
         friend auto operator<=>(const Key&, const Key&) = default;
     };
@@ -65,7 +65,7 @@ bool AccessibleItem::isValid() const {
     if (key_.kind == Kind::message) {
         return !view_.showsRows();
     }
-    // The geometry may be behind the rows for a moment: both must know the row.
+    // The geometry may lag behind the rows: both must contain the row.
     const auto rows = static_cast<int>(view_.viewModel().rows.get().size());
     return view_.showsRows() && key_.row < rows && key_.row < view_.geometryNow().rowCount() &&
            (key_.kind == Kind::row || view_.geometryNow().header(key_.row, 0).has_value());
@@ -212,8 +212,8 @@ QString AccessibleItem::localizedActionName(const QString& name) const {
 
 namespace {
 
-/// The panel's content as assistive technology sees it: a list whose children are made when somebody asks for them and
-/// live as long as the list. Group headers stand among the rows, in reading order.
+/// The panel's content for assistive technology: a list. Its children are made on request and live as long as the list.
+/// Group headers stand among the rows, in reading order.
 class AccessibleSwitcherView final : public QAccessibleWidget {
 public:
     explicit AccessibleSwitcherView(SwitcherView& view) : QAccessibleWidget(&view, QAccessible::List), view_(view) {}
@@ -280,8 +280,8 @@ public:
     }
 
 private:
-    /// Only what can be seen is looked at: readers ask at every motion of the pointer, with thousands of rows or with
-    /// few.
+    /// Looks only at the visible rows: screen readers ask at every motion of the pointer, and there may be thousands of
+    /// rows.
     [[nodiscard]] QAccessibleInterface* headerAt(const Point& point) const {
         const auto [first, last] = view_.geometryNow().visibleRows(view_.scroll());
         for (int row = first; row < last; ++row) {
@@ -298,7 +298,7 @@ private:
             return {AccessibleItem::Kind::message, 0};
         }
         const PanelGeometry& geometry = view_.geometryNow();
-        // The first row that stands at this index or behind it; the place before it may be its header.
+        // Finds the first row at this index or after it. The index before a row may be that of its header.
         int low = 0;
         int high = geometry.rowCount() - 1;
         while (low < high) {
@@ -338,7 +338,7 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
 }  // namespace
 
 void installSwitcherAccessibility() {
-    // Qt itself ignores a factory that is installed already.
+    // Qt ignores a factory that is already installed.
     QAccessible::installFactory(makeInterface);
 }
 
@@ -353,7 +353,7 @@ void announceSwitcherChanges(SwitcherView& view, bool rowsChanged, bool selectio
         return;
     }
     if (QAccessibleInterface* const row = list->rowItem(view.viewModel().selectedIndex.get())) {
-        // Focus is what screen readers speak; the panel itself never has the keyboard focus.
+        // Screen readers speak the focused item. The panel itself never has the keyboard focus.
         QAccessibleEvent selected(row, QAccessible::Selection);
         announce(selected);
         QAccessibleEvent focused(row, QAccessible::Focus);

@@ -8,13 +8,13 @@ namespace ferrowyn {
 
 class SwitcherView;
 
-/// Lets assistive technology see the panel as a list of rows, group headers and, where they stand, the empty state or
-/// the permission button. Harmless to call again. Main thread.
+/// Makes the panel a list for assistive technology: of rows and group headers, or of the message in their place. May be
+/// called repeatedly. Main thread.
 void installSwitcherAccessibility();
-/// Where announcements go.
+/// Receives the announcements.
 using AccessibilityAnnouncer = std::function<void(QAccessibleEvent&)>;
 
-/// Tells it what has changed: the list itself, or which row is selected. Main thread.
+/// Announces that the list or the selected row has changed. Main thread.
 void announceSwitcherChanges(SwitcherView& view, bool rowsChanged, bool selectionChanged,
                              const AccessibilityAnnouncer& announce);
 

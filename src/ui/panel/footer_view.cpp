@@ -30,7 +30,7 @@ double width(const WindowPresentation::ShortcutHint& hint, const PaintContext& c
 
 void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& context) const {
     const double scale = context.devicePixelRatio;
-    // Between device pixels it would be two faint lines.
+    // Aligned to a device pixel; otherwise it would be two faint lines.
     const double top = context.snapped(rect.y);
     painter.fillRect(QRectF(rect.x, top, rect.width, hairline::width(scale)), context.theme.hairline);
     double total = -betweenHints;
@@ -44,7 +44,7 @@ void FooterView::paint(QPainter& painter, const Rect& rect, const PaintContext& 
             context.lines.line(display_text::singleLine(note), TextStyle::hint, TextLine::unlimitedWidth);
         const double noteX = std::round(rect.maxX() - besideNote - line.width());
         line.paint(painter, noteX, baseline, context.theme.textSecondary);
-        // The hints make room where their usual place is too near.
+        // The hints are centred, but move left when the note needs the room.
         x = std::min(x, std::round(noteX - besideNote - total));
     }
     for (const auto& hint : hints) {

@@ -13,7 +13,7 @@ namespace ferrowyn {
 /// The strip of key hints below the rows. A plain value.
 struct FooterView {
     std::vector<WindowPresentation::ShortcutHint> hints;
-    /// At the far end; may be empty.
+    /// At the right end; may be empty.
     std::string_view note;
 
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;

@@ -114,7 +114,7 @@ double PanelGeometry::scrollShowing(int index, double scroll) const {
     }
     const double top = rowTop(index) - (startsGroup(index) ? groupHeaderHeight : 0) - rowsInset;
     const double bottom = rowTop(index) + lineHeight() + rowsInset;
-    // The top wins where a body is lower than one line.
+    // In a body that is lower than one line, the row's top is shown.
     const double shown = std::min(std::max(scroll, bottom - body().height), top);
     return std::clamp(shown, 0.0, maximumScroll());
 }

@@ -8,9 +8,9 @@
 
 namespace ferrowyn {
 
-/// Where everything in the panel stands. Points from the panel's top left corner, y growing downward. Lines keep the
-/// heights and spacings with which the controller sizes the panel. Costs the same for ten rows as for ten thousand,
-/// the list of group starts apart. A plain value.
+/// The layout of the panel, in points from its top left corner, y growing downward. The controller computes the size of
+/// the panel from the same heights and spacings. Except for the list of group starts, the cost does not grow with the
+/// number of rows. A plain value.
 class PanelGeometry {
 public:
     static constexpr double searchLineHeight = 56;
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] const Size& size() const { return input_.size; }
     [[nodiscard]] int rowCount() const { return input_.rowCount; }
     [[nodiscard]] int headerCount() const;
-    /// How many headers stand before this row, its own included.
+    /// How many headers stand above this row, including its own.
     [[nodiscard]] int headersUpTo(int index) const;
     [[nodiscard]] Rect searchLine() const;
     /// Between search line and footer; rows are clipped to it.
@@ -57,11 +57,11 @@ public:
         int last = 0;
         friend bool operator==(const Range&, const Range&) = default;
     };
-    /// The rows of which something, their header included, is inside the body.
+    /// The rows that are at least partly inside the body, counting their headers.
     [[nodiscard]] Range visibleRows(double scroll) const;
-    /// The row at this point of the body; spacing, headers and everything outside the body belong to no row.
+    /// The row at this point. Absent between rows, on headers and outside the body.
     [[nodiscard]] std::optional<int> rowAt(const Point& point, double scroll) const;
-    /// The nearest scroll position that shows the whole row with its header and some air.
+    /// The scroll position nearest to `scroll` that shows the whole row with its header and the inset around them.
     [[nodiscard]] double scrollShowing(int index, double scroll) const;
 
 private:
@@ -70,7 +70,7 @@ private:
     [[nodiscard]] double lineHeight() const { return isGrid() ? cardHeight : rowHeight; }
     [[nodiscard]] double lineSpacing() const { return isGrid() ? cardSpacing : rowSpacing; }
     [[nodiscard]] bool startsGroup(int index) const;
-    /// From the top of the scrolled content.
+    /// The top of the row, measured from the top of the scrolled content.
     [[nodiscard]] double rowTop(int index) const;
     [[nodiscard]] double contentHeight() const;
     /// The first row whose lower edge is below `offset` in the scrolled content.

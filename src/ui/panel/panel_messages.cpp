@@ -14,7 +14,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// Paints symbols and lines of text under each other, centred in a rectangle, from `top` down.
+/// Paints symbols and lines of text below each other, centred in a rectangle, from `top` downward.
 class CentredColumn {
 public:
     CentredColumn(QPainter& painter, const Rect& rect, double top, const PaintContext& context)
@@ -27,7 +27,7 @@ public:
     /// Where the next part begins.
     [[nodiscard]] double top() const { return top_; }
 
-    /// The text's lines when it is broken between words so that none is wider than this.
+    /// Breaks the text between words into lines that are no wider than `width`.
     [[nodiscard]] static QStringList wrapped(const QString& text, TextStyle style, double width);
     /// The height of a line of this style in such a column.
     [[nodiscard]] static double lineHeight(TextStyle style, const PaintContext& context);
@@ -107,7 +107,7 @@ constexpr double belowTitle = 2;
 constexpr double aboveButton = 9;
 constexpr double buttonHeight = 26;
 
-/// A sentence or two: on lines that are comfortable to read.
+/// The explanation, on lines of a length that is comfortable to read.
 QStringList explanation(const PaintContext& context) {
     constexpr double lineWidth = 540;
     return CentredColumn::wrapped(display_text::singleLine(context.texts.permissionExplanation), TextStyle::emptyDetail,

@@ -7,14 +7,15 @@ class QPainter;
 
 namespace ferrowyn {
 
-/// The body without rows. A plain value.
+/// What the panel shows instead of rows when there are none. A plain value.
 struct EmptyStateView {
     WindowPresentation::EmptyState state;
 
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };
 
-/// The body while this program is not trusted: what is missing, and a button that asks for it. A plain value.
+/// What the panel shows instead of rows while this program is not trusted: what is missing, and a button that asks for
+/// it. A plain value.
 struct PermissionStateView {
     bool isButtonHovered = false;
     bool isButtonPressed = false;

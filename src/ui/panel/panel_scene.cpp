@@ -122,7 +122,7 @@ std::shared_ptr<const IconImage> PanelScene::icon(const AppWindow& window) const
 
 namespace {
 
-/// Narrower and wider than the equality of rows: everything that is drawn, and nothing else.
+/// Compares exactly what is painted of a row, which differs from what its equality compares.
 bool looksTheSame(const SwitcherViewModel::Row& a, const SwitcherViewModel::Row& b) {
     const AppWindow& first = a.window;
     const AppWindow& second = b.window;

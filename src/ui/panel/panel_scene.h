@@ -19,7 +19,8 @@ namespace ferrowyn {
 
 class IconProvider;
 
-/// Everything that one frame of the panel shows. The rows are referred to, not copied: there may be thousands.
+/// Everything that one frame of the panel shows. It refers to the rows, of which there may be thousands, and does not
+/// copy them.
 struct PanelScene {
     const std::vector<SwitcherViewModel::Row>& rows;
     IconProvider& icons;
@@ -29,10 +30,10 @@ struct PanelScene {
     SwitcherLayout layout = SwitcherLayout::list;
     SwitcherModifier modifier = SwitcherModifier::option;
     bool showsHints = true;
-    /// Letting go of the trigger does not switch.
+    /// Releasing the trigger does not switch.
     bool staysOpen = false;
 
-    /// What passes while the panel is open.
+    /// State that changes while the panel is open.
     double scroll = 0;
     double caretOpacity = 1;
     bool isButtonHovered = false;
@@ -41,10 +42,10 @@ struct PanelScene {
 
     [[nodiscard]] bool showsRows() const { return isAccessibilityTrusted && !rows.empty(); }
     [[nodiscard]] PanelGeometry geometry(const Size& size) const;
-    /// Where the star of this row stands in the row's rectangle; nothing when it has none.
+    /// The rectangle of the star in that of the row; absent when the row has none.
     [[nodiscard]] std::optional<Rect> favouriteButton(int index, const Rect& rect) const;
 
-    /// Paints what of the panel lies inside `exposed`; returns how many rows that were.
+    /// Paints the part of the panel inside `exposed`. Returns how many rows it painted.
     int paint(QPainter& painter, const PanelGeometry& geometry, const Rect& exposed, const PaintContext& context) const;
 
 private:
@@ -55,13 +56,12 @@ private:
     void paintHeader(QPainter& painter, int index, const Rect& rect, const PaintContext& context) const;
 };
 
-/// What a frame that was drawn ahead of time depended on: only what is inside the panel is kept, so that comparing is
-/// as cheap as one frame is small.
+/// What a frame that was rendered in advance depends on. Only the visible rows are kept, so that comparing is cheap.
 class PreviewRecord {
 public:
     PreviewRecord(const PanelScene& scene, const PanelGeometry& geometry, const Theme& theme);
 
-    /// Whether this scene, at the same size, would be drawn as the recorded one was.
+    /// Whether this scene, at the same size, looks like the recorded one.
     [[nodiscard]] bool matches(const PanelScene& scene, const Theme& theme) const;
     [[nodiscard]] const Size& size() const { return size_; }
 

@@ -66,7 +66,7 @@ double gap(bool compact) {
     return compact ? 3 : 4;
 }
 
-/// Without the alpha: what it looks like on the ground it lies on.
+/// The opaque colour of `top` on the ground.
 QColor opaque(const QColor& top, const QColor& ground) {
     QColor solid = ground;
     solid.setAlpha(255);

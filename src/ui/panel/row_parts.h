@@ -12,13 +12,13 @@ class QPainter;
 
 namespace ferrowyn {
 
-/// What the selected row stands on. A plain value.
+/// The background of the selected row or card. A plain value.
 struct SelectionBackground {
     static constexpr double cornerRadius = 9;
 
     bool isSelected = false;
 
-    /// Nothing unless selected.
+    /// Paints nothing unless `isSelected`.
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };
 
@@ -27,7 +27,7 @@ struct AppIconView {
     std::shared_ptr<const IconImage> icon;
     /// The side, in points.
     double size = 32;
-    /// For a window that is put away.
+    /// For a minimised window.
     bool isDimmed = false;
 
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
@@ -38,26 +38,26 @@ struct AppIconView {
 struct FavouriteButton {
     bool isFavourite = false;
     bool isSelected = false;
-    /// Of the symbol, in points.
+    /// The symbol's size in points.
     double size = 12.5;
     std::function<void()> action;
 
-    /// Where a click counts: larger than the symbol, which is small for a pointer.
+    /// The area in which a click counts. It is larger than the symbol, which is a small target.
     [[nodiscard]] static Rect hitArea(const Rect& rect);
     /// Centred in the rectangle.
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };
 
-/// A window's state, on a tint of its colour. A plain value.
+/// A badge that names a window's state. A plain value.
 struct BadgeView {
     WindowPresentation::Badge badge;
-    /// Smaller, and opaque, for a place over an icon.
+    /// Smaller and opaque, to be painted over an icon.
     bool compact = false;
     bool isOnSelection = false;
 
     [[nodiscard]] double width(const PaintContext& context) const;
     [[nodiscard]] double height() const { return compact ? 16 : 19; }
-    /// Centred in the rectangle's height, from its left edge, as wide as `width`.
+    /// Paints it at the rectangle's left edge, centred in its height, as wide as `width()`.
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 
 private:
@@ -72,7 +72,7 @@ struct KeyCapView {
     bool isOnSelection = false;
 
     [[nodiscard]] double width(const PaintContext& context) const;
-    /// Centred in the rectangle's height, from its left edge, as wide as `width`.
+    /// Paints it at the rectangle's left edge, centred in its height, as wide as `width()`.
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };
 

@@ -67,11 +67,11 @@ constexpr double rowIconSide = 32;
 constexpr double rowGap = 12;
 constexpr double rowStarPoints = 12.5;
 constexpr double rowStarSide = SymbolImages::boxSide(rowStarPoints);
-/// Ordinals stand in a column of their own, so that badges and stars of all rows line up.
+/// The ordinals form a column, so that badges and stars of all rows line up.
 constexpr double ordinalColumn = KeyCapView::height;
 constexpr int ordinalsWithAKey = 9;
 
-/// Where the next part to the left of the ordinal ends.
+/// The left edge of the ordinals' column.
 double ordinalLeft(const Rect& rect) {
     return rect.maxX() - rowInset - ordinalColumn;
 }
@@ -168,7 +168,7 @@ void WindowCardView::paint(QPainter& painter, const Rect& rect, const PaintConte
     if (const auto badge = WindowPresentation::badge(row.window, context.texts)) {
         const BadgeView view{*badge, true, isSelected};
         const double width = view.width(context);
-        // Over the lower edge of the icon, and no further down than the title allows.
+        // Over the icon's lower edge, but above the title.
         view.paint(painter, {rect.midX() - width / 2, iconRect.maxY() - view.height() + 4, width, view.height()},
                    context);
     }

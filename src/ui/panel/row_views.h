@@ -18,14 +18,14 @@ namespace ferrowyn {
 /// What rows and cards show as a window's title. Pure functions.
 namespace row_title {
 
-/// The display title as one line; the application's name when nothing of the title can be seen.
+/// The display title on one line, or the application's name when the title shows nothing.
 [[nodiscard]] QString text(const AppWindow& window);
-/// The matched characters, in their colour or, on the selection, underlined.
+/// How the matched characters stand out: in colour or, on the selection, underlined.
 [[nodiscard]] TextEmphasis emphasis(const SwitcherViewModel::Row& row, bool isSelected, const Theme& theme);
 
 }  // namespace row_title
 
-/// Over the first row of an application in grouped layout. A plain value.
+/// The header above the first row of an application in the grouped layout. A plain value.
 struct GroupHeaderView {
     QString appName;
     std::shared_ptr<const IconImage> icon;
@@ -34,7 +34,7 @@ struct GroupHeaderView {
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };
 
-/// A window in list and grouped layouts. A plain value; the row outlives it.
+/// A row: a window in the list and grouped layouts. A plain value; the row outlives it.
 struct WindowRowView {
     const SwitcherViewModel::Row& row;
     std::shared_ptr<const IconImage> icon;
@@ -46,17 +46,17 @@ struct WindowRowView {
     std::function<void()> onToggleFavourite;
 
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
-    /// Where the star stands; nothing when the row has none.
+    /// The rectangle of the star; absent when the row has none.
     [[nodiscard]] std::optional<Rect> favouriteButton(const Rect& rect) const;
 
 private:
     [[nodiscard]] bool showsOrdinal() const;
-    /// Paints badge, star and ordinal; returns where the text must end.
+    /// Paints badge, star and ordinal. Returns the right edge of the room that they leave for the text.
     [[nodiscard]] double paintTrailingParts(QPainter& painter, const Rect& rect, const PaintContext& context) const;
     void paintText(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };
 
-/// A window in the grid layout. A plain value; the row outlives it.
+/// A card: a window in the grid layout. A plain value; the row outlives it.
 struct WindowCardView {
     const SwitcherViewModel::Row& row;
     std::shared_ptr<const IconImage> icon;
@@ -66,7 +66,7 @@ struct WindowCardView {
     std::function<void()> onToggleFavourite;
 
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
-    /// Where the star stands; nothing when the card has none.
+    /// The rectangle of the star; absent when the card has none.
     [[nodiscard]] std::optional<Rect> favouriteButton(const Rect& rect) const;
 
 private:

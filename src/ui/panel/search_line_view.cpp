@@ -30,7 +30,7 @@ double Caret::opacityAfter(double seconds) {
 namespace {
 
 constexpr double symbolPoints = 14;
-/// Where the text begins: right of the symbol, with a gap. Whole, so that it lies on a device pixel.
+/// The left edge of the text: behind the symbol and a gap. Whole, so that it lies on a device pixel.
 constexpr double textLeft = PanelGeometry::sideMargin + 26;
 constexpr double caretHeight = 19;
 constexpr double caretGap = 1;
@@ -69,7 +69,7 @@ void SearchLineView::paint(QPainter& painter, const Rect& rect, const PaintConte
                   indicatorLeft - left)
             .paint(painter, left + behindCaret, baseline, theme.textTertiary);
     } else {
-        // The end is where the user types: a long query loses its beginning.
+        // A query that is too long loses its beginning, because the user types at its end.
         const double hidden = std::max(queryWidth(context) - textRoom(rect), 0.0);
         painter.save();
         painter.setClipRect(QRectF(left - 1, rect.y, textRoom(rect) + 2, rect.height), Qt::IntersectClip);

@@ -9,17 +9,17 @@ class QPainter;
 
 namespace ferrowyn {
 
-/// The blinking insertion mark behind the query. A plain value.
+/// The blinking caret behind the query. A plain value.
 struct Caret {
     static constexpr double width = 1.5;
-    /// Seconds from visible to invisible, and again back.
+    /// Seconds from visible to invisible, and again from invisible to visible.
     static constexpr double halfPeriod = 0.55;
 
     bool isVisible = true;
 
-    /// From its left edge, centred in the rectangle's height. `opacity` while it fades; 1 at rest.
+    /// Paints it at the rectangle's left edge, as high as the rectangle. `opacity` is 1 while it does not blink.
     void paint(QPainter& painter, const Rect& rect, double opacity, const PaintContext& context) const;
-    /// How opaque it is this many seconds after it was last put to rest: eased in and out, back and forth for ever.
+    /// The opacity so many seconds after the blinking began. It eases out and in endlessly.
     [[nodiscard]] static double opacityAfter(double seconds);
 };
 
@@ -31,11 +31,11 @@ struct SearchLineView {
     double caretOpacity = 1;
 
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
-    /// What changes while the caret blinks.
+    /// The caret's rectangle: all that changes while it blinks.
     [[nodiscard]] Rect caretRect(const Rect& rect, const PaintContext& context) const;
 
 private:
-    /// Paints it at the right end; returns where it begins.
+    /// Paints it at the right end. Returns its left edge.
     [[nodiscard]] double paintIndicator(QPainter& painter, const Rect& rect, const PaintContext& context) const;
     [[nodiscard]] double queryWidth(const PaintContext& context) const;
 };

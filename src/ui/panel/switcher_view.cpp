@@ -23,7 +23,7 @@ namespace ferrowyn {
 namespace {
 
 constexpr int scrollMilliseconds = 100;
-/// Enough for a fade of half a second to look even, and half of what the screen could show.
+/// 30 frames a second: a fade of half a second looks smooth.
 constexpr int caretFrameMilliseconds = 33;
 
 }  // namespace
@@ -94,7 +94,7 @@ void SwitcherView::applyModel() {
         resetTransientState();
         scrollToSelection(false);
     } else {
-        // A query may have left fewer rows than had been scrolled past.
+        // The query may have left fewer rows than were scrolled past.
         setScroll(scroll_);
         if (queryChanged || selectionChanged) {
             scrollToSelection(true);
@@ -189,7 +189,7 @@ void SwitcherView::resizeEvent(QResizeEvent* /*event*/) {
     applyModel();
     updateGeometry();
     setScroll(scroll_);
-    // The panel is sized anew while a query scrolls the selection into view: that goes on.
+    // A query resizes the panel while the selection is still scrolling into view: the animation continues.
     scrollToSelection(scrollAnimation_.state() == QAbstractAnimation::Running);
 }
 
@@ -210,7 +210,7 @@ void SwitcherView::loadTheme() {
 void SwitcherView::reloadTheme() {
     loadTheme();
     lines_.clear();
-    // Whatever was drawn ahead has the old colours and fonts.
+    // The frame that was rendered in advance has the old colours and fonts.
     preview_.reset();
     update();
     if (callbacks_.onAppearanceChanged) {
@@ -228,8 +228,8 @@ void SwitcherView::changeEvent(QEvent* event) {
 
 void SwitcherView::showEvent(QShowEvent* /*event*/) {
     synchronize();
-    // The model was brought in before the panel was shown, when there was nobody to tell: what a session opens with is
-    // what a screen reader must say first.
+    // The model was applied before the panel was visible, when nothing is announced. A screen reader must begin with
+    // what the session opens with.
     announceChanges(true, true);
     restartCaret();
 }
@@ -406,7 +406,7 @@ void SwitcherView::setButtonHovered(bool isHovered) {
 void SwitcherView::activateRow(int index) {
     const auto& rows = viewModel_.rows.get();
     if (index >= 0 && static_cast<std::size_t>(index) < rows.size() && callbacks_.onActivate) {
-        // A copy: activation ends the session, and with it may go the rows.
+        // A copy, because activation ends the session and may clear the rows.
         const AppWindow window = rows[static_cast<std::size_t>(index)].window;
         callbacks_.onActivate(window);
     }

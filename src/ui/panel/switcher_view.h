@@ -24,8 +24,8 @@ namespace ferrowyn {
 class Preferences;
 
 /// The content of the switcher panel: shows what the view model publishes, reports what the pointer does, and decides
-/// nothing. It fills whatever size it is given. Main thread; owned by the panel. While it is hidden it runs no timer,
-/// and changes of the model cost it next to nothing.
+/// nothing. It fills the size that it is given. While it is hidden it runs no timer and changes of the model cost next
+/// to nothing. Main thread; the panel owns it.
 class SwitcherView final : public QWidget, public PanelContent {
     Q_OBJECT
 
@@ -41,8 +41,8 @@ public:
     void renderPreview(QImage& target) override;
     [[nodiscard]] bool matchesPreview() const override;
 
-    /// What the last frame took: how many rows were painted, and how many lines of text had to be shaped since the
-    /// view was made. For tests and benchmarks.
+    /// For tests and benchmarks: how many rows the last frame painted, and how many lines of text were shaped since the
+    /// view was made.
     [[nodiscard]] int paintedRowCount() const { return paintedRowCount_; }
     [[nodiscard]] int shapedLineCount() const { return lines_.shapedLineCount(); }
     [[nodiscard]] const Theme& theme() const { return theme_; }
@@ -50,11 +50,11 @@ public:
     [[nodiscard]] double scroll() const { return scroll_; }
     [[nodiscard]] const QVariantAnimation& scrollAnimation() const { return scrollAnimation_; }
 
-    /// For accessibility: what is shown, and where, in the widget's coordinates.
+    /// For accessibility: what is shown and where, in the widget's coordinates.
     [[nodiscard]] const SwitcherViewModel& viewModel() const { return viewModel_; }
     [[nodiscard]] const TextTable& texts() const { return texts_; }
     [[nodiscard]] SwitcherLayout layoutMode() const;
-    /// Whether letting go of the trigger does not switch.
+    /// Whether releasing the trigger does not switch.
     [[nodiscard]] bool staysOpen() const;
     [[nodiscard]] bool showsRows() const { return scene().showsRows(); }
     [[nodiscard]] const PanelGeometry& geometryNow() const { return geometry_; }
@@ -64,7 +64,8 @@ public:
     void toggleFavourite(int index);
     void requestPermissions();
 
-    /// Instead of the desktop's accessibility bus, which is there only on some platforms and when somebody listens.
+    /// For tests: replaces the toolkit's accessibility bridge, which is active only on some platforms and while a
+    /// client listens.
     void setAnnouncer(AccessibilityAnnouncer announcer) { announcer_ = std::move(announcer); }
 
 protected:
@@ -97,12 +98,12 @@ private:
     void loadTheme();
     void reloadTheme();
     [[nodiscard]] PanelScene scene() const;
-    /// What a session's first frame shows of these rows: everything at rest.
+    /// The first frame of a session with these rows.
     [[nodiscard]] PanelScene firstFrame(const std::vector<SwitcherViewModel::Row>& rows, int selectedIndex,
                                         const Size& size) const;
     [[nodiscard]] PaintContext paintContext(double devicePixelRatio);
     void scrollToSelection(bool isAnimated);
-    /// As far as the rows go: they may have become fewer since this position was chosen.
+    /// Limits the position to what the rows allow; there may be fewer of them than before.
     void setScroll(double scroll);
     void restartCaret();
     void caretTick();

@@ -11,7 +11,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// The strip along one end of the area, from its edge, which has the round corners, to where the straight middle
+/// The upper or lower strip of the area, from `edge`, which has round corners, to `inner`, where the straight middle
 /// begins.
 QPainterPath roundedEnd(const QRectF& area, double edge, double inner) {
     constexpr double radius = VisualEffectBackground::cornerRadius;
@@ -35,8 +35,8 @@ void VisualEffectBackground::paint(QPainter& painter, const Rect& rect, const Pa
         painter.fillRect(area, color);
         return;
     }
-    // Antialiased edges need blending; only the straight middle, which is nearly everything, can be replaced. The two
-    // meet between device pixels: one that both drew would show as a line.
+    // Antialiased corners must be blended; the straight middle, nearly the whole area, is replaced. They meet between
+    // device pixels, because a pixel that both paint would show as a line.
     const double scale = context.devicePixelRatio;
     const double top = std::ceil((area.top() + cornerRadius) * scale) / scale;
     const double bottom = std::max(top, std::floor((area.bottom() - cornerRadius) * scale) / scale);

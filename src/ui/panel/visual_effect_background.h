@@ -6,7 +6,7 @@ class QPainter;
 
 namespace ferrowyn {
 
-/// The material behind the whole content, with its outline. It always looks active: the panel never is. A plain value.
+/// The background of the panel, with its outline. It always looks active, although the panel never is. A plain value.
 struct VisualEffectBackground {
     static constexpr double cornerRadius = 14;
 
@@ -14,16 +14,16 @@ struct VisualEffectBackground {
     enum class BlendingMode {
         /// With the desktop behind the panel: translucent, with round corners. Needs a compositor.
         behindWindow,
-        /// With nothing: opaque, to the corners.
+        /// With nothing: opaque, with square corners.
         withinWindow,
     };
 
     Material material = Material::panel;
     BlendingMode blendingMode = BlendingMode::withinWindow;
 
-    /// Replaces whatever was there, the pixels outside the round corners included.
+    /// Replaces all pixels, including those outside the round corners.
     void paint(QPainter& painter, const Rect& rect, const PaintContext& context) const;
-    /// Over everything else, so that no row lies on it.
+    /// To be painted last, so that no row covers it.
     void paintOutline(QPainter& painter, const Rect& rect, const PaintContext& context) const;
 };
 

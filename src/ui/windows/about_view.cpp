@@ -96,7 +96,7 @@ int currentYear(const Platform& platform) {
         return *year;
     }
     const auto sinceEpoch = duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
-    // By the clock on the user's wall.
+    // In the user's time zone.
     return QDateTime::fromMSecsSinceEpoch(sinceEpoch.count()).date().year();
 }
 

@@ -14,7 +14,7 @@ namespace ferrowyn {
 
 struct Platform;
 
-/// What the program says of itself. Pure functions; texts are untranslated.
+/// Texts about the program. Pure functions; they are untranslated.
 namespace about_lines {
 
 /// "Ferrowyn" where the installation gives no name.
@@ -25,14 +25,14 @@ namespace about_lines {
 [[nodiscard]] Phrase versionLine(const BundleInfo& bundle, const WindowTexts& texts);
 /// What the installation says, else "© 2026 Ferrowyn" in the year 2026.
 [[nodiscard]] Phrase copyrightLine(const BundleInfo& bundle, int year, const WindowTexts& texts);
-/// What a screen reader says for the whole.
+/// Name and version, for screen readers.
 [[nodiscard]] Phrase accessibilitySummary(const BundleInfo& bundle, const WindowTexts& texts);
-/// The address as a person would write it: without the scheme.
+/// The address without the scheme and without slashes at its end.
 [[nodiscard]] std::string siteName(std::string_view address);
 
 }  // namespace about_lines
 
-/// The program's own icon. Main thread.
+/// The program's icon. Main thread.
 class ProductIcon final : public QWidget {
     Q_OBJECT
 
@@ -44,10 +44,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// The program's own icon in the sizes in which task bars and window frames show it. After the QGuiApplication.
+/// The program's icon in the sizes of task bars and window frames. Needs a QGuiApplication.
 [[nodiscard]] QIcon windowIcon();
 
-/// The link to the home page, or a text that says that there is none. For whoever takes it in: it has no parent yet.
+/// The link to the home page, or a text that says that there is none. The layout to which the caller adds it takes
+/// ownership.
 [[nodiscard]] QWidget* makeSiteLink(const Platform& platform);
 
 /// The program's icon, name, version and maker, as the about window and the settings show them. Main thread. The

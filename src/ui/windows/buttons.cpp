@@ -108,7 +108,7 @@ void WindowButton::paintBoxedButton(QPainter& painter, const WindowTheme& theme)
     }
     control_painting::paintBox(painter, rect(), buttonRadius, fill, isPrimary ? fill : theme.controlEdge);
     if (control_painting::showsFocus(*this)) {
-        // Inside, so that buttons need no room around them; on the accent's own fill only white is seen.
+        // Inside the button, so that it needs no room around it. On the accent colour only white is visible.
         constexpr double inset = 4;
         const QColor ring = isPrimary ? theme.accentText : theme.focusRing;
         control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),

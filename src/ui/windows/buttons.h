@@ -26,7 +26,7 @@ public:
     };
 
     explicit WindowButton(const Phrase& text, Look look = Look::standard);
-    /// Only a symbol; the name is for the tooltip and for screen readers.
+    /// A button with only a symbol; the name is for the tooltip and for screen readers.
     WindowButton(const QString& name, std::string_view symbol);
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -47,7 +47,8 @@ private:
     SymbolImages symbols_;
 };
 
-/// One of several choices side by side, its symbol over its title. The arrow keys choose the neighbours. Main thread.
+/// One of several choices side by side, with its symbol above its title. The arrow keys choose the neighbours. Main
+/// thread.
 class SegmentButton final : public QRadioButton {
     Q_OBJECT
 
@@ -87,7 +88,7 @@ protected:
 
 private:
     [[nodiscard]] QRectF switchRect() const;
-    /// What a row of this width leaves for the text, and how high the text is then.
+    /// The width that a row of this width leaves for the text, and the height of the text then.
     [[nodiscard]] int textWidth(int width) const;
     [[nodiscard]] int textHeight(int width) const;
 };

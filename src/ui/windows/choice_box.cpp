@@ -32,7 +32,8 @@ void paintArrows(QPainter& painter, const QPointF& middle, const QColor& color) 
     }
 }
 
-/// What is chosen as a text that can be read, for there is no other way to tell screen readers on Linux of it.
+/// Keeps the name of the control and gives the chosen text as its value; the toolkit would make the text its name. The
+/// value is a readable text as well, because screen readers on Linux get it no other way.
 class AccessibleChoiceBox final : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     explicit AccessibleChoiceBox(ChoiceBox& box) : QAccessibleWidget(&box, QAccessible::ComboBox), box_(box) {}
@@ -109,7 +110,7 @@ ChoiceBox::ChoiceBox() {
     setAttribute(Qt::WA_Hover);
     // Qt itself ignores a factory that is installed already.
     QAccessible::installFactory(makeInterface);
-    // What is said of a choice follows it; the toolkit tells of the name alone.
+    // Announce the new value: the toolkit announces only a new name.
     connect(this, &QComboBox::currentIndexChanged, this, [this] {
         QAccessibleValueChangeEvent event(this, currentText());
         QAccessible::updateAccessibility(&event);
@@ -169,7 +170,7 @@ void ChoiceBox::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
-/// The wheel scrolls the pane; a choice that changes on the way past it would be a surprise.
+/// The wheel scrolls the pane and must not change a choice on the way.
 void ChoiceBox::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }

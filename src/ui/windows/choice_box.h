@@ -4,7 +4,7 @@
 
 namespace ferrowyn {
 
-/// One of several texts, the others in a list that opens below it. Main thread.
+/// A drop-down list that shows the chosen text. Main thread.
 class ChoiceBox final : public QComboBox {
     Q_OBJECT
 

@@ -69,7 +69,7 @@ QRectF FavouriteRow::starRect() const {
 void FavouriteRow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     layout()->activate();
-    // Only a name that is cut needs to be told in full.
+    // A tooltip shows the full name where it is cut.
     const bool isCut = QFontMetricsF(fontFor(TextStyle::body)).horizontalAdvance(name_) > nameRect().width();
     setToolTip(isCut ? name_ : QString());
 }
@@ -140,13 +140,13 @@ void FavouritesPane::showFavourites(const std::vector<std::string>& identifiers)
         connect(&row->removeButton(), &QAbstractButton::clicked, this,
                 [this, identifier] { services_.favourites.remove(identifier); });
         pinned_->addRow(row);
-        // Not only when the layout gets to it: the keyboard can go to nothing that is hidden.
+        // Shown at once, not only when the layout is next computed: a hidden button cannot get the focus.
         row->show();
         rows_.push_back(row);
     }
     nothingPinned_->setVisible(rows_.empty());
     removeAll_->setEnabled(!rows_.empty());
-    // Rows stand before the button in the order of the Tab key too.
+    // With the Tab key too, the rows come before the button that removes all.
     QWidget* before = nullptr;
     for (FavouriteRow* const row : rows_) {
         if (before != nullptr) {
@@ -173,7 +173,7 @@ std::shared_ptr<const IconImage> FavouritesPane::icon(const std::string& identif
             return services_.icons.icon(window).image;
         }
     }
-    // Not through the provider: it would go on showing a stand-in when the application starts.
+    // Not through the icon provider, which would keep the stand-in when the application starts.
     if (const auto path = platform_.workspace.installedApplicationPath(identifier)) {
         if (auto image = platform_.icons.iconForFile(*path)) {
             return image;

@@ -22,7 +22,7 @@ class FavouriteRow final : public QWidget {
     Q_OBJECT
 
 public:
-    /// Loading may be slow: it is asked for once, when the row comes into sight.
+    /// Called once, when the row is first painted, because loading may be slow.
     using IconLoader = std::function<std::shared_ptr<const IconImage>()>;
 
     FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts);
@@ -35,7 +35,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// As they are when lines run from left to right.
+    /// In a language that runs from left to right.
     [[nodiscard]] QRectF nameRect() const;
     [[nodiscard]] QRectF starRect() const;
 

@@ -15,7 +15,7 @@ public:
     FlowLayout(const FlowLayout&) = delete;
     FlowLayout& operator=(const FlowLayout&) = delete;
 
-    /// Takes over what it is given, as layouts do.
+    /// Takes ownership of the item.
     void addItem(QLayoutItem* item) override;
     [[nodiscard]] int count() const override { return static_cast<int>(items_.size()); }
     [[nodiscard]] QLayoutItem* itemAt(int index) const override;
@@ -24,14 +24,14 @@ public:
     [[nodiscard]] Qt::Orientations expandingDirections() const override { return {}; }
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
     [[nodiscard]] int heightForWidth(int width) const override;
-    /// All on one line.
+    /// The size of all widgets on one line.
     [[nodiscard]] QSize sizeHint() const override;
-    /// As wide as the widest of them.
+    /// The size in which each of the widgets fits.
     [[nodiscard]] QSize minimumSize() const override;
     void setGeometry(const QRect& rect) override;
 
 private:
-    /// Where each item stands in a width, from left to right.
+    /// The rectangles of the items in this width, from left to right.
     [[nodiscard]] std::vector<QRect> places(int width) const;
 
     std::vector<QLayoutItem*> items_;

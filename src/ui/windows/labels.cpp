@@ -52,8 +52,7 @@ void TextLabel::setSymbol(std::string_view name, Tone tone, double points) {
 }
 
 bool TextLabel::event(QEvent* event) {
-    // Of the application's palette only windows are told; what stands in one hears of the colours that it takes from
-    // it.
+    // Only windows get ApplicationPaletteChange. The widgets in them get PaletteChange.
     if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange ||
         event->type() == QEvent::ApplicationFontChange) {
         const bool isHandled = QLabel::event(event);
@@ -76,7 +75,7 @@ void TextLabel::paintEvent(QPaintEvent* event) {
         return;
     }
     QPainter painter(this);
-    // Beside the first line of a text that stands in the middle of its place.
+    // Beside the first line of the text, which is centred vertically.
     const QRectF room = contentsRect();
     const double textHeight =
         fontMetrics().boundingRect(contentsRect(), Qt::TextWordWrap | Qt::AlignLeft, text()).height();

@@ -11,7 +11,7 @@
 
 namespace ferrowyn {
 
-/// A text of the windows, on as many lines as it needs, with a symbol before it where one is set. It follows the
+/// A text of the windows. It wraps into as many lines as it needs and may have a symbol before it. It follows the
 /// desktop's colours and fonts. Main thread.
 class TextLabel final : public QLabel {
     Q_OBJECT
@@ -19,11 +19,11 @@ class TextLabel final : public QLabel {
 public:
     explicit TextLabel(TextStyle style, Tone tone = Tone::primary, QWidget* parent = nullptr);
     TextLabel(const Phrase& text, TextStyle style, Tone tone = Tone::primary);
-    /// For whoever takes it in: it has no parent yet.
+    /// The layout to which the caller adds it takes ownership.
     [[nodiscard]] static TextLabel* centred(const Phrase& text, TextStyle style, Tone tone);
 
     void setPhrase(const Phrase& text);
-    /// An empty name shows none.
+    /// An empty name removes the symbol.
     void setSymbol(std::string_view name, Tone tone, double points = 13);
     [[nodiscard]] const std::string& symbol() const { return symbol_; }
     [[nodiscard]] Tone symbolTone() const { return symbolTone_; }
@@ -43,7 +43,7 @@ private:
     SymbolImages symbols_;
 };
 
-/// Keys as they stand on a key cap. Main thread.
+/// A key cap with the names of keys. Main thread.
 class KeyCapLabel final : public QLabel {
     Q_OBJECT
 

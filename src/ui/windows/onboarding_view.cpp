@@ -46,15 +46,16 @@ private:
 
 constexpr int betweenParagraphs = 8;
 constexpr int betweenSteps = 6;
-/// The steps' texts stand under the titles, their numbers under the symbols.
+/// Aligns the texts of the steps with the titles, and their numbers with the symbols.
 constexpr int numberWidth = 16;
 constexpr int behindNumber = 9;
 constexpr int aboveButtons = 8;
 constexpr int betweenButtons = 8;
-/// In both parts.
+/// Used by both parts.
 constexpr int belowTitle = 4;
 
-/// On a worker thread: a report asks the session bus, which may take its time. Until it is there the button is off.
+/// Makes the report on a worker thread, because it asks the session bus, which may be slow. The button is disabled
+/// until the report is there.
 void copyReport(const Platform& platform, QAbstractButton& button, const std::function<std::string()>& makeReport) {
     button.setEnabled(false);
     platform.backgroundWork.run(
@@ -268,7 +269,7 @@ OnboardingView::OnboardingView(const Platform& platform, AccessibilityAuthorizer
     column->addWidget(makeFooter(platform));
     setFixedWidth(windowWidth);
     statusSubscription_ = authorizer.status().subscribe([granted, required](AccessibilityStatus status) {
-        // The one that goes, first: for a moment the window would be as high as both.
+        // Hide first: for a moment the window would be as high as both.
         const bool isTrusted = status == AccessibilityStatus::trusted;
         (isTrusted ? static_cast<QWidget*>(required) : granted)->setVisible(false);
         (isTrusted ? static_cast<QWidget*>(granted) : required)->setVisible(true);

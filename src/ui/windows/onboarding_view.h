@@ -12,14 +12,14 @@ struct Platform;
 class AccessibilityAuthorizer;
 class Preferences;
 
-/// The content of the setup window: what is missing and how to repair it, or how to use the switcher; it changes from
-/// one to the other by itself. Main thread. The platform and the services outlive it.
+/// The content of the setup window: what is missing and how to repair it, or how to use the switcher. It follows the
+/// permission. Main thread. The platform and the services outlive it.
 class OnboardingView final : public QWidget {
     Q_OBJECT
 
 public:
     /// `onDone` closes the setup window. `makeReport` describes this desktop for a bug report, on a worker thread;
-    /// without it nothing offers to copy one.
+    /// without it there is no button that copies one.
     OnboardingView(const Platform& platform, AccessibilityAuthorizer& authorizer, const Preferences& preferences,
                    std::function<void()> onDone, std::function<std::string()> makeReport = nullptr);
     ~OnboardingView() override;

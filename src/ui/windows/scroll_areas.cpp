@@ -88,14 +88,14 @@ PlainScrollArea::PlainScrollArea() {
 
 void PlainScrollArea::setContent(QWidget* content) {
     setWidget(content);
-    // The area would have it filled in the palette's own colour.
+    // `setWidget` has it filled in the palette's colour.
     content->setAutoFillBackground(false);
 }
 
 bool PlainScrollArea::eventFilter(QObject* watched, QEvent* event) {
     const bool isHandled = QScrollArea::eventFilter(watched, event);
     if (watched == widget() && event->type() == QEvent::LayoutRequest) {
-        // A control has come or gone, and the area asks for nothing by itself.
+        // A control of the content was shown or hidden, which QScrollArea ignores.
         updateGeometry();
     }
     return isHandled;
@@ -111,7 +111,7 @@ QSize FittingScrollArea::contentSize() const {
     if (!shown.hasHeightForWidth()) {
         return asked;
     }
-    // What it asks for by itself is the height at the width that it would like, not at the one that it has.
+    // The size hint has the height for the preferred width, not for this one.
     return {asked.width(), std::max(shown.heightForWidth(asked.width()), shown.minimumHeight())};
 }
 

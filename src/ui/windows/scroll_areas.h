@@ -8,12 +8,12 @@ namespace ferrowyn {
 
 namespace window_metrics {
 
-/// What the desktop's frame takes of a screen's height, which is known only once a window is there: about that much.
+/// An estimate of the height of a window's frame in points. It is known only when the window is on the screen.
 inline constexpr int titleBarHeight = 32;
 
 }  // namespace window_metrics
 
-/// A vertical scroll bar without arrows, as quiet as what it stands beside. Main thread.
+/// A thin vertical scroll bar without arrows. Main thread.
 class ThinScrollBar final : public QScrollBar {
     Q_OBJECT
 
@@ -30,14 +30,13 @@ protected:
 
 private:
     [[nodiscard]] QRectF thumb() const;
-    /// The value at which the thumb's upper edge stands here.
+    /// The value for a thumb whose upper edge is at `top`.
     [[nodiscard]] int valueAt(double top) const;
 
     double grabbedAt_ = 0;
 };
 
-/// Scrolls downward what does not fit, without a frame or a ground of its own, and asks for room again whenever its
-/// content does. Main thread.
+/// A vertical scroll area without a frame or a background. It asks for a new size when its content does. Main thread.
 class PlainScrollArea : public QScrollArea {
     Q_OBJECT
 
@@ -45,13 +44,13 @@ public:
     PlainScrollArea();
 
 protected:
-    /// Once; the area owns it from then on.
+    /// To be called once. The area takes ownership.
     void setContent(QWidget* content);
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
-/// Asks for as much room as its content needs, but for no more than the screen has: there the content scrolls
-/// downward, so that its last button can still be reached. Main thread.
+/// As large as its content, but not larger than the screen: there the content scrolls, so that its last button can be
+/// reached. Main thread.
 class FittingScrollArea final : public PlainScrollArea {
     Q_OBJECT
 

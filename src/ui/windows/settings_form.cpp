@@ -76,7 +76,7 @@ void SettingsGroup::removeRow(QWidget* row) {
     std::erase(rows_, row);
     layout_->removeWidget(row);
     row->hide();
-    // Its own button may be what asked for this.
+    // Deleted later, because the caller may be a button in the row.
     row->deleteLater();
 }
 
@@ -108,7 +108,7 @@ constexpr int bottomMargin = 26;
 constexpr int belowTitle = 14;
 constexpr int betweenSections = 18;
 constexpr int belowSectionTitle = 7;
-/// A section's title stands a little inside the box below it, whose corners are round.
+/// A section's title begins a little further inside than the box below it, which has round corners.
 constexpr int titleInset = 3;
 
 }  // namespace
@@ -120,7 +120,7 @@ SettingsPaneView::SettingsPaneView(const Phrase& title) {
     column_->setSpacing(0);
     auto* const heading = new TextLabel(title, TextStyle::paneTitle);
     column_->addWidget(heading);
-    // What is added later stands before it.
+    // Further widgets are inserted before the stretch.
     column_->addStretch(1);
 
     setContent(form);
@@ -164,7 +164,7 @@ void SettingsPaneView::keep(Subscription subscription) {
 }
 
 Subscription bindSwitch(QAbstractButton& button, Preferences::Setting<bool>& setting) {
-    // `clicked` is the user alone, by whatever means; following the setting must not set it again.
+    // `clicked` comes only from the user. `setChecked` below does not emit it, so it does not set the setting again.
     QObject::connect(&button, &QAbstractButton::clicked, &button, [&setting](bool isOn) { setting.set(isOn); });
     return setting.published().subscribe([&button](bool isOn) { button.setChecked(isOn); });
 }

@@ -18,33 +18,32 @@ class TextLabel;
 /// Distances inside the grouped boxes of the windows, in points.
 namespace group_metrics {
 
-/// From the box's edge to what stands in it.
+/// From the box's edge to its content.
 inline constexpr int rowInset = 14;
-/// The least height of a row, and the least distance of its text from the row's edges.
+/// The minimum height of a row, and the minimum distance of its text from the upper and lower edge.
 inline constexpr int rowHeight = 42;
 inline constexpr int rowPadding = 11;
-/// A note follows its row at once.
+/// Below a note. There is no distance between a note and its row.
 inline constexpr int belowNote = 12;
 
 }  // namespace group_metrics
 
-/// A box of rows with hairlines between them. What is added belongs to it. Main thread.
+/// A box of rows with hairlines between them. It owns what is added. Main thread.
 class SettingsGroup final : public QWidget {
     Q_OBJECT
 
 public:
     SettingsGroup();
 
-    /// A row of its own, below a hairline unless it is the first one to be seen.
+    /// Adds a row. Each visible row but the first has a hairline above it.
     void addRow(QWidget* row);
-    /// The same for one that keeps the distance to the edges that a text has. Answers with what to hide for the row to
-    /// be gone, as the next one does.
+    /// Adds a row with the insets of a text. Returns the widget to hide when the row is to be hidden.
     QWidget* addInsetRow(QWidget* row);
-    /// Text and control beside each other, the control at the right edge.
+    /// Adds a row with a text and, at its end, a control. Returns the widget to hide when the row is to be hidden.
     QWidget* addRow(QWidget* text, QWidget* control);
-    /// Close under the row before it. Answers with what to hide for the note to be gone.
+    /// Adds a note directly below the last row. Returns the widget to hide when the note is to be hidden.
     QWidget* addNote(TextLabel* note);
-    /// Takes the row out and deletes it.
+    /// Removes and deletes the row.
     void removeRow(QWidget* row);
 
 protected:
@@ -62,16 +61,16 @@ class SettingsPaneView : public PlainScrollArea {
 public:
     explicit SettingsPaneView(const Phrase& title);
 
-    /// Wide enough for every control: what does not fit in height scrolls, what does not fit in width would be lost.
+    /// Wide enough for every control, because the page scrolls only vertically.
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
     SettingsGroup& addGroup();
-    /// The section's title stands over the box and names it.
+    /// Adds a group with a title above it, which is also the name of the group.
     SettingsGroup& addGroup(const Phrase& sectionTitle);
-    /// Anything else, below what is there.
+    /// Adds another widget below the last one.
     void addWidget(QWidget* widget, Qt::Alignment alignment = {});
-    /// Kept as long as the pane: what its controls follow.
+    /// Keeps the subscription of a control as long as the pane.
     void keep(Subscription subscription);
 
 private:
@@ -81,8 +80,8 @@ private:
     std::vector<Subscription> subscriptions_;
 };
 
-/// The button shows the setting, and the user's click sets it. The token ends the first half; the setting outlives the
-/// button.
+/// The button shows the setting, and the user's click sets it. Dropping the token ends only the former. The setting
+/// outlives the button.
 [[nodiscard]] Subscription bindSwitch(QAbstractButton& button, Preferences::Setting<bool>& setting);
 
 }  // namespace ferrowyn

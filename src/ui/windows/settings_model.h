@@ -18,7 +18,7 @@ class IconProvider;
 class LaunchAtLoginService;
 class Preferences;
 
-/// What the settings window shows and changes. All of them outlive the window.
+/// The services that the settings window shows and changes. All of them outlive the window.
 struct SettingsServices {
     Preferences& preferences;
     AccessibilityAuthorizer& authorizer;
@@ -28,10 +28,10 @@ struct SettingsServices {
     IconProvider& icons;
 };
 
-/// What the settings window says, decided without a toolkit. Pure functions; texts are untranslated.
+/// The texts of the settings window, chosen without the toolkit. Pure functions; texts are untranslated.
 namespace settings_lines {
 
-/// A line with a symbol before it, whose colour says how things are.
+/// A line with a symbol before it. The tint says whether all is well.
 struct StatusLine {
     enum class Tint { none, good, attention };
 
@@ -43,19 +43,19 @@ struct StatusLine {
     friend bool operator==(const StatusLine&, const StatusLine&) = default;
 };
 
-/// Nothing while a check runs.
+/// Absent while a check runs.
 [[nodiscard]] std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts);
-/// In place of that where there is nothing to ask.
+/// In place of `updateStatus` where there is no server to ask.
 [[nodiscard]] StatusLine noUpdateServer(const WindowTexts& texts);
 [[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const WindowTexts& texts);
 [[nodiscard]] StatusLine secureInputStatus(const WindowTexts& texts);
-/// The line's text is a view of the message, which is looked up like any text: most come from the table of texts.
+/// The line refers to the message, which outlives it. The message is translated like any other text.
 [[nodiscard]] StatusLine loginItemMessage(std::string_view message);
 
 [[nodiscard]] std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts);
 /// The modifier's name followed by " + Tab".
 [[nodiscard]] Phrase summonChoice(SwitcherModifier modifier, const WindowTexts& texts);
-/// Only command takes keys that the system uses itself.
+/// True for command, which takes keys that the system uses itself.
 [[nodiscard]] bool showsReplacementNote(SwitcherModifier modifier);
 
 [[nodiscard]] std::string_view layoutTitle(SwitcherLayout layout, const WindowTexts& texts);
@@ -72,10 +72,10 @@ inline constexpr int mostVisibleRows = 16;
 
 }  // namespace settings_lines
 
-/// Which keys do what, for people to read. Pure functions; the descriptions are untranslated.
+/// The keys and what they do, as texts. Pure functions; the descriptions are untranslated.
 namespace key_lines {
 
-/// What stands on the key cap, and what the key does.
+/// The text of the key cap, and what the key does.
 struct KeyLine {
     std::string keys;
     std::string_view description;

@@ -76,7 +76,7 @@ void GeneralPane::addLaunchAtLogin(const WindowTexts& texts, LaunchAtLoginServic
     };
     connect(launch, &QAbstractButton::clicked, this, [follow, &service](bool isOn) {
         service.setEnabled(isOn);
-        // A request that changed nothing publishes nothing, and the switch has moved already.
+        // A request that changes nothing publishes nothing, but the click has moved the switch.
         follow();
     });
     connect(open, &QAbstractButton::clicked, this, [&service] { service.openLoginItemsSettings(); });
@@ -210,7 +210,7 @@ void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferenc
                                                {settings_lines::layoutTitle(layout, texts), {}});
         line->addWidget(button);
         buttons.push_back(button);
-        // Toggled, not clicked: that is how the arrow keys choose.
+        // `toggled` and not `clicked`, because the arrow keys emit only the former.
         connect(button, &QAbstractButton::toggled, this, [layout, &preferences](bool isChosen) {
             if (isChosen && preferences.layout.get() != layout) {
                 preferences.layout.set(layout);

@@ -130,7 +130,7 @@ void SettingsSidebar::select(SettingsPane pane) {
 
 QItemSelectionModel::SelectionFlags SettingsSidebar::selectionCommand(const QModelIndex& index,
                                                                       const QEvent* /*event*/) const {
-    // A click beside the rows, or one with Control, would leave the window without a pane.
+    // Otherwise a click beside the rows, or one with Control, would select nothing.
     return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
 }
 
@@ -197,7 +197,7 @@ QSize SettingsView::sizeHint() const {
 }
 
 QSize SettingsView::minimumSizeHint() const {
-    // The panes scroll downward only.
+    // The panes scroll only vertically.
     return leastSize.expandedTo(layout()->minimumSize());
 }
 

@@ -12,12 +12,12 @@ namespace ferrowyn {
 
 struct Platform;
 
-/// The list of panes. The arrow keys and the mouse choose one; it always has one chosen. Main thread.
+/// The list of panes. The arrow keys and the mouse select one; one is always selected. Main thread.
 class SettingsSidebar final : public QListWidget {
     Q_OBJECT
 
 public:
-    /// Longer titles make it wider, up to a point.
+    /// In points. Longer titles make the bar wider, up to `widestBar`.
     static constexpr int barWidth = 190;
     static constexpr int widestBar = 280;
 
@@ -37,8 +37,8 @@ private:
     void adopt();
 };
 
-/// The content of the settings window: a sidebar of panes beside a form. Every control is bound to its service both
-/// ways; nothing is applied later or needs saving. Main thread. The platform and the services outlive it.
+/// The content of the settings window: the sidebar and the selected pane. Each control follows its service and changes
+/// it at once; nothing needs saving. Main thread. The platform and the services outlive it.
 class SettingsView final : public QWidget {
     Q_OBJECT
 

@@ -30,7 +30,7 @@ Stepper::Stepper(int minimum, int maximum) {
     setFont(fontFor(TextStyle::body));
     setAttribute(Qt::WA_Hover);
     setContextMenuPolicy(Qt::NoContextMenu);
-    // The number is painted here; the field would let half-typed ones through.
+    // The number is painted by this class, because the text field would accept incomplete numbers.
     lineEdit()->setReadOnly(true);
     lineEdit()->hide();
 }
@@ -78,7 +78,7 @@ void Stepper::paintEvent(QPaintEvent* /*event*/) {
     paintPart(painter, Part::fewer);
     paintPart(painter, Part::more);
     painter.setOpacity(1);
-    // The hairlines reach from the upper edge to the lower one, but do not cross them.
+    // Between the upper and the lower edge, without crossing them.
     const double scale = painter.deviceTransform().m11();
     const double line = hairline::width(scale);
     const double edge = 1 / scale;
@@ -117,7 +117,7 @@ void Stepper::paintPart(QPainter& painter, Part part) {
 
 void Stepper::resizeEvent(QResizeEvent* event) {
     QSpinBox::resizeEvent(event);
-    // The base class places its field anew each time, and shows nothing of it.
+    // The base class lays its text field out again. It stays hidden.
     lineEdit()->hide();
 }
 
@@ -143,7 +143,7 @@ void Stepper::mouseReleaseEvent(QMouseEvent* event) {
     event->accept();
 }
 
-/// The wheel scrolls the pane; a number that changes on the way past it would be a surprise.
+/// The wheel scrolls the pane and must not change a number on the way.
 void Stepper::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }

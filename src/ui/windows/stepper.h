@@ -4,7 +4,7 @@
 
 namespace ferrowyn {
 
-/// A number between two buttons that make it smaller and larger by one. Main thread.
+/// A number between two buttons that decrease and increase it by one. Main thread.
 class Stepper final : public QSpinBox {
     Q_OBJECT
 

@@ -23,7 +23,7 @@ namespace ferrowyn {
 
 UtilityWindow::UtilityWindow(std::unique_ptr<QWidget> content, bool isResizable) : QWidget(nullptr, Qt::Window) {
     if (!isResizable) {
-        // Otherwise some managers offer to maximise what cannot grow.
+        // Otherwise some window managers offer to maximise a window that cannot grow.
         setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                        Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     }
@@ -53,18 +53,18 @@ void UtilityWindow::centre() {
     ensurePolished();
     layout()->activate();
     const QRect area = screen->availableGeometry();
-    // One that cannot be resized has fitted itself already.
+    // A window that is not resizable already fits the screen.
     resize(size().boundedTo(area.size() - QSize(0, window_metrics::titleBarHeight)));
     QRect place(QPoint(), size());
     place.moveCenter(area.center());
-    // One that is larger than the screen shows its beginning.
+    // Of a window that is larger than the screen the upper left part is shown.
     place.moveLeft(std::max(place.left(), area.left()));
     place.moveTop(std::max(place.top(), area.top()));
     move(place.topLeft());
 }
 
 void UtilityWindow::leaveRoomAtTheTop(int height) {
-    // The window's own margins, of which the toolkit takes the larger where it knows of the bar itself.
+    // The margins of the widget: where the toolkit knows of the bar too, it takes the larger of both.
     setContentsMargins(0, height, 0, 0);
 }
 
@@ -111,7 +111,7 @@ bool UtilityWindow::eventFilter(QObject* watched, QEvent* event) {
 
 namespace {
 
-/// Menus, tooltips and the switcher's panel come and go without making the program one that is "open".
+/// Menus, tooltips and the switcher's panel do not count as open windows.
 bool canBecomeMain(const QWidget& window) {
     const bool isOrdinary = window.windowType() == Qt::Window || window.windowType() == Qt::Dialog;
     return isOrdinary && !window.windowFlags().testAnyFlags(Qt::BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus);
@@ -161,8 +161,8 @@ void UtilityWindowController::makeWindow() {
     window_ = std::make_unique<UtilityWindow>(content_(), isResizable_);
     window_->setWindowTitle(translated(title_));
     window_->onWillClose = [this] { windowWillClose(); };
-    // The toolkit's own request carries the time of the last event that it saw, which may be hours old, and says that
-    // an application asks: a manager that guards the focus then refuses.
+    // The toolkit's request has the time of the last event that it saw, which may be hours old, and says that an
+    // application asks. A window manager that prevents focus stealing refuses it.
     window_->onExposed = [this] { application_.bringToFront(static_cast<WindowId>(window_->winId())); };
     window_->onDidLeaveFullScreen = [this] { configureWindow(); };
     window_->centre();
@@ -189,7 +189,7 @@ ProgressView::ProgressView() {
     constexpr int barWidth = 200;
     setFixedSize(contentSize);
     auto* const bar = new QProgressBar;
-    // Without an end: nobody knows how long it takes.
+    // A bar without an end, because the duration is unknown.
     bar->setRange(0, 0);
     bar->setTextVisible(false);
     bar->setFixedWidth(barWidth);

@@ -12,8 +12,8 @@ namespace ferrowyn {
 
 class Application;
 
-/// A top-level window around one content widget. It keeps to its content's size where it is not resizable, as far as
-/// the screen has room, closes on Escape and the desktop's shortcut for closing, and tells before it goes. Main thread.
+/// A top-level window around one content widget. Where it is not resizable it is as large as its content, as far as the
+/// screen has room. It closes on Escape and on the desktop's shortcut for closing. Main thread.
 class UtilityWindow final : public QWidget {
     Q_OBJECT
 
@@ -28,9 +28,9 @@ public:
     std::function<void()> onDidLeaveFullScreen;
 
     [[nodiscard]] bool isExposed() const { return isVisible() && wasExposed_; }
-    /// In the middle of the screen on which the pointer is.
+    /// Moves the window to the middle of the screen with the pointer.
     void centre();
-    /// For a title bar that lies over the window instead of above it.
+    /// For a title bar that lies over the top of the content. `height` is in points.
     void leaveRoomAtTheTop(int height);
 
 protected:
@@ -44,26 +44,25 @@ private:
     bool wasExposed_ = false;
 };
 
-/// One of the small windows beside the switcher: made when it is first shown, then kept and shown again for the rest of
-/// the run. While any of them is open the program has a place among the running applications. Main thread. The
-/// application outlives it.
+/// One of the windows beside the switcher. It is made when it is first shown, and then kept. While any of them is open,
+/// the program is listed among the running applications. Main thread. The application outlives it.
 class UtilityWindowController {
 public:
     using ContentBuilder = std::function<std::unique_ptr<QWidget>()>;
-    /// Gives a window what its desktop knows and the toolkit does not, each time before it comes onto the screen, and
-    /// when it is no longer full screen: the toolkit may have made the desktop's window anew since it was closed, and
-    /// sets what it knows of the window again after full screen.
-    /// The height of what then lies over the top of the window's content.
+    /// Configures what the desktop knows of a window and the toolkit does not. Called before the window is shown,
+    /// because the toolkit may have made a new native window since it was closed, and when it leaves full screen,
+    /// because the toolkit then configures the window again. Returns the height in points of what lies over the top of
+    /// the content.
     using WindowConfiguration = std::function<int(std::uintptr_t windowNumber, bool isResizable)>;
 
-    /// A window that is not resizable is as large as its content asks to be, at every moment.
+    /// A window that is not resizable always has the size of its content.
     UtilityWindowController(Application& application, Phrase title, bool isResizable, ContentBuilder content,
                             WindowConfiguration configure = nullptr);
     ~UtilityWindowController();
     UtilityWindowController(const UtilityWindowController&) = delete;
     UtilityWindowController& operator=(const UtilityWindowController&) = delete;
 
-    /// Brings the window to the front with the keyboard, whatever is active now.
+    /// Shows the window in front of all others, with the keyboard.
     void show();
     void close();
 
@@ -84,8 +83,7 @@ private:
     WindowConfiguration configure_;
 };
 
-/// What a window shows while the program is still starting: a bar that says only that something is being done. Main
-/// thread.
+/// What a window shows while the program is still starting: a bar without an end. Main thread.
 class ProgressView final : public QWidget {
     Q_OBJECT
 

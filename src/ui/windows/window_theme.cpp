@@ -148,7 +148,7 @@ void paintText(QPainter& painter, const QWidget& widget, const QRectF& rect, con
     painter.setFont(font);
     painter.setPen(color);
     const QString shown = QFontMetricsF(font).elidedText(text, Qt::ElideRight, rect.width());
-    // A text of the other direction keeps it, and stands at the same edge as its neighbours.
+    // The side follows the widget, not the direction of the text.
     const Qt::Alignment edge = widget.isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;
     painter.drawText(rect, static_cast<int>(edge | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
 }

@@ -10,7 +10,7 @@ class QPainter;
 
 namespace ferrowyn {
 
-/// What a symbol or text is painted in.
+/// The role of a symbol or text, which decides its colour.
 enum class Tone { primary, secondary, onAccent, success, warning, accent, favourite };
 
 /// The colours of the settings, setup and about windows, light or dark. A plain value.
@@ -33,7 +33,7 @@ struct WindowTheme {
     QColor accentHovered;
     QColor accentPressed;
     QColor accentText;
-    /// The accent as text on the ground.
+    /// The accent colour for text on the ground.
     QColor link;
     QColor focusRing;
     /// The sidebar's selection while the keyboard is elsewhere.
@@ -56,7 +56,7 @@ struct WindowTheme {
 
     /// Light or dark as the desktop's windows are, in the desktop's accent colour where it has one.
     [[nodiscard]] static WindowTheme fromPalette(const QPalette& palette);
-    /// As the application's palette is now. Main thread.
+    /// From the application's current palette. Main thread.
     [[nodiscard]] static WindowTheme current();
 
     friend bool operator==(const WindowTheme&, const WindowTheme&) = default;
@@ -65,18 +65,19 @@ struct WindowTheme {
 /// What the controls of the windows have in common. Main thread.
 namespace control_painting {
 
-/// Of buttons and other boxes with one line of text: the same for all of them, but for fonts that are uncommonly tall.
+/// The height of a control with one line of text. Only uncommonly tall fonts change it.
 [[nodiscard]] int controlHeight(const QFontMetrics& metrics);
-/// The keyboard is here, and the user works with it rather than with the mouse.
+/// Whether the widget has the focus and the user works with the keyboard.
 [[nodiscard]] bool showsFocus(const QWidget& widget);
-/// Around a shape whose corners have this radius, outside of it.
+/// Paints a ring around a shape whose corners have this radius.
 void paintFocusRing(QPainter& painter, const QRectF& shape, double cornerRadius, const QColor& color);
-/// A shape with an edge of one device pixel.
+/// Paints a box with round corners and an edge of one device pixel.
 void paintBox(QPainter& painter, const QRectF& box, double cornerRadius, const QColor& fill, const QColor& edge);
-/// One line, cut at its end where it does not fit, at the edge of the rectangle where the widget's lines begin.
+/// Paints one line of text, elided to fit, at the side of the rectangle where the widget's lines begin.
 void paintText(QPainter& painter, const QWidget& widget, const QRectF& rect, const QString& text, const QFont& font,
                const QColor& color);
-/// Where a shape, as it is when lines run from left to right, stands in a widget whose lines may run the other way.
+/// The place of a shape in the widget, whose lines may run from right to left; `shape` is the place where they run from
+/// left to right.
 [[nodiscard]] QRectF mirrored(const QWidget& widget, const QRectF& shape);
 
 }  // namespace control_painting
