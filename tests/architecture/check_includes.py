@@ -48,6 +48,16 @@ def folder_of(path):
     return "/".join(parts[:2]) if parts[0] == "platform" and len(parts) > 2 else parts[0]
 
 
+# The parts of the user interface share this folder, and know nothing of each other.
+SHARED_BY_PARTS = "ui/common"
+
+
+def part_of(path):
+    """The part of the user interface that a path below src/ lies in; None for any other path."""
+    parts = pathlib.PurePosixPath(path).parts
+    return "/".join(parts[:2]) if parts[0] == "ui" and len(parts) > 2 else None
+
+
 def complaints_about(path, text):
     """What is wrong in one file; `path` is relative to src/."""
     folder = folder_of(path)
@@ -65,6 +75,8 @@ def complaints_about(path, text):
             target = folder_of(header)
             if target not in ALLOWED.get(folder, set()) and (folder, header) not in EXCEPTIONS:
                 found.append(f"{path}:{number}: {folder} must not include {header}")
+            elif part_of(header) not in (None, part_of(path), SHARED_BY_PARTS) and folder == "ui":
+                found.append(f"{path}:{number}: {part_of(path) or folder} must not include {header}")
         elif TOOLKIT_OR_SYSTEM.match(header) and folder not in MAY_USE_TOOLKIT:
             found.append(f"{path}:{number}: {folder} must not include <{header}>")
         elif ICU.match(header) and folder not in MAY_USE_ICU:
@@ -97,6 +109,8 @@ def self_test():
         ("ui/a.cpp", "#ifdef __linux__"),
         ("input/a.cpp", "#if defined(__APPLE__)"),
         ("core/a.cpp", "#include <ui/switcher_view.h>"),
+        ("ui/panel/a.cpp", '#include "ui/windows/window_theme.h"'),
+        ("ui/common/a.h", '#include "ui/panel/panel_scene.h"'),
         ("input/a.cpp", "#include <sched.h>"),
         ("ui/a.mm", '#import "platform/macos/mac_panel.h"'),
         ("services/a.mm", "#import <AppKit/AppKit.h>"),
@@ -107,6 +121,8 @@ def self_test():
         ("elsewhere/a.cpp", '#include "core/text.h"'),
     ]
     allowed = [
+        ("ui/menu/a.cpp", '#include "ui/common/theme.h"'),
+        ("ui/menu/a.cpp", '#include "ui/menu/menu_geometry.h"'),
         ("core/a.h", "#include <vector>"),
         ("core/a.h", "#include <unicode/uchar.h>"),
         ("ui/a.cpp", '#include "app/app_services.h"'),
