@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWidget>
@@ -15,11 +14,7 @@
 #include "platform/x11/x11_panel.h"
 #include "platform/x11/x11_pointer.h"
 #include "platform/x11/x11_screens.h"
-#include "tests/x11/harness/desktop_processes.h"
-#include "tests/x11/harness/test_desktop.h"
-#include "tests/x11/harness/test_input.h"
-#include "tests/x11/harness/test_window.h"
-#include "tests/x11/harness/toolkit_wait.h"
+#include "tests/x11/adapter/toolkit_session.h"
 
 namespace ferrowyn::x11test {
 
@@ -86,7 +81,7 @@ private:
 };
 
 /// The panel's side of the adapter in this process, on a private desktop.
-class PanelRig {
+class PanelRig : public ToolkitSession {
 public:
     struct Options {
         std::vector<std::string> screens{"1280x800x24"};
@@ -96,15 +91,7 @@ public:
 
     PanelRig() : PanelRig(Options{}) {}
     explicit PanelRig(const Options& options)
-        : server(options.screens),
-          manager(std::make_unique<WindowManagerProcess>(server, options.manager)),
-          desktop(server.display()),
-          input(server.display()) {
-        qputenv("DISPLAY", QByteArray::fromStdString(server.display()));
-        qputenv("QT_QPA_PLATFORM", "xcb");
-        qputenv("QT_SCALE_FACTOR", QByteArray::fromStdString(options.scale));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
-        application = std::make_unique<QApplication>(argumentCount, arguments);
+        : ToolkitSession(options.manager, {.screens = options.screens, .monitors = {}}, options.scale) {
         events = std::make_unique<X11PanelEvents>(X11Connection::open(server.display().c_str()));
         screens = std::make_unique<X11Screens>(*events);
         compositor = std::make_unique<X11Compositor>(*events);
@@ -115,14 +102,6 @@ public:
         panel->setContent(std::move(owned));
     }
 
-    PrivateXServer server;
-    std::unique_ptr<WindowManagerProcess> manager;
-    TestDesktop desktop;
-    TestInput input;
-    int argumentCount = 1;
-    char name[9] = "ferrowyn";
-    char* arguments[2] = {name, nullptr};
-    std::unique_ptr<QApplication> application;
     X11InputContext context;
     std::unique_ptr<X11PanelEvents> events;
     std::unique_ptr<X11Screens> screens;
@@ -136,7 +115,6 @@ public:
         panel->orderFrontRegardless();
     }
 
-    [[nodiscard]] static bool runUntil(const std::function<bool()>& predicate) { return runToolkitUntil(predicate); }
     /// Lets everything that is under way arrive, both ways.
     void settle() {
         for (int round = 0; round < 3; ++round) {

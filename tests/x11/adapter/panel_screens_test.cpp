@@ -7,18 +7,10 @@
 namespace ferrowyn::x11test {
 namespace {
 
-/// Divides the one screen of 1440 x 600 pixels, as a person's two monitors of different heights would.
-void divideScreen(const PrivateXServer& server) {
-    for (const char* const monitor : {"800/211x600/158+0+0", "640/169x480/127+800+0"}) {
-        const bool isLeft = std::string(monitor).ends_with("+0+0");
-        // The server's one output goes to the first, or the undivided screen would remain as a third.
-        ChildProcess xrandr(
-            {.command = {"xrandr", "--setmonitor", isLeft ? "*left" : "right", monitor, isLeft ? "screen" : "none"},
-             .environment = server.clientEnvironment(),
-             .inheritedDescriptor = std::nullopt});
-        ASSERT_EQ(xrandr.waitForExit(), 0) << xrandr.output();
-    }
-}
+/// A screen of 1440 x 600 pixels, divided as a person's two monitors of different heights would.
+const std::vector<std::string> sideBySide{"800/211x600/158+0+0", "640/169x480/127+800+0"};
+/// A screen of 800 x 1000 pixels, divided into one monitor above the other.
+const std::vector<std::string> oneAboveTheOther{"800/211x600/158+0+400", "800/211x400/105+0+0"};
 
 bool hasTwoScreens(const PanelRig& rig) {
     return PanelRig::runUntil([&] {
@@ -29,7 +21,7 @@ bool hasTwoScreens(const PanelRig& rig) {
 
 TEST(ScreensTest, TwoMonitorsGrowUpwardFromThePrimaryOne) {
     PanelRig rig({.screens = {"1440x600x24"}});
-    divideScreen(rig.server);
+    rig.divideScreen(sideBySide);
     ASSERT_TRUE(hasTwoScreens(rig)) << "waited for the division to be noticed";
 
     const Rect onSecond{850, 300, 300, 200};
@@ -46,7 +38,7 @@ TEST(ScreensTest, TwoMonitorsGrowUpwardFromThePrimaryOne) {
 
 TEST(ScreensTest, TheMainScreenIsTheOneOfTheActiveWindow) {
     PanelRig rig({.screens = {"1440x600x24"}});
-    divideScreen(rig.server);
+    rig.divideScreen(sideBySide);
     ASSERT_TRUE(hasTwoScreens(rig));
     const TestWindow window(rig.server.display(), {.title = "On the second", .x = 900, .y = 50});
     ASSERT_TRUE(rig.desktop.waitForActiveWindow(window.id()));
@@ -57,18 +49,6 @@ TEST(ScreensTest, TheMainScreenIsTheOneOfTheActiveWindow) {
         const auto screen = rig.screens->main();
         return screen && middle >= screen->frame.minX() && middle < screen->frame.maxX();
     }));
-}
-
-/// Divides the one screen of 800 x 1000 pixels into one above the other.
-void stackScreens(const PrivateXServer& server) {
-    for (const char* const monitor : {"800/211x600/158+0+400", "800/211x400/105+0+0"}) {
-        const bool isLower = std::string(monitor).ends_with("+0+400");
-        ChildProcess xrandr(
-            {.command = {"xrandr", "--setmonitor", isLower ? "*lower" : "upper", monitor, isLower ? "screen" : "none"},
-             .environment = server.clientEnvironment(),
-             .inheritedDescriptor = std::nullopt});
-        ASSERT_EQ(xrandr.waitForExit(), 0) << xrandr.output();
-    }
 }
 
 /// The screen that the panel opens on once the pointer has been moved to this pixel, when no screen is the main one.
@@ -82,7 +62,7 @@ std::optional<Screen> screenWithPointerAt(PanelRig& rig, int x, int y) {
 
 TEST(ScreensTest, ThePointerIsOnTheScreenThatShowsItAtEveryEdgeSideBySide) {
     PanelRig rig({.screens = {"1440x600x24"}});
-    divideScreen(rig.server);
+    rig.divideScreen(sideBySide);
     ASSERT_TRUE(hasTwoScreens(rig));
     const auto screens = rig.screens->all();
     for (const int x : {0, 799}) {
@@ -100,7 +80,7 @@ TEST(ScreensTest, ThePointerIsOnTheScreenThatShowsItAtEveryEdgeSideBySide) {
 
 TEST(ScreensTest, ThePointerIsOnTheScreenThatShowsItAtEveryEdgeOneAboveTheOther) {
     PanelRig rig({.screens = {"800x1000x24"}});
-    stackScreens(rig.server);
+    rig.divideScreen(oneAboveTheOther);
     ASSERT_TRUE(PanelRig::runUntil([&] {
         const auto all = rig.screens->all();
         return all.size() == 2 && all[0].frame == Rect{0, 0, 800, 600} && all[1].frame == Rect{0, 600, 800, 400};

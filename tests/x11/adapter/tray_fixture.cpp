@@ -19,16 +19,7 @@ QImage plainIcon(const std::string& /*symbol*/, int side, const std::optional<QC
 }  // namespace
 
 TrayRig::TrayRig(const Options& options)
-    : server({options.screen}),
-      bus(server),
-      manager(server, "openbox"),
-      desktop(server.display()),
-      input(server.display()) {
-    qputenv("DISPLAY", QByteArray::fromStdString(server.display()));
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    qputenv("QT_SCALE_FACTOR", QByteArray::fromStdString(options.scale));
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
-    application = std::make_unique<QApplication>(argumentCount, arguments);
+    : ToolkitSession("openbox", {.screens = {options.screen}, .monitors = {}}, options.scale) {
     QApplication::setQuitOnLastWindowClosed(false);
     mainLoop = std::make_unique<QtMainLoop>();
     backgroundWork = std::make_unique<QtBackgroundWork>();

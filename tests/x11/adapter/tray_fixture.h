@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
-#include <QApplication>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -16,11 +15,8 @@
 #include "platform/linux/linux_tray_icon.h"
 #include "platform/qt/qt_main_loop.h"
 #include "tests/ui/status_menu_model.h"
-#include "tests/x11/harness/child_process.h"
+#include "tests/x11/adapter/toolkit_session.h"
 #include "tests/x11/harness/desktop_processes.h"
-#include "tests/x11/harness/test_desktop.h"
-#include "tests/x11/harness/test_input.h"
-#include "tests/x11/harness/toolkit_wait.h"
 #include "ui/menu/popup_status_item.h"
 
 namespace ferrowyn::x11test {
@@ -29,7 +25,7 @@ namespace ferrowyn::x11test {
 inline constexpr std::uint32_t iconColor = 0xFF00FF;
 
 /// The icon and its menu in this process, on a private desktop with a private bus.
-class TrayRig {
+class TrayRig : public ToolkitSession {
 public:
     struct Options {
         bool hasBus = true;
@@ -44,23 +40,13 @@ public:
     TrayRig() : TrayRig(Options{}) {}
     explicit TrayRig(const Options& options);
 
-    PrivateXServer server;
-    PrivateBus bus;
-    WindowManagerProcess manager;
-    TestDesktop desktop;
-    TestInput input;
-    int argumentCount = 1;
-    char name[9] = "ferrowyn";
-    char* arguments[2] = {name, nullptr};
-    std::unique_ptr<QApplication> application;
+    PrivateBus bus{server};
     std::unique_ptr<QtMainLoop> mainLoop;
     std::unique_ptr<QtBackgroundWork> backgroundWork;
     std::unique_ptr<LinuxTrayIcon> icon;
     std::unique_ptr<PopupStatusItem> item;
     std::vector<MenuRow::Action> chosen;
 
-    /// Runs the loop until the predicate holds; what happens outside this process is looked at again at each tick.
-    [[nodiscard]] static bool runUntil(const std::function<bool()>& predicate) { return runToolkitUntil(predicate); }
     [[nodiscard]] bool waitForHost(LinuxTrayIcon::Host host);
     /// Where the icon is on the screen, found by its colour.
     [[nodiscard]] std::optional<TestDesktop::Place> iconPlace() const;

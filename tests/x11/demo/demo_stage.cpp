@@ -17,12 +17,10 @@ void require(bool holds, const std::string& what) {
 
 }  // namespace
 
-DemoDesktop::DemoDesktop(const std::string& programPath)
-    : desktop(server.display()), input(server.display()), programPath_(programPath) {
+DemoDesktop::DemoDesktop(const std::string& programPath) : DesktopSession("openbox"), programPath_(programPath) {
     paintBackground();
     server.home().write("Documents/Minutes.txt", "Minutes\n=======\n\nThe switcher shows every window.\n");
     server.home().write("Documents/Report.txt", "Report\n");
-    manager = std::make_unique<WindowManagerProcess>(server, "openbox");
     arrange();
     program = std::make_unique<FerrowynProgram>(programPath, server);
     require(program->waitUntilActive(), "the switcher to be active; it said: " + program->process().output());
@@ -61,10 +59,8 @@ void DemoDesktop::paintBackground() {
 
 xcb_window_t DemoDesktop::launch(const std::vector<std::string>& command, const TestDesktop::Place& place) {
     const auto before = desktop.clientList();
-    ChildProcess::Options options;
-    options.command = command;
-    options.environment = server.clientEnvironment();
-    applications_.push_back(std::make_unique<ChildProcess>(options));
+    applications_.push_back(std::make_unique<ChildProcess>(ChildProcess::Options{
+        .command = command, .environment = server.clientEnvironment(), .inheritedDescriptor = {}}));
     xcb_window_t opened = 0;
     require(desktop.waitUntil(
                 [&] {
@@ -89,10 +85,7 @@ xcb_window_t DemoDesktop::launch(const std::vector<std::string>& command, const 
 }
 
 std::string DemoDesktop::ask(const std::string& argument) const {
-    ChildProcess::Options options;
-    options.command = {programPath_, argument};
-    options.environment = server.clientEnvironment();
-    ChildProcess process(options);
+    ChildProcess process = startClient({programPath_, argument});
     const auto status = process.waitForExit();
     if (!status) {
         return "it does not end";

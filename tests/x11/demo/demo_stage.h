@@ -8,28 +8,21 @@
 #include <string>
 #include <vector>
 
-#include "tests/x11/harness/child_process.h"
-#include "tests/x11/harness/desktop_processes.h"
+#include "tests/x11/harness/desktop_session.h"
 #include "tests/x11/harness/ferrowyn_program.h"
-#include "tests/x11/harness/test_desktop.h"
-#include "tests/x11/harness/test_input.h"
 
 namespace ferrowyn::x11test {
 
 /// A small desktop with real applications: a window manager with its own Alt+Tab, six windows on two desktops, one of
 /// them minimised, and the switcher.
-class DemoDesktop {
+class DemoDesktop : public DesktopSession {
 public:
     explicit DemoDesktop(const std::string& program);
 
     /// Another start of the program, with this argument, until it ends: what it says, nothing when all is well.
     [[nodiscard]] std::string ask(const std::string& argument) const;
 
-    PrivateXServer server;
     SettingsFile settings{server};
-    TestDesktop desktop;
-    TestInput input;
-    std::unique_ptr<WindowManagerProcess> manager;
     std::unique_ptr<FerrowynProgram> program;
 
     xcb_window_t files = 0;

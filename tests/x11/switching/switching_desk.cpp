@@ -8,36 +8,43 @@
 namespace ferrowyn::x11test {
 
 SwitchingDesk::SwitchingDesk(const std::string& managerName, const Options& options)
-    : server(options.screens),
-      manager(std::make_unique<WindowManagerProcess>(server, managerName)),
-      desktop(server.display()),
-      input(server.display()),
-      programOptions(options.program) {
-    for (std::size_t index = 0; index < options.monitors.size(); ++index) {
-        // The server's one output goes to the first monitor, or the undivided screen would remain beside them.
-        run({"xrandr", "--setmonitor", "monitor" + std::to_string(index), options.monitors[index],
-             index == 0 ? "screen" : "none"});
+    : DesktopSession(managerName, {.screens = options.screens, .monitors = options.monitors}),
+      programOptions(options.program) {}
+
+std::map<std::string, std::string> SwitchingDesk::programEnvironment() const {
+    auto environment = server.clientEnvironment();
+    for (const auto& [name, value] : programOptions.environment) {
+        environment[name] = value;
     }
+    return environment;
 }
 
-ChildProcess SwitchingDesk::startClient(const std::vector<std::string>& command) const {
-    return ChildProcess({.command = command, .environment = server.clientEnvironment(), .inheritedDescriptor = {}});
+SwitchingDesk::Answer SwitchingDesk::ask(const std::vector<std::string>& arguments,
+                                         const std::map<std::string, std::string>& environment) {
+    ChildProcess::Options options{.command = {FERROWYN_PROGRAM}, .environment = environment, .inheritedDescriptor = {}};
+    options.command.insert(options.command.end(), arguments.begin(), arguments.end());
+    ChildProcess process(options);
+    const auto status = process.waitForExit(milliseconds{30000});
+    return {status, process.output()};
 }
 
-void SwitchingDesk::run(const std::vector<std::string>& command) {
-    ChildProcess process = startClient(command);
-    if (process.waitForExit() != 0) {
-        throw std::runtime_error(command.front() + " failed: " + process.output());
+std::optional<xcb_window_t> SwitchingDesk::findWindow(const std::string& title) const {
+    if (const auto managed = desktop.windowTitled(title)) {
+        return managed;
     }
+    const auto shown = desktop.shownTopLevels();
+    const auto found =
+        std::ranges::find_if(shown, [&](xcb_window_t window) { return desktop.text(window, "_NET_WM_NAME") == title; });
+    return found == shown.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<xcb_window_t> SwitchingDesk::waitForWindow(const std::string& title) {
+    static_cast<void>(desktop.waitUntil([&] { return findWindow(title).has_value(); }));
+    return findWindow(title);
 }
 
 void SwitchingDesk::writeSwitcherSetting(const std::string& line) const {
     server.home().write(".config/Ferrowyn/Ferrowyn.ini", "[switcher]\n" + line + "\n");
-}
-
-TestWindow& SwitchingDesk::openWindow(const TestWindow::Options& options) {
-    windows.push_back(std::make_unique<TestWindow>(server.display(), options));
-    return *windows.back();
 }
 
 void SwitchingDesk::openActive(const TestWindow::Options& options) {
@@ -128,6 +135,34 @@ void SwitchingDesk::expectSwitchTo(xcb_window_t window) {
         << " is active; it said: " << program->process().output();
     EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
     EXPECT_TRUE(program->waitForFirst(window)) << "waited for window " << window << " to lead the list";
+}
+
+void SwitchingDesk::expectManagerSwitches() {
+    constexpr milliseconds perPress{2000};
+    const Deadline deadline(patience);
+    const auto active = desktop.activeWindow();
+    const auto shown = desktop.shownTopLevels();
+    const auto hasSwitched = [&] {
+        const auto now = desktop.activeWindow();
+        return now != active && now != XCB_WINDOW_NONE;
+    };
+    // Pressed until the manager answers: under load it misses a key now and then, and some listen for their keys only a
+    // while after they manage windows.
+    while (!hasSwitched() && !deadline.hasPassed()) {
+        input.press(key::leftAlt);
+        input.tap(key::tab);
+        // A manager with a popup misses the release of Alt while it is still about to take the keyboard for it; one
+        // without switches now, or on the release.
+        static_cast<void>(
+            desktop.waitUntil([&] { return desktop.shownTopLevels() != shown || hasSwitched(); }, perPress));
+        EXPECT_FALSE(desktop.visiblePanel()) << "the trigger opened the switcher";
+        input.release(key::leftAlt);
+        static_cast<void>(desktop.waitUntil(hasSwitched, perPress));
+    }
+    EXPECT_TRUE(hasSwitched()) << "waited for the window manager to switch";
+    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.shownTopLevels() == shown; }))
+        << "waited for the window manager's popup to go";
+    EXPECT_TRUE(desktop.waitForFreeKeyboard()) << "waited for the keyboard to be let go";
 }
 
 void SwitchingDesk::expectQuiet() {

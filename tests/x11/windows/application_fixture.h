@@ -6,40 +6,26 @@
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <functional>
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "tests/x11/harness/desktop_processes.h"
-#include "tests/x11/harness/ferrowyn_program.h"
-#include "tests/x11/harness/test_desktop.h"
-#include "tests/x11/harness/test_input.h"
-#include "tests/x11/harness/test_window.h"
+#include "tests/x11/switching/switching_desk.h"
 
 namespace ferrowyn::x11test {
 
-/// The program on a private desktop with two windows, asked for things from outside as a person and a desktop ask.
-class ApplicationFixture : public testing::Test {
+/// The program on a desktop with two windows, asked for things from outside as a person and a desktop ask.
+class ApplicationFixture : public testing::Test, protected SwitchingDesk {
 protected:
     ApplicationFixture();
     ~ApplicationFixture() override;
 
     /// From now on, the session has a bus. Programs that the bus starts are this one.
     void startBus();
-    [[nodiscard]] std::map<std::string, std::string> environment() const;
 
     /// Starts the program and waits until it switches windows; on a bus, until it is reached there too.
     void startProgram(const std::vector<std::string>& arguments = {});
-    struct Result {
-        std::optional<int> status;
-        std::string output;
-    };
-    /// Another start of the program, until it ends.
-    [[nodiscard]] Result run(const std::vector<std::string>& arguments) { return run(arguments, environment()); }
-    [[nodiscard]] static Result run(const std::vector<std::string>& arguments,
-                                    const std::map<std::string, std::string>& environment);
 
     /// Calls a method of `org.freedesktop.Application` and waits for the answer.
     [[nodiscard]] QDBusMessage call(const QString& method, const QVariantList& arguments) const;
@@ -47,13 +33,6 @@ protected:
     [[nodiscard]] QDBusMessage activate() const;
     [[nodiscard]] bool isOnBus() const;
 
-    /// The program's window with this title, once it is on the screen.
-    [[nodiscard]] std::optional<xcb_window_t> waitForWindow(const std::string& title);
-    [[nodiscard]] std::optional<xcb_window_t> findWindow(const std::string& title) const {
-        return desktop.windowTitled(title);
-    }
-    /// The same where no window manager keeps a list.
-    [[nodiscard]] bool isShownUnmanaged(const std::string& title) const;
     /// Until the panel is on the screen and has the keyboard, which it takes a moment later.
     void waitForSwitcher();
     void expectEnd();
@@ -63,13 +42,7 @@ protected:
     /// For what no event tells of.
     [[nodiscard]] bool poll(const std::function<bool()>& condition);
 
-    PrivateXServer server;
-    WindowManagerProcess manager{server, "openbox"};
-    TestDesktop desktop{server.display()};
-    TestInput input{server.display()};
-    std::vector<std::unique_ptr<TestWindow>> windows;
     std::unique_ptr<PrivateBus> bus;
-    std::unique_ptr<FerrowynProgram> program;
 
 private:
     int argumentCount_ = 0;

@@ -29,7 +29,7 @@ protected:
 TEST_F(ApplicationTest, ASecondStartOpensTheSetupWindowOfTheFirstAndEndsWell) {
     startProgram();
     EXPECT_FALSE(findWindow("Ferrowyn Setup")) << "it started silently";
-    const auto second = run({});
+    const auto second = ask({});
     EXPECT_EQ(second.status, 0);
     EXPECT_THAT(second.output, HasSubstr("already running"));
     EXPECT_TRUE(waitForWindow("Ferrowyn Setup"));
@@ -38,7 +38,7 @@ TEST_F(ApplicationTest, ASecondStartOpensTheSetupWindowOfTheFirstAndEndsWell) {
 
 TEST_F(ApplicationTest, TheCommandLineOpensTheSwitcherWhichStaysOpen) {
     startProgram();
-    const auto result = run({"--show"});
+    const auto result = ask({"--show"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, IsEmpty());
     waitForSwitcher();
@@ -54,7 +54,7 @@ TEST_F(ApplicationTest, ItsWindowsFollowTheAppearanceThatTheSettingsPortalTells)
     test::FakeSettingsPortal portal(bus->address());
     portal.values = {{"color-scheme", 1U}};
     startProgram();
-    EXPECT_EQ(run({"--settings"}).status, 0);
+    EXPECT_EQ(ask({"--settings"}).status, 0);
     const auto settings = waitForWindow("Ferrowyn Settings");
     ASSERT_TRUE(settings);
     const auto isDark = [&] {
@@ -73,18 +73,18 @@ TEST_F(ApplicationTest, ItsWindowsFollowTheAppearanceThatTheSettingsPortalTells)
 
 TEST_F(ApplicationTest, TheCommandLineOpensTheWindows) {
     startProgram();
-    EXPECT_EQ(run({"--settings"}).status, 0);
+    EXPECT_EQ(ask({"--settings"}).status, 0);
     const auto settings = waitForWindow("Ferrowyn Settings");
     ASSERT_TRUE(settings);
     EXPECT_TRUE(desktop.waitForActiveWindow(*settings));
     // What a task bar finds the desktop file by, and what it shows without one.
     EXPECT_THAT(desktop.text(*settings, "WM_CLASS"), HasSubstr(std::string("ferrowyn") + '\0' + "ferrowyn"));
     EXPECT_THAT(desktop.cardinals(*settings, "_NET_WM_ICON"), Not(IsEmpty()));
-    EXPECT_EQ(run({"--setup"}).status, 0);
+    EXPECT_EQ(ask({"--setup"}).status, 0);
     const auto setup = waitForWindow("Ferrowyn Setup");
     ASSERT_TRUE(setup);
     EXPECT_TRUE(desktop.waitForActiveWindow(*setup));
-    EXPECT_EQ(run({"--settings"}).status, 0);
+    EXPECT_EQ(ask({"--settings"}).status, 0);
     EXPECT_TRUE(desktop.waitForActiveWindow(*settings)) << "the same window comes to the front again";
 }
 
@@ -94,7 +94,7 @@ TEST_F(ApplicationTest, TheCommandLineEndsItAndReturnsWhenTheKeyboardIsBack) {
     input.tap(key::tab);
     ASSERT_TRUE(desktop.waitForPanel(true));
     EXPECT_FALSE(desktop.keyboardIsFree());
-    const auto result = run({"--quit"});
+    const auto result = ask({"--quit"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, IsEmpty());
     expectKeyboardIsBack();
@@ -102,23 +102,23 @@ TEST_F(ApplicationTest, TheCommandLineEndsItAndReturnsWhenTheKeyboardIsBack) {
 }
 
 TEST_F(ApplicationTest, WithoutAWindowManagerItShowsTheSetupWindowAndStaysReachable) {
-    manager.process().signal(SIGTERM);
-    ASSERT_TRUE(manager.process().waitForExit());
-    FerrowynProgram::Options options{.environment = environment()};
+    manager->process().signal(SIGTERM);
+    ASSERT_TRUE(manager->process().waitForExit());
+    FerrowynProgram::Options options{.environment = programEnvironment()};
     program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
     ASSERT_TRUE(program->process().waitForOutput("Ferrowyn is running"));
-    EXPECT_TRUE(desktop.waitUntil([&] { return isShownUnmanaged("Ferrowyn Setup"); }));
-    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_TRUE(desktop.waitUntil([&] { return findWindow("Ferrowyn Setup").has_value(); }));
+    EXPECT_EQ(ask({"--quit"}).status, 0);
     expectEnd();
 }
 
 TEST_F(ApplicationTest, EndingItWhileItStillStartsIsNotForgotten) {
-    FerrowynProgram::Options options{.environment = environment()};
+    FerrowynProgram::Options options{.environment = programEnvironment()};
     program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
     // It has the display's claim from the very beginning, long before it can do anything.
     const auto claim = desktop.atom("_FERROWYN_INSTANCE_" + std::to_string(getuid()));
     ASSERT_TRUE(poll([&] { return selectionOwner(claim) != XCB_NONE; }));
-    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_EQ(ask({"--quit"}).status, 0);
     expectEnd();
 }
 
@@ -130,7 +130,7 @@ TEST_F(ApplicationTest, WhoTakesItsPlaceAwayDoesNotKeepIt) {
         xcb_set_selection_owner(desktop.connection(), windows.front()->id(), claim, XCB_CURRENT_TIME);
         EXPECT_TRUE(poll([&] { return selectionOwner(claim) == owner; })) << round;
     }
-    EXPECT_EQ(run({"--show"}).status, 0);
+    EXPECT_EQ(ask({"--show"}).status, 0);
     waitForSwitcher();
     input.tap(key::escape);
     EXPECT_TRUE(desktop.waitForPanel(false));
@@ -140,7 +140,7 @@ TEST_F(ApplicationTest, WhatNobodyHearsIsAnErrorThatSaysSo) {
     const auto claim = desktop.atom("_FERROWYN_INSTANCE_" + std::to_string(getuid()));
     xcb_set_selection_owner(desktop.connection(), windows.front()->id(), claim, XCB_CURRENT_TIME);
     ASSERT_EQ(selectionOwner(claim), windows.front()->id());
-    const auto result = run({"--show"});
+    const auto result = ask({"--show"});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.output, HasSubstr("does not answer"));
 }
@@ -153,7 +153,7 @@ TEST_F(ApplicationTest, WhatIsAskedOfAProgramThatIsJustEndingStartsAnother) {
     ASSERT_EQ(selectionOwner(claim), ending->id());
     program = std::make_unique<FerrowynProgram>(
         FERROWYN_PROGRAM, server,
-        FerrowynProgram::Options{.environment = environment(), .arguments = {"--show", "--log-level=debug"}});
+        FerrowynProgram::Options{.environment = programEnvironment(), .arguments = {"--show", "--log-level=debug"}});
     bool isAsked = false;
     ASSERT_TRUE(poll([&] {
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(ending->connection())}) {
@@ -166,16 +166,16 @@ TEST_F(ApplicationTest, WhatIsAskedOfAProgramThatIsJustEndingStartsAnother) {
     waitForSwitcher();
     input.tap(key::escape);
     EXPECT_TRUE(desktop.waitForPanel(false));
-    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_EQ(ask({"--quit"}).status, 0);
     expectEnd();
 }
 
 TEST_F(ApplicationTest, EndingWhatDoesNotRunIsAnErrorThatSaysSo) {
-    const auto result = run({"--quit"});
+    const auto result = ask({"--quit"});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.output, HasSubstr("ferrowyn: Ferrowyn is not running on this display."));
     startBus();
-    EXPECT_EQ(run({"--quit"}).status, 1);
+    EXPECT_EQ(ask({"--quit"}).status, 1);
     EXPECT_FALSE(isOnBus()) << "nothing was started to be ended";
 }
 
@@ -189,14 +189,14 @@ TEST_F(ApplicationTest, WhatIsAskedOfAProgramThatDoesNotRunStartsIt) {
 
 TEST_F(ApplicationTest, ASavedSessionDoesNotStartItASecondTime) {
     SessionManager session;
-    auto variables = environment();
+    auto variables = programEnvironment();
     variables["SESSION_MANAGER"] = session.address();
     FerrowynProgram::Options options{.environment = variables};
     program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
     ASSERT_TRUE(session.waitForSaving());
     EXPECT_EQ(session.restartStyle(), SmRestartNever);
     ASSERT_TRUE(program->process().waitForOutput("Ferrowyn is running"));
-    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_EQ(ask({"--quit"}).status, 0);
     expectEnd();
 }
 
@@ -227,13 +227,13 @@ TEST_F(ApplicationTest, TheDesktopsActionsReachItOverTheBus) {
 TEST_F(ApplicationTest, TheCommandLineReachesItFromWhereThereIsNoDisplay) {
     startBus();
     startProgram();
-    auto elsewhere = environment();
+    auto elsewhere = programEnvironment();
     elsewhere["DISPLAY"] = "";
-    EXPECT_EQ(run({"--show"}, elsewhere).status, 0);
+    EXPECT_EQ(ask({"--show"}, elsewhere).status, 0);
     ASSERT_TRUE(desktop.waitForPanel(true));
-    EXPECT_EQ(run({"--quit"}, elsewhere).status, 0);
+    EXPECT_EQ(ask({"--quit"}, elsewhere).status, 0);
     expectEnd();
-    const auto late = run({"--settings"}, elsewhere);
+    const auto late = ask({"--settings"}, elsewhere);
     EXPECT_EQ(late.status, 1);
     EXPECT_THAT(late.output, HasSubstr("DISPLAY is not set"));
 }
@@ -244,7 +244,7 @@ TEST_F(ApplicationTest, TheBusStartsItSilentlyWhenALauncherOpensIt) {
     EXPECT_EQ(activateAction("show").type(), QDBusMessage::ReplyMessage);
     ASSERT_TRUE(desktop.waitForPanel(true));
     EXPECT_FALSE(findWindow("Ferrowyn Setup"));
-    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_EQ(ask({"--quit"}).status, 0);
     EXPECT_FALSE(isOnBus());
     expectKeyboardIsBack();
 }

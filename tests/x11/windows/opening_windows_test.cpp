@@ -59,7 +59,7 @@ TEST_P(OpeningWindowsTest, TheMenuBringsAWindowToTheFrontWithTheKeyboardEachTime
     input.tap(key::escape);
     EXPECT_TRUE(own.waitUntilGone(settings)) << "its key was to close it";
     use(window(1));
-    EXPECT_EQ(own.ask("--settings").status, 0);
+    EXPECT_EQ(ask({"--settings"}).status, 0);
     EXPECT_TRUE(own.waitForActive(settings)) << "it had been closed";
 }
 
@@ -67,8 +67,8 @@ TEST_P(OpeningWindowsTest, AWindowThatIsOpenOnAnotherDesktopIsShown) {
     openSettings();
     desktop.setDesktopCount(2);
     desktop.setCurrentDesktop(1);
-    ASSERT_TRUE(desktop.waitUntil([this] { return desktop.currentDesktop() == 1 && !own.find(settings); }));
-    EXPECT_EQ(own.ask("--settings").status, 0);
+    ASSERT_TRUE(desktop.waitUntil([this] { return desktop.currentDesktop() == 1 && !findWindow(settings); }));
+    EXPECT_EQ(ask({"--settings"}).status, 0);
     EXPECT_TRUE(own.waitForActive(settings));
 }
 
@@ -99,7 +99,7 @@ TEST_F(OpeningSwitcherTest, TheSwitcherThatNoKeyOpensComesWhereThePointerIs) {
     for (const int x : {100, 1300, 100}) {
         // Nothing but the pointer moves.
         input.movePointer(x, 100);
-        EXPECT_EQ(own.ask("--show").status, 0);
+        EXPECT_EQ(ask({"--show"}).status, 0);
         ASSERT_TRUE(waitUntilOpen());
         const auto place = panelPlace();
         EXPECT_EQ(place.x + place.width / 2 > edge, x > edge) << "the pointer is at " << x;

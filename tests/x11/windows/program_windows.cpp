@@ -34,29 +34,6 @@ bool isOrange(std::uint32_t pixel) {
 
 }  // namespace
 
-ProgramWindows::Answer ProgramWindows::ask(const std::string& argument) const {
-    auto environment = desk_.server.clientEnvironment();
-    for (const auto& [name, value] : desk_.programOptions.environment) {
-        environment[name] = value;
-    }
-    ChildProcess process(
-        {.command = {FERROWYN_PROGRAM, argument}, .environment = environment, .inheritedDescriptor = {}});
-    const auto status = process.waitForExit(milliseconds{30000});
-    return {status, process.output()};
-}
-
-std::optional<xcb_window_t> ProgramWindows::find(const std::string& title) const {
-    if (const auto managed = desk_.desktop.windowTitled(title)) {
-        return managed;
-    }
-    for (const auto window : desk_.desktop.shownTopLevels()) {
-        if (desk_.desktop.text(window, "_NET_WM_NAME") == title) {
-            return window;
-        }
-    }
-    return std::nullopt;
-}
-
 std::optional<xcb_window_t> ProgramWindows::waitForActive(const std::string& title) const {
     auto& desktop = desk_.desktop;
     std::optional<xcb_window_t> window;
@@ -87,7 +64,7 @@ bool ProgramWindows::isDrawn(xcb_window_t window) const {
 }
 
 bool ProgramWindows::waitUntilGone(const std::string& title) const {
-    return desk_.desktop.waitUntil([&] { return !find(title); });
+    return desk_.desktop.waitUntil([&] { return !desk_.findWindow(title); });
 }
 
 std::optional<TestDesktop::Place> ProgramWindows::openMenu(test::Health health) const {

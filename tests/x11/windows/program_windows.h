@@ -15,15 +15,6 @@ class ProgramWindows {
 public:
     explicit ProgramWindows(SwitchingDesk& desk) : desk_(desk) {}
 
-    struct Answer {
-        std::optional<int> status;
-        std::string output;
-    };
-    /// Another start of the program, with this argument, until it ends.
-    [[nodiscard]] Answer ask(const std::string& argument) const;
-
-    /// The window with this title on the screen, whether or not a window manager runs.
-    [[nodiscard]] std::optional<xcb_window_t> find(const std::string& title) const;
     /// Waits until this window is the active one, above all others and drawn: while it comes onto the screen, the
     /// program asks for it to be active once more, and would take it from another that was made active meanwhile.
     [[nodiscard]] std::optional<xcb_window_t> waitForActive(const std::string& title) const;

@@ -149,7 +149,8 @@ TEST_F(SettingsContentsTest, WhatKeepsItFromStartingAtLoginIsToldInTheWindowAndI
     const auto folder = server.home().path() + "/programs";
     server.home().write("programs/xfce4-session-settings", "#!/bin/sh\n: >\"$HOME/settings-opened\"\n");
     std::filesystem::permissions(folder + "/xfce4-session-settings", std::filesystem::perms::owner_all);
-    furtherEnvironment = {{"XDG_CURRENT_DESKTOP", "XFCE"}, {"PATH", folder + ":" + std::getenv("PATH")}};
+    programOptions.environment["XDG_CURRENT_DESKTOP"] = "XFCE";
+    programOptions.environment["PATH"] = folder + ":" + std::getenv("PATH");
     start();
     open("--settings", settingsTitle);
     expectChecked(settingsTitle, "check box", "Launch Ferrowyn at login", true);

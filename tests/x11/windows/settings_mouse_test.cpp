@@ -37,26 +37,6 @@ protected:
         const auto* const choice = window.find("combo box", "Summon with");
         return choice == nullptr ? "" : choice->text;
     }
-    /// Alt and Tab are the window manager's again.
-    void expectTheManagerSwitches() {
-        constexpr milliseconds perPress{2000};
-        const Deadline deadline(patience);
-        const auto active = desktop.activeWindow();
-        const auto shownBefore = desktop.shownTopLevels();
-        const auto hasSwitched = [&] { return desktop.activeWindow() != active; };
-        // Pressed until it answers, for under load it misses one now and then. It has a popup, and misses the release
-        // of Alt while it is still about to take the keyboard for it.
-        while (!hasSwitched() && !deadline.hasPassed()) {
-            input.press(key::leftAlt);
-            input.tap(key::tab);
-            static_cast<void>(desktop.waitUntil([&] { return desktop.shownTopLevels() != shownBefore; }, perPress));
-            EXPECT_FALSE(desktop.visiblePanel()) << "the old trigger opened the switcher";
-            input.release(key::leftAlt);
-            static_cast<void>(desktop.waitUntil(hasSwitched, perPress));
-        }
-        EXPECT_TRUE(hasSwitched()) << "waited for the window manager to switch";
-        EXPECT_TRUE(desktop.waitForFreeKeyboard());
-    }
     [[nodiscard]] static std::string rows(int count) {
         return "Show up to " + std::to_string(count) + " rows before scrolling";
     }
@@ -124,7 +104,7 @@ TEST_F(SettingsMouseTest, ShortcutTheNewTriggerOpensTheSwitcherAndTheOldOneDoesN
             "list item: Letter, Writer, 5 of 5",
         },
         listWidth, key::leftSuper);
-    expectTheManagerSwitches();
+    expectManagerSwitches();
 
     restartAt("Shortcut");
     EXPECT_EQ(shownTrigger(), "Super + Tab");

@@ -68,8 +68,8 @@ TEST_F(SetupWindowTest, BothStatesAreToldAndItChangesBetweenThemByItself) {
     expectLines(setupTitle, granted());
     open("--settings", settingsTitle);
     expectLabel(settingsTitle, "A window manager is running");
-    manager.process().signal(SIGTERM);
-    ASSERT_TRUE(manager.process().waitForExit());
+    manager->process().signal(SIGTERM);
+    ASSERT_TRUE(manager->process().waitForExit());
     expectLines(setupTitle, required());
     expectLabel(settingsTitle, "A window manager is required");
     // Its buttons, pressed as assistive technology does, for windows have no certain place now.

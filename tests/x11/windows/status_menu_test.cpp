@@ -77,8 +77,8 @@ TEST_F(StatusMenuTest, AssistiveTechnologyChoosesARow) {
 
 TEST_F(StatusMenuTest, WithoutAWindowManagerItSaysSoAndLeadsToWhatIsMissing) {
     start();
-    manager.process().signal(SIGTERM);
-    ASSERT_TRUE(manager.process().waitForExit());
+    manager->process().signal(SIGTERM);
+    ASSERT_TRUE(manager->process().waitForExit());
     const Lines lost{"push button: Settings (Ferrowyn, A window manager is required)",
                      "separator: ", "menu item: Show What Is Missing…", "separator: "};
     // Where it stands in the tray, the icon opens the menu without a window manager too.

@@ -5,10 +5,7 @@
 #include <ctime>
 #include <fstream>
 #include <iterator>
-#include <span>
 #include <stdexcept>
-
-#include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn::x11test {
 
@@ -26,6 +23,10 @@ WindowsFixture::WindowsFixture() : browser(server, "Browser", {"News", "Weather"
     server.home().write(folder + "org.example.browser.desktop",
                         "[Desktop Entry]\nType=Application\nName=Browser\nExec=browser\nStartupWMClass=Browser\n");
     startBus();
+    programOptions.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
+    // Nothing listens there: looking for updates fails at once, and no test asks the network.
+    programOptions.environment["https_proxy"] = "http://127.0.0.1:9";
+    programOptions.environment["QT_QPA_PLATFORM"] = "xcb";
     reader = std::make_unique<AccessibilityClient>(*bus);
     EXPECT_TRUE(desktop.waitUntil([&] { return desktop.clientList().size() == windowCount; }));
 }
@@ -40,17 +41,8 @@ void WindowsFixture::TearDown() {
 void WindowsFixture::start() {
     desktop.activate(windows.back()->id());
     ASSERT_TRUE(desktop.waitForActiveWindow(windows.back()->id()));
-    FerrowynProgram::Options options{.environment = environment()};
-    options.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
-    // Nothing listens there: looking for updates fails at once, and no test asks the network.
-    options.environment["https_proxy"] = "http://127.0.0.1:9";
-    options.environment["QT_QPA_PLATFORM"] = "xcb";
-    for (const auto& [name, value] : furtherEnvironment) {
-        options.environment[name] = value;
-    }
-    program = std::make_unique<FerrowynProgram>(FERROWYN_PROGRAM, server, options);
-    ASSERT_TRUE(program->waitUntilActive()) << "waited for the services; it said: " << program->process().output();
-    ASSERT_TRUE(program->waitForList(windowCount, windows.back()->id())) << program->process().output();
+    SwitchingDesk::startProgram(windowCount);
+    ASSERT_FALSE(HasFatalFailure());
     ASSERT_TRUE(program->process().waitForOutput("Ferrowyn is running"));
 }
 
@@ -68,7 +60,7 @@ void WindowsFixture::restart() {
 }
 
 void WindowsFixture::open(const std::string& option, const std::string& title) {
-    ASSERT_EQ(run({option}).status, 0);
+    ASSERT_EQ(ask({option}).status, 0);
     waitUntilUsable(title);
 }
 
@@ -244,27 +236,6 @@ int WindowsFixture::switcherHeight(const std::function<bool(int)>& isIt) {
     return height;
 }
 
-std::optional<xcb_window_t> WindowsFixture::trayIcon(xcb_window_t parent, bool isInTray) const {
-    const XcbReply<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(desktop.connection(), xcb_query_tree(desktop.connection(), parent), nullptr));
-    if (!tree) {
-        return std::nullopt;
-    }
-    const auto isOf = [&](xcb_window_t window, const char* name) {
-        return desktop.text(window, "WM_CLASS").find(name) != std::string::npos;
-    };
-    for (const auto child : std::span(xcb_query_tree_children(tree.get()),
-                                      static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())))) {
-        if (isInTray && isOf(child, "ferrowyn") && desktop.isViewable(child)) {
-            return child;
-        }
-        if (const auto found = trayIcon(child, isInTray || isOf(child, "trayer"))) {
-            return found;
-        }
-    }
-    return std::nullopt;
-}
-
 std::optional<AccessibleNode> WindowsFixture::menu() const {
     return reader->window([](const AccessibleNode& node) { return node.role == "popup menu"; });
 }
@@ -276,8 +247,7 @@ void WindowsFixture::clickTrayIcon() {
     int timesSeen = 0;
     ASSERT_TRUE(reader->waitUntil([&] {
         const auto before = place;
-        const auto icon = trayIcon(desktop.root(), false);
-        place = icon ? desktop.placeOf(*icon) : std::nullopt;
+        place = embeddedTrayIcon(desktop);
         timesSeen = place && place == before ? timesSeen + 1 : 0;
         return timesSeen == looks;
     })) << "waited for the icon in the tray";

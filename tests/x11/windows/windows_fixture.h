@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -85,8 +84,6 @@ protected:
     /// As the copyright line has it.
     [[nodiscard]] static std::string thisYear();
 
-    /// What the program's environment has beside the usual.
-    std::map<std::string, std::string> furtherEnvironment;
     ApplicationProcess browser;
     std::unique_ptr<AccessibilityClient> reader;
     std::unique_ptr<TrayHostProcess> tray;
@@ -95,8 +92,6 @@ private:
     [[nodiscard]] std::optional<AccessibleNode> panel() const;
     [[nodiscard]] bool isSwitcherAsWide(int width) const;
     [[nodiscard]] std::string setting(const std::string& section, const std::string& key) const;
-    /// The program's window in a window of the tray.
-    [[nodiscard]] std::optional<xcb_window_t> trayIcon(xcb_window_t parent, bool isInTray) const;
     void openSwitcher(std::uint8_t modifier);
     void leaveSwitcher(std::uint8_t modifier);
 };

@@ -53,7 +53,7 @@ TEST_P(WindowsUnderFaultsTest, AnOpenWindowOutlivesTheWindowManagerAndFollows) {
     EXPECT_TRUE(!GetParam().tellsHealth || desktop.waitUntil([&] { return own.showsAllRight(*window); }));
 
     loseManager();
-    EXPECT_EQ(own.find(GetParam().title), window) << "it stays on the screen";
+    EXPECT_EQ(findWindow(GetParam().title), window) << "it stays on the screen";
     EXPECT_TRUE(!GetParam().tellsHealth || desktop.waitUntil([&] { return own.showsWarning(*window); }));
 
     findManager();
@@ -92,8 +92,8 @@ TEST_F(MenuUnderFaultsTest, TheMenuLeadsToTheSetupWindowWhileThereIsNoManager) {
     const auto menu = own.openMenu(Health::accessRequired);
     ASSERT_TRUE(menu);
     own.clickRow(*menu, "Grant Accessibility Access…", Health::accessRequired);
-    ASSERT_TRUE(desktop.waitUntil([&] { return own.find("Ferrowyn Setup").has_value(); }));
-    const auto setup = *own.find("Ferrowyn Setup");
+    ASSERT_TRUE(desktop.waitUntil([&] { return findWindow("Ferrowyn Setup").has_value(); }));
+    const auto setup = *findWindow("Ferrowyn Setup");
     EXPECT_TRUE(desktop.waitUntil([&] { return own.showsWarning(setup); }));
     findManager();
     EXPECT_TRUE(desktop.waitUntil([&] { return own.showsAllRight(setup); }));
@@ -116,7 +116,7 @@ TEST_F(MenuUnderFaultsTest, AKeyThatAnotherClientSendsIsNotTheUsers) {
     xcb_flush(desktop.connection());
     // Handled after the key.
     own.expectSwitching();
-    EXPECT_TRUE(own.find("Ferrowyn Settings"));
+    EXPECT_TRUE(findWindow("Ferrowyn Settings"));
     desktop.activate(*window);
     ASSERT_TRUE(own.waitForActive("Ferrowyn Settings"));
     input.tap(key::escape);
@@ -136,12 +136,12 @@ protected:
     /// Everything that does not need a bus.
     void expectAllToWork() {
         own.expectSwitching();
-        const auto settings = own.ask("--settings");
+        const auto settings = ask({"--settings"});
         EXPECT_EQ(settings.status, 0) << settings.output;
         EXPECT_TRUE(own.waitForActive("Ferrowyn Settings"));
         input.tap(key::escape);
         EXPECT_TRUE(own.waitUntilGone("Ferrowyn Settings"));
-        const auto show = own.ask("--show");
+        const auto show = ask({"--show"});
         EXPECT_EQ(show.status, 0) << show.output;
         EXPECT_TRUE(desktop.waitUntil([this] { return desktop.visiblePanel() && !desktop.keyboardIsFree(); }));
         input.tap(key::escape);
@@ -149,7 +149,7 @@ protected:
     }
     void expectToQuitWhenAsked() {
         expectQuiet();
-        const auto quit = own.ask("--quit");
+        const auto quit = ask({"--quit"});
         EXPECT_EQ(quit.status, 0) << quit.output;
         EXPECT_EQ(program->process().waitForExit(), 0) << program->process().output();
     }
@@ -176,7 +176,7 @@ TEST_F(SessionBusFaultsTest, WithAnAddressThatIsNoneAllElseWorks) {
 TEST_F(SessionBusFaultsTest, FromWhereThereIsNeitherDisplayNorBusItIsSaidThatItCannotBeReached) {
     useBusAt("unix:path=" + server.home().path() + "/no-such-bus");
     programOptions.environment["DISPLAY"] = "";
-    const auto answer = own.ask("--show");
+    const auto answer = ask({"--show"});
     EXPECT_EQ(answer.status, 1);
     EXPECT_THAT(answer.output, testing::HasSubstr("DISPLAY is not set"));
 }
