@@ -8,6 +8,7 @@
 #include "platform/x11/keyboard/x11_keyboard_reader.h"
 #include "platform/x11/keyboard/x11_tap_keyboard.h"
 #include "platform/x11/x11_connection.h"
+#include "tests/platform/recorded_log.h"
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/ferrowyn_program.h"
@@ -24,11 +25,6 @@ using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 using Verdict = DoctorFinding::Verdict;
-
-class SilentLog final : public Log {
-public:
-    void write(LogLevel /*level*/, std::string_view /*category*/, std::string_view /*message*/) override {}
-};
 
 /// Another program that takes the trigger keys where this one needs them.
 class RivalSwitcher {
@@ -47,7 +43,7 @@ public:
     RivalSwitcher& operator=(const RivalSwitcher&) = delete;
 
 private:
-    SilentLog log_;
+    RecordedLog log_;
     std::unique_ptr<X11Connection> connection_;
     std::optional<X11KeyboardReader> reader_;
     std::unique_ptr<X11TapKeyboard> keyboard_;

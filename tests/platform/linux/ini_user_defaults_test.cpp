@@ -17,6 +17,7 @@
 #include "platform/linux/atomic_file.h"
 #include "platform/log.h"
 #include "tests/platform/linux/temporary_folder.h"
+#include "tests/platform/recorded_log.h"
 
 namespace ferrowyn {
 namespace {
@@ -27,24 +28,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-/// Keeps what is logged, from any thread.
-class RecordedLog final : public Log {
-public:
-    void write(LogLevel level, std::string_view /*category*/, std::string_view message) override {
-        const std::scoped_lock lock(mutex_);
-        (level == LogLevel::error ? errors_ : others_).emplace_back(message);
-    }
-    [[nodiscard]] std::vector<std::string> errors() const {
-        const std::scoped_lock lock(mutex_);
-        return errors_;
-    }
-
-private:
-    mutable std::mutex mutex_;
-    std::vector<std::string> errors_;
-    std::vector<std::string> others_;
-};
 
 class IniUserDefaultsTest : public testing::Test {
 protected:

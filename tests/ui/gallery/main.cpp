@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 
+#include "tests/ui/gallery/menu_shots.h"
 #include "tests/ui/gallery/sheets.h"
 #include "tests/ui/gallery/window_pictures.h"
 #include "tests/ui/interface_models.h"

@@ -27,7 +27,6 @@ namespace key = x11test::key;
 using x11test::AdapterParts;
 using x11test::ApplicationProcess;
 using x11test::PrivateXServer;
-using x11test::RememberingLog;
 using x11test::TestDesktop;
 using x11test::TestWindow;
 using x11test::WindowManagerProcess;
@@ -126,7 +125,7 @@ private:
     x11test::TestDesktop desktop_{server_.display()};
     x11test::TestInput input_{server_.display()};
     x11test::TestWindow window_{server_.display(), {}};
-    x11test::RememberingLog log_;
+    RecordedLog log_;
     X11InputContext context_;
     X11EventTaps taps_{context_, log_, server_.display()};
 };
@@ -196,7 +195,7 @@ public:
 private:
     TemporaryFolder folder_;
     std::filesystem::path file_ = folder_.path() / "Ferrowyn.ini";
-    RememberingLog log_;
+    RecordedLog log_;
     IniUserDefaults defaults_{file_, log_};
 };
 

@@ -19,20 +19,12 @@
 #include "platform/x11/x11_window_control.h"
 #include "platform/x11/x11_window_inventory.h"
 #include "platform/x11/x11_workspace.h"
+#include "tests/platform/recorded_log.h"
 #include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/test_desktop.h"
 #include "tests/x11/harness/test_window.h"
 
 namespace ferrowyn::x11test {
-
-/// Remembers what was logged.
-class RememberingLog final : public Log {
-public:
-    void write(LogLevel /*level*/, std::string_view category, std::string_view message) override {
-        lines.push_back(std::string(category) + ": " + std::string(message));
-    }
-    std::vector<std::string> lines;
-};
 
 /// The adapter without keyboard and panel, on a display of the test's own.
 class AdapterParts {
@@ -51,7 +43,7 @@ public:
 
     QCoreApplication& qtApplication;
     QtMainLoop mainLoop;
-    RememberingLog log;
+    RecordedLog log;
     X11InputContext context;
     std::atomic<double> scale{1.0};
     bool isConnectionLost = false;
