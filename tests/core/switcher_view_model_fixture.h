@@ -16,7 +16,7 @@ class SwitcherViewModelFixture : public testing::Test {
 protected:
     SwitcherViewModelFixture() { model->bind(windows, status); }
 
-    /// `count` windows with the ids 1 to `count`, each of an application of its own.
+    /// `count` windows with the ids 1 to `count`, each of another application.
     void open(int count) {
         std::vector<AppWindow> list;
         for (int i = 1; i <= count; ++i) {

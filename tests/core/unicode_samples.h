@@ -4,7 +4,7 @@
 #include <string>
 
 /// Texts for tests that compare two implementations: every script and every way of combining that the fast one treats
-/// in a way of its own, close together, so that its shortcuts meet.
+/// differently, close together, so that its shortcuts meet.
 namespace ferrowyn::unicode_samples {
 
 /// Up to `maximumPieces` pieces of one of several alphabets.

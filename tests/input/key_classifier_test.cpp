@@ -28,7 +28,7 @@ KeyDecision sends(SwitcherCommand command) {
     return {KeyDecision::Kind::swallow, std::move(command)};
 }
 
-/// The rules as a table: the first line that fits an event says what becomes of it.
+/// The rules as a table: the first line that fits an event says how it is classified.
 struct Rule {
     enum class Held { any, yes };
     enum class Seen { any, hidden, visible };

@@ -19,7 +19,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 
-/// The window hears of a new size a turn later than its content.
+/// The window is told of a new size one turn of the loop after its content.
 void settle() {
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();

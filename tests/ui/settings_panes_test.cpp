@@ -208,7 +208,7 @@ TEST_F(FavouritesPaneTest, TheKeyboardStaysInTheListWhenARowGoes) {
 }
 
 TEST_F(FavouritesPaneTest, AnAppKeepsItsIconWhileItDoesNotRun) {
-    // Nobody lists what does not run: its icon comes from where it is installed, or it gets a stand-in.
+    // An application that does not run is not listed: its icon comes from where it is installed, or it gets a stand-in.
     model.pin({"org.example.mail", "org.example.gone"});
     model.desktop.takeIconLoads();
     FavouritesPane shown(model.platformWithRecordedIcons(), model.services);
@@ -219,7 +219,7 @@ TEST_F(FavouritesPaneTest, AnAppKeepsItsIconWhileItDoesNotRun) {
 }
 
 TEST_F(FavouritesPaneTest, RowsThatNobodySeesLoadNoIcons) {
-    // Pinning happens in the open switcher, which waits for nobody.
+    // Pinning happens in the open switcher, which must not wait for an icon.
     const FavouritesPane hidden(model.platformWithRecordedIcons(), model.services);
     model.desktop.takeIconLoads();
     model.pin({"org.example.mail", "org.example.gone"});

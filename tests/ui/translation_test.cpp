@@ -97,7 +97,8 @@ TEST_F(TranslationTest, WhatIsPutIntoATextIsNotTranslated) {
     EXPECT_EQ(translated(Phrase::verbatim("Close")), QStringLiteral("Close"));
 }
 
-/// The least that the toolkit accepts as the file of a translation: a language, and one message that nobody asks for.
+/// The least that the toolkit accepts as the file of a translation: a language, and one message that the program does
+/// not have.
 QByteArray translationFile(const QByteArray& language) {
     QByteArray file = QByteArray::fromHex("3cb86418caef9c95cd211cbf60a1bddd");
     const auto append = [&file](char tag, const QByteArray& content) {

@@ -41,7 +41,7 @@ std::vector<Read> heard(QWidget& widget) {
     return all;
 }
 
-/// What can be operated without a name is lost to whoever cannot see it.
+/// A control without a name cannot be used by people who do not see it.
 std::vector<Role> namelessControls(QWidget& widget) {
     std::vector<Read> all;
     read(QAccessible::queryAccessibleInterface(&widget), all);

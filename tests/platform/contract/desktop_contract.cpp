@@ -58,7 +58,7 @@ TEST_P(WindowInventoryContract, TheFrontMostWindowIsListedFirst) {
 TEST_P(WindowInventoryContract, WhatIsAbsentHasItsDefault) {
     const auto window = driver->open("Plain");
     const auto plain = entry(window).value();
-    // Without its owner a window is nobody's.
+    // Without an owner a window belongs to no application.
     EXPECT_EQ(plain.ownerPid, driver->application());
     const auto onScreen = driver->inventory().beginReading()->onScreenWindowIds();
     EXPECT_TRUE(plain.isOnScreen.value_or(onScreen.contains(window)));
@@ -155,7 +155,7 @@ TEST_P(WindowInventoryContract, AnElementOutlivesItsWindowAndAnswersNothing) {
     EXPECT_TRUE(element == AXElementRef(element));
     EXPECT_NE(driver->control().isMain(element), true);
     EXPECT_NE(driver->control().isFocused(element), true);
-    // Nobody is there to do it, and nobody is harmed.
+    // The window is gone: the requests reach nothing and do no harm.
     driver->control().raise(element);
     driver->control().setFocused(element);
 }

@@ -17,7 +17,7 @@ namespace {
 using Type = TapEvent::Type;
 
 constexpr std::uint16_t tabKey = 48;
-/// Longer than any test: whoever waits as long waits in vain.
+/// Longer than any test: a wait of this length has failed.
 constexpr Seconds longSlice{600};
 constexpr auto patience = std::chrono::seconds(30);
 

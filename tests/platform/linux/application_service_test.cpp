@@ -21,7 +21,7 @@ using testing::IsEmpty;
 constexpr const char* serviceName = "com.larkmoor.ferrowyn";
 constexpr const char* objectPath = "/com/larkmoor/ferrowyn";
 
-/// A bus of the test's own.
+/// A private session bus.
 class ApplicationServiceTest : public testing::Test {
 protected:
     void SetUp() override {

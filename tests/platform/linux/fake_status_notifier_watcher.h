@@ -11,7 +11,7 @@
 
 namespace ferrowyn::test {
 
-/// The desktop's side of status notifiers, a watcher and a host in one, on a connection of its own. It is on the bus as
+/// The desktop's side of status notifiers, a watcher and a host in one, with its own connection. It is on the bus as
 /// long as it lives.
 class FakeStatusNotifierWatcher final : public QObject {
     Q_OBJECT

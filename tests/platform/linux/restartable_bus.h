@@ -10,7 +10,7 @@
 
 namespace ferrowyn::test {
 
-/// A session bus of the test's own, which can be ended and started again at the same address.
+/// A private session bus, which can be ended and started again at the same address.
 class RestartableBus {
 public:
     RestartableBus() { start(); }

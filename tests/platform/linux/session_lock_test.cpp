@@ -44,7 +44,7 @@ private:
     bool isLocked_;
 };
 
-/// A bus of the test's own, which plays both the system's and the session's.
+/// A private bus, which stands for the system's and for the session's.
 class SessionLockTest : public testing::Test {
 protected:
     void SetUp() override {

@@ -64,7 +64,7 @@ private:
     Record& record_;
 };
 
-/// A bus of the test's own, on which the test plays the desktop's side.
+/// A private bus, on which the test plays the desktop's side.
 class StatusNotifierTest : public testing::Test {
 protected:
     void SetUp() override {

@@ -9,7 +9,7 @@
 
 namespace ferrowyn {
 
-/// A folder of a test's own, removed with everything in it.
+/// A private folder, removed with everything in it when this object goes.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

@@ -143,7 +143,7 @@ TEST_F(XdgLoginItemTest, AFolderThatCannotBeWrittenIsUnavailable) {
     EXPECT_EQ(item().status(), Status::notFound);
 }
 
-/// For as long as it lives, the test is nobody in particular, even when an administrator started it.
+/// As long as it lives, the test runs as an ordinary user, even when an administrator started it.
 class OrdinaryPerson {
 public:
     explicit OrdinaryPerson(const fs::path& folderToOwn) : user_(geteuid()) {

@@ -265,7 +265,7 @@ TEST_F(CurlHttpClientTest, TheCallbackMayDropItsTokenAndAskAgain) {
     EXPECT_EQ(answers, 3);
 }
 
-/// A name is being looked up, or nobody answers yet, when the process ends.
+/// A name is being looked up, or no server answers yet, when the process ends.
 [[noreturn]] void endWhileWaitingForAnAnswer(bool isGivenUp) {
     constexpr int status = 7;
     // What was there before the client is the tests' own and needs no end. What the client sets up ends before this.

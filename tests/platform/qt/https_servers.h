@@ -11,7 +11,7 @@
 
 namespace ferrowyn {
 
-/// The test's own HTTPS servers, each with another kind of certificate, in a process of their own.
+/// Private HTTPS servers, each with another kind of certificate, in one further process.
 class HttpsServers {
 public:
     HttpsServers() {

@@ -22,7 +22,7 @@ namespace ferrowyn {
 namespace {
 
 /// As much of an X server as a client needs that asks for one version of XInput: real servers cannot be had without the
-/// extension or with an old one. It answers on a thread of its own until the client's connection ends.
+/// extension or with an old one. It answers on another thread until the client's connection ends.
 class ScriptedXServer {
 public:
     struct Options {

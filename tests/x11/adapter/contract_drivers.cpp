@@ -91,7 +91,7 @@ private:
 FERROWYN_HOLDS_TO(WindowInventoryContract, X11, std::make_unique<X11DesktopDriver>());
 FERROWYN_HOLDS_TO(AccessibilityObserverContract, X11, std::make_unique<X11DesktopDriver>());
 
-/// Real keys over a window that has the keyboard. No window manager: one would have a use of its own for the trigger.
+/// Real keys over a window that has the keyboard. No window manager, because it would use the trigger itself.
 class X11KeyboardDriver final : public KeyboardDriver {
 public:
     X11KeyboardDriver() {

@@ -26,7 +26,7 @@
 
 namespace ferrowyn::x11test {
 
-/// The adapter without keyboard and panel, on a display of the test's own.
+/// The adapter without keyboard and panel, on a private display.
 class AdapterParts {
 public:
     explicit AdapterParts(const std::string& display);

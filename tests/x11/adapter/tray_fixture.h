@@ -21,7 +21,7 @@
 
 namespace ferrowyn::x11test {
 
-/// No tray has this colour of its own, so that the icon can be found by it.
+/// No tray uses this colour, so that the icon can be found by it.
 inline constexpr std::uint32_t iconColor = 0xFF00FF;
 
 /// The icon and its menu in this process, on a private desktop with a private bus.
@@ -70,7 +70,7 @@ public:
         std::optional<std::array<std::uint32_t, 3>> textColor;
     };
 
-    /// Takes the trays' selection and tells everybody.
+    /// Takes the selection of the tray and announces that to all clients.
     ScriptedTray(const std::string& display, const Options& options);
     ~ScriptedTray();
     ScriptedTray(const ScriptedTray&) = delete;

@@ -100,7 +100,7 @@ void DemoDesktop::arrange() {
     notes = launch({"xedit", "-title", "Notes for Berlin.txt"}, {860, 60, 380, 260});
     calculator = launch({"xcalc", "-title", "Calculator"}, {980, 320, 220, 300});
     editor = launch({"mousepad", "--disable-server", documents + "/Minutes.txt"}, {420, 60, 520, 360});
-    // A prompt of their own: a shell's would show this machine's folders in the pictures.
+    // A made-up prompt: a shell's would show this machine's folders in the pictures.
     const std::vector<std::string> prompt{"-e", "sh", "-c", "printf '~/src/ferrowyn $ '; exec cat"};
     const auto terminal = [&](const std::string& title, const TestDesktop::Place& place) {
         std::vector<std::string> command{"xterm", "-fa", "DejaVu Sans Mono", "-fs", "10", "-T", title};

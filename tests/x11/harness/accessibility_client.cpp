@@ -163,7 +163,7 @@ AccessibilityClient::AccessibilityClient(const PrivateBus& bus)
     if (!connection_.isConnected()) {
         throw std::runtime_error("the accessibility bus takes no connection");
     }
-    // Programs tell of nothing that nobody has asked for.
+    // Programs send only the events that a client has registered for.
     for (const char* const event : {"object:state-changed", "object:children-changed", "object:property-change",
                                     "window:create", "window:activate"}) {
         static_cast<void>(call({registry, "/org/a11y/atspi/registry"}, registry, "RegisterEvent", {QString(event)}));
@@ -322,7 +322,7 @@ bool AccessibilityClient::act(const AccessibleReference& reference, const std::s
 }
 
 void AccessibilityClient::settle() const {
-    // An answer of the program itself: its connection answers some questions from a thread of its own.
+    // A question that the program itself answers: its connection answers some others from another thread.
     const auto ask = [this](const AccessibleReference& whom) { static_cast<void>(call(whom, accessible, "GetRole")); };
     for (const auto& program : children({registry, rootPath})) {
         // Asked twice: it may find the first question together with a key, and answers before it looks at the key.

@@ -65,7 +65,7 @@ struct AccessibleNode {
     /// "role: name", and the description in parentheses where there is one.
     [[nodiscard]] std::string line() const;
     /// The lines of all that is in it, in reading order. What is there for the layout alone, which has neither a name
-    /// nor a role of its own, is not among them.
+    /// nor a role, is not among them.
     [[nodiscard]] std::vector<std::string> lines() const;
 };
 
@@ -82,7 +82,7 @@ public:
 
     /// A program's window with this title, with all that it shows; nothing when none shows one.
     [[nodiscard]] std::optional<AccessibleNode> window(const std::string& title) const;
-    /// One that has what this looks for, as menus and panels have no titles of their own.
+    /// One for which the predicate holds; for menus and panels, which have no titles.
     [[nodiscard]] std::optional<AccessibleNode> window(const std::function<bool(const AccessibleNode&)>& isIt) const;
     /// What has the keyboard focus, by the program's own last word on it, without what is in it.
     [[nodiscard]] std::optional<AccessibleNode> focused() const;

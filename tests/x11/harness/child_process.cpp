@@ -18,7 +18,7 @@
 #include <stdexcept>
 
 extern "C" {
-// Without linkage of its own in glibc 2.36.
+// In glibc 2.36 this header does not declare its functions extern "C".
 #include <sys/pidfd.h>
 }
 
@@ -112,7 +112,7 @@ void ChildProcess::readAvailable() {
     while ((length = read(terminal_, buffer.data(), buffer.size())) > 0) {
         output_.append(buffer.data(), static_cast<std::size_t>(length));
     }
-    // Once nobody has the other side open any more there is nothing to wait for, though poll would always be ready.
+    // Once no process has the other side open there is nothing to wait for, though poll would always be ready.
     hasTerminalEnded_ = length == 0 || errno == EIO;
 }
 

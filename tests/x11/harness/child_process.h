@@ -33,7 +33,7 @@ private:
     std::chrono::steady_clock::time_point end_;
 };
 
-/// A program that the test started, in a process group of its own, ended with the whole group when this is destroyed.
+/// A program that the test started, in a new process group. The whole group is ended with this object.
 /// Its standard error (and output) goes to a pseudo-terminal, so that a program that talks only to a person talks here.
 class ChildProcess {
 public:

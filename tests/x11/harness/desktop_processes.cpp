@@ -84,7 +84,7 @@ std::map<std::string, std::string> PrivateXServer::clientEnvironment() const {
         {"XDG_SESSION_TYPE", "x11"},
         {"WAYLAND_DISPLAY", ""},
         {"XAUTHORITY", ""},
-        // An empty one has some libraries start a bus, which nobody ends.
+        // With an empty address some libraries start a bus, and nothing ends it.
         {"DBUS_SESSION_BUS_ADDRESS", "disabled:"},
         {"XDG_CURRENT_DESKTOP", ""},
         {"DESKTOP_SESSION", ""},
@@ -129,7 +129,7 @@ constexpr const char* i3Configuration =
     "bindsym Mod1+Shift+Tab focus up\n";
 
 std::vector<std::string> commandFor(const std::string& name, const PrivateXServer& server, bool replacing) {
-    // The managers of the large desktops want a session bus; each gets one of its own that ends with it.
+    // The managers of the large desktops want a session bus; each gets one that ends with it.
     const std::vector<std::string> onBus{"dbus-run-session", "--"};
     std::vector<std::string> command;
     if (name == "openbox") {

@@ -11,7 +11,7 @@
 
 namespace ferrowyn::x11test {
 
-/// An X server of the test's own, on a display number that the server chooses.
+/// A private X server (Xvfb or Xephyr), on a display number that the server chooses.
 class PrivateXServer {
 public:
     /// `screens`: one geometry a screen, such as "1280x800x24"; more than one are joined with Xinerama.
@@ -22,7 +22,7 @@ public:
 
     /// As in DISPLAY.
     [[nodiscard]] const std::string& display() const { return display_; }
-    /// The environment of a client: this display, no Wayland, a home of its own, no session of the person's.
+    /// The environment of a client: this display, no Wayland, a private home, no part of the developer's session.
     [[nodiscard]] std::map<std::string, std::string> clientEnvironment() const;
     [[nodiscard]] const TemporaryFolder& home() const { return home_; }
     /// Ends the server under its clients.
@@ -36,7 +36,7 @@ private:
     std::string display_;
 };
 
-/// A session bus of the test's own, whose services are clients of the private X server.
+/// A private session bus, whose services are clients of the private X server.
 class PrivateBus {
 public:
     explicit PrivateBus(const PrivateXServer& server);
@@ -91,7 +91,7 @@ private:
     std::unique_ptr<ChildProcess> process_;
 };
 
-/// An application with windows in a process of its own, ended with this object.
+/// An application with windows in another process, ended with this object.
 class ApplicationProcess {
 public:
     /// One window a title; they are mapped, though not yet managed, when this returns. The windows after the two titles

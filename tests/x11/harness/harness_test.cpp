@@ -9,7 +9,7 @@
 namespace ferrowyn::x11test {
 namespace {
 
-/// The managers with which the program is tested are worth a test of their own: when one does not start here, this
+/// The managers with which the program is tested are tested first: when one does not start here, this
 /// says so instead of the tests that need it.
 class ManagerTest : public testing::TestWithParam<const char*> {};
 

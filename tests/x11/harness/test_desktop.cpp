@@ -381,7 +381,7 @@ bool isIcon(const TestDesktop& desktop, xcb_window_t window) {
 }  // namespace
 
 std::optional<TestDesktop::Place> embeddedTrayIcon(const TestDesktop& desktop) {
-    // Trays put icons into windows of their own, some deeper than others. Before one does, it is a child of the root.
+    // Trays put icons into their own windows, some deeper than others. Until then the icon is a child of the root.
     auto inside = childrenOf(desktop.connection(), desktop.root());
     while (!inside.empty()) {
         std::vector<xcb_window_t> deeper;

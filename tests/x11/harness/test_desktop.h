@@ -14,8 +14,8 @@
 
 namespace ferrowyn::x11test {
 
-/// Looks at a display from outside, as a person would: which window is active, what is on the screen. It has a
-/// connection of its own.
+/// Looks at a display from outside, as a person would: which window is active, what is on the screen. Has its own
+/// connection.
 class TestDesktop {
 public:
     explicit TestDesktop(const std::string& display);

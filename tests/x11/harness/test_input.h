@@ -92,7 +92,7 @@ public:
         press(keyCode);
         release(keyCode);
     }
-    /// Taps keys while no other client gets the server's ear, and keeps it from them for this long afterwards.
+    /// Taps keys while the server serves no other client, and keeps serving none for this long afterwards.
     void tapUnheard(std::initializer_list<std::uint8_t> keyCodes, std::chrono::milliseconds silence) {
         xcb_grab_server(connection_);
         for (const auto keyCode : keyCodes) {

@@ -12,7 +12,7 @@
 
 namespace ferrowyn::x11test {
 
-/// A real client window with a connection of its own, as an application would open one.
+/// A real client window with its own connection, as an application opens one.
 class TestWindow {
 public:
     struct Options {

@@ -78,7 +78,7 @@ class HeldBackKeysTest : public DeskTest<testing::TestWithParam<Holding>> {
 protected:
     HeldBackKeysTest() : DeskTest(GetParam().manager) {}
 
-    /// Presses and releases keys while no other client gets the server's ear, and for this long afterwards: what a busy
+    /// Presses and releases keys while the server serves no other client, and for this long afterwards: what a busy
     /// server and a late tap amount to.
     void typeUnheard(std::initializer_list<std::uint8_t> keyCodes, milliseconds silence) {
         auto* const connection = desktop.connection();

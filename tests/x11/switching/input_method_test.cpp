@@ -11,7 +11,7 @@
 namespace ferrowyn::x11test {
 namespace {
 
-/// A desktop whose user types Korean with fcitx5, on a bus of its own.
+/// A desktop with a private bus, whose user types Korean with fcitx5.
 class InputMethodTest : public DeskTest<testing::Test> {
 protected:
     InputMethodTest() : DeskTest("openbox") {

@@ -138,7 +138,7 @@ void SwitchingDesk::expectSwitchTo(xcb_window_t window) {
 }
 
 void SwitchingDesk::expectManagerSwitches() {
-    constexpr milliseconds perPress{2000};
+    constexpr milliseconds perPress{4000};
     const Deadline deadline(patience);
     const auto active = desktop.activeWindow();
     const auto shown = desktop.shownTopLevels();
@@ -160,9 +160,15 @@ void SwitchingDesk::expectManagerSwitches() {
         static_cast<void>(desktop.waitUntil(hasSwitched, perPress));
     }
     EXPECT_TRUE(hasSwitched()) << "waited for the window manager to switch";
-    EXPECT_TRUE(desktop.waitUntil([&] { return desktop.shownTopLevels() == shown; }))
-        << "waited for the window manager's popup to go";
-    EXPECT_TRUE(desktop.waitForFreeKeyboard()) << "waited for the keyboard to be let go";
+    // A slow manager answers the press before the last one, opens its popup for the last one and waits there for a
+    // release that it has missed.
+    const auto isDone = [&] { return desktop.shownTopLevels() == shown && desktop.keyboardIsFree(); };
+    bool isFree = desktop.waitUntil(isDone, perPress);
+    if (!isFree) {
+        input.tap(key::leftAlt);
+        isFree = desktop.waitUntil(isDone);
+    }
+    EXPECT_TRUE(isFree) << "waited for the window manager's popup to go";
 }
 
 void SwitchingDesk::expectQuiet() {

@@ -43,7 +43,7 @@ public:
     /// Makes a window of another process the active one as a pager would, once the manager has it.
     void makeActive(xcb_window_t window);
     /// Ends the manager as a crash does: the server itself gives the windows back. A manager that is asked to end may
-    /// be killed on the way, and leave one of them unmapped for ever.
+    /// be killed on the way, and leave one of them unmapped.
     void crashManager();
     /// A line of the section "switcher" in the user's settings file; before the program starts.
     void writeSwitcherSetting(const std::string& line) const;
@@ -89,7 +89,7 @@ public:
     void expectCleanEnd();
 };
 
-/// A test on a desk of its own. At its end nothing may be left over there, and the program must end well.
+/// A test on a desk. At its end nothing may be left over there, and the program must end well.
 template <typename Test>
 class DeskTest : public Test, protected SwitchingDesk {
 protected:

@@ -24,7 +24,7 @@ protected:
     }
 
     /// Goes to the other window, until the settings window knows it: the toolkit, which hears of that a moment later,
-    /// closes its menus then, and no hand opens one that fast.
+    /// closes its menus then, and a person does not open one that fast.
     void leaveSettings() {
         ASSERT_TRUE(waitUntilItLooksActive(true));
         use(window(1));

@@ -35,7 +35,7 @@ public:
 
     /// Whether the window shows the mark of a thing that is right, and no mark of one that is wrong.
     [[nodiscard]] bool showsAllRight(xcb_window_t window) const { return shows(window, Mark::success); }
-    /// The other way round.
+    /// Whether the window shows the mark of a thing that is wrong, and no mark of one that is right.
     [[nodiscard]] bool showsWarning(xcb_window_t window) const { return shows(window, Mark::warning); }
 
     /// Uses the second of two windows after the first, switches back by the shortcut, and looks what became of it.

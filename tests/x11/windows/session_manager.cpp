@@ -16,7 +16,7 @@ SessionManager& managerOf(SmPointer self) {
     return *static_cast<SessionManager*>(self);
 }
 
-/// Whoever runs on this machine during the test may join.
+/// Every client on this machine may join during the test.
 Bool admitAnybody(char* /*host*/) {
     return True;
 }

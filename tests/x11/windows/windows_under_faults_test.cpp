@@ -23,7 +23,7 @@ template <typename Test>
 class FaultsTest : public DeskTest<Test> {
 protected:
     FaultsTest() : DeskTest<Test>("openbox") {
-        // A check for updates has a mark of its own.
+        // A check for updates shows a mark too.
         this->server.home().write(".config/Ferrowyn/Ferrowyn.ini", "[updates]\nautomatic=false\n");
     }
 

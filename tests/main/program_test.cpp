@@ -45,7 +45,7 @@ TEST(SessionCheck, AMissingDisplayIsNamed) {
 
 constexpr int patience = 60000;
 
-/// The program, started as a user would, with settings of its own.
+/// The program, started as a user does it, with private settings.
 class ProgramTest : public testing::Test {
 protected:
     ProgramTest() {
@@ -105,7 +105,7 @@ protected:
         return true;
     }
     static void signal(const QProcess& program, int number) {
-        // A program that has ended has the number 0, which stands for all the processes of the test's own group.
+        // A program that has ended has the number 0, which stands for all processes of the group that the test is in.
         ASSERT_EQ(program.state(), QProcess::Running);
         ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), number), 0);
     }
@@ -213,7 +213,7 @@ TEST_F(ProgramTest, StartedWithNohupItOutlivesItsTerminal) {
     EXPECT_EQ(resultOf(*program).status, 0);
 }
 
-/// A server of the test's own.
+/// A private X server.
 class ProgramOnX11Test : public ProgramTest {
 protected:
     void SetUp() override {

@@ -119,7 +119,7 @@ TEST_F(DoctorSessionTest, NamesTheVersions) {
 // --- the tray
 // ---------------------------------------------------------------------------------------------------------
 
-/// Tells whether a host shows icons; runs on a thread of its own, for the question waits for the answer.
+/// Tells whether a host shows icons; runs on another thread, because the question waits for the answer.
 class FakeWatcher final : public QDBusVirtualObject {
 public:
     explicit FakeWatcher(bool hasHost) : hasHost_(hasHost) {}
