@@ -6,7 +6,7 @@ namespace ferrowyn::cf {
 
 namespace {
 
-/// Whole numbers only: a window number of 7.5 is none.
+/// Whole numbers only: 7.5 is not a window number.
 template <typename Value>
 std::optional<Value> whole(CFTypeRef object, CFNumberType type) {
     const auto number = castTo<CFNumberRef>(object);

@@ -22,7 +22,7 @@ public:
     Owned() = default;
     /// Takes over what a Create or Copy function returned; null when it returned nothing.
     explicit Owned(Ref adopted) : object_(adopted) {}
-    /// Shares in an object that belongs to somebody else.
+    /// Adds a reference to an object that has another owner.
     [[nodiscard]] static Owned retaining(Ref object) {
         if (object != nullptr) {
             CFRetain(object);
@@ -88,8 +88,8 @@ inline CFTypeID cfTypeId<AXUIElementRef>() {
     return AXUIElementGetTypeID();
 }
 
-/// The object as the type that it is; null when it is absent or of another type. What another process sends is never
-/// taken at its word.
+/// The object as the type that it is; null when it is absent or of another type. Values from another process may have
+/// any type.
 template <typename Ref>
 [[nodiscard]] Ref castTo(CFTypeRef object) {
     return object != nullptr && CFGetTypeID(object) == cfTypeId<Ref>() ? static_cast<Ref>(object) : nullptr;
@@ -97,20 +97,20 @@ template <typename Ref>
 
 }  // namespace ferrowyn
 
-/// Between Core Foundation's values and ours. A value that is absent, of another type or out of range is nothing. Pure
-/// functions; any thread.
+/// Between Core Foundation's values and ours. A value that is absent, of another type or out of range becomes absent.
+/// Pure functions; any thread.
 namespace ferrowyn::cf {
 
-/// As UTF-8; what is no text, such as half a surrogate pair, becomes "?".
+/// As UTF-8; half a surrogate pair becomes "?".
 [[nodiscard]] std::optional<std::string> string(CFTypeRef object);
-/// A number counts by its Boolean value.
+/// Also from a number, where 0 is false.
 [[nodiscard]] std::optional<bool> boolean(CFTypeRef object);
 [[nodiscard]] std::optional<std::int32_t> int32(CFTypeRef object);
 [[nodiscard]] std::optional<std::int64_t> int64(CFTypeRef object);
 [[nodiscard]] std::optional<double> real(CFTypeRef object);
-/// A whole number that an unsigned 32-bit integer can hold.
+/// From a whole number that fits into 32 bits.
 [[nodiscard]] std::optional<WindowId> windowId(CFTypeRef object);
-/// From the dictionary that a rectangle is sent as.
+/// From a dictionary, as the window server sends rectangles.
 [[nodiscard]] std::optional<Rect> rect(CFTypeRef object);
 /// From an Accessibility value.
 [[nodiscard]] std::optional<Point> point(CFTypeRef object);

@@ -13,7 +13,7 @@
 
 namespace ferrowyn {
 
-/// Empty for bytes that are no UTF-8.
+/// Empty for bytes that are not UTF-8.
 [[nodiscard]] inline NSString* _Nonnull nsString(std::string_view text) {
     NSString* const string = [[NSString alloc] initWithBytes:text.data()
                                                       length:text.size()
@@ -31,7 +31,7 @@ namespace ferrowyn {
     return text == nil ? std::nullopt : std::optional(utf8(text));
 }
 
-/// For a value of a property list, which may have any type.
+/// For a value of a property list, which may have any type: absent when it is not a string.
 [[nodiscard]] inline std::optional<std::string> stringOrNothing(id _Nullable value) {
     return [value isKindOfClass:[NSString class]] ? std::optional(utf8(value)) : std::nullopt;
 }
@@ -46,14 +46,14 @@ namespace ferrowyn {
     return NSMakeRect(rect.x, rect.y, rect.width, rect.height);
 }
 
-// The toolkit hands views over as numbers, their addresses.
+// The toolkit passes a view as a number, its address.
 
 [[nodiscard]] inline std::uintptr_t addressOf(NSView* _Nullable view) {
     NSView* __unsafe_unretained unowned = view;
     return __builtin_bit_cast(std::uintptr_t, unowned);
 }
 
-/// The view lives.
+/// The view must be alive.
 [[nodiscard]] inline NSView* _Nullable viewAt(std::uintptr_t address) {
     return __builtin_bit_cast(NSView * __unsafe_unretained, address);
 }

@@ -7,7 +7,7 @@ namespace ferrowyn {
 
 Subscription observeNotification(NSNotificationCenter* center, NSNotificationName name,
                                  std::function<void(NSNotification*)> handler) {
-    // What waits in the queue when the token is dropped is delivered all the same.
+    // The queue still delivers what it holds when the observer is removed.
     const auto alive = std::make_shared<const bool>(true);
     const std::weak_ptr<const bool> weakAlive = alive;
     const id<NSObject> token = [center addObserverForName:name

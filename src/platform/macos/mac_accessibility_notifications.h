@@ -6,7 +6,7 @@
 
 namespace ferrowyn {
 
-/// Told on the main thread when the system says to everybody that its Accessibility database has changed. It may say so
+/// Calls the handler on the main thread when the system announces a change of its Accessibility database, which may be
 /// before the change can be read.
 [[nodiscard]] Subscription observeAccessibilityDatabase(std::function<void()> handler);
 

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-/// The centre of all processes knows targets only, no blocks.
+/// The distributed centre takes targets only, no blocks.
 @interface FerrowynAccessibilityDatabaseTarget : NSObject
 - (instancetype)initWithHandler:(std::function<void()>)handler;
 - (void)accessibilityDatabaseChanged:(NSNotification*)notification;
@@ -38,7 +38,7 @@ Subscription observeAccessibilityDatabase(std::function<void()> handler) {
                selector:@selector(accessibilityDatabaseChanged:)
                    name:@"com.apple.accessibility.api"
                  object:nil];
-    // The centre does not hold its targets.
+    // The centre does not retain its targets.
     return Subscription([center, target] { [center removeObserver:target]; });
 }
 

@@ -17,23 +17,24 @@
 
 namespace ferrowyn {
 
-/// What one application is asked to notify an observer of. To ask is a message to the application, for whose answer the
-/// main thread waits: one that hangs is waited for once, and what it was not told waits for a later turn. Main thread.
+/// Registers one observer's notifications with its application. Each registration is a message for whose answer the
+/// main thread waits: an application that hangs is waited for once, and the other registrations are sent later. Main
+/// thread.
 class MacNotificationRegistrations {
 public:
-    /// The observer, what its callback is given, the loop and the log outlive this.
+    /// `refcon` is what the observer's callback is given. The observer, `refcon`, the loop and the log outlive this.
     MacNotificationRegistrations(Pid pid, AXObserverRef observer, void* refcon, MainLoop& mainLoop, Log& log);
     MacNotificationRegistrations(const MacNotificationRegistrations&) = delete;
     MacNotificationRegistrations& operator=(const MacNotificationRegistrations&) = delete;
 
     void add(AXUIElementRef element, std::string_view notification);
     void remove(AXUIElementRef element, std::string_view notification);
-    /// Sends nothing of what still waits.
+    /// Drops the requests that still wait.
     void forgetWaiting();
 
     static constexpr Seconds messagingTimeout{0.5};
-    /// Each pause is twice as long as the one before. After the longest the application is left alone until a window
-    /// comes that is to be watched: windows are only found in applications that answer.
+    /// Each pause is twice as long as the one before. After the longest there is no retry until another window is
+    /// added: windows are only found in applications that answer.
     static constexpr Seconds firstPause{1.0};
     static constexpr Seconds longestPause{128.0};
 
@@ -81,7 +82,7 @@ public:
     void detachFromMainLoop() override;
 
 private:
-    /// What the system's callback is given.
+    /// What the system's callback gets as its `refcon`.
     struct Watch {
         enum class Source { notYetAdded, onMainLoop, removed };
 
@@ -154,8 +155,8 @@ bool MacNotificationRegistrations::send(const Request& request) const {
     const bool isRemoval = request.verb == Verb::remove;
     const AXError error = isRemoval ? AXObserverRemoveNotification(observer_, request.element.get(), name.get())
                                     : AXObserverAddNotification(observer_, request.element.get(), name.get(), refcon_);
-    // A window that has gone took its registrations along, and a registration that was not answered in time may have
-    // been made all the same.
+    // The registrations of a closed window are gone with it, and a registration that was not answered in time may still
+    // have been made.
     const bool isDone = error == kAXErrorSuccess ||
                         (isRemoval ? error == kAXErrorInvalidUIElement || error == kAXErrorNotificationNotRegistered
                                    : error == kAXErrorNotificationAlreadyRegistered);
@@ -179,7 +180,7 @@ void MacNotificationRegistrations::tryAgain() {
         waiting_.pop_front();
         if (!send(request)) {
             hangs_ = true;
-            // Last next time: should it be the one that is never answered, the others get their turn.
+            // To the end of the queue: if it is never answered, the others still get their turn.
             waiting_.push_back(std::move(request));
         }
     }
@@ -188,7 +189,7 @@ void MacNotificationRegistrations::tryAgain() {
     }
 }
 
-/// What waits and is no longer wanted is never sent.
+/// Whether the request undoes one that still waits. Neither is sent then.
 bool MacNotificationRegistrations::cancelsWaiting(const Request& request) {
     return std::erase_if(waiting_, [&](const Request& each) {
                return each.verb != request.verb && each.notification == request.notification &&
@@ -216,7 +217,7 @@ MacAccessibilityObserver::MacAccessibilityObserver(Pid pid, Owned<AXUIElementRef
       application_(std::move(application)),
       watch_(std::move(watch)),
       registrations_(pid, watch_->observer.get(), watch_.get(), mainLoop, log) {
-    // After what its maker registers in this turn. Nothing is lost in between: what the application tells waits for
+    // In the next turn, so that the registrations of this one come first. Notifications that arrive in between wait for
     // the source.
     mainLoop_.post([watch = std::weak_ptr<Watch>(watch_)] {
         if (const auto current = watch.lock()) {
@@ -227,8 +228,8 @@ MacAccessibilityObserver::MacAccessibilityObserver(Pid pid, Owned<AXUIElementRef
 
 MacAccessibilityObserver::~MacAccessibilityObserver() {
     detachFromMainLoop();
-    // The system may be in the middle of delivering several notifications of this observer, the first of which ended
-    // it. What the others are handed, and the observer that they come from, stays until they have been delivered.
+    // The system may be delivering several notifications, the first of which destroyed this object. The observer and
+    // its `refcon` stay until the others have been delivered.
     mainLoop_.post([watch = std::move(watch_)] {});
 }
 

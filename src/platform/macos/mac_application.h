@@ -28,7 +28,7 @@ public:
 /// What the system tells the application's delegate. Each may be empty.
 struct MacApplicationEvents {
     std::function<void()> onDidFinishLaunching;
-    /// The user opens the program while it runs; the answer is whether the system may do what it does then, too.
+    /// The user opens the program while it runs. Returns whether the system may also do what it usually does then.
     std::function<bool(bool hasVisibleWindows)> onShouldHandleReopen;
     std::function<void()> onWillTerminate;
 };
@@ -68,9 +68,9 @@ private:
     std::unique_ptr<Parts> parts_;
 };
 
-/// Gives the window of a top-level widget, named by the address of its view, the looks of the program's ordinary
-/// windows: its content reaches under a transparent title bar. It is not released when it is closed. Main thread.
-/// The height of that bar, where nothing of the content can be seen well, or clicked.
+/// Gives the window of a top-level widget, named by the address of its view, the look of the program's ordinary
+/// windows: the content reaches under a transparent title bar, and closing does not release the window. Returns the
+/// height of the title bar in points, which the content must leave free. Main thread.
 [[nodiscard]] int configureUtilityWindow(std::uintptr_t view, bool isResizable);
 
 }  // namespace ferrowyn

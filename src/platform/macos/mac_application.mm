@@ -34,7 +34,7 @@ Subscription MacApplication::observeDidBecomeActive(std::function<void()> handle
                                [handler = std::move(handler)](NSNotification*) { handler(); });
 }
 
-/// What the build was not told stands in the property list as an empty text.
+/// A value that the build was not given is an empty text in the property list.
 static std::optional<std::string> addressOrNothing(id _Nullable value) {
     auto text = stringOrNothing(value);
     return text && !text->empty() ? text : std::nullopt;
@@ -89,7 +89,7 @@ void MacApplication::revealInFileManager() {
 
 @interface FerrowynApplicationDelegate : NSObject <NSApplicationDelegate>
 - (instancetype)initWithEvents:(ferrowyn::MacApplicationEvents)events;
-/// Nothing is told any more: the toolkit may hold the delegate for longer than what it tells.
+/// Ends all callbacks: the toolkit may retain the delegate for longer than its owner lives.
 - (void)forgetEvents;
 @end
 
@@ -138,7 +138,7 @@ struct MacApplicationDelegate::Parts {
 
 MacApplicationDelegate::MacApplicationDelegate(MacApplicationEvents events)
     : parts_(new Parts{[[FerrowynApplicationDelegate alloc] initWithEvents:std::move(events)]}) {
-    // The application does not hold its delegate.
+    // The application does not retain its delegate.
     NSApplication.sharedApplication.delegate = parts_->delegate;
 }
 
@@ -187,7 +187,7 @@ MacApplicationMenu::MacApplicationMenu(const MacApplicationMenuTitles& titles, s
     : parts_(
           new Parts{.target = [[FerrowynApplicationMenuTarget alloc] initWithOnOpenSettings:std::move(onOpenSettings)],
                     .mainMenu = [[NSMenu alloc] initWithTitle:@""]}) {
-    // The system writes the application's name over the first menu, whatever its title is.
+    // The system shows the application's name as the title of the first menu.
     auto* const menu = [[NSMenu alloc] initWithTitle:@""];
     // A row's modifier is Command unless it says otherwise.
     auto* const settings = [[NSMenuItem alloc] initWithTitle:nsString(titles.settings)

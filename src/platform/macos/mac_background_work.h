@@ -7,11 +7,11 @@
 
 namespace ferrowyn {
 
-/// The toolkit's workers, each task of which leaves nothing behind: their threads have no autorelease pool of their
-/// own, and the system's functions autorelease too.
+/// The toolkit's workers, with an autorelease pool around each task: their threads have none, and the system's
+/// functions autorelease objects.
 class MacBackgroundWork final : public BackgroundWork {
 public:
-    /// It is asked for as long as this is.
+    /// `workers` outlives this.
     explicit MacBackgroundWork(BackgroundWork& workers) : workers_(workers) {}
 
     void run(std::function<void()> work) override;
@@ -22,7 +22,7 @@ private:
 };
 
 /// Calls `work` inside an autorelease pool, which is drained before this returns. A thread that the program started has
-/// no pool: without one, what the system's functions autorelease there is not freed. Any thread.
+/// no pool, and what the system's functions autorelease there would never be freed. Any thread.
 void inAutoreleasePool(const std::function<void()>& work);
 
 /// Keeps the system from slowing the program's timers, as it does to programs that show no window, for as long as this

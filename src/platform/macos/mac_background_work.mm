@@ -10,7 +10,7 @@ void MacBackgroundWork::run(std::function<void()> work) {
     workers_.run([task = std::move(work)]() mutable {
         @autoreleasepool {
             task();
-            // What it holds goes with it, and may autorelease as it goes.
+            // Destroying what the task holds may autorelease objects too.
             task = nullptr;
         }
     });

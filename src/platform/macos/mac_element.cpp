@@ -6,7 +6,7 @@ namespace ferrowyn::accessibility {
 
 namespace {
 
-/// Whoever gets this for several attributes gets it for each.
+/// Errors of the element or its application, not of one attribute: a further request would end in the same way.
 bool isSilence(AXError error) {
     return error == kAXErrorCannotComplete || error == kAXErrorInvalidUIElement || error == kAXErrorAPIDisabled;
 }
@@ -34,7 +34,7 @@ void setMessagingTimeout(AXUIElementRef element, Seconds timeout) {
     if (element == nullptr) {
         return;
     }
-    // It can only fail for an element or a number that is no such thing, and then there is nobody to wait for either.
+    // Fails only for an invalid element or timeout, and then there is nothing to wait for.
     static_cast<void>(AXUIElementSetMessagingTimeout(element, static_cast<float>(timeout.count())));
 }
 

@@ -20,11 +20,11 @@ class MacElement final : public AXElement {
 public:
     explicit MacElement(Owned<AXUIElementRef> element) : element_(std::move(element)) {}
 
-    /// A reference of its own to an element that an array or another owner holds.
+    /// Retains the element, which may belong to an array or another owner.
     [[nodiscard]] static AXElementRef make(AXUIElementRef element) {
         return AXElementRef(std::make_shared<const MacElement>(Owned<AXUIElementRef>::retaining(element)));
     }
-    /// The element behind a handle, borrowed from it; null when the handle is not of this desktop.
+    /// Borrowed from the handle; null when the handle comes from another desktop.
     [[nodiscard]] static AXUIElementRef elementOf(const AXElementRef& reference) {
         const auto* const element = dynamic_cast<const MacElement*>(&reference.element());
         return element == nullptr ? nullptr : element->element_.get();
@@ -52,19 +52,20 @@ struct Answer {
     Owned<CFTypeRef> value;
 };
 
-/// The values of several attributes in the order they were asked for, null where one cannot be read.
+/// The values of several attributes in the order they were asked for. One that cannot be read is null or an object that
+/// stands for an error, which counts as absent for every function of `cf`.
 struct Answers {
     AXError error = kAXErrorSuccess;
     std::vector<Owned<CFTypeRef>> values;
 };
 
 [[nodiscard]] Owned<AXUIElementRef> applicationElement(Pid pid);
-/// Goes with this handle of the element, not with the element: another handle has the system's own timeout.
+/// Sets the timeout of this handle alone: other handles of the same element keep the system's default.
 void setMessagingTimeout(AXUIElementRef element, Seconds timeout);
 
 [[nodiscard]] Answer copyAttribute(AXUIElementRef element, CFStringRef attribute);
-/// One message for all of them where the application takes that, one each where it does not. An error for the whole
-/// means that nobody answers; a value that cannot be read has an entry of its own instead.
+/// Sends one message for all attributes where the application supports that, else one for each. `error` is set only
+/// when the application does not answer.
 [[nodiscard]] Answers copyAttributes(AXUIElementRef element, std::initializer_list<CFStringRef> attributes);
 
 /// "AXRaise: error -25204", for the log.
@@ -74,14 +75,14 @@ void setMessagingTimeout(AXUIElementRef element, Seconds timeout);
 
 namespace ferrowyn {
 
-/// Which window number an Accessibility element has. The system knows, but says so only through a function that it does
-/// not promise to keep: it is looked up by name, once and on first use, and may be missing. Any thread.
+/// The window number of an Accessibility element. The system tells it only through an undocumented function, which is
+/// looked up by name once, on first use, and may be missing. Any thread.
 class MacWindowNumberLookup {
 public:
     [[nodiscard]] bool isAvailable() const { return function() != nullptr; }
     struct Answer {
         AXError error = kAXErrorSuccess;
-        /// Nothing when there is no such function, it fails, or the number is 0, which no window has.
+        /// Absent when the function is missing or fails, or when the number is 0, which no window has.
         std::optional<WindowId> number;
     };
 

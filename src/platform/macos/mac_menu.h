@@ -17,10 +17,10 @@ namespace ferrowyn {
 [[nodiscard]] NSImage* _Nullable templateSymbol(std::string_view name, NSString* _Nullable accessibilityDescription);
 [[nodiscard]] NSImage* _Nullable templateSymbol(std::string_view name, NSString* _Nullable accessibilityDescription,
                                                 double pointSize);
-/// A symbol in a colour of its own: for drawing by oneself, where nothing would tint a template.
+/// A symbol in this colour, for drawing in a view, where nothing tints a template.
 [[nodiscard]] NSImage* _Nullable coloredSymbol(std::string_view name, NSString* _Nullable accessibilityDescription,
                                                double pointSize, NSColor* color);
-/// As the symbols of menu rows are drawn; one in another colour than the menu's own is no template.
+/// The symbol of a menu row: a template for the label's tint, else a symbol in the tint's colour.
 [[nodiscard]] NSImage* _Nullable menuSymbol(std::string_view name, MenuTint tint);
 
 }  // namespace ferrowyn
@@ -37,8 +37,8 @@ namespace ferrowyn {
 
 @end
 
-/// A row of the status item's menu that knows what it stands for, so that choosing one in a menu which has been
-/// replaced meanwhile still does what it says.
+/// A row of the status item's menu that holds its `MenuRow`: chosen in a menu that has been replaced meanwhile, it
+/// still does what it says.
 @interface FerrowynMenuItem : NSMenuItem
 - (const ferrowyn::MenuRow&)row;
 - (void)setRow:(const ferrowyn::MenuRow&)row;

@@ -316,7 +316,7 @@ NSMenuItem* makeItem(const MenuRow& row, const MacMenuTarget& target) {
 
 NSMenu* makeMenu(const StatusMenu& rows, const MacMenuTarget& target) {
     auto* const menu = [[NSMenu alloc] initWithTitle:@""];
-    // Whether a row is enabled is said by the row, not by whether its target answers.
+    // Each row says whether it is enabled; the system would ask the target instead.
     menu.autoenablesItems = NO;
     menu.delegate = target.target;
     for (const MenuRow& row : rows) {

@@ -7,8 +7,7 @@
 
 namespace ferrowyn {
 
-/// The switcher's panel: a window of the system with the blurred material, and the toolkit's widget upon it. Main
-/// thread.
+/// The switcher's panel: a window of the system with a blurred material, and the toolkit's widget upon it. Main thread.
 class MacPanel final : public Panel {
 public:
     /// `cornerRadius` is that of the content's outline.
@@ -20,7 +19,7 @@ public:
     void setContent(std::unique_ptr<PanelContent> content) override;
     void setFrame(const Rect& frame) override;
     void layOutContent() override;
-    /// The window takes the size ahead, so that its memory is there when it is shown.
+    /// Resizes the hidden window ahead of time, so that its memory is there when it is shown.
     void prepare(const Rect& frame) override;
     void orderFront() override;
     void orderFrontRegardless() override;

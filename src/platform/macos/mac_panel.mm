@@ -17,7 +17,7 @@ constexpr CGFloat initialWidth = 640;
 constexpr CGFloat initialHeight = 200;
 constexpr NSWindowStyleMask style =
     NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel | NSWindowStyleMaskFullSizeContentView;
-/// Over full-screen applications, on any Space, and no part of what the user cycles through.
+/// Over full-screen applications, on every Space, and not among the windows that the user cycles through.
 constexpr NSWindowCollectionBehavior behavior =
     NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorStationary |
     NSWindowCollectionBehaviorIgnoresCycle | NSWindowCollectionBehaviorFullScreenAuxiliary;
@@ -57,8 +57,8 @@ constexpr NSWindowCollectionBehavior behavior =
 
 @end
 
-/// Tells the hosted widget where the pointer is while another application is the active one: the toolkit drops the
-/// moves that its own view is told of then.
+/// Tells the hosted widget where the pointer is while another application is active: the toolkit ignores the moves of
+/// the pointer then.
 @interface FerrowynPointerFollower : NSObject
 - (instancetype)initWithView:(NSView*)view;
 - (void)follow:(ferrowyn::HostedWidget&)widget;
@@ -138,8 +138,8 @@ NSImage* maskWithRadius(double radius) {
     return mask;
 }
 
-/// The blurred material behind the panel's whole content, with round corners. It always looks active: the panel never
-/// is.
+/// The blurred material behind the panel's whole content, with round corners. It always looks active, although the
+/// panel never is.
 NSVisualEffectView* makePanelMaterial(NSRect frame, double cornerRadius) {
     auto* const view = [[NSVisualEffectView alloc] initWithFrame:frame];
     view.material = NSVisualEffectMaterialPopover;
@@ -194,7 +194,7 @@ void MacPanel::setFrame(const Rect& frame) {
     }
     takeFrame(frame);
     if (parts_->isShown) {
-        // It follows the outline of what is drawn, which the system does not watch.
+        // The shadow follows the outline of what is drawn, and the system does not notice when that changes.
         [parts_->window invalidateShadow];
     }
 }

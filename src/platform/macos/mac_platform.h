@@ -7,9 +7,9 @@
 
 namespace ferrowyn {
 
-/// What the adapter does not make itself: the toolkit's event loop, which runs that of the system, and what the program
-/// has besides. All of it outlives the adapter, but for the workers: what they do uses the adapter, so they are done
-/// and gone before it goes.
+/// What the adapter does not make itself: the toolkit's event loop, which runs the system's, and what the program has
+/// besides. All of it outlives the adapter, except the workers: their tasks use the adapter, so they must end before
+/// it.
 struct MacPlatformFoundation {
     MainLoop& mainLoop;
     BackgroundWork& backgroundWork;

@@ -17,9 +17,9 @@ public:
 class MacPointer final : public Pointer {
 public:
     [[nodiscard]] Point location() const override;
-    /// The system's answer is of this moment already.
+    /// Does nothing: `location` asks the system each time.
     void refresh() override {}
-    /// Presses in the program's own windows do not count: the system's global monitor sees none of them.
+    /// Presses in the program's own windows do not count: the system's global monitor does not see them.
     [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override;
 };
 

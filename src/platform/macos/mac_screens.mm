@@ -48,7 +48,7 @@ Subscription MacPointer::observeClicksElsewhere(std::function<void()> handler) {
                                                               handler:^(NSEvent*) {
                                                                 handler();
                                                               }];
-    // The system may refuse, and takes no nil back.
+    // The system may refuse a monitor, and nil must not be removed.
     return monitor == nil ? Subscription() : Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
 }
 

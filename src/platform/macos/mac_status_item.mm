@@ -49,7 +49,7 @@ MacStatusItem::MacStatusItem()
                        [[FerrowynStatusMenuTarget alloc] init]}) {}
 
 MacStatusItem::~MacStatusItem() {
-    // A menu that is still open outlives this, and its target with it for the moment of a choice.
+    // A menu that is still open outlives this, and so does its target while a row is being chosen.
     [parts_->target setHandler:{}];
     [NSStatusBar.systemStatusBar removeStatusItem:parts_->item];
 }

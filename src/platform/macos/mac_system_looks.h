@@ -11,7 +11,7 @@ public:
     [[nodiscard]] std::shared_ptr<const IconImage> iconForProcess(Pid pid) override;
     /// The same for every name.
     [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
-    /// Nobody is ever told: the system does not say when a process gives itself another icon.
+    /// Never calls the handler: the system does not tell when a process changes its icon.
     [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> /*handler*/) override { return {}; }
 };
 

@@ -64,7 +64,7 @@ PixelBuffer drawnPixels(NSImage* image, int width, int height) {
     return buffer;
 }
 
-/// An image of the system. It keeps its best drawing for each size, so that it is asked anew each time.
+/// An image of the system, which has a drawing for each size: it is drawn anew each time.
 class MacIconImage final : public IconImage {
 public:
     /// The size that every icon is given: that of the largest place where the program shows one in a list.
@@ -131,7 +131,7 @@ std::shared_ptr<const IconImage> MacIconSource::genericApplicationIcon(std::stri
 
 std::optional<RgbColor> MacSystemLooks::color(Color color, ColorScheme scheme) const {
     __block std::optional<RgbColor> result;
-    // The system's colours are others in a dark window, and are said as they are while something is drawn there.
+    // The system's colours depend on the appearance; a colour takes its components from the current one.
     NSAppearance* const appearance =
         [NSAppearance appearanceNamed:scheme == ColorScheme::dark ? NSAppearanceNameDarkAqua : NSAppearanceNameAqua];
     [appearance performAsCurrentDrawingAppearance:^{

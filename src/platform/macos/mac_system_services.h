@@ -27,7 +27,7 @@ private:
 class MacUserDefaults final : public UserDefaults {
 public:
     void registerDefaults(const std::map<std::string, DefaultsValue>& defaults) override;
-    /// Nothing for a value of a type that the program stores nowhere.
+    /// Absent also when the stored value has a type that the program never stores.
     [[nodiscard]] std::optional<DefaultsValue> value(std::string_view key) const override;
     void set(std::string_view key, DefaultsValue value) override;
 };

@@ -54,7 +54,7 @@ MacLog::MacLog() : parts_(std::make_unique<Parts>()) {
 MacLog::~MacLog() = default;
 
 void MacLog::write(LogLevel level, std::string_view category, std::string_view message) {
-    // The log takes what ends with a zero.
+    // The log needs a text that ends with a zero.
     const std::string text(message);
     os_log_with_type(parts_->log(category), typeOf(level), "%{public}s", text.c_str());
 }
@@ -77,7 +77,7 @@ struct MakeObject {
 };
 
 DefaultsValue fromNumber(NSNumber* number) {
-    // Numbers know their types, but a Boolean's is that of a small integer: only its class tells it.
+    // A Boolean has the type code of a small integer: only its class tells them apart.
     if ([number isKindOfClass:[[NSNumber numberWithBool:YES] class]]) {
         return number.boolValue != NO;
     }
@@ -144,7 +144,7 @@ LoginItem::Status MacLoginItem::status() const {
         case SMAppServiceStatusNotFound:
             return Status::notFound;
     }
-    // One that a later system may add.
+    // A value that a later system may add.
     return Status::notRegistered;
 }
 

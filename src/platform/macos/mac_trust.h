@@ -19,7 +19,7 @@ public:
     [[nodiscard]] bool canBecomeTrusted() const override { return true; }
     bool requestWithPrompt() override;
     [[nodiscard]] bool isSecureInputActive() const override;
-    /// The system asks its event taps before every other program.
+    /// Never calls the handler: event taps see keys before every other program does.
     [[nodiscard]] Subscription observeLostTriggers(std::function<void()> /*handler*/) override { return {}; }
     [[nodiscard]] Subscription observeChanges(std::function<void()> handler) override;
 

@@ -17,7 +17,7 @@ std::optional<bool> booleanAttribute(const AXElementRef& window, CFStringRef att
 }  // namespace
 
 void MacWindowControl::setMessagingTimeout(Pid pid, Seconds timeout) {
-    // Always a new handle: the one of an earlier activation may be that of a process that had the same number.
+    // Always a new handle: an old one may belong to an earlier process with the same number.
     application_ = {pid, accessibility::applicationElement(pid), timeout};
     accessibility::setMessagingTimeout(application_.element.get(), timeout);
 }
@@ -71,7 +71,7 @@ std::vector<AXElementRef> MacWindowControl::windowElements(Pid pid) const {
     if (const auto windows = castTo<CFArrayRef>(answer.value.get())) {
         for (const CFTypeRef each : cf::valuesOf(windows)) {
             if (const auto element = castTo<AXUIElementRef>(each)) {
-                // Handles of their own, and their numbers are asked for next.
+                // New handles, which need the timeout too: their numbers are asked for next.
                 if (owner.timeout) {
                     accessibility::setMessagingTimeout(element, *owner.timeout);
                 }

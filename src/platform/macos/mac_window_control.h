@@ -13,7 +13,7 @@ namespace ferrowyn {
 
 class Log;
 
-/// Each step of an activation is a call of its own, to the application or to its Accessibility interface. Main thread.
+/// Each step of an activation is one call to the application or to its Accessibility interface. Main thread.
 class MacWindowControl final : public WindowControl {
 public:
     /// All of them outlive this.
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] std::optional<bool> isMain(const AXElementRef& window) const override;
     [[nodiscard]] std::optional<bool> isFocused(const AXElementRef& window) const override;
 
-    /// The system tells what is focused, not what was.
+    /// The system tells only what is focused now.
     [[nodiscard]] bool wasOvertaken(const AXElementRef& /*window*/) const override { return false; }
 
     [[nodiscard]] std::vector<AXElementRef> windowElements(Pid pid) const override;
@@ -52,7 +52,7 @@ private:
         std::optional<Seconds> timeout;
     };
 
-    /// One is enough: windows are activated one at a time.
+    /// One is enough, because windows are activated one at a time.
     [[nodiscard]] const Application& application(Pid pid) const;
     void set(AXUIElementRef element, CFStringRef attribute, CFTypeRef value);
     void logRefusal(CFStringRef request, AXError error) const;

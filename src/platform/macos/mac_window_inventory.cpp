@@ -31,12 +31,13 @@ std::optional<WindowId> numberOf(CFTypeRef entry) {
     return cf::windowId(valueOf(entry, kCGWindowNumber));
 }
 
-/// The one attribute among them that the system has no name for.
+/// The system has no constant for this attribute.
 CFStringRef fullScreenAttribute() {
     return CFSTR("AXFullScreen");
 }
 
-/// Asks the window server and the applications at the moment the snapshot asks it. Any thread but the main one.
+/// Asks the window server and the applications anew at each call. Any thread but the main one: an application may take
+/// long to answer.
 class MacInventoryReading final : public InventoryReading {
 public:
     /// `runningApplications` is called on worker threads. The lookup outlives this.
@@ -122,7 +123,7 @@ std::optional<AccessibleApplication> MacInventoryReading::windowsOf(Pid pid, Sec
     return result;
 }
 
-/// Nothing when the application has stopped answering: every further window would cost another timeout.
+/// Absent when the application has stopped answering: every further window would cost another timeout.
 std::optional<AccessibleWindow> MacInventoryReading::read(AXUIElementRef window, Seconds messagingTimeout) const {
     // Set for each window too, because a timeout goes with the handle it was set on.
     accessibility::setMessagingTimeout(window, messagingTimeout);
@@ -175,7 +176,7 @@ std::optional<WindowId> MacWindowInventory::focusedWindowNumber(Pid pid, Seconds
     if (window == nullptr) {
         return std::nullopt;
     }
-    // A handle of its own, and the lookup may ask the application once more.
+    // A new handle, which needs the timeout too: the lookup may ask the application once more.
     accessibility::setMessagingTimeout(window, messagingTimeout);
     return windowNumbers_.numberOf(window);
 }

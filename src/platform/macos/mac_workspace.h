@@ -9,7 +9,7 @@ namespace ferrowyn {
 /// its notifications.
 class MacWorkspace final : public Workspace {
 public:
-    /// Any thread; it changes only when the main loop runs.
+    /// Any thread. The list changes only while the main loop runs.
     [[nodiscard]] std::vector<RunningApplication> runningApplications() const override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(Pid pid) const override;
     [[nodiscard]] std::optional<Pid> frontmostPid() const override;
@@ -19,8 +19,8 @@ public:
     bool open(std::string_view url) override;
 };
 
-/// What running applications, rather than Accessibility, are asked for when a window is activated. Main thread. A
-/// process that has gone is not hidden, not active, and nothing can be asked of it.
+/// The steps of an activation that are asked of the running application instead of Accessibility. A process that has
+/// ended is neither hidden nor active, and requests to it do nothing. Main thread.
 class MacApplicationControl {
 public:
     virtual ~MacApplicationControl() = default;

@@ -28,7 +28,7 @@ ActivationPolicy policyFrom(NSApplicationActivationPolicy policy) {
         case NSApplicationActivationPolicyProhibited:
             return ActivationPolicy::prohibited;
     }
-    // One that a later system may add.
+    // A value that a later system may add.
     return ActivationPolicy::prohibited;
 }
 
@@ -52,7 +52,7 @@ NSURL* placeOf(std::string_view bundleIdentifier) {
     return [NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:nsString(bundleIdentifier)];
 }
 
-/// Nil, which answers every question with no, for a process that has gone.
+/// Nil for a process that has ended; every message to nil answers no.
 NSRunningApplication* applicationWith(Pid pid) {
     return [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
 }
