@@ -52,7 +52,6 @@ void* _Block_copy(const void* block);
     return objc_opt_respondsToSelector(self, aSelector);
 }
 + (BOOL)instancesRespondToSelector:(SEL)aSelector {
-    static_cast<void>(aSelector);
     return NO;
 }
 - (NSString*)description {
@@ -76,7 +75,6 @@ void* _Block_copy(const void* block);
 
 @implementation FakeBlock
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return static_cast<id>(_Block_copy(self));
 }
 @end

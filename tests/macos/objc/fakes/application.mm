@@ -77,23 +77,12 @@ NSNotificationName const NSWorkspaceDidUnhideApplicationNotification = @"NSWorks
 NSNotificationName const NSWorkspaceActiveSpaceDidChangeNotification = @"NSWorkspaceActiveSpaceDidChangeNotification";
 
 @implementation UTType
-@synthesize identifier = _identifier;
 @end
 
 // Any constant that nothing else is.
 UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"com.apple.application-bundle"));
 
 @implementation NSRunningApplication
-@synthesize processIdentifier = _processIdentifier;
-@synthesize terminated = _terminated;
-@synthesize activationPolicy = _activationPolicy;
-@synthesize localizedName = _localizedName;
-@synthesize bundleIdentifier = _bundleIdentifier;
-@synthesize bundleURL = _bundleURL;
-@synthesize icon = _icon;
-@synthesize hidden = _hidden;
-@synthesize active = _active;
-@synthesize lastOptions = _lastOptions;
 - (BOOL)unhide {
     _hidden = NO;
     return YES;
@@ -124,9 +113,6 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     std::vector<std::string> _revealedPaths;
     std::vector<std::string> _iconPaths;
 }
-@synthesize runningApplications = _runningApplications;
-@synthesize frontmostApplication = _frontmostApplication;
-@synthesize refusesToOpen = _refusesToOpen;
 + (NSWorkspace*)sharedWorkspace {
     if (state.workspace == nil) {
         state.workspace = [[NSWorkspace alloc] init];
@@ -183,8 +169,6 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
 @end
 
 @implementation NSScreen
-@synthesize frame = _frame;
-@synthesize visibleFrame = _visibleFrame;
 + (NSScreen*)screenWithFrame:(NSRect)frame visibleFrame:(NSRect)visibleFrame {
     NSScreen* const screen = [[NSScreen alloc] init];
     screen->_frame = frame;
@@ -204,8 +188,6 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
 @end
 
 @implementation NSEvent
-@synthesize type = _type;
-@synthesize locationInWindow = _locationInWindow;
 + (NSEvent*)eventAt:(NSPoint)place {
     NSEvent* const event = [[NSEvent alloc] init];
     event->_locationInWindow = place;
@@ -257,9 +239,6 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     NSApplicationActivationPolicy _policy;
     NSImage* _applicationIconImage;
 }
-@synthesize delegate = _delegate;
-@synthesize active = _active;
-@synthesize mainMenu = _mainMenu;
 + (NSApplication*)sharedApplication {
     if (state.application == nil) {
         state.application = [[NSApplication alloc] init];
@@ -299,7 +278,6 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     _calls.emplace_back(ignoreOtherApps ? "activate ignoring others" : "activate");
 }
 - (void)terminate:(id)sender {
-    static_cast<void>(sender);
     _calls.emplace_back("terminate");
 }
 - (std::vector<std::string>)calls {

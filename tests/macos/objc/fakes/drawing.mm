@@ -74,8 +74,6 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
 @implementation NSColor {
     std::array<CGFloat, 3> _components;
 }
-@synthesize name = _name;
-@synthesize alpha = _alpha;
 + (NSColor*)named:(const char*)name {
     NSColor* const color = [[NSColor alloc] init];
     color->_name = name;
@@ -139,7 +137,6 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
     currentAlpha = _alpha;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
@@ -152,8 +149,6 @@ NSAttributedStringKey const NSFontAttributeName = @"NSFont";
 NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
 
 @implementation NSFont
-@synthesize pointSize = _pointSize;
-@synthesize isMenuFont = _isMenuFont;
 + (NSFont*)systemFontOfSize:(CGFloat)fontSize {
     NSFont* const font = [[NSFont alloc] init];
     font->_pointSize = fontSize;
@@ -165,15 +160,11 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     return font;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
 
 @implementation NSImageSymbolConfiguration
-@synthesize pointSize = _pointSize;
-@synthesize weight = _weight;
-@synthesize paletteColors = _paletteColors;
 + (instancetype)configurationWithPointSize:(CGFloat)pointSize weight:(NSFontWeight)weight {
     NSImageSymbolConfiguration* const configuration = [[self alloc] init];
     configuration->_pointSize = pointSize;
@@ -193,7 +184,6 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     return sum;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
@@ -202,14 +192,6 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     BOOL _isTemplate;
     BOOL _isIcon;
 }
-@synthesize size = _size;
-@synthesize capInsets = _capInsets;
-@synthesize resizingMode = _resizingMode;
-@synthesize symbolName = _symbolName;
-@synthesize symbolDescription = _symbolDescription;
-@synthesize configuration = _configuration;
-@synthesize drawingHandler = _drawingHandler;
-@synthesize lastDrawnRect = _lastDrawnRect;
 + (NSImage*)icon {
     NSImage* const image = [[NSImage alloc] init];
     image->_isIcon = YES;
@@ -229,7 +211,6 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     return image;
 }
 + (NSImage*)imageWithSize:(NSSize)size flipped:(BOOL)flipped drawingHandler:(BOOL (^)(NSRect))drawingHandler {
-    static_cast<void>(flipped);
     NSImage* const image = [[NSImage alloc] init];
     image->_size = size;
     image->_drawingHandler = [drawingHandler copy];
@@ -247,7 +228,6 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     _isTemplate = isTemplate;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     NSImage* const image = [[NSImage alloc] init];
     image->_isIcon = _isIcon;
     image->_isTemplate = _isTemplate;
@@ -294,7 +274,6 @@ NSColorSpaceName const NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
 @implementation NSBitmapImageRep {
     std::vector<unsigned char> _data;
 }
-@synthesize bytesPerRow = _bytesPerRow;
 - (instancetype)initWithBitmapDataPlanes:(unsigned char**)planes
                               pixelsWide:(NSInteger)width
                               pixelsHigh:(NSInteger)height
@@ -323,8 +302,6 @@ NSColorSpaceName const NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
 @end
 
 @implementation NSGraphicsContext
-@synthesize imageInterpolation = _imageInterpolation;
-@synthesize bitmap = _bitmap;
 + (NSGraphicsContext*)graphicsContextWithBitmapImageRep:(NSBitmapImageRep*)bitmapRep {
     NSGraphicsContext* const context = [[NSGraphicsContext alloc] init];
     context.bitmap = bitmapRep;

@@ -80,7 +80,6 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     return [[NSString alloc] initWithBytes:sum.data() length:sum.size() encoding:NSUTF8StringEncoding];
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
@@ -158,7 +157,6 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     return _real;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
@@ -191,7 +189,6 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     return _objects.empty() ? nil : _objects.front();
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     NSArray* const copy = [[NSArray alloc] init];
     copy->_objects = _objects;
     return copy;
@@ -212,7 +209,6 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
 
 @implementation NSMutableArray
 + (instancetype)arrayWithCapacity:(NSUInteger)capacity {
-    static_cast<void>(capacity);
     return [[self alloc] init];
 }
 - (void)addObject:(id)object {
@@ -252,7 +248,6 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     return [self objectForKey:key];
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     NSDictionary* const copy = [[NSDictionary alloc] init];
     copy->_objects = _objects;
     return copy;
@@ -261,7 +256,6 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
 
 @implementation NSMutableDictionary
 + (instancetype)dictionaryWithCapacity:(NSUInteger)capacity {
-    static_cast<void>(capacity);
     return [[self alloc] init];
 }
 - (void)setObject:(id)object forKey:(id)key {
@@ -290,15 +284,11 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     return [[NSString alloc] initWithBytes:path.data() length:path.size() encoding:NSUTF8StringEncoding];
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
 
 @implementation NSError
-@synthesize domain = _domain;
-@synthesize code = _code;
-@synthesize localizedDescription = _localizedDescription;
 - (instancetype)initWithDomain:(NSString*)domain code:(NSInteger)code text:(NSString*)description {
     self = [super init];
     _domain = domain;
@@ -319,8 +309,6 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
 @implementation NSBundle {
     NSDictionary* _info;
 }
-@synthesize bundlePath = _bundlePath;
-@synthesize bundleIdentifier = _bundleIdentifier;
 + (NSBundle*)mainBundle {
     if (state.mainBundle == nil) {
         state.mainBundle = [[NSBundle alloc] initWithPath:@"/usr/local/bin"
@@ -362,7 +350,6 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
     return state.systemVersion;
 }
 - (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason {
-    static_cast<void>(reason);
     state.activities.push_back(options);
     return [[NSObject alloc] init];
 }
@@ -375,7 +362,6 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
 @end
 
 @implementation NSDate
-@synthesize timeIntervalSince1970 = _timeIntervalSince1970;
 + (instancetype)dateWithTimeIntervalSince1970:(NSTimeInterval)secs {
     NSDate* const date = [[NSDate alloc] init];
     date->_timeIntervalSince1970 = secs;
@@ -453,7 +439,6 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
     return _runs;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     NSAttributedString* const copy = [[NSAttributedString alloc] initWithString:_string attributes:_attributes];
     for (NSAttributedString* run in _runs) {
         [copy->_runs addObject:run];

@@ -31,19 +31,6 @@ void send(id target, SEL action, id sender) {
 @implementation NSMenuItem {
     NSView* _view;
 }
-@synthesize menu = _menu;
-@synthesize title = _title;
-@synthesize attributedTitle = _attributedTitle;
-@synthesize separatorItem = _separatorItem;
-@synthesize keyEquivalent = _keyEquivalent;
-@synthesize submenu = _submenu;
-@synthesize image = _image;
-@synthesize state = _state;
-@synthesize enabled = _enabled;
-@synthesize target = _target;
-@synthesize action = _action;
-@synthesize representedObject = _representedObject;
-@synthesize toolTip = _toolTip;
 + (NSMenuItem*)separatorItem {
     NSMenuItem* const item = [[self alloc] initWithTitle:@"" action:nil keyEquivalent:@""];
     item.separatorItem = YES;
@@ -69,10 +56,6 @@ void send(id target, SEL action, id sender) {
 @implementation NSMenu {
     std::vector<NSMenuItem*> _items;
 }
-@synthesize title = _title;
-@synthesize autoenablesItems = _autoenablesItems;
-@synthesize delegate = _delegate;
-@synthesize wasCancelled = _wasCancelled;
 - (instancetype)initWithTitle:(NSString*)title {
     self = [super init];
     _title = [title copy];
@@ -112,9 +95,6 @@ void send(id target, SEL action, id sender) {
 @implementation NSStatusItem {
     NSStatusBarButton* _button;
 }
-@synthesize length = _length;
-@synthesize menu = _menu;
-@synthesize isInBar = _isInBar;
 - (NSStatusBarButton*)button {
     if (_button == nil) {
         _button = [[NSStatusBarButton alloc] initWithFrame:NSZeroRect];

@@ -59,9 +59,6 @@ void forgetNotificationCentres() {
 @end
 
 @implementation NSNotification
-@synthesize name = _name;
-@synthesize object = _object;
-@synthesize userInfo = _userInfo;
 - (instancetype)initWithName:(NSNotificationName)name userInfo:(NSDictionary*)userInfo {
     self = [super init];
     _name = name;
@@ -69,7 +66,6 @@ void forgetNotificationCentres() {
     return self;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
@@ -84,7 +80,6 @@ void forgetNotificationCentres() {
     return centres.local;
 }
 - (void)addObserver:(id)observer selector:(SEL)selector name:(NSNotificationName)name object:(id)object {
-    static_cast<void>(object);
     FakeObservation* const observation = [[FakeObservation alloc] init];
     observation.name = name;
     observation.observer = observer;
@@ -95,7 +90,6 @@ void forgetNotificationCentres() {
                             object:(id)object
                              queue:(NSOperationQueue*)queue
                         usingBlock:(void (^)(NSNotification*))block {
-    static_cast<void>(object);
     FakeObservation* const observation = [[FakeObservation alloc] init];
     observation.name = name;
     observation.queue = queue;
@@ -109,8 +103,6 @@ void forgetNotificationCentres() {
     });
 }
 - (void)removeObserver:(id)observer name:(NSNotificationName)name object:(id)object {
-    static_cast<void>(name);
-    static_cast<void>(object);
     [self removeObserver:observer];
 }
 - (void)post:(NSNotificationName)name userInfo:(NSDictionary*)userInfo {
@@ -147,7 +139,6 @@ void forgetNotificationCentres() {
 @implementation NSOperationQueue {
     std::vector<void (^)(void)> _waiting;
 }
-@synthesize isDeferring = _isDeferring;
 + (NSOperationQueue*)mainQueue {
     if (centres.mainQueue == nil) {
         centres.mainQueue = [[NSOperationQueue alloc] init];

@@ -12,8 +12,6 @@ int madeLogs = 0;
 @implementation SMAppService {
     std::vector<std::string> _calls;
 }
-@synthesize status = _status;
-@synthesize nextError = _nextError;
 + (SMAppService*)mainAppService {
     if (mainService == nil) {
         mainService = [[SMAppService alloc] init];

@@ -12,28 +12,20 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
     return [super init];
 }
 - (void)mouseUp:(NSEvent*)event {
-    static_cast<void>(event);
 }
 - (void)mouseEntered:(NSEvent*)event {
-    static_cast<void>(event);
 }
 - (void)mouseMoved:(NSEvent*)event {
-    static_cast<void>(event);
 }
 - (void)mouseExited:(NSEvent*)event {
-    static_cast<void>(event);
 }
 @end
 
 @implementation NSTrackingArea
-@synthesize rect = _rect;
-@synthesize options = _options;
-@synthesize owner = _owner;
 - (instancetype)initWithRect:(NSRect)rect
                      options:(NSTrackingAreaOptions)options
                        owner:(id)owner
                     userInfo:(NSDictionary*)userInfo {
-    static_cast<void>(userInfo);
     self = [super init];
     _rect = rect;
     _options = options;
@@ -41,7 +33,6 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
     return self;
 }
 - (id)copyWithZone:(void*)zone {
-    static_cast<void>(zone);
     return self;
 }
 @end
@@ -59,19 +50,12 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
     NSRect _frame;
     NSString* _accessibilityLabel;
 }
-@synthesize window = _window;
-@synthesize superview = _superview;
-@synthesize autoresizingMask = _autoresizingMask;
-@synthesize needsDisplay = _needsDisplay;
-@synthesize enclosingMenuItem = _enclosingMenuItem;
-@synthesize layoutCount = _layoutCount;
 - (instancetype)initWithFrame:(NSRect)frameRect {
     self = [super init];
     _frame = frameRect;
     return self;
 }
 - (instancetype)initWithCoder:(NSCoder*)coder {
-    static_cast<void>(coder);
     return [self initWithFrame:NSZeroRect];
 }
 - (void)addSubview:(NSView*)view {
@@ -104,14 +88,12 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
     _frame.size = bounds.size;
 }
 - (NSPoint)convertPoint:(NSPoint)point fromView:(NSView*)view {
-    static_cast<void>(view);
     return NSMakePoint(point.x - _frame.origin.x, point.y - _frame.origin.y);
 }
 - (void)layoutSubtreeIfNeeded {
     ++_layoutCount;
 }
 - (void)drawRect:(NSRect)dirtyRect {
-    static_cast<void>(dirtyRect);
 }
 - (void)updateTrackingAreas {
 }
@@ -168,13 +150,9 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 @end
 
 @implementation NSControl
-@synthesize stringValue = _stringValue;
-@synthesize font = _font;
-@synthesize lineBreakMode = _lineBreakMode;
 @end
 
 @implementation NSTextField
-@synthesize textColor = _textColor;
 + (instancetype)labelWithString:(NSString*)stringValue {
     NSTextField* const field = [[NSTextField alloc] initWithFrame:NSZeroRect];
     field.stringValue = stringValue;
@@ -183,8 +161,6 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 @end
 
 @implementation NSImageView
-@synthesize image = _image;
-@synthesize imageScaling = _imageScaling;
 + (instancetype)imageViewWithImage:(NSImage*)image {
     NSImageView* const view = [[NSImageView alloc] initWithFrame:NSZeroRect];
     view.image = image;
@@ -193,18 +169,12 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 @end
 
 @implementation NSButton
-@synthesize image = _image;
-@synthesize toolTip = _toolTip;
 @end
 
 @implementation NSStatusBarButton
 @end
 
 @implementation NSVisualEffectView
-@synthesize material = _material;
-@synthesize blendingMode = _blendingMode;
-@synthesize state = _state;
-@synthesize maskImage = _maskImage;
 @end
 
 namespace fake_mac {
@@ -220,22 +190,6 @@ void registerWindow(NSWindow* window);
     NSView* _contentView;
     std::vector<std::string> _calls;
 }
-@synthesize styleMask = _styleMask;
-@synthesize level = _level;
-@synthesize opaque = _opaque;
-@synthesize backgroundColor = _backgroundColor;
-@synthesize hasShadow = _hasShadow;
-@synthesize hidesOnDeactivate = _hidesOnDeactivate;
-@synthesize releasedWhenClosed = _releasedWhenClosed;
-@synthesize animationBehavior = _animationBehavior;
-@synthesize collectionBehavior = _collectionBehavior;
-@synthesize tabbingMode = _tabbingMode;
-@synthesize movable = _movable;
-@synthesize acceptsMouseMovedEvents = _acceptsMouseMovedEvents;
-@synthesize titlebarAppearsTransparent = _titlebarAppearsTransparent;
-@synthesize visible = _visible;
-@synthesize backing = _backing;
-@synthesize isDeferred = _isDeferred;
 - (instancetype)initWithContentRect:(NSRect)contentRect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backingStoreType
@@ -292,7 +246,6 @@ void registerWindow(NSWindow* window);
     _calls.emplace_back("displayIfNeeded");
 }
 - (void)orderFront:(id)sender {
-    static_cast<void>(sender);
     self.visible = YES;
     _calls.emplace_back("orderFront");
 }
@@ -301,12 +254,10 @@ void registerWindow(NSWindow* window);
     _calls.emplace_back("orderFrontRegardless");
 }
 - (void)orderOut:(id)sender {
-    static_cast<void>(sender);
     self.visible = NO;
     _calls.emplace_back("orderOut");
 }
 - (void)makeKeyAndOrderFront:(id)sender {
-    static_cast<void>(sender);
     self.visible = YES;
     _calls.emplace_back("makeKeyAndOrderFront");
 }
