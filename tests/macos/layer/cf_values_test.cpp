@@ -7,9 +7,13 @@
 namespace ferrowyn {
 namespace {
 
+using fake::AccessibilityRect;
+using fake::Value;
 using testing::ElementsAre;
+using testing::Eq;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Optional;
 
 class OwnedTest : public MacFixture {
 protected:
@@ -76,11 +80,6 @@ TEST_F(OwnedTest, TheFakeCountsALeakAndAConstantThatIsRetained) {
     CFRelease(kCFBooleanTrue);
     CFRelease(text);
 }
-
-using fake::AccessibilityRect;
-using fake::Value;
-using testing::Eq;
-using testing::Optional;
 
 class CFValuesTest : public MacFixture {
 protected:

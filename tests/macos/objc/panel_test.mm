@@ -125,183 +125,157 @@ private:
 };
 
 TEST_F(MacPanelTest, TheWindowFloatsAboveEverythingAndNeverTakesTheKeyboard) {
-    @autoreleasepool {
-        NSPanel* const made = window();
-        EXPECT_EQ(made.styleMask, 0x8080UL);
-        EXPECT_EQ(made.level, 1000);
-        EXPECT_EQ(made.collectionBehavior, 0x151UL);
-        EXPECT_EQ(made.backing, NSBackingStoreBuffered);
-        EXPECT_FALSE(made.isDeferred);
-        EXPECT_TRUE(made.floatingPanel);
-        EXPECT_FALSE(made.opaque);
-        EXPECT_EQ(made.backgroundColor.name, "clear");
-        EXPECT_TRUE(made.hasShadow);
-        EXPECT_FALSE(made.hidesOnDeactivate);
-        EXPECT_FALSE(made.releasedWhenClosed);
-        EXPECT_EQ(made.animationBehavior, NSWindowAnimationBehaviorNone);
-        EXPECT_EQ(made.tabbingMode, NSWindowTabbingModeDisallowed);
-        EXPECT_FALSE(made.movable);
-        EXPECT_FALSE(made.canBecomeKeyWindow);
-        EXPECT_FALSE(made.canBecomeMainWindow);
-        EXPECT_FALSE(made.visible);
-        EXPECT_EQ(made.frame.size.width, 640);
-        EXPECT_EQ(made.frame.size.height, 200);
-    }
+    NSPanel* const made = window();
+    EXPECT_EQ(made.styleMask, 0x8080UL);
+    EXPECT_EQ(made.level, 1000);
+    EXPECT_EQ(made.collectionBehavior, 0x151UL);
+    EXPECT_EQ(made.backing, NSBackingStoreBuffered);
+    EXPECT_FALSE(made.isDeferred);
+    EXPECT_TRUE(made.floatingPanel);
+    EXPECT_FALSE(made.opaque);
+    EXPECT_EQ(made.backgroundColor.name, "clear");
+    EXPECT_TRUE(made.hasShadow);
+    EXPECT_FALSE(made.hidesOnDeactivate);
+    EXPECT_FALSE(made.releasedWhenClosed);
+    EXPECT_EQ(made.animationBehavior, NSWindowAnimationBehaviorNone);
+    EXPECT_EQ(made.tabbingMode, NSWindowTabbingModeDisallowed);
+    EXPECT_FALSE(made.movable);
+    EXPECT_FALSE(made.canBecomeKeyWindow);
+    EXPECT_FALSE(made.canBecomeMainWindow);
+    EXPECT_FALSE(made.visible);
+    EXPECT_EQ(made.frame.size.width, 640);
+    EXPECT_EQ(made.frame.size.height, 200);
 }
 
 TEST_F(MacPanelTest, TheMaterialBehindTheContentIsAlwaysActiveAndRound) {
-    @autoreleasepool {
-        NSView* const content = window().contentView;
-        ASSERT_TRUE([content isKindOfClass:[NSVisualEffectView class]]);
-        auto* const material = static_cast<NSVisualEffectView*>(content);
-        EXPECT_EQ(material.blendingMode, NSVisualEffectBlendingModeBehindWindow);
-        EXPECT_EQ(material.state, NSVisualEffectStateActive);
-        EXPECT_EQ(material.material, NSVisualEffectMaterialPopover);
-        EXPECT_EQ(material.autoresizingMask, NSViewWidthSizable | NSViewHeightSizable);
-        NSImage* const mask = material.maskImage;
-        EXPECT_EQ(mask.size.width, 2 * cornerRadius + 1);
-        EXPECT_EQ(mask.capInsets.left, cornerRadius);
-        EXPECT_EQ(mask.capInsets.bottom, cornerRadius);
-        EXPECT_EQ(mask.resizingMode, NSImageResizingModeStretch);
-        EXPECT_TRUE(mask.drawingHandler(NSMakeRect(0, 0, 29, 29)));
-        ASSERT_EQ(fake_mac::fills().size(), 1U);
-        EXPECT_EQ(fake_mac::fills()[0].radius, cornerRadius);
-        EXPECT_EQ(fake_mac::fills()[0].color, "black");
-        EXPECT_EQ(fake_mac::fills()[0].rect.size.width, 29);
-    }
+    NSView* const content = window().contentView;
+    ASSERT_TRUE([content isKindOfClass:[NSVisualEffectView class]]);
+    auto* const material = static_cast<NSVisualEffectView*>(content);
+    EXPECT_EQ(material.blendingMode, NSVisualEffectBlendingModeBehindWindow);
+    EXPECT_EQ(material.state, NSVisualEffectStateActive);
+    EXPECT_EQ(material.material, NSVisualEffectMaterialPopover);
+    EXPECT_EQ(material.autoresizingMask, NSViewWidthSizable | NSViewHeightSizable);
+    NSImage* const mask = material.maskImage;
+    EXPECT_EQ(mask.size.width, 2 * cornerRadius + 1);
+    EXPECT_EQ(mask.capInsets.left, cornerRadius);
+    EXPECT_EQ(mask.capInsets.bottom, cornerRadius);
+    EXPECT_EQ(mask.resizingMode, NSImageResizingModeStretch);
+    EXPECT_TRUE(mask.drawingHandler(NSMakeRect(0, 0, 29, 29)));
+    ASSERT_EQ(fake_mac::fills().size(), 1U);
+    EXPECT_EQ(fake_mac::fills()[0].radius, cornerRadius);
+    EXPECT_EQ(fake_mac::fills()[0].color, "black");
+    EXPECT_EQ(fake_mac::fills()[0].rect.size.width, 29);
 }
 
 TEST_F(MacPanelTest, TheContentLetsTheMaterialShowAndFillsThePanel) {
-    @autoreleasepool {
-        panel->setContent(std::make_unique<SpyContent>(calls, someWidget()));
-        EXPECT_THAT(calls, ElementsAre("draws no background", "fill 640 200"));
-        EXPECT_EQ(window().contentView.subviews.count, 1U);
-    }
+    panel->setContent(std::make_unique<SpyContent>(calls, someWidget()));
+    EXPECT_THAT(calls, ElementsAre("draws no background", "fill 640 200"));
+    EXPECT_EQ(window().contentView.subviews.count, 1U);
 }
 
 TEST_F(MacPanelTest, TheWidgetHearsOfThePointerWhileAnotherApplicationIsActive) {
-    @autoreleasepool {
-        setContent(someWidget());
-        panel->setFrame({-300, 120, 640, 300});
-        calls.clear();
-        NSView* const content = window().contentView;
-        [content pointerMovedTo:NSMakePoint(30, 290)];
-        [content pointerMovedTo:NSMakePoint(31, 200)];
-        EXPECT_THAT(calls, ElementsAre("pointer at 30 10", "pointer at 31 100"));
-        calls.clear();
-        [content pointerMovedTo:NSMakePoint(31, 301)];
-        EXPECT_THAT(calls, ElementsAre("pointer goes"));
-        EXPECT_TRUE(window().acceptsMouseMovedEvents);
-    }
+    setContent(someWidget());
+    panel->setFrame({-300, 120, 640, 300});
+    calls.clear();
+    NSView* const content = window().contentView;
+    [content pointerMovedTo:NSMakePoint(30, 290)];
+    [content pointerMovedTo:NSMakePoint(31, 200)];
+    EXPECT_THAT(calls, ElementsAre("pointer at 30 10", "pointer at 31 100"));
+    calls.clear();
+    [content pointerMovedTo:NSMakePoint(31, 301)];
+    EXPECT_THAT(calls, ElementsAre("pointer goes"));
+    EXPECT_TRUE(window().acceptsMouseMovedEvents);
 }
 
 TEST_F(MacPanelTest, TheToolkitFollowsThePointerByItselfWhileTheProgramIsActive) {
-    @autoreleasepool {
-        setContent(someWidget());
-        NSApplication.sharedApplication.active = YES;
-        [window().contentView pointerMovedTo:NSMakePoint(30, 90)];
-        [window().contentView pointerMovedTo:NSMakePoint(31, 90)];
-        EXPECT_THAT(calls, ElementsAre("the toolkit follows", "the toolkit follows"));
-    }
+    setContent(someWidget());
+    NSApplication.sharedApplication.active = YES;
+    [window().contentView pointerMovedTo:NSMakePoint(30, 90)];
+    [window().contentView pointerMovedTo:NSMakePoint(31, 90)];
+    EXPECT_THAT(calls, ElementsAre("the toolkit follows", "the toolkit follows"));
 }
 
 TEST_F(MacPanelTest, AWidgetThatHasGoneHearsNothingOfThePointer) {
-    @autoreleasepool {
-        setContent(someWidget());
-        NSView* const content = window().contentView;
-        panel.reset();
-        calls.clear();
-        [content pointerMovedTo:NSMakePoint(30, 90)];
-        EXPECT_EQ(content.trackingAreas.count, 0U);
-        EXPECT_THAT(calls, IsEmpty());
-    }
+    setContent(someWidget());
+    NSView* const content = window().contentView;
+    panel.reset();
+    calls.clear();
+    [content pointerMovedTo:NSMakePoint(30, 90)];
+    EXPECT_EQ(content.trackingAreas.count, 0U);
+    EXPECT_THAT(calls, IsEmpty());
 }
 
 TEST_F(MacPanelTest, ItTakesAFrameWithoutDrawingAtOnce) {
-    @autoreleasepool {
-        setContent(someWidget());
-        panel->setFrame({-300, 120, 760, 412});
-        EXPECT_EQ(window().frame.origin.x, -300);
-        EXPECT_EQ(window().frame.origin.y, 120);
-        EXPECT_EQ(window().frame.size.height, 412);
-        EXPECT_THAT(calls, ElementsAre("fill 760 412"));
-        EXPECT_THAT(window().calls, ElementsAre("setFrame"));
-    }
+    setContent(someWidget());
+    panel->setFrame({-300, 120, 760, 412});
+    EXPECT_EQ(window().frame.origin.x, -300);
+    EXPECT_EQ(window().frame.origin.y, 120);
+    EXPECT_EQ(window().frame.size.height, 412);
+    EXPECT_THAT(calls, ElementsAre("fill 760 412"));
+    EXPECT_THAT(window().calls, ElementsAre("setFrame"));
 }
 
 TEST_F(MacPanelTest, ItIsShownWithWhatTheModelHoldsAndWithoutActivating) {
-    @autoreleasepool {
-        setContent(someWidget());
-        panel->orderFrontRegardless();
-        EXPECT_THAT(calls, ElementsAre("synchronize", "show"));
-        EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless"));
-        EXPECT_TRUE(window().visible);
-        EXPECT_THAT([NSApplication.sharedApplication calls], IsEmpty());
-        panel->orderOut();
-        EXPECT_FALSE(window().visible);
-        EXPECT_EQ(calls.back(), "hide");
-    }
+    setContent(someWidget());
+    panel->orderFrontRegardless();
+    EXPECT_THAT(calls, ElementsAre("synchronize", "show"));
+    EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless"));
+    EXPECT_TRUE(window().visible);
+    EXPECT_THAT([NSApplication.sharedApplication calls], IsEmpty());
+    panel->orderOut();
+    EXPECT_FALSE(window().visible);
+    EXPECT_EQ(calls.back(), "hide");
 }
 
 TEST_F(MacPanelTest, AFrameWhileItIsShownBringsTheContentUpToDate) {
-    @autoreleasepool {
-        setContent(someWidget());
-        panel->orderFrontRegardless();
-        calls.clear();
-        panel->setFrame({0, 0, 640, 300});
-        EXPECT_THAT(calls, ElementsAre("synchronize", "fill 640 300"));
-        EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless", "setFrame", "invalidateShadow"));
-    }
+    setContent(someWidget());
+    panel->orderFrontRegardless();
+    calls.clear();
+    panel->setFrame({0, 0, 640, 300});
+    EXPECT_THAT(calls, ElementsAre("synchronize", "fill 640 300"));
+    EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless", "setFrame", "invalidateShadow"));
 }
 
 TEST_F(MacPanelTest, ItWarmsUpWhereNobodySeesIt) {
-    @autoreleasepool {
-        setContent(someWidget());
-        panel->setFrame({-10000, -10000, 640, 300});
-        panel->orderFront();
-        EXPECT_EQ(window().contentView.layoutCount, 0);
-        panel->layOutContent();
-        EXPECT_EQ(window().contentView.layoutCount, 1);
-        panel->orderOut();
-        EXPECT_THAT(calls, ElementsAre("fill 640 300", "synchronize", "show", "synchronize", "hide"));
-        EXPECT_THAT(window().calls, ElementsAre("setFrame", "orderFront", "displayIfNeeded", "orderOut"));
-    }
+    setContent(someWidget());
+    panel->setFrame({-10000, -10000, 640, 300});
+    panel->orderFront();
+    EXPECT_EQ(window().contentView.layoutCount, 0);
+    panel->layOutContent();
+    EXPECT_EQ(window().contentView.layoutCount, 1);
+    panel->orderOut();
+    EXPECT_THAT(calls, ElementsAre("fill 640 300", "synchronize", "show", "synchronize", "hide"));
+    EXPECT_THAT(window().calls, ElementsAre("setFrame", "orderFront", "displayIfNeeded", "orderOut"));
 }
 
 TEST_F(MacPanelTest, PreparingMovesNothingThatIsShown) {
-    @autoreleasepool {
-        setContent(someWidget());
-        panel->prepare({10, 20, 640, 300});
-        EXPECT_EQ(window().frame.origin.x, 10);
-        panel->orderFrontRegardless();
-        panel->prepare({50, 60, 640, 400});
-        EXPECT_EQ(window().frame.origin.x, 10);
-        EXPECT_EQ(window().frame.size.height, 300);
-    }
+    setContent(someWidget());
+    panel->prepare({10, 20, 640, 300});
+    EXPECT_EQ(window().frame.origin.x, 10);
+    panel->orderFrontRegardless();
+    panel->prepare({50, 60, 640, 400});
+    EXPECT_EQ(window().frame.origin.x, 10);
+    EXPECT_EQ(window().frame.size.height, 300);
 }
 
 TEST_F(MacPanelTest, ContentThatDrawsNothingIsNotHosted) {
-    @autoreleasepool {
-        setContent(nullptr);
-        panel->setFrame({0, 0, 640, 300});
-        panel->orderFrontRegardless();
-        panel->layOutContent();
-        panel->orderOut();
-        EXPECT_THAT(calls, ElementsAre("synchronize", "synchronize"));
-        EXPECT_EQ(window().contentView.subviews.count, 0U);
-    }
+    setContent(nullptr);
+    panel->setFrame({0, 0, 640, 300});
+    panel->orderFrontRegardless();
+    panel->layOutContent();
+    panel->orderOut();
+    EXPECT_THAT(calls, ElementsAre("synchronize", "synchronize"));
+    EXPECT_EQ(window().contentView.subviews.count, 0U);
 }
 
 TEST_F(MacPanelTest, TheWidgetLeavesTheWindowBeforeTheWindowGoes) {
-    @autoreleasepool {
-        setContent(someWidget());
-        panel->orderFrontRegardless();
-        NSPanel* const kept = window();
-        calls.clear();
-        panel.reset();
-        EXPECT_THAT(calls, ElementsAre("hide", "widget goes"));
-        EXPECT_EQ(kept.calls.back(), "close");
-    }
+    setContent(someWidget());
+    panel->orderFrontRegardless();
+    NSPanel* const kept = window();
+    calls.clear();
+    panel.reset();
+    EXPECT_THAT(calls, ElementsAre("hide", "widget goes"));
+    EXPECT_EQ(kept.calls.back(), "close");
 }
 
 /// What reaches a widget of the toolkit.
@@ -372,32 +346,28 @@ protected:
 };
 
 TEST_F(MacWindowsTest, UtilityWindowsReachUnderATransparentTitleBar) {
-    @autoreleasepool {
-        NSWindow* const window = makeWindow();
-        const auto view = addressOf(window.contentView);
-        EXPECT_EQ(configureUtilityWindow(view, false), 28);
-        constexpr NSUInteger fixedSize = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
-                                         NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskFullSizeContentView;
-        EXPECT_EQ(window.styleMask, fixedSize);
-        EXPECT_TRUE(window.titlebarAppearsTransparent);
-        EXPECT_FALSE(window.releasedWhenClosed);
-        EXPECT_EQ(configureUtilityWindow(view, true), 28);
-        EXPECT_EQ(window.styleMask, fixedSize | NSWindowStyleMaskResizable);
-    }
+    NSWindow* const window = makeWindow();
+    const auto view = addressOf(window.contentView);
+    EXPECT_EQ(configureUtilityWindow(view, false), 28);
+    constexpr NSUInteger fixedSize = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
+                                     NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskFullSizeContentView;
+    EXPECT_EQ(window.styleMask, fixedSize);
+    EXPECT_TRUE(window.titlebarAppearsTransparent);
+    EXPECT_FALSE(window.releasedWhenClosed);
+    EXPECT_EQ(configureUtilityWindow(view, true), 28);
+    EXPECT_EQ(window.styleMask, fixedSize | NSWindowStyleMaskResizable);
 }
 
 TEST_F(MacWindowsTest, TheWindowThatIsBroughtToTheFrontIsTheOneOfThatNumber) {
-    @autoreleasepool {
-        NSWindow* const first = makeWindow();
-        NSWindow* const second = makeWindow();
-        MacApplication application;
-        application.bringToFront(static_cast<WindowId>(addressOf(second.contentView)));
-        EXPECT_THAT(first.calls, IsEmpty());
-        EXPECT_THAT(second.calls, ElementsAre("makeKeyAndOrderFront"));
-        application.bringToFront(1);
-        EXPECT_THAT(first.calls, IsEmpty());
-        EXPECT_EQ(second.calls.size(), 1U);
-    }
+    NSWindow* const first = makeWindow();
+    NSWindow* const second = makeWindow();
+    MacApplication application;
+    application.bringToFront(static_cast<WindowId>(addressOf(second.contentView)));
+    EXPECT_THAT(first.calls, IsEmpty());
+    EXPECT_THAT(second.calls, ElementsAre("makeKeyAndOrderFront"));
+    application.bringToFront(1);
+    EXPECT_THAT(first.calls, IsEmpty());
+    EXPECT_EQ(second.calls.size(), 1U);
 }
 
 }  // namespace

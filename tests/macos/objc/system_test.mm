@@ -28,35 +28,32 @@ public:
 };
 
 TEST_F(MacSystemTest, TheApplicationsMenuHasTheSettingsAndTheEnd) {
-    @autoreleasepool {
-        NSApplication* const application = NSApplication.sharedApplication;
-        int opened = 0;
-        {
-            const MacApplicationMenu menu({.settings = "Einstellungen …", .quit = "Ferrowyn beenden"},
-                                          [&] { ++opened; });
-            ASSERT_EQ(application.mainMenu.itemArray.count, 1U);
-            NSMenu* const rows = application.mainMenu.itemArray.firstObject.submenu;
-            ASSERT_EQ(rows.itemArray.count, 3U);
-            NSMenuItem* const settings = rows.itemArray.firstObject;
-            EXPECT_EQ(text(settings.title), "Einstellungen …");
-            EXPECT_EQ(text(settings.keyEquivalent), ",");
-            EXPECT_TRUE([rows choose:settings]);
-            EXPECT_EQ(opened, 1);
-            EXPECT_TRUE([rows.itemArray objectAtIndex:1].separatorItem);
-            NSMenuItem* const quit = [rows.itemArray objectAtIndex:2];
-            EXPECT_EQ(text(quit.title), "Ferrowyn beenden");
-            EXPECT_EQ(text(quit.keyEquivalent), "q");
-            EXPECT_TRUE([rows choose:quit]);
-            EXPECT_THAT(application.calls, ElementsAre("terminate"));
-        }
-        EXPECT_EQ(application.mainMenu, nil);
-        NSMenu* const another = [[NSMenu alloc] initWithTitle:@""];
-        {
-            const MacApplicationMenu menu({}, [] {});
-            application.mainMenu = another;
-        }
-        EXPECT_EQ(application.mainMenu, another) << "which is not this one's to take away";
+    NSApplication* const application = NSApplication.sharedApplication;
+    int opened = 0;
+    {
+        const MacApplicationMenu menu({.settings = "Einstellungen …", .quit = "Ferrowyn beenden"}, [&] { ++opened; });
+        ASSERT_EQ(application.mainMenu.itemArray.count, 1U);
+        NSMenu* const rows = application.mainMenu.itemArray.firstObject.submenu;
+        ASSERT_EQ(rows.itemArray.count, 3U);
+        NSMenuItem* const settings = rows.itemArray.firstObject;
+        EXPECT_EQ(text(settings.title), "Einstellungen …");
+        EXPECT_EQ(text(settings.keyEquivalent), ",");
+        EXPECT_TRUE([rows choose:settings]);
+        EXPECT_EQ(opened, 1);
+        EXPECT_TRUE([rows.itemArray objectAtIndex:1].separatorItem);
+        NSMenuItem* const quit = [rows.itemArray objectAtIndex:2];
+        EXPECT_EQ(text(quit.title), "Ferrowyn beenden");
+        EXPECT_EQ(text(quit.keyEquivalent), "q");
+        EXPECT_TRUE([rows choose:quit]);
+        EXPECT_THAT(application.calls, ElementsAre("terminate"));
     }
+    EXPECT_EQ(application.mainMenu, nil);
+    NSMenu* const another = [[NSMenu alloc] initWithTitle:@""];
+    {
+        const MacApplicationMenu menu({}, [] {});
+        application.mainMenu = another;
+    }
+    EXPECT_EQ(application.mainMenu, another) << "which is not this one's to take away";
 }
 
 TEST_F(MacSystemTest, AWorkersTaskLeavesNothingBehind) {
@@ -80,75 +77,63 @@ TEST_F(MacSystemTest, AWorkersTaskLeavesNothingBehind) {
 }
 
 TEST_F(MacSystemTest, AProgramOutsideABundleSaysNothingOfItself) {
-    @autoreleasepool {
-        const MacApplication application;
-        const auto info = application.bundleInfo();
-        EXPECT_FALSE(info.name);
-        EXPECT_FALSE(info.shortVersion);
-        EXPECT_FALSE(info.copyright);
-        EXPECT_EQ(info.path, "/usr/local/bin");
-        EXPECT_FALSE(info.updateHost);
-        EXPECT_FALSE(info.homePage);
-    }
+    const MacApplication application;
+    const auto info = application.bundleInfo();
+    EXPECT_FALSE(info.name);
+    EXPECT_FALSE(info.shortVersion);
+    EXPECT_FALSE(info.copyright);
+    EXPECT_EQ(info.path, "/usr/local/bin");
+    EXPECT_FALSE(info.updateHost);
+    EXPECT_FALSE(info.homePage);
 }
 
 TEST_F(MacSystemTest, TheBundleSaysWhatTheProgramIs) {
-    @autoreleasepool {
-        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
-                                                    identifier:@"com.larkmoor.Ferrowyn"
-                                                          info:@{
-                                                              @"CFBundleName" : @"Ferrowyn",
-                                                              @"CFBundleShortVersionString" : @"1.4.0",
-                                                              @"NSHumanReadableCopyright" : @"© 2026 Larkmoor",
-                                                              @"FerrowynUpdateHost" : @"updates.ferrowyn.example",
-                                                              @"FerrowynHomePage" : @"",
-                                                          }]);
-        const auto info = MacApplication().bundleInfo();
-        EXPECT_EQ(info.name, "Ferrowyn");
-        EXPECT_EQ(info.shortVersion, "1.4.0");
-        EXPECT_EQ(info.copyright, "© 2026 Larkmoor");
-        EXPECT_EQ(info.path, "/Applications/Ferrowyn.app");
-        EXPECT_EQ(info.updateHost, "updates.ferrowyn.example");
-        EXPECT_FALSE(info.homePage) << "nobody has set it";
-    }
+    fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
+                                                identifier:@"com.larkmoor.Ferrowyn"
+                                                      info:@{
+                                                          @"CFBundleName" : @"Ferrowyn",
+                                                          @"CFBundleShortVersionString" : @"1.4.0",
+                                                          @"NSHumanReadableCopyright" : @"© 2026 Larkmoor",
+                                                          @"FerrowynUpdateHost" : @"updates.ferrowyn.example",
+                                                          @"FerrowynHomePage" : @"",
+                                                      }]);
+    const auto info = MacApplication().bundleInfo();
+    EXPECT_EQ(info.name, "Ferrowyn");
+    EXPECT_EQ(info.shortVersion, "1.4.0");
+    EXPECT_EQ(info.copyright, "© 2026 Larkmoor");
+    EXPECT_EQ(info.path, "/Applications/Ferrowyn.app");
+    EXPECT_EQ(info.updateHost, "updates.ferrowyn.example");
+    EXPECT_FALSE(info.homePage) << "nobody has set it";
 }
 
 TEST_F(MacSystemTest, AValueOfAnotherTypeInTheBundleCountsAsAbsent) {
-    @autoreleasepool {
-        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
-                                                    identifier:nil
-                                                          info:@{
-                                                              @"CFBundleShortVersionString" : @2
-                                                          }]);
-        EXPECT_FALSE(MacApplication().bundleInfo().shortVersion);
-    }
+    fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
+                                                identifier:nil
+                                                      info:@{
+                                                          @"CFBundleShortVersionString" : @2
+                                                      }]);
+    EXPECT_FALSE(MacApplication().bundleInfo().shortVersion);
 }
 
 TEST_F(MacSystemTest, TheSystemsVersionIsMajorAndMinor) {
-    @autoreleasepool {
-        fake_mac::setSystemVersion(14, 5, 1);
-        EXPECT_EQ(MacApplication().systemVersion(), "14.5");
-        EXPECT_EQ(MacApplication().ownPid(), fake_mac::ownPid);
-    }
+    fake_mac::setSystemVersion(14, 5, 1);
+    EXPECT_EQ(MacApplication().systemVersion(), "14.5");
+    EXPECT_EQ(MacApplication().ownPid(), fake_mac::ownPid);
 }
 
 TEST_F(MacSystemTest, TheYearIsThatOfTheUsersCalendar) {
-    @autoreleasepool {
-        const WallTime summer{Seconds(1'782'900'000)};
-        EXPECT_EQ(MacApplication().calendarYear(summer), 2026);
-        fake_mac::setCalendarAhead(543);
-        EXPECT_EQ(MacApplication().calendarYear(summer), 2569);
-    }
+    const WallTime summer{Seconds(1'782'900'000)};
+    EXPECT_EQ(MacApplication().calendarYear(summer), 2026);
+    fake_mac::setCalendarAhead(543);
+    EXPECT_EQ(MacApplication().calendarYear(summer), 2569);
 }
 
 TEST_F(MacSystemTest, TheProgramIsNotPutToSleepWhileItHasNoWindow) {
-    @autoreleasepool {
-        {
-            const MacActivity activity;
-            EXPECT_THAT(fake_mac::activities(), ElementsAre(0xEFFFFFULL)) << "the Mac itself may sleep";
-        }
-        EXPECT_THAT(fake_mac::activities(), IsEmpty());
+    {
+        const MacActivity activity;
+        EXPECT_THAT(fake_mac::activities(), ElementsAre(0xEFFFFFULL)) << "the Mac itself may sleep";
     }
+    EXPECT_THAT(fake_mac::activities(), IsEmpty());
 }
 
 TEST_F(MacSystemTest, WhatIsDoneInAPoolLeavesNothingBehind) {
@@ -163,234 +148,206 @@ TEST_F(MacSystemTest, WhatIsDoneInAPoolLeavesNothingBehind) {
 }
 
 TEST_F(MacSystemTest, ThePolicyAndTheRestAreAskedOfTheApplicationObject) {
-    @autoreleasepool {
-        MacApplication application;
-        application.setActivationPolicy(ActivationPolicy::accessory);
-        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyAccessory);
-        application.setActivationPolicy(ActivationPolicy::prohibited);
-        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyProhibited);
-        application.setActivationPolicy(ActivationPolicy::regular);
-        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyRegular);
-        application.activate();
-        application.terminate();
-        application.revealInFileManager();
-        const auto calls = [NSApplication.sharedApplication calls];
-        EXPECT_THAT(calls, ElementsAre("setActivationPolicy", "setActivationPolicy", "setActivationPolicy",
-                                       "activate ignoring others", "terminate"));
-        EXPECT_THAT(NSWorkspace.sharedWorkspace.revealedPaths, ElementsAre("/usr/local/bin"));
-    }
+    MacApplication application;
+    application.setActivationPolicy(ActivationPolicy::accessory);
+    EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyAccessory);
+    application.setActivationPolicy(ActivationPolicy::prohibited);
+    EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyProhibited);
+    application.setActivationPolicy(ActivationPolicy::regular);
+    EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyRegular);
+    application.activate();
+    application.terminate();
+    application.revealInFileManager();
+    const auto calls = [NSApplication.sharedApplication calls];
+    EXPECT_THAT(calls, ElementsAre("setActivationPolicy", "setActivationPolicy", "setActivationPolicy",
+                                   "activate ignoring others", "terminate"));
+    EXPECT_THAT(NSWorkspace.sharedWorkspace.revealedPaths, ElementsAre("/usr/local/bin"));
 }
 
 TEST_F(MacSystemTest, BecomingActiveIsToldUntilTheTokenIsDropped) {
-    @autoreleasepool {
-        MacApplication application;
-        int count = 0;
-        auto subscription = application.observeDidBecomeActive([&] { ++count; });
-        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
-        [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
-        EXPECT_EQ(count, 1);
-        subscription.reset();
-        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
-        EXPECT_EQ(count, 1);
-    }
+    MacApplication application;
+    int count = 0;
+    auto subscription = application.observeDidBecomeActive([&] { ++count; });
+    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+    [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
+    EXPECT_EQ(count, 1);
+    subscription.reset();
+    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+    EXPECT_EQ(count, 1);
 }
 
 TEST_F(MacSystemTest, WhatStillWaitsInTheQueueIsNotToldAfterTheTokenIsDropped) {
-    @autoreleasepool {
-        NSOperationQueue.mainQueue.isDeferring = YES;
-        MacApplication application;
-        int count = 0;
-        auto subscription = application.observeDidBecomeActive([&] { ++count; });
-        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
-        [NSOperationQueue.mainQueue drain];
-        EXPECT_EQ(count, 1);
-        [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
-        subscription.reset();
-        [NSOperationQueue.mainQueue drain];
-        EXPECT_EQ(count, 1);
-    }
+    NSOperationQueue.mainQueue.isDeferring = YES;
+    MacApplication application;
+    int count = 0;
+    auto subscription = application.observeDidBecomeActive([&] { ++count; });
+    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+    [NSOperationQueue.mainQueue drain];
+    EXPECT_EQ(count, 1);
+    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+    subscription.reset();
+    [NSOperationQueue.mainQueue drain];
+    EXPECT_EQ(count, 1);
 }
 
 TEST_F(MacSystemTest, TheAccessibilityDatabaseIsHeardOfFromAllProcesses) {
-    @autoreleasepool {
-        int count = 0;
-        auto subscription = observeAccessibilityDatabase([&] { ++count; });
-        [NSNotificationCenter.defaultCenter post:@"com.apple.accessibility.api" userInfo:nil];
-        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.other" userInfo:nil];
-        EXPECT_EQ(count, 0);
-        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
-        EXPECT_EQ(count, 1);
-        subscription.reset();
-        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
-        EXPECT_EQ(count, 1);
-    }
+    int count = 0;
+    auto subscription = observeAccessibilityDatabase([&] { ++count; });
+    [NSNotificationCenter.defaultCenter post:@"com.apple.accessibility.api" userInfo:nil];
+    [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.other" userInfo:nil];
+    EXPECT_EQ(count, 0);
+    [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
+    EXPECT_EQ(count, 1);
+    subscription.reset();
+    [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
+    EXPECT_EQ(count, 1);
 }
 
 TEST_F(MacSystemTest, TheDelegateHearsOfTheLaunchOfReopeningAndOfTheEnd) {
-    @autoreleasepool {
-        std::vector<std::string> heard;
-        bool answer = true;
-        NSApplication* const application = NSApplication.sharedApplication;
-        {
-            const MacApplicationDelegate delegate(
-                {.onDidFinishLaunching = [&] { heard.emplace_back("launched"); },
-                 .onShouldHandleReopen =
-                     [&](bool hasVisibleWindows) {
-                         heard.emplace_back(hasVisibleWindows ? "reopened with windows" : "reopened");
-                         return answer;
-                     },
-                 .onWillTerminate = [&] { heard.emplace_back("ends"); }});
-            [application finishLaunching];
-            EXPECT_TRUE([application reopenWithVisibleWindows:YES]);
-            answer = false;
-            EXPECT_FALSE([application reopenWithVisibleWindows:NO]);
-            [application willTerminate];
-        }
-        EXPECT_THAT(heard, ElementsAre("launched", "reopened with windows", "reopened", "ends"));
-        EXPECT_EQ(application.delegate, nil);
+    std::vector<std::string> heard;
+    bool answer = true;
+    NSApplication* const application = NSApplication.sharedApplication;
+    {
+        const MacApplicationDelegate delegate({.onDidFinishLaunching = [&] { heard.emplace_back("launched"); },
+                                               .onShouldHandleReopen =
+                                                   [&](bool hasVisibleWindows) {
+                                                       heard.emplace_back(hasVisibleWindows ? "reopened with windows"
+                                                                                            : "reopened");
+                                                       return answer;
+                                                   },
+                                               .onWillTerminate = [&] { heard.emplace_back("ends"); }});
+        [application finishLaunching];
+        EXPECT_TRUE([application reopenWithVisibleWindows:YES]);
+        answer = false;
+        EXPECT_FALSE([application reopenWithVisibleWindows:NO]);
+        [application willTerminate];
     }
+    EXPECT_THAT(heard, ElementsAre("launched", "reopened with windows", "reopened", "ends"));
+    EXPECT_EQ(application.delegate, nil);
 }
 
 TEST_F(MacSystemTest, ADelegateThatTheToolkitKeepsIsSilentOnceItsOwnerIsGone) {
-    @autoreleasepool {
-        int count = 0;
-        id<NSApplicationDelegate> kept = nil;
-        {
-            const MacApplicationDelegate delegate({.onDidFinishLaunching = [&] { ++count; }});
-            kept = NSApplication.sharedApplication.delegate;
-        }
-        NSApplication.sharedApplication.delegate = kept;
-        [NSApplication.sharedApplication finishLaunching];
-        EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
-        EXPECT_EQ(count, 0);
+    int count = 0;
+    id<NSApplicationDelegate> kept = nil;
+    {
+        const MacApplicationDelegate delegate({.onDidFinishLaunching = [&] { ++count; }});
+        kept = NSApplication.sharedApplication.delegate;
     }
+    NSApplication.sharedApplication.delegate = kept;
+    [NSApplication.sharedApplication finishLaunching];
+    EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
+    EXPECT_EQ(count, 0);
 }
 
 TEST_F(MacSystemTest, EveryStateOfTheLoginItemIsToldApart) {
-    @autoreleasepool {
-        const MacLoginItem item;
-        const std::vector<std::pair<SMAppServiceStatus, LoginItem::Status>> table{
-            {SMAppServiceStatusNotRegistered, LoginItem::Status::notRegistered},
-            {SMAppServiceStatusEnabled, LoginItem::Status::enabled},
-            {SMAppServiceStatusRequiresApproval, LoginItem::Status::requiresApproval},
-            {SMAppServiceStatusNotFound, LoginItem::Status::notFound},
-            {static_cast<SMAppServiceStatus>(17), LoginItem::Status::notRegistered},
-        };
-        for (const auto& [status, expected] : table) {
-            SMAppService.mainAppService.status = status;
-            EXPECT_EQ(item.status(), expected) << static_cast<int>(status);
-        }
+    const MacLoginItem item;
+    const std::vector<std::pair<SMAppServiceStatus, LoginItem::Status>> table{
+        {SMAppServiceStatusNotRegistered, LoginItem::Status::notRegistered},
+        {SMAppServiceStatusEnabled, LoginItem::Status::enabled},
+        {SMAppServiceStatusRequiresApproval, LoginItem::Status::requiresApproval},
+        {SMAppServiceStatusNotFound, LoginItem::Status::notFound},
+        {static_cast<SMAppServiceStatus>(17), LoginItem::Status::notRegistered},
+    };
+    for (const auto& [status, expected] : table) {
+        SMAppService.mainAppService.status = status;
+        EXPECT_EQ(item.status(), expected) << static_cast<int>(status);
     }
 }
 
 TEST_F(MacSystemTest, RegisteringAndUnregisteringTheLoginItemSucceed) {
-    @autoreleasepool {
-        MacLoginItem item;
-        EXPECT_FALSE(item.registerProgram());
-        EXPECT_FALSE(item.unregisterProgram());
-        EXPECT_THAT(SMAppService.mainAppService.calls, ElementsAre("register", "unregister"));
-    }
+    MacLoginItem item;
+    EXPECT_FALSE(item.registerProgram());
+    EXPECT_FALSE(item.unregisterProgram());
+    EXPECT_THAT(SMAppService.mainAppService.calls, ElementsAre("register", "unregister"));
 }
 
 TEST_F(MacSystemTest, ARefusalOfTheLoginItemComesWithDomainCodeAndWords) {
-    @autoreleasepool {
-        MacLoginItem item;
-        SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"SMAppServiceErrorDomain"
-                                                                           code:1
-                                                                           text:@"Operation not permitted"];
-        const auto refused = item.registerProgram();
-        ASSERT_TRUE(refused);
-        EXPECT_EQ(refused->domain, "SMAppServiceErrorDomain");
-        EXPECT_EQ(refused->code, 1);
-        EXPECT_EQ(refused->localizedDescription, "Operation not permitted");
-        SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"NSPOSIXErrorDomain"
-                                                                           code:-5
-                                                                           text:@"Input/output error"];
-        const auto failed = item.unregisterProgram();
-        ASSERT_TRUE(failed);
-        EXPECT_EQ(failed->domain, "NSPOSIXErrorDomain");
-        EXPECT_EQ(failed->code, -5);
-        EXPECT_EQ(failed->localizedDescription, "Input/output error");
-    }
+    MacLoginItem item;
+    SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"SMAppServiceErrorDomain"
+                                                                       code:1
+                                                                       text:@"Operation not permitted"];
+    const auto refused = item.registerProgram();
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->domain, "SMAppServiceErrorDomain");
+    EXPECT_EQ(refused->code, 1);
+    EXPECT_EQ(refused->localizedDescription, "Operation not permitted");
+    SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"NSPOSIXErrorDomain"
+                                                                       code:-5
+                                                                       text:@"Input/output error"];
+    const auto failed = item.unregisterProgram();
+    ASSERT_TRUE(failed);
+    EXPECT_EQ(failed->domain, "NSPOSIXErrorDomain");
+    EXPECT_EQ(failed->code, -5);
+    EXPECT_EQ(failed->localizedDescription, "Input/output error");
 }
 
 TEST_F(MacSystemTest, DefaultsAnswerWithWhatIsRegisteredUntilSomethingIsStored) {
-    @autoreleasepool {
-        MacUserDefaults defaults;
-        EXPECT_FALSE(defaults.value("switcher.layout"));
-        defaults.registerDefaults({{"switcher.layout", std::string("list")}, {"switcher.includeMinimized", true}});
-        EXPECT_EQ(defaults.string("switcher.layout"), "list");
-        EXPECT_TRUE(defaults.boolean("switcher.includeMinimized"));
-        EXPECT_EQ([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"], nil);
-        defaults.set("switcher.layout", std::string("grid"));
-        EXPECT_EQ(defaults.string("switcher.layout"), "grid");
-        EXPECT_EQ(text([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"]), "grid");
-    }
+    MacUserDefaults defaults;
+    EXPECT_FALSE(defaults.value("switcher.layout"));
+    defaults.registerDefaults({{"switcher.layout", std::string("list")}, {"switcher.includeMinimized", true}});
+    EXPECT_EQ(defaults.string("switcher.layout"), "list");
+    EXPECT_TRUE(defaults.boolean("switcher.includeMinimized"));
+    EXPECT_EQ([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"], nil);
+    defaults.set("switcher.layout", std::string("grid"));
+    EXPECT_EQ(defaults.string("switcher.layout"), "grid");
+    EXPECT_EQ(text([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"]), "grid");
 }
 
 TEST_F(MacSystemTest, EveryTypeOfDefaultComesBackAsItWasStored) {
-    @autoreleasepool {
-        MacUserDefaults defaults;
-        const std::vector<DefaultsValue> values{true,
-                                                false,
-                                                std::int64_t{1},
-                                                std::int64_t{0},
-                                                std::int64_t{-9'000'000'000},
-                                                1.5,
-                                                1763712000.25,
-                                                std::string("Größe ⌥⇥"),
-                                                std::string(),
-                                                std::vector<std::string>{"com.example.Mail", "com.example.Notes"},
-                                                std::vector<std::string>{}};
-        for (const auto& value : values) {
-            defaults.set("key", value);
-            EXPECT_EQ(defaults.value("key"), value) << "alternative " << value.index();
-        }
+    MacUserDefaults defaults;
+    const std::vector<DefaultsValue> values{true,
+                                            false,
+                                            std::int64_t{1},
+                                            std::int64_t{0},
+                                            std::int64_t{-9'000'000'000},
+                                            1.5,
+                                            1763712000.25,
+                                            std::string("Größe ⌥⇥"),
+                                            std::string(),
+                                            std::vector<std::string>{"com.example.Mail", "com.example.Notes"},
+                                            std::vector<std::string>{}};
+    for (const auto& value : values) {
+        defaults.set("key", value);
+        EXPECT_EQ(defaults.value("key"), value) << "alternative " << value.index();
     }
 }
 
 TEST_F(MacSystemTest, WhatOthersWroteIntoTheDefaultsIsReadAsFarAsItCanBe) {
-    @autoreleasepool {
-        const MacUserDefaults defaults;
-        auto* const store = NSUserDefaults.standardUserDefaults;
-        [store setObject:[NSNumber numberWithInt:12] forKey:@"switcher.maximumVisibleRows"];
-        [store setObject:@[ @"a", @2 ] forKey:@"mixed"];
-        [store setObject:@{@"a" : @"b"} forKey:@"dictionary"];
-        EXPECT_EQ(defaults.value("switcher.maximumVisibleRows"), DefaultsValue(std::int64_t{12}));
-        EXPECT_FALSE(defaults.value("mixed"));
-        EXPECT_FALSE(defaults.value("dictionary"));
-    }
+    const MacUserDefaults defaults;
+    auto* const store = NSUserDefaults.standardUserDefaults;
+    [store setObject:[NSNumber numberWithInt:12] forKey:@"switcher.maximumVisibleRows"];
+    [store setObject:@[ @"a", @2 ] forKey:@"mixed"];
+    [store setObject:@{@"a" : @"b"} forKey:@"dictionary"];
+    EXPECT_EQ(defaults.value("switcher.maximumVisibleRows"), DefaultsValue(std::int64_t{12}));
+    EXPECT_FALSE(defaults.value("mixed"));
+    EXPECT_FALSE(defaults.value("dictionary"));
 }
 
 TEST_F(MacSystemTest, LinesGoToTheLogOfTheirCategoryAndCanBeReadByAll) {
-    @autoreleasepool {
-        MacLog log;
-        log.write(LogLevel::standard, "permissions", "Services active");
-        log.write(LogLevel::error, "input", "100 % of the taps failed: %s");
-        log.write(LogLevel::debug, "permissions", "");
-        const auto& lines = fake_mac::logLines();
-        ASSERT_EQ(lines.size(), 3U);
-        EXPECT_EQ(lines[0].subsystem, "com.larkmoor.Ferrowyn");
-        EXPECT_EQ(lines[0].category, "permissions");
-        EXPECT_EQ(lines[0].type, OS_LOG_TYPE_DEFAULT);
-        EXPECT_EQ(lines[0].text, "Services active");
-        EXPECT_EQ(lines[1].category, "input");
-        EXPECT_EQ(lines[1].type, OS_LOG_TYPE_ERROR);
-        EXPECT_EQ(lines[1].text, "100 % of the taps failed: %s");
-        EXPECT_EQ(lines[2].type, OS_LOG_TYPE_DEBUG);
-        EXPECT_EQ(fake_mac::logCount(), 2) << "one a category";
-    }
+    MacLog log;
+    log.write(LogLevel::standard, "permissions", "Services active");
+    log.write(LogLevel::error, "input", "100 % of the taps failed: %s");
+    log.write(LogLevel::debug, "permissions", "");
+    const auto& lines = fake_mac::logLines();
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0].subsystem, "com.larkmoor.Ferrowyn");
+    EXPECT_EQ(lines[0].category, "permissions");
+    EXPECT_EQ(lines[0].type, OS_LOG_TYPE_DEFAULT);
+    EXPECT_EQ(lines[0].text, "Services active");
+    EXPECT_EQ(lines[1].category, "input");
+    EXPECT_EQ(lines[1].type, OS_LOG_TYPE_ERROR);
+    EXPECT_EQ(lines[1].text, "100 % of the taps failed: %s");
+    EXPECT_EQ(lines[2].type, OS_LOG_TYPE_DEBUG);
+    EXPECT_EQ(fake_mac::logCount(), 2) << "one a category";
 }
 
 TEST_F(MacSystemTest, TheLogsSubsystemIsTheBundlesIdentifier) {
-    @autoreleasepool {
-        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Other.app"
-                                                    identifier:@"com.example.Other"
-                                                          info:[NSDictionary dictionary]]);
-        MacLog log;
-        log.write(LogLevel::standard, "ui", "line");
-        EXPECT_EQ(fake_mac::logLines().at(0).subsystem, "com.example.Other");
-    }
+    fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Other.app"
+                                                identifier:@"com.example.Other"
+                                                      info:[NSDictionary dictionary]]);
+    MacLog log;
+    log.write(LogLevel::standard, "ui", "line");
+    EXPECT_EQ(fake_mac::logLines().at(0).subsystem, "com.example.Other");
 }
 
 }  // namespace

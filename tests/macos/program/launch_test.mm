@@ -12,28 +12,24 @@ using testing::IsEmpty;
 class LaunchOnMacTest : public MacProgramTest {};
 
 TEST_F(LaunchOnMacTest, WithTrustTheProgramWorksWithoutShowingAnyWindow) {
-    @autoreleasepool {
-        launch();
-        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyAccessory);
-        EXPECT_THAT(interface().takeSteps(), IsEmpty());
-        EXPECT_EQ(system.promptCount, 0);
-        EXPECT_TRUE(keyboard.isTapEnabled());
-        EXPECT_THAT(keyboard.tapRequest(),
-                    testing::Optional(fake::Keyboard::TapRequest{kCGSessionEventTap, kCGHeadInsertEventTap,
-                                                                 kCGEventTapOptionDefault, 0x1C00}));
-        EXPECT_THAT(listedWindows(), ElementsAre(77U, 88U));
-        EXPECT_EQ(buttonSymbol(), "macwindow.on.rectangle");
-        EXPECT_THAT(takeLog(), ElementsAre("windows: Observation started for 2 processes", "input: Event tap installed",
-                                           "permissions: Services active"));
-    }
+    launch();
+    EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyAccessory);
+    EXPECT_THAT(interface().takeSteps(), IsEmpty());
+    EXPECT_EQ(system.promptCount, 0);
+    EXPECT_TRUE(keyboard.isTapEnabled());
+    EXPECT_THAT(keyboard.tapRequest(),
+                testing::Optional(fake::Keyboard::TapRequest{kCGSessionEventTap, kCGHeadInsertEventTap,
+                                                             kCGEventTapOptionDefault, 0x1C00}));
+    EXPECT_THAT(listedWindows(), ElementsAre(77U, 88U));
+    EXPECT_EQ(buttonSymbol(), "macwindow.on.rectangle");
+    EXPECT_THAT(takeLog(), ElementsAre("windows: Observation started for 2 processes", "input: Event tap installed",
+                                       "permissions: Services active"));
 }
 
 TEST_F(LaunchOnMacTest, TheSystemDoesNotSlowTheProgramWhileItRuns) {
-    @autoreleasepool {
-        EXPECT_EQ(fake_mac::activities().size(), 1U);
-        program.reset();
-        EXPECT_THAT(fake_mac::activities(), IsEmpty());
-    }
+    EXPECT_EQ(fake_mac::activities().size(), 1U);
+    program.reset();
+    EXPECT_THAT(fake_mac::activities(), IsEmpty());
 }
 
 TEST_F(LaunchOnMacTest, WhatAWorkerDoesForTheProgramLeavesNothingBehind) {
@@ -52,83 +48,69 @@ TEST_F(LaunchOnMacTest, WhatAWorkerDoesForTheProgramLeavesNothingBehind) {
 }
 
 TEST_F(LaunchOnMacTest, WithoutTrustTheSystemAsksOnceAndTheSetupWindowIsShown) {
-    @autoreleasepool {
-        system.isTrusted = false;
-        launch();
-        EXPECT_EQ(system.promptCount, 1);
-        EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
-        EXPECT_FALSE(keyboard.hasTap());
-        EXPECT_THAT(listedWindows(), IsEmpty());
-        EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
-        advance(Seconds(10));
-        EXPECT_EQ(system.promptCount, 1);
-        EXPECT_THAT(takeLog(), IsEmpty()) << "what never was active is not suspended";
-    }
+    system.isTrusted = false;
+    launch();
+    EXPECT_EQ(system.promptCount, 1);
+    EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
+    EXPECT_FALSE(keyboard.hasTap());
+    EXPECT_THAT(listedWindows(), IsEmpty());
+    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+    advance(Seconds(10));
+    EXPECT_EQ(system.promptCount, 1);
+    EXPECT_THAT(takeLog(), IsEmpty()) << "what never was active is not suspended";
 }
 
 TEST_F(LaunchOnMacTest, TheSystemMaySayTwiceThatTheLaunchIsOver) {
-    @autoreleasepool {
-        launch();
-        launch();
-        EXPECT_EQ([NSStatusBar itemCount], 1U);
-        EXPECT_THAT(takeLog(), ElementsAre("windows: Observation started for 2 processes", "input: Event tap installed",
-                                           "permissions: Services active"));
-    }
+    launch();
+    launch();
+    EXPECT_EQ([NSStatusBar itemCount], 1U);
+    EXPECT_THAT(takeLog(), ElementsAre("windows: Observation started for 2 processes", "input: Event tap installed",
+                                       "permissions: Services active"));
 }
 
 TEST_F(LaunchOnMacTest, OpeningTheProgramAgainShowsTheSetupWindow) {
-    @autoreleasepool {
-        EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]) << "before it was launched";
-        launch();
-        EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
-        EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
-    }
+    EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]) << "before it was launched";
+    launch();
+    EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
+    EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
 }
 
 TEST_F(LaunchOnMacTest, TheApplicationsMenuOpensTheSettings) {
-    @autoreleasepool {
-        launch();
-        NSMenuItem* const settings = applicationMenu().itemArray.firstObject;
-        EXPECT_EQ(text(settings.title), "Settings…");
-        EXPECT_TRUE([applicationMenu() choose:settings]);
-        EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings"));
-        program->told = nullptr;
-        EXPECT_TRUE([applicationMenu() choose:settings]);
-        EXPECT_THAT(interface().takeSteps(), IsEmpty());
-    }
+    launch();
+    NSMenuItem* const settings = applicationMenu().itemArray.firstObject;
+    EXPECT_EQ(text(settings.title), "Settings…");
+    EXPECT_TRUE([applicationMenu() choose:settings]);
+    EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings"));
+    program->told = nullptr;
+    EXPECT_TRUE([applicationMenu() choose:settings]);
+    EXPECT_THAT(interface().takeSteps(), IsEmpty());
 }
 
 TEST_F(LaunchOnMacTest, SettingsThatAreAskedForBeforeTheLaunchShowProgressUntilThen) {
-    @autoreleasepool {
-        EXPECT_TRUE([applicationMenu() choose:applicationMenu().itemArray.firstObject]);
-        EXPECT_THAT(interface().takeSteps(), ElementsAre("show progress"));
-        launch();
-        EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings", "close progress"));
-    }
+    EXPECT_TRUE([applicationMenu() choose:applicationMenu().itemArray.firstObject]);
+    EXPECT_THAT(interface().takeSteps(), ElementsAre("show progress"));
+    launch();
+    EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings", "close progress"));
 }
 
 TEST_F(LaunchOnMacTest, TheEndGivesTheKeyboardBackHoweverOftenItIsTold) {
-    @autoreleasepool {
-        launch();
-        static_cast<void>(takeLog());
-        [NSApplication.sharedApplication willTerminate];
-        EXPECT_FALSE(keyboard.hasTap());
-        [NSApplication.sharedApplication willTerminate];
-        EXPECT_EQ(press(optionTab), Outcome::reachedApplication);
-        EXPECT_THAT(takeLog(), ElementsAre("input: Event tap removed", "windows: Observation stopped"));
-    }
+    launch();
+    static_cast<void>(takeLog());
+    [NSApplication.sharedApplication willTerminate];
+    EXPECT_FALSE(keyboard.hasTap());
+    [NSApplication.sharedApplication willTerminate];
+    EXPECT_EQ(press(optionTab), Outcome::reachedApplication);
+    EXPECT_THAT(takeLog(), ElementsAre("input: Event tap removed", "windows: Observation stopped"));
 }
 
 TEST_F(LaunchOnMacTest, AfterTheProgramsEndTheSystemTellsNobody) {
-    @autoreleasepool {
-        launch();
-        program->told = nullptr;
-        [NSApplication.sharedApplication finishLaunching];
-        [NSApplication.sharedApplication willTerminate];
-        EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
-        EXPECT_THAT(interface().takeSteps(), IsEmpty());
-        EXPECT_TRUE(keyboard.hasTap());
-    }
+    launch();
+    program->told = nullptr;
+    [NSApplication.sharedApplication finishLaunching];
+    [NSApplication.sharedApplication willTerminate];
+    EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
+    EXPECT_THAT(interface().takeSteps(), IsEmpty());
+    EXPECT_TRUE(keyboard.hasTap());
 }
 
 }  // namespace

@@ -10,7 +10,9 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
+using testing::Eq;
 using testing::IsEmpty;
+using testing::Optional;
 
 /// What every menu ends with, after the number of windows.
 const std::vector<std::string> rest{"-", "LAYOUT",          "List",      "Grouped",      "Grid",
@@ -47,94 +49,69 @@ protected:
 };
 
 TEST_F(MenuOnMacTest, ReadyItOffersNothingToRepair) {
-    @autoreleasepool {
-        // Made anew, now that the windows are known.
-        EXPECT_TRUE(choose("Grouped"));
-        std::vector<std::string> expected{"header", "-", "Open Switcher", "2 windows tracked"};
-        expected.insert(expected.end(), rest.begin(), rest.end());
-        EXPECT_THAT(rows(), ElementsAreArray(expected));
-        EXPECT_EQ(health(), (Health{"macwindow.on.rectangle", "Ferrowyn", "Ready"}));
-        EXPECT_EQ(row("Grouped").state, NSControlStateValueOn);
-        EXPECT_EQ(row("List").state, NSControlStateValueOff);
-        EXPECT_EQ(text([NSUserDefaults.standardUserDefaults objectForKey:@"switcher.layout"]), "grouped");
-        EXPECT_EQ(text(row("Open Switcher").attributedTitle.string), "Open Switcher   ⌥⇥");
-    }
+    // Made anew, now that the windows are known.
+    EXPECT_TRUE(choose("Grouped"));
+    std::vector<std::string> expected{"header", "-", "Open Switcher", "2 windows tracked"};
+    expected.insert(expected.end(), rest.begin(), rest.end());
+    EXPECT_THAT(rows(), ElementsAreArray(expected));
+    EXPECT_EQ(health(), (Health{"macwindow.on.rectangle", "Ferrowyn", "Ready"}));
+    EXPECT_EQ(row("Grouped").state, NSControlStateValueOn);
+    EXPECT_EQ(row("List").state, NSControlStateValueOff);
+    EXPECT_EQ(text([NSUserDefaults.standardUserDefaults objectForKey:@"switcher.layout"]), "grouped");
+    EXPECT_EQ(text(row("Open Switcher").attributedTitle.string), "Open Switcher   ⌥⇥");
 }
 
 TEST_F(MenuOnMacTest, WithoutAccessItOffersToGrantIt) {
-    @autoreleasepool {
-        system.isTrusted = false;
-        advance(Seconds(3));
-        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Grant Accessibility Access…", "0 windows tracked")));
-        EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — Accessibility access required",
-                                    "Accessibility access required"}));
-        EXPECT_FALSE(choose("Open Switcher"));
-        EXPECT_TRUE(choose("Grant Accessibility Access…"));
-        EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
-    }
+    system.isTrusted = false;
+    advance(Seconds(3));
+    EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Grant Accessibility Access…", "0 windows tracked")));
+    EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — Accessibility access required",
+                                "Accessibility access required"}));
+    EXPECT_FALSE(choose("Open Switcher"));
+    EXPECT_TRUE(choose("Grant Accessibility Access…"));
+    EXPECT_THAT(interface().takeSteps(), ElementsAre("show setup"));
 }
 
 TEST_F(MenuOnMacTest, AfterRepeatedTimeoutsItOffersToReEnableTheShortcut) {
-    @autoreleasepool {
-        giveTapUp();
-        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
-        EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — shortcut disabled by the system",
-                                    "Shortcut disabled by the system"}));
-        EXPECT_TRUE(choose("Re-enable Shortcut"));
-        EXPECT_TRUE(keyboard.isTapEnabled());
-    }
+    giveTapUp();
+    EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
+    EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — shortcut disabled by the system",
+                                "Shortcut disabled by the system"}));
+    EXPECT_TRUE(choose("Re-enable Shortcut"));
+    EXPECT_TRUE(keyboard.isTapEnabled());
 }
 
 TEST_F(MenuOnMacTest, AShortcutThatIsRefusedAgainCountsAsRevoked) {
-    @autoreleasepool {
-        giveTapUp();
-        keyboard.refusesTaps = true;
-        EXPECT_TRUE(choose("Re-enable Shortcut"));
-        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
-        EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — Accessibility access was revoked",
-                                    "Accessibility access was revoked"}));
-        keyboard.refusesTaps = false;
-        EXPECT_TRUE(choose("Re-enable Shortcut"));
-        EXPECT_EQ(health(), (Health{"macwindow.on.rectangle", "Ferrowyn", "Ready"}));
-    }
+    giveTapUp();
+    keyboard.refusesTaps = true;
+    EXPECT_TRUE(choose("Re-enable Shortcut"));
+    EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Re-enable Shortcut")));
+    EXPECT_EQ(health(), (Health{"exclamationmark.triangle", "Ferrowyn — Accessibility access was revoked",
+                                "Accessibility access was revoked"}));
+    keyboard.refusesTaps = false;
+    EXPECT_TRUE(choose("Re-enable Shortcut"));
+    EXPECT_EQ(health(), (Health{"macwindow.on.rectangle", "Ferrowyn", "Ready"}));
 }
 
 TEST_F(MenuOnMacTest, DuringSecureInputItSaysThatItWaits) {
-    @autoreleasepool {
-        system.isSecureInputEnabled = true;
-        advance(Seconds(2));
-        EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Waiting for the other app to release it")));
-        EXPECT_FALSE(choose("Waiting for the other app to release it"));
-        EXPECT_EQ(health(), (Health{"keyboard.badge.ellipsis", "Ferrowyn — secure input is active, shortcut paused",
-                                    "Secure input active — shortcut paused"}));
-    }
+    system.isSecureInputEnabled = true;
+    advance(Seconds(2));
+    EXPECT_THAT(rows(), ElementsAreArray(rowsWithRepair("Waiting for the other app to release it")));
+    EXPECT_FALSE(choose("Waiting for the other app to release it"));
+    EXPECT_EQ(health(), (Health{"keyboard.badge.ellipsis", "Ferrowyn — secure input is active, shortcut paused",
+                                "Secure input active — shortcut paused"}));
 }
 
 TEST_F(MenuOnMacTest, EachRowDoesWhatItSays) {
-    @autoreleasepool {
-        EXPECT_TRUE(choose("Settings…"));
-        EXPECT_TRUE(choose("Setup Guide…"));
-        EXPECT_TRUE(choose("About Ferrowyn"));
-        EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings", "show setup", "show About Ferrowyn"));
-        EXPECT_TRUE(choose("Open Switcher"));
-        EXPECT_THAT([panel() calls], Contains("orderFrontRegardless"));
-        EXPECT_TRUE(choose("Quit Ferrowyn"));
-        EXPECT_THAT([NSApplication.sharedApplication calls], Contains("terminate"));
-    }
+    EXPECT_TRUE(choose("Settings…"));
+    EXPECT_TRUE(choose("Setup Guide…"));
+    EXPECT_TRUE(choose("About Ferrowyn"));
+    EXPECT_THAT(interface().takeSteps(), ElementsAre("show settings", "show setup", "show About Ferrowyn"));
+    EXPECT_TRUE(choose("Open Switcher"));
+    EXPECT_THAT([panel() calls], Contains("orderFrontRegardless"));
+    EXPECT_TRUE(choose("Quit Ferrowyn"));
+    EXPECT_THAT([NSApplication.sharedApplication calls], Contains("terminate"));
 }
-
-}  // namespace
-
-}  // namespace ferrowyn::test
-
-namespace ferrowyn::test {
-
-namespace {
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::Eq;
-using testing::Optional;
 
 class LoginItemOnMacTest : public MacProgramTest {
 protected:
@@ -167,72 +144,58 @@ protected:
 };
 
 TEST_F(LoginItemOnMacTest, IsRegisteredAndUnregisteredFromTheMenu) {
-    @autoreleasepool {
-        launch();
-        service().status = SMAppServiceStatusNotRegistered;
-        EXPECT_TRUE(choose("Launch at Login"));
-        service().status = SMAppServiceStatusEnabled;
-        services().launchAtLogin().refresh();
-        EXPECT_EQ(freshRow().state, NSControlStateValueOn);
-        EXPECT_TRUE(choose("Launch at Login"));
-        EXPECT_THAT([service() calls], ElementsAre("register", "unregister"));
-        EXPECT_THAT(takeLog(), Contains("permissions: Launch at login set to false"));
-    }
+    launch();
+    service().status = SMAppServiceStatusNotRegistered;
+    EXPECT_TRUE(choose("Launch at Login"));
+    service().status = SMAppServiceStatusEnabled;
+    services().launchAtLogin().refresh();
+    EXPECT_EQ(freshRow().state, NSControlStateValueOn);
+    EXPECT_TRUE(choose("Launch at Login"));
+    EXPECT_THAT([service() calls], ElementsAre("register", "unregister"));
+    EXPECT_THAT(takeLog(), Contains("permissions: Launch at login set to false"));
 }
 
 TEST_F(LoginItemOnMacTest, ARefusalOfTheServiceIsExplained) {
-    @autoreleasepool {
-        expectRefusal(error(@"SMAppServiceErrorDomain", 111, @"Invalid signature"),
-                      std::string(macTexts().loginItemRefused));
-    }
+    expectRefusal(error(@"SMAppServiceErrorDomain", 111, @"Invalid signature"),
+                  std::string(macTexts().loginItemRefused));
 }
 
 TEST_F(LoginItemOnMacTest, ARefusalToUnregisterLeavesItRegisteredAndIsExplained) {
-    @autoreleasepool {
-        service().status = SMAppServiceStatusEnabled;
-        service().nextError = error(@"SMAppServiceErrorDomain", 111, @"Invalid signature");
-        launch();
-        static_cast<void>(takeLog());
-        EXPECT_TRUE(choose("Launch at Login"));
-        EXPECT_THAT([service() calls], ElementsAre("unregister"));
-        EXPECT_THAT(takeLog(), Contains("permissions: Launch at login toggle failed: Invalid signature"));
-        NSMenuItem* const shown = freshRow();
-        EXPECT_EQ(text(shown.toolTip), macTexts().loginItemRefused);
-        EXPECT_EQ(shown.state, NSControlStateValueOn);
-        EXPECT_TRUE(shown.enabled) << "the user may try again";
-    }
+    service().status = SMAppServiceStatusEnabled;
+    service().nextError = error(@"SMAppServiceErrorDomain", 111, @"Invalid signature");
+    launch();
+    static_cast<void>(takeLog());
+    EXPECT_TRUE(choose("Launch at Login"));
+    EXPECT_THAT([service() calls], ElementsAre("unregister"));
+    EXPECT_THAT(takeLog(), Contains("permissions: Launch at login toggle failed: Invalid signature"));
+    NSMenuItem* const shown = freshRow();
+    EXPECT_EQ(text(shown.toolTip), macTexts().loginItemRefused);
+    EXPECT_EQ(shown.state, NSControlStateValueOn);
+    EXPECT_TRUE(shown.enabled) << "the user may try again";
 }
 
 TEST_F(LoginItemOnMacTest, AnOperationThatIsNotPermittedIsExplainedWhateverItsDomain) {
-    @autoreleasepool {
-        expectRefusal(error(@"NSPOSIXErrorDomain", 1, @"Operation not permitted"),
-                      std::string(macTexts().loginItemRefused));
-    }
+    expectRefusal(error(@"NSPOSIXErrorDomain", 1, @"Operation not permitted"),
+                  std::string(macTexts().loginItemRefused));
 }
 
 TEST_F(LoginItemOnMacTest, AnyOtherErrorSpeaksForItself) {
-    @autoreleasepool {
-        expectRefusal(error(@"NSCocoaErrorDomain", 4, @"The file does not exist."), "The file does not exist.");
-    }
+    expectRefusal(error(@"NSCocoaErrorDomain", 4, @"The file does not exist."), "The file does not exist.");
 }
 
 TEST_F(LoginItemOnMacTest, ApprovalThatIsMissingIsSaidInTheMenu) {
-    @autoreleasepool {
-        service().status = SMAppServiceStatusRequiresApproval;
-        launch();
-        EXPECT_EQ(row("Launch at Login").state, NSControlStateValueOn);
-        EXPECT_EQ(text(row("Launch at Login").toolTip), macTexts().loginItemApproval);
-    }
+    service().status = SMAppServiceStatusRequiresApproval;
+    launch();
+    EXPECT_EQ(row("Launch at Login").state, NSControlStateValueOn);
+    EXPECT_EQ(text(row("Launch at Login").toolTip), macTexts().loginItemApproval);
 }
 
 TEST_F(LoginItemOnMacTest, AProgramThatCannotBeFoundCannotBeRegistered) {
-    @autoreleasepool {
-        service().status = SMAppServiceStatusNotFound;
-        launch();
-        EXPECT_EQ(text(row("Launch at Login").toolTip), macTexts().loginItemUnavailable);
-        EXPECT_FALSE(choose("Launch at Login"));
-        EXPECT_TRUE([service() calls].empty());
-    }
+    service().status = SMAppServiceStatusNotFound;
+    launch();
+    EXPECT_EQ(text(row("Launch at Login").toolTip), macTexts().loginItemUnavailable);
+    EXPECT_FALSE(choose("Launch at Login"));
+    EXPECT_TRUE([service() calls].empty());
 }
 
 }  // namespace
