@@ -161,133 +161,6 @@ void Accessibility::removeObserver(const Observer& observer) {
     std::erase(observers_, &observer);
 }
 
-}  // namespace ferrowyn::fake
-
-using namespace ferrowyn::fake;
-
-namespace {
-
-/// The value that "AXMain" and the others are set to, as a script would say it.
-Value valueOf(CFTypeRef value) {
-    auto* const object = Objects::shared().findAny(value, "AXUIElementSetAttributeValue");
-    if (const auto* const truth = dynamic_cast<const Truth*>(object)) {
-        return truth->value();
-    }
-    if (const auto* const element = dynamic_cast<const ElementHandle*>(object)) {
-        return element->id();
-    }
-    Objects::shared().fault("AXUIElementSetAttributeValue to a value that no window takes");
-    return {};
-}
-
-std::string describe(const Value& value) {
-    if (const auto* const truth = std::get_if<bool>(&value)) {
-        return *truth ? "true" : "false";
-    }
-    const auto* const element = std::get_if<ElementId>(&value);
-    return element != nullptr ? std::to_string(element->number) : "?";
-}
-
-}  // namespace
-
-CFTypeID AXUIElementGetTypeID() {
-    return std::hash<std::string>{}("AXUIElement");
-}
-
-AXUIElementRef AXUIElementCreateApplication(pid_t pid) {
-    if (Accessibility::shared().refusesHandles) {
-        return nullptr;
-    }
-    return (new ElementHandle(Accessibility::shared().elementOfApplication(pid)))->as<AXUIElementRef>();
-}
-
-AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds) {
-    auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementSetMessagingTimeout");
-    if (handle == nullptr || timeoutInSeconds < 0) {
-        return kAXErrorIllegalArgument;
-    }
-    handle->timeout = timeoutInSeconds;
-    return kAXErrorSuccess;
-}
-
-AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef* value) {
-    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementCopyAttributeValue");
-    if (handle == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    auto& accessibility = Accessibility::shared();
-    const std::string name = String::textOf(attribute, "AXUIElementCopyAttributeValue");
-    const AXError error = accessibility.ask("copy " + name, handle->id(), handle->timeout);
-    return error != kAXErrorSuccess ? error : accessibility.copyValue(handle->id(), name, *value);
-}
-
-AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRef attributes,
-                                               AXCopyMultipleAttributeOptions options, CFArrayRef* values) {
-    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementCopyMultipleAttributeValues");
-    const auto* const names = Objects::shared().find<Array>(attributes, "AXUIElementCopyMultipleAttributeValues");
-    if (handle == nullptr || names == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    auto& accessibility = Accessibility::shared();
-    std::string request = "copy";
-    for (const auto& name : names->values()) {
-        request += " " + String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name");
-    }
-    if (const AXError error = accessibility.ask(request, handle->id(), handle->timeout); error != kAXErrorSuccess) {
-        return error;
-    }
-    if (const AXError error = accessibility.bulkError(handle->id()); error != kAXErrorSuccess) {
-        return error;
-    }
-    std::vector<Held<const Object>> answers;
-    for (const auto& name : names->values()) {
-        CFTypeRef value = nullptr;
-        const AXError error = accessibility.copyValue(
-            handle->id(), String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name"), value);
-        if (error != kAXErrorSuccess && (options & kAXCopyMultipleAttributeOptionStopOnError) != 0) {
-            return error;
-        }
-        answers.push_back(error == kAXErrorSuccess ? Held<const Object>(static_cast<const Object*>(value))
-                                                   : Held<const Object>(new AccessibilityValue(error)));
-    }
-    while (answers.size() > accessibility.mostValuesInBulk(handle->id()).value_or(answers.size())) {
-        answers.pop_back();
-    }
-    *values = (new Array(std::move(answers)))->as<CFArrayRef>();
-    return kAXErrorSuccess;
-}
-
-AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef value) {
-    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementSetAttributeValue");
-    if (handle == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    auto& accessibility = Accessibility::shared();
-    const std::string name = String::textOf(attribute, "AXUIElementSetAttributeValue");
-    const Value script = valueOf(value);
-    AXError error = accessibility.ask("set " + name + " to " + describe(script), handle->id(), handle->timeout);
-    if (error == kAXErrorSuccess) {
-        error = accessibility.refusalOf(handle->id(), name);
-    }
-    if (error == kAXErrorSuccess) {
-        accessibility.setValue(handle->id(), name, script);
-    }
-    return error;
-}
-
-AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action) {
-    const auto* const handle = Objects::shared().find<ElementHandle>(element, "AXUIElementPerformAction");
-    if (handle == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    auto& accessibility = Accessibility::shared();
-    const std::string name = String::textOf(action, "AXUIElementPerformAction");
-    const AXError error = accessibility.ask("perform " + name, handle->id(), handle->timeout);
-    return error != kAXErrorSuccess ? error : accessibility.refusalOf(handle->id(), name);
-}
-
-namespace ferrowyn::fake {
-
 Observer::Observer(Pid pid, AXObserverCallback callback)
     : Object("AXObserver"),
       pid_(pid),
@@ -348,6 +221,31 @@ using namespace ferrowyn::fake;
 
 namespace {
 
+ElementHandle* handleOf(AXUIElementRef element, const char* user) {
+    return Objects::shared().find<ElementHandle>(element, user);
+}
+
+/// The value that "AXMain" and the others are set to, as a script would say it.
+Value valueOf(CFTypeRef value) {
+    auto* const object = Objects::shared().findAny(value, "AXUIElementSetAttributeValue");
+    if (const auto* const truth = dynamic_cast<const Truth*>(object)) {
+        return truth->value();
+    }
+    if (const auto* const element = dynamic_cast<const ElementHandle*>(object)) {
+        return element->id();
+    }
+    Objects::shared().fault("AXUIElementSetAttributeValue to a value that no window takes");
+    return {};
+}
+
+std::string describe(const Value& value) {
+    if (const auto* const truth = std::get_if<bool>(&value)) {
+        return *truth ? "true" : "false";
+    }
+    const auto* const element = std::get_if<ElementId>(&value);
+    return element != nullptr ? std::to_string(element->number) : "?";
+}
+
 struct Request {
     Observer* observer;
     ElementHandle* element;
@@ -355,7 +253,7 @@ struct Request {
 };
 
 Request requestOf(AXObserverRef observer, AXUIElementRef element, CFStringRef notification, const char* user) {
-    return {Objects::shared().find<Observer>(observer, user), Objects::shared().find<ElementHandle>(element, user),
+    return {Objects::shared().find<Observer>(observer, user), handleOf(element, user),
             String::textOf(notification, user)};
 }
 
@@ -368,6 +266,102 @@ AXError ask(const char* verb, const Request& request) {
 }
 
 }  // namespace
+
+CFTypeID AXUIElementGetTypeID() {
+    return std::hash<std::string>{}("AXUIElement");
+}
+
+AXUIElementRef AXUIElementCreateApplication(pid_t pid) {
+    if (Accessibility::shared().refusesHandles) {
+        return nullptr;
+    }
+    return (new ElementHandle(Accessibility::shared().elementOfApplication(pid)))->as<AXUIElementRef>();
+}
+
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds) {
+    auto* const handle = handleOf(element, "AXUIElementSetMessagingTimeout");
+    if (handle == nullptr || timeoutInSeconds < 0) {
+        return kAXErrorIllegalArgument;
+    }
+    handle->timeout = timeoutInSeconds;
+    return kAXErrorSuccess;
+}
+
+AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef* value) {
+    const auto* const handle = handleOf(element, "AXUIElementCopyAttributeValue");
+    if (handle == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    const std::string name = String::textOf(attribute, "AXUIElementCopyAttributeValue");
+    const AXError error = accessibility.ask("copy " + name, handle->id(), handle->timeout);
+    return error != kAXErrorSuccess ? error : accessibility.copyValue(handle->id(), name, *value);
+}
+
+AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRef attributes,
+                                               AXCopyMultipleAttributeOptions options, CFArrayRef* values) {
+    const auto* const handle = handleOf(element, "AXUIElementCopyMultipleAttributeValues");
+    const auto* const names = Objects::shared().find<Array>(attributes, "AXUIElementCopyMultipleAttributeValues");
+    if (handle == nullptr || names == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    std::string request = "copy";
+    for (const auto& name : names->values()) {
+        request += " " + String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name");
+    }
+    if (const AXError error = accessibility.ask(request, handle->id(), handle->timeout); error != kAXErrorSuccess) {
+        return error;
+    }
+    if (const AXError error = accessibility.bulkError(handle->id()); error != kAXErrorSuccess) {
+        return error;
+    }
+    std::vector<Held<const Object>> answers;
+    for (const auto& name : names->values()) {
+        CFTypeRef value = nullptr;
+        const AXError error = accessibility.copyValue(
+            handle->id(), String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name"), value);
+        if (error != kAXErrorSuccess && (options & kAXCopyMultipleAttributeOptionStopOnError) != 0) {
+            return error;
+        }
+        answers.push_back(error == kAXErrorSuccess ? Held<const Object>(static_cast<const Object*>(value))
+                                                   : Held<const Object>(new AccessibilityValue(error)));
+    }
+    while (answers.size() > accessibility.mostValuesInBulk(handle->id()).value_or(answers.size())) {
+        answers.pop_back();
+    }
+    *values = (new Array(std::move(answers)))->as<CFArrayRef>();
+    return kAXErrorSuccess;
+}
+
+AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef value) {
+    const auto* const handle = handleOf(element, "AXUIElementSetAttributeValue");
+    if (handle == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    const std::string name = String::textOf(attribute, "AXUIElementSetAttributeValue");
+    const Value script = valueOf(value);
+    AXError error = accessibility.ask("set " + name + " to " + describe(script), handle->id(), handle->timeout);
+    if (error == kAXErrorSuccess) {
+        error = accessibility.refusalOf(handle->id(), name);
+    }
+    if (error == kAXErrorSuccess) {
+        accessibility.setValue(handle->id(), name, script);
+    }
+    return error;
+}
+
+AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action) {
+    const auto* const handle = handleOf(element, "AXUIElementPerformAction");
+    if (handle == nullptr) {
+        return kAXErrorIllegalArgument;
+    }
+    auto& accessibility = Accessibility::shared();
+    const std::string name = String::textOf(action, "AXUIElementPerformAction");
+    const AXError error = accessibility.ask("perform " + name, handle->id(), handle->timeout);
+    return error != kAXErrorSuccess ? error : accessibility.refusalOf(handle->id(), name);
+}
 
 AXError AXObserverCreate(pid_t application, AXObserverCallback callback, AXObserverRef* observer) {
     if (!Accessibility::shared().canObserve(application)) {

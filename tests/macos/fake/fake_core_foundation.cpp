@@ -59,10 +59,6 @@ CFTypeRef copy(const Value& value) {
     return std::visit(Copier{}, static_cast<const Value::variant&>(value));
 }
 
-}  // namespace ferrowyn::fake
-
-namespace ferrowyn::fake {
-
 namespace {
 
 CFTypeID typeIdOf(const std::string& kind) {
@@ -91,9 +87,12 @@ std::string bytesOf(const std::u16string& units, char lossByte) {
     return bytes;
 }
 
+double realOf(const Number& number) {
+    return std::visit([](auto content) { return static_cast<double>(content); }, number.value());
+}
+
 template <typename Result>
 bool storeWhole(const Number::Content& content, void* result) {
-    double real = 0;
     if (const auto* const whole = std::get_if<std::int64_t>(&content)) {
         if (*whole < std::numeric_limits<Result>::min() || *whole > std::numeric_limits<Result>::max()) {
             return false;
@@ -101,7 +100,7 @@ bool storeWhole(const Number::Content& content, void* result) {
         *static_cast<Result*>(result) = static_cast<Result>(*whole);
         return true;
     }
-    real = std::get<double>(content);
+    const double real = std::get<double>(content);
     *static_cast<Result*>(result) = static_cast<Result>(real);
     return std::trunc(real) == real;
 }
@@ -252,8 +251,7 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
         case kCFNumberSInt64Type:
             return storeWhole<std::int64_t>(found->value(), value);
         case kCFNumberDoubleType:
-            *static_cast<double*>(value) =
-                std::visit([](auto content) { return static_cast<double>(content); }, found->value());
+            *static_cast<double*>(value) = realOf(*found);
             return true;
     }
     return false;
@@ -313,7 +311,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
         if (side == nullptr) {
             return false;
         }
-        sides.at(i) = std::visit([](auto content) { return static_cast<double>(content); }, side->value());
+        sides.at(i) = realOf(*side);
     }
     *rectangle = CGRect{{sides[0], sides[1]}, {sides[2], sides[3]}};
     return true;

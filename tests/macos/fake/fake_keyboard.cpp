@@ -78,32 +78,6 @@ bool MachPort::serveNext() {
     return true;
 }
 
-}  // namespace ferrowyn::fake
-
-using namespace ferrowyn::fake;
-
-CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex) {
-    auto* const found = Objects::shared().find<MachPort>(port, "CFMachPortCreateRunLoopSource");
-    if (found == nullptr || Keyboard::shared().refusesSources) {
-        return nullptr;
-    }
-    // The source keeps its port, as a copied reference, for as long as it lives.
-    const auto held = std::make_shared<Held<MachPort>>(Held<MachPort>::retaining(found));
-    auto* const source = new RunLoopSource("the tap", [held] { return held->get()->serveNext(); });
-    source->isValid = [held] { return held->get()->isValid(); };
-    return source->as<CFRunLoopSourceRef>();
-}
-
-void CFMachPortInvalidate(CFMachPortRef port) {
-    if (auto* const found = Objects::shared().find<MachPort>(port, "CFMachPortInvalidate")) {
-        RunLoop::note("invalidate the tap's port");
-        found->invalidate();
-        RunLoop::wakeAll();
-    }
-}
-
-namespace ferrowyn::fake {
-
 namespace {
 
 constexpr CGEventFlags modifiers =
@@ -220,6 +194,26 @@ void Keyboard::translate() {
 }  // namespace ferrowyn::fake
 
 using namespace ferrowyn::fake;
+
+CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex) {
+    auto* const found = Objects::shared().find<MachPort>(port, "CFMachPortCreateRunLoopSource");
+    if (found == nullptr || Keyboard::shared().refusesSources) {
+        return nullptr;
+    }
+    // The source keeps its port, as a copied reference, for as long as it lives.
+    const auto held = std::make_shared<Held<MachPort>>(Held<MachPort>::retaining(found));
+    auto* const source = new RunLoopSource("the tap", [held] { return held->get()->serveNext(); });
+    source->isValid = [held] { return held->get()->isValid(); };
+    return source->as<CFRunLoopSourceRef>();
+}
+
+void CFMachPortInvalidate(CFMachPortRef port) {
+    if (auto* const found = Objects::shared().find<MachPort>(port, "CFMachPortInvalidate")) {
+        RunLoop::note("invalidate the tap's port");
+        found->invalidate();
+        RunLoop::wakeAll();
+    }
+}
 
 namespace {
 
