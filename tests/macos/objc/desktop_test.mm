@@ -37,11 +37,17 @@ protected:
               identifier:nil
                     info:info];
     }
+    Subscription observe() {
+        return workspace.observe([this](const WorkspaceEvent& event) { events.push_back(event); });
+    }
+
+    MacWorkspace workspace;
+    std::vector<WorkspaceEvent> events;
 };
 
 TEST_F(MacDesktopTest, RunningApplicationsAreDescribedWhole) {
     start(mail(), helper());
-    const auto all = MacWorkspace().runningApplications();
+    const auto all = workspace.runningApplications();
     ASSERT_EQ(all.size(), 2U);
     EXPECT_EQ(all[0].pid, 512);
     EXPECT_FALSE(all[0].isTerminated);
@@ -61,7 +67,6 @@ TEST_F(MacDesktopTest, OneApplicationIsFoundByItsProcess) {
     NSRunningApplication* const accessory = mail();
     accessory.activationPolicy = NSApplicationActivationPolicyAccessory;
     start(accessory, helper());
-    const MacWorkspace workspace;
     const auto found = workspace.runningApplication(512);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->activationPolicy, ActivationPolicy::accessory);
@@ -69,17 +74,13 @@ TEST_F(MacDesktopTest, OneApplicationIsFoundByItsProcess) {
 }
 
 TEST_F(MacDesktopTest, TheFrontmostApplicationMayBeNone) {
-    const MacWorkspace workspace;
     EXPECT_FALSE(workspace.frontmostPid());
     NSWorkspace.sharedWorkspace.frontmostApplication = mail();
     EXPECT_EQ(workspace.frontmostPid(), 512);
 }
 
 TEST_F(MacDesktopTest, EachNotificationOfTheWorkspaceIsAnEventWithItsApplication) {
-    MacWorkspace workspace;
-    std::vector<WorkspaceEvent> events;
-    auto subscription = workspace.observe([&](const WorkspaceEvent& event) { events.push_back(event); });
-    NSWorkspace* const system = NSWorkspace.sharedWorkspace;
+    const auto subscription = observe();
     const std::vector<std::pair<NSNotificationName, Kind>> table{
         {NSWorkspaceDidLaunchApplicationNotification, Kind::didLaunch},
         {NSWorkspaceDidTerminateApplicationNotification, Kind::didTerminate},
@@ -89,7 +90,7 @@ TEST_F(MacDesktopTest, EachNotificationOfTheWorkspaceIsAnEventWithItsApplication
     };
     for (const auto& [name, kind] : table) {
         events.clear();
-        [system post:name application:mail()];
+        [NSWorkspace.sharedWorkspace post:name application:mail()];
         ASSERT_EQ(events.size(), 1U) << text(name);
         EXPECT_EQ(events[0].kind, kind) << text(name);
         ASSERT_TRUE(events[0].application) << text(name);
@@ -98,9 +99,7 @@ TEST_F(MacDesktopTest, EachNotificationOfTheWorkspaceIsAnEventWithItsApplication
 }
 
 TEST_F(MacDesktopTest, SpacesAndScreensChangeWithoutAnApplication) {
-    MacWorkspace workspace;
-    std::vector<WorkspaceEvent> events;
-    auto subscription = workspace.observe([&](const WorkspaceEvent& event) { events.push_back(event); });
+    const auto subscription = observe();
     [NSWorkspace.sharedWorkspace post:NSWorkspaceActiveSpaceDidChangeNotification application:nil];
     [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
     ASSERT_EQ(events.size(), 2U);
@@ -111,9 +110,7 @@ TEST_F(MacDesktopTest, SpacesAndScreensChangeWithoutAnApplication) {
 }
 
 TEST_F(MacDesktopTest, ANotificationAboutSomethingElseThanAnApplicationNamesNone) {
-    MacWorkspace workspace;
-    std::vector<WorkspaceEvent> events;
-    auto subscription = workspace.observe([&](const WorkspaceEvent& event) { events.push_back(event); });
+    const auto subscription = observe();
     [NSWorkspace.sharedWorkspace.notificationCenter post:NSWorkspaceDidLaunchApplicationNotification
                                                 userInfo:@{NSWorkspaceApplicationKey : @"Mail"}];
     ASSERT_EQ(events.size(), 1U);
@@ -121,7 +118,6 @@ TEST_F(MacDesktopTest, ANotificationAboutSomethingElseThanAnApplicationNamesNone
 }
 
 TEST_F(MacDesktopTest, AnObserverOfTheWorkspaceMayLeaveWhileItIsTold) {
-    MacWorkspace workspace;
     int first = 0;
     int second = 0;
     Subscription subscription;
@@ -137,7 +133,6 @@ TEST_F(MacDesktopTest, AnObserverOfTheWorkspaceMayLeaveWhileItIsTold) {
 }
 
 TEST_F(MacDesktopTest, AnInstalledApplicationIsNamedByItsBundle) {
-    const MacWorkspace workspace;
     fake_mac::installBundle(bundle(@"Mail", @{@"CFBundleDisplayName" : @"Post", @"CFBundleName" : @"Mail"}));
     EXPECT_EQ(workspace.installedApplicationName("com.example.Mail"), "Post");
     EXPECT_EQ(workspace.installedApplicationPath("com.example.Mail"), "/Applications/Mail.app");
@@ -151,7 +146,6 @@ TEST_F(MacDesktopTest, AnInstalledApplicationIsNamedByItsBundle) {
 }
 
 TEST_F(MacDesktopTest, AnApplicationThatIsNotInstalledOrHasNoNameIsNotNamed) {
-    const MacWorkspace workspace;
     EXPECT_FALSE(workspace.installedApplicationName("com.example.Gone"));
     EXPECT_FALSE(workspace.installedApplicationPath("com.example.Gone"));
     fake_mac::installBundle(bundle(@"Unnamed", [NSDictionary dictionary]));
@@ -160,7 +154,6 @@ TEST_F(MacDesktopTest, AnApplicationThatIsNotInstalledOrHasNoNameIsNotNamed) {
 }
 
 TEST_F(MacDesktopTest, AddressesAreOpenedByTheWorkspace) {
-    MacWorkspace workspace;
     EXPECT_TRUE(workspace.open("x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
     EXPECT_FALSE(workspace.open("")) << "no address";
     EXPECT_FALSE(workspace.open("no address at all"));
@@ -209,13 +202,11 @@ TEST_F(MacDesktopTest, ScreensKeepTheCoordinatesThatGrowUpward) {
 
 TEST_F(MacDesktopTest, ChangesOfTheScreensAreTold) {
     const MacScreens screens;
-    int count = 0;
-    auto subscription = screens.observe([&] { ++count; });
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
-    EXPECT_EQ(count, 1);
-    subscription.reset();
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
-    EXPECT_EQ(count, 1);
+    expectToldUntilDropped(
+        [&](auto handler) { return screens.observe(handler); },
+        [] {
+            [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
+        });
 }
 
 TEST_F(MacDesktopTest, ThePointersPlaceIsTheSystems) {

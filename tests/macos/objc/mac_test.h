@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "core/published.h"
 #include "tests/macos/objc/fakes/appkit.h"
 #include "tests/macos/objc/runtime/objects.h"
 
@@ -18,6 +20,9 @@ protected:
     void TearDown() override;
 
     [[nodiscard]] static std::string text(NSString* string);
+    /// Whatever `happen` does is told once each time, until the token is dropped.
+    static void expectToldUntilDropped(const std::function<Subscription(std::function<void()> handler)>& observe,
+                                       const std::function<void()>& happen);
 
     // Of the menu of the only item in the menu bar:
     [[nodiscard]] static NSMenuItem* rowTitled(const std::string& title);

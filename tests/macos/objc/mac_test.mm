@@ -24,6 +24,18 @@ std::string MacTest::text(NSString* string) {
     return string.UTF8String == nullptr ? "(nil)" : string.UTF8String;
 }
 
+void MacTest::expectToldUntilDropped(const std::function<Subscription(std::function<void()> handler)>& observe,
+                                     const std::function<void()>& happen) {
+    int count = 0;
+    auto subscription = observe([&] { ++count; });
+    EXPECT_EQ(count, 0);
+    happen();
+    EXPECT_EQ(count, 1);
+    subscription.reset();
+    happen();
+    EXPECT_EQ(count, 1) << "the token is dropped";
+}
+
 NSMenuItem* MacTest::rowTitled(const std::string& title) {
     for (NSMenuItem* item in [NSStatusBar onlyItem].menu.itemArray) {
         if (title == text(item.title)) {

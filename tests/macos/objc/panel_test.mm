@@ -143,8 +143,7 @@ TEST_F(MacPanelTest, TheWindowFloatsAboveEverythingAndNeverTakesTheKeyboard) {
     EXPECT_FALSE(made.canBecomeKeyWindow);
     EXPECT_FALSE(made.canBecomeMainWindow);
     EXPECT_FALSE(made.visible);
-    EXPECT_EQ(made.frame.size.width, 640);
-    EXPECT_EQ(made.frame.size.height, 200);
+    EXPECT_EQ(fromNSRect(made.frame), (Rect{0, 0, 640, 200}));
 }
 
 TEST_F(MacPanelTest, TheMaterialBehindTheContentIsAlwaysActiveAndRound) {
@@ -208,9 +207,7 @@ TEST_F(MacPanelTest, AWidgetThatHasGoneHearsNothingOfThePointer) {
 TEST_F(MacPanelTest, ItTakesAFrameWithoutDrawingAtOnce) {
     setContent(someWidget());
     panel->setFrame({-300, 120, 760, 412});
-    EXPECT_EQ(window().frame.origin.x, -300);
-    EXPECT_EQ(window().frame.origin.y, 120);
-    EXPECT_EQ(window().frame.size.height, 412);
+    EXPECT_EQ(fromNSRect(window().frame), (Rect{-300, 120, 760, 412}));
     EXPECT_THAT(calls, ElementsAre("fill 760 412"));
     EXPECT_THAT(window().calls, ElementsAre("setFrame"));
 }
@@ -251,11 +248,10 @@ TEST_F(MacPanelTest, ItWarmsUpWhereNobodySeesIt) {
 TEST_F(MacPanelTest, PreparingMovesNothingThatIsShown) {
     setContent(someWidget());
     panel->prepare({10, 20, 640, 300});
-    EXPECT_EQ(window().frame.origin.x, 10);
+    EXPECT_EQ(fromNSRect(window().frame), (Rect{10, 20, 640, 300}));
     panel->orderFrontRegardless();
     panel->prepare({50, 60, 640, 400});
-    EXPECT_EQ(window().frame.origin.x, 10);
-    EXPECT_EQ(window().frame.size.height, 300);
+    EXPECT_EQ(fromNSRect(window().frame), (Rect{10, 20, 640, 300}));
 }
 
 TEST_F(MacPanelTest, ContentThatDrawsNothingIsNotHosted) {

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "core/geometry.h"
+#include "platform/macos/cocoa.h"
 #include "platform/macos/mac_menu.h"
 #include "platform/macos/mac_status_item.h"
 #include "tests/macos/objc/mac_test.h"
@@ -235,9 +236,7 @@ protected:
     [[nodiscard]] static NSControl* part(NSUInteger index) {
         return static_cast<NSControl*>([header().subviews objectAtIndex:index]);
     }
-    [[nodiscard]] static Rect frame(NSView* view) {
-        return {view.frame.origin.x, view.frame.origin.y, view.frame.size.width, view.frame.size.height};
-    }
+    [[nodiscard]] static Rect frame(NSView* view) { return fromNSRect(view.frame); }
     static void expectHover(BOOL expected) { EXPECT_EQ(header().isHoveringGear, expected); }
 };
 
@@ -305,13 +304,9 @@ TEST_F(MacMenuHeaderTest, TheGearLightsUpUnderThePointer) {
     EXPECT_EQ(glow.color, "label");
     EXPECT_DOUBLE_EQ(glow.alpha, 0.1);
     EXPECT_EQ(glow.radius, 5);
-    EXPECT_EQ(glow.rect.origin.x, 229);
-    EXPECT_EQ(glow.rect.origin.y, 17);
-    EXPECT_EQ(glow.rect.size.width, 24);
+    EXPECT_EQ(fromNSRect(glow.rect), (Rect{229, 17, 24, 24}));
     // The symbol is 16 × 14 here, in the middle of the gear's 26 × 26.
-    EXPECT_EQ(fake_mac::fills()[1].rect.origin.x, 233);
-    EXPECT_EQ(fake_mac::fills()[1].rect.origin.y, 22);
-    EXPECT_EQ(fake_mac::fills()[1].rect.size.width, 16);
+    EXPECT_EQ(fromNSRect(fake_mac::fills()[1].rect), (Rect{233, 22, 16, 14}));
     [header() mouseMoved:[NSEvent eventAt:NSMakePoint(227, 29)]];
     expectHover(NO);
     [header() mouseMoved:[NSEvent eventAt:NSMakePoint(229, 17)]];

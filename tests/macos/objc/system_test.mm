@@ -14,7 +14,13 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class MacSystemTest : public MacTest {};
+class MacSystemTest : public MacTest {
+protected:
+    static void startFrom(NSString* path, NSString* identifier, NSDictionary* info) {
+        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:path identifier:identifier info:info]);
+    }
+    static void post(NSNotificationName name) { [NSNotificationCenter.defaultCenter post:name userInfo:nil]; }
+};
 
 /// Workers whose work is done when it is handed over.
 class PromptWorkers final : public BackgroundWork {
@@ -88,15 +94,13 @@ TEST_F(MacSystemTest, AProgramOutsideABundleSaysNothingOfItself) {
 }
 
 TEST_F(MacSystemTest, TheBundleSaysWhatTheProgramIs) {
-    fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
-                                                identifier:@"com.larkmoor.Ferrowyn"
-                                                      info:@{
-                                                          @"CFBundleName" : @"Ferrowyn",
-                                                          @"CFBundleShortVersionString" : @"1.4.0",
-                                                          @"NSHumanReadableCopyright" : @"© 2026 Larkmoor",
-                                                          @"FerrowynUpdateHost" : @"updates.ferrowyn.example",
-                                                          @"FerrowynHomePage" : @"",
-                                                      }]);
+    startFrom(@"/Applications/Ferrowyn.app", @"com.larkmoor.Ferrowyn", @{
+        @"CFBundleName" : @"Ferrowyn",
+        @"CFBundleShortVersionString" : @"1.4.0",
+        @"NSHumanReadableCopyright" : @"© 2026 Larkmoor",
+        @"FerrowynUpdateHost" : @"updates.ferrowyn.example",
+        @"FerrowynHomePage" : @"",
+    });
     const auto info = MacApplication().bundleInfo();
     EXPECT_EQ(info.name, "Ferrowyn");
     EXPECT_EQ(info.shortVersion, "1.4.0");
@@ -107,11 +111,9 @@ TEST_F(MacSystemTest, TheBundleSaysWhatTheProgramIs) {
 }
 
 TEST_F(MacSystemTest, AValueOfAnotherTypeInTheBundleCountsAsAbsent) {
-    fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Ferrowyn.app"
-                                                identifier:nil
-                                                      info:@{
-                                                          @"CFBundleShortVersionString" : @2
-                                                      }]);
+    startFrom(
+        @"/Applications/Ferrowyn.app", nil,
+        @{@"CFBundleShortVersionString" : @2});
     EXPECT_FALSE(MacApplication().bundleInfo().shortVersion);
 }
 
@@ -166,14 +168,11 @@ TEST_F(MacSystemTest, ThePolicyAndTheRestAreAskedOfTheApplicationObject) {
 
 TEST_F(MacSystemTest, BecomingActiveIsToldUntilTheTokenIsDropped) {
     MacApplication application;
-    int count = 0;
-    auto subscription = application.observeDidBecomeActive([&] { ++count; });
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
-    EXPECT_EQ(count, 1);
-    subscription.reset();
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
-    EXPECT_EQ(count, 1);
+    expectToldUntilDropped([&](auto handler) { return application.observeDidBecomeActive(handler); },
+                           [] {
+                               post(NSApplicationDidBecomeActiveNotification);
+                               post(NSApplicationDidChangeScreenParametersNotification);
+                           });
 }
 
 TEST_F(MacSystemTest, WhatStillWaitsInTheQueueIsNotToldAfterTheTokenIsDropped) {
@@ -181,26 +180,21 @@ TEST_F(MacSystemTest, WhatStillWaitsInTheQueueIsNotToldAfterTheTokenIsDropped) {
     MacApplication application;
     int count = 0;
     auto subscription = application.observeDidBecomeActive([&] { ++count; });
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+    post(NSApplicationDidBecomeActiveNotification);
     [NSOperationQueue.mainQueue drain];
     EXPECT_EQ(count, 1);
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidBecomeActiveNotification userInfo:nil];
+    post(NSApplicationDidBecomeActiveNotification);
     subscription.reset();
     [NSOperationQueue.mainQueue drain];
     EXPECT_EQ(count, 1);
 }
 
 TEST_F(MacSystemTest, TheAccessibilityDatabaseIsHeardOfFromAllProcesses) {
-    int count = 0;
-    auto subscription = observeAccessibilityDatabase([&] { ++count; });
-    [NSNotificationCenter.defaultCenter post:@"com.apple.accessibility.api" userInfo:nil];
-    [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.other" userInfo:nil];
-    EXPECT_EQ(count, 0);
-    [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
-    EXPECT_EQ(count, 1);
-    subscription.reset();
-    [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
-    EXPECT_EQ(count, 1);
+    expectToldUntilDropped(observeAccessibilityDatabase, [] {
+        post(@"com.apple.accessibility.api");
+        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.other" userInfo:nil];
+        [[NSDistributedNotificationCenter defaultCenter] post:@"com.apple.accessibility.api" userInfo:nil];
+    });
 }
 
 TEST_F(MacSystemTest, TheDelegateHearsOfTheLaunchOfReopeningAndOfTheEnd) {
@@ -342,9 +336,7 @@ TEST_F(MacSystemTest, LinesGoToTheLogOfTheirCategoryAndCanBeReadByAll) {
 }
 
 TEST_F(MacSystemTest, TheLogsSubsystemIsTheBundlesIdentifier) {
-    fake_mac::setMainBundle([[NSBundle alloc] initWithPath:@"/Applications/Other.app"
-                                                identifier:@"com.example.Other"
-                                                      info:[NSDictionary dictionary]]);
+    startFrom(@"/Applications/Other.app", @"com.example.Other", [NSDictionary dictionary]);
     MacLog log;
     log.write(LogLevel::standard, "ui", "line");
     EXPECT_EQ(fake_mac::logLines().at(0).subsystem, "com.example.Other");
