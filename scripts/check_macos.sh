@@ -70,7 +70,7 @@ check_file() {
 check_listed() {
   local file failed=0
   for file in "${files[@]}"; do
-    grep -qw "$(basename "$file")" "$layer/c_half.cmake" "$layer/objective_cpp.cmake" || {
+    grep -qw "$(basename "$file")" "$layer/sources.cmake" || {
       echo "FAILED: nothing in $layer builds $(basename "$file")"
       failed=1
     }
