@@ -204,7 +204,7 @@ bool Observer::deliver() {
     const auto callback = callback_;
     const auto observer = as<AXObserverRef>();
     for (const auto& each : batch) {
-        // The callback may have ended this object: nothing of it is touched, and whoever is called back should notice.
+        // The callback may end this object, so nothing of it is used after the call.
         const Held<ElementHandle> element(new ElementHandle(each.element));
         const Held<String> name(new String({each.notification.begin(), each.notification.end()}));
         callback(observer, element.get()->as<AXUIElementRef>(), name.get()->as<CFStringRef>(), each.refcon);

@@ -19,10 +19,10 @@ namespace ferrowyn::fake {
 
 class Observer;
 
-/// A handle of an element. Handles of one element are equal, and each has a messaging timeout of its own.
+/// A handle of an element. Handles of one element are equal, and each has its own messaging timeout.
 class ElementHandle final : public Object {
 public:
-    /// What the system waits where nobody said otherwise.
+    /// The system's default.
     static constexpr float defaultTimeout = 6;
 
     explicit ElementHandle(ElementId id) : Object("AXUIElement"), id_(id) {}
@@ -49,10 +49,10 @@ public:
     struct Element {
         Pid pid = 0;
         std::map<std::string, Value> attributes;
-        /// What setting an attribute, performing an action or registering a notification of this name is answered with.
+        /// The answer to setting an attribute, performing an action or registering a notification of this name.
         std::map<std::string, AXError> refusals;
         std::optional<CGWindowID> windowNumber;
-        /// It was destroyed; whoever holds it gets no other answer.
+        /// It was destroyed: every request to it is answered so.
         bool isGone = false;
     };
 
@@ -62,9 +62,9 @@ public:
         /// Answers this many requests more, then hangs.
         std::optional<int> requestsUntilItHangs;
         bool canBeObserved = true;
-        /// What it answers to a question for several attributes.
+        /// The answer to a request for several attributes.
         AXError bulkError = kAXErrorSuccess;
-        /// Answers in bulk with no more values than this, however many were asked for.
+        /// The most values in an answer to such a request.
         std::optional<std::size_t> mostValuesInBulk;
     };
 
@@ -80,12 +80,12 @@ public:
     [[nodiscard]] Application& application(Pid pid) { return applications_.at(pid); }
     [[nodiscard]] Element& element(ElementId id) { return elements_.at(id); }
 
-    /// The application tells its observers; they hear of it when their run loop runs.
+    /// Sends the notification to the application's observers, which get it when their run loop runs.
     void post(ElementId element, const std::string& notification);
 
     /// Each message in its order, such as "copy AXWindows of 1 within 0.35".
     [[nodiscard]] std::vector<std::string> takeRequests();
-    /// How long answers of applications that hang were waited for, in all.
+    /// How long applications that hang were waited for, in all.
     [[nodiscard]] double secondsWaited() const;
 
     // What the fake's functions need.
@@ -115,8 +115,8 @@ private:
 
 namespace ferrowyn::fake {
 
-/// An observer of one application, with a source that delivers all that waits in one go, whatever a callback does to
-/// the observer in between.
+/// An observer of one application. Its source delivers all waiting notifications at once, even when a callback ends the
+/// observer in between.
 class Observer final : public Object {
 public:
     Observer(Pid pid, AXObserverCallback callback);

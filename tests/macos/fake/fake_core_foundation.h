@@ -26,14 +26,15 @@ struct AccessibilityRect {
     Rect rect;
 };
 
-/// What a script says an attribute or a key is; the fake makes a new object of it for every answer. UTF-16 stands for
-/// text that need not be well formed, an error for one in the place of a value, monostate for a value that is no value.
+/// The value of an attribute or a key in a script; the fake makes a new object of it for every answer. UTF-16 is for
+/// text that need not be well formed, an error stands in the place of a value, and monostate is an object that is no
+/// value.
 struct Value : std::variant<std::monostate, std::string, std::u16string, bool, std::int64_t, double, Point, Size, Rect,
                             AccessibilityRect, AXError, ElementId, std::vector<Value>> {
     using variant::variant;
 };
 
-/// An object that the caller owns. The elements carry no messaging timeout of their own.
+/// An object that the caller owns. Elements have the default messaging timeout.
 [[nodiscard]] CFTypeRef copy(const Value& value);
 
 }  // namespace ferrowyn::fake
@@ -44,9 +45,9 @@ namespace ferrowyn::fake {
 class String final : public Object {
 public:
     explicit String(std::u16string units) : Object("CFString"), units_(std::move(units)) {}
-    /// One that lives for ever.
+    /// A constant string, which is never destroyed.
     [[nodiscard]] static CFStringRef constant(std::string_view text);
-    /// As UTF-8; empty, and a fault, when the reference is none to a string.
+    /// As UTF-8; empty, and a fault, when the reference is not to a string.
     [[nodiscard]] static std::string textOf(CFStringRef reference, const char* user);
 
     [[nodiscard]] const std::u16string& units() const { return units_; }

@@ -43,7 +43,7 @@ private:
 
     CGEventTapCallBack callback_;
     void* userInfo_;
-    /// The layer has no use for one.
+    /// The layer does not use it.
     CGEventTapProxy proxy_ = nullptr;
     mutable std::mutex lock_;
     std::condition_variable answered_;
@@ -76,9 +76,9 @@ public:
     enum class Outcome {
         reachedApplication,
         swallowed,
-        /// The tap let another event through than the one it was given.
+        /// The tap let through another event than it was given.
         replaced,
-        /// An enabled tap that nobody serves: the user's keyboard stands still.
+        /// The tap is enabled and no thread serves it: the user's keyboard does nothing.
         stuck,
     };
 
@@ -94,17 +94,17 @@ public:
     std::map<std::pair<std::int64_t, CGEventFlags>, std::u16string> layout;
 
     [[nodiscard]] Outcome press(const Key& key);
-    /// The system disables the tap and says so through its callback; returns when that has been called.
+    /// Disables the tap as the system does, and tells its callback; returns when that has been called.
     void disableTap(CGEventType reason);
     [[nodiscard]] bool isTapEnabled() const;
-    /// False when nobody enables it for longer than any thread of a loaded machine is kept waiting.
+    /// False when it is not enabled within a time that is long even on a loaded machine.
     [[nodiscard]] bool waitUntilTapIsEnabled() const;
     /// Of the tap made last.
     [[nodiscard]] std::optional<TapRequest> tapRequest() const;
     [[nodiscard]] bool hasTap() const;
 
     // What the fake's functions need.
-    /// Notes a fault when the first text of a key is asked for on another thread than the main one.
+    /// Notes a fault when the first text of a key is asked for outside the main thread.
     void translate();
     void add(MachPort& port, const TapRequest& request);
     void remove(const MachPort& port);

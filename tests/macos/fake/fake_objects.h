@@ -60,7 +60,7 @@ public:
 
     [[nodiscard]] Kind* get() const { return object_; }
     Kind* operator->() const { return object_; }
-    /// Hands the reference to whoever called a Create or Copy function.
+    /// Hands the reference to the caller of a Create or Copy function.
     [[nodiscard]] Kind* release() { return std::exchange(object_, nullptr); }
 
 private:
@@ -71,7 +71,7 @@ private:
 
 namespace ferrowyn::fake {
 
-/// Every object of the fake and how often it is referred to, with what was done wrong to any of them. Any thread.
+/// All objects of the fake with their reference counts, and the faults in their use. Any thread.
 class Objects {
 public:
     [[nodiscard]] static Objects& shared();
@@ -80,10 +80,10 @@ public:
     void remove(const Object& object);
     void retain(const void* reference);
     void release(const void* reference);
-    /// The object belongs to the system and lives on without the program: one of its references is not counted.
+    /// The object belongs to the system, so that one of its references is not counted.
     void giveToSystem(const Object& object, bool isSystems);
 
-    /// The object behind a reference; null, and a fault, when it is none, has ended or is of another kind.
+    /// The object behind a reference; null, and a fault, when there is none, it has ended or is of another kind.
     template <typename Kind>
     [[nodiscard]] Kind* find(const void* reference, const char* user) {
         auto* const object = dynamic_cast<Kind*>(findAny(reference, user));

@@ -192,7 +192,7 @@ CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds
     }
     const std::string name = String::textOf(mode, "CFRunLoopRunInMode");
     if (name == commonModes) {
-        // No mode that a loop can run in: it returns at once, and whoever runs it again and again turns in vain.
+        // A loop cannot run in it: the call returns at once.
         Objects::shared().fault("CFRunLoopRunInMode in the common modes");
         return kCFRunLoopRunFinished;
     }

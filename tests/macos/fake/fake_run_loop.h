@@ -16,7 +16,7 @@ namespace ferrowyn::fake {
 /// A source of a run loop: an observer's, or that of a tap's port.
 class RunLoopSource final : public Object {
 public:
-    /// Takes the next thing that waits and handles it without any lock; false when nothing waits.
+    /// Handles the next waiting item without holding a lock; false when nothing waits.
     using Perform = std::function<bool()>;
 
     RunLoopSource(std::string name, Perform perform)
@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] const std::string& name() const { return name_; }
     [[nodiscard]] bool performNext() const { return perform_(); }
-    /// A port that is no more leaves a source that the loop does not count.
+    /// False once the source's port has been invalidated: the loop ignores the source then.
     std::function<bool()> isValid = [] { return true; };
 
 private:
@@ -39,7 +39,7 @@ public:
 
     /// The calling thread's; it belongs to the system until the thread ends.
     [[nodiscard]] static RunLoop& current();
-    /// That of the thread which asked first.
+    /// The loop of the thread which asks first.
     [[nodiscard]] static RunLoop& main();
 
     void add(RunLoopSource& source, const std::string& mode);
@@ -48,12 +48,12 @@ public:
     void stop();
     /// Handles what waits in the mode and returns. Own thread.
     void drain(const std::string& mode);
-    /// Something may wait now.
+    /// Makes all loops look for waiting items.
     static void wakeAll();
 
     /// "add the tap to a thread's loop in kCFRunLoopCommonModes" and so on, from all loops.
     [[nodiscard]] static std::vector<std::string> takeJournal();
-    /// What else happened, in its place among what happened to the loops.
+    /// Adds another event to the journal.
     static void note(const std::string& event);
     /// "kCFRunLoopDefaultMode for 1 s", for each `run` of all loops.
     [[nodiscard]] static std::vector<std::string> takeRuns();

@@ -7,7 +7,7 @@
 
 namespace ferrowyn::fake {
 
-/// What the system says of this process, of the keyboard as a whole and of its threads. Scripted on the main thread.
+/// What the system says of this process and its threads, and whether secure input is on. Scripted on the main thread.
 class System {
 public:
     struct Thread {
@@ -23,7 +23,7 @@ public:
     bool isSecureInputEnabled = false;
     int promptCount = 0;
 
-    /// New threads get no further than to their name until they are let go.
+    /// New threads stop where they set their name, until `letThreadsGo`.
     void holdNewThreads();
     void letThreadsGo();
     [[nodiscard]] std::vector<Thread> threads() const;

@@ -1,4 +1,4 @@
-// In a file of its own: a program that is linked without it runs on a system that has no such function.
+// A separate file: a program that is linked without it runs on a system that has no such function.
 #include <CoreGraphics/CoreGraphics.h>
 #include <HIServices/HIServices.h>
 
@@ -18,7 +18,7 @@ AXError _AXUIElementGetWindow(AXUIElementRef element, CGWindowID* number) {
     const AXError error = Accessibility::shared().ask("number", handle->id(), handle->timeout);
     const auto found = Accessibility::shared().windowNumber(handle->id());
     if (error != kAXErrorSuccess || !found) {
-        // Nobody promises that a failure leaves the number alone.
+        // A failure may change the number.
         *number = 4242;
         return error != kAXErrorSuccess ? error : kAXErrorFailure;
     }

@@ -27,7 +27,7 @@ public:
     /// What takes the place of a window's dictionary at this position of the list, such as a string.
     std::map<std::size_t, Value> intruders;
     bool isSilent = false;
-    /// Something else than a list, in the place of one.
+    /// It answers with a text instead of a list.
     bool answersWithText = false;
     std::vector<CGWindowListOption> options;
 };

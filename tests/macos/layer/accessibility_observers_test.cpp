@@ -18,7 +18,7 @@ protected:
     std::unique_ptr<AccessibilityObserver> create(Pid pid = notes) {
         return observers.create(pid, [this](std::string_view notification) { heard.emplace_back(notification); });
     }
-    /// In a turn of its own.
+    /// Made in one turn, with its source added in the next.
     std::unique_ptr<AccessibilityObserver> observe() {
         auto observer = create();
         desktop.settle();
@@ -205,7 +205,7 @@ protected:
         work();
         return accessibility.secondsWaited() - before;
     }
-    /// Once, and there is nobody else who hears of it.
+    /// Heard exactly once, and nothing else with it.
     bool isHeard(fake::ElementId from, const std::string& notification) {
         heard.clear();
         accessibility.post(from, notification);

@@ -208,7 +208,7 @@ TEST_F(InventoryReadingTest, AnAttributeThatCannotBeReadLeavesTheOthers) {
 
 TEST_F(InventoryReadingTest, AnApplicationThatKnowsNoBulkIsAskedOneByOne) {
     addWindow({{"AXTitle", std::string("Old")}, {"AXFullScreen", true}}, 77);
-    // Nobody says with which error an application refuses.
+    // The error with which an application refuses is not documented.
     for (const AXError error :
          {kAXErrorNotImplemented, kAXErrorFailure, kAXErrorAttributeUnsupported, kAXErrorIllegalArgument}) {
         accessibility.application(notes).bulkError = error;

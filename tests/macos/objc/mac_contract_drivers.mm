@@ -10,7 +10,7 @@ namespace ferrowyn::contract {
 
 namespace {
 
-/// The fake Mac with what it checks at its end, outside a test of its own.
+/// The fake Mac with what it checks at its end, for use in a driver.
 class FakeMac : public test::MacTest {
 public:
     ~FakeMac() override { TearDown(); }

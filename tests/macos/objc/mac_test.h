@@ -20,7 +20,7 @@ protected:
     void TearDown() override;
 
     [[nodiscard]] static std::string text(NSString* string);
-    /// Whatever `happen` does is told once each time, until the token is dropped.
+    /// Expects one call of the handler for each `happen`, until the token is dropped.
     static void expectToldUntilDropped(const std::function<Subscription(std::function<void()> handler)>& observe,
                                        const std::function<void()>& happen);
 
@@ -30,7 +30,7 @@ protected:
     [[nodiscard]] static std::vector<std::string> shownRows();
 
 private:
-    /// Whatever the test autoreleases outside the callbacks of the system, which have pools of their own.
+    /// For what the test autoreleases outside the callbacks of the system, which have their own pools.
     std::optional<objc_runtime::AutoreleasePool> pool_{std::in_place};
 };
 

@@ -64,8 +64,8 @@ private:
     QWidget* widget_;
 };
 
-/// Stands for the toolkit's widget: a view of its own within the panel's, which hears of the pointer always, and drops
-/// what it hears while the application is not the active one.
+/// Stands for the toolkit's widget: a subview of the panel's view, which always gets the moves of the pointer, and
+/// ignores them while the application is not active.
 class SpyWidget final : public HostedWidget {
 public:
     SpyWidget(Calls& calls, std::uintptr_t parent) : calls_(calls), view_([[ToolkitView alloc] initWithCalls:&calls]) {
@@ -114,7 +114,7 @@ protected:
         panel->setContent(std::make_unique<SpyContent>(calls, widget));
         calls.clear();
     }
-    /// It is never looked into: the host above stands for the toolkit.
+    /// Only its address is used: the host above stands for the toolkit.
     [[nodiscard]] QWidget* someWidget() { return reinterpret_cast<QWidget*>(&place_); }
 
     Calls calls;
@@ -301,7 +301,7 @@ TEST_F(MacToolkitTest, AWidgetInTheHostTakesItsSizeAndIsGivenBack) {
     const QApplication application(argumentCount, arguments);
     QWidget widget;
     {
-        // There is no view for the toolkit to know here, which leaves everything else to see.
+        // Without a view of the system, everything else can still be checked.
         const auto hosted = hostQtWidget(widget, 0);
         hosted->fill({.width = 640.4, .height = 188});
         EXPECT_EQ(widget.geometry(), QRect(0, 0, 641, 188));

@@ -24,7 +24,7 @@
 
 namespace ferrowyn::test {
 
-/// The system's own status item, and windows that only note what is done to them.
+/// The system's status item, and windows that only note what is done to them.
 class StubUserInterface final : public UserInterface {
 public:
     [[nodiscard]] std::string translated(const Phrase& phrase) override { return phrase.untranslated(); }
@@ -87,12 +87,12 @@ protected:
 
     /// The system says that the program was launched, and all comes to rest.
     void launch();
-    /// Whatever waits for the main thread, on the run loop and on the program's own, is done.
+    /// Does all that waits for the main thread, on the run loop and on the simulated one.
     void settle();
     /// Time passes.
     void advance(Seconds duration);
     Outcome press(const fake::Keyboard::Key& key);
-    /// The system disables the tap as being too slow, and the program waits as long as it does before it retries.
+    /// The system disables the tap for being too slow; then `delay` passes.
     void timeOutTapFor(Seconds delay);
 
     [[nodiscard]] AppServices& services() { return *program->delegate.services(); }
@@ -124,7 +124,7 @@ protected:
     fake::ElementId notesWindow;
     fake::ElementId mailWindow;
 
-    /// As the program composes itself.
+    /// The parts of the program, composed as in the program itself.
     struct Program {
         explicit Program(const Platform& toolkit);
 

@@ -10,7 +10,7 @@
 
 #import "tests/macos/objc/fakes/foundation.h"
 
-// What a test says to the fake AppKit, and asks it.
+// What a test scripts in the fake AppKit, and reads from it.
 
 @interface NSColor ()
 /// The name by which the system knows the colour.
@@ -29,7 +29,7 @@
 @end
 
 @interface NSImage ()
-/// An icon whose every pixel tells its place: 0xFF000000 + column × 256 + row, from the top.
+/// An icon in which each pixel has the value 0xFF000000 + column × 256 + row, counted from the top.
 + (NSImage*)icon;
 @property(readonly, copy) NSString* symbolName;
 @property(readonly, copy) NSString* symbolDescription;
@@ -75,14 +75,15 @@
 + (void)setRefusesMonitors:(BOOL)refuses;
 + (NSUInteger)monitorCount;
 + (NSEventMask)lastMonitorMask;
-/// A press of a button that goes to another application: every monitor that wants this kind is told.
+/// Presses a button in another application: calls every monitor of this kind of event.
 + (void)pressElsewhere:(NSEventType)type;
 @end
 
 @interface NSView ()
-/// How often the view was told to lay out what is in it.
+/// How often the view was asked to lay out its subviews.
 @property(readonly) int layoutCount;
-/// The pointer moves to this place of the window: the tracking areas of this view, and of those in it, tell.
+/// Moves the pointer to this place of the window: the owners of the tracking areas of this view, and of its subviews,
+/// are called.
 - (void)pointerMovedTo:(NSPoint)place;
 @end
 
@@ -112,7 +113,7 @@
 @property(readonly) std::vector<std::string> calls;
 @property(readonly) NSApplicationActivationPolicy policy;
 - (void)finishLaunching;
-/// The answer of the delegate; YES when it does not say.
+/// The answer of the delegate; YES when it does not implement the method.
 - (BOOL)reopenWithVisibleWindows:(BOOL)hasVisibleWindows;
 - (void)willTerminate;
 @end
@@ -120,7 +121,7 @@
 namespace fake_mac {
 
 void forgetAppKit();
-/// Drawing that went to no image: filled paths, and symbols by their names.
+/// What was drawn outside of bitmaps: filled paths, and symbols by their names.
 struct Fill {
     std::string color;
     CGFloat alpha;
@@ -130,7 +131,7 @@ struct Fill {
     std::string tint;
 };
 [[nodiscard]] std::vector<Fill>& fills();
-/// What colours of the system are, by the appearance and the name: "NSAppearanceNameAqua systemOrange".
+/// The system's colours, by appearance and name: "NSAppearanceNameAqua systemOrange".
 [[nodiscard]] std::map<std::string, std::array<CGFloat, 3>>& systemColors();
 struct DrawnSymbol {
     std::string name;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// What a test says to the fake Foundation.
+// What a test scripts in the fake Foundation, and reads from it.
 
 @interface NSError ()
 - (instancetype)initWithDomain:(NSString*)domain code:(NSInteger)code text:(NSString*)text;
@@ -45,11 +45,11 @@ namespace fake_mac {
 void forgetFoundation();
 void forgetNotificationCentres();
 void setMainBundle(NSBundle* bundle);
-/// Makes it the one that is found at its path.
+/// Makes the bundle the one at its path.
 void installBundle(NSBundle* bundle);
-/// The user's calendar counts so many years more than the Gregorian.
+/// The user's calendar is so many years ahead of the Gregorian one.
 void setCalendarAhead(int years);
-/// Those that have begun and not ended.
+/// The activities that have begun and not ended.
 [[nodiscard]] std::vector<NSActivityOptions> activities();
 void setSystemVersion(NSInteger major, NSInteger minor, NSInteger patch);
 constexpr int ownPid = 4711;

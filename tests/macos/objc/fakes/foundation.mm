@@ -103,7 +103,7 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
 }
 @end
 
-/// Booleans are numbers of a class of their own.
+/// Booleans are numbers of another class.
 @interface FakeBoolean : NSNumber
 @end
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-// What a test says to the fake service management and the fake unified log, and asks them.
+// What a test scripts in the fake service management and the fake unified log, and reads from them.
 
 @interface SMAppService ()
 @property(readwrite) SMAppServiceStatus status;
-/// What the next request fails with; it succeeds without one.
+/// The error of the next request, which succeeds without one.
 @property(strong) NSError* nextError;
 @property(readonly) std::vector<std::string> calls;
 @end
@@ -24,7 +24,7 @@ struct LogLine {
     std::string category;
     os_log_type_t type;
     std::string format;
-    /// As a reader who may not see private arguments sees it.
+    /// As shown to a reader who may not see private arguments.
     std::string text;
 };
 [[nodiscard]] std::vector<LogLine>& logLines();

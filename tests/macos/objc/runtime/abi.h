@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// What the compiler writes into an object file for each class (64 bits, the runtime of macOS 10.5 and later): only as
-/// much of it as the runtime of these tests reads.
+/// What the compiler writes into an object file for each class (64 bits, the runtime of macOS 10.5 and later), as far
+/// as the runtime of these tests reads it.
 namespace objc_abi {
 
 using Implementation = void (*)();

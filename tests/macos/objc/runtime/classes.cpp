@@ -12,7 +12,7 @@
 
 using namespace objc_abi;
 
-// The linker's names for the beginning and the end of what the compiler has put together.
+// The linker's names for the begin and the end of the sections that the compiler writes.
 extern "C" {
 extern Class* __start_objc_classlist[];
 extern Class* __stop_objc_classlist[];
@@ -46,7 +46,7 @@ void addMethods(const Class* type, List<Method>* list) {
     }
 }
 
-/// A class is compiled against what the headers say of the one above it, which may have become larger since.
+/// A class is compiled against the declaration of its superclass, which may be larger than declared.
 void slideInstanceVariables(Class* type, std::set<Class*>& done) {
     if (type == nullptr || !done.insert(type).second) {
         return;

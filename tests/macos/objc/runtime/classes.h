@@ -6,9 +6,9 @@ namespace objc_abi {
 
 /// The one pointer that stands for this selector.
 const char* uniqueSelector(const char* name);
-/// Null when neither the class nor one above it has the method.
+/// Null when neither the class nor a superclass has the method.
 Implementation methodOf(const Class* type, const char* selector);
-/// Calls the method of each class from the root down to this one that has it itself, or the other way round.
+/// Calls the method of each class from the root down to this one that implements it, or in the opposite order.
 void callOwnMethods(Object* object, Class* type, const char* name, bool isRootFirst);
 bool isClassOrBelow(const Class* type, const Class* ancestor);
 

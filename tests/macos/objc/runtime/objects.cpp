@@ -49,7 +49,7 @@ Header& headerOf(Object* object) {
     return *(reinterpret_cast<Header*>(object) - 1);
 }
 
-/// Classes, constant strings and the blocks that nobody has copied are not on the heap.
+/// Classes, constant strings and blocks that were never copied are not on the heap.
 bool isOnHeap(const Object* object) {
     const Class* const type = object->isa;
     return (type->data->flags & ClassData::isMeta) == 0 && type != __CFConstantStringClassReference &&
@@ -90,7 +90,7 @@ void freeMemory(Object* object) {
 }
 
 void deallocate(Object* object) {
-    // Retained and released again while it goes, it must not go twice.
+    // An object that is retained and released while it is deallocated must not be deallocated twice.
     constexpr long whileDeallocating = -(1L << 40);
     headerOf(object).referenceCount = whileDeallocating;
     clearWeakPlaces(object);
@@ -214,7 +214,7 @@ Object* objc_storeWeak(Object** place, Object* object) {
             }
         }
     }
-    // What is being deallocated cannot be held any more.
+    // An object that is being deallocated cannot be retained any more.
     if (object != nullptr && isOnHeap(object) && headerOf(object).referenceCount <= 0) {
         object = nullptr;
     }

@@ -9,7 +9,7 @@ namespace objc_runtime {
 /// "class: count" for each class that has any, one a line.
 [[nodiscard]] std::string liveObjects();
 
-/// What a callback of the system is wrapped in: whatever was autoreleased within goes when it ends.
+/// Wraps a callback of the system: objects that were autoreleased within are released at its end.
 class AutoreleasePool {
 public:
     AutoreleasePool();
