@@ -111,17 +111,6 @@ TEST_F(AccessibilityObserversTest, DestroyingAnObserverTakesItsSourceAlong) {
     EXPECT_EQ(fake::Objects::shared().liveCount(), 0U) << fake::Objects::shared().describeLive();
 }
 
-TEST_F(AccessibilityObserversTest, ARemovedWindowNotificationIsNotHeard) {
-    const auto observer = observe();
-    observer->addWindowNotification(handleOf(window), "AXTitleChanged");
-    observer->addWindowNotification(handleOf(window), "AXUIElementDestroyed");
-    observer->removeWindowNotification(handleOf(window), "AXTitleChanged");
-    accessibility.post(window, "AXTitleChanged");
-    accessibility.post(window, "AXUIElementDestroyed");
-    runMainLoop();
-    EXPECT_THAT(heard, ElementsAre("AXUIElementDestroyed"));
-}
-
 TEST_F(AccessibilityObserversTest, AHandlerMayDestroyItsObserverWithMoreOnTheWay) {
     std::unique_ptr<AccessibilityObserver> observer;
     observer = observers.create(notes, [&](std::string_view notification) {

@@ -256,27 +256,6 @@ TEST_F(InventoryReadingTest, AWindowThatHasGoneIsListedWithoutAnything) {
     EXPECT_EQ(application->windows.front().windowNumber, std::nullopt);
 }
 
-TEST_F(InventoryReadingTest, TheFocusedWindowIsTheSameElementAsItsWindow) {
-    addWindow({});
-    const auto second = addWindow({});
-    accessibility.element(app).attributes["AXFocusedWindow"] = second;
-    const auto application = read();
-    ASSERT_TRUE(application.has_value());
-    EXPECT_FALSE(application->focusedWindow == application->windows[0].element);
-    EXPECT_TRUE(application->focusedWindow == application->windows[1].element);
-    EXPECT_EQ(application->focusedWindow->hash(), application->windows[1].element.hash());
-}
-
-TEST_F(InventoryReadingTest, ElementsOutliveTheReadingAndAreComparedAcrossReadings) {
-    const auto window = addWindow({});
-    std::optional<AXElementRef> kept;
-    { kept = read()->windows.front().element; }
-    EXPECT_TRUE(kept == read()->windows.front().element);
-    EXPECT_TRUE(*kept == handleOf(window));
-    EXPECT_FALSE(*kept == handleOf(addWindow({})));
-    EXPECT_EQ(kept->description(), "AXElementRef(" + std::to_string(kept->hash()) + ")");
-}
-
 TEST_F(InventoryReadingTest, AnApplicationWithoutWindowsIsToldFromOneThatDoesNotAnswer) {
     EXPECT_EQ(read(), std::nullopt) << "it knows no \"AXWindows\"";
     accessibility.element(app).attributes["AXWindows"] = std::vector<Value>();

@@ -117,21 +117,6 @@ TEST_F(MacDesktopTest, ANotificationAboutSomethingElseThanAnApplicationNamesNone
     EXPECT_FALSE(events[0].application);
 }
 
-TEST_F(MacDesktopTest, AnObserverOfTheWorkspaceMayLeaveWhileItIsTold) {
-    int first = 0;
-    int second = 0;
-    Subscription subscription;
-    subscription = workspace.observe([&](const WorkspaceEvent&) {
-        ++first;
-        subscription.reset();
-    });
-    auto other = workspace.observe([&](const WorkspaceEvent&) { ++second; });
-    [NSWorkspace.sharedWorkspace post:NSWorkspaceDidLaunchApplicationNotification application:mail()];
-    [NSWorkspace.sharedWorkspace post:NSWorkspaceDidTerminateApplicationNotification application:mail()];
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(second, 2);
-}
-
 TEST_F(MacDesktopTest, AnInstalledApplicationIsNamedByItsBundle) {
     fake_mac::installBundle(bundle(@"Mail", @{@"CFBundleDisplayName" : @"Post", @"CFBundleName" : @"Mail"}));
     EXPECT_EQ(workspace.installedApplicationName("com.example.Mail"), "Post");
@@ -198,15 +183,6 @@ TEST_F(MacDesktopTest, ScreensKeepTheCoordinatesThatGrowUpward) {
     [NSScreen setScreens:[NSArray array] main:nil];
     EXPECT_TRUE(screens.all().empty());
     EXPECT_FALSE(screens.main());
-}
-
-TEST_F(MacDesktopTest, ChangesOfTheScreensAreTold) {
-    const MacScreens screens;
-    expectToldUntilDropped(
-        [&](auto handler) { return screens.observe(handler); },
-        [] {
-            [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
-        });
 }
 
 TEST_F(MacDesktopTest, ThePointersPlaceIsTheSystems) {

@@ -248,13 +248,6 @@ TEST_F(MacSystemTest, EveryStateOfTheLoginItemIsToldApart) {
     }
 }
 
-TEST_F(MacSystemTest, RegisteringAndUnregisteringTheLoginItemSucceed) {
-    MacLoginItem item;
-    EXPECT_FALSE(item.registerProgram());
-    EXPECT_FALSE(item.unregisterProgram());
-    EXPECT_THAT(SMAppService.mainAppService.calls, ElementsAre("register", "unregister"));
-}
-
 TEST_F(MacSystemTest, ARefusalOfTheLoginItemComesWithDomainCodeAndWords) {
     MacLoginItem item;
     SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"SMAppServiceErrorDomain"
@@ -273,37 +266,6 @@ TEST_F(MacSystemTest, ARefusalOfTheLoginItemComesWithDomainCodeAndWords) {
     EXPECT_EQ(failed->domain, "NSPOSIXErrorDomain");
     EXPECT_EQ(failed->code, -5);
     EXPECT_EQ(failed->localizedDescription, "Input/output error");
-}
-
-TEST_F(MacSystemTest, DefaultsAnswerWithWhatIsRegisteredUntilSomethingIsStored) {
-    MacUserDefaults defaults;
-    EXPECT_FALSE(defaults.value("switcher.layout"));
-    defaults.registerDefaults({{"switcher.layout", std::string("list")}, {"switcher.includeMinimized", true}});
-    EXPECT_EQ(defaults.string("switcher.layout"), "list");
-    EXPECT_TRUE(defaults.boolean("switcher.includeMinimized"));
-    EXPECT_EQ([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"], nil);
-    defaults.set("switcher.layout", std::string("grid"));
-    EXPECT_EQ(defaults.string("switcher.layout"), "grid");
-    EXPECT_EQ(text([NSUserDefaults.standardUserDefaults storedObjectForKey:@"switcher.layout"]), "grid");
-}
-
-TEST_F(MacSystemTest, EveryTypeOfDefaultComesBackAsItWasStored) {
-    MacUserDefaults defaults;
-    const std::vector<DefaultsValue> values{true,
-                                            false,
-                                            std::int64_t{1},
-                                            std::int64_t{0},
-                                            std::int64_t{-9'000'000'000},
-                                            1.5,
-                                            1763712000.25,
-                                            std::string("Größe ⌥⇥"),
-                                            std::string(),
-                                            std::vector<std::string>{"com.example.Mail", "com.example.Notes"},
-                                            std::vector<std::string>{}};
-    for (const auto& value : values) {
-        defaults.set("key", value);
-        EXPECT_EQ(defaults.value("key"), value) << "alternative " << value.index();
-    }
 }
 
 TEST_F(MacSystemTest, WhatOthersWroteIntoTheDefaultsIsReadAsFarAsItCanBe) {
