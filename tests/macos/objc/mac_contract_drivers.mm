@@ -30,27 +30,21 @@ class MacWorkspaceDriver final : public WorkspaceDriver {
 public:
     Workspace& workspace() override { return workspace_; }
     Pid launch(const std::string& name) override {
-        @autoreleasepool {
-            NSRunningApplication* const application = [[NSRunningApplication alloc] initWithPid:++lastPid_];
-            application.localizedName = nsString(name);
-            replaceRunning(application, nil);
-            [NSWorkspace.sharedWorkspace post:NSWorkspaceDidLaunchApplicationNotification application:application];
-        }
+        NSRunningApplication* const application = [[NSRunningApplication alloc] initWithPid:++lastPid_];
+        application.localizedName = nsString(name);
+        replaceRunning(application, nil);
+        [NSWorkspace.sharedWorkspace post:NSWorkspaceDidLaunchApplicationNotification application:application];
         return lastPid_;
     }
     void quit(Pid pid) override {
-        @autoreleasepool {
-            NSRunningApplication* const application = running(pid);
-            application.terminated = YES;
-            replaceRunning(nil, application);
-            [NSWorkspace.sharedWorkspace post:NSWorkspaceDidTerminateApplicationNotification application:application];
-        }
+        NSRunningApplication* const application = running(pid);
+        application.terminated = YES;
+        replaceRunning(nil, application);
+        [NSWorkspace.sharedWorkspace post:NSWorkspaceDidTerminateApplicationNotification application:application];
     }
     void activate(Pid pid) override {
-        @autoreleasepool {
-            NSWorkspace.sharedWorkspace.frontmostApplication = running(pid);
-            [NSWorkspace.sharedWorkspace post:NSWorkspaceDidActivateApplicationNotification application:running(pid)];
-        }
+        NSWorkspace.sharedWorkspace.frontmostApplication = running(pid);
+        [NSWorkspace.sharedWorkspace post:NSWorkspaceDidActivateApplicationNotification application:running(pid)];
     }
     bool runUntil(const std::function<bool()>& predicate) override {
         FakeMac::runMainLoop();
@@ -84,12 +78,10 @@ public:
     MacScreensDriver() { showDock(0); }
     Screens& screens() override { return screens_; }
     void showDock(double height) override {
-        @autoreleasepool {
-            NSScreen* const screen = [NSScreen screenWithFrame:NSMakeRect(0, 0, 1440, 900)
-                                                  visibleFrame:NSMakeRect(0, 0, 1440, 900 - height)];
-            [NSScreen setScreens:@[ screen ] main:screen];
-            [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
-        }
+        NSScreen* const screen = [NSScreen screenWithFrame:NSMakeRect(0, 0, 1440, 900)
+                                              visibleFrame:NSMakeRect(0, 0, 1440, 900 - height)];
+        [NSScreen setScreens:@[ screen ] main:screen];
+        [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
     }
     void removeDock() override { showDock(0); }
     bool runUntil(const std::function<bool()>& predicate) override {
@@ -106,9 +98,7 @@ class MacUserDefaultsDriver final : public UserDefaultsDriver {
 public:
     UserDefaults& defaults() override { return defaults_; }
     bool isStored(const std::string& key) override {
-        @autoreleasepool {
-            return [NSUserDefaults.standardUserDefaults storedObjectForKey:nsString(key)] != nil;
-        }
+        return [NSUserDefaults.standardUserDefaults storedObjectForKey:nsString(key)] != nil;
     }
 
 private:
@@ -120,11 +110,9 @@ class MacLoginItemDriver final : public LoginItemDriver {
 public:
     LoginItem& item() override { return item_; }
     void refuse() override {
-        @autoreleasepool {
-            SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"SMAppServiceErrorDomain"
-                                                                               code:1
-                                                                               text:@"Operation not permitted"];
-        }
+        SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"SMAppServiceErrorDomain"
+                                                                           code:1
+                                                                           text:@"Operation not permitted"];
     }
 
 private:
