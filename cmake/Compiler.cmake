@@ -1,20 +1,24 @@
-# Warnings are errors everywhere; sanitizers by preset; ccache where it is installed.
-find_program(FERROWYN_CCACHE ccache)
-if(FERROWYN_CCACHE)
-  # The two sloppiness flags are what lets ccache serve precompiled headers.
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${FERROWYN_CCACHE})
-  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
+# Warnings, sanitizers, hardening; what only developers use is in the first block.
+if(FERROWYN_DEVELOPER_BUILD)
+  set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
+  find_program(FERROWYN_CCACHE ccache)
+  if(FERROWYN_CCACHE)
+    # The two sloppiness flags, and g++'s own, are what lets ccache serve precompiled headers.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${FERROWYN_CCACHE})
+    add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
+  endif()
+  find_program(FERROWYN_LLD ld.lld)
+  # That one writes no programs for a Mac.
+  if(FERROWYN_LLD AND NOT APPLE)
+    add_link_options(-fuse-ld=lld)
+  endif()
 endif()
 
 add_library(ferrowyn_compiler INTERFACE)
 target_compile_features(ferrowyn_compiler INTERFACE cxx_std_20)
 # g++ warns of members that a designated initializer leaves to their default, which is what one is written for.
-target_compile_options(ferrowyn_compiler INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror
+target_compile_options(ferrowyn_compiler INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
                                                    -Wno-missing-field-initializers)
-# Where files are compiled together, a local name may hide one of another file; g++ can tell that apart.
-set(shadow_together $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
-target_compile_options(ferrowyn_compiler INTERFACE
-                       $<IF:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,${shadow_together},-Wshadow>)
 target_include_directories(ferrowyn_compiler INTERFACE ${CMAKE_SOURCE_DIR}/src)
 
 if(FERROWYN_SANITIZE)
@@ -47,21 +51,9 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT APPLE AND NOT FERROWYN_SANITIZE)
   add_link_options(${FERROWYN_HARDENING_LINK})
 endif()
 
-find_program(FERROWYN_LLD ld.lld)
-# That one writes no programs for a Mac.
-if(FERROWYN_LLD AND NOT APPLE)
-  add_link_options(-fuse-ld=lld)
-endif()
-
-# ferrowyn_library(<name> [APART] SOURCES … [ALONE …] [PUBLIC …] [PRIVATE …]): one target a folder, with its links said
-# explicitly. ALONE are those of the sources whose file-local names occur in others too. APART is a folder whose modules
-# are large enough that compiling several at once saves nothing.
+# ferrowyn_library(<name> SOURCES … [PUBLIC …] [PRIVATE …]): one target a folder, with its links said explicitly.
 function(ferrowyn_library name)
-  cmake_parse_arguments(ARG "APART" "" "SOURCES;ALONE;PUBLIC;PRIVATE" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC ferrowyn_compiler ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
-  if(FERROWYN_COMPILE_TOGETHER AND NOT ARG_APART)
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
-    set_source_files_properties(${ARG_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-  endif()
 endfunction()

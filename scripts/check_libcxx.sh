@@ -50,8 +50,7 @@ if [[ ${1:-} == --one ]]; then
   exit
 fi
 
-cmake --preset dev -B build/libcxx -DCMAKE_EXPORT_COMPILE_COMMANDS=ON -DFERROWYN_COMPILE_TOGETHER=OFF \
-  -DFERROWYN_BUILD_TESTS=OFF >/dev/null
+cmake --preset dev -B build/libcxx -DFERROWYN_BUILD_TESTS=OFF >/dev/null
 files=$(list_files "$@")
 [[ -n $files ]] || {
   echo "There is nothing to check."

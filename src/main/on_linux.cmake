@@ -5,7 +5,7 @@ target_sources(ferrowyn_app_start PRIVATE
 target_link_libraries(ferrowyn_app_start PUBLIC PkgConfig::XCB PRIVATE ferrowyn_platform_x11)
 
 # Says what is right and wrong in a session; starts nothing.
-ferrowyn_library(ferrowyn_doctor APART
+ferrowyn_library(ferrowyn_doctor
   SOURCES
     doctor.cpp
     doctor_activation.cpp

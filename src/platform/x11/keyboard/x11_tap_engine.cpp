@@ -359,8 +359,6 @@ bool X11TapEngine::isKeyboardFree() {
 
 // How a session of the tap begins, opens and ends.
 
-namespace {}  // namespace
-
 void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     auto pressed = press;
     if (seizure_.isHeld()) {
