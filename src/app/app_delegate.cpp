@@ -122,11 +122,7 @@ void AppDelegate::openSwitcher() {
 }
 
 std::function<void()> AppDelegate::weakly(void (AppDelegate::*action)()) {
-    return [this, action, alive = std::weak_ptr(isAlive_)] {
-        if (!alive.expired()) {
-            (this->*action)();
-        }
-    };
+    return life_.guard([this, action] { (this->*action)(); });
 }
 
 void AppDelegate::showOnboarding() {

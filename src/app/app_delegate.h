@@ -6,6 +6,7 @@
 
 #include "app/program_request.h"
 #include "app/user_interface.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 
 namespace ferrowyn {
@@ -64,7 +65,7 @@ private:
     std::unique_ptr<StatusItemController> statusItemController_;
     Subscription firstWindowList_;
     Subscription trustChange_;
-    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+    LifeToken life_;
 };
 
 }  // namespace ferrowyn

@@ -52,8 +52,7 @@ AppServices::~AppServices() = default;
 std::unique_ptr<SwitcherController> AppServices::makeSwitcher(const SwitcherContentFactory& makeContent) {
     auto viewModel = std::make_unique<SwitcherViewModel>(
         preferences_->sessionSettings(), iconProvider_, favourites_,
-        [&workspace = platform_.workspace] { return workspace.frontmostPid(); },
-        [&mainLoop = platform_.mainLoop](std::function<void()> task) { mainLoop.post(std::move(task)); });
+        [&workspace = platform_.workspace] { return workspace.frontmostPid(); }, postTo(platform_.mainLoop));
     viewModel->bind(windowIndex_.windows(), authorizer_.status());
     auto switcher = std::make_unique<SwitcherController>(
         platform_,

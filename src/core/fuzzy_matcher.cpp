@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <utility>
 
 #include "core/prepared_text.h"
 #include "core/text.h"
@@ -350,3 +352,38 @@ std::vector<std::int32_t> wordStartIndices(std::string_view text) {
 }
 
 }  // namespace ferrowyn::FuzzyMatcher
+
+namespace ferrowyn {
+
+TextPreparation::TextPreparation(PostTask post) : turn_(std::move(post), [this] { prepareSome(); }) {}
+
+void TextPreparation::start(SharedWindow::List windows) {
+    windows_ = std::move(windows);
+    next_ = 0;
+    prepared_ = 0;
+    requestIfNeeded();
+}
+
+void TextPreparation::requestIfNeeded() {
+    if (windows_ == nullptr || prepared_ == mostWindows) {
+        return;
+    }
+    const auto first = std::find_if(windows_->begin() + static_cast<std::ptrdiff_t>(next_), windows_->end(),
+                                    FuzzyMatcher::needsPreparation);
+    next_ = static_cast<std::size_t>(first - windows_->begin());
+    if (first != windows_->end()) {
+        turn_.request();
+    }
+}
+
+void TextPreparation::prepareSome() {
+    std::size_t inThisTurn = 0;
+    while (next_ < windows_->size() && inThisTurn < windowsInOneTurn && prepared_ < mostWindows) {
+        const AppWindow& window = (*windows_)[next_++];
+        prepared_ += FuzzyMatcher::needsPreparation(window) ? 1 : 0;
+        inThisTurn += FuzzyMatcher::prepareAhead(window) ? 1 : 0;
+    }
+    requestIfNeeded();
+}
+
+}  // namespace ferrowyn

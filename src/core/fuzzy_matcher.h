@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/app_window.h"
+#include "core/posted_work.h"
 #include "core/prepared_text.h"
 
 /// Scores how well a typed query matches a text. Pure functions on UTF-8; positions count user-perceived characters.
@@ -59,3 +60,34 @@ bool prepareAhead(const AppWindow& window);
 [[nodiscard]] std::vector<std::int32_t> wordStartIndices(std::string_view text);
 
 }  // namespace ferrowyn::FuzzyMatcher
+
+namespace ferrowyn {
+
+/// Prepares the texts of the windows in a list for the first keystroke of a session, a few in each turn of the loop, so
+/// that a key press never waits for all of them. Main thread.
+class TextPreparation {
+public:
+    /// A key press that comes meanwhile waits for them: a quarter of a millisecond.
+    static constexpr std::size_t windowsInOneTurn = 8;
+    /// A window has up to three texts. What is prepared beyond one generation of the cache pushes out what was prepared
+    /// first, which is that of the windows used last.
+    static constexpr std::size_t mostWindows = PreparedTextCache::generationSize / 3;
+
+    explicit TextPreparation(PostTask post);
+
+    /// Begins anew with this list, which may be null for none; the windows used last stand first.
+    void start(SharedWindow::List windows);
+
+private:
+    void requestIfNeeded();
+    void prepareSome();
+
+    SharedWindow::List windows_;
+    /// The windows before it are done.
+    std::size_t next_ = 0;
+    /// How many of those take room in the cache.
+    std::size_t prepared_ = 0;
+    CoalescedTask turn_;
+};
+
+}  // namespace ferrowyn

@@ -3,20 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/fuzzy_matcher.h"
-#include "core/prepared_text.h"
 #include "core/switcher_row_builder.h"
 #include "core/text.h"
 
 namespace ferrowyn {
 
 namespace {
-
-/// A key press that comes meanwhile waits for them: a quarter of a millisecond.
-constexpr std::size_t windowsPreparedInOneTurn = 8;
-/// A window has up to three texts. What is prepared beyond one generation of the cache pushes out what was prepared
-/// first, which is that of the windows used last.
-constexpr std::size_t mostPreparedWindows = PreparedTextCache::generationSize / 3;
 
 /// A session begins on the second row: the window that was used just before the present one. Rows whose windows are
 /// blocked by the dialog in use are passed over, since choosing one would change nothing; they can still be selected.
@@ -42,13 +34,14 @@ int firstSelection(const std::vector<SwitcherViewModel::Row>& rows, bool reverse
 }  // namespace
 
 SwitcherViewModel::SwitcherViewModel(SessionSettings settings, IconProvider& iconProvider,
-                                     const FavouriteApplications& favourites, FrontmostPid frontmostPID, Post post)
+                                     const FavouriteApplications& favourites, FrontmostPid frontmostPID, PostTask post)
     : settings_(settings),
       iconProvider_(iconProvider),
       favourites_(favourites),
       frontmostPID_(std::move(frontmostPID)),
-      post_(std::move(post)),
-      rowBuilder_(std::make_unique<SwitcherRowBuilder>(settings_, favourites_)) {}
+      rowBuilder_(std::make_unique<SwitcherRowBuilder>(settings_, favourites_)),
+      rebuild_(post, [this] { rebuildRows(true); }),
+      textPreparation_(std::move(post)) {}
 
 SwitcherViewModel::~SwitcherViewModel() = default;
 
@@ -57,15 +50,13 @@ void SwitcherViewModel::bind(const Published<std::vector<AppWindow>>& windows,
     cancellables_.push_back(windows.subscribe([this](const std::vector<AppWindow>& list) {
         allWindows_ = std::make_shared<const std::vector<AppWindow>>(list);
         rebuildRows(true);
-        nextToPrepare_ = 0;
-        preparedWindows_ = 0;
-        prepareTextsLater();
+        textPreparation_.start(allWindows_);
     }));
     cancellables_.push_back(status.subscribe([this](const AccessibilityStatus& current) {
         isAccessibilityTrusted.set(current == AccessibilityStatus::trusted);
     }));
     const auto rebuildOnChange = [this](const auto& setting) {
-        cancellables_.push_back(setting.subscribeToChanges([this](const auto&) { rebuildRowsLater(); }));
+        cancellables_.push_back(setting.subscribeToChanges([this](const auto&) { rebuild_.request(); }));
     };
     rebuildOnChange(settings_.includeMinimized);
     rebuildOnChange(settings_.includeOtherSpaces);
@@ -73,45 +64,6 @@ void SwitcherViewModel::bind(const Published<std::vector<AppWindow>>& windows,
     rebuildOnChange(settings_.favouritesFirst);
     rebuildOnChange(settings_.layout);
     rebuildOnChange(favourites_.bundleIdentifiers());
-}
-
-void SwitcherViewModel::rebuildRowsLater() {
-    post_([weakSelf = std::weak_ptr<SwitcherViewModel*>(self_)] {
-        if (const auto self = weakSelf.lock()) {
-            (*self)->rebuildRows(true);
-        }
-    });
-}
-
-void SwitcherViewModel::prepareTextsLater() {
-    if (preparedWindows_ == mostPreparedWindows) {
-        return;
-    }
-    const auto& windows = *allWindows_;
-    const auto first = std::find_if(windows.begin() + static_cast<std::ptrdiff_t>(nextToPrepare_), windows.end(),
-                                    FuzzyMatcher::needsPreparation);
-    nextToPrepare_ = static_cast<std::size_t>(first - windows.begin());
-    if (first == windows.end() || std::exchange(isPreparationPosted_, true)) {
-        return;
-    }
-    post_([weakSelf = std::weak_ptr<SwitcherViewModel*>(self_)] {
-        if (const auto self = weakSelf.lock()) {
-            (*self)->prepareSomeTexts();
-        }
-    });
-}
-
-void SwitcherViewModel::prepareSomeTexts() {
-    isPreparationPosted_ = false;
-    const auto& windows = *allWindows_;
-    std::size_t prepared = 0;
-    while (nextToPrepare_ < windows.size() && prepared < windowsPreparedInOneTurn &&
-           preparedWindows_ < mostPreparedWindows) {
-        const AppWindow& window = windows[nextToPrepare_++];
-        preparedWindows_ += FuzzyMatcher::needsPreparation(window) ? 1 : 0;
-        prepared += FuzzyMatcher::prepareAhead(window) ? 1 : 0;
-    }
-    prepareTextsLater();
 }
 
 void SwitcherViewModel::beginSession(bool reverse) {

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "core/app_window.h"
+#include "core/fuzzy_matcher.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "core/switcher_options.h"
 #include "core/window_presentation.h"
@@ -35,13 +37,11 @@ public:
         friend bool operator==(const Row&, const Row&) = default;
     };
 
-    /// Delivers a task later on the main thread's loop.
-    using Post = std::function<void(std::function<void()>)>;
     using FrontmostPid = std::function<std::optional<Pid>()>;
 
     /// The icon provider is only handed on to the views. All references outlive the view model.
     SwitcherViewModel(SessionSettings settings, IconProvider& iconProvider, const FavouriteApplications& favourites,
-                      FrontmostPid frontmostPID, Post post);
+                      FrontmostPid frontmostPID, PostTask post);
     SwitcherViewModel(const SwitcherViewModel&) = delete;
     SwitcherViewModel& operator=(const SwitcherViewModel&) = delete;
     ~SwitcherViewModel();
@@ -92,11 +92,6 @@ public:
     [[nodiscard]] const SessionSettings& settings() const { return settings_; }
 
 private:
-    /// Asks for a rebuild in a later turn of the loop: the setting's other subscribers are told first.
-    void rebuildRowsLater();
-    /// Prepares the windows' texts for the first keystroke, a few in each turn of the loop.
-    void prepareTextsLater();
-    void prepareSomeTexts();
     void moveBy(std::int64_t step);
     [[nodiscard]] int rowCount() const { return static_cast<int>(rows.get().size()); }
     [[nodiscard]] std::optional<WindowId> selectedWindowId() const;
@@ -105,23 +100,18 @@ private:
     IconProvider& iconProvider_;
     const FavouriteApplications& favourites_;
     FrontmostPid frontmostPID_;
-    Post post_;
     std::unique_ptr<SwitcherRowBuilder> rowBuilder_;
     /// The rows published before the present ones, for their memory.
     std::vector<Row> retiredRows_;
 
     /// Shared with the rows. Never null.
     SharedWindow::List allWindows_ = std::make_shared<const std::vector<AppWindow>>();
-    /// The windows before it have their texts prepared.
-    std::size_t nextToPrepare_ = 0;
-    /// How many of those take room in the cache.
-    std::size_t preparedWindows_ = 0;
-    bool isPreparationPosted_ = false;
     std::optional<Pid> sessionFrontmostPID_;
     std::optional<std::vector<SharedWindow>> sessionWindows_;
+    /// In a later turn of the loop, because a setting's other subscribers are told first.
+    CoalescedTask rebuild_;
+    TextPreparation textPreparation_;
     std::vector<Subscription> cancellables_;
-    /// Posted tasks hold it weakly: one that the loop runs after this object is gone must find that out.
-    std::shared_ptr<SwitcherViewModel*> self_ = std::make_shared<SwitcherViewModel*>(this);
 };
 
 }  // namespace ferrowyn

@@ -32,11 +32,6 @@ bool PointerActivityGate::admitsHover(const Point& pointer) {
 namespace {
 
 constexpr std::string_view category = "ui";
-/// Longer than anybody looks at a list; it only guards against a modifier release that got lost.
-constexpr Seconds watchdogInterval{30.0};
-/// Drawing the next first frame would get in the way of the activation that a session ends with, and would show the
-/// order before it: the new order asks for it anyway, and this only after a session that has changed nothing.
-constexpr Seconds preparationDelay{0.1};
 
 }  // namespace
 
@@ -52,9 +47,17 @@ SwitcherController::SwitcherController(const Platform& platform, Parts parts, co
       windowIndex_(parts.windowIndex),
       activator_(std::move(parts.activator)),
       authorizer_(parts.authorizer),
-      hotKeyMonitor_(parts.hotKeyMonitor) {
+      hotKeyMonitor_(parts.hotKeyMonitor),
+      refit_(postTo(platform.mainLoop), [this] { refit(); }),
+      watchdog_(platform.mainLoop, [this] { endIdleSession(); }) {
     installContent(makeContent);
-    subscribe(platform);
+    subscribe();
+    preparation_.emplace(platform,
+                         SessionPreparation::Sources{.windowIndex = windowIndex_,
+                                                     .authorizer = authorizer_,
+                                                     .favourites = favourites_,
+                                                     .preferences = preferences_},
+                         [this] { prepareNextSession(); });
     clickMonitor_ = platform.pointer.observeClicksElsewhere([this] {
         if (isVisible_) {
             dismiss();
@@ -75,7 +78,7 @@ void SwitcherController::show(bool reverse) {
     panel_->show(panel_geometry::placement(visibleFrame(), currentContentSize(), panel_geometry::fullHeight(style())));
     isVisible_ = true;
     hotKeyMonitor_.state().openSession(preferences_.confirmOnModifierRelease.get());
-    rearmWatchdog();
+    watchdog_.restart();
     windowIndex_.scheduleRefresh();
 }
 
@@ -95,7 +98,7 @@ void SwitcherController::dismiss() {
 
 void SwitcherController::close(const std::optional<AppWindow>& chosen) {
     assert(mainLoop_.isMainThread());
-    watchdogTimer_.reset();
+    watchdog_.stop();
     // Asked for first: from here on the tap may send the next trigger, and the session that it opens must find the
     // activation begun, or it would start from the window before. The activation's task runs after this one, when the
     // panel is hidden and neither covers the window nor takes its focus.
@@ -107,7 +110,7 @@ void SwitcherController::close(const std::optional<AppWindow>& chosen) {
     if (isVisible_) {
         isVisible_ = false;
         viewModel_->endSession();
-        delayedPreparation_ = mainLoop_.after(preparationDelay, [this] { schedulePreparation(); });
+        preparation_->requestAfterSession();
     }
 }
 
@@ -134,18 +137,9 @@ void SwitcherController::armPointerGate() {
     pointer_.arm(pointerDevice_.location());
 }
 
-void SwitcherController::rearmWatchdog() {
-    watchdogTimer_.reset();
-    if (isVisible_) {
-        watchdogTimer_ = mainLoop_.after(watchdogInterval, [this] { watchdogFired(); });
-    }
-}
-
-void SwitcherController::watchdogFired() {
-    if (isVisible_) {
-        log_.write(LogLevel::standard, category, "Switcher idle watchdog fired; dismissing");
-        dismiss();
-    }
+void SwitcherController::endIdleSession() {
+    log_.write(LogLevel::standard, category, "Switcher idle watchdog fired; dismissing");
+    dismiss();
 }
 
 void SwitcherController::setHoldMode(bool isPinned) {
@@ -155,37 +149,20 @@ void SwitcherController::setHoldMode(bool isPinned) {
 // What the controller shows, where, and what it follows to keep that right.
 
 void SwitcherController::installContent(const SwitcherContentFactory& makeContent) {
-    const std::weak_ptr<Self> weak = self_;
     SwitcherContentCallbacks callbacks;
-    callbacks.onActivate = [weak](const AppWindow& window) {
-        if (const auto self = weak.lock()) {
-            self->controller.activateClicked(window);
+    callbacks.onActivate = life_.guard([this](const AppWindow& window) { activateClicked(window); });
+    callbacks.onHover = life_.guard([this](int index) { hover(index); });
+    callbacks.onToggleFavourite = life_.guard([this](const AppWindow& window) { toggleFavouriteOf(window); });
+    callbacks.onRequestPermissions = life_.guard([this] { requestPermissions(); });
+    callbacks.onAppearanceChanged = life_.guard([this] {
+        if (preparation_) {
+            preparation_->request();
         }
-    };
-    callbacks.onHover = [weak](int index) {
-        if (const auto self = weak.lock()) {
-            self->controller.hover(index);
-        }
-    };
-    callbacks.onToggleFavourite = [weak](const AppWindow& window) {
-        if (const auto self = weak.lock()) {
-            self->controller.toggleFavouriteOf(window);
-        }
-    };
-    callbacks.onRequestPermissions = [weak] {
-        if (const auto self = weak.lock()) {
-            self->controller.requestPermissions();
-        }
-    };
-    callbacks.onAppearanceChanged = [weak] {
-        if (const auto self = weak.lock()) {
-            self->controller.schedulePreparation();
-        }
-    };
+    });
     panel_->install(makeContent(*viewModel_, preferences_, std::move(callbacks)));
 }
 
-void SwitcherController::subscribe(const Platform& platform) {
+void SwitcherController::subscribe() {
     subscribeToShape();
     cancellables_.push_back(viewModel_->isPinned.subscribe([this](bool isPinned) { setHoldMode(isPinned); }));
     cancellables_.push_back(preferences_.modifier.published().subscribe(
@@ -195,7 +172,6 @@ void SwitcherController::subscribe(const Platform& platform) {
             dismiss();
         }
     }));
-    subscribeToWhatNextSessionShows(platform);
 }
 
 void SwitcherController::subscribeToShape() {
@@ -203,44 +179,16 @@ void SwitcherController::subscribeToShape() {
         const auto shape = rowShape();
         if (lastShape_ != shape) {
             lastShape_ = shape;
-            scheduleRefit();
+            refit_.request();
         }
     }));
     cancellables_.push_back(preferences_.layout.published().subscribeToChanges(
         [this, last = preferences_.layout.get()](SwitcherLayout layout) mutable {
             if (layout != last) {
                 last = layout;
-                scheduleRefit();
+                refit_.request();
             }
         }));
-}
-
-void SwitcherController::subscribeToWhatNextSessionShows(const Platform& platform) {
-    const auto follow = [this](const auto& published) {
-        cancellables_.push_back(published.subscribeToChanges([this](const auto&) { schedulePreparation(); }));
-    };
-    follow(windowIndex_.windows());
-    follow(authorizer_.status());
-    follow(favourites_.bundleIdentifiers());
-    follow(preferences_.includeMinimized.published());
-    follow(preferences_.includeOtherSpaces.published());
-    follow(preferences_.showShortcutHints.published());
-    follow(preferences_.maximumVisibleRows.published());
-    follow(preferences_.layout.published());
-    // The panel's footer names the trigger.
-    follow(preferences_.modifier.published());
-    follow(preferences_.showActiveAppWindowsFirst.published());
-    follow(preferences_.favouritesFirst.published());
-    cancellables_.push_back(platform.workspace.observe([this](const WorkspaceEvent& event) {
-        // Which application is in front decides the order, the screens decide the place.
-        if (event.kind == WorkspaceEvent::Kind::didActivate ||
-            event.kind == WorkspaceEvent::Kind::screenParametersDidChange) {
-            schedulePreparation();
-        }
-    }));
-    // The desktop may say so before the screens' new extents are known, and says nothing of a dock that came or went.
-    cancellables_.push_back(platform.screens.observe([this] { schedulePreparation(); }));
-    schedulePreparation();
 }
 
 panel_geometry::Style SwitcherController::style() const {
@@ -266,38 +214,13 @@ panel_geometry::RowShape SwitcherController::rowShape() const {
     return {preferences_.layout.get(), static_cast<int>(viewModel_->rows.get().size()), viewModel_->groupCount()};
 }
 
-void SwitcherController::scheduleRefit() {
-    if (std::exchange(isRefitScheduled_, true)) {
-        return;
-    }
-    mainLoop_.post([weak = std::weak_ptr<Self>(self_)] {
-        if (const auto self = weak.lock()) {
-            self->controller.isRefitScheduled_ = false;
-            self->controller.refit();
-        }
-    });
-}
-
 void SwitcherController::refit() {
     if (isVisible_) {
         panel_->refit(panel_geometry::refittedFrame(visibleFrame(), currentContentSize(), panel_->sessionTopY()));
     }
 }
 
-void SwitcherController::schedulePreparation() {
-    if (isVisible_ || std::exchange(isPreparationScheduled_, true)) {
-        return;
-    }
-    mainLoop_.post([weak = std::weak_ptr<Self>(self_)] {
-        if (const auto self = weak.lock()) {
-            self->controller.isPreparationScheduled_ = false;
-            self->controller.prepareNextSession();
-        }
-    });
-}
-
 void SwitcherController::prepareNextSession() {
-    delayedPreparation_.reset();
     // Without trust no session opens, and during one the panel shows that one; its end asks again.
     if (isVisible_ || authorizer_.status().get() != AccessibilityStatus::trusted) {
         return;
@@ -367,7 +290,9 @@ struct SwitcherController::CommandHandler {
 };
 
 void SwitcherController::handle(const SwitcherCommand& command) {
-    rearmWatchdog();
+    if (isVisible_) {
+        watchdog_.restart();
+    }
     if (drivesSelection(command)) {
         armPointerGate();
     }

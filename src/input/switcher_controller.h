@@ -6,10 +6,12 @@
 
 #include "core/app_window.h"
 #include "core/geometry.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "core/switcher_command.h"
 #include "core/switcher_view_model.h"
 #include "input/panel_geometry.h"
+#include "input/session_preparation.h"
 #include "input/switcher_panel.h"
 
 namespace ferrowyn {
@@ -83,9 +85,8 @@ private:
     struct CommandHandler;
 
     void installContent(const SwitcherContentFactory& makeContent);
-    void subscribe(const Platform& platform);
+    void subscribe();
     void subscribeToShape();
-    void subscribeToWhatNextSessionShows(const Platform& platform);
 
     // What the panel's content reports.
     void activateClicked(const AppWindow& window);
@@ -98,8 +99,7 @@ private:
     /// Closes the panel, and switches to the window, if there is one.
     void close(const std::optional<AppWindow>& chosen);
     void armPointerGate();
-    void rearmWatchdog();
-    void watchdogFired();
+    void endIdleSession();
     void setHoldMode(bool isPinned);
 
     [[nodiscard]] panel_geometry::Style style() const;
@@ -108,9 +108,6 @@ private:
     [[nodiscard]] Rect visibleFrame() const;
     [[nodiscard]] panel_geometry::RowShape rowShape() const;
     void refit();
-    /// Both run their work once, in a task of its own, however often they are asked meanwhile.
-    void scheduleRefit();
-    void schedulePreparation();
     void prepareNextSession();
 
     MainLoop& mainLoop_;
@@ -127,20 +124,15 @@ private:
     AccessibilityAuthorizer& authorizer_;
     HotKeyMonitor& hotKeyMonitor_;
 
-    Subscription watchdogTimer_;
     PointerActivityGate pointer_;
     bool isVisible_ = false;
     std::optional<panel_geometry::RowShape> lastShape_;
-    bool isRefitScheduled_ = false;
-    bool isPreparationScheduled_ = false;
-    Subscription delayedPreparation_;
-
-    /// What posted tasks and the panel's content hold of this controller; the content belongs to the platform's panel,
-    /// which outlives it.
-    struct Self {
-        SwitcherController& controller;
-    };
-    std::shared_ptr<Self> self_ = std::make_shared<Self>(Self{*this});
+    CoalescedTask refit_;
+    SessionWatchdog watchdog_;
+    /// Absent until everything it prepares from exists.
+    std::optional<SessionPreparation> preparation_;
+    /// For the panel's content, which belongs to the platform's panel and outlives the controller.
+    LifeToken life_;
     Subscription clickMonitor_;
     std::vector<Subscription> cancellables_;
 };

@@ -64,11 +64,11 @@ void WindowIndex::start() {
     isStarted_ = true;
     changes_ = observation_->changes().subscribe([this](const WindowChange& change) { handle(change); });
     observation_->start();
-    mainLoop_.post([this, isAlive = std::weak_ptr(isAlive_), generation = generation_] {
-        if (!isAlive.expired() && generation == generation_) {
+    mainLoop_.post(life_.guard([this, generation = generation_] {
+        if (generation == generation_) {
             refresh();
         }
-    });
+    }));
 }
 
 void WindowIndex::stop() {
@@ -161,13 +161,11 @@ void WindowIndex::handle(const WindowChange& change) {
 void WindowIndex::beginPass() {
     needsAnotherPass_ = false;
     rankAtPassBegin_ = recency_->latestRank();
-    backgroundWork_.run([enumerator = enumerator_, &mainLoop = mainLoop_, self = this,
-                         isAlive = std::weak_ptr(isAlive_), generation = generation_] {
-        mainLoop.post([self, isAlive, generation, snapshot = enumerator.snapshot()]() mutable {
-            if (!isAlive.expired()) {
-                self->finishPass(generation, std::move(snapshot));
-            }
-        });
+    const auto finish = life_.guard([this, generation = generation_](WindowEnumerator::Snapshot snapshot) {
+        finishPass(generation, std::move(snapshot));
+    });
+    backgroundWork_.run([enumerator = enumerator_, &mainLoop = mainLoop_, finish] {
+        mainLoop.post([finish, snapshot = enumerator.snapshot()]() mutable { finish(std::move(snapshot)); });
     });
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/app_window.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "inventory/window_enumerator.h"
 #include "platform/main_loop.h"
@@ -80,7 +81,7 @@ private:
     Subscription coalescedRefresh_;
     Subscription changes_;
     /// Held weakly by what waits on the loop or on a worker, and looked at on the main thread only.
-    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+    LifeToken life_;
 };
 
 }  // namespace ferrowyn

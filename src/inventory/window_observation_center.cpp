@@ -37,12 +37,10 @@ std::unique_ptr<ApplicationObserver> ApplicationObserver::create(AccessibilityOb
                                                                  ChangeHandler onChange) {
     // The constructor is private, so that no observer exists without something to observe with.
     std::unique_ptr<ApplicationObserver> created(new ApplicationObserver(pid, std::move(onChange)));
-    created->observer_ = observers.create(
-        pid, [target = created.get(), isAlive = std::weak_ptr(created->isAlive_)](std::string_view notification) {
-            if (!isAlive.expired()) {
-                target->handle(notification);
-            }
-        });
+    created->observer_ =
+        observers.create(pid, created->life_.guard([target = created.get()](std::string_view notification) {
+            target->handle(notification);
+        }));
     if (!created->observer_) {
         return nullptr;
     }

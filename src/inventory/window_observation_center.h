@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/app_window.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "inventory/window_filter.h"
 #include "platform/accessibility_observers.h"
@@ -94,7 +95,7 @@ private:
     std::unordered_set<AXElementRef> observedWindows_;
     bool isValid_ = true;
     /// Held weakly by the callback, which the system may still run once after this object is gone.
-    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+    LifeToken life_;
 };
 
 /// Turns everything that the desktop tells about applications and windows into one stream of changes, and looks every

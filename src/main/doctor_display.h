@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "main/doctor.h"
 #include "core/switcher_options.h"
+#include "main/doctor.h"
 
 namespace ferrowyn {
 

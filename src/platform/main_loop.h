@@ -3,7 +3,9 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <utility>
 
+#include "core/posted_work.h"
 #include "core/published.h"
 
 namespace ferrowyn {
@@ -41,6 +43,11 @@ public:
     /// For assertions. From any thread.
     [[nodiscard]] virtual bool isMainThread() const = 0;
 };
+
+/// Posts to the loop, which outlives the result.
+[[nodiscard]] inline PostTask postTo(MainLoop& mainLoop) {
+    return [&mainLoop](std::function<void()> task) { mainLoop.post(std::move(task)); };
+}
 
 /// Worker threads for the work that must not hold up the main thread.
 class BackgroundWork {

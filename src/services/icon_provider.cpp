@@ -74,6 +74,7 @@ IconPrefetcher::IconPrefetcher(MainLoop& mainLoop, const Workspace& workspace, I
       workspace_(workspace),
       icons_(icons),
       windows_(windows),
+      next_(postTo(mainLoop), [this] { loadNext(); }),
       subscription_(windows.subscribe([this](const std::vector<AppWindow>& list) { collect(list); })),
       replacements_(icons.replacements().subscribe([this](const Pid&) { collectAgainLater(); })) {}
 
@@ -102,18 +103,12 @@ void IconPrefetcher::collect(const std::vector<AppWindow>& windows) {
 }
 
 void IconPrefetcher::loadLater() {
-    if (wanted_.empty() || std::exchange(isPosted_, true)) {
-        return;
+    if (!wanted_.empty()) {
+        next_.request();
     }
-    mainLoop_.post([weak = std::weak_ptr<IconPrefetcher*>(self_)] {
-        if (const auto self = weak.lock()) {
-            (*self)->loadNext();
-        }
-    });
 }
 
 void IconPrefetcher::loadNext() {
-    isPosted_ = false;
     if (!wanted_.empty()) {
         const auto window = std::move(wanted_.back());
         wanted_.pop_back();

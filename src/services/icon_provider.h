@@ -9,6 +9,7 @@
 
 #include "core/app_window.h"
 #include "core/geometry.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 
 namespace ferrowyn {
@@ -86,9 +87,8 @@ private:
     const Published<std::vector<AppWindow>>& windows_;
     /// One window of each application whose icon is missing, the least recently used first.
     std::vector<AppWindow> wanted_;
-    bool isPosted_ = false;
-    /// Posted tasks hold it weakly.
-    std::shared_ptr<IconPrefetcher*> self_ = std::make_shared<IconPrefetcher*>(this);
+    /// One icon in each turn of the loop.
+    CoalescedTask next_;
     Subscription subscription_;
     Subscription replacements_;
     Subscription collection_;

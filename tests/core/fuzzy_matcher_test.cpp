@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -294,6 +295,77 @@ TEST_F(FuzzyMatcherAgreesWithTheReference, OnPlainTextTreatedAsUnicode) {
         matches += plain ? 1 : 0;
     }
     EXPECT_GT(matches, pairs(5000));
+}
+
+/// The windows of a list, with titles that need a preparation.
+SharedWindow::List accentedWindows(int count) {
+    std::vector<AppWindow> windows;
+    for (int number = 1; number <= count; ++number) {
+        AppWindow window;
+        window.id = static_cast<WindowId>(number);
+        window.appName = "Éditeur " + std::to_string(number);
+        window.title = "Fenêtre " + std::to_string(number);
+        windows.push_back(std::move(window));
+    }
+    return std::make_shared<const std::vector<AppWindow>>(std::move(windows));
+}
+
+TEST(TextPreparation, PreparesAFewWindowsInEachTurnOfTheLoop) {
+    TaskQueue tasks;
+    TextPreparation preparation(tasks.post());
+    auto& cache = PreparedTextCache::ofThisThread();
+    const std::size_t before = cache.size();
+    preparation.start(accentedWindows(20));
+    EXPECT_EQ(cache.size(), before);
+    for (const std::size_t windows : {8U, 16U, 20U}) {
+        ASSERT_EQ(tasks.size(), 1U);
+        tasks.run();
+        EXPECT_EQ(cache.size(), before + 3 * windows);
+    }
+    EXPECT_EQ(tasks.size(), 0U);
+}
+
+TEST(TextPreparation, PreparesNoMoreTextsThanTheCacheKeepsStartingWithTheFirst) {
+    TaskQueue tasks;
+    TextPreparation preparation(tasks.post());
+    const auto runAll = [&] {
+        while (tasks.size() > 0) {
+            tasks.run();
+        }
+    };
+    preparation.start(accentedWindows(3000));
+    runAll();
+    auto& cache = PreparedTextCache::ofThisThread();
+    EXPECT_FALSE(cache.prepareAhead("Fenêtre 1")) << "prepared first, and still there";
+    EXPECT_FALSE(cache.prepareAhead("Fenêtre 682"));
+    EXPECT_TRUE(cache.prepareAhead("Fenêtre 683"));
+
+    AppWindow window;
+    window.title = "Fenêtre of the next list";
+    preparation.start(std::make_shared<const std::vector<AppWindow>>(1, window));
+    runAll();
+    EXPECT_FALSE(cache.prepareAhead("Fenêtre of the next list")) << "each list has its share";
+}
+
+TEST(TextPreparation, PostsNothingForAnEmptyListOrPlainTexts) {
+    TaskQueue tasks;
+    TextPreparation preparation(tasks.post());
+    preparation.start(nullptr);
+    preparation.start(accentedWindows(0));
+    AppWindow plain;
+    plain.title = "Plain";
+    preparation.start(std::make_shared<const std::vector<AppWindow>>(1, plain));
+    EXPECT_EQ(tasks.size(), 0U);
+}
+
+TEST(TextPreparation, ATurnAfterItsEndPreparesNothing) {
+    TaskQueue tasks;
+    std::optional<TextPreparation> preparation(tasks.post());
+    preparation->start(accentedWindows(1));
+    preparation.reset();
+    const std::size_t before = PreparedTextCache::ofThisThread().size();
+    tasks.run();
+    EXPECT_EQ(PreparedTextCache::ofThisThread().size(), before);
 }
 
 }  // namespace

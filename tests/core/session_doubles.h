@@ -61,7 +61,7 @@ struct SettingsDouble {
 /// Runs posted tasks when the test says so.
 class TaskQueue {
 public:
-    [[nodiscard]] SwitcherViewModel::Post post() {
+    [[nodiscard]] PostTask post() {
         return [this](std::function<void()> task) { tasks_.push_back(std::move(task)); };
     }
     [[nodiscard]] std::size_t size() const { return tasks_.size(); }

@@ -70,20 +70,15 @@ ApplicationService::ApplicationService(MainLoop& mainLoop, const std::optional<s
         return;
     }
     // What the listener posts may arrive after this object is gone.
-    const auto onMainLoop = [&mainLoop, alive = std::weak_ptr(isAlive_)](std::function<void()> task) {
-        mainLoop.post([alive, task = std::move(task)] {
-            if (!alive.expired()) {
-                task();
-            }
-        });
-    };
-    auto* const listener = new ApplicationServiceListener(
-        *busAddress, std::move(actions),
-        {.activate = [this, onMainLoop] { onMainLoop([this] { handlers_.activate(); }); },
-         .activateAction =
-             [this, onMainLoop](const std::string& action) {
-                 onMainLoop([this, action] { handlers_.activateAction(action); });
-             }});
+    const auto activate = life_.guard([this] { handlers_.activate(); });
+    const auto activateAction = life_.guard([this](const std::string& action) { handlers_.activateAction(action); });
+    auto* const listener =
+        new ApplicationServiceListener(*busAddress, std::move(actions),
+                                       {.activate = [&mainLoop, activate] { mainLoop.post(activate); },
+                                        .activateAction =
+                                            [&mainLoop, activateAction](const std::string& action) {
+                                                mainLoop.post([activateAction, action] { activateAction(action); });
+                                            }});
     thread_ = std::make_unique<BusThread>("ferrowyn-bus", listener, [listener] { listener->start(); });
 }
 

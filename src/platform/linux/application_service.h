@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/posted_work.h"
+
 namespace ferrowyn {
 
 class BusThread;
@@ -34,7 +36,7 @@ public:
 private:
     Handlers handlers_;
     /// Dies with this object, for what the listener has posted by then.
-    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+    LifeToken life_;
     std::unique_ptr<BusThread> thread_;
 };
 

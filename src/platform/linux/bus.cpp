@@ -85,8 +85,8 @@ void BusLink::tryToConnect() {
     drop();
     const QString name = nextConnectionName(purpose_);
     const auto work = [address = address_, name] { QDBusConnection::connectToBus(address, name); };
-    const auto done = [this, name, alive = std::weak_ptr(alive_)] {
-        if (alive.expired()) {
+    const auto done = [this, name, life = life_.watch()] {
+        if (!life.isAlive()) {
             QDBusConnection::disconnectFromBus(name);
         } else {
             tried(name);

@@ -13,6 +13,8 @@
 #include <optional>
 #include <string>
 
+#include "core/posted_work.h"
+
 namespace ferrowyn {
 
 QDBusMessage methodCall(const QString& service, const QString& path, const QString& interface, const QString& method,
@@ -80,7 +82,7 @@ private:
     std::chrono::milliseconds pause_;
     QTimer timer_;
     /// Dies with this, for what a worker does later.
-    std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+    LifeToken life_;
 };
 
 }  // namespace ferrowyn

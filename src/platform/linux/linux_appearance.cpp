@@ -226,18 +226,15 @@ void LinuxAppearance::readFiles() {
 
 void LinuxAppearance::startListening(MainLoop& mainLoop, const std::string& busAddress) {
     // What the listener posts may arrive after this object is gone.
-    const std::weak_ptr<bool> alive = alive_;
+    const auto take = life_.guard([this](const SettingsPortalListener::Answer& answer) {
+        auto sources = sources_.get();
+        sources.portalScheme = answer.scheme;
+        sources.portalAccent = answer.accent;
+        sources_.setIfChanged(std::move(sources));
+    });
     auto* const listener =
-        new SettingsPortalListener(busAddress, [this, &mainLoop, alive](const SettingsPortalListener::Answer& answer) {
-            mainLoop.post([this, alive, answer] {
-                if (alive.expired()) {
-                    return;
-                }
-                auto sources = sources_.get();
-                sources.portalScheme = answer.scheme;
-                sources.portalAccent = answer.accent;
-                sources_.setIfChanged(std::move(sources));
-            });
+        new SettingsPortalListener(busAddress, [&mainLoop, take](const SettingsPortalListener::Answer& answer) {
+            mainLoop.post([take, answer] { take(answer); });
         });
     portal_ = std::make_unique<BusThread>("ferrowyn-portal", listener, [listener] { listener->start(); });
 }

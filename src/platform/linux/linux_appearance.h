@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/desktop_appearance.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "platform/linux/xdg_folders.h"
 
@@ -69,7 +70,7 @@ private:
     Published<AppearanceSources> sources_;
     ThemeFiles files_;
     /// Dies with this object, for those that must notice on the main thread.
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    LifeToken life_;
     std::unique_ptr<BusThread> portal_;
 };
 

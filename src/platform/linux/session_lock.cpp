@@ -98,16 +98,9 @@ SessionLock::SessionLock(MainLoop& mainLoop, const Buses& buses, std::function<v
         return;
     }
     // What the listener posts may arrive after this object is gone.
-    const std::weak_ptr<bool> alive = alive_;
+    const auto take = life_.guard([this](bool isLocked) { setLocked(isLocked); });
     auto* const listener = new SessionLockListener(
-        buses,
-        [this, &mainLoop, alive](bool isLocked) {
-            mainLoop.post([this, alive, isLocked] {
-                if (!alive.expired()) {
-                    setLocked(isLocked);
-                }
-            });
-        },
+        buses, [&mainLoop, take](bool isLocked) { mainLoop.post([take, isLocked] { take(isLocked); }); },
         std::move(onLocking));
     thread_ = std::make_unique<BusThread>("ferrowyn-lock", listener, [listener] { listener->start(); });
 }

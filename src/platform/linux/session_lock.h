@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "core/posted_work.h"
 #include "core/published.h"
 
 namespace ferrowyn {
@@ -44,7 +45,7 @@ private:
     bool isLocked_ = false;
     Subject<bool> changes_;
     /// Dies with this object, for those that must notice on the main thread.
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    LifeToken life_;
     std::unique_ptr<BusThread> thread_;
 };
 

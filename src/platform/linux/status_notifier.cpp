@@ -114,11 +114,7 @@ StatusNotifierItem::StatusNotifierItem(MainLoop& mainLoop, BackgroundWork& backg
                                        const std::optional<std::string>& busAddress)
     : object_(new StatusNotifierObject(exported_)) {  // NOLINT: its parent owns it.
     if (!busAddress) {
-        mainLoop.post([this, alive = std::weak_ptr<bool>(alive_)] {
-            if (!alive.expired()) {
-                setHost(StatusNotifierHost::none);
-            }
-        });
+        mainLoop.post(life_.guard([this] { setHost(StatusNotifierHost::none); }));
         return;
     }
     serviceName_ = QStringLiteral("org.kde.StatusNotifierItem-%1-%2").arg(getpid()).arg(nextNumber());

@@ -16,6 +16,8 @@
 
 class QDBusServiceWatcher;
 
+#include "core/posted_work.h"
+
 namespace ferrowyn {
 
 class BackgroundWork;
@@ -171,7 +173,7 @@ private:
     QObject exported_;
     StatusNotifierObject* object_;
     /// Dies with this, for what is posted.
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    LifeToken life_;
     std::unique_ptr<BusLink> link_;
 };
 

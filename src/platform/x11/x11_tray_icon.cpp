@@ -218,16 +218,13 @@ void X11TrayIcon::setToolTip(const std::string& title) {
 
 void X11TrayIcon::lookForTray() {
     const auto cookie = xcb_get_selection_owner(events_.get(), atoms_.selection);
-    events_.whenAnswered([this, cookie, alive = std::weak_ptr<bool>(alive_)] {
-        if (alive.expired()) {
-            return;
-        }
+    events_.whenAnswered(life_.guard([this, cookie] {
         const XcbReply<xcb_get_selection_owner_reply_t> reply(
             xcb_get_selection_owner_reply(events_.get(), cookie, nullptr));
         if (reply && reply->owner != XCB_WINDOW_NONE) {
             readTray(reply->owner);
         }
-    });
+    }));
 }
 
 void X11TrayIcon::readTray(xcb_window_t tray) {
@@ -240,17 +237,14 @@ void X11TrayIcon::readTray(xcb_window_t tray) {
     listen(events_.get(), tray_, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     const auto visual = xcb_get_property(events_.get(), 0, tray_, atoms_.visual, XCB_ATOM_VISUALID, 0, 1);
     const auto colors = xcb_get_property(events_.get(), 0, tray_, atoms_.colors, XCB_ATOM_CARDINAL, 0, colorChannels);
-    events_.whenAnswered([this, tray, visual, colors, alive = std::weak_ptr<bool>(alive_)] {
-        if (alive.expired()) {
-            return;
-        }
+    events_.whenAnswered(life_.guard([this, tray, visual, colors] {
         const auto offered = X11Property::collect(events_.get(), visual);
         const auto named = X11Property::collect(events_.get(), colors);
         if (tray == tray_) {
             setColors(named);
             dock(offered.item(XCB_ATOM_VISUALID));
         }
-    });
+    }));
 }
 
 void X11TrayIcon::dock(std::optional<xcb_visualid_t> visual) {
@@ -300,12 +294,10 @@ void X11TrayIcon::handle(const xcb_generic_event_t& event) {
         if (change.window == tray_ && change.atom == atoms_.colors) {
             const auto cookie =
                 xcb_get_property(events_.get(), 0, tray_, atoms_.colors, XCB_ATOM_CARDINAL, 0, colorChannels);
-            events_.whenAnswered([this, cookie, alive = std::weak_ptr<bool>(alive_)] {
-                if (!alive.expired()) {
-                    setColors(X11Property::collect(events_.get(), cookie));
-                    redraw();
-                }
-            });
+            events_.whenAnswered(life_.guard([this, cookie] {
+                setColors(X11Property::collect(events_.get(), cookie));
+                redraw();
+            }));
         }
     } else if (type == XCB_DESTROY_NOTIFY &&
                reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window == tray_) {
@@ -380,11 +372,11 @@ void X11TrayIcon::pressed(const xcb_button_press_event_t& press) {
                       static_cast<double>(window_->height())};
     // The pointer belongs to this connection until the button is released; the menu, which is the toolkit's, wants it.
     xcb_ungrab_pointer(events_.get(), XCB_CURRENT_TIME);
-    events_.whenAnswered([this, anchor, alive = std::weak_ptr<bool>(alive_)] {
-        if (!alive.expired() && onPress_) {
+    events_.whenAnswered(life_.guard([this, anchor] {
+        if (onPress_) {
             onPress_(anchor);
         }
-    });
+    }));
 }
 
 void X11TrayIcon::redraw() {

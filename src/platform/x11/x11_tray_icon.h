@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "platform/qt/tray_symbol_painter.h"
 #include "platform/status_item.h"
@@ -102,7 +103,7 @@ private:
     std::function<void(const Rect&)> onPress_;
     Subscription toolTipTimer_;
     /// Dies with this, for answers that are under way.
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    LifeToken life_;
 };
 
 }  // namespace ferrowyn

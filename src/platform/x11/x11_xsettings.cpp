@@ -119,10 +119,7 @@ void X11Xsettings::handle(const xcb_generic_event_t& event) {
 
 void X11Xsettings::findManager() {
     const auto cookie = xcb_get_selection_owner(events_.get(), selection_);
-    events_.whenAnswered([this, cookie, alive = std::weak_ptr(isAlive_)] {
-        if (alive.expired()) {
-            return;
-        }
+    events_.whenAnswered(life_.guard([this, cookie] {
         const XcbReply<xcb_get_selection_owner_reply_t> owner(
             xcb_get_selection_owner_reply(events_.get(), cookie, nullptr));
         manager_ = owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
@@ -137,20 +134,17 @@ void X11Xsettings::findManager() {
         const std::uint32_t wanted = XCB_EVENT_MASK_PROPERTY_CHANGE;
         xcb_change_window_attributes(events_.get(), manager_, XCB_CW_EVENT_MASK, &wanted);
         readSettings();
-    });
+    }));
 }
 
 void X11Xsettings::readSettings() {
     const auto cookie = xcb_get_property(events_.get(), 0, manager_, settings_, settings_, 0, longestSettings);
-    events_.whenAnswered([this, cookie, alive = std::weak_ptr(isAlive_)] {
-        if (alive.expired()) {
-            return;
-        }
+    events_.whenAnswered(life_.guard([this, cookie] {
         const auto property = X11Property::collect(events_.get(), cookie);
         const auto bytes = property.bytes(settings_);
         onTheme_(bytes ? xsettingsText({reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()}, themeName)
                        : std::nullopt);
-    });
+    }));
 }
 
 }  // namespace ferrowyn

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/posted_work.h"
 #include "platform/x11/x11_event_connection.h"
 
 namespace ferrowyn {
@@ -37,7 +38,7 @@ private:
     xcb_window_t manager_ = XCB_WINDOW_NONE;
     std::uint8_t fixesFirstEvent_ = 0;
     /// Held weakly by what waits for answers.
-    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+    LifeToken life_;
     Subscription eventSubscription_;
 };
 

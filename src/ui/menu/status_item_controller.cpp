@@ -27,19 +27,18 @@ void callIfSet(const std::function<void()>& action) {
 
 StatusItemController::StatusItemController(const Platform& platform, StatusItem& statusItem, AppServices& services,
                                            Actions actions, Translator translate)
-    : mainLoop_(platform.mainLoop),
-      application_(platform.application),
+    : application_(platform.application),
       texts_(platform.texts),
       applicationName_(platform.application.bundleInfo().name.value_or("Ferrowyn")),
       statusItem_(statusItem),
       services_(services),
       actions_(std::move(actions)),
-      translate_(std::move(translate)) {
-    statusItem_.setActionHandler([this, alive = std::weak_ptr(isAlive_)](const MenuRow& row) {
-        if (!alive.expired()) {
-            perform(row);
-        }
-    });
+      translate_(std::move(translate)),
+      update_(postTo(platform.mainLoop), [this] {
+          configureButton();
+          buildMenu();
+      }) {
+    statusItem_.setActionHandler(life_.guard([this](const MenuRow& row) { perform(row); }));
 }
 
 void StatusItemController::configureButton() {
@@ -55,7 +54,7 @@ void StatusItemController::buildMenu() {
 
 void StatusItemController::followServices() {
     const auto follow = [this](const auto& published) {
-        cancellables_.push_back(published.subscribeToChanges([this](const auto&) { scheduleUpdate(); }));
+        cancellables_.push_back(published.subscribeToChanges([this](const auto&) { update_.request(); }));
     };
     follow(services_.authorizer().status());
     follow(services_.authorizer().isSecureInputActive());
@@ -69,23 +68,9 @@ void StatusItemController::followServices() {
     cancellables_.push_back(
         windows.subscribeToChanges([this, wasEmpty = windows.get().empty()](const auto& list) mutable {
             if (std::exchange(wasEmpty, list.empty()) && !list.empty()) {
-                scheduleUpdate();
+                update_.request();
             }
         }));
-}
-
-void StatusItemController::scheduleUpdate() {
-    if (std::exchange(isUpdateScheduled_, true)) {
-        return;
-    }
-    mainLoop_.post([this, alive = std::weak_ptr(isAlive_)] {
-        if (alive.expired()) {
-            return;
-        }
-        isUpdateScheduled_ = false;
-        configureButton();
-        buildMenu();
-    });
 }
 
 void StatusItemController::perform(const MenuRow& row) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "platform/status_item.h"
 #include "ui/menu/status_menu.h"
@@ -45,10 +46,7 @@ private:
     void retryInput();
     void selectLayout(std::string_view representedValue);
     void toggleLaunchAtLogin();
-    /// Posts one rebuild for all changes until it runs.
-    void scheduleUpdate();
 
-    MainLoop& mainLoop_;
     Application& application_;
     const TextTable& texts_;
     std::string applicationName_;
@@ -56,10 +54,11 @@ private:
     AppServices& services_;
     Actions actions_;
     Translator translate_;
-    bool isUpdateScheduled_ = false;
+    /// Rebuilds the button and the menu once for all changes of one turn of the loop.
+    CoalescedTask update_;
     std::vector<Subscription> cancellables_;
-    /// Posted tasks and the status item outlive this object and refer to it weakly.
-    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+    /// For the status item, which outlives this.
+    LifeToken life_;
 };
 
 }  // namespace ferrowyn
