@@ -176,6 +176,35 @@ TEST_F(TapEngineTest, ATriggerPressedBeforeTheGrabsChangeAndReleasedAfterwardsLo
         });
 }
 
+TEST_F(TapEngineTest, AModifierPressedAgainBeforeItsMissedReleaseIsRepeatedStaysDown) {
+    TapPhysicalKeyboard keyboard(server.display());
+    ASSERT_TRUE(keyboard.isThere());
+    keyboard.press(key::leftAlt);
+    keyboard.press(key::tab);
+    // The server holds these back, so the master keyboard misses them.
+    keyboard.release(key::leftAlt);
+    keyboard.release(key::tab);
+    // The tap has taken the keyboard and has not read the releases yet.
+    context.reportActiveWindow = [&, isFirst = true](std::uint32_t) mutable {
+        if (std::exchange(isFirst, false)) {
+            keyboard.press(key::leftAlt);
+        }
+    };
+    ASSERT_TRUE(serveUntil([&] { return requests == 1; }));
+    open(latest());
+    EXPECT_TRUE(serveUntil([&] { return ends == 1; }));
+    close(latest());
+    serve();
+    keyboard.press(key::tab);
+    EXPECT_TRUE(serveUntil([&] { return requests == 2; })) << "the second switch is lost";
+    open(latest());
+    keyboard.release(key::tab);
+    keyboard.release(key::leftAlt);
+    EXPECT_TRUE(serveUntil([&] { return ends == 2; }));
+    close(latest());
+    expectNothingLeft();
+}
+
 TEST_F(TapEngineTest, ALateEndOfALostSessionLeavesTheNextOneItsKeyboard) {
     openOneByTheTrigger();
     const auto lost = latest();

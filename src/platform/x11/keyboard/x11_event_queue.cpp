@@ -154,8 +154,8 @@ bool X11TapReception::wasHeldBack(const X11KeyboardEvent& event) const {
 }
 
 void X11TapReception::receiveMissedModifier(const X11KeyboardEvent& release) {
-    // The server ignores the repeated release when the user has pressed the key again by then, and for the master the
-    // modifier was never up; but it was, and a session hangs on it.
+    // The release is not repeated when the user has pressed the key again by then, and for the master the modifier was
+    // never up; but it was, and a session hangs on it.
     const auto modifiers = keyboard_.layout().modifiersOfKey(release.keyCode);
     if ((modifiers & keyboard_.triggerMask()) != 0) {
         auto change = release;

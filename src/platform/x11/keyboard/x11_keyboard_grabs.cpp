@@ -48,15 +48,10 @@ void X11KeyboardGrabs::readDevices() {
     }
     masters_.clear();
     masterKeyboards_.clear();
-    testKeyboards_.clear();
     for (auto device = xcb_input_xi_query_device_infos_iterator(reply.get()); device.rem > 0;
          xcb_input_xi_device_info_next(&device)) {
         if (device.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD) {
             masters_[device.data->deviceid] = device.data->attachment;
-            const std::string_view name(xcb_input_xi_device_info_name(device.data), device.data->name_len);
-            if (name.find("XTEST") != std::string_view::npos) {
-                testKeyboards_.insert(device.data->deviceid);
-            }
         } else if (device.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD) {
             if (masterKeyboards_.empty()) {
                 mainMaster_ = device.data->deviceid;
@@ -312,37 +307,34 @@ void X11KeyboardSeizure::noteMissedRelease(xcb_input_device_id_t slave, std::uin
     missedReleases_.push_back({slave, keyCode});
 }
 
+/// What is repeated lets the key go for the master even where it has gone down again at the slave meanwhile, and the
+/// master would never hear of that press. So it is looked up just before, and such a release is not repeated: for the
+/// master the key has been down all the time, as it is now. The users are not kept from typing meanwhile: a server that
+/// only listens to a client which is then stopped is lost.
 void X11KeyboardSeizure::repeatMissedReleases() {
     const auto releases = std::exchange(missedReleases_, {});
-    std::vector<Release> ofProgram;
-    for (const auto& release : releases) {
-        if (grabs_.isTestKeyboard(release.slave)) {
-            ofProgram.push_back(release);
-        } else {
-            // If the key has gone down there again, the server ignores this: it is another keyboard's.
-            fakeKey(XCB_KEY_RELEASE, release.keyCode);
-        }
+    if (releases.empty()) {
+        return;
     }
-    if (!ofProgram.empty()) {
-        repeatReleasesOfProgram(ofProgram.front().slave, ofProgram);
-    }
-}
-
-/// What is repeated is typed on the very keyboard that the program types on, and would let go a key that has gone down
-/// there again: that is looked up just before. The program is not kept from typing meanwhile: a server that only
-/// listens to a client which is then stopped is lost.
-void X11KeyboardSeizure::repeatReleasesOfProgram(xcb_input_device_id_t testKeyboard,
-                                                 const std::vector<Release>& releases) {
     auto* const connection = connection_.get();
-    const auto request = xcb_input_query_device_state(connection, static_cast<std::uint8_t>(testKeyboard));
-    const XcbReply<xcb_input_query_device_state_reply_t> reply(
-        xcb_input_query_device_state_reply(connection, request, nullptr));
+    std::map<xcb_input_device_id_t, xcb_input_query_device_state_cookie_t> requests;
     for (const auto& release : releases) {
-        if (reply == nullptr || !isDown(*reply, release.keyCode)) {
+        if (!requests.contains(release.slave)) {
+            requests[release.slave] =
+                xcb_input_query_device_state(connection, static_cast<std::uint8_t>(release.slave));
+        }
+    }
+    std::map<xcb_input_device_id_t, XcbReply<xcb_input_query_device_state_reply_t>> states;
+    for (const auto& [slave, request] : requests) {
+        states[slave].reset(xcb_input_query_device_state_reply(connection, request, nullptr));
+    }
+    for (const auto& release : releases) {
+        const auto& state = states[release.slave];
+        if (state == nullptr || !isDown(*state, release.keyCode)) {
             fakeKey(XCB_KEY_RELEASE, release.keyCode);
         }
     }
-    // Whatever the program types once it hears of the trigger comes after these.
+    // Whatever follows the end of this session, or the program's hearing of its trigger, comes after these.
     const XcbReply<xcb_get_input_focus_reply_t> sync(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }

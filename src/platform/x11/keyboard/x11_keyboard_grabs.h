@@ -61,8 +61,6 @@ public:
     [[nodiscard]] bool isSlave(xcb_input_device_id_t device) const { return !masterKeyboards_.contains(device); }
     /// The keyboard that this slave belongs to.
     [[nodiscard]] xcb_input_device_id_t masterOf(xcb_input_device_id_t slave) const;
-    /// Whether the slave is one of the server's test keyboards, which programs type on.
-    [[nodiscard]] bool isTestKeyboard(xcb_input_device_id_t slave) const { return testKeyboards_.contains(slave); }
     /// The first master keyboard: the one that the user's keys go through unless several people share the screen.
     [[nodiscard]] xcb_input_device_id_t mainMaster() const { return mainMaster_; }
 
@@ -94,7 +92,6 @@ private:
     /// The server refused the grabs on all devices: another client has such grabs.
     bool isRefusedOnAllDevices_ = false;
     std::set<xcb_input_device_id_t> masterKeyboards_;
-    std::set<xcb_input_device_id_t> testKeyboards_;
     /// Master of each slave keyboard.
     std::map<xcb_input_device_id_t, xcb_input_device_id_t> masters_;
     xcb_input_device_id_t mainMaster_ = 3;
@@ -156,7 +153,7 @@ public:
     void noteAllRead() { freedSlave_.reset(); }
     /// The master never saw this release: repeats it, now or as soon as the slave is free.
     void noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode);
-    /// Repeats what was noted. Waits for the server only where a program typed.
+    /// Repeats what was noted. Waits for the server where something was.
     void repeatMissedReleases();
     /// Lets the key go for the master: it repeats no longer, and the hardware's own release will be nothing new.
     void releaseForMaster(std::uint32_t keyCode);
@@ -177,7 +174,6 @@ private:
     [[nodiscard]] xcb_get_property_cookie_t requestActiveWindow() const;
     [[nodiscard]] xcb_window_t collectActiveWindow(xcb_get_property_cookie_t cookie) const;
     [[nodiscard]] bool isGranted(xcb_input_xi_grab_device_cookie_t cookie) const;
-    void repeatReleasesOfProgram(xcb_input_device_id_t testKeyboard, const std::vector<Release>& releases);
     void fakeKey(std::uint8_t type, std::uint32_t keyCode);
 
     const X11Connection& connection_;
