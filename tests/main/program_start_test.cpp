@@ -10,7 +10,6 @@ namespace ferrowyn {
 namespace {
 
 using testing::HasSubstr;
-
 using Desktop = CommandLine::Desktop;
 
 CommandLine line(const std::vector<const char*>& arguments, Desktop native = Desktop::x11) {

@@ -65,7 +65,6 @@ protected:
 };
 
 // --- the four states
-// --------------------------------------------------------------------------------------------------
 
 TEST_F(XdgLoginItemTest, WithoutAnEntryItIsNotRegistered) {
     EXPECT_EQ(item().status(), Status::notRegistered);
@@ -180,7 +179,6 @@ TEST_F(XdgLoginItemTest, SomethingElseInThePlaceOfTheEntryIsUnavailable) {
 }
 
 // --- entries of the system
-// --------------------------------------------------------------------------------------------
 
 TEST_F(XdgLoginItemTest, AnEntryOfTheSystemCountsUntilTheUserHasOne) {
     write(entryIn(folders.configDirs[1]), entry());
@@ -203,7 +201,6 @@ TEST_F(XdgLoginItemTest, AnEntryOfTheSystemIsTurnedOffByOneOfTheUser) {
 }
 
 // --- what a person wrote
-// ----------------------------------------------------------------------------------------------
 
 TEST_F(XdgLoginItemTest, RegisteringKeepsWhatAPersonAdded) {
     write(userEntry(), "# Mine\n" + entry("X-GNOME-Autostart-Delay=10\nHidden=true\nX-GNOME-Autostart-enabled=false\n",
@@ -278,7 +275,6 @@ TEST_F(XdgLoginItemTest, WhatAKilledWriterLeftIsRemovedWithTheNextChange) {
 }
 
 // --- started the way a session does it
-// --------------------------------------------------------------------------------
 
 class XdgAutostartTest : public XdgLoginItemTest {
 protected:

@@ -49,43 +49,13 @@ private:
     xcb_connection_t* connection_ = nullptr;
 };
 
-std::string missingOn(const ScriptedXServer::Options& options) {
-    const ScriptedXServer server(options);
-    EXPECT_EQ(xcb_connection_has_error(server.connection()), 0);
-    return inputObstacle(server.connection());
-}
-
-TEST(InputExtensionTest, AServerWithoutXInputIsNamedAsSuch) {
-    EXPECT_EQ(missingOn({.hasInputExtension = false, .inputVersion = {}}),
-              "This X server has no XInput extension; Ferrowyn needs XInput 2.2 to see its shortcut: update the X "
-              "server");
-}
-
-TEST(InputExtensionTest, AServerThatKnowsOnlyTheFirstXInputIsNamedAsSuch) {
-    EXPECT_EQ(missingOn({.inputVersion = {}}),
-              "This X server has no XInput 2; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server");
-}
-
-TEST(InputExtensionTest, AnOldXInputIsNamedWithItsVersion) {
-    EXPECT_EQ(missingOn({.inputVersion = {{2, 1}}}),
-              "This X server has XInput 2.1; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server");
-    EXPECT_EQ(missingOn({.inputVersion = {{1, 9}}}),
-              "This X server has XInput 1.9; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server");
-}
-
-TEST(InputExtensionTest, NothingIsMissingFromTheNeededVersionOn) {
-    EXPECT_EQ(missingOn({.inputVersion = {{2, 2}}}), "");
-    EXPECT_EQ(missingOn({.inputVersion = {{2, 4}}}), "");
-    EXPECT_EQ(missingOn({.inputVersion = {{3, 0}}}), "");
-}
-
 constexpr std::uint8_t inputOpcode = 131;
 constexpr std::string_view inputName = "XInputExtension";
 
 bool readAll(int socket, void* data, std::size_t size) {
     auto* next = static_cast<char*>(data);
     while (size > 0) {
-        const auto length = read(socket, next, size);
+        const auto length = ::read(socket, next, size);
         if (length <= 0) {
             return false;
         }
@@ -115,8 +85,6 @@ void sendSetup(int socket) {
     setup.max_keycode = 255;
     static_cast<void>(write(socket, &setup, sizeof(setup)));
 }
-
-}  // namespace
 
 ScriptedXServer::ScriptedXServer(const Options& options) : options_(options) {
     std::array<int, 2> ends{};
@@ -187,4 +155,35 @@ void ScriptedXServer::answer(std::uint8_t opcode, const std::uint8_t* request, s
     }
 }
 
+std::string missingOn(const ScriptedXServer::Options& options) {
+    const ScriptedXServer server(options);
+    EXPECT_EQ(xcb_connection_has_error(server.connection()), 0);
+    return inputObstacle(server.connection());
+}
+
+TEST(InputExtensionTest, AServerWithoutXInputIsNamedAsSuch) {
+    EXPECT_EQ(missingOn({.hasInputExtension = false, .inputVersion = {}}),
+              "This X server has no XInput extension; Ferrowyn needs XInput 2.2 to see its shortcut: update the X "
+              "server");
+}
+
+TEST(InputExtensionTest, AServerThatKnowsOnlyTheFirstXInputIsNamedAsSuch) {
+    EXPECT_EQ(missingOn({.inputVersion = {}}),
+              "This X server has no XInput 2; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server");
+}
+
+TEST(InputExtensionTest, AnOldXInputIsNamedWithItsVersion) {
+    EXPECT_EQ(missingOn({.inputVersion = {{2, 1}}}),
+              "This X server has XInput 2.1; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server");
+    EXPECT_EQ(missingOn({.inputVersion = {{1, 9}}}),
+              "This X server has XInput 1.9; Ferrowyn needs XInput 2.2 to see its shortcut: update the X server");
+}
+
+TEST(InputExtensionTest, NothingIsMissingFromTheNeededVersionOn) {
+    EXPECT_EQ(missingOn({.inputVersion = {{2, 2}}}), "");
+    EXPECT_EQ(missingOn({.inputVersion = {{2, 4}}}), "");
+    EXPECT_EQ(missingOn({.inputVersion = {{3, 0}}}), "");
+}
+
+}  // namespace
 }  // namespace ferrowyn

@@ -1,4 +1,5 @@
-// Keys that are typed right after the trigger, before a busy machine lets the tap see it, belong to the panel.
+// Keys beside the trigger: those typed right after it, before a busy machine lets the tap see it, belong to the panel;
+// those held since before it neither type nor pin.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

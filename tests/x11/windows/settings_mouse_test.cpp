@@ -1,5 +1,5 @@
-// The first three panes of the settings window, changed with the mouse: the file, the switcher and the other windows
-// follow at once, and the next start of the program keeps it.
+// The panes of the settings window, changed with the mouse: the file, the switcher and the other windows follow at
+// once, and the next start of the program keeps it.
 
 #include <filesystem>
 #include <string>
@@ -213,9 +213,6 @@ TEST_F(SettingsMouseTest, AppearanceTheSwitcherIsAsHighAsItsRowsAndHints) {
     expectChecked(settingsTitle, "check box", "Show shortcut hints", false);
     EXPECT_EQ(switcherHeight([&](int height) { return height == withoutHints; }), withoutHints);
 }
-
-// The panes of the settings window that say what is listed and where, changed with the mouse: the file and the switcher
-// follow at once, and the next start of the program keeps it.
 
 TEST_F(SettingsMouseTest, WindowsTheSwitcherListsThemInThisOrderAndOnlyThese) {
     desktop.setDesktopCount(2);

@@ -1,4 +1,5 @@
-// The program's windows and its menu while the window manager goes and comes back.
+// The program's windows, its menu and its icon while the window manager, the session's bus or the tray ends and starts
+// again.
 
 #include <algorithm>
 #include <csignal>
@@ -18,6 +19,10 @@ struct Opened {
     /// Whether it says how the program is doing.
     bool tellsHealth;
 };
+
+void PrintTo(const Opened& opened, std::ostream* stream) {
+    *stream << opened.title;
+}
 
 template <typename Test>
 class FaultsTest : public DeskTest<Test> {
