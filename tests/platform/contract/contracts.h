@@ -22,8 +22,8 @@ namespace ferrowyn::contract {
 /// No system hands out such a number.
 constexpr Pid nobody = 2'000'000'000;
 
-/// Makes what plays a desktop towards one adapter, so that the same tests hold every adapter to what its interface
-/// promises. Each program that links a contract instantiates it with the driver of its adapter.
+/// Makes the driver of one adapter, which plays the desktop that the adapter talks to. With it the same tests hold
+/// every adapter to what its interface promises. Each program that links a contract instantiates it with such a driver.
 template <typename Driver>
 struct Adapter {
     std::string name;

@@ -26,7 +26,7 @@ struct AccessibleReference {
 
 std::ostream& operator<<(std::ostream& stream, const AccessibleReference& reference);
 
-/// What assistive technology is told of one object, as it was when it was asked, with all that is in it and shown.
+/// What assistive technology is told of one object at the moment of the question, with the children that are shown.
 struct AccessibleNode {
     /// Bits of the answer to "GetState", as the protocol numbers them.
     enum class State : unsigned {
@@ -84,14 +84,14 @@ public:
     [[nodiscard]] std::optional<AccessibleNode> window(const std::string& title) const;
     /// One for which the predicate holds; for menus and panels, which have no titles.
     [[nodiscard]] std::optional<AccessibleNode> window(const std::function<bool(const AccessibleNode&)>& isIt) const;
-    /// What has the keyboard focus, by the program's own last word on it, without what is in it.
+    /// What has the keyboard focus, as the program last said, without its children.
     [[nodiscard]] std::optional<AccessibleNode> focused() const;
 
-    /// Has the object do what it names so, such as "Press"; false when it offers no such action.
+    /// Makes the object do one of its actions, such as "Press"; false when it has no such action.
     [[nodiscard]] bool act(const AccessibleReference& reference, const std::string& action) const;
 
-    /// Waits until the programs have told of every key that they have taken, and have their answers: Qt forgets, when
-    /// a program ends, what it still waits for.
+    /// Waits until the programs have reported every key that they have taken and have received the answers. A program
+    /// that ends before that drops what it still waits for.
     void settle() const;
 
     /// Waits until the predicate holds, looking again at every event that a program tells of, and at short intervals
@@ -105,12 +105,12 @@ private:
     [[nodiscard]] QDBusMessage call(const AccessibleReference& reference, const char* interface, const char* method,
                                     const QVariantList& arguments = {}) const;
     [[nodiscard]] std::vector<AccessibleReference> children(const AccessibleReference& reference) const;
-    /// Without what is in it; nothing for what is gone.
+    /// Without its children; nothing when the object is gone.
     [[nodiscard]] std::optional<AccessibleNode> read(const AccessibleReference& reference) const;
-    /// All that is shown in it.
+    /// Reads all that is shown in the node.
     void readChildren(AccessibleNode& node) const;
     [[nodiscard]] std::vector<AccessibleReference> topLevels() const;
-    /// What is next below the program among all that this is in; nothing when this is gone.
+    /// The ancestor that is next below the program; nothing when the object is gone.
     [[nodiscard]] std::optional<AccessibleReference> topLevelAround(AccessibleReference reference) const;
     [[nodiscard]] std::optional<AccessibleReference> parentOf(const AccessibleReference& reference) const;
 

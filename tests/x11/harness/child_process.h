@@ -34,7 +34,7 @@ private:
 };
 
 /// A program that the test started, in a new process group. The whole group is ended with this object.
-/// Its standard error (and output) goes to a pseudo-terminal, so that a program that talks only to a person talks here.
+/// Its output and errors go to a pseudo-terminal, because some programs write only to a terminal.
 class ChildProcess {
 public:
     struct Options {

@@ -22,7 +22,7 @@ inline constexpr std::uint8_t escape = 9, digit1 = 10, digit2 = 11, digit3 = 12,
                               down = 116, pageDown = 117, leftSuper = 133;
 }  // namespace key
 
-/// The user's hands: real key and pointer events through XTEST. The server has taken an event when its call returns.
+/// Real key and pointer events through XTEST. The server has taken an event when its call returns.
 class TestInput {
 public:
     explicit TestInput(const std::string& display);
@@ -36,8 +36,8 @@ public:
     void tap(std::uint8_t keyCode);
     /// Holds the first keys, taps the last, lets go in reverse.
     void chord(std::initializer_list<std::uint8_t> keyCodes);
-    /// Until `ungrabServer` no other client is served: what is pressed reaches them together, as one that wakes late
-    /// finds it.
+    /// Until `ungrabServer` the server serves no other client. What is pressed meanwhile reaches the others all at
+    /// once, as it reaches a client that wakes late.
     void grabServer();
     void ungrabServer();
     /// Releases everything that is down.
@@ -80,7 +80,8 @@ private:
     std::uint8_t device_ = 0;
 };
 
-/// Fast hands. Their pauses are the stimulus, not a wait for something.
+/// Presses the trigger as fast as a person can. The pauses between the keys are part of the input; they wait for
+/// nothing.
 class Hands {
 public:
     explicit Hands(TestInput& input) : input_(input) {}

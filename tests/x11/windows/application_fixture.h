@@ -15,13 +15,14 @@
 
 namespace ferrowyn::x11test {
 
-/// The program on a desktop with two windows, asked for things from outside as a person and a desktop ask.
+/// The program on a desktop with two windows, "Letter" and "Report", and what reaches it from outside: a second start
+/// and the calls of the desktop over the bus.
 class ApplicationFixture : public testing::Test, protected SwitchingDesk {
 protected:
     ApplicationFixture();
     ~ApplicationFixture() override;
 
-    /// From now on, the session has a bus. Programs that the bus starts are this one.
+    /// Starts the session's bus. A program that the bus starts is the one under test.
     void startBus();
 
     /// Starts the program and waits until it switches windows; on a bus, until it is reached there too.
@@ -33,13 +34,14 @@ protected:
     [[nodiscard]] QDBusMessage activate() const;
     [[nodiscard]] bool isOnBus() const;
 
-    /// Until the panel is on the screen and has the keyboard, which it takes a moment later.
+    /// Waits until the panel is on the screen and has the keyboard, which it takes a moment later.
     void waitForSwitcher();
+    /// The program ends by itself, with the status of success.
     void expectEnd();
     /// No client holds the keyboard, and the window manager has its own Alt+Tab back.
     void expectKeyboardIsBack();
 
-    /// For what no event tells of.
+    /// Waits until the condition holds, looking again every few milliseconds: for what no event tells of.
     [[nodiscard]] bool poll(const std::function<bool()>& condition);
 
     std::unique_ptr<PrivateBus> bus;
