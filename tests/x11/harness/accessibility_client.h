@@ -90,8 +90,8 @@ public:
     /// Makes the object do one of its actions, such as "Press"; false when it has no such action.
     [[nodiscard]] bool act(const AccessibleReference& reference, const std::string& action) const;
 
-    /// Waits until the programs have reported every key that they have taken and have received the answers. A program
-    /// that ends before that drops what it still waits for.
+    /// Waits until the programs have reported every key that they have taken and have received the answers. At a
+    /// program's end Qt does not free what it has no answer for, and the leak sanitizer would report it.
     void settle() const;
 
     /// Waits until the predicate holds, looking again at every event that a program tells of, and at short intervals
