@@ -15,12 +15,11 @@
 
 namespace ferrowyn {
 
-/// The window server's number of a window; the identity of a window throughout the program.
+/// The number that the window server gives a window. It identifies the window throughout the program.
 using WindowId = std::uint32_t;
 
-/// A process identifier, by which the logic knows an application. Positive for a real process; adapters may hand out
-/// other values for window owners whose process the desktop does not tell, and where an application is not a process
-/// (the logic only compares them).
+/// Identifies an application; the logic only compares the values. Positive for a real process. An adapter may make up
+/// values for applications that are not one process, and for windows whose process the desktop does not report.
 using Pid = std::int32_t;
 
 /// An Accessibility element as an adapter represents it. Immutable; compared and hashed from any thread.
@@ -28,13 +27,13 @@ class AXElement {
 public:
     virtual ~AXElement() = default;
 
-    /// Whether both stand for the same element of the desktop, which two distinct handles may.
+    /// Whether both stand for the same element of the desktop. Two different handles may.
     [[nodiscard]] virtual bool equals(const AXElement& other) const = 0;
-    /// Equal elements hash alike, and an element hashes alike for as long as it exists.
+    /// Equal elements have equal hashes. The hash of an element never changes.
     [[nodiscard]] virtual std::size_t hash() const = 0;
 };
 
-/// A handle of one Accessibility element that can be a dictionary key and pass between threads. It shares ownership of
+/// A handle of one Accessibility element that can be the key of a map and pass between threads. It shares ownership of
 /// the element because windows, observers and a running activation hold it independently of each other.
 class AXElementRef {
 public:
@@ -74,7 +73,7 @@ struct AppWindow {
     /// Absent for a process that belongs to no installed application.
     std::optional<std::string> bundleIdentifier;
     std::string appName;
-    /// As reported: may be empty or blank. UTF-8.
+    /// As the application reports it: may be empty or blank. UTF-8.
     std::string title;
     bool isMinimized = false;
     bool isFullScreen = false;
@@ -86,8 +85,8 @@ struct AppWindow {
     std::int64_t zOrder = 0;
     /// Where the owning application is installed: an absolute path (a bundle on macOS, a desktop file elsewhere).
     std::optional<std::string> bundleURL;
-    /// The dialog that blocks this window; of several on top of each other the one that takes input now. Absent where
-    /// the desktop does not tell.
+    /// The modal dialog that blocks this window. Where dialogs block dialogs, the one that takes input now. Absent when
+    /// there is none, and where the desktop does not report it.
     std::optional<ModalDialog> blockedBy;
 
     /// The window that gets the keyboard when this one is activated: itself, or the dialog that blocks it.
@@ -95,27 +94,27 @@ struct AppWindow {
 
     /// The title without surrounding white space and newlines, or the application's name when nothing is left.
     [[nodiscard]] std::string displayTitle() const { return std::string(displayTitleView()); }
-    /// The same without a copy: a view into this value's own fields.
+    /// The same text without a copy: a view into the fields of this value.
     [[nodiscard]] std::string_view displayTitleView() const;
 
-    /// Deliberately narrower than all fields: a window that merely moved, or whose application changed its focused
-    /// window, is the same to whoever decides whether a refreshed list must be published.
+    /// Compares only the fields that decide whether a refreshed list is published. A window that only moved, or whose
+    /// application changed its focused window, counts as equal.
     friend bool operator==(const AppWindow& a, const AppWindow& b) {
         return a.id == b.id && a.pid == b.pid && a.title == b.title && a.isMinimized == b.isMinimized &&
                a.isFullScreen == b.isFullScreen && a.isOnActiveSpace == b.isOnActiveSpace && a.zOrder == b.zOrder;
     }
 };
 
-/// A window of a list that several rows, sessions and previews show at once. Copying it copies no text: at every
-/// keystroke hundreds of rows are written anew, of windows that have not changed. It keeps the whole list alive that
-/// the window came from. Never empty; the window never changes, so it may pass between threads.
+/// A shared, immutable window of a window list. Copying it copies no text, because every key press writes hundreds of
+/// rows again for windows that have not changed. It keeps the whole list alive. Never empty; safe to pass between
+/// threads.
 class SharedWindow {
 public:
     using List = std::shared_ptr<const std::vector<AppWindow>>;
 
     SharedWindow() : window_(none()) {}
     explicit SharedWindow(AppWindow window) : window_(std::make_shared<const AppWindow>(std::move(window))) {}
-    /// The window is one of the list's.
+    /// `window` is an element of `list`.
     SharedWindow(const List& list, const AppWindow& window) : window_(list, &window) {}
 
     [[nodiscard]] const AppWindow& operator*() const { return *window_; }

@@ -8,7 +8,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// Whether text on this ground would be light, as people see it: green counts most.
+/// Whether the colour looks dark. The weights are those of perceived brightness, in which green counts most.
 bool isDark(const RgbColor& ground) {
     constexpr int middle = 128;
     return (ground.red * 299 + ground.green * 587 + ground.blue * 114) / 1000 < middle;
@@ -38,7 +38,7 @@ DesktopAppearance desktopAppearance(const AppearanceSources& sources) {
 
 bool isNameOfDarkTheme(std::string_view gtkTheme) {
     constexpr std::string_view dark = "dark";
-    // The one theme of GTK's own that says it in another way.
+    // The only dark theme of GTK whose name does not contain the word.
     if (gtkTheme == "HighContrastInverse") {
         return true;
     }

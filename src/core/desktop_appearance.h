@@ -16,40 +16,43 @@ struct RgbColor {
 
 enum class ColorScheme { light, dark };
 
-/// What the parts of a desktop say about its appearance. Each is absent where that part is not there or says nothing.
+/// What each part of the desktop reports about its appearance. A field is absent when that part is missing or reports
+/// nothing.
 struct AppearanceSources {
-    /// Of the settings portal; "no preference" says nothing.
+    /// From the settings portal. Absent for "no preference".
     std::optional<ColorScheme> portalScheme;
     std::optional<RgbColor> portalAccent;
 
-    /// The session is KDE's, whose colours below lie in a file that outlives the session.
+    /// Whether this is a KDE session. The two KDE colours count only then: their file stays when the user changes to
+    /// another desktop.
     bool isPlasma = false;
     std::optional<RgbColor> plasmaWindow;
     std::optional<RgbColor> plasmaAccent;
 
-    /// The GTK theme's name as the running XSETTINGS manager tells it.
+    /// The GTK theme's name as the running XSETTINGS manager reports it.
     std::optional<std::string> xsettingsTheme;
-    /// The same from GTK's own settings file, which GTK reads where no manager runs.
+    /// The theme's name in GTK's settings file, which GTK reads when no XSETTINGS manager runs.
     std::optional<std::string> gtkFileTheme;
-    /// In that file the user asks for the dark variant of whatever theme.
+    /// Whether that file asks for the dark variant of the theme.
     bool gtkFilePrefersDark = false;
 
     friend bool operator==(const AppearanceSources&, const AppearanceSources&) = default;
 };
 
-/// How the desktop wants programs to look. Absent: as the toolkit finds by itself.
+/// How the desktop wants programs to look. The toolkit decides what is absent.
 struct DesktopAppearance {
     std::optional<ColorScheme> scheme;
     std::optional<RgbColor> accent;
     friend bool operator==(const DesktopAppearance&, const DesktopAppearance&) = default;
 };
 
-/// The portal is asked first: it is what the user chose for programs of every toolkit, and desktops that have the
-/// choice keep it there. Then the colours of KDE's own windows in a session of KDE, then the GTK theme, whose name
-/// tells only that it is dark: a name without that word says nothing.
+/// Combines the sources. The portal comes first, because it has the user's choice for programs of every toolkit. Then,
+/// in a KDE session, the colours of KDE's windows. Then the GTK theme, whose name can only say that it is dark: any
+/// other name gives no scheme.
 [[nodiscard]] DesktopAppearance desktopAppearance(const AppearanceSources& sources);
 
-/// "Adwaita-dark", "Mint-Y-Dark-Aqua", "Adwaita:dark": the word stands for itself. "Arc-Darker" is light.
+/// Whether "dark" is a whole word of the theme's name, as in "Adwaita-dark", "Mint-Y-Dark-Aqua" and "Adwaita:dark".
+/// "Arc-Darker" is a light theme.
 [[nodiscard]] bool isNameOfDarkTheme(std::string_view gtkTheme);
 
 }  // namespace ferrowyn

@@ -12,7 +12,7 @@ namespace ferrowyn::FuzzyMatcher {
 
 namespace {
 
-// What a match is worth. Sums stay far inside 64 bits: texts are shorter than 4 GiB.
+// The parts of a score. Sums stay far inside 64 bits: texts are shorter than 4 GiB.
 constexpr std::int64_t lateStartCost = 2;
 constexpr std::int64_t greatestLateStartCost = 30;
 constexpr std::int64_t consecutiveBonus = 30;
@@ -24,7 +24,7 @@ constexpr std::int64_t wholeTextBonus = 1000;
 constexpr std::int64_t prefixBonus = 400;
 constexpr std::int64_t wholeWordsBonus = 200;
 constexpr std::int64_t charactersPerLengthPenalty = 8;
-/// Prefers the window whose title matches over one whose application's name matches as well.
+/// Prefers a window whose title matches to one whose application's name matches equally well.
 constexpr std::int64_t titleBonus = 10;
 
 using Positions = std::vector<std::int32_t>;
@@ -39,7 +39,7 @@ constexpr auto asciiSeparators = [] {
     return table;
 }();
 
-/// A text in which every byte is a character, with a query that can match it. Answers straight from the bytes.
+/// A query and a text in which every byte is one character. Works directly on the bytes.
 class AsciiTexts {
 public:
     static constexpr std::size_t notFound = std::string_view::npos;
@@ -68,7 +68,7 @@ private:
     std::string_view text_;
 };
 
-/// The same for any text.
+/// The same interface for any text.
 class PreparedTexts {
 public:
     static constexpr std::size_t notFound = CharacterCodes::notFound;
@@ -93,8 +93,8 @@ private:
     const PreparedText& text_;
 };
 
-/// Takes the first place of each character of the query after the one before, and never goes back: false as soon as one
-/// has no place.
+/// Finds for each character of the query its first position after the previous one, without backtracking. False when a
+/// character is not found.
 template <typename Texts>
 bool findPositions(const Texts& texts, Positions& positions) {
     positions.clear();
@@ -124,10 +124,10 @@ bool standsAt(const Texts& texts, std::size_t start) {
     return true;
 }
 
-/// Whether the whole query stands together from the start of a word on.
+/// Whether the whole query occurs without gaps at the start of a word.
 template <typename Texts>
 bool standsAtAWordStart(const Texts& texts, std::size_t firstPosition) {
-    // Only places of the query's first character can be the start; the scan has found the first of them already.
+    // Only a position of the query's first character can be the start; `firstPosition` is the first of them.
     for (std::size_t start = firstPosition; start != Texts::notFound; start = texts.find(0, start + 1)) {
         if (start + texts.queryLength() > texts.lowercasedCount()) {
             return false;
@@ -141,15 +141,15 @@ bool standsAtAWordStart(const Texts& texts, std::size_t firstPosition) {
 
 template <typename Texts>
 std::int64_t bonusForTheWhole(const Texts& texts, const Positions& positions) {
-    // The scan takes first places, so a query with which the text begins is found at the beginning, and a query as long
-    // as the text is the text.
+    // The scan takes the first positions, so it finds a prefix of the text at position 0. A prefix as long as the text
+    // is the whole text.
     if (static_cast<std::size_t>(positions.back()) + 1 == texts.queryLength()) {
         return texts.lowercasedCount() == texts.queryLength() ? wholeTextBonus : prefixBonus;
     }
     return standsAtAWordStart(texts, static_cast<std::size_t>(positions.front())) ? wholeWordsBonus : 0;
 }
 
-/// What a match is worth, and how much of that it earned by standing together at the text's or a word's start.
+/// The score of a match, and the part of it for standing without gaps at the start of the text or of a word.
 struct Score {
     std::int64_t value;
     std::int64_t bonusForTheWhole;
@@ -182,7 +182,7 @@ std::optional<Score> scoreTexts(const Texts& texts, Positions& positions) {
     return scoreOf(texts, positions);
 }
 
-/// The query is not empty. Replaces the positions, by none when there is no match.
+/// The query must not be empty. Replaces the positions; they are empty when there is no match.
 std::optional<Score> scorePlain(const Query& query, std::string_view text, Positions& positions) {
     if (!query.asciiCharacters()) {
         positions.clear();
@@ -199,7 +199,7 @@ std::optional<Score> scoreAny(const Query& query, std::string_view text, bool is
     return scoreTexts(PreparedTexts(query.characters(), prepared), positions);
 }
 
-/// Whether a query occurs in the plain text `name` + " " + `title`, without putting it together.
+/// Whether a query occurs in the plain text `name` + " " + `title`, without building that text.
 bool occursAcross(const Query& query, std::string_view name, std::string_view title) {
     if (!query.asciiCharacters()) {
         return false;
@@ -223,7 +223,7 @@ bool occursAcross(const Query& query, std::string_view name, std::string_view ti
     return next == wanted.size();
 }
 
-/// Memory that is used again from window to window.
+/// Buffers that are reused from window to window.
 struct Scratch {
     std::string combined;
     Positions name;
@@ -235,12 +235,12 @@ struct Best {
     const Positions* positions;
 };
 
-/// The best of title, name and both; the first of equals. The title's positions are complete in any case.
+/// The best of title, name and both together; with equal scores the first. `titlePositions` is filled in every case.
 std::optional<Best> bestOf(const Query& query, const AppWindow& window, Scratch& scratch, Positions& titlePositions) {
     const std::string_view title = window.displayTitleView();
     const bool isNamePlain = plain_ascii::isPlain(window.appName);
     const bool isTitlePlain = plain_ascii::isPlain(title);
-    // What matches neither part nor both together is the usual case, and the last settles it for all three.
+    // Most windows do not match. A query that does not occur in name and title together occurs in neither of them.
     if (isNamePlain && isTitlePlain && !occursAcross(query, window.appName, title)) {
         titlePositions.clear();
         return std::nullopt;
@@ -254,8 +254,8 @@ std::optional<Best> bestOf(const Query& query, const AppWindow& window, Scratch&
     consider(scoreAny(query, title, isTitlePlain, titlePositions), titlePositions);
     const auto nameScore = scoreAny(query, window.appName, isNamePlain, scratch.name);
     consider(nameScore, scratch.name);
-    // Both together begin with the name: a query found there is found at the same places. It earns no more than by the
-    // name, being part of a longer text, unless the title has the whole word that the name has not.
+    // The combined text begins with the name, so a query found in the name has the same positions there. The longer
+    // text scores no better, unless the query occurs without gaps at the start of a word in the title only.
     if (!(isNamePlain && nameScore && nameScore->bonusForTheWhole > 0)) {
         scratch.combined.assign(window.appName).append(1, ' ').append(title);
         consider(scoreAny(query, scratch.combined, isNamePlain && isTitlePlain, scratch.both), scratch.both);

@@ -18,7 +18,7 @@ namespace ferrowyn::FuzzyMatcher {
 struct Match {
     /// Higher is better; may be negative.
     std::int64_t score = 0;
-    /// Where the query's characters stand in the text, ascending, one each.
+    /// The positions of the query's characters in the text, ascending, one for each character.
     std::vector<std::int32_t> matchedIndices;
     friend bool operator==(const Match&, const Match&) = default;
 };
@@ -31,7 +31,7 @@ public:
     [[nodiscard]] bool isEmpty() const { return characters_.size() == 0; }
     /// The characters of the lowercased query.
     [[nodiscard]] const CharacterCodes& characters() const { return characters_; }
-    /// The same when all of them are ASCII characters: no other query can match an ASCII text.
+    /// The same characters when all of them are ASCII, else nothing. Only such a query can match an ASCII text.
     [[nodiscard]] const std::optional<std::string>& asciiCharacters() const { return asciiCharacters_; }
 
 private:
@@ -39,21 +39,21 @@ private:
     std::optional<std::string> asciiCharacters_;
 };
 
-/// Nothing when the query's characters do not occur in the text in their order.
+/// Nothing when the text does not contain the query's characters in their order.
 [[nodiscard]] std::optional<Match> match(std::string_view query, std::string_view text);
 
-/// The score of a window by its title, its application's name, or both together. The indices are those in whichever
-/// of the three scored best.
+/// The best score of the window's title, its application's name, and both together. The indices are positions in the
+/// text that scored best.
 [[nodiscard]] std::optional<Match> match(std::string_view query, const AppWindow& window);
 
-/// The same score, for many windows in a row. Replaces `titleIndices` by the positions in the window's display title
-/// that match the query by itself; empty when it does not.
+/// The same score, for scoring many windows. Replaces `titleIndices` by the positions in the window's display title
+/// that match the query; empty when the title alone does not match.
 [[nodiscard]] std::optional<std::int64_t> score(const Query& query, const AppWindow& window,
                                                 std::vector<std::int32_t>& titleIndices);
 
-/// Whether scoring the window asks for a preparation that is worth doing ahead: not with plain ASCII texts.
+/// Whether scoring the window is faster when its texts are prepared ahead. Plain ASCII texts need no preparation.
 [[nodiscard]] bool needsPreparation(const AppWindow& window);
-/// Does it for later scores on this thread. Whether there was anything to do.
+/// Prepares the window's texts for later scores on this thread. False when there was nothing to do.
 bool prepareAhead(const AppWindow& window);
 
 /// Position 0 and every position after a word separator.
@@ -67,15 +67,15 @@ namespace ferrowyn {
 /// that a key press never waits for all of them. Main thread.
 class TextPreparation {
 public:
-    /// A key press that comes meanwhile waits for them: a quarter of a millisecond.
+    /// A key press may have to wait for this many windows: about a quarter of a millisecond.
     static constexpr std::size_t windowsInOneTurn = 8;
-    /// A window has up to three texts. What is prepared beyond one generation of the cache pushes out what was prepared
-    /// first, which is that of the windows used last.
+    /// A window has up to three texts. More texts than one generation of the cache holds would push out the first ones,
+    /// which belong to the most recently used windows.
     static constexpr std::size_t mostWindows = PreparedTextCache::generationSize / 3;
 
     explicit TextPreparation(PostTask post);
 
-    /// Begins anew with this list, which may be null for none; the windows used last stand first.
+    /// Starts again with this list, most recently used windows first. Null stands for an empty list.
     void start(SharedWindow::List windows);
 
 private:
@@ -83,9 +83,9 @@ private:
     void prepareSome();
 
     SharedWindow::List windows_;
-    /// The windows before it are done.
+    /// The index of the next window to prepare.
     std::size_t next_ = 0;
-    /// How many of those take room in the cache.
+    /// How many of the windows before `next_` were added to the cache.
     std::size_t prepared_ = 0;
     CoalescedTask turn_;
 };

@@ -17,7 +17,7 @@ public:
     LifeToken(const LifeToken&) = delete;
     LifeToken& operator=(const LifeToken&) = delete;
 
-    /// Tells whether the token still exists, where a callback has something to do in either case.
+    /// Says whether the token still exists, for a callback that has something to do in both cases.
     class Watch {
     public:
         [[nodiscard]] bool isAlive() const { return !life_.expired(); }
@@ -29,7 +29,8 @@ public:
     };
     [[nodiscard]] Watch watch() const { return Watch(life_); }
 
-    /// The same callback, for any arguments and without a result. It is called as a constant.
+    /// Wraps a callback so that it does nothing once the token is destroyed. The wrapper takes any arguments, returns
+    /// nothing, and calls the callback as a constant.
     template <typename Callback>
     [[nodiscard]] auto guard(Callback callback) const {
         return [watch = watch(), callback = std::move(callback)](auto&&... arguments) {
@@ -43,8 +44,8 @@ private:
     std::shared_ptr<const bool> life_ = std::make_shared<const bool>(true);
 };
 
-/// Work that runs once in a later turn of the loop, however often it is asked for until then. Destroying this cancels
-/// it. One thread.
+/// Runs its work once in a later turn of the loop, however often it was requested until then. Destroying it cancels the
+/// work. One thread.
 class CoalescedTask {
 public:
     CoalescedTask(PostTask post, std::function<void()> work) : post_(std::move(post)), work_(std::move(work)) {}

@@ -15,7 +15,7 @@ namespace {
 
 struct FirstScalar {
     UChar32 scalar;
-    /// Whether nothing follows it.
+    /// Whether the text has no other scalar.
     bool isAll;
 };
 
@@ -29,7 +29,8 @@ FirstScalar firstScalar(std::string_view character) {
     return {scalar, static_cast<std::size_t>(next) == character.size()};
 }
 
-/// No scalar below the combining marks is composed or decomposed when it stands for itself.
+/// Whether composition leaves the scalar unchanged when it stands alone, as it does for every scalar below the
+/// combining marks.
 bool composesToItself(UChar32 scalar) {
     return scalar < 0x300 || u_getIntPropertyValue(scalar, UCHAR_NFC_QUICK_CHECK) != UNORM_NO;
 }
@@ -122,7 +123,8 @@ const PreparedText& PreparedTextCache::prepared(std::string_view text) {
     if (recent_.size() >= generationSize) {
         older_ = std::exchange(recent_, {});
     }
-    // What is still in use moves on to the recent generation, the rest goes when the next one is full.
+    // A text that is still used moves to the recent generation. The others are dropped when the recent generation is
+    // full.
     if (const auto found = older_.find(text); found != older_.end()) {
         return recent_.insert(older_.extract(found)).position->second;
     }

@@ -21,8 +21,8 @@ inline constexpr std::array<char32_t, 8> wordSeparators{U' ', U'-', U'_', U'.', 
     return std::find(wordSeparators.begin(), wordSeparators.end(), scalar) != wordSeparators.end();
 }
 
-/// Byte-wise work on text in which every byte is one character: ASCII without carriage returns, which may join a
-/// following line feed. Eight bytes at a time, because titles are searched at every keystroke.
+/// Functions for text in which every byte is one character: ASCII without carriage returns (a carriage return and a
+/// line feed are one character). They read eight bytes at a time, because every key press searches all titles.
 namespace plain_ascii {
 
 inline constexpr std::uint64_t lowBits = 0x0101010101010101;
@@ -62,10 +62,10 @@ inline constexpr std::uint64_t highBits = 0x8080808080808080;
     return strange == 0;
 }
 
-/// Where `wanted`, a lower-case letter or a character without case, first stands in a plain text at or after `from`, in
-/// either case; npos when it does not.
+/// The first position of `wanted` in a plain text at or after `from`, ignoring case; npos when there is none. `wanted`
+/// is a lower-case letter or a character without case.
 [[nodiscard]] inline std::size_t findIgnoringCase(std::string_view text, std::size_t from, char wanted) {
-    // The bit that tells the cases of a letter apart is set on both sides; other characters are compared as they are.
+    // For a letter, the bit that distinguishes the cases is set on both sides. Other characters are compared unchanged.
     const auto caseBit = static_cast<unsigned char>(isLower(wanted) ? 0x20 : 0);
     std::size_t i = from;
     if constexpr (std::endian::native == std::endian::little) {
@@ -89,7 +89,7 @@ inline constexpr std::uint64_t highBits = 0x8080808080808080;
 }  // namespace plain_ascii
 
 /// The user-perceived characters of a text in a form that compares fast, and in which canonically equivalent characters
-/// are equal: é is one character, and the same one, whether it is stored in one scalar or in two.
+/// are equal: é stored as one scalar equals é stored as two.
 class CharacterCodes {
 public:
     static constexpr std::size_t notFound = static_cast<std::size_t>(-1);
@@ -99,7 +99,7 @@ public:
 
     [[nodiscard]] std::size_t size() const { return codes_.size(); }
 
-    /// The one scalar to which the character composes; a value beyond Unicode when it takes more.
+    /// The scalar that the character composes to; a value beyond Unicode when it needs several scalars.
     [[nodiscard]] char32_t scalar(std::size_t position) const { return codes_[position]; }
     /// Whether every character is one ASCII character.
     [[nodiscard]] bool isAscii() const;
@@ -113,7 +113,7 @@ public:
         return sequences_[code & ~sequenceFlag] == other.sequences_[otherCode & ~sequenceFlag];
     }
 
-    /// Where the other text's character first stands in this one at or after `from`.
+    /// The first position at or after `from` of the other text's character; `notFound` when there is none.
     [[nodiscard]] std::size_t find(const CharacterCodes& other, std::size_t otherPosition, std::size_t from) const;
 
 private:
@@ -121,14 +121,14 @@ private:
 
     void append(std::string_view character);
 
-    /// The scalar to which a character composes; the flag and an index into `sequences_` when it does not to one.
+    /// The scalar that a character composes to. When it needs several scalars: the flag and an index into `sequences_`.
     std::vector<std::uint32_t> codes_;
     /// Composed forms, UTF-8.
     std::vector<std::string> sequences_;
 };
 
-/// What matching a query asks of a text and does not depend on the query, worked out once: segmentation, case mapping
-/// and composition cost a hundred times what the search itself does.
+/// The part of matching that does not depend on the query, computed once for each text. Segmentation, case mapping and
+/// composition take about a hundred times as long as the search.
 class PreparedText {
 public:
     PreparedText() = default;
@@ -136,7 +136,7 @@ public:
 
     /// The characters of the lowercased text.
     [[nodiscard]] const CharacterCodes& lowercased() const { return lowercased_; }
-    /// The number of characters of the text as it is, which case mapping might change.
+    /// The number of characters before lower casing, which can change the number.
     [[nodiscard]] std::size_t characterCount() const { return characterCount_; }
 
     // Positions count characters of the lowercased text.
@@ -145,7 +145,7 @@ public:
     [[nodiscard]] bool startsWord(std::size_t position) const { return has(position, Trait::startsWord); }
     /// Whether an upper-case character follows a lower-case one here, as in camelCase.
     [[nodiscard]] bool isHump(std::size_t position) const { return has(position, Trait::hump); }
-    /// Whether lower casing leaves the character here as it is.
+    /// Whether lower casing does not change the character here.
     [[nodiscard]] bool isLowercaseForm(std::size_t position) const { return has(position, Trait::lowercaseForm); }
 
 private:
@@ -165,13 +165,13 @@ private:
     std::vector<std::uint8_t> traits_;
 };
 
-/// Keeps prepared texts from one keystroke to the next. Bounded: texts not asked for lately are forgotten. One thread;
-/// `ofThisThread` gives each thread its own.
+/// Keeps prepared texts between key presses. Its size is limited: texts that were not used recently are dropped. Each
+/// thread uses its own cache (`ofThisThread`).
 class PreparedTextCache {
 public:
-    /// Enough for the titles, applications and both together of some hundred windows. Up to two generations are kept.
+    /// Enough for the three texts of some hundred windows. The cache keeps up to two generations.
     static constexpr std::size_t generationSize = 2048;
-    /// Longer texts are prepared anew each time: they are rare, and a few of them would crowd out the others.
+    /// In bytes. Longer texts are prepared again each time: they are rare, and they take much memory.
     static constexpr std::size_t longestKeptText = 1024;
 
     [[nodiscard]] static PreparedTextCache& ofThisThread();
@@ -179,8 +179,7 @@ public:
     /// Valid until the next call.
     [[nodiscard]] const PreparedText& prepared(std::string_view text);
 
-    /// Prepares a text that will be asked for, unless it is there already or too long to be kept. Whether there was
-    /// anything to do.
+    /// Prepares a text for a later call of `prepared`. False when it is in the cache already or too long to be kept.
     bool prepareAhead(std::string_view text);
 
     [[nodiscard]] std::size_t size() const { return recent_.size() + older_.size(); }

@@ -12,9 +12,8 @@
 
 namespace ferrowyn {
 
-/// A move-only token that ends something when it is dropped: a subscription, a timer, a monitor. Dropping it is what
-/// "holds its target weakly" means here: whoever registers a callback keeps the token beside the state the callback
-/// touches, so the callback cannot outlive that state.
+/// A move-only token that ends a subscription, a timer or a request when it is destroyed. The object that registers a
+/// callback keeps the token beside the state that the callback uses, so the callback cannot outlive that state.
 class [[nodiscard]] Subscription {
 public:
     Subscription() = default;
@@ -31,22 +30,21 @@ public:
     Subscription& operator=(const Subscription&) = delete;
     ~Subscription() { reset(); }
 
-    /// Ends it now; harmless when it has ended already.
+    /// Ends it now. Does nothing when it has ended already.
     void reset() {
         if (auto cancel = std::exchange(cancel_, nullptr)) {
             cancel();
         }
     }
 
-    /// Whether this token still stands for something. A one-shot timer that has fired still counts until it is reset.
+    /// Whether this token has something to end. A one-shot timer that has fired still counts until the token is reset.
     [[nodiscard]] explicit operator bool() const { return static_cast<bool>(cancel_); }
 
 private:
     std::function<void()> cancel_;
 };
 
-/// Finds out whether something that is for one thread is used on one only: the one of its first use. For assertions; it
-/// makes nothing safe.
+/// Checks that an object is used on one thread only, the thread of its first use. For assertions; it is not a lock.
 class ThreadChecker {
 public:
     [[nodiscard]] bool isOnItsThread() {
@@ -61,9 +59,9 @@ private:
     std::thread::id thread_;
 };
 
-/// Broadcasts values to its subscribers, synchronously and in the order in which they subscribed. One thread only.
-/// Subscribers may come and go while a value is being delivered: one that leaves is not called any more, one that
-/// joins gets the next value. The subject may be destroyed before its tokens, even by a subscriber.
+/// Delivers values to its subscribers, synchronously and in the order in which they subscribed. One thread only.
+/// Subscribers may come and go while a value is being delivered: one that leaves is not called any more, one that joins
+/// gets the next value. The subject may be destroyed before its tokens, even by a subscriber.
 template <typename Value>
 class Subject {
 public:
@@ -77,7 +75,7 @@ public:
         assert(list_->thread.isOnItsThread());
         const auto entry = std::make_shared<Entry>(Entry{std::move(handler), true});
         list_->entries.push_back(entry);
-        // The list is held weakly: a token that outlives the subject has nothing left to end.
+        // The list is held weakly, because a token may outlive the subject.
         return Subscription([list = std::weak_ptr<List>(list_), entry] {
             entry->isLive = false;
             if (const auto alive = list.lock()) {
@@ -112,8 +110,8 @@ private:
     std::shared_ptr<List> list_ = std::make_shared<List>();
 };
 
-/// A value that tells its subscribers about every assignment. The new value is in place before they are told. One
-/// thread only (the main thread, for everything that a service publishes).
+/// A value that calls its subscribers on every assignment, after the new value is in place. One thread only (the main
+/// thread, for everything that a service publishes).
 template <typename Value>
 class Published {
 public:
@@ -126,15 +124,14 @@ public:
 
     [[nodiscard]] const Value& get() const { return *value_; }
 
-    /// Stores the value and tells the subscribers, also when it equals the old one: whether an equal value is worth
-    /// publishing is for the owner to say.
+    /// Stores the value and calls the subscribers, also when it equals the old one.
     void set(Value value) { exchange(value); }
 
-    /// The same, and hands back the value that was there, whose memory may serve for the next one. A value that is
-    /// still being delivered is not handed back; the argument is unspecified then.
+    /// Like `set`, and moves the old value into the argument, so that the caller can reuse its memory. An old value
+    /// that is still being delivered is not moved; the argument is unspecified then.
     void exchange(Value& value) {
-        // A subscriber may assign again, or destroy this object, while it and others are still being told: each
-        // delivery keeps its own value alive and unchanged. Only a delivery shares the value.
+        // A subscriber may assign again or destroy this object during a delivery, so each delivery keeps its value
+        // alive and unchanged. The value is shared only during a delivery.
         if (value_.use_count() > 1) {
             value_ = std::make_shared<Value>(std::move(value));
         } else {
@@ -144,7 +141,7 @@ public:
         subject_.send(*delivered);
     }
 
-    /// Publishes only a value that differs from the current one.
+    /// Like `set`, but does nothing when the value equals the current one.
     void setIfChanged(Value value) {
         if (!(value == *value_)) {
             set(std::move(value));

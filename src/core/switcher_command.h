@@ -69,8 +69,8 @@ using SwitcherCommand =
                  command::InsertText, command::Confirm, command::Cancel, command::DeleteBackward, command::ClearQuery,
                  command::ToggleLayout, command::ToggleFavourite, command::ModifierReleased>;
 
-/// The ordinal 1 to 9 of a digit key, by its virtual key code (the ANSI digit row); nothing for any other key, 0
-/// included: only 1 to 9 choose rows.
+/// The ordinal 1 to 9 of a digit key, by its virtual key code (the ANSI digit row); nothing for any other key, also for
+/// 0.
 [[nodiscard]] std::optional<int> digitOrdinal(std::uint16_t keyCode);
 
 }  // namespace ferrowyn

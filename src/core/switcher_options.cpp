@@ -7,7 +7,7 @@ namespace ferrowyn {
 namespace {
 
 constexpr int gridColumns = 5;
-/// How many rows of the list one line of cards stands for.
+/// One line of cards is about as high as this many rows of the list.
 constexpr int listRowsPerGridLine = 3;
 
 int dividedRoundingUp(int dividend, int divisor) {

@@ -16,7 +16,7 @@ enum class SwitcherLayout { list, grouped, grid };
 /// In the order in which they cycle and in which the user picks one.
 inline constexpr std::array allSwitcherLayouts{SwitcherLayout::list, SwitcherLayout::grouped, SwitcherLayout::grid};
 
-/// The stored form; compared exactly when it is read back.
+/// The form in which it is stored. Reading it back compares exactly, case included.
 [[nodiscard]] std::string_view rawValue(SwitcherLayout layout);
 [[nodiscard]] std::optional<SwitcherLayout> switcherLayoutFromRawValue(std::string_view raw);
 [[nodiscard]] std::string_view title(SwitcherLayout layout);
@@ -24,7 +24,7 @@ inline constexpr std::array allSwitcherLayouts{SwitcherLayout::list, SwitcherLay
 [[nodiscard]] int columns(SwitcherLayout layout);
 /// Lines needed for this many items; 0 for none.
 [[nodiscard]] int lineCount(SwitcherLayout layout, int items);
-/// Lines shown at the most for a limit of `maximumRows`; at least 1.
+/// The most lines shown for a limit of `maximumRows`; at least 1.
 [[nodiscard]] int visibleLineCount(SwitcherLayout layout, int maximumRows);
 /// list → grouped → grid → list.
 [[nodiscard]] SwitcherLayout nextLayout(SwitcherLayout layout);
@@ -44,7 +44,7 @@ enum class SwitcherModifier { option, command, control };
 inline constexpr std::array allSwitcherModifiers{SwitcherModifier::option, SwitcherModifier::command,
                                                  SwitcherModifier::control};
 
-/// The stored form; compared exactly when it is read back.
+/// The form in which it is stored. Reading it back compares exactly, case included.
 [[nodiscard]] std::string_view rawValue(SwitcherModifier modifier);
 [[nodiscard]] std::optional<SwitcherModifier> switcherModifierFromRawValue(std::string_view raw);
 /// The event-flag bit that the keyboard layer tests.
@@ -61,7 +61,7 @@ enum class SettingsPane { general, shortcut, appearance, windows, favourites, ab
 inline constexpr std::array allSettingsPanes{SettingsPane::general, SettingsPane::shortcut,   SettingsPane::appearance,
                                              SettingsPane::windows, SettingsPane::favourites, SettingsPane::about};
 
-/// "general" and so on: the form in which a pane is named outside the program.
+/// The name of a pane outside the program, such as "general".
 [[nodiscard]] std::string_view rawValue(SettingsPane pane);
 [[nodiscard]] std::optional<SettingsPane> settingsPaneFromRawValue(std::string_view raw);
 /// Untranslated.
@@ -69,8 +69,8 @@ inline constexpr std::array allSettingsPanes{SettingsPane::general, SettingsPane
 /// The name of its symbol.
 [[nodiscard]] std::string_view symbol(SettingsPane pane);
 
-/// The settings that decide which rows a session shows and in which order, as the preferences publish them. References
-/// to their owner's fields, which outlive every session.
+/// The settings that decide which rows a session shows and in which order. References to fields of the preferences,
+/// which outlive every session.
 struct SessionSettings {
     const Published<bool>& includeMinimized;
     const Published<bool>& includeOtherSpaces;

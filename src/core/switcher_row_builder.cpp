@@ -17,7 +17,7 @@ public:
         : includeMinimized_(settings.includeMinimized.get()), includeOtherSpaces_(settings.includeOtherSpaces.get()) {}
 
     [[nodiscard]] bool includes(const AppWindow& window) const {
-        // A minimised window is on no Space in particular: only its own setting hides it.
+        // A minimised window belongs to no Space, so only the setting for minimised windows hides it.
         return window.isMinimized ? includeMinimized_ : window.isOnActiveSpace || includeOtherSpaces_;
     }
 

@@ -24,7 +24,7 @@ public:
         const SharedWindow::List& windows;
         /// As typed; blanks around it are ignored.
         std::string_view query;
-        /// Whose windows come first where the settings ask for it.
+        /// The application whose windows come first when the settings ask for that.
         std::optional<Pid> frontmostPID;
         /// The order to keep while there is no query; null outside a session.
         const std::vector<SharedWindow>* sessionWindows = nullptr;
@@ -33,24 +33,24 @@ public:
     SwitcherRowBuilder(const SessionSettings& settings, const FavouriteApplications& favourites)
         : settings_(settings), favourites_(favourites) {}
 
-    /// Replaces `rows`, whose memory is used again.
+    /// Replaces the content of `rows` and reuses its memory.
     void build(const Input& input, std::vector<Row>& rows);
 
 private:
-    /// One row to be.
+    /// A row before it is written.
     struct Entry {
         const AppWindow* window = nullptr;
-        /// The same when it is one that the session remembers and the list does not have any more.
+        /// The same window when only the session still has it; null when the list has it.
         const SharedWindow* remembered = nullptr;
         std::int64_t score = 0;
-        /// Where its highlights stand in `highlights_`.
+        /// The start of its highlights in `highlights_`.
         std::size_t firstHighlight = 0;
         std::size_t highlightCount = 0;
-        /// Shared by the rows of one process, complete when all rows have been counted.
+        /// The number of rows of this process, shared by those rows. Complete when all rows have been counted.
         const int* groupSize = nullptr;
     };
 
-    /// Which windows the settings leave; read once for all windows.
+    /// Which windows the settings admit. Reads the settings once for all windows.
     class Filter;
 
     void enterLiveWindows(const Input& input);

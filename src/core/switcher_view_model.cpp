@@ -10,8 +10,8 @@ namespace ferrowyn {
 
 namespace {
 
-/// A session begins on the second row: the window that was used just before the present one. Rows whose windows are
-/// blocked by the dialog in use are passed over, since choosing one would change nothing; they can still be selected.
+/// A session begins on the second row: the window that was used before the current one. Rows whose windows are blocked
+/// by the dialog in use are skipped, because choosing one would change nothing; the user can still select them.
 int firstSelection(const std::vector<SwitcherViewModel::Row>& rows, bool reverse) {
     const int count = static_cast<int>(rows.size());
     if (count == 0) {

@@ -39,15 +39,15 @@ public:
 
     using FrontmostPid = std::function<std::optional<Pid>()>;
 
-    /// The icon provider is only handed on to the views. All references outlive the view model.
+    /// The icon provider is only passed on to the views. All references outlive the view model.
     SwitcherViewModel(SessionSettings settings, IconProvider& iconProvider, const FavouriteApplications& favourites,
                       FrontmostPid frontmostPID, PostTask post);
     SwitcherViewModel(const SwitcherViewModel&) = delete;
     SwitcherViewModel& operator=(const SwitcherViewModel&) = delete;
     ~SwitcherViewModel();
 
-    /// Follows the window list, the trust status and the settings. Called once. The sources may outlive this object
-    /// or not: subscriptions end with either.
+    /// Follows the window list, the trust status and the settings. Called once. The sources and this object may be
+    /// destroyed in any order.
     void bind(const Published<std::vector<AppWindow>>& windows, const Published<AccessibilityStatus>& status);
 
     void beginSession(bool reverse);
@@ -71,7 +71,7 @@ public:
     [[nodiscard]] int groupCount() const;
 
     /// The rows and the selection with which a session would begin now, for drawing its first frame ahead of the key
-    /// press. Changes nothing. During a session: what is shown.
+    /// press. Changes nothing. During a session: the current rows and selection.
     struct Preview {
         std::vector<Row> rows;
         int selectedIndex = 0;
@@ -101,14 +101,14 @@ private:
     const FavouriteApplications& favourites_;
     FrontmostPid frontmostPID_;
     std::unique_ptr<SwitcherRowBuilder> rowBuilder_;
-    /// The rows published before the present ones, for their memory.
+    /// The previously published rows. The next rows reuse their memory.
     std::vector<Row> retiredRows_;
 
     /// Shared with the rows. Never null.
     SharedWindow::List allWindows_ = std::make_shared<const std::vector<AppWindow>>();
     std::optional<Pid> sessionFrontmostPID_;
     std::optional<std::vector<SharedWindow>> sessionWindows_;
-    /// In a later turn of the loop, because a setting's other subscribers are told first.
+    /// Rebuilds the rows in a later turn of the loop, after the other subscribers of a changed setting were called.
     CoalescedTask rebuild_;
     TextPreparation textPreparation_;
     std::vector<Subscription> cancellables_;

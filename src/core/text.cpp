@@ -40,7 +40,7 @@ bool isSpaceTabOrNewline(UChar32 scalar) {
     return isSpaceOrTab(scalar) || isNewline(scalar);
 }
 
-/// A visible ASCII character is in no trimming set, which settles nearly every title at a glance.
+/// Visible ASCII characters are never trimmed. This quick test is enough for nearly every title.
 bool isVisibleAscii(char byte) {
     return byte > ' ' && byte < '\x7F';
 }
@@ -94,8 +94,8 @@ std::string composed(std::string_view text) {
     return U_SUCCESS(status) ? result : std::string(text);
 }
 
-/// The language whose letter order the user expects. The "C" locale asks for none, and its own order is that of the
-/// bytes, which no person expects.
+/// The locale for sorting names. The "C" locale would sort by bytes, which no user expects, so the root locale replaces
+/// it.
 icu::Locale sortingLocale() {
     const icu::Locale& locale = icu::Locale::getDefault();
     return std::string_view(locale.getVariant()) == "POSIX" ? icu::Locale::getRoot() : locale;
@@ -207,14 +207,13 @@ std::weak_ordering localizedStandardCompare(std::string_view a, std::string_view
             return static_cast<int>(result) <=> 0;
         }
     }
-    // Without the language's tables at least the case is ignored.
+    // Without a collator the comparison still ignores case.
     return lowercased(a) <=> lowercased(b);
 }
 
 namespace {
 
-/// ICU's rules for the parts of a text that need them. Break iterators are expensive to make and must not be shared
-/// between threads.
+/// Finds characters by ICU's rules. It is expensive to make and must not be shared between threads.
 class CharacterBreaker {
 public:
     CharacterBreaker() {
@@ -249,9 +248,8 @@ private:
     UText view_ = UTEXT_INITIALIZER;
 };
 
-/// Whether a character always ends between two scalars of which this is true, whatever stands around them: neither
-/// joins its neighbours. Nearly all letters, ideographs, punctuation and lone emoji are like that, so that the rules
-/// run only over the few places where scalars combine.
+/// Whether the scalar joins none of its neighbours: a character always ends between two such scalars. This is true for
+/// nearly all letters, ideographs, punctuation and single emoji, so ICU's rules run only where scalars combine.
 bool standsAlone(UChar32 scalar) {
     if (scalar < 0x80) {
         return scalar >= 0x20 && scalar != 0x7F;
@@ -276,7 +274,7 @@ void findCharacterEnds(std::string_view text, std::vector<std::uint32_t>& ends) 
     ends.clear();
     const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     const auto length = static_cast<std::int32_t>(text.size());
-    // From `start` on, up to `position`, nothing is appended yet. `start` is the end of a character.
+    // The ends between `start` and `position` are not appended yet. `start` is the end of a character.
     std::int32_t start = 0;
     std::int32_t position = 0;
     bool needsRules = false;
@@ -299,7 +297,7 @@ void findCharacterEnds(std::string_view text, std::vector<std::uint32_t>& ends) 
         std::int32_t next = position;
         UChar32 scalar = 0;
         U8_NEXT(bytes, next, length, scalar);
-        // Bytes that are no UTF-8 are left to the rules, which read each as U+FFFD.
+        // Invalid UTF-8 is left to ICU's rules, which read each byte as U+FFFD.
         const bool alone = scalar >= 0 && standsAlone(scalar);
         if (alone && previousStandsAlone) {
             appendPending();
@@ -340,7 +338,7 @@ void removeLastCharacter(std::string& text) {
         text.clear();
         return;
     }
-    // After an ASCII character, an ASCII character that does not continue a line end is one of its own.
+    // An ASCII character after another one is a whole character, unless it continues a line end.
     const auto last = static_cast<unsigned char>(text[size - 1]);
     if (last < 0x80 && isPlainAscii(static_cast<unsigned char>(text[size - 2]))) {
         text.pop_back();

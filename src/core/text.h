@@ -9,9 +9,9 @@
 
 namespace ferrowyn {
 
-/// Questions about UTF-8 text that need Unicode's tables. Pure functions; any thread. Bytes that are no UTF-8 count as
-/// characters that are in none of the sets asked about; text from outside is repaired on its way in
-/// (`text_encoding.h`). Positions and lengths are bytes unless a name says characters.
+/// Functions on UTF-8 text that need Unicode's tables. Pure; any thread. Invalid UTF-8 counts as characters that belong
+/// to no set; text from outside is repaired when it comes in (`text_encoding.h`). Positions and lengths are bytes
+/// unless a name says characters.
 namespace text {
 
 [[nodiscard]] bool isAscii(std::string_view text);
@@ -32,7 +32,8 @@ namespace text {
 /// Without leading and trailing spaces, tabs and newlines of any kind. A view into the argument.
 [[nodiscard]] std::string_view trimmingWhitespaceAndNewlines(std::string_view text);
 
-/// Whether the scalar is a control or a format character, which keys like Escape or arrows may carry instead of text.
+/// Whether the scalar is a control or a format character. Keys like Escape or the arrows may carry such characters
+/// instead of text.
 [[nodiscard]] bool isControlCharacter(char32_t scalar);
 [[nodiscard]] bool containsControlCharacter(std::string_view text);
 
@@ -45,15 +46,15 @@ namespace text {
 /// User-perceived characters (extended grapheme clusters) of UTF-8 text. Pure functions; any thread.
 namespace text {
 
-/// Replaces `ends` by the byte offset behind each character, ascending. For callers that keep the vector from one text
-/// to the next; texts are shorter than 4 GiB.
+/// Replaces `ends` by the byte offset after each character, ascending; the caller can reuse the vector for many texts.
+/// The text must be shorter than 4 GiB.
 void findCharacterEnds(std::string_view text, std::vector<std::uint32_t>& ends);
 
-/// Views into the argument, one a character.
+/// Views into the argument, one for each character.
 [[nodiscard]] std::vector<std::string_view> characters(std::string_view text);
 [[nodiscard]] std::size_t characterCount(std::string_view text);
 
-/// Removes the whole last character; nothing to remove is harmless.
+/// Removes the whole last character. Does nothing when the text is empty.
 void removeLastCharacter(std::string& text);
 
 }  // namespace text

@@ -25,9 +25,9 @@ void appendUtf8(std::string& text, char32_t scalar) {
     text.append(bytes, static_cast<std::size_t>(length));
 }
 
-/// Takes the next scalar, or -1 for the longest ill-formed sequence there, and moves on.
+/// Returns the next scalar, or -1 for an ill-formed sequence, and moves `position` behind it.
 UChar32 nextScalar(std::string_view bytes, std::size_t& position) {
-    // A window of at most four bytes keeps the offsets small, however long the text is.
+    // Reads at most four bytes, so that the offsets fit ICU's 32-bit integers, however long the text is.
     const std::size_t available = std::min<std::size_t>(bytes.size() - position, U8_MAX_LENGTH);
     const auto* const start = reinterpret_cast<const std::uint8_t*>(bytes.data() + position);
     std::int32_t taken = 0;
@@ -112,7 +112,7 @@ std::optional<std::string> utf8FromEncoding(std::string_view bytes, const std::s
         return std::nullopt;
     }
     icu::UnicodeString text(bytes.data(), static_cast<std::int32_t>(bytes.size()), converter.get(), error);
-    // What converters put for a single byte that they do not know.
+    // ICU's converters write U+001A for a single byte that they do not know.
     text.findAndReplace(icu::UnicodeString(char16_t{0x1A}), icu::UnicodeString(char16_t{0xFFFD}));
     std::string utf8;
     text.toUTF8String(utf8);
@@ -127,7 +127,7 @@ std::string withoutControls(std::string_view text) {
     std::string printable;
     printable.reserve(text.size());
     for (std::size_t at = 0; at < text.size(); ++at) {
-        // A second set of controls is written as two bytes.
+        // The controls U+0080 to U+009F take two bytes.
         const bool isTwoByteControl = isBetween(at, 0xC2, 0xC2) && isBetween(at + 1, 0x80, 0x9F);
         if (isTwoByteControl || isBetween(at, 0x00, 0x1F) || isBetween(at, 0x7F, 0x7F)) {
             printable += '?';

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// Between UTF-8, which the program uses throughout, and what comes from outside. Pure functions; any thread.
+/// Converts between UTF-8, which the program uses everywhere, and the encodings of text from outside. Pure functions;
+/// any thread.
 namespace ferrowyn::text {
 
 [[nodiscard]] bool isValidUtf8(std::string_view bytes);
@@ -17,11 +18,11 @@ namespace ferrowyn::text {
 /// An ill-formed sequence becomes U+FFFD.
 [[nodiscard]] std::u16string utf16FromUtf8(std::string_view bytes);
 
-/// The bytes, read in the encoding of this name (as the Unicode libraries know it), with U+FFFD for what means nothing
-/// there; nothing when the encoding is unknown.
+/// Converts the bytes from the encoding with this name (one that ICU knows). Bytes that have no meaning in it become
+/// U+FFFD. Nothing when the encoding is unknown.
 [[nodiscard]] std::optional<std::string> utf8FromEncoding(std::string_view bytes, const std::string& encoding);
 
-/// UTF-8 text with "?" for every control character, so that what another program says cannot command a terminal.
+/// The text with "?" in place of every control character, so that text from another program cannot control a terminal.
 [[nodiscard]] std::string withoutControls(std::string_view text);
 
 /// At most `maximumBytes` of the text, cut before a scalar, never inside one.

@@ -10,7 +10,7 @@ std::string Phrase::untranslated() const {
 
 std::string withArguments(std::string_view text, const std::vector<std::string>& arguments) {
     std::string result;
-    // From left to right: an argument may itself look like a placeholder.
+    // One pass from left to right, because an argument may itself contain a placeholder.
     for (std::size_t position = 0; position < text.size(); ++position) {
         const bool isPlaceholder = text[position] == '%' && position + 1 < text.size() && text[position + 1] >= '1' &&
                                    text[position + 1] <= '9';
@@ -155,7 +155,7 @@ const TextTable& linuxTexts() {
         .returnKey = "Return",
         .escapeKey = "Esc",
         .permissionTitle = linux_words::windowManagerRequired,
-        // Either of the two may be missing: the text names the way out of both.
+        // Either of the two may be missing, so the text names both.
         .permissionExplanation =
             translatable("Ferrowyn",
                          "Ferrowyn cannot list or focus other apps' windows without an EWMH window manager and "

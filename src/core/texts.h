@@ -15,28 +15,29 @@ namespace ferrowyn {
     return text;
 }
 
-/// A fixed text and what is put into it: "%1" stands for the first argument, "%2" for the second. Kept apart, so that
-/// the fixed part can be translated. A plain value.
+/// A fixed text and its arguments: "%1" stands for the first one, "%2" for the second. They are separate so that the
+/// fixed text can be translated. A plain value.
 struct Phrase {
     std::string_view text;
     std::vector<std::string> arguments;
 
-    /// A text that comes from elsewhere, as it stands.
+    /// A text from outside, which is shown unchanged.
     [[nodiscard]] static Phrase verbatim(std::string words) { return {"%1", {std::move(words)}}; }
 
-    /// In the language in which it was written.
+    /// The text with its arguments, in English.
     [[nodiscard]] std::string untranslated() const;
 
     friend bool operator==(const Phrase&, const Phrase&) = default;
 };
 
-/// `text` with its placeholders replaced, each once; one without an argument stays.
+/// `text` with each placeholder replaced by its argument. A placeholder without an argument stays.
 [[nodiscard]] std::string withArguments(std::string_view text, const std::vector<std::string>& arguments);
 
-/// The texts of the status item and its menu, in the language in which they were written. "%1" stands for what is put
-/// in. They are the same on every desktop, save those that name what the program needs there.
+/// The texts of the status item and its menu, in English. "%1" stands for an argument. Only those that name what the
+/// program needs differ between desktops.
 struct StatusItemTexts {
-    /// How the shortcut is doing: on the button, below the program's name, and as the row that repairs it.
+    /// One state of the shortcut: the tooltip of the button, the line below the program's name, and the row that
+    /// repairs it.
     struct Health {
         std::string_view tooltip;
         std::string_view subtitle;
@@ -51,7 +52,7 @@ struct StatusItemTexts {
 
     Health ready;
     Health accessRequired;
-    /// Where the display server can lack what the program needs; empty elsewhere.
+    /// The display server lacks what the program needs. Empty on desktops where that cannot happen.
     Health serverUnusable;
     Health trustRevoked;
     Health repeatedTimeouts;
@@ -68,7 +69,7 @@ struct StatusItemTexts {
     std::string_view settings;
     std::string_view setupGuide;
     std::string_view update;
-    /// Why that row cannot be chosen.
+    /// Why the update row cannot be chosen.
     std::string_view noDownloadPage;
     std::string_view about;
     std::string_view quit;
@@ -77,15 +78,15 @@ struct StatusItemTexts {
 [[nodiscard]] const StatusItemTexts& macStatusItemTexts();
 [[nodiscard]] const StatusItemTexts& linuxStatusItemTexts();
 
-/// The fixed texts that differ from desktop to desktop, one table a desktop, so that a test can compare them. Texts
-/// that are the same everywhere stand beside the logic that chooses them.
+/// The fixed texts that differ between desktops. Each desktop has one table, so that a test can compare them. Texts
+/// that are the same everywhere are beside the logic that uses them.
 struct TextTable {
     /// The trigger modifier as the key caps and settings show it: a glyph on a Mac keyboard, a name on a PC keyboard.
     std::string_view optionKey;
     std::string_view commandKey;
     std::string_view controlKey;
-    /// What stands for the command key in the session's own shortcuts (⌘D): on a PC keyboard Ctrl acts as Command,
-    /// unless Control is the trigger.
+    /// The command key in the shortcuts of a session (⌘D). On a PC keyboard this is Ctrl, unless Control is the
+    /// trigger.
     std::string_view sessionCommandKey;
     std::string_view sessionCommandKeyWithControlTrigger;
     /// Between a modifier and its key: nothing between glyphs, "+" between names.
@@ -122,7 +123,7 @@ struct TextTable {
 /// The same product on an X11 desktop with a PC keyboard.
 [[nodiscard]] const TextTable& linuxTexts();
 
-/// What several tables of a Linux desktop say in the same words.
+/// Texts that several Linux tables share.
 namespace linux_words {
 
 inline constexpr std::string_view windowManagerRequired = translatable("Ferrowyn", "A window manager is required");

@@ -12,14 +12,14 @@
 
 namespace ferrowyn {
 
-/// What a session needs to know of the favourites; the store that keeps them implements it. Main thread.
+/// What a session needs to know about the favourites. FavouritesStore implements it. Main thread.
 class FavouriteApplications {
 public:
     virtual ~FavouriteApplications() = default;
 
     /// Oldest favourite first; the same identifier may stand in it twice.
     [[nodiscard]] virtual const Published<std::vector<std::string>>& bundleIdentifiers() const = 0;
-    /// The windows of favourite applications first, then the others, each part in its given order. None is null.
+    /// The windows of favourite applications first, then the others; the order within each part stays. None is null.
     [[nodiscard]] virtual std::vector<const AppWindow*> ordered(std::vector<const AppWindow*> windows) const = 0;
 };
 
@@ -56,7 +56,7 @@ struct EmptyState {
 [[nodiscard]] std::optional<Badge> badge(const AppWindow& window, const TextTable& texts);
 [[nodiscard]] std::vector<ShortcutHint> footerHints(SwitcherModifier trigger, SwitcherLayout layout,
                                                     const TextTable& texts);
-/// Beside the hints while letting go of the trigger does not switch.
+/// Shown beside the hints while releasing the trigger's modifier does not switch.
 inline constexpr std::string_view stayingOpenNote = "stays open";
 [[nodiscard]] EmptyState emptyState(std::string_view query);
 

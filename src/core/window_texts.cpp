@@ -160,7 +160,7 @@ WindowTexts makeMacTexts() {
     return texts;
 }
 
-/// Only what names the other system, its settings or its keys has a twin here.
+/// Replaces only the texts that name macOS, its settings or its keys.
 WindowTexts makeLinuxTexts() {
     WindowTexts texts = makeMacTexts();
     texts.settings.automaticUpdatesNote = translatable("Ferrowyn",

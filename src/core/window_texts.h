@@ -4,8 +4,8 @@
 
 namespace ferrowyn {
 
-/// The texts of the settings, setup and about windows, in the language in which they were written. "%1" and "%2" stand
-/// for what is put in. Most are the same on every desktop; those that name a system, its settings or its keys are not.
+/// The texts of the settings, setup and about windows, in English. "%1" and "%2" stand for arguments. Only those that
+/// name a system, its settings or its keys differ between desktops.
 struct WindowTexts {
     struct Settings {
         std::string_view generalTitle;
@@ -25,7 +25,7 @@ struct WindowTexts {
         std::string_view checkNow;
         std::string_view checking;
         std::string_view notChecked;
-        /// Where nobody has said whom to ask.
+        /// Shown when no update server is configured.
         std::string_view noUpdateServer;
         std::string_view upToDate;
         std::string_view updateAvailable;
@@ -92,10 +92,10 @@ struct WindowTexts {
         std::string_view firstStep;
         std::string_view secondStep;
         std::string_view thirdStep;
-        /// Empty where the setup window itself is this desktop's page for it.
+        /// Empty where the desktop has no such page and the setup window takes its place.
         std::string_view openSystemSettings;
         std::string_view requestAccess;
-        /// Empty where nobody has a use for a report.
+        /// Empty where the program makes no report.
         std::string_view copyReport;
         std::string_view revealApp;
         std::string_view troubleTitle;
@@ -108,7 +108,7 @@ struct WindowTexts {
         std::string_view version;
         std::string_view copyright;
         std::string_view summary;
-        /// In place of the link.
+        /// Shown instead of the link when there is no home page.
         std::string_view noHomePage;
         std::string_view close;
     };
@@ -120,7 +120,8 @@ struct WindowTexts {
     Settings settings;
     Onboarding onboarding;
     About about;
-    /// Instead of what is required, where the display server can lack it for good; empty elsewhere.
+    /// Shown instead of the requirements when the display server lacks what the program needs. Empty on desktops where
+    /// that cannot happen.
     std::string_view serverUnusable;
     /// Shift, as this desktop's keyboards name it.
     std::string_view shiftKey;
