@@ -29,7 +29,7 @@ void RecencyTracker::seedIfEmpty(const std::vector<AppWindow>& windows) {
             touch(window.id);
         }
     }
-    // Only the first focused window counts, also when it belongs to an application that is not in front.
+    // Only the first focused window is considered, also when its application is not in front.
     const auto focused = std::ranges::find(windows, true, &AppWindow::isAppFocusedWindow);
     if (focused != windows.end() && frontmostPid_() == focused->pid) {
         touch(focused->id);
@@ -55,7 +55,7 @@ bool RecencyTracker::precedes(const AppWindow& a, const AppWindow& b) const {
         return a.id < b.id;
     }
     const auto order = text::localizedStandardCompare(a.appName, b.appName);
-    // Names that a person would call equal ("App 1", "App 01") need some order too, or sorting has none.
+    // Sorting needs an order also between names that compare as equal ("App 1", "App 01").
     return std::is_neq(order) ? std::is_lt(order) : a.appName < b.appName;
 }
 

@@ -13,20 +13,21 @@
 
 namespace ferrowyn {
 
-/// Remembers how recently each window was used, and orders windows by it. In memory only. Main thread.
+/// Remembers how recently each window was used, and orders windows by it. In memory only. Main thread; WindowIndex owns
+/// it.
 class RecencyTracker {
 public:
-    /// Asks the desktop for the application in front; nothing when there is none or the desktop does not tell.
+    /// Returns the frontmost application; nothing when there is none or the desktop does not report it.
     using FrontmostPid = std::function<std::optional<Pid>()>;
 
     explicit RecencyTracker(FrontmostPid frontmostPid);
 
     /// The window was just used.
     void touch(WindowId id);
-    /// A first order from the stacking of the windows, when nothing is known yet.
+    /// Takes a first order from the stacking of the windows. Does nothing when any rank is known.
     void seedIfEmpty(const std::vector<AppWindow>& windows);
-    /// Forgets every window that is not in the set. Ranks above `newestForgotten` stay in any case: they were given
-    /// after the set was gathered.
+    /// Forgets every window that is not in the set. Ranks above `newestForgotten` stay, because they were given after
+    /// the set was gathered.
     void retainOnly(const std::unordered_set<WindowId>& ids,
                     std::int64_t newestForgotten = std::numeric_limits<std::int64_t>::max());
     /// Whether a comes before b: most recently used first, then by stacking, application name and id. A strict order.
@@ -38,7 +39,7 @@ public:
     [[nodiscard]] std::int64_t latestRank() const { return counter_; }
     [[nodiscard]] std::size_t count() const { return ranks_.size(); }
 
-    /// More windows than this are not remembered: the older half is forgotten at once.
+    /// When more windows than this are known, all but the most recent half of this number are forgotten.
     static constexpr std::size_t maximumEntries = 2048;
 
 private:

@@ -50,7 +50,7 @@ private:
     std::vector<AppWindow> storage_;
 };
 
-/// Stable, and the first of several windows with one id stays: an id is one row, whatever an application claims.
+/// Sorts stably. Of several windows with the same id only the first stays, because an id is one row.
 void sortFrontToBack(std::vector<AppWindow>& windows) {
     std::ranges::stable_sort(windows, [](const AppWindow& a, const AppWindow& b) {
         return std::tie(a.zOrder, a.appName, a.id) < std::tie(b.zOrder, b.appName, b.id);
@@ -195,7 +195,7 @@ std::optional<AppWindow> WindowEnumerator::appWindow(Collection& collection, con
         .title = title,
         .isMinimized = isMinimized,
         .isFullScreen = window.isFullScreen.value_or(false),
-        // A minimised window is offered as if it were here: restoring it brings it here.
+        // A minimised window counts as being on the active Space, because restoring it brings it there.
         .isOnActiveSpace = isMinimized || (metadata != nullptr && metadata->isOnActiveSpace),
         .isAppFocusedWindow = collection.focusedWindow == window.element,
         .frame = frame.value_or(Rect{}),
@@ -223,8 +223,8 @@ std::optional<WindowId> WindowEnumerator::identify(Collection& collection, const
 }
 
 std::optional<WindowId> WindowEnumerator::Collection::matchByGeometry(const Rect& frame) const {
-    // Windows lying exactly on top of each other all match. One that no other window of the application has taken yet
-    // is preferred, front-most first, so that two maximised windows do not end up as one.
+    // Windows that lie exactly on top of each other all match. An id that no other window of the application has yet is
+    // preferred, front-most first, so that two maximised windows do not become one.
     std::optional<std::tuple<bool, std::int64_t, WindowId>> best;
     for (const auto& [id, metadata] : table) {
         if (metadata.pid == application.pid && isClose(metadata.bounds, frame)) {

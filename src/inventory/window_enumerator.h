@@ -16,14 +16,16 @@ namespace ferrowyn {
 
 class Log;
 
-/// Takes one snapshot of all switchable windows: what the window server lists, matched with what each application says
-/// about its own windows. A value, so that each snapshot works on a copy; what it refers to outlives every copy.
+/// Takes a snapshot of all switchable windows: the list of the window server, matched with what each application
+/// reports about its windows. A value: each snapshot works on a copy, on a worker thread. The referenced objects
+/// outlive every copy.
 class WindowEnumerator {
 public:
     struct Snapshot {
         /// The windows found through Accessibility, front-most first, each id once.
         std::vector<AppWindow> windows;
-        /// Every normal window that the server lists for an admitted application, reported by it or not.
+        /// Every normal window that the server lists for an admitted application, also when the application does not
+        /// report it.
         std::unordered_set<WindowId> liveWindowIDs;
         /// Those of them on the active Space.
         std::unordered_set<WindowId> onScreenWindowIDs;
@@ -31,18 +33,18 @@ public:
 
     WindowEnumerator(WindowFilter filter, const WindowInventory& inventory, BackgroundWork& backgroundWork, Log& log);
 
-    /// Waits for the system and for every application. A worker thread, never the main thread.
+    /// Waits for the system and for every application. Worker threads only.
     [[nodiscard]] Snapshot snapshot() const;
 
     /// How long one application may take over one request.
     static constexpr Seconds messagingTimeout{0.35};
-    /// How far, in points, a window's own frame and the server's may differ in each of x, y, width and height for the
-    /// two to be the same window.
+    /// In points. A window of an application and a window of the server are the same when their frames differ by at
+    /// most this in each of x, y, width and height.
     static constexpr double geometryTolerance = 2.0;
 
 private:
     using MetadataTable = std::unordered_map<WindowId, WindowMetadata>;
-    /// What the collection of one application works with, and which ids it has used up.
+    /// The input for collecting the windows of one application, and the ids that are already assigned.
     struct Collection;
 
     [[nodiscard]] MetadataTable metadataTable(const InventoryReading& reading) const;
@@ -60,7 +62,7 @@ private:
     const WindowInventory* inventory_;
     BackgroundWork* backgroundWork_;
     Log* log_;
-    /// Shared by all copies: the system lacks the lookup or has it, and one line in the log says so.
+    /// Shared by all copies, so that the log gets only one line about a missing lookup.
     std::shared_ptr<std::atomic_flag> hasReportedMissingLookup_ = std::make_shared<std::atomic_flag>();
 };
 

@@ -20,7 +20,7 @@ bool isLargeEnough(const Rect& rect) {
     return rect.width >= WindowFilter::minimumSide && rect.height >= WindowFilter::minimumSide;
 }
 
-/// A dialog that nobody gave a title is a sheet, a pop-over or another helper of some window.
+/// A dialog without a title is a sheet, a pop-over or another part of a window, and is not listed.
 bool hasAcceptableSubrole(const WindowFilter::Candidate& window) {
     if (window.subrole && contains(WindowFilter::standardWindowSubroles, *window.subrole)) {
         return true;

@@ -12,7 +12,7 @@
 
 namespace ferrowyn {
 
-/// What the window server says about one window, with a default for whatever it kept to itself.
+/// What the window server reports about one window, with a default for each missing value.
 struct WindowMetadata {
     /// Position in the server's list, 0 = front-most.
     std::int64_t zOrder = 0;
@@ -35,7 +35,7 @@ public:
         std::optional<std::string_view> subrole;
         std::string_view title;
         bool isMinimized = false;
-        /// The window's own idea of its frame, else the server's; absent when neither is known.
+        /// The frame that the application reports, else the server's; absent when neither is known.
         std::optional<Rect> frame;
         /// Null when the window server does not list the window.
         const WindowMetadata* metadata = nullptr;
@@ -51,12 +51,12 @@ public:
     /// Whether an entry of the window server's list counts as a live application window.
     [[nodiscard]] bool isApplicationWindow(const WindowMetadata& metadata) const;
 
-    /// In points; smaller things are auxiliary windows that nobody would switch to.
+    /// In points. Smaller windows are auxiliary ones, to which users do not switch.
     static constexpr double minimumSide = 48;
     /// A window must be more opaque than this.
     static constexpr double invisibleAlpha = 0.05;
 
-    /// All compared exactly, case included. The names stand only for processes without an identifier.
+    /// Compared exactly, case included. The process names count only for processes without an identifier.
     static constexpr std::array<std::string_view, 19> excludedBundleIdentifiers{
         "com.apple.dock",
         "com.apple.controlcenter",

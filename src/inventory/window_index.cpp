@@ -30,7 +30,7 @@ std::unordered_set<WindowId> idsOf(const std::vector<AppWindow>& windows) {
     return ids;
 }
 
-/// Whether the lists, which are equal otherwise, differ in which windows are blocked by which dialogs.
+/// Whether two lists that are equal otherwise differ in the dialogs that block their windows.
 bool differInDialogs(const std::vector<AppWindow>& a, const std::vector<AppWindow>& b) {
     return !std::ranges::equal(a, b, {}, &AppWindow::blockedBy, &AppWindow::blockedBy);
 }
@@ -103,7 +103,7 @@ void WindowIndex::refresh() {
 void WindowIndex::noteActivated(WindowId id) {
     assert(mainLoop_.isMainThread());
     use(id);
-    // The keyboard went to the dialog that blocks the window.
+    // The dialog that blocks the window got the keyboard.
     const auto& windows = windows_.get();
     const auto activated = std::ranges::find(windows, id, &AppWindow::id);
     const auto dialog = activated != windows.end() ? activated->blockedBy : std::nullopt;
@@ -147,8 +147,8 @@ void WindowIndex::handle(const WindowChange& change) {
     if (change.kind == WindowChange::Kind::focus) {
         const auto id = windowInventory_.focusedWindowNumber(change.pid, focusedWindowTimeout);
         if (id && *id != 0) {
-            // The list moves at once: a quick hand presses the trigger again before the coalesced refresh, and the
-            // session it opens must start from the window that has the focus now.
+            // The list changes at once, because the user may press the trigger again before the coalesced refresh, and
+            // that session must start from the window that has the focus now.
             use(listedWindowFor(*id));
         }
     }
@@ -185,7 +185,7 @@ void WindowIndex::apply(WindowEnumerator::Snapshot snapshot) {
     recency_->seedIfEmpty(windows);
     const auto ids = idsOf(windows);
     if (ids.size() < recency_->count()) {
-        // A window that was focused since the pass began may be too new for its snapshot.
+        // The snapshot may not have a window that was focused after the pass began.
         recency_->retainOnly(ids, rankAtPassBegin_);
     }
     std::ranges::stable_sort(windows,

@@ -18,12 +18,12 @@ struct WindowChange;
 class RecencyTracker;
 class WindowObservationCenter;
 
-/// The single source of the window list that the rest of the program shows, in switcher order. Main thread; only the
-/// snapshots are taken on workers, one at a time, and none of them outlasts `stop` with any effect.
+/// Publishes the window list in the order of the switcher. Main thread; AppServices owns it. Snapshots are taken on
+/// worker threads, one at a time; one that ends after `stop` has no effect.
 class WindowIndex {
 public:
     explicit WindowIndex(const Platform& platform);
-    /// For tests, which want to see, or to be, the parts.
+    /// For tests that observe or replace the parts.
     WindowIndex(const Platform& platform, std::unique_ptr<RecencyTracker> recency,
                 std::unique_ptr<WindowObservationCenter> observation);
     ~WindowIndex();
@@ -34,20 +34,21 @@ public:
     /// When the last refresh pass completed; nothing before the first.
     [[nodiscard]] const Published<std::optional<TimePoint>>& lastRefresh() const { return lastRefresh_; }
 
-    /// Begins the observation, and the first refresh without delay.
+    /// Starts the observation, and the first refresh in the next turn of the loop.
     void start();
-    /// Ends the observation and empties the list. What is known of recency stays.
+    /// Ends the observation and empties the list. The recency of the windows is kept.
     void stop();
-    /// Refresh passes until no further one is asked for; returns at once.
+    /// Starts a refresh and returns at once. A request during a refresh starts another one after it.
     void refresh();
     /// One refresh, `coalescingInterval` after the last request of a burst.
     void scheduleRefresh();
-    /// The switcher just activated this window: it leads the list at once, behind the dialog that blocks it if one
-    /// does.
+    /// The switcher has activated this window. It moves to the front of the list at once; a listed dialog that blocks
+    /// it comes before it.
     void noteActivated(WindowId id);
 
     static constexpr Seconds coalescingInterval{0.12};
-    /// How long the application of a focus change may take to say which window that is. The main thread waits for it.
+    /// How long an application may take to say which of its windows has the focus. The main thread waits for the
+    /// answer.
     static constexpr Seconds focusedWindowTimeout{0.1};
 
 private:
@@ -57,8 +58,7 @@ private:
     void apply(WindowEnumerator::Snapshot snapshot);
     void use(WindowId id);
     void moveToFront(WindowId id);
-    /// The window itself, or, for a dialog that is not listed (it has no title), the window that it blocks: in the list
-    /// that one stands for both.
+    /// The focused window itself, or, for a dialog that is not listed (it has no title), the window that it blocks.
     [[nodiscard]] WindowId listedWindowFor(WindowId focused) const;
     void publish(std::vector<AppWindow> windows);
     [[nodiscard]] std::vector<AppWindow> carryingOver(WindowEnumerator::Snapshot snapshot) const;
@@ -76,11 +76,11 @@ private:
     bool needsAnotherPass_ = false;
     std::int64_t rankAtPassBegin_ = 0;
     bool isStarted_ = false;
-    /// Counts the stops: work that was begun before the last one has no effect any more.
+    /// The number of stops. Work that began before the last stop has no effect.
     std::uint64_t generation_ = 0;
     Subscription coalescedRefresh_;
     Subscription changes_;
-    /// Held weakly by what waits on the loop or on a worker, and looked at on the main thread only.
+    /// For the callbacks that wait on the loop or on a worker. Checked on the main thread only.
     LifeToken life_;
 };
 

@@ -13,7 +13,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// The finalizer of a 64-bit mixing generator: every input bit reaches every output bit.
+/// Mixes the bits: every input bit changes every output bit.
 std::uint64_t mixed(std::uint64_t value) {
     value = (value ^ (value >> 30U)) * 0xbf58476d1ce4e5b9U;
     value = (value ^ (value >> 27U)) * 0x94d049bb133111ebU;
@@ -35,7 +35,6 @@ WindowFingerprint WindowFingerprint::of(const std::optional<std::vector<std::opt
 
 std::unique_ptr<ApplicationObserver> ApplicationObserver::create(AccessibilityObservers& observers, Pid pid,
                                                                  ChangeHandler onChange) {
-    // The constructor is private, so that no observer exists without something to observe with.
     std::unique_ptr<ApplicationObserver> created(new ApplicationObserver(pid, std::move(onChange)));
     created->observer_ =
         observers.create(pid, created->life_.guard([target = created.get()](std::string_view notification) {
@@ -79,7 +78,7 @@ void ApplicationObserver::handle(std::string_view notification) {
     if (!isValid_) {
         return;
     }
-    // A copy: whoever is told may stop the observation and destroy this observer with it.
+    // A copy, because the handler may destroy this observer.
     const ChangeHandler onChange = onChange_;
     onChange(changeFor(notification));
 }
@@ -144,7 +143,7 @@ void WindowObservationCenter::start() {
         }
     }
     workspaceEvents_ = workspace_.observe([this](const WorkspaceEvent& event) { handle(event); });
-    // What an earlier run saw says nothing about what happened since this one began.
+    // The fingerprint of an earlier run says nothing about changes since this one began.
     lastFingerprint_.reset();
     revalidationTimer_ = mainLoop_.every(revalidationInterval, [this] { revalidate(); });
     log_.write(LogLevel::standard, category, fmt::format("Observation started for {} processes", observers_.size()));
@@ -220,7 +219,7 @@ void WindowObservationCenter::handle(const WorkspaceEvent& event) {
 
 void WindowObservationCenter::revalidate() {
     const auto fingerprint = WindowFingerprint::of(windowInventory_.windowOrder());
-    // Stored before anyone is told: a subscriber may stop, or end, this object.
+    // Stored before the subscribers are called, because one may stop or destroy this object.
     const auto previous = std::exchange(lastFingerprint_, fingerprint);
     if (previous && *previous != fingerprint) {
         changes_.send(WindowChange::structural());

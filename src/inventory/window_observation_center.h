@@ -24,7 +24,7 @@ class Log;
 class WindowInventory;
 struct Platform;
 
-/// Something that makes the window list out of date.
+/// A change that makes the window list out of date.
 struct WindowChange {
     enum class Kind {
         /// The focused or main window of an application changed, or the application was activated.
@@ -46,19 +46,20 @@ struct WindowChange {
     friend bool operator==(const WindowChange&, const WindowChange&) = default;
 };
 
-/// Tells two window lists apart, by their windows and by their order. Compared within one run only.
+/// The fingerprint of a window list. It differs when the windows or their order differ. Compared within one run only.
 struct WindowFingerprint {
     std::int64_t count = 0;
     std::int64_t hash = 0;
 
-    /// Of the window server's numbers, front-most first, an entry without a number as nothing; both fields are 0 when
-    /// the server did not answer.
+    /// `windowOrder` has the numbers of the window server, front-most first; an entry without a number is empty. It is
+    /// absent when the server did not answer: both fields are 0 then.
     [[nodiscard]] static WindowFingerprint of(const std::optional<std::vector<std::optional<WindowId>>>& windowOrder);
 
     friend bool operator==(const WindowFingerprint&, const WindowFingerprint&) = default;
 };
 
-/// Watches one application and its listed windows until it is invalidated, for good. Main thread.
+/// Watches one application and its listed windows until it is invalidated. Main thread; WindowObservationCenter owns
+/// it.
 class ApplicationObserver {
 public:
     using ChangeHandler = std::function<void(const WindowChange&)>;
@@ -70,11 +71,11 @@ public:
     ApplicationObserver(const ApplicationObserver&) = delete;
     ApplicationObserver& operator=(const ApplicationObserver&) = delete;
 
-    /// Watches exactly these windows from now on; each stays registered once for as long as it is among them.
+    /// Watches exactly these windows from now on. A window that was watched before is not registered again.
     void observeWindows(std::unordered_set<AXElementRef> windows);
-    /// Tells of the change that the notification stands for. May end this object's life.
+    /// Reports the change that the notification stands for. The handler may destroy this object.
     void handle(std::string_view notification);
-    /// Ends the watching. A notification that is still on its way will be ignored.
+    /// Ends the observation for good. Later notifications are ignored.
     void invalidate();
 
     static constexpr std::array<std::string_view, 6> applicationNotifications{
@@ -94,12 +95,12 @@ private:
     std::unique_ptr<AccessibilityObserver> observer_;
     std::unordered_set<AXElementRef> observedWindows_;
     bool isValid_ = true;
-    /// Held weakly by the callback, which the system may still run once after this object is gone.
+    /// For the callback, which the system may still run once after this object is destroyed.
     LifeToken life_;
 };
 
-/// Turns everything that the desktop tells about applications and windows into one stream of changes, and looks every
-/// few seconds for what nobody told. Main thread.
+/// Turns all notifications about applications and windows into one stream of changes, and checks every few seconds for
+/// changes without a notification. Main thread; WindowIndex owns it.
 class WindowObservationCenter {
 public:
     WindowObservationCenter(const Platform& platform, WindowFilter filter);
@@ -112,7 +113,7 @@ public:
 
     void start();
     void stop();
-    /// Takes each refreshed window list: the listed windows are the ones that are watched.
+    /// Takes each refreshed window list, and watches the windows that it lists.
     void synchronize(const std::vector<AppWindow>& windows);
 
     static constexpr Seconds revalidationInterval{5.0};
