@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::string_view logCategory = "permissions";
 
-/// How long the system takes, after it says that something changed, until it answers accordingly.
+/// How long after its notification the system may still give the old answer.
 constexpr Seconds refreshDelay{0.25};
-/// Someone who is granting the permission right now should see the program react at once.
+/// Short, because a user who is granting the permission should see the program react at once.
 constexpr Seconds backstopIntervalWhileNotTrusted{1.0};
 constexpr Seconds backstopIntervalWhileTrusted{2.0};
 constexpr Seconds secureInputInterval{2.0};
@@ -69,7 +69,7 @@ void AccessibilityAuthorizer::openAccessibilitySettings() {
 }
 
 void AccessibilityAuthorizer::scheduleRefresh() {
-    // Refreshes are due in the order in which they were asked for, so the one that runs is always the oldest.
+    // Refreshes run in the order in which they were requested, so the one that runs is the oldest.
     pendingRefreshes_.push_back(mainLoop_.after(refreshDelay, [this] {
         refresh();
         pendingRefreshes_.pop_front();

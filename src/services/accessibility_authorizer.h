@@ -15,7 +15,7 @@ class MainLoop;
 class Trust;
 class Workspace;
 
-/// The one place that knows whether this process is trusted and whether secure keyboard input is on. Main thread.
+/// Publishes whether this process is trusted and whether secure keyboard input is on. Main thread; AppServices owns it.
 class AccessibilityAuthorizer {
 public:
     using Status = AccessibilityStatus;
@@ -23,7 +23,7 @@ public:
     explicit AccessibilityAuthorizer(const Platform& platform);
 
     [[nodiscard]] const Published<Status>& status() const { return status_; }
-    /// As `Trust` says.
+    /// See `Trust::canBecomeTrusted`.
     [[nodiscard]] bool canBecomeTrusted() const;
     [[nodiscard]] const Published<bool>& isSecureInputActive() const { return isSecureInputActive_; }
     [[nodiscard]] bool hasRequestedTrust() const { return hasRequestedTrust_; }
@@ -32,13 +32,13 @@ public:
     void refresh();
     /// Asks the system to prompt the user, then refreshes.
     void requestTrust();
-    /// Opens the system's settings where the permission is given.
+    /// Opens the system's settings page for this permission.
     void openAccessibilitySettings();
-    /// Looks at the trust again and again, first one interval from now; notifications are not always delivered.
+    /// Reads the trust periodically, first one interval from now, because notifications are not always delivered.
     void restartBackstopTimer();
 
 private:
-    /// The system needs a moment until its answer follows its own notification.
+    /// Refreshes a moment later, because the system's answer changes only after its notification.
     void scheduleRefresh();
     void startSecureInputPolling();
     void readSecureInput();

@@ -12,7 +12,7 @@ class UserDefaults;
 class Workspace;
 
 /// The user's favourite applications: a persistent list of bundle identifiers in the order they were added. Main
-/// thread. The defaults store and the workspace outlive this object.
+/// thread; AppServices owns it. The defaults store and the workspace outlive it.
 class FavouritesStore final : public FavouriteApplications {
 public:
     FavouritesStore(UserDefaults& defaults, const Workspace& workspace);

@@ -20,8 +20,7 @@ IconProvider::IconProvider(IconSource& source, Workspace& workspace)
       processIconObserver_(source.observeProcessIcons([this](Pid process) { forgetIconOf(process); })) {}
 
 IconProvider::Entry IconProvider::load(const AppWindow& window) {
-    // Where the system would always have an icon for a file, this desktop's answer may be "none"; a window is then as
-    // well served by the icon that its process gives itself.
+    // A desktop may have no icon for the file. Then the window shows the icon that its process gives.
     if (window.bundleURL) {
         if (auto image = source_.iconForFile(*window.bundleURL)) {
             return {.icon = {.image = std::move(image)}, .process = std::nullopt};
@@ -34,7 +33,7 @@ IconProvider::Entry IconProvider::load(const AppWindow& window) {
     return {.icon = {.image = std::move(image)}, .process = window.pid};
 }
 
-/// Many programs show their window first and give it an icon a moment later.
+/// Many programs show their window first and set its icon a moment later, so the old icon is dropped.
 void IconProvider::forgetIconOf(Pid process) {
     if (std::erase_if(cache_, [process](const auto& cached) { return cached.second.process == process; }) > 0) {
         replacements_.send(process);
@@ -63,7 +62,8 @@ std::string IconProvider::cacheKey(const std::optional<std::string>& bundleIdent
 
 namespace {
 
-/// An application that replaces its icon all the time (a progress, an unread count) is read no more often than this.
+/// The shortest time between two reads of changed icons. Some applications change theirs all the time (to show a
+/// progress or a count).
 constexpr Seconds replacementInterval{1.0};
 
 }  // namespace
@@ -112,7 +112,7 @@ void IconPrefetcher::loadNext() {
     if (!wanted_.empty()) {
         const auto window = std::move(wanted_.back());
         wanted_.pop_back();
-        // A list may name an application that has quit: what were kept for it now, nothing would ever forget.
+        // The list may name an application that has quit. Its icon would never be removed from the cache.
         if (workspace_.runningApplication(window.pid)) {
             static_cast<void>(icons_.icon(window));
         }

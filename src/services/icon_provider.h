@@ -25,19 +25,19 @@ struct Icon {
     Size size{32, 32};
 };
 
-/// Application icons, cached per application until it quits, or until it gives itself another one. Main thread.
+/// Application icons. Each is cached until its application quits or changes its icon. Main thread; AppServices owns it.
 class IconProvider {
 public:
     IconProvider(IconSource& source, Workspace& workspace);
 
     /// Never fails: a generic application icon is the last resort.
     [[nodiscard]] const Icon& icon(const AppWindow& window);
-    /// Whether the icon is there without loading anything.
+    /// Whether the icon is in the cache.
     [[nodiscard]] bool holds(const AppWindow& window) const;
     /// Forgets every icon.
     void removeAll();
 
-    /// An icon was forgotten because the process with this id gives itself another one.
+    /// Sends the id of a process that changed its icon, when the old icon was removed from the cache.
     [[nodiscard]] const Subject<Pid>& replacements() const { return replacements_; }
 
     /// The bundle identifier, else "pid:" and the process id.
@@ -46,7 +46,7 @@ public:
 private:
     struct Entry {
         Icon icon;
-        /// The process that the icon stands for; none when it is the installed application's own.
+        /// The process that gave the icon; absent when the icon belongs to the installed application.
         std::optional<Pid> process;
     };
 
@@ -60,16 +60,15 @@ private:
     Subscription processIconObserver_;
 };
 
-/// Loads the icons of listed windows when the list arrives, one application in each turn of the loop: an icon may come
-/// from a disk or, asked for and waited for, from the window itself, and neither may stand between a key press and the
-/// panel. Main thread.
+/// Loads the icons of listed windows when the list arrives, so that a key press never waits for a disk or for an
+/// application. Loads one application's icon in each turn of the loop. Main thread; AppServices owns it.
 class IconPrefetcher {
 public:
-    /// More applications than the first frame of any layout shows. Not all of a long list: icons are kept for as long
-    /// as their applications run, and those of windows that nobody scrolls to are memory for nothing.
+    /// More applications than the first frame of any layout shows. Not all of a long list, because icons stay in memory
+    /// while their applications run.
     static constexpr std::size_t mostApplications = 32;
 
-    /// All references outlive this.
+    /// All references outlive this object.
     IconPrefetcher(MainLoop& mainLoop, const Workspace& workspace, IconProvider& icons,
                    const Published<std::vector<AppWindow>>& windows);
     IconPrefetcher(const IconPrefetcher&) = delete;
@@ -85,9 +84,8 @@ private:
     const Workspace& workspace_;
     IconProvider& icons_;
     const Published<std::vector<AppWindow>>& windows_;
-    /// One window of each application whose icon is missing, the least recently used first.
+    /// One window of each application whose icon is missing, least recently used first: the last one is loaded next.
     std::vector<AppWindow> wanted_;
-    /// One icon in each turn of the loop.
     CoalescedTask next_;
     Subscription subscription_;
     Subscription replacements_;

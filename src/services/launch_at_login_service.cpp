@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view logCategory = "permissions";
 constexpr std::string_view refusalDomain = "SMAppServiceErrorDomain";
-/// "Operation not permitted", in whatever words and domain a system puts it.
+/// The system's error code for "operation not permitted".
 constexpr int refusalCode = 1;
 
 }  // namespace
@@ -57,7 +57,7 @@ void LaunchAtLoginService::setEnabled(bool isEnabled) {
 }
 
 std::string LaunchAtLoginService::userMessage(const LoginItem::Error& error) const {
-    // The code counts in whatever domain: what wraps the service's own error keeps only that.
+    // The code counts in every domain, because an error that wraps the service's error keeps only the code.
     const bool isRefusal = error.domain == refusalDomain || error.code == refusalCode;
     return isRefusal ? std::string(texts_.loginItemRefused) : error.localizedDescription;
 }

@@ -14,9 +14,9 @@ struct TextTable;
 class Log;
 class Workspace;
 
-/// Lets the user start the program at login, and says in words that the user can act on why that does not work. The
-/// state follows the system's answer: at construction, after every request, and each time the program becomes active.
-/// Main thread. The platform outlives it.
+/// Lets the user start the program at login, and explains to the user when that does not work. Reads the state from the
+/// system at construction, after every request, and each time the program becomes active. Main thread; AppServices owns
+/// it, and the platform outlives it.
 class LaunchAtLoginService {
 public:
     /// The program cannot be registered; the reason is the text to show.
@@ -41,14 +41,14 @@ public:
     explicit LaunchAtLoginService(const Platform& platform);
 
     [[nodiscard]] const Published<State>& state() const { return state_; }
-    /// The message of the last failed request; nothing after a successful one.
+    /// The message for the user when the last request failed; absent after a successful one.
     [[nodiscard]] const Published<std::optional<std::string>>& lastError() const { return lastError_; }
 
     /// Reads the system's answer again, now.
     void refresh();
     /// Registers or unregisters the program.
     void setEnabled(bool isEnabled);
-    /// What to show beside the switch, when there is something to say.
+    /// The text to show beside the switch; absent when there is nothing to explain.
     [[nodiscard]] std::optional<std::string> explanatoryMessage() const;
     void openLoginItemsSettings();
 

@@ -11,7 +11,7 @@ namespace ferrowyn {
 
 namespace {
 
-// The persisted format: these texts never change, whatever the fields are called.
+// The keys in the stored file. They must not change, because users' files have them.
 constexpr std::string_view modifierKey = "switcher.modifier";
 constexpr std::string_view includeMinimizedKey = "switcher.includeMinimized";
 constexpr std::string_view includeOtherSpacesKey = "switcher.includeOtherSpaces";
@@ -27,7 +27,7 @@ constexpr std::int64_t defaultMaximumVisibleRows = 9;
 constexpr std::int64_t fewestVisibleRows = 4;
 constexpr std::int64_t mostVisibleRows = 16;
 
-/// Registers before the first setting is read: the settings are members, and members are made in order.
+/// Registers the defaults before the first setting is read. Called in the member initialisers for that reason.
 UserDefaults& withDefaults(UserDefaults& defaults) {
     defaults.registerDefaults({
         {std::string(modifierKey), std::string(rawValue(SwitcherModifier::option))},

@@ -10,8 +10,8 @@ namespace ferrowyn {
 
 class UserDefaults;
 
-/// The user's settings. Each is read once at construction and written to the store at every assignment, after the
-/// subscribers were told. Main thread. The defaults store outlives this object.
+/// The user's settings. Each is read once at construction. Every assignment calls the subscribers, then writes the
+/// value to the store. Main thread; AppServices owns it, and the defaults store outlives it.
 class Preferences {
 public:
     /// One setting: a published value whose assignment is also stored.
@@ -45,7 +45,7 @@ public:
     Setting<bool> includeOtherSpaces;
     Setting<bool> showShortcutHints;
     Setting<bool> confirmOnModifierRelease;
-    /// Clamped to 4 … 16 when it is read; whoever assigns keeps it there.
+    /// 4 to 16. Clamped when it is read from the store; an assigned value must be in this range.
     Setting<int> maximumVisibleRows;
     Setting<SwitcherLayout> layout;
     Setting<bool> showActiveAppWindowsFirst;

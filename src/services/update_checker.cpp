@@ -79,7 +79,7 @@ std::optional<std::string> textMember(const nlohmann::json& manifest, const char
     return found != manifest.end() && found->is_string() ? std::optional(found->get<std::string>()) : std::nullopt;
 }
 
-/// Whether the text can be shown wherever a version is: in a log, on a terminal, in a label that takes mark-up.
+/// Whether the text is safe wherever a version is shown: in a log, on a terminal, in a label that reads mark-up.
 bool isPresentableVersion(std::string_view version) {
     constexpr std::size_t longest = 64;
     constexpr std::string_view characters = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ .-+_~";
@@ -181,7 +181,8 @@ void UpdateChecker::accept(Release release) {
 }
 
 std::optional<std::string> UpdateChecker::downloadPage() const {
-    // The manifest may name anything; only what the web's own rules protect is handed to the system.
+    // The manifest may contain any address. Only an https address is given to the system, which could run a program for
+    // others.
     const auto* const available = std::get_if<UpdateAvailable>(&state_.get());
     if (available != nullptr && isHttpsAddress(available->release.downloadURL)) {
         return available->release.downloadURL;

@@ -20,11 +20,11 @@ class UserDefaults;
 class Workspace;
 struct Platform;
 
-/// A dotted version number. What follows the first "-" (a pre-release tag) does not count, and missing components count
+/// A dotted version number. The part from the first "-" on (a pre-release tag) is ignored, and missing components count
 /// as 0, so 1.2 equals 1.2.0 and 1.2-beta.
 class AppVersion {
 public:
-    /// Never fails: a piece without a digit reads as 0, a number beyond all bounds as the largest one.
+    /// Accepts any text: a component without a digit is 0, too large a number is the largest one.
     explicit AppVersion(std::string text);
 
     /// Most significant first.
@@ -40,15 +40,15 @@ private:
     std::string original_;
 };
 
-/// Tells the user when a newer release exists; it downloads and installs nothing. At most one check is in flight. Main
-/// thread. The platform outlives it.
+/// Finds out whether a newer release exists; it downloads and installs nothing. At most one check runs at a time. Main
+/// thread; AppServices owns it, and the platform outlives it.
 class UpdateChecker {
 public:
     struct Release {
         AppVersion version;
         /// A well-formed address, not necessarily an https one.
         std::string downloadURL;
-        /// As the server wrote them: whoever shows them must not trust them.
+        /// As the server wrote them. Untrusted: they must be shown as plain text.
         std::optional<std::string> notes;
 
         friend bool operator==(const Release&, const Release&) = default;
@@ -65,7 +65,7 @@ public:
 
         friend bool operator==(const UpdateAvailable&, const UpdateAvailable&) = default;
     };
-    /// The last check failed; the text is for the user as it stands. Two are equal when they say the same.
+    /// The last check failed. The text is for the user. Two are equal when their texts are equal.
     struct Failed {
         Phrase text;
 
@@ -83,26 +83,26 @@ public:
     using State = std::variant<UpToDate, UpdateAvailable, Failed, Idle, Checking>;
 
     enum class UpdateError { malformedManifest };
-    /// For the user.
+    /// The text for the user.
     [[nodiscard]] static std::string_view description(UpdateError error);
 
-    /// The manifest is "/appcast.json" on the host that the bundle names.
+    /// The manifest is "/appcast.json" on the host in the program's `BundleInfo`.
     UpdateChecker(const Platform& platform, AppVersion currentVersion);
 
     [[nodiscard]] const Published<State>& state() const { return state_; }
     [[nodiscard]] const AppVersion& currentVersion() const { return currentVersion_; }
-    /// Whether there is anything to ask.
+    /// Whether an update server is configured.
     [[nodiscard]] bool hasServer() const { return !updateHost_.empty(); }
 
-    /// Checks when there is a server, automatic checks are allowed and the last one is a day old. For the start of the
-    /// program.
+    /// Called when the program starts. Checks when there is a server, automatic checks are allowed, and the last check
+    /// is at least a day old.
     void checkIfDue(bool automaticUpdateChecks);
-    /// Checks now; a check that is still in flight is cancelled, and its result dropped.
+    /// Checks now. Cancels a check that is still running.
     void check();
-    /// Opens the release's download address when one is available and safe to open, else the maker's home page, where
-    /// there is one.
+    /// Opens the download address of the available release if it is an https address, else the home page if there is
+    /// one.
     void openDownloadPage();
-    /// Whether there is a page to open now.
+    /// Whether `openDownloadPage` has a page to open now.
     [[nodiscard]] bool hasDownloadPage() const { return downloadPage().has_value(); }
 
 private:

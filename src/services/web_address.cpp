@@ -26,7 +26,7 @@ bool isUnreserved(char character) {
            std::string_view("-._~").find(character) != std::string_view::npos;
 }
 
-/// Only unreserved characters, percent escapes and the `further` ones.
+/// Whether the text has only unreserved characters, percent escapes and characters of `further`.
 bool consistsOf(std::string_view text, std::string_view further) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '%') {
@@ -55,7 +55,7 @@ struct Address {
     std::string_view fragment;
 };
 
-/// Cuts the text off from the first `separator` on, and answers what follows it.
+/// Removes the first `separator` and everything after it from the text. Returns what followed the separator.
 std::string_view cutOff(std::string_view& text, char separator) {
     const auto at = std::min(text.find(separator), text.size());
     const auto rest = text.substr(std::min(at + 1, text.size()));
@@ -81,7 +81,7 @@ Address split(std::string_view text) {
     return address;
 }
 
-/// With its colon; empty in a relative address.
+/// `scheme` includes its colon; it is empty in a relative address.
 bool isScheme(std::string_view scheme) {
     if (scheme.empty()) {
         return true;
@@ -104,7 +104,7 @@ Authority splitAuthority(std::string_view text) {
         authority.user = text.substr(0, at);
         text.remove_prefix(at + 1);
     }
-    // An IPv6 address holds colons of its own.
+    // An IPv6 address contains colons.
     const auto hostEnd = text.starts_with('[') ? std::min(text.find(']'), text.size() - 1) + 1 : text.find(':');
     authority.host = text.substr(0, hostEnd);
     authority.port = text.substr(std::min(hostEnd, text.size()));
@@ -121,7 +121,7 @@ bool isHost(std::string_view host) {
            });
 }
 
-/// With its colon, or empty.
+/// `port` includes its colon, or is empty.
 bool isPort(std::string_view port) {
     return port.empty() || (port.front() == ':' && std::ranges::all_of(port.substr(1), isDigit));
 }

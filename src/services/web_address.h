@@ -5,13 +5,13 @@
 
 namespace ferrowyn {
 
-/// Whether the text is an address as RFC 3986 writes them, relative ones included.
+/// Whether the text is a URI reference of RFC 3986. Relative ones count too.
 [[nodiscard]] bool isWellFormedAddress(std::string_view address);
 
-/// Whether the address is well formed, says https and names a host.
+/// Whether the address is well formed, has the scheme https and has a host.
 [[nodiscard]] bool isHttpsAddress(std::string_view address);
 
-/// The text as the value of a query parameter.
+/// The text encoded as the value of a query parameter.
 [[nodiscard]] std::string percentEncoded(std::string_view text);
 
 }  // namespace ferrowyn
