@@ -8,16 +8,16 @@
 
 namespace ferrowyn {
 
-/// Watches one application's Accessibility interface; destroying it ends the watching. Main thread.
+/// Delivers the Accessibility notifications of one application. Destroying it ends them. Main thread.
 class AccessibilityObserver {
 public:
     virtual ~AccessibilityObserver() = default;
 
-    /// Notifications of the application element; a refusal is the adapter's to log.
+    /// Registers a notification of the application element. The adapter logs a refusal.
     virtual void addApplicationNotification(std::string_view notification) = 0;
     virtual void addWindowNotification(const AXElementRef& window, std::string_view notification) = 0;
     virtual void removeWindowNotification(const AXElementRef& window, std::string_view notification) = 0;
-    /// Delivers nothing any more (the run-loop source is gone).
+    /// Ends the delivery for good (removes the run-loop source).
     virtual void detachFromMainLoop() = 0;
 };
 
@@ -25,7 +25,8 @@ class AccessibilityObservers {
 public:
     virtual ~AccessibilityObservers() = default;
 
-    /// Gets the notification's name, on the main thread. May still be called once after the observer detached.
+    /// Called with the notification's name, on the main thread. May be called once more after the observer was
+    /// detached.
     using Handler = std::function<void(std::string_view notification)>;
 
     /// Null when the application cannot be observed. Main thread.

@@ -10,10 +10,10 @@
 
 namespace ferrowyn {
 
-/// How an application takes part in the desktop; the values are the raw values of the policies.
+/// How an application takes part in the desktop. The values are those of NSApplicationActivationPolicy.
 enum class ActivationPolicy { regular = 0, accessory = 1, prohibited = 2 };
 
-/// What the installed program says of itself. Each is absent where the installation does not say it.
+/// What the installation says about the program. A field is absent when the installation does not have it.
 struct BundleInfo {
     /// "CFBundleName" on macOS.
     std::optional<std::string> name;
@@ -36,25 +36,25 @@ public:
     virtual ~Application() = default;
 
     [[nodiscard]] virtual Pid ownPid() const = 0;
-    /// Told each time the program itself becomes the active one (the user came back to one of its windows).
+    /// Calls the handler each time this program becomes the active one (the user came back to one of its windows).
     [[nodiscard]] virtual Subscription observeDidBecomeActive(std::function<void()> handler) = 0;
 
     [[nodiscard]] virtual BundleInfo bundleInfo() const = 0;
     /// The operating system's major and minor version numbers joined by ".", such as "14.5".
     [[nodiscard]] virtual std::string systemVersion() const = 0;
-    /// The year of this moment in the calendar that the user has chosen, such as 2569 in the Buddhist one; absent where
-    /// the desktop knows of no other than the Gregorian.
+    /// The year of this moment in the calendar that the user has chosen, such as 2569 in the Buddhist one; absent on a
+    /// desktop that has only the Gregorian one.
     [[nodiscard]] virtual std::optional<int> calendarYear(WallTime moment) const = 0;
 
     /// Whether the program has a place among the running applications (a Dock icon, a task bar entry) beside its
-    /// windows. Ignored by desktops that know no such thing.
+    /// windows. Has no effect on desktops without such a choice.
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
     /// Makes the program the active one, whatever is active now.
     virtual void activate() = 0;
     /// Brings one of the program's own windows, which is on the screen, to the front with the keyboard, whatever is
     /// active now.
     virtual void bringToFront(WindowId window) = 0;
-    /// Ends the program's main loop, as if the user had chosen Quit; what must be given back is given back after that.
+    /// Ends the program's main loop, as if the user had chosen Quit. Clean-up follows when the loop has ended.
     virtual void terminate() = 0;
     /// Shows the program itself in the file manager.
     virtual void revealInFileManager() = 0;

@@ -10,23 +10,23 @@
 
 namespace ferrowyn {
 
-/// A GET request over HTTPS, as an application asks for one: system proxy and certificates, nothing answered from a
-/// cache. The server is told the address, and nothing about the program or its user.
+/// A GET request over HTTPS with the proxy and the certificates of the system, and without a cache. The server gets the
+/// address and nothing about the program or its user.
 struct HttpRequest {
     std::string url;
     /// From the start of the request to the last byte of the answer.
     Seconds timeout{10.0};
-    /// A longer body is a transport error, told as soon as it is known.
+    /// In bytes. A longer body is a failure, reported as soon as the limit is passed.
     std::size_t maximumBodySize = std::size_t{1} << 20U;
 };
 
 struct HttpResponse {
-    /// 0 when what answered was not an HTTP server.
+    /// 0 when the server's answer was not HTTP.
     int status = 0;
     std::string body;
 };
 
-/// No answer was had: no connection, no trust in the certificate, a redirect that leaves HTTPS, too slow, too long.
+/// There is no answer: no connection, no trust in the certificate, a redirect that leaves HTTPS, too slow, too long.
 struct HttpFailure {
     /// For the user, in the language of the program.
     std::string description;
@@ -39,8 +39,9 @@ class HttpClient {
 public:
     virtual ~HttpClient() = default;
 
-    /// Calls back exactly once, later, on the main loop; never after the token was dropped, which cancels the request.
-    /// The callback may drop the token. An address that is not https is a failure.
+    /// Starts the request. Calls `completion` exactly once, in a later turn of the main loop. Dropping the token
+    /// cancels the request: `completion` is not called then. `completion` may drop the token. An address that is not
+    /// https is a failure.
     [[nodiscard]] virtual Subscription get(const HttpRequest& request,
                                            std::function<void(const HttpResult&)> completion) = 0;
 };

@@ -13,7 +13,7 @@
 
 namespace ferrowyn {
 
-/// Device pixels, premultiplied ARGB, each 0xAARRGGBB, row by row from the top.
+/// An image in device pixels: premultiplied ARGB, each pixel 0xAARRGGBB, row by row from the top.
 struct PixelBuffer {
     int width = 0;
     int height = 0;
@@ -36,29 +36,30 @@ public:
 
     /// The icon of the application installed at this path; null when it has none.
     [[nodiscard]] virtual std::shared_ptr<const IconImage> iconForFile(std::string_view path) = 0;
-    /// The icon that the running process gives itself; null when it gives none or has exited.
+    /// The icon that the running process sets for its windows; null when it sets none or has exited.
     [[nodiscard]] virtual std::shared_ptr<const IconImage> iconForProcess(Pid pid) = 0;
-    /// The last resort: never null. `name` may be drawn into it (a lettered tile) where the desktop has no such icon.
+    /// The icon for an application without one. Never null. A desktop without such an icon draws a tile with the first
+    /// letter of `name`.
     [[nodiscard]] virtual std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) = 0;
 
-    /// Tells that the running process gives itself another icon from now on, or its first one.
+    /// Calls the handler with the process that changed its icon or set its first one.
     [[nodiscard]] virtual Subscription observeProcessIcons(std::function<void(Pid)> handler) = 0;
 };
 
 enum class SymbolWeight { light, regular, medium, semibold };
 
-/// The symbols and colours that a desktop has itself, for a program that should look like the rest of it. A desktop
-/// without them has no such object. Main thread.
+/// The desktop's symbols and standard colours, for a program that should look like the rest of it. A desktop without
+/// them has no such object. Main thread.
 class SystemLooks {
 public:
     enum class Color { orange, blue, purple, yellow };
 
     virtual ~SystemLooks() = default;
 
-    /// As the desktop shows it in light or dark surroundings; absent when it cannot be said in red, green and blue.
+    /// The colour in a light or dark scheme; absent when it has no value in red, green and blue.
     [[nodiscard]] virtual std::optional<RgbColor> color(Color color, ColorScheme scheme) const = 0;
-    /// The symbol beside text of this size, in its own proportions, with `scale` device pixels to a point. Only the
-    /// opacity of its pixels counts. Absent when the desktop has none of this name.
+    /// The symbol in the size that suits text of `pointSize`, with `scale` device pixels to a point. Its proportions
+    /// are kept. Only the opacity of its pixels counts. Absent when the desktop has no symbol with this name.
     [[nodiscard]] virtual std::optional<PixelBuffer> symbol(std::string_view name, double pointSize,
                                                             SymbolWeight weight, double scale) const = 0;
 };

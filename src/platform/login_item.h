@@ -13,14 +13,14 @@ public:
     struct Error {
         std::string domain;
         int code = 0;
-        /// In words, as the system gives it.
+        /// The system's own description of the error.
         std::string localizedDescription;
     };
 
     virtual ~LoginItem() = default;
 
     [[nodiscard]] virtual Status status() const = 0;
-    /// Each answers with what went wrong, or nothing.
+    /// Each returns the error, or nothing on success.
     [[nodiscard]] virtual std::optional<Error> registerProgram() = 0;
     [[nodiscard]] virtual std::optional<Error> unregisterProgram() = 0;
 };

@@ -12,7 +12,7 @@ namespace ferrowyn {
 
 /// Durations are seconds in double precision.
 using Seconds = std::chrono::duration<double>;
-/// A moment on the main loop's clock, which never goes backward and says nothing about the calendar.
+/// A moment on the main loop's clock, which never goes backward and has no relation to the calendar.
 using TimePoint = std::chrono::time_point<std::chrono::steady_clock, Seconds>;
 /// A moment by the calendar, counted from 1970-01-01 00:00 UTC. It jumps when someone sets the clock.
 using WallTime = std::chrono::time_point<std::chrono::system_clock, Seconds>;
@@ -26,7 +26,7 @@ public:
 
     /// Main thread.
     [[nodiscard]] virtual TimePoint now() const = 0;
-    /// For what is stored or shown; never for measuring. Main thread.
+    /// For times that are stored or shown; not for measuring durations. Main thread.
     [[nodiscard]] virtual WallTime wallTime() const = 0;
 
     /// Runs the task on the main thread, after every task posted before it. From any thread; never waits, and never
@@ -37,19 +37,19 @@ public:
     [[nodiscard]] virtual Subscription after(Seconds delay, Task task) = 0;
 
     /// Runs the task again and again, first after `interval`; dropping the token, also from the task itself, ends it.
-    /// Main thread. It keeps running while menus are tracked.
+    /// Main thread. It also runs while a menu is open.
     [[nodiscard]] virtual Subscription every(Seconds interval, Task task) = 0;
 
     /// For assertions. From any thread.
     [[nodiscard]] virtual bool isMainThread() const = 0;
 };
 
-/// Posts to the loop, which outlives the result.
+/// Returns a function that posts to the loop. The loop outlives it.
 [[nodiscard]] inline PostTask postTo(MainLoop& mainLoop) {
     return [&mainLoop](std::function<void()> task) { mainLoop.post(std::move(task)); };
 }
 
-/// Worker threads for the work that must not hold up the main thread.
+/// Worker threads for work that must not block the main thread.
 class BackgroundWork {
 public:
     virtual ~BackgroundWork() = default;

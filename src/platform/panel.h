@@ -11,37 +11,36 @@ class QWidget;
 
 namespace ferrowyn {
 
-/// What the panel's content draws behind everything else.
+/// What the panel's content draws as its background.
 enum class PanelBackground {
-    /// A colour, to the square corners: nothing blends the panel with what is behind it.
+    /// An opaque colour with square corners, for a desktop without a compositor.
     opaque,
     /// A colour that lets a little of what is behind the panel through, with round corners. Needs a compositor.
     translucent,
-    /// Nothing: the host has a material of the desktop behind the content, with the same round corners.
+    /// Nothing, because the host shows a material of the desktop behind the content, with round corners.
     material,
 };
 
-/// What the panel shows. Made by the user interface, hosted by the adapter. Main thread.
+/// The content of the panel. The user interface makes it, and the adapter shows it. Main thread.
 class PanelContent {
 public:
     virtual ~PanelContent() = default;
 
-    /// The widget to host, owned by this content; null where nothing is drawn (the simulated desktop). Qt is the
-    /// toolkit on every desktop, so the forward declaration is all that the logic ever knows of it.
+    /// The widget to show, owned by this content; null where nothing is drawn (the simulated desktop). Qt is the
+    /// toolkit on every desktop; the logic knows only this forward declaration.
     [[nodiscard]] virtual QWidget* widget() = 0;
 
-    /// Makes the widget show what the model holds right now, without waiting for the loop: called before the panel is
-    /// shown, so that the very first frame is right.
+    /// Updates the widget from the model at once. Called before the panel is shown, so that its first frame is correct.
     virtual void synchronize() = 0;
 
-    /// Opaque at first. The host says so whenever it changes.
+    /// Opaque at first. The adapter calls this when the background changes.
     virtual void setBackground(PanelBackground background) = 0;
 
-    /// Draws into the whole image, at the image's device pixel ratio, what the widget would show in its first frame if
-    /// a session began now. Changes nothing else; nothing is drawn where `widget` is null.
+    /// Fills the image, at its device pixel ratio, with the first frame that the widget would show if a session began
+    /// now. Changes nothing else. Draws nothing where `widget` is null.
     virtual void renderPreview(QImage& target) = 0;
-    /// Whether the first frame of what the model holds right now is the picture that `renderPreview` drew last. Cheap:
-    /// only what that picture shows is compared.
+    /// Whether the first frame for the current state of the model is the picture that `renderPreview` drew last. Fast:
+    /// compares only what that picture shows.
     [[nodiscard]] virtual bool matchesPreview() const = 0;
 };
 
@@ -56,13 +55,14 @@ public:
     virtual void setContent(std::unique_ptr<PanelContent> content) = 0;
     /// Points growing upward (`Screen`). Does not redraw by itself.
     virtual void setFrame(const Rect& frame) = 0;
-    /// Lays the content out and draws it once where nobody sees it, so that the first real show does not pay for it.
+    /// Lays the content out and draws it once off the screen, so that the first real show is fast.
     virtual void layOutContent() = 0;
-    /// The state that the next session will most likely open with is known and the loop is idle: an adapter may draw
-    /// the frame ahead of the key press. `frame` is where it would appear.
+    /// Called when the loop is idle and the state of the next session is likely to be known. An adapter may draw the
+    /// first frame ahead of the key press. `frame` is where the panel would appear.
     virtual void prepare(const Rect& frame) = 0;
     virtual void orderFront() = 0;
-    /// In front of everything without activating this program. The content is on its way to the screen when it returns.
+    /// Shows the panel in front of everything, without activating this program. The content has been sent to the screen
+    /// when it returns.
     virtual void orderFrontRegardless() = 0;
     virtual void orderOut() = 0;
 };

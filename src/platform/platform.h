@@ -21,8 +21,8 @@ class WindowInventory;
 class Workspace;
 struct TextTable;
 
-/// Everything that the logic asks of a desktop. The factory that makes one owns the implementations and outlives every
-/// service that was given a reference.
+/// All interfaces of a desktop that the logic uses. The object that makes one owns the implementations and outlives
+/// every service that has a reference to it.
 struct Platform {
     MainLoop& mainLoop;
     BackgroundWork& backgroundWork;
@@ -45,8 +45,8 @@ struct Platform {
     const TextTable& texts;
 };
 
-/// Parts that take the place of a platform's own: for a desktop that differs from another one in a few of them, as a
-/// simulated desktop with a real log does. Null keeps the platform's. Whoever gives a part owns it.
+/// Parts that replace those of a platform, such as a real log on a simulated desktop. Null keeps the platform's part.
+/// The caller owns the parts.
 struct PlatformReplacement {
     Log* log = nullptr;
     WindowInventory* windowInventory = nullptr;

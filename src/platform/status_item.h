@@ -19,10 +19,10 @@ struct StatusButton {
     friend bool operator==(const StatusButton&, const StatusButton&) = default;
 };
 
-/// The colours that a menu may give a text or symbol. `label` is what rows have when nothing is said.
+/// The colours that a menu may give a text or symbol. `label` is the default.
 enum class MenuTint { label, secondaryLabel, tertiaryLabel, orange, accent };
 
-/// The menu's first row: the program's icon and name, how it is doing, and a gear that opens the settings.
+/// The menu's first row: the program's icon, name and state, and a gear that opens the settings.
 struct MenuHeader {
     std::string title;
     std::string subtitle;
@@ -30,7 +30,7 @@ struct MenuHeader {
     friend bool operator==(const MenuHeader&, const MenuHeader&) = default;
 };
 
-/// One row of the menu, as a plain value that tests compare whole; the toolkit only draws it.
+/// One row of the menu. A plain value; the toolkit only draws it.
 struct MenuRow {
     enum class Kind { header, separator, sectionTitle, item };
     /// What choosing the row does; the controller carries it out.
@@ -51,7 +51,7 @@ struct MenuRow {
     /// For a header only.
     MenuHeader header;
     std::string title;
-    /// Drawn behind the title in the tertiary colour, such as the keys that open the switcher; empty for most rows.
+    /// Drawn after the title in the tertiary colour, such as the keys that open the switcher. Empty for most rows.
     std::string titleSuffix;
     /// Name of a symbol; empty for none.
     std::string symbol;
@@ -59,7 +59,7 @@ struct MenuRow {
     /// The character that, with the menu's modifier, chooses the row while the menu is open; empty for none.
     std::string keyEquivalent;
     std::string tooltip;
-    /// What the row stands for, such as the stored value of a layout; empty for most rows.
+    /// The value that the row selects, such as the stored form of a layout. Empty for most rows.
     std::string representedValue;
     bool isEnabled = true;
     bool isChecked = false;
@@ -75,14 +75,14 @@ public:
     virtual ~StatusItem() = default;
 
     virtual void setButton(const StatusButton& button) = 0;
-    /// Replaces the menu. One that is open at this moment may go on showing the old rows, or follow.
+    /// Replaces the menu. A menu that is open now may keep the old rows or show the new ones.
     virtual void setMenu(const StatusMenu& menu) = 0;
     /// Called with the row that the user chose, after the menu has closed; for the header it is `openSettings`.
     virtual void setActionHandler(std::function<void(const MenuRow&)> handler) = 0;
 };
 
-/// An icon in the desktop's tray, for desktops where the menu is the program's own popup. Main thread. It appears as
-/// soon as a tray takes it, and again in every tray that replaces the first.
+/// An icon in the desktop's tray, for desktops where the program shows the menu itself. It appears as soon as a tray
+/// accepts it, and again when another tray replaces the first. Main thread.
 class TrayIcon {
 public:
     virtual ~TrayIcon() = default;
@@ -91,9 +91,9 @@ public:
     virtual void setIcon(const std::string& symbol) = 0;
     virtual void setToolTip(const std::string& title) = 0;
     /// Called when the user presses the icon with either button or chooses it with the keyboard. `anchor` is the icon's
-    /// rectangle in pixels of the root window, or a point (an empty rectangle) where the tray tells no more.
+    /// rectangle in pixels of the root window, or an empty rectangle at a point when the tray does not report the size.
     virtual void setPressHandler(std::function<void(const Rect& anchor)> handler) = 0;
-    /// Whether some tray shows the icon now.
+    /// Whether a tray shows the icon now.
     [[nodiscard]] virtual bool isShown() const = 0;
 };
 

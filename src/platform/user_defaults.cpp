@@ -25,7 +25,7 @@ std::int64_t parsedInteger(const std::string& text) {
 }
 
 std::int64_t nearestInteger(double real) {
-    // The largest integer is no real number; this is the next above it. Nothing between them is one either.
+    // The smallest double that is too large for an integer. The largest integer itself is not a double.
     constexpr double beyondLargest = 0x1p63;
     if (std::isnan(real)) {
         return 0;
@@ -36,7 +36,7 @@ std::int64_t nearestInteger(double real) {
     return real < -beyondLargest ? IntegerLimits::min() : static_cast<std::int64_t>(real);
 }
 
-/// Not from_chars, which the C++ library of macOS has for whole numbers only.
+/// Does not use from_chars, because the C++ library of macOS has it only for integers.
 double parsedReal(const std::string& text) {
     std::istringstream stream(text);
     stream.imbue(std::locale::classic());

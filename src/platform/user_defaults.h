@@ -20,14 +20,14 @@ public:
 
     virtual void registerDefaults(const std::map<std::string, DefaultsValue>& defaults) = 0;
 
-    /// What is stored under the key, else what is registered for it, whatever its type; nothing when there is neither.
+    /// The stored value of the key, else the registered one, of any type; nothing when there is neither.
     [[nodiscard]] virtual std::optional<DefaultsValue> value(std::string_view key) const = 0;
-    /// Stores the value: later reads see it at once, and it is on its way to the disk when this returns.
+    /// Stores the value. Later reads return it at once; it is written to the disk soon after.
     virtual void set(std::string_view key, DefaultsValue value) = 0;
 
-    /// The typed reads take what can be read as their type and answer with the type's zero (or nothing) otherwise. A
-    /// real is cut to an integer towards zero, a number beyond the integers to the last of them on its side; any number
-    /// but zero is true.
+    /// The typed reads convert the value to their type. They return zero, false or nothing when it cannot be converted.
+    /// A real is rounded towards zero to an integer; a number beyond the range becomes the nearest integer of the
+    /// range; any number except zero is true.
     [[nodiscard]] std::optional<std::string> string(std::string_view key) const;
     [[nodiscard]] bool boolean(std::string_view key) const;
     [[nodiscard]] std::int64_t integer(std::string_view key) const;

@@ -8,9 +8,9 @@
 
 namespace ferrowyn {
 
-/// Drives other applications and their windows. Main thread. Every call may be refused or time out; the adapter logs
-/// that and the caller goes on. A desktop that takes one request where another takes eight carries each step out as
-/// far as it means something there, so that the whole sequence ends with the window raised and focused.
+/// Controls other applications and their windows. Main thread. Every call may be refused or time out; the adapter logs
+/// that and the caller goes on. The calls are the steps of an activation on macOS. Another desktop carries out each
+/// step as far as it exists there, so that the whole sequence ends with the window raised and focused.
 class WindowControl {
 public:
     virtual ~WindowControl() = default;
@@ -21,7 +21,7 @@ public:
     virtual void activate(Pid pid) = 0;
     [[nodiscard]] virtual bool isActive(Pid pid) const = 0;
 
-    /// How long a request to the application, or to one window, may take.
+    /// Sets how long a request to the application, or to one window, may take.
     virtual void setMessagingTimeout(Pid pid, Seconds timeout) = 0;
     virtual void setMessagingTimeout(const AXElementRef& window, Seconds timeout) = 0;
 
@@ -36,9 +36,9 @@ public:
     [[nodiscard]] virtual std::optional<bool> isMain(const AXElementRef& window) const = 0;
     [[nodiscard]] virtual std::optional<bool> isFocused(const AXElementRef& window) const = 0;
 
-    /// Whether something else was chosen after this window was last raised: it has got the focus and lost it again, or
-    /// the user has clicked on another window since. What an application or the window manager focuses on the way to
-    /// the window is no choice. False where the system does not tell.
+    /// Whether the user chose another window after this one was last raised: it got the focus and lost it again, or the
+    /// user has clicked on another window. A focus that the application or the window manager sets before this window
+    /// gets it does not count. False where the system does not report it.
     [[nodiscard]] virtual bool wasOvertaken(const AXElementRef& window) const = 0;
 
     /// The elements of the application's windows; empty when it does not answer.

@@ -14,7 +14,7 @@
 
 namespace ferrowyn {
 
-/// What the window server says about one window. Every field may be absent; the defaults are the logic's.
+/// What the window server reports about one window. Every field may be absent; the logic has the defaults.
 struct WindowServerEntry {
     std::optional<WindowId> id;
     std::optional<std::string> ownerName;
@@ -28,10 +28,10 @@ struct WindowServerEntry {
     std::optional<Pid> ownerPid;
 };
 
-/// One window as its application's Accessibility interface describes it; absent is what could not be read.
+/// One window as its application's Accessibility interface describes it. A field that could not be read is absent.
 struct AccessibleWindow {
     AXElementRef element;
-    /// What the element-to-window-number lookup answered; absent when there is no such lookup or it failed.
+    /// The number of the element's window; absent when the system has no such lookup or it failed.
     std::optional<WindowId> windowNumber;
     std::optional<std::string> subrole;
     std::optional<std::string> title;
@@ -39,8 +39,8 @@ struct AccessibleWindow {
     std::optional<bool> isFullScreen;
     std::optional<Point> position;
     std::optional<Size> size;
-    /// The modal dialog that takes this window's input, the last one where dialogs block dialogs; absent when there is
-    /// none, and where the desktop does not tell.
+    /// The modal dialog that takes this window's input; the last one where dialogs block dialogs. Absent when there is
+    /// none, and where the desktop does not report it.
     std::optional<ModalDialog> blockedBy;
 };
 
@@ -50,36 +50,36 @@ struct AccessibleApplication {
     std::vector<AccessibleWindow> windows;
 };
 
-/// One look at the desktop, for one snapshot. An adapter whose system answers in bulk fetches everything when the
-/// reading begins and answers from that; one whose system is asked application by application asks when it is asked.
-/// Every method may be called from several worker threads at once; none from the main thread.
+/// One reading of the desktop, for one snapshot. Where the system answers in bulk, the adapter fetches everything when
+/// the reading begins. Where each application is asked separately, the adapter asks during the call. Several worker
+/// threads may call at once; the main thread must not.
 class InventoryReading {
 public:
     virtual ~InventoryReading() = default;
 
     /// All windows of all Spaces, front-most first, without desktop elements; nothing when the server did not answer.
-    /// The list may be in no particular order where the desktop does not tell its stacking.
+    /// The order is unspecified where the desktop does not report the stacking.
     [[nodiscard]] virtual std::optional<std::vector<WindowServerEntry>> windowList() const = 0;
     /// The windows of the active Space; empty when the server did not answer.
     [[nodiscard]] virtual std::unordered_set<WindowId> onScreenWindowIds() const = 0;
     [[nodiscard]] virtual std::vector<RunningApplication> runningApplications() const = 0;
-    /// The windows of one application with all that is asked of them; nothing when the application has no such
-    /// interface or did not answer within `messagingTimeout` (a request; whole applications may take a few of them).
+    /// The windows of one application; nothing when it has no Accessibility interface or did not answer a request
+    /// within `messagingTimeout`. The call may make several requests.
     [[nodiscard]] virtual std::optional<AccessibleApplication> windowsOf(Pid pid, Seconds messagingTimeout) const = 0;
-    /// False when this system has no element-to-window-number lookup, so that windows are matched by geometry.
+    /// False when the system cannot find the window number of an element. Windows are matched by geometry then.
     [[nodiscard]] virtual bool hasWindowNumberLookup() const = 0;
 };
 
-/// Which windows exist. The reading is for worker threads, the rest for the main thread.
+/// Reports which windows exist. Worker threads make readings; the rest is for the main thread.
 class WindowInventory {
 public:
     virtual ~WindowInventory() = default;
 
-    /// Begins one look at the desktop. From a worker thread; may wait for the system. Never null.
+    /// Begins a reading. On a worker thread; may wait for the system. Never null.
     [[nodiscard]] virtual std::unique_ptr<InventoryReading> beginReading() const = 0;
 
-    /// The window list's numbers alone, front-most first, an entry without a number as nothing; nothing at all when
-    /// the server does not answer. Main thread; cheap, an adapter that is told of restacking keeps it ready.
+    /// The numbers of the window list, front-most first; an entry without a number is empty. Nothing when the server
+    /// does not answer. Main thread. Fast: an adapter that gets notifications of restacking keeps the list ready.
     [[nodiscard]] virtual std::optional<std::vector<std::optional<WindowId>>> windowOrder() const = 0;
 
     /// The window number of the application's focused window; nothing when it has none, does not answer within

@@ -36,26 +36,26 @@ struct WorkspaceEvent {
         screenParametersDidChange,
     };
     Kind kind = Kind::didLaunch;
-    /// The application it happened to; absent for the last two kinds, and where a desktop cannot tell.
+    /// The application of the event; absent for the last two kinds, and where the desktop does not report it.
     std::optional<RunningApplication> application;
 };
 
-/// Addresses for `Workspace::open` that stand for a page of the system's settings. A desktop without such a page
-/// answers them with what serves the same purpose there.
+/// Addresses of pages of the system's settings, for `Workspace::open`. A desktop without such a page opens what serves
+/// the same purpose.
 namespace settings_page {
 inline constexpr std::string_view accessibility =
     "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 inline constexpr std::string_view loginItems = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
 }  // namespace settings_page
 
-/// The desktop's view of running applications. Main thread. Nothing here waits for another process.
+/// The running and installed applications of the desktop. Main thread. No call waits for another process.
 class Workspace {
 public:
     virtual ~Workspace() = default;
 
     [[nodiscard]] virtual std::vector<RunningApplication> runningApplications() const = 0;
     [[nodiscard]] virtual std::optional<RunningApplication> runningApplication(Pid pid) const = 0;
-    /// The application that has the keyboard; nothing when there is none or the desktop does not tell.
+    /// The application that has the keyboard; nothing when there is none or the desktop does not report it.
     [[nodiscard]] virtual std::optional<Pid> frontmostPid() const = 0;
 
     using EventHandler = std::function<void(const WorkspaceEvent&)>;
@@ -65,13 +65,13 @@ public:
     /// string counts as a name); nothing when it is not installed or cannot be read.
     [[nodiscard]] virtual std::optional<std::string> installedApplicationName(
         std::string_view bundleIdentifier) const = 0;
-    /// Where the installed application with this identifier lies, as `RunningApplication::bundleURL` says it; nothing
-    /// when it is not installed.
+    /// The path of the installed application with this identifier, in the form of `RunningApplication::bundleURL`;
+    /// nothing when it is not installed.
     [[nodiscard]] virtual std::optional<std::string> installedApplicationPath(
         std::string_view bundleIdentifier) const = 0;
 
-    /// Hands the address to the desktop's default handler; false when that could not even be started. A page of the
-    /// system settings that this desktop does not have opens the program's own twin of it.
+    /// Opens the address with the desktop's default handler; false when that could not be started. For a page of the
+    /// system's settings that this desktop does not have, opens the program's own page instead.
     virtual bool open(std::string_view url) = 0;
 };
 

@@ -23,16 +23,16 @@ namespace {
 
 constexpr long mostRedirects = 10;
 constexpr long firstErrorStatus = 300;
-/// For the header fields of all answers of one request together, those of redirects included. In bytes.
+/// In bytes, for the header fields of all answers of one request together, redirects included.
 constexpr std::size_t largestHead = std::size_t{64} << 10U;
-/// A transfer that is cancelled is woken up; this only bounds one wait for sockets. In milliseconds.
+/// In milliseconds, for one wait for sockets. A transfer that is cancelled wakes up earlier.
 constexpr int longestPoll = 60'000;
 
 HttpFailure failure(const char* text) {
     return {QCoreApplication::translate("HttpClient", text).toStdString()};
 }
 
-/// The address as it is sent; empty unless it is a valid https address. A user's name or password in it are not sent.
+/// The address to request, without a user name or password; empty unless it is a valid https address.
 std::string secureAddress(const std::string& text) {
     const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
     if (!url.isValid() || url.scheme() != "https" || url.host().isEmpty()) {
@@ -41,8 +41,8 @@ std::string secureAddress(const std::string& text) {
     return url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment).toStdString();
 }
 
-/// The first of the proxies that the system names through which an encrypted connection can be had, as libcurl writes
-/// it; empty for none. The answer may come from a script that is fetched first: not for the main thread.
+/// The first of the system's proxies that can carry an encrypted connection, in libcurl's form; empty for none. Not for
+/// the main thread, because the system may first fetch a script that chooses the proxy.
 std::string proxyFor(const std::string& address) {
     const QNetworkProxyQuery query(QUrl(QString::fromStdString(address)));
     for (const auto& proxy : QNetworkProxyFactory::systemProxyForQuery(query)) {
@@ -85,13 +85,13 @@ public:
           timeout_(request.timeout),
           largestBody_(request.maximumBodySize) {}
 
-    /// Makes `run` return soon, with a result that says nothing.
+    /// Makes `run` return soon, with a meaningless result.
     void cancel() {
         isCancelled_.store(true);
         curl_multi_wakeup(multi_.get());
     }
 
-    /// Once, on a worker thread: waits for the answer.
+    /// Waits for the answer. Called once, on a worker thread.
     [[nodiscard]] HttpResult run() {
         const auto proxy = isCancelled_.load() ? std::string() : proxyFor(address_);
         const std::unique_ptr<curl_slist, ListDeleter> fields(
@@ -123,14 +123,15 @@ private:
         curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
         curl_easy_setopt(easy, CURLOPT_MAXREDIRS, mostRedirects);
         curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-        // A field without a value is left out; libcurl would send that one.
+        // A field without a value removes the field that libcurl would send.
         curl_easy_setopt(easy, CURLOPT_HTTPHEADER, fields);
         curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-        // Where a name has several addresses, one that does not answer is left for the next after half of this time.
+        // When a name has several addresses, libcurl tries the next one after half of this time.
         curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, milliseconds(timeout_));
-        // Does not wait for the lookup of a name that nobody needs any more.
+        // A cancelled transfer does not wait for the lookup of its name.
         curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
-        // Set even when there is none: libcurl would ask the environment, which the system's answer goes before.
+        // Set also when there is none, because libcurl would read the environment otherwise, and the system's setting
+        // has priority.
         curl_easy_setopt(easy, CURLOPT_PROXY, proxy.c_str());
         curl_easy_setopt(easy, CURLOPT_NOPROXY, "");
         curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -193,7 +194,7 @@ private:
                 return HttpResponse{status, std::move(body_)};
             case CURLE_URL_MALFORMAT:
             case CURLE_UNSUPPORTED_PROTOCOL:
-                // Said of an answer without a status line, and of a redirect to another protocol.
+                // libcurl's result for an answer without a status line, and for a redirect to another protocol.
                 if (!hasAnswer_) {
                     return HttpResponse{};
                 }
@@ -205,7 +206,7 @@ private:
             case CURLE_TOO_MANY_REDIRECTS:
                 return failure(QT_TRANSLATE_NOOP("HttpClient", "The server redirects too often."));
             case CURLE_FILESIZE_EXCEEDED:
-            // Of header fields that are longer than the library takes them.
+            // libcurl's result for header fields that are too long for it.
             case CURLE_OUT_OF_MEMORY:
                 return failure(QT_TRANSLATE_NOOP("HttpClient", "The server's answer is too long."));
             case CURLE_PARTIAL_FILE:
@@ -239,16 +240,16 @@ private:
     const std::size_t largestBody_;
     const std::unique_ptr<CURLM, MultiDeleter> multi_{curl_multi_init()};
     std::atomic<bool> isCancelled_{false};
-    // Of the worker thread.
+    // Used by the worker thread only.
     bool hasAnswer_ = false;
     bool isTooLong_ = false;
     std::size_t headSize_ = 0;
     std::string body_;
 };
 
-/// The transfers that run now. A process may end with `exit` in the middle of one, as the toolkit does when the display
-/// is gone: what a transfer uses must not be cleaned up under it. So the end of the process waits for them, before
-/// libcurl cleans up. This object itself is never destroyed: a worker may come to it even later.
+/// The transfers that run now. The process may end with `exit` during a transfer (the toolkit does that when the
+/// display is gone). The end of the process then waits for the transfers before libcurl cleans up. This object is never
+/// destroyed, because a worker may use it even later.
 class RunningTransfers {
 public:
     static RunningTransfers& instance() {
@@ -275,7 +276,7 @@ public:
 private:
     RunningTransfers() {
         curl_global_init(CURL_GLOBAL_DEFAULT);
-        // Called before what libcurl has just registered.
+        // Runs before the clean-up that libcurl has just registered.
         std::atexit([] { instance().end(); });
     }
 
@@ -285,7 +286,7 @@ private:
         for (auto* const transfer : running_) {
             transfer->cancel();
         }
-        // Only the system's search for its proxy cannot be cancelled.
+        // Waits only for a limited time, because the system's search for its proxy cannot be cancelled.
         oneHasEnded_.wait_for(lock, patienceAtTheEnd, [this] { return running_.empty(); });
     }
 
@@ -297,7 +298,7 @@ private:
     bool isEnding_ = false;
 };
 
-/// One request as its caller sees it; main thread. The caller's token owns it.
+/// One request on the caller's side. Main thread; the caller's token owns it.
 class Exchange {
 public:
     explicit Exchange(std::function<void(const HttpResult&)> completion) : completion_(std::move(completion)) {}
@@ -333,7 +334,7 @@ private:
 
 CurlHttpClient::CurlHttpClient(MainLoop& mainLoop, BackgroundWork& backgroundWork, std::string authoritiesFile)
     : mainLoop_(mainLoop), backgroundWork_(backgroundWork), authoritiesFile_(std::move(authoritiesFile)) {
-    // Sets libcurl up, which must happen before a second thread uses it.
+    // Initialises libcurl before a second thread uses it.
     RunningTransfers::instance();
 }
 

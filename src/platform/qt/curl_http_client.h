@@ -12,15 +12,15 @@ class BackgroundWork;
 class MainLoop;
 
 /// HTTPS over libcurl. The server's certificate is always checked, nothing is kept between requests (no cache, no
-/// cookies), and a redirect that leaves HTTPS is an error. A transfer runs on a worker thread, where its waits hold up
-/// nobody. Main thread, with a QCoreApplication. Main loop and background
-/// work outlive its requests.
+/// cookies), and a redirect that leaves HTTPS is an error. A transfer runs and waits on a worker thread. Main thread,
+/// with a QCoreApplication. The main loop and the background work outlive its requests.
 ///
-/// Qt's HTTP client is not used: it always sends a program's name, the user's language and a list of encodings, and
-/// takes header fields without any bound.
+/// Qt's HTTP client is not used: it always sends a program's name, the user's language and a list of encodings, and it
+/// has no limit for the size of header fields.
 class CurlHttpClient final : public HttpClient {
 public:
-    /// The authorities in this file (PEM) are trusted in place of the system's, unless it is empty.
+    /// `authoritiesFile` is a PEM file of certificate authorities to trust instead of the system's; empty for the
+    /// system's.
     CurlHttpClient(MainLoop& mainLoop, BackgroundWork& backgroundWork, std::string authoritiesFile = {});
 
     [[nodiscard]] Subscription get(const HttpRequest& request,

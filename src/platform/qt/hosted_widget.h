@@ -10,19 +10,19 @@ class QWidget;
 
 namespace ferrowyn {
 
-/// A widget of the toolkit within one of the system's views. Main thread.
+/// A widget of the toolkit inside a view of the system. Main thread.
 class HostedWidget {
 public:
     virtual ~HostedWidget() = default;
 
     /// Makes the widget fill a view of this size.
     virtual void fill(const Size& size) = 0;
-    /// Lets the widget know whether it can be seen; what it shows is laid out before this returns.
+    /// Shows or hides the widget. Its content is laid out before this returns.
     virtual void setVisible(bool isVisible) = 0;
-    /// The pointer is over the widget, at this place in points from its upper left corner, and nothing but this call
-    /// tells it so.
+    /// The pointer is over the widget, at this place in points from its upper left corner. The widget gets no other
+    /// event for that.
     virtual void movePointer(const Point& place) = 0;
-    /// The pointer is over the widget no longer.
+    /// The pointer has left the widget.
     virtual void removePointer() = 0;
 };
 

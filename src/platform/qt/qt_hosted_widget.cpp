@@ -9,7 +9,7 @@
 namespace ferrowyn {
 
 QtHostedWidget::QtHostedWidget(QWidget& widget, std::uintptr_t view) : widget_(widget) {
-    // The system's material shows through, and the keys belong to the application in front.
+    // The system's material shows through, and the application in front keeps the keyboard.
     widget_.setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
     widget_.setAttribute(Qt::WA_TranslucentBackground);
     widget_.setAttribute(Qt::WA_ShowWithoutActivating);
@@ -20,7 +20,7 @@ QtHostedWidget::QtHostedWidget(QWidget& widget, std::uintptr_t view) : widget_(w
 
 QtHostedWidget::~QtHostedWidget() {
     widget_.hide();
-    // The widget's window belongs to the widget, not to what stands for the view.
+    // The widget owns its window, so the window must leave its parent first.
     if (auto* const window = widget_.windowHandle()) {
         window->setParent(nullptr);
     }

@@ -8,10 +8,10 @@ class QWindow;
 
 namespace ferrowyn {
 
-/// A widget whose window the toolkit places in a view that is not its own. Main thread, with a QApplication.
+/// A widget whose window is placed in a view that the toolkit did not make. Main thread, with a QApplication.
 class QtHostedWidget final : public HostedWidget {
 public:
-    /// Both outlive this.
+    /// Both outlive this object.
     QtHostedWidget(QWidget& widget, std::uintptr_t view);
     ~QtHostedWidget() override;
     QtHostedWidget(const QtHostedWidget&) = delete;
@@ -24,11 +24,11 @@ public:
 
 private:
     QWidget& widget_;
-    /// What stands in the toolkit for the view.
+    /// The toolkit's window for the view.
     std::unique_ptr<QWindow> parent_;
 };
 
-/// As a `WidgetHost`.
+/// A `WidgetHost` that makes a QtHostedWidget.
 [[nodiscard]] std::unique_ptr<HostedWidget> hostQtWidget(QWidget& widget, std::uintptr_t view);
 
 }  // namespace ferrowyn

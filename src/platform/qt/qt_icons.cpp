@@ -21,7 +21,7 @@ namespace ferrowyn {
 PixelBuffer QtIconImage::render(int side) const {
     QImage canvas(side, side, QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
-    // The icon never gives more than it has: a small one is scaled up here, so that all rows look alike.
+    // A QIcon never returns a larger picture than it has. A small one is scaled up here, so that all rows look alike.
     const QPixmap pixmap = icon_.pixmap(QSize(side, side), 1.0);
     if (!pixmap.isNull()) {
         QPainter painter(&canvas);
@@ -58,7 +58,7 @@ QImage imageFrom(const PixelBuffer& buffer) {
 namespace {
 
 constexpr std::uint32_t alphaMask = 0xFF000000U;
-/// Nobody draws larger icons; a larger size is a program's mistake or an attempt to eat memory.
+/// No icon is drawn larger than this. A larger size is a mistake of a program, or an attack on memory.
 constexpr int largestSide = 1024;
 
 bool isUsable(const PixelBuffer& buffer) {
@@ -96,7 +96,7 @@ PixelBuffer PixelIconImage::render(int side) const {
     if (best.width == side && best.height == side) {
         return best;
     }
-    // Scaling down in one smooth step averages all pixels, which drawing scaled would not.
+    // Scaling down in one smooth step averages all pixels; drawing it scaled does not.
     const QImage scaled = imageFrom(best).scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     QImage canvas(side, side, QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
@@ -109,7 +109,7 @@ PixelBuffer PixelIconImage::render(int side) const {
 namespace {
 
 constexpr int hueCount = 360;
-/// Of a tile of 32.
+/// For a tile with sides of 32.
 constexpr double cornerRadius = 8.0 / 32.0;
 /// The letter's cap height is about 0.4 of the tile with this em size.
 constexpr double emSize = 18.0 / 32.0;
@@ -127,7 +127,7 @@ std::string firstCharacter(std::string_view name) {
     return text::characterCount(upper) == 1 ? upper : std::string(characters.front());
 }
 
-/// FNV-1a: std::hash may differ from one library to the next, and with it the colours people got used to.
+/// FNV-1a, because std::hash differs between libraries, and the colours must stay the same.
 int stableHue(std::string_view name) {
     std::uint32_t hash = 2166136261U;
     for (const char byte : name) {
@@ -136,7 +136,7 @@ int stableHue(std::string_view name) {
     return static_cast<int>(hash % hueCount);
 }
 
-/// Yellow and green look brighter than other hues, too bright for a white letter, so that they are made darker.
+/// Yellow and green look brighter than other hues, too bright for a white letter, so they are made darker.
 QColor tileColour(int hue, float lightness) {
     constexpr float brightestHue = 90.0F;
     constexpr float degree = std::numbers::pi_v<float> / 180.0F;
@@ -160,7 +160,7 @@ void drawLetter(QPainter& painter, const QString& letter, double side) {
     const QFontMetricsF metrics(font);
     painter.setFont(font);
     painter.setPen(Qt::white);
-    // Centred by what is inked, not by ascent and descent: a lone capital would sit too high.
+    // Centred by the drawn shape, because a capital centred by ascent and descent would be too high.
     const QRectF ink = metrics.tightBoundingRect(letter);
     painter.drawText(QPointF(side / 2 - ink.center().x(), side / 2 - ink.center().y()), letter);
 }
@@ -176,7 +176,7 @@ PixelBuffer LetteredTile::render(int side) const {
     painter.setRenderHint(QPainter::Antialiasing);
 
     const QRectF tile(0, 0, side, side);
-    // With a little light from above.
+    // Slightly lighter at the top.
     QLinearGradient gradient(tile.topLeft(), tile.bottomLeft());
     gradient.setColorAt(0, tileColour(hue_, 0.54F));
     gradient.setColorAt(1, tileColour(hue_, 0.42F));

@@ -24,7 +24,7 @@ private:
     QIcon icon_;
 };
 
-/// Between the interface's pixels and the toolkit's image of the same format.
+/// Convert between `PixelBuffer` and the toolkit's image of the same format.
 [[nodiscard]] PixelBuffer pixelBufferFrom(const QImage& image);
 [[nodiscard]] QImage imageFrom(const PixelBuffer& buffer);
 
@@ -45,8 +45,8 @@ private:
     std::vector<PixelBuffer> sizes_;
 };
 
-/// The last resort among icons: a rounded tile in a colour of the name's own, with the name's first character on it.
-/// Main thread, with a QGuiApplication.
+/// The last resort among icons: a rounded tile in a colour that depends on the name, with the name's first character on
+/// it. Main thread, with a QGuiApplication.
 class LetteredTile final : public IconImage {
 public:
     explicit LetteredTile(std::string_view name);

@@ -31,8 +31,8 @@ std::chrono::milliseconds wholeMilliseconds(Seconds duration) {
 
 }  // namespace
 
-/// Keeps posted tasks, and has Qt call for each in its turn. The tasks themselves are handed over under a lock of our
-/// own, which the thread sanitizer sees; Qt's it does not.
+/// Keeps the posted tasks, with one Qt event for each. The tasks have their own lock, because the thread sanitizer does
+/// not see Qt's lock.
 class QtMainLoop::PostedTasks final : public QObject {
 public:
     void add(Task task) {
@@ -40,7 +40,7 @@ public:
             const std::lock_guard guard(lock_);
             tasks_.push_back(std::move(task));
         }
-        // Ahead of whatever else waits: a key press must not queue behind repaints.
+        // High priority, because a key press must not wait for repaints.
         QCoreApplication::postEvent(this, new QEvent(postedTaskType()), Qt::HighEventPriority);
     }
 
@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    /// There is one event for each task, so there is one left.
+    /// There is one event for each task, so the queue is not empty.
     Task takeFirst() {
         const std::lock_guard guard(lock_);
         Task task = std::move(tasks_.front());
@@ -77,7 +77,7 @@ public:
     }
 
     void cancel(int id, const std::weak_ptr<const void>& entry) {
-        // A one-shot timer's id may have been handed out again since it fired.
+        // The id of a one-shot timer may have been reused since it fired.
         const auto found = entries_.find(id);
         if (found != entries_.end() && found->second == entry.lock()) {
             killTimer(id);
@@ -94,7 +94,7 @@ protected:
         if (found == entries_.end()) {
             return;
         }
-        // Held here because the task may drop its own token.
+        // Kept alive here, because the task may drop its token.
         const auto entry = found->second;
         if (entry->repeats == Repeats::no) {
             killTimer(event->timerId());
@@ -134,7 +134,7 @@ Subscription QtMainLoop::after(Seconds delay, Task task) {
 
 Subscription QtMainLoop::every(Seconds interval, Task task) {
     assert(isMainThread());
-    // Slow periodic work may be up to 5 % off, so that the timers of the whole program wake it up together.
+    // Slow periodic timers may be off by 5 %, so that Qt can fire the program's timers together.
     const auto type = interval >= Seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer;
     return token(timers_->start(interval, type, Timers::Repeats::yes, std::move(task)));
 }
@@ -186,7 +186,7 @@ public:
 
 private:
     const std::size_t count_;
-    /// The caller's; only used for iterations that the caller waits for.
+    /// Belongs to the caller, which waits for every iteration that uses it.
     const std::function<void(std::size_t)>& iteration_;
     std::atomic<std::size_t> next_{0};
     std::mutex mutex_;
@@ -204,7 +204,7 @@ QtBackgroundWork::~QtBackgroundWork() {
     pool_.waitForDone();
 }
 
-/// Handed over under a lock of our own, which the thread sanitizer sees; the pool's it does not.
+/// Passes the work on under this class's lock, because the thread sanitizer does not see the lock of the pool.
 void QtBackgroundWork::run(std::function<void()> work) {
     {
         const std::scoped_lock lock(mutex_);
@@ -234,8 +234,8 @@ void QtBackgroundWork::concurrentPerform(std::size_t count, const std::function<
         key = nextKey_++;
         shared_.emplace(key, shared);
     }
-    // Only threads that are free right now help: the caller takes part itself, so it ends even when there is none, and
-    // two callers at once cannot wait for each other.
+    // Only threads that are free now help. The caller does iterations itself, so the call also ends without helpers,
+    // and two callers cannot wait for each other.
     for (std::size_t helper = 1; helper < count; ++helper) {
         if (!pool_.tryStart([this, key] { helpWith(key); })) {
             break;

@@ -30,7 +30,7 @@ public:
     [[nodiscard]] Subscription every(Seconds interval, Task task) override;
     [[nodiscard]] bool isMainThread() const override;
 
-    /// How many timers are waiting.
+    /// The number of waiting timers.
     [[nodiscard]] std::size_t pendingTimerCount() const;
 
 private:
@@ -41,11 +41,11 @@ private:
 
     std::thread::id mainThread_ = std::this_thread::get_id();
     std::unique_ptr<PostedTasks> postedTasks_;
-    /// Shared with the tokens, weakly: a token may outlive the loop.
+    /// The tokens hold it weakly, because a token may outlive the loop.
     std::shared_ptr<Timers> timers_;
 };
 
-/// Worker threads in a pool of their own, so that nothing else that uses Qt's global pool can hold up a snapshot.
+/// Worker threads in a separate pool, so that users of Qt's global pool cannot delay a snapshot.
 class QtBackgroundWork final : public BackgroundWork {
 public:
     QtBackgroundWork();
@@ -63,10 +63,11 @@ private:
     void helpWith(std::uint64_t key);
 
     std::mutex mutex_;
-    /// What no worker has begun yet, first come first.
+    /// The work that no worker has begun yet, oldest first.
     std::deque<std::function<void()>> waiting_;
     std::uint64_t nextKey_ = 0;
-    /// What helpers are handed goes through this class's own lock: the pool's is out of the thread sanitizer's sight.
+    /// The helpers get their work under this class's lock, because the thread sanitizer does not see the lock of the
+    /// pool.
     std::unordered_map<std::uint64_t, std::shared_ptr<SharedIterations>> shared_;
     QThreadPool pool_;
 };

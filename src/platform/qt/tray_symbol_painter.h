@@ -8,8 +8,8 @@
 
 namespace ferrowyn {
 
-/// Draws one of the program's symbols as an icon with sides of so many pixels. The colour is the tray's own where it
-/// names one; otherwise the drawing must do on any ground. Main thread.
+/// Draws one of the program's symbols as a square icon; `side` is in pixels. `color` is the tray's colour; when it is
+/// absent the drawing must be visible on any background. Main thread.
 using TraySymbolPainter =
     std::function<QImage(const std::string& symbol, int side, const std::optional<QColor>& color)>;
 

@@ -24,10 +24,10 @@
 namespace ferrowyn {
 
 /// A deterministic desktop with a virtual clock: it implements the platform interfaces (`platform()`) and, separately,
-/// this control interface, with which a test or the simulator plays the user, the applications and the system. Nothing
-/// happens but in the calling thread, inside `advance` or one of the calls below; only the tap thread is real. What the
-/// user and the applications do is announced inside the call that does it; what the program asks of them through
-/// `WindowControl` is announced when the loop settles.
+/// this control interface, with which a test or the simulator plays the user, the applications and the system.
+/// Everything happens in the calling thread, inside `advance` or one of the calls below; only the tap thread is real.
+/// The notifications of what the user and the applications do are delivered inside the call. Those of what the program
+/// requests through `WindowControl` are delivered when the loop settles.
 class SimulatedDesktop {
 public:
     /// The program's own process.
@@ -49,11 +49,11 @@ public:
     [[nodiscard]] WallTime wallTime() const;
     /// Sets the calendar's clock; it is 2026-01-01 00:00 UTC at first.
     void setWallTime(WallTime time);
-    /// How many timers are waiting, for tests of what must not be left behind.
+    /// The number of waiting timers, for tests that no timer is left.
     [[nodiscard]] std::size_t pendingTimerCount() const;
 
     // --- background work --------------------------------------------------------------------------------------------
-    /// While held, background work waits; released, it runs when the loop next settles. Not held at first.
+    /// While held, background work waits. After the release it runs when the loop next settles. Not held at first.
     void holdBackgroundWork(bool isHeld);
     [[nodiscard]] std::size_t heldBackgroundWorkCount() const;
 
@@ -61,22 +61,22 @@ public:
     using AppSpec = SimulatedAppState;
     using WindowSpec = SimulatedWindowState;
 
-    /// Launches with the workspace notification, unless `silently` (it was running before, or nobody was told).
+    /// Launches the application, with the workspace notification unless `silently`.
     void launch(const AppSpec& app, bool silently = false);
     void terminate(Pid pid);
     /// Opens in front of all other windows, with the application's "AXWindowCreated" unless `silently`.
     void openWindow(const WindowSpec& window, bool silently = false);
     void closeWindow(WindowId id, bool silently = false);
-    /// Changes a window's description in place, telling nobody.
+    /// Changes a window's description without a notification.
     void changeWindow(WindowId id, const std::function<void(WindowSpec&)>& change);
     void setTitle(WindowId id, std::string title);
-    /// The user clicks the window: it comes to the front, its application becomes active, and all are told.
+    /// The user clicks the window: it comes to the front and its application becomes active, with notifications.
     void focusWindow(WindowId id);
-    /// Changes the stacking order, front-most first, telling nobody.
+    /// Changes the stacking order, front-most first, without a notification.
     void restack(const std::vector<WindowId>& frontToBack);
-    /// Another application is in front from now on, and nobody is told.
+    /// Changes the frontmost application without a notification.
     void setFrontmost(std::optional<Pid> pid);
-    /// Told as the workspace and the application tell it.
+    /// Hides or shows the application, with the notifications of the workspace and the application.
     void setHidden(Pid pid, bool isHidden);
     [[nodiscard]] bool isHidden(Pid pid) const;
     [[nodiscard]] std::optional<Pid> frontmostPid() const;
@@ -85,20 +85,20 @@ public:
     [[nodiscard]] AXElementRef elementOf(WindowId id) const;
     /// A hung application answers no Accessibility request.
     void setHung(Pid pid, bool isHung);
-    /// An application that accepts every request to raise and focus, and does nothing.
+    /// The application accepts every request to raise and focus, and does nothing.
     void setIgnoresActivation(Pid pid, bool ignores);
-    /// No observer can be created for it.
+    /// No observer can be created for the application.
     void setUnobservable(Pid pid, bool isUnobservable);
     void setWindowServerAnswers(bool answers);
     void setHasWindowNumberLookup(bool hasLookup);
     void setSpaceChanged();
     void setScreenParametersChanged();
-    /// The notifications registered with each application's observer: per window id, in registration order.
+    /// The notifications that are registered for a window, or for an application, in the order of registration.
     [[nodiscard]] std::vector<std::string> windowNotifications(WindowId id) const;
     [[nodiscard]] std::vector<std::string> applicationNotifications(Pid pid) const;
     /// Delivers any notification by name to the application's observers, registered or not.
     void notify(Pid pid, std::string_view notification);
-    /// Notifications queued before the observers went, delivered after it: once to each that is detached or destroyed.
+    /// Delivers a notification once to each observer that is detached or destroyed, as if it had been queued before.
     void notifyLate(Pid pid, std::string_view notification);
     [[nodiscard]] std::size_t liveObserverCount() const;
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
@@ -110,7 +110,7 @@ public:
 
     // --- trust and secure input
     // ---------------------------------------------------------------------------------------
-    /// Trusted at first. `announced`: with the system's change notification.
+    /// Trusted at first. Sends the system's change notification when `announced`.
     void setTrusted(bool isTrusted, bool announced = false);
     void announceTrustChange();
     [[nodiscard]] int trustPromptCount() const;
@@ -120,7 +120,7 @@ public:
     /// The display server lacks what capturing the keyboard needs, from now on.
     void makeServerUnusable();
     void becomeActiveApplication();
-    /// What the program says of itself, and what was asked of the application object.
+    /// For tests: sets what the program reports about itself, and records the requests.
     [[nodiscard]] SimulatedApplication& application();
     [[nodiscard]] SimulatedHttpClient& httpClient();
     [[nodiscard]] SimulatedLoginItem& loginItem();
@@ -134,11 +134,11 @@ public:
     bool flagsChanged(std::uint64_t flags);
     void disableTapByTimeout();
     void disableTapByUserInput();
-    /// Disables it without telling.
+    /// Disables the tap without an event.
     void disableTapSilently();
-    /// Enables it before the main thread has heard that it was disabled.
+    /// Enables the tap, as if before the main thread knew that it was disabled.
     void enableTapSilently();
-    /// What the tap said about the last event that it was asked about.
+    /// The tap's decision about the last event that it got.
     [[nodiscard]] TapVerdict lastTapVerdict() const;
     [[nodiscard]] bool tapIsInstalled() const;
     [[nodiscard]] bool tapIsEnabled() const;
@@ -146,7 +146,7 @@ public:
     void setTapCreationFails(bool fails);
     void setTapSourceFails(bool fails);
     void setTapThreadFails(bool fails);
-    /// What the tap was told last.
+    /// Whether the tap was last told that a session is open.
     [[nodiscard]] bool tapSessionIsOpen() const;
     [[nodiscard]] std::optional<SwitcherModifier> tapTrigger() const;
     [[nodiscard]] std::string tapThreadName() const;
@@ -155,7 +155,7 @@ public:
     // --------------------------------------------------------------------------------------
     void setScreens(std::vector<Screen> screens, std::optional<std::size_t> mainIndex = 0);
     void movePointer(Point location);
-    /// As when no key or pointer event has told of it yet.
+    /// Moves the pointer without an event: `Pointer::location` keeps the old place until it is refreshed.
     void movePointerUnnoticed(Point location);
     void clickElsewhere();
     using PanelState = SimulatedPanelState;
@@ -163,10 +163,10 @@ public:
 
     // --- icons, defaults, log
     // -------------------------------------------------------------------------------------------
-    /// Files and processes have an icon until they are said to have none.
+    /// Files and processes have an icon unless these calls say otherwise.
     void setFileHasIcon(std::string path, bool hasIcon);
     void setProcessHasIcon(Pid pid, bool hasIcon);
-    /// "file <path>", "process <pid>", "generic <name>".
+    /// The loads since the last call: "file <path>", "process <pid>", "generic <name>".
     std::vector<std::string> takeIconLoads();
     [[nodiscard]] UserDefaults& userDefaults();
     /// Every value written to the store, in order, with its key.

@@ -50,7 +50,7 @@ public:
     }
 
     void move(Point location) { location_ = place_ = location; }
-    /// The pointer moves, and no event says so.
+    /// Moves the pointer without an event.
     void moveUnnoticed(Point location) { place_ = location; }
     void clickElsewhere() { clicks_.send({}); }
 
@@ -62,7 +62,7 @@ private:
     Subject<Click> clicks_;
 };
 
-/// What a test may ask about the panel.
+/// The state of the panel and the calls it got, for tests.
 struct SimulatedPanelState {
     bool isVisible = false;
     Rect frame;
@@ -73,7 +73,7 @@ struct SimulatedPanelState {
     std::vector<std::string> calls;
 };
 
-/// A panel that nobody sees. As every adapter does, it synchronises its content before it would draw it.
+/// A panel that is not drawn. Like every adapter, it synchronises its content before it would draw it.
 class SimulatedPanel final : public Panel {
 public:
     void setContent(std::unique_ptr<PanelContent> content) override;
@@ -94,7 +94,7 @@ private:
     SimulatedPanelState state_;
 };
 
-/// Keeps what it was given for a test to look at, and chooses rows as a user would.
+/// Keeps the button and the menu for tests, and chooses rows as a user does.
 class SimulatedStatusItem final : public StatusItem {
 public:
     void setButton(const StatusButton& value) override {

@@ -6,7 +6,8 @@ namespace ferrowyn {
 
 void SimulatedTapRunLoop::runFor(Seconds slice) {
     std::unique_lock lock(lock_);
-    // An absolute moment on the system clock: thread sanitizers see into the wait this way.
+    // Waits for an absolute moment of the system clock, because the thread sanitizer understands only this kind of
+    // wait.
     const auto end = std::chrono::system_clock::now() + std::chrono::duration_cast<std::chrono::microseconds>(slice);
     stopped_.wait_until(lock, end, [this] { return isStopped_; });
     isStopped_ = false;
@@ -83,7 +84,7 @@ std::optional<TapVerdict> SimulatedEventTap::deliver(const TapEvent& event) {
             return std::nullopt;
         }
     }
-    // Without the lock: the callback may well speak to the tap.
+    // Without the lock, because the callback may call the tap.
     return callback_(event);
 }
 

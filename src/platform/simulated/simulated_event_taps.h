@@ -15,7 +15,7 @@ namespace ferrowyn {
 struct SimulatedKey {
     std::uint16_t keyCode = 0;
     std::uint64_t flags = 0;
-    /// What the key types with its own flags, and with Shift alone or none.
+    /// What the key types with all of its flags, and with Shift alone or no flag.
     std::u16string text;
     std::u16string textWithReducedFlags;
 };
@@ -36,12 +36,12 @@ private:
     SimulatedKey key_;
 };
 
-/// The loop of a real tap thread. Nothing comes in through it, as the simulated keys are delivered in the thread that
-/// presses them; it only waits out its slices, in real time.
+/// The loop of a real tap thread. It only waits, in real time: simulated keys are delivered in the thread that presses
+/// them.
 class SimulatedTapRunLoop final : public TapRunLoop {
 public:
     void runFor(Seconds slice) override;
-    /// A stop that comes between two slices ends the next one, so that no thread sleeps through it.
+    /// A stop between two slices ends the next slice at once.
     void stop() override;
 
 private:
@@ -50,7 +50,7 @@ private:
     bool isStopped_ = false;
 };
 
-/// A tap that gets the keys a test presses. Any thread.
+/// A tap that gets the keys that a test presses. Any thread.
 class SimulatedEventTap final : public EventTap {
 public:
     SimulatedEventTap(std::uint64_t mask, SwitcherModifier trigger, EventTaps::Callback callback);
@@ -67,9 +67,10 @@ public:
     [[nodiscard]] bool isSessionOpen() const;
     void setAttached(bool isAttached);
 
-    /// Asks the callback, when the tap is enabled, served by a loop and made for this type of event.
+    /// Asks the callback for a verdict. Nothing when the tap is disabled, has no loop or does not want this type of
+    /// event.
     [[nodiscard]] std::optional<TapVerdict> deliver(const TapEvent& event);
-    /// Disables the tap first, then tells it, as the system does.
+    /// Disables the tap first, then delivers the event for that, as the system does.
     void disableBySystem(TapEvent::Type reason);
 
 private:
@@ -83,7 +84,7 @@ private:
     std::optional<TapSession> session_;
 };
 
-/// Makes taps that a test's keys go through, and real threads to serve them. Main thread but for `currentRunLoop`.
+/// Creates taps that get a test's keys, and real threads to serve them. Main thread except `currentRunLoop`.
 class SimulatedEventTaps final : public EventTaps {
 public:
     [[nodiscard]] std::shared_ptr<EventTap> create(std::uint64_t mask, SwitcherModifier trigger,
@@ -94,7 +95,7 @@ public:
 
     /// Whether the application in front got the event.
     bool press(TapEvent::Type type, const SimulatedKey& key);
-    /// What the tap said about the last event it was asked about.
+    /// The tap's verdict on the last event that it got.
     [[nodiscard]] TapVerdict lastVerdict() const { return lastVerdict_; }
     /// The tap made last, while it is installed.
     [[nodiscard]] std::shared_ptr<SimulatedEventTap> installed() const;

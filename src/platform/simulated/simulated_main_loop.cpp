@@ -39,7 +39,7 @@ Subscription SimulatedMainLoop::after(Seconds delay, Task task) {
 }
 
 Subscription SimulatedMainLoop::every(Seconds interval, Task task) {
-    // A timer without a pause would never let `advance` come to its end.
+    // With an interval of 0, `advance` would never end.
     const Nanoseconds pause = std::max<Nanoseconds>(nanoseconds(interval), 1);
     return schedule(pause, pause, std::move(task));
 }

@@ -14,7 +14,7 @@
 namespace ferrowyn {
 
 /// A main loop whose clock stands still until a test lets time pass. The thread that made it is the main thread, except
-/// while it plays a worker. It starts at zero and counts whole nanoseconds, so that ten steps of 0.05 s make 0.5 s.
+/// inside `runAsWorker`. It starts at zero and counts whole nanoseconds, so that ten steps of 0.05 s make 0.5 s.
 class SimulatedMainLoop final : public MainLoop {
 public:
     SimulatedMainLoop();
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] Subscription every(Seconds interval, Task task) override;
     [[nodiscard]] bool isMainThread() const override;
 
-    /// Sets the calendar's clock, which then goes on with the main loop's.
+    /// Sets the calendar's clock, which then advances with the main loop's clock.
     void setWallTime(WallTime time);
 
     /// Runs every task and timer that falls due, each at its own moment. What is posted runs before a timer of the same
@@ -36,9 +36,9 @@ public:
     void settle();
     [[nodiscard]] std::size_t pendingTimerCount() const;
 
-    /// What to run when nothing else is due at this moment; it answers whether it did anything.
+    /// Sets the work to run when nothing else is due. It returns whether it did anything.
     void setIdleWork(std::function<bool()> idleWork);
-    /// Runs the work in this thread as if it were a worker: for as long as it runs, this is not the main thread.
+    /// Runs the work in this thread as if in a worker: while it runs, this is not the main thread.
     void runAsWorker(const std::function<void()>& work);
 
 private:
@@ -69,8 +69,8 @@ private:
     std::deque<Task> posted_;
 };
 
-/// Workers that are played by the calling thread: the work runs, in the order in which it was asked for, when the loop
-/// settles, and an iteration after the other, so that every run of a test is the same.
+/// Background work without threads. The work runs when the loop settles, in the order in which it was requested, one
+/// iteration after the other, so that every run of a test is the same.
 class SimulatedBackgroundWork final : public BackgroundWork {
 public:
     explicit SimulatedBackgroundWork(SimulatedMainLoop& mainLoop);

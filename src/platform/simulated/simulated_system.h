@@ -20,7 +20,7 @@
 
 namespace ferrowyn {
 
-/// One message as it was written.
+/// One log message.
 struct SimulatedLogLine {
     LogLevel level = LogLevel::standard;
     std::string category;
@@ -55,7 +55,7 @@ private:
     std::vector<std::pair<std::string, DefaultsValue>> writes_;
 };
 
-/// Answers nothing by itself: a test looks at the requests and answers them in any order.
+/// Sends nothing: a test reads the requests and answers them in any order.
 class SimulatedHttpClient final : public HttpClient {
 public:
     [[nodiscard]] Subscription get(const HttpRequest& request,
@@ -67,7 +67,7 @@ public:
 
     [[nodiscard]] std::size_t requestCount() const { return requests_.size(); }
     [[nodiscard]] const HttpRequest& request(std::size_t index) const { return requests_.at(index).request; }
-    /// Cancelled or answered already.
+    /// Whether the request was cancelled or answered.
     [[nodiscard]] bool hasEnded(std::size_t index) const { return requests_.at(index).completion == nullptr; }
     /// Does nothing for a request that has ended.
     void answer(std::size_t index, const HttpResult& result) {
@@ -112,7 +112,7 @@ private:
     Subject<Pid> processChanges_;
 };
 
-/// A login item that registers at once, unless a test has it answer otherwise.
+/// A login item that registers at once, unless a test sets another result.
 class SimulatedLoginItem final : public LoginItem {
 public:
     [[nodiscard]] Status status() const override { return current; }
@@ -121,9 +121,9 @@ public:
 
     Status current = Status::notRegistered;
     Status statusAfterRegistering = Status::enabled;
-    /// While set, every request fails with it and changes nothing.
+    /// While set, every request fails with this error and changes nothing.
     std::optional<Error> error;
-    /// What was asked, in order: true to register.
+    /// The requests in their order: true to register, false to unregister.
     std::vector<bool> requests;
 
 private:
@@ -136,7 +136,7 @@ private:
     }
 };
 
-/// Trusted at first; the prompt changes nothing by itself, as the user has yet to answer it.
+/// Trusted at first. The prompt changes nothing, because the user has not answered it yet.
 class SimulatedTrust final : public Trust {
 public:
     [[nodiscard]] bool isTrusted() const override { return isTrusted_; }
@@ -192,7 +192,7 @@ public:
 
     void becomeActive() { activations_.send({}); }
 
-    /// What the program says of itself; a test may change it before anybody asks.
+    /// A test may change these before the program reads them.
     BundleInfo bundle{.name = "Ferrowyn",
                       .shortVersion = "1.0",
                       .path = "/Applications/Ferrowyn.app",
@@ -200,7 +200,7 @@ public:
                       .homePage = "https://ferrowyn.example"};
     std::string version = "14.5";
     std::optional<int> year;
-    /// What was asked, in order.
+    /// The calls that the object got, in order.
     std::vector<ActivationPolicy> policies;
     int activationCount = 0;
     std::vector<WindowId> broughtToFront;

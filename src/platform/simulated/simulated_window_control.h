@@ -8,7 +8,8 @@
 
 namespace ferrowyn {
 
-/// Writes every call down and carries it out as a cooperative application would, unless it is hung or plays dead.
+/// Records every call and carries it out as a cooperative application does, unless the application is hung or ignores
+/// requests.
 class SimulatedWindowControl final : public WindowControl {
 public:
     SimulatedWindowControl(SimulatedWindowModel& model, SimulatedWindows& windows, std::vector<std::string>& calls)
@@ -36,7 +37,7 @@ private:
     /// Nothing when the application does not answer.
     [[nodiscard]] std::optional<bool> hasFocus(const AXElementRef& window) const;
     [[nodiscard]] bool obeys(Pid pid) const;
-    /// The window behind the element, when its application does what it is asked.
+    /// The element's window; null when its application does not carry out requests.
     [[nodiscard]] SimulatedWindowState* obedientWindow(const AXElementRef& element);
     void focus(const AXElementRef& element);
 

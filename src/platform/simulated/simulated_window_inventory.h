@@ -5,8 +5,7 @@
 
 namespace ferrowyn {
 
-/// Reads the model. A reading keeps a copy of it, so that it is as consistent as one bulk answer and safe on any
-/// thread.
+/// Reads the model. A reading keeps a copy of the model, so it is consistent and safe on any thread.
 class SimulatedWindowInventory final : public WindowInventory {
 public:
     explicit SimulatedWindowInventory(const SimulatedWindowModel& model) : model_(model) {}

@@ -25,7 +25,7 @@ struct SimulatedAppState {
     ActivationPolicy activationPolicy = ActivationPolicy::regular;
 };
 
-/// A window as a test opens it, with what the window server and its application say about it.
+/// A window as a test opens it, with what the window server and the application report about it.
 struct SimulatedWindowState {
     WindowId id = 0;
     Pid pid = 0;
@@ -35,7 +35,7 @@ struct SimulatedWindowState {
     bool isMinimized = false;
     bool isFullScreen = false;
     bool isOnActiveSpace = true;
-    /// What the window server says, or keeps to itself.
+    /// What the window server reports; absent when it does not.
     std::optional<double> alpha = 1.0;
     std::optional<std::int64_t> layer = 0;
     std::optional<Rect> serverBounds;  ///< the frame when absent
@@ -43,16 +43,18 @@ struct SimulatedWindowState {
     bool isListedByAccessibility = true;
     bool hasWindowNumber = true;
     bool hasAccessibilityFrame = true;
-    /// What the element-to-window-number lookup answers instead of the id, for an application that lies about it.
+    /// The number that the lookup returns instead of the id, for an application that reports a wrong one.
     std::optional<WindowId> reportedWindowNumber = std::nullopt;
-    /// Answers of an application whose main window and focused window are not the same: false whatever has the focus.
+    /// For an application whose main and focused window differ: the answer is false, also when the window has the
+    /// focus.
     bool deniesBeingMain = false;
     bool deniesBeingFocused = false;
-    /// The modal dialog that takes its input. What is done to the window then is still done to the window itself.
+    /// The modal dialog that takes its input. Only a description: requests for the window still act on the window
+    /// itself.
     std::optional<WindowId> blockedBy = std::nullopt;
 };
 
-/// The Accessibility element of a simulated window: every handle of one window is equal to every other.
+/// The Accessibility element of a simulated window. All elements of one window are equal.
 class SimulatedElement final : public AXElement {
 public:
     explicit SimulatedElement(WindowId id) : id_(id) {}
@@ -67,7 +69,7 @@ public:
     [[nodiscard]] static AXElementRef reference(WindowId id) {
         return AXElementRef(std::make_shared<SimulatedElement>(id));
     }
-    /// 0, which no window has, for an element of another desktop.
+    /// 0, which is no window's id, for an element of another desktop.
     [[nodiscard]] static WindowId idOf(const AXElementRef& reference) {
         const auto* element = dynamic_cast<const SimulatedElement*>(&reference.element());
         return element != nullptr ? element->id_ : 0;
@@ -77,7 +79,7 @@ private:
     WindowId id_;
 };
 
-/// What the simulated desktop consists of at one moment: a value, so that a reading can keep a copy of it.
+/// The state of the simulated desktop. A value, so that a reading can keep a copy of it.
 struct SimulatedWindowModel {
     struct App {
         SimulatedAppState state;
@@ -110,17 +112,18 @@ struct SimulatedWindowModel {
     void moveToFront(WindowId id);
     /// The focused window of the frontmost application.
     [[nodiscard]] std::optional<WindowId> focusedWindow() const;
-    /// To be called when that may have changed.
+    /// Call it when `focusedWindow` may have changed.
     void noteFocus();
     /// The application's front-most window.
     [[nodiscard]] std::optional<WindowId> topWindowOf(Pid pid) const;
 
-    /// What the element-to-window-number lookup answers.
+    /// The result of the lookup of the element's window number.
     [[nodiscard]] std::optional<WindowId> lookUpNumber(const SimulatedWindowState& window) const;
 };
 
-/// Changes the model as applications, the user and the window manager do, and tells whoever watches: at once where a
-/// test plays the user, from the loop where the program itself asked for the change, as no answer overtakes a request.
+/// Changes the model as applications, the user and the window manager do, and sends the notifications: at once when a
+/// test plays the user, from the loop when the program requested the change, because an answer never comes before the
+/// request has returned.
 class SimulatedWindows {
 public:
     enum class Telling { nobody, atOnce, fromTheLoop };
@@ -130,22 +133,23 @@ public:
         : model_(model), observers_(observers), workspace_(workspace), mainLoop_(mainLoop) {}
 
     void launch(const SimulatedAppState& app, Telling telling);
-    /// Its windows go with it, unannounced; no application is in front then, if it was.
+    /// Also removes its windows, without notifications for them. When it was frontmost, no application is frontmost
+    /// afterwards.
     void terminate(Pid pid);
-    /// In front of all others, and focused in its application unless it is minimised.
+    /// Opens in front of all others, focused in its application unless it is minimised.
     void open(const SimulatedWindowState& window, Telling telling);
-    /// The application's next window gets its focus.
+    /// The application's next window gets the focus.
     void close(WindowId id, Telling telling);
     void setTitle(WindowId id, std::string title);
-    /// As a click does it: unhidden, restored, in front, focused, its application active.
+    /// Does what a click does: the window is unhidden, restored, in front and focused, and its application is active.
     void focusByUser(WindowId id);
 
     void setHidden(Pid pid, bool isHidden, Telling telling);
     void unminimize(WindowId id, Telling telling);
     void raise(WindowId id) { model_.moveToFront(id); }
-    /// Main and focused window are one here.
+    /// The main window and the focused window are always the same here.
     void setFocusedWindow(Pid pid, std::optional<WindowId> id, Telling telling);
-    /// With its focused window in front.
+    /// Brings the application's focused window to the front.
     void activate(Pid pid, Telling telling);
 
 private:

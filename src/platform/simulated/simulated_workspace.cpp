@@ -58,7 +58,7 @@ public:
     }
     void removeWindowNotification(const AXElementRef& window, std::string_view notification) override {
         auto& names = registration_->windowNotifications[SimulatedElement::idOf(window)];
-        // One at a time, so that a test sees a name that was registered twice.
+        // Removes only one, so that a test notices a notification that was registered twice.
         if (const auto found = std::ranges::find(names, notification); found != names.end()) {
             names.erase(found);
         }

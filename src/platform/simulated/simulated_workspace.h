@@ -24,7 +24,7 @@ public:
     [[nodiscard]] std::optional<Pid> frontmostPid() const override { return model_.frontmost; }
     [[nodiscard]] Subscription observe(EventHandler handler) override { return events_.subscribe(std::move(handler)); }
     [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view bundleIdentifier) const override;
-    /// "/Applications/<identifier>.app" for one whose name was set.
+    /// "/Applications/<identifier>.app" for an application whose name was set.
     [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view bundleIdentifier) const override;
     bool open(std::string_view url) override;
 
@@ -40,8 +40,8 @@ private:
     bool openingFails_ = false;
 };
 
-/// Makes observers and remembers what each registered, also after it is gone, so that a notification that was already
-/// on its way can still arrive.
+/// Creates observers and remembers what each registered, also after it is destroyed, so that a test can deliver a late
+/// notification.
 class SimulatedAccessibilityObservers final : public AccessibilityObservers {
 public:
     explicit SimulatedAccessibilityObservers(const SimulatedWindowModel& model) : model_(model) {}
@@ -49,12 +49,12 @@ public:
     /// Null for an application that is unobservable or not running.
     [[nodiscard]] std::unique_ptr<AccessibilityObserver> create(Pid pid, Handler handler) override;
 
-    /// To the observers that registered it with the application, or with the window.
+    /// Delivers to the observers that registered the notification for the application, or for the window.
     void announceForApplication(Pid pid, std::string_view notification);
     void announceForWindow(WindowId id, std::string_view notification);
-    /// To every observer of the application, whatever it registered.
+    /// Delivers to every observer of the application, registered or not.
     void notify(Pid pid, std::string_view notification);
-    /// To the observers of the application that are detached or destroyed, one last time.
+    /// Delivers once more to the observers of the application that are detached or destroyed.
     void notifyLate(Pid pid, std::string_view notification);
 
     [[nodiscard]] std::vector<std::string> windowNotifications(WindowId id) const;
