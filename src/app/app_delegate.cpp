@@ -60,7 +60,7 @@ void AppDelegate::makeStatusItem() {
 void AppDelegate::welcomeWithoutTrust() {
     auto& authorizer = services_->authorizer();
     authorizer.requestTrust();
-    // The user is about to grant it: the next look should be a whole interval after the prompt, not after the start.
+    // The user is about to grant it, so the next reading comes a whole interval after the prompt.
     authorizer.restartBackstopTimer();
     showOnboarding();
 }
@@ -85,7 +85,7 @@ void AppDelegate::perform(ProgramRequest request) {
         case ProgramRequest::openSettings:
             return showSettings();
         case ProgramRequest::quit:
-            // It may come while the program is still starting, when there is no loop yet that could be ended.
+            // Posted, because the request may come while the program starts and no loop runs that could end.
             platform_.mainLoop.post([&application = platform_.application] { application.terminate(); });
             return;
     }
@@ -106,7 +106,7 @@ void AppDelegate::openSwitcher() {
     if (!services_->isActive()) {
         return showOnboarding();
     }
-    // The list that a session shows is the one of the moment it opens: right after the start there is none yet.
+    // A session shows the list that exists when it opens. Right after the start there is none yet.
     const auto& lastRefresh = services_->windowIndex().lastRefresh();
     if (lastRefresh.get()) {
         services_->switcher().showFromMenu();
@@ -116,7 +116,7 @@ void AppDelegate::openSwitcher() {
         firstWindowList_.reset();
         services_->switcher().showFromMenu();
     });
-    // A list that comes after trust was lost and found again is no answer any more: the person has gone on.
+    // When trust changes before the first list comes, the request is dropped: the user no longer expects the switcher.
     trustChange_ =
         services_->authorizer().status().subscribeToChanges([this](AccessibilityStatus) { firstWindowList_.reset(); });
 }
@@ -150,7 +150,8 @@ void AppDelegate::showSettings() {
 
 void AppDelegate::showAwaitedSettings() {
     if (progress_) {
-        // First the window that stays, so that the program does not leave the running applications in between.
+        // Shown before the other is closed, so that the program always has a window and stays among the running
+        // applications.
         settings_->show();
         progress_->close();
         progress_.reset();

@@ -15,9 +15,8 @@ struct Platform;
 class AppServices;
 class StatusItemController;
 
-/// Carries out what happens to the program as a whole: its launch, being opened again, its end, and what is asked of it
-/// from outside. Owns the services and everything that the user sees of them. Main thread. The platform and the user
-/// interface outlive it.
+/// Handles the program's launch, its reopening, its end and the requests from outside. Owns the services, the windows
+/// and the status item. Main thread. The platform and the user interface outlive it.
 class AppDelegate {
 public:
     AppDelegate(const Platform& platform, UserInterface& userInterface);
@@ -25,15 +24,16 @@ public:
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
-    /// Once. Before it, settings that are asked for show that they are on their way; nothing else below has an effect.
+    /// Called once. Before it, a request for the settings shows a progress window, and nothing else below has an
+    /// effect.
     void applicationDidFinishLaunching();
-    /// The user opens the program while it runs. The answer is whether the desktop may do what it does then, too.
+    /// The user opened the program while it runs. Returns whether the desktop may also do its usual action.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     void applicationWillTerminate();
 
     void perform(ProgramRequest request);
-    /// Shows the program's own page in the place of one of the system's settings, where the desktop has no such
-    /// settings; false when there is none for this address.
+    /// Shows the program's page that replaces a page of the system's settings; false when there is none for this
+    /// address.
     bool showSettingsPage(std::string_view url);
 
     /// Null before the launch.
@@ -44,7 +44,7 @@ private:
     void makeStatusItem();
     void welcomeWithoutTrust();
     void openSwitcher();
-    /// For callbacks of those that may outlive this object: they do nothing then.
+    /// Returns a callback that does nothing once this object is destroyed.
     [[nodiscard]] std::function<void()> weakly(void (AppDelegate::*action)());
     void showOnboarding();
     void closeOnboarding();
@@ -59,7 +59,7 @@ private:
     std::unique_ptr<OnDemandWindow> onboarding_;
     std::unique_ptr<OnDemandWindow> settings_;
     std::unique_ptr<OnDemandWindow> about_;
-    /// In the place of the settings that were asked for before the launch.
+    /// Shown when the settings are requested before the launch.
     std::unique_ptr<OnDemandWindow> progress_;
     std::unique_ptr<StatusItem> statusItem_;
     std::unique_ptr<StatusItemController> statusItemController_;

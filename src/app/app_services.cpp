@@ -65,7 +65,7 @@ std::unique_ptr<SwitcherController> AppServices::makeSwitcher(const SwitcherCont
                                   .authorizer = authorizer_,
                                   .hotKeyMonitor = hotKeyMonitor_},
         makeContent);
-    // The activator is the controller's own, so that it never reports to one that is gone.
+    // The controller owns the activator, so it exists when the activator reports to it.
     switcher->activator().onActivated = [controller = switcher.get()](const AppWindow& window) {
         controller->noteActivated(window);
     };
@@ -75,7 +75,7 @@ std::unique_ptr<SwitcherController> AppServices::makeSwitcher(const SwitcherCont
     return switcher;
 }
 
-/// The monitor is a member and calls nobody while it is destroyed: its hooks never outlive this object.
+/// The monitor is a member and calls no hook during its destruction, so the hooks may use this object.
 void AppServices::wireHotKeyMonitor() {
     hotKeyMonitor_.onCommand = [this](const SwitcherCommand& command) {
         if (std::holds_alternative<command::Invoke>(command)) {
@@ -101,7 +101,7 @@ void AppServices::handleTapFailure(HotKeyMonitor::Failure failure) {
             platform_.log.write(LogLevel::error, inputCategory, "Global shortcut disabled after repeated tap timeouts");
             break;
         case HotKeyMonitor::Failure::trustRevoked:
-            // The changed status suspends everything else that needs trust.
+            // The changed status suspends the other services that need trust.
             authorizer_.refresh();
             break;
     }
@@ -124,7 +124,7 @@ void AppServices::activate() {
     }
     isActive_ = true;
     inputFailure_.set(std::nullopt);
-    // Trust comes with a window manager on some desktops, and this one may be another.
+    // On some desktops trust comes with a window manager, which may be a different one now.
     switchingHealth_.forgetAll();
     windowIndex_.start();
     if (!hotKeyMonitor_.start()) {

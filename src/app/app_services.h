@@ -20,12 +20,12 @@ namespace ferrowyn {
 struct Platform;
 class SwitcherController;
 
-/// Owns every long-lived service, wires them to each other, and starts or suspends those that need Accessibility trust.
-/// Main thread. The platform outlives it.
+/// Owns and connects the long-lived services, and starts or suspends those that need Accessibility trust. Main thread;
+/// AppDelegate owns it, and the platform outlives it.
 class AppServices {
 public:
-    /// New preferences are made over the platform's store when none are given. With trust given already, the services
-    /// are active when this returns.
+    /// Makes preferences from the platform's store when none are given. When the process is trusted, the services are
+    /// active after the construction.
     AppServices(const Platform& platform, const SwitcherContentFactory& makeContent,
                 std::unique_ptr<Preferences> preferences = nullptr);
     ~AppServices();
@@ -35,16 +35,16 @@ public:
     /// Starts the services that need trust.
     void activate();
     void suspend();
-    /// Brings the keyboard shortcut back after a failure, or shows the user where trust is given.
+    /// Restarts the keyboard tap after a failure, or opens the system's settings page when the process is not trusted.
     void retryInput();
-    /// The program quits: gives the keyboard back, then ends the observation of windows.
+    /// Called when the program quits: stops the keyboard tap, then the observation of windows.
     void terminate();
 
     [[nodiscard]] bool isActive() const { return isActive_; }
     /// Why the global shortcut is off; nothing while it works or has not failed.
     [[nodiscard]] const Published<std::optional<HotKeyMonitor::Failure>>& inputFailure() const { return inputFailure_; }
 
-    /// What the user's last tries to switch tell.
+    /// What the latest attempts to switch windows say about the desktop.
     [[nodiscard]] const SwitchingHealth& switchingHealth() const { return switchingHealth_; }
 
     [[nodiscard]] Preferences& preferences() { return *preferences_; }
@@ -68,7 +68,7 @@ private:
     Published<std::optional<HotKeyMonitor::Failure>> inputFailure_;
     bool isActive_ = false;
 
-    // In the order in which they are built: each may use those above it.
+    // In the order of construction: each may use those above it.
     std::unique_ptr<Preferences> preferences_;
     AccessibilityAuthorizer authorizer_;
     IconProvider iconProvider_;

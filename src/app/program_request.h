@@ -7,11 +7,11 @@
 
 namespace ferrowyn {
 
-/// What the person asks of the program that runs, from outside of it. The values travel between two starts of the
-/// program, which may be of different versions.
+/// A request of the user to the running program, from outside of it. Two versions of the program may exchange the
+/// values, so they must not change.
 enum class ProgramRequest { openSetup = 0, openSwitcher = 1, openSettings = 2, quit = 3 };
 
-/// The names that the desktop and the command line know them by.
+/// The names of the requests for the desktop and on the command line.
 inline constexpr std::array programRequestNames{
     std::pair{ProgramRequest::openSwitcher, std::string_view("show")},
     std::pair{ProgramRequest::openSettings, std::string_view("settings")},

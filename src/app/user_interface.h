@@ -12,17 +12,17 @@ namespace ferrowyn {
 
 class AppServices;
 
-/// One of the program's ordinary windows: made when it is first shown, kept and shown again after that. Main thread.
+/// An ordinary window of the program. It is created when it is first shown, and kept after that. Main thread.
 class OnDemandWindow {
 public:
     virtual ~OnDemandWindow() = default;
 
-    /// Brings it to the front as the key window.
+    /// Shows it in front with the keyboard.
     virtual void show() = 0;
     virtual void close() = 0;
 };
 
-/// Makes what only the toolkit can make; the delegate owns it. The services outlive all of it. Main thread.
+/// Makes the objects that need the toolkit. AppDelegate owns them, and the services outlive them. Main thread.
 class UserInterface {
 public:
     struct WindowOptions {
@@ -32,7 +32,7 @@ public:
 
     virtual ~UserInterface() = default;
 
-    /// Into the language of the user.
+    /// The text in the user's language.
     [[nodiscard]] virtual std::string translated(const Phrase& phrase) = 0;
     [[nodiscard]] virtual SwitcherContentFactory switcherContentFactory() = 0;
     [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeOnboardingWindow(const WindowOptions& options,
@@ -40,7 +40,7 @@ public:
                                                                                std::function<void()> onDone) = 0;
     [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& options,
                                                                              AppServices& services) = 0;
-    /// Stands for the settings window as long as there are no services.
+    /// Shown in place of the settings window until there are services.
     [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeProgressWindow(const WindowOptions& options) = 0;
     [[nodiscard]] virtual std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
                                                                           std::function<void()> onClose) = 0;
