@@ -10,7 +10,8 @@ class ApplicationService;
 class MainLoop;
 class OutsideRequests;
 
-/// From now on, for as long as what is returned lives, the desktop can ask too, where there is a bus. Both outlive it.
+/// Lets the desktop send requests over the session bus, where there is one, while the result exists. The main loop and
+/// the requests outlive the result.
 [[nodiscard]] std::unique_ptr<ApplicationService> offerOnBus(MainLoop& mainLoop, OutsideRequests& requests,
                                                              const std::optional<std::string>& busAddress);
 

@@ -45,7 +45,7 @@ CommandLineError badValue(const std::array<Choice<Value>, count>& choices, std::
     return {fmt::format("{} must be {}, not \"{}\"", option, names, text)};
 }
 
-/// Sets what an option with a value asks for; nothing went wrong when the answer is empty.
+/// Applies an option with a value. Returns the error, or nothing on success.
 std::optional<CommandLineError> apply(CommandLine& line, Desktop native, std::string_view option,
                                       std::string_view value) {
     if (option == "--platform") {
@@ -64,7 +64,7 @@ std::optional<CommandLineError> apply(CommandLine& line, Desktop native, std::st
     return std::nullopt;
 }
 
-/// What is done instead of running, where the argument asks for that.
+/// The action that the argument asks for instead of running; nothing for other arguments.
 std::optional<CommandLine::Action> actionNamed(std::string_view argument, Desktop native) {
     if (argument == "--help" || argument == "-h") {
         return CommandLine::Action::showHelp;
@@ -78,7 +78,7 @@ std::optional<CommandLine::Action> actionNamed(std::string_view argument, Deskto
     return std::nullopt;
 }
 
-/// Whether it is one of the options without a value that say what to do.
+/// Applies an option without a value; false when the argument is none.
 bool applyFlag(CommandLine& line, Desktop native, std::string_view argument) {
     if (native == Desktop::macos) {
         return false;

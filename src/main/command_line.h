@@ -20,9 +20,9 @@ struct CommandLine {
     Desktop desktop = Desktop::x11;
     /// Absent when the user did not ask for a level.
     std::optional<LogLevel> logLevel;
-    /// What to ask of the program that runs, or to do first when this start becomes the running one.
+    /// The request to the running program, or, when none runs, to this one after its start.
     std::optional<ProgramRequest> request;
-    /// The session bus starts the program and says next what for.
+    /// The session bus starts the program and sends its request afterwards.
     bool isStartedByBus = false;
 
     friend bool operator==(const CommandLine&, const CommandLine&) = default;
@@ -33,11 +33,10 @@ struct CommandLineError {
     std::string message;
 };
 
-/// `arguments` without the program's name; `native` is the desktop that this program was built for, which is what it
-/// works on unless it is told otherwise. A value stands after "=" or as the next argument; the last of several values
-/// or requests counts. Of help, version and doctor the first counts, and nothing else beside it, but what is unknown is
-/// refused all the same. On macOS, where the system itself finds the program that runs, there are neither requests nor
-/// a doctor.
+/// `arguments` are without the program's name; `native` is the desktop that this program was built for, and the
+/// default. A value stands after "=" or is the next argument; the last of several values or requests counts. The first
+/// of help, version and doctor counts, and everything else is ignored then, except that an unknown argument is an
+/// error. On macOS there are no requests, because the system finds the running program, and no doctor.
 [[nodiscard]] std::variant<CommandLine, CommandLineError> parseCommandLine(std::span<const char* const> arguments,
                                                                            CommandLine::Desktop native);
 

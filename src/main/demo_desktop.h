@@ -4,7 +4,7 @@ namespace ferrowyn {
 
 class SimulatedDesktop;
 
-/// Puts a handful of applications with windows on a simulated desktop that trusts the program.
+/// Opens some applications with windows on a simulated desktop that trusts the program.
 void openDemoWindows(SimulatedDesktop& desktop);
 
 }  // namespace ferrowyn

@@ -68,11 +68,11 @@ namespace {
 namespace fs = std::filesystem;
 using Verdict = DoctorFinding::Verdict;
 
-/// Microseconds; a watcher that is slower than this is as good as none.
+/// In microseconds. A service that answers later counts as missing.
 constexpr std::uint64_t patienceWithBus = 3'000'000;
 constexpr std::size_t largestSettings = 4U << 20U;
 
-/// A path as it may stand in a bug report: without the name of the person.
+/// The path for a bug report: without the user's name.
 std::string shown(const fs::path& path) {
     const char* const home = std::getenv("HOME");
     const auto text = path.string();
@@ -87,8 +87,8 @@ struct BusCloser {
 using Bus = std::unique_ptr<sd_bus, BusCloser>;
 using BusMessage = std::unique_ptr<sd_bus_message, BusCloser>;
 
-/// By systemd's calls and not Qt's, whose thread lives on until the process has ended: what arrives in a program as
-/// brief as this one is then read with parts of Qt gone already, of which Qt complains on standard error.
+/// Uses systemd's calls and not Qt's: Qt's bus thread runs until the process ends, and in a program as short as this
+/// one it then reads messages after parts of Qt are gone, and prints warnings to standard error.
 Bus connectedTo(const std::string& address) {
     sd_bus* made = nullptr;
     if (sd_bus_new(&made) < 0) {
@@ -211,7 +211,7 @@ namespace {
 
 using Verdict = DoctorFinding::Verdict;
 
-/// The refusal is what the program itself would say; its first line says what is wrong, the others what to do.
+/// `refusal` is the text that the program itself prints: its first line says what is wrong, the others what to do.
 DoctorFinding withoutDisplay(const std::string& refusal) {
     const auto end = refusal.find('\n');
     DoctorFinding finding{Verdict::bad, "display", refusal.substr(0, end), {}};

@@ -11,11 +11,11 @@
 
 namespace ferrowyn {
 
-/// One thing that was looked at.
+/// The result of one check.
 struct DoctorFinding {
     enum class Verdict {
         good,
-        /// Switching works without it, but something else does not, or looks worse.
+        /// Switching works, but something else does not work or looks worse.
         notice,
         /// Switching cannot work.
         bad,
@@ -24,7 +24,7 @@ struct DoctorFinding {
     Verdict verdict = Verdict::good;
     std::string subject;
     std::string text;
-    /// What to do about it; empty when there is nothing to do.
+    /// What the user can do; empty when there is nothing to do.
     std::string advice;
 
     friend bool operator==(const DoctorFinding&, const DoctorFinding&) = default;
@@ -33,23 +33,23 @@ struct DoctorFinding {
 using DoctorReport = std::vector<DoctorFinding>;
 
 [[nodiscard]] bool switchingCanWork(const DoctorReport& report);
-/// For a person and for a bug report: the outcome, then a line for each finding, its advice below it.
+/// The report as text for users and bug reports: the outcome, then a line for each finding, with its advice below.
 [[nodiscard]] std::string formatted(const DoctorReport& report);
 
-/// What the session is like for the program beside the display: its bus, the user's files, the versions of what is
-/// installed. Changes nothing. With a QCoreApplication.
+/// Checks the parts of the session that are not the display: the bus, the user's files, the versions of the libraries.
+/// Changes nothing. Needs a QCoreApplication.
 class DoctorSession {
 public:
     /// `busAddress` is the session bus's.
     DoctorSession(XdgFolders folders, std::optional<std::string> busAddress);
 
-    /// Where the program's icon goes. `hasEmbeddingTray`: the display has a tray of the old kind.
+    /// Where the program's icon appears. `hasEmbeddingTray`: the display has a tray that embeds windows.
     [[nodiscard]] DoctorFinding trayHost(bool hasEmbeddingTray) const;
     [[nodiscard]] DoctorFinding autostart() const;
     [[nodiscard]] DoctorFinding settingsFile() const;
     [[nodiscard]] static DoctorFinding versions(const std::string& ownVersion);
 
-    /// As stored; the default where nothing sensible is.
+    /// The stored trigger; the default when there is no valid one.
     [[nodiscard]] SwitcherModifier trigger() const;
 
 private:
@@ -60,9 +60,9 @@ private:
     std::optional<std::string> busAddress_;
 };
 
-/// Looks at everything that switching needs in the session that the environment names, in the order in which one thing
-/// builds on another. Opens two small windows for a moment and leaves everything as it was; waits for the X server, its
-/// window manager and the session bus. With a QCoreApplication.
+/// Checks everything that switching needs in the session that the environment names; each check may rely on those
+/// before it. Opens two small windows for a moment and restores the active window. Waits for the X server, the window
+/// manager and the session bus. Needs a QCoreApplication.
 [[nodiscard]] DoctorReport examineSession(const std::string& ownVersion);
 
 }  // namespace ferrowyn

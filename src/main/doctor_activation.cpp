@@ -17,11 +17,11 @@ namespace {
 
 using Verdict = DoctorFinding::Verdict;
 
-/// A manager that activates at all does so within some milliseconds.
+/// A window manager that activates windows takes only some milliseconds.
 constexpr std::chrono::milliseconds patience{1500};
 constexpr std::uint32_t mostWindows = 4096;
 
-/// Two windows that come and go with this object, and what the manager says of them.
+/// Two windows that exist as long as this object, and what the window manager reports about them.
 class ActivationTrial {
 public:
     explicit ActivationTrial(const X11Connection& connection) : connection_(connection) {
@@ -61,7 +61,7 @@ public:
     [[nodiscard]] xcb_window_t active() const {
         return property(activeWindow_, 1).item(XCB_ATOM_WINDOW).value_or(XCB_WINDOW_NONE);
     }
-    /// False when the manager does not take the windows in.
+    /// False when the window manager does not manage the windows.
     [[nodiscard]] bool waitUntilManaged() const {
         return waitUntil([this] {
             const auto list = property(clientList_, mostWindows);
@@ -69,7 +69,7 @@ public:
             return std::ranges::all_of(windows_, [&](auto window) { return std::ranges::count(listed, window) > 0; });
         });
     }
-    /// Each in its turn, so that one of them was not the active one before.
+    /// Activates one after the other, so that at least one of them was not active before.
     [[nodiscard]] bool activateBoth() const {
         return std::ranges::all_of(windows_, [this](auto window) { return activate(window); });
     }
@@ -94,7 +94,7 @@ private:
         return X11Property::collect(
             server(), xcb_get_property(server(), 0, connection_.root(), name, XCB_ATOM_WINDOW, 0, length));
     }
-    /// Looks again each time that something has changed on the root window.
+    /// Checks the condition again after each change of the root window.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& condition) const {
         const auto deadline = std::chrono::steady_clock::now() + patience;
         xcb_flush(server());

@@ -27,10 +27,10 @@ namespace {
 
 using Verdict = DoctorFinding::Verdict;
 
-/// Longer than any list of hints.
+/// In 32-bit units; longer than any list of hints.
 constexpr std::uint32_t maximumPropertyLength = 4096;
 
-/// Keeps what the keyboard's own parts complain of.
+/// Keeps the errors that the keyboard's parts log.
 class CollectingLog final : public Log {
 public:
     void write(LogLevel level, std::string_view /*category*/, std::string_view message) override {
@@ -47,11 +47,11 @@ X11Property property(const X11Connection& connection, xcb_window_t window, std::
                                                  XCB_GET_PROPERTY_TYPE_ANY, 0, maximumPropertyLength));
 }
 
-/// The manager's own window; none when no manager runs.
+/// The window manager's window; None when no manager runs.
 xcb_window_t managerWindow(const X11Connection& connection) {
     constexpr std::string_view check = "_NET_SUPPORTING_WM_CHECK";
     const auto window = property(connection, connection.root(), check).item(XCB_ATOM_WINDOW).value_or(XCB_WINDOW_NONE);
-    // The window of a manager that is gone no longer says the same of itself.
+    // A window left over from a manager that has ended does not name itself in this property.
     const bool isAlive =
         window != XCB_WINDOW_NONE && property(connection, window, check).item(XCB_ATOM_WINDOW) == window;
     return isAlive ? window : xcb_window_t{XCB_WINDOW_NONE};
@@ -64,7 +64,7 @@ std::string managerName(const X11Connection& connection, xcb_window_t window) {
                                     : "a window manager without a name";
 }
 
-/// Those of the hints that the manager does not list.
+/// The hints that the window manager does not list.
 std::string missingHints(const X11Connection& connection, const std::vector<std::string_view>& hints) {
     const auto supported = property(connection, connection.root(), "_NET_SUPPORTED");
     const auto listed = supported.items(XCB_ATOM_ATOM);
@@ -78,7 +78,7 @@ std::string missingHints(const X11Connection& connection, const std::vector<std:
     return missing;
 }
 
-/// Whether somebody holds the key with this modifier for all keyboards, as window managers do.
+/// Whether another client has grabbed the key with this modifier on all keyboards, as window managers do.
 bool isBoundByManager(const X11Connection& connection, xcb_keycode_t keyCode, std::uint32_t modifiers) {
     auto* const server = connection.get();
     const auto cookie = xcb_grab_key_checked(server, 0, connection.root(), static_cast<std::uint16_t>(modifiers),
@@ -88,8 +88,8 @@ bool isBoundByManager(const X11Connection& connection, xcb_keycode_t keyCode, st
     return error != nullptr && error->error_code == XCB_ACCESS;
 }
 
-/// Whether another client has a key of the trigger's modifier to itself: the keyboard is its own from that key's press
-/// on, so that nobody else can take it when the trigger is complete.
+/// Whether another client has grabbed a key of the trigger's modifier. That client then holds the keyboard from the
+/// press of that key on, so no other client can grab it when the trigger is complete.
 bool isModifierHeld(const X11Connection& connection, const X11TapKeyboard& keyboard) {
     auto* const server = connection.get();
     constexpr std::uint32_t noModifier = 0;
@@ -126,7 +126,7 @@ std::string serverVersion(std::string_view vendor, std::uint32_t releaseNumber) 
     const auto major = releaseNumber / 100'000 % 100;
     const auto minor = releaseNumber / 1'000 % 100;
     const auto patch = releaseNumber % 1'000;
-    // From 21 on the number of the generation, 1 for ever, is left out.
+    // From version 21 on, the first number (always 1) is left out.
     constexpr std::uint32_t firstOfTheNewNumbers = 21;
     if (generation == 1 && major >= firstOfTheNewNumbers) {
         return fmt::format("{}.{}.{}", major, minor, patch);
@@ -181,7 +181,7 @@ DoctorFinding DoctorDisplay::inputExtension() const {
         return {Verdict::bad, "XInput", "the X server takes no further connection", {}};
     }
     const auto* const extension = xcb_get_extension_data(connection->get(), &xcb_input_id);
-    // A version that no server has yet: it answers with its own.
+    // A version above that of any server, so that the server answers with its highest.
     const XcbReply<xcb_input_xi_query_version_reply_t> version(
         extension == nullptr || extension->present == 0
             ? nullptr

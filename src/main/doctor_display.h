@@ -11,13 +11,13 @@ namespace ferrowyn {
 
 class X11Connection;
 
-/// The server's version as it calls itself, from the number with which it introduces itself to clients; that number
-/// itself where `vendor` is not known to count so.
+/// The version of the X server as text, from the release number that it sends to clients. For an unknown `vendor`, the
+/// number itself.
 [[nodiscard]] std::string serverVersion(std::string_view vendor, std::uint32_t releaseNumber);
 
-/// What the X server and its clients are like for the program: the server, the window manager, the input extension, the
-/// keys, the compositor. Reads no window but the manager's own. Each part of the look has a connection of its own to
-/// `display` (as in DISPLAY), for what one asks changes what the server grants to the next.
+/// Checks the X server, the window manager, the input extension, the keys and the compositor. Reads only the window
+/// manager's window. Each check opens a connection to `display` (in the form of DISPLAY), because the requests of one
+/// client change what the server grants to it later.
 class DoctorDisplay {
 public:
     DoctorDisplay(const X11Connection& connection, std::string display, SwitcherModifier trigger);
@@ -25,16 +25,15 @@ public:
     [[nodiscard]] DoctorFinding server() const;
     [[nodiscard]] DoctorFinding windowManager() const;
     [[nodiscard]] DoctorFinding inputExtension() const;
-    /// Asks the manager to activate two windows of the doctor's own, one after the other, and what was active before in
-    /// the end.
+    /// See `activationFinding`.
     [[nodiscard]] DoctorFinding activation() const;
-    /// Tries to take the trigger keys as the program does, and gives them back.
+    /// Grabs the trigger keys as the program does, and releases them.
     [[nodiscard]] DoctorFinding triggerKeys() const;
-    /// Tries to take the keyboard, and gives it back.
+    /// Grabs the keyboard, and releases it.
     [[nodiscard]] DoctorFinding secureInput() const;
     [[nodiscard]] DoctorFinding compositor() const;
 
-    /// Whether the program runs, and what has come of the latest switches there.
+    /// Whether the program runs, and the result of its latest switches.
     [[nodiscard]] DoctorFinding program() const;
 
     [[nodiscard]] bool hasEmbeddingTray() const;

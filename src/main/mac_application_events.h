@@ -10,13 +10,12 @@ struct TextTable;
 class AppDelegate;
 class UserInterface;
 
-/// Passes on what the system tells to the delegate of the program, while there is one. The system can tell before there
-/// is, and after, and it tells of the end more than once: the launch happens once, the end is always the same. The
-/// pointer outlives what is returned.
+/// Passes the system's events to the delegate, while there is one. Events may come before it exists and after it is
+/// gone, and the end may be reported several times. The launch is passed on only once. The pointer outlives the result.
 [[nodiscard]] MacApplicationEvents passingOnTo(AppDelegate* const& delegate);
 
-/// The menu of the application, which shows the settings while there is a delegate. The texts are those of the status
-/// item's menu, and the pointer outlives what is returned.
+/// The menu of the application, which shows the settings while there is a delegate. It uses the texts of the status
+/// item's menu. The pointer outlives the result.
 [[nodiscard]] std::unique_ptr<MacApplicationMenu> makeApplicationMenu(UserInterface& userInterface,
                                                                       const TextTable& texts,
                                                                       AppDelegate* const& delegate);

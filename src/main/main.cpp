@@ -66,7 +66,7 @@ int main(int argumentCount, char** arguments) {
         std::cerr << "ferrowyn: " << error->message << "\nTry \"ferrowyn --help\".\n";
         return ferrowyn::exit_status::badCommandLine;
     }
-    // The toolkit has options of its own, which are not this program's.
+    // The toolkit gets only the program's name, because its command-line options are not this program's.
     int toolkitArgumentCount = argumentCount > 0 ? 1 : 0;
     return run(std::get<CommandLine>(parsed), toolkitArgumentCount, arguments);
 }

@@ -4,7 +4,7 @@ namespace ferrowyn {
 
 struct Platform;
 
-/// Whether the same installed program runs in another process. A program that is not installed as one is never found.
+/// Whether the same installed program runs in another process. Always false for a program that is not installed.
 [[nodiscard]] bool isRunningElsewhere(const Platform& platform);
 
 }  // namespace ferrowyn

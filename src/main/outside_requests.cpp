@@ -32,7 +32,7 @@ void OutsideRequests::perform(ProgramRequest request) {
 }
 
 void OutsideRequests::activate() {
-    // Of a program that the bus has just started to be opened, that is the start itself.
+    // For a program that the bus has just started, this request is part of the start.
     if (std::exchange(awaitsOpening_, false)) {
         return;
     }

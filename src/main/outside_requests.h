@@ -8,11 +8,11 @@ struct CommandLine;
 struct Platform;
 class AppDelegate;
 
-/// Passes on what later starts of the program, its command line and the desktop ask, and says so in the log. Main
+/// Passes the requests of later starts, of the command line and of the desktop to the delegate, and logs them. Main
 /// thread. The platform and the launched delegate outlive it.
 class OutsideRequests {
 public:
-    /// Carries out at once what the command line asks.
+    /// Carries out the request of the command line at once.
     OutsideRequests(const Platform& platform, AppDelegate& delegate, const CommandLine& line);
     OutsideRequests(const OutsideRequests&) = delete;
     OutsideRequests& operator=(const OutsideRequests&) = delete;
@@ -24,7 +24,7 @@ public:
 private:
     const Platform& platform_;
     AppDelegate& delegate_;
-    /// The bus has started the program to be opened, and has not said so yet.
+    /// Whether the bus has started the program and its request to open it is still to come.
     bool awaitsOpening_;
 };
 

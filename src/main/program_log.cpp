@@ -17,7 +17,7 @@ void MirroredLog::write(LogLevel level, std::string_view category, std::string_v
         return;
     }
     const std::scoped_lock lock(mutex_);
-    // Some messages quote what other programs say; none of it may command the terminal.
+    // Some messages quote other programs, whose text must not control the terminal.
     mirror_ << "ferrowyn: [" << category << "] " << text::withoutControls(message) << std::endl;
 }
 

@@ -10,14 +10,14 @@ namespace ferrowyn {
 
 struct CommandLine;
 
-/// The log of this system, which goes to standard error too, in any case, for someone who asks for a level.
+/// The log of this system. When the user chose a log level, the messages also go to standard error.
 [[nodiscard]] std::unique_ptr<Log> makeProgramLog(const CommandLine& line);
 
-/// Writes what it passes on to another log to a stream as well, one line a message, for someone who looks on: it waits
-/// for whoever reads the stream. Any thread.
+/// Passes messages to another log and also writes them to a stream, one line for each. It may wait for the reader of
+/// the stream. Any thread.
 class MirroredLog final : public Log {
 public:
-    /// Messages below `minimumLevel` go to the other log alone. The stream outlives this.
+    /// Messages below `minimumLevel` go only to the other log. The stream outlives this object.
     MirroredLog(std::unique_ptr<Log> log, LogLevel minimumLevel, std::ostream& mirror);
 
     void write(LogLevel level, std::string_view category, std::string_view message) override;

@@ -27,7 +27,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// In the order in which they need each other.
+/// In the order of construction: each may use those above it.
 struct Desktop {
     explicit Desktop(const CommandLine& line)
         : log(makeProgramLog(line)),
@@ -43,19 +43,19 @@ struct Desktop {
     std::unique_ptr<Log> log;
     CurlHttpClient httpClient;
     MacPlatform adapter;
-    /// Handed to what stands above before it is made, which only keeps it in mind, and gone before that goes: it waits
-    /// for a snapshot that is still being read with the adapter.
+    /// The members above get a reference before it is constructed, and only store it. It is destroyed first, and waits
+    /// then for a snapshot that still uses the adapter.
     QtBackgroundWork backgroundWork;
 };
 
 }  // namespace
 
 int runOnMacOS(const CommandLine& line, int& argumentCount, char** arguments) {
-    AppDelegate* told = nullptr;
-    const auto events = passingOnTo(told);
+    AppDelegate* currentDelegate = nullptr;
+    const auto events = passingOnTo(currentDelegate);
     const MacApplicationDelegate systemDelegate(events);
-    // The toolkit would give the program a place in the Dock and bring it to the front, where it is no bundle: it
-    // starts silently in the menu bar, and its policy is its own.
+    // Without this, the toolkit would put a program that is not in a bundle into the Dock and in front. The program
+    // starts in the menu bar only and sets its own policy.
     qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
@@ -67,23 +67,23 @@ int runOnMacOS(const CommandLine& line, int& argumentCount, char** arguments) {
         std::cout << "Ferrowyn is already running.\n";
         return exit_status::success;
     }
-    // Before the services say that they are active: who reads that may end the program at once.
+    // Before the services log that they are active, because a script that reads the log may end the program then.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     QtUserInterface userInterface(
         platform, [] { return std::make_unique<MacStatusItem>(); }, nullptr, configureUtilityWindow);
     const MacSystemLooks looks;
     const SystemLooksInUse looksInUse(looks);
     AppDelegate delegate(platform, userInterface);
-    told = &delegate;
-    // After the toolkit's own application object, which brings a menu of its own.
-    const auto applicationMenu = makeApplicationMenu(userInterface, platform.texts, told);
-    // The system tells of the launch when the loop begins. Whatever becomes of that between it and the toolkit, the
-    // program must not sit there without a sign of itself.
+    currentDelegate = &delegate;
+    // After the toolkit's application object, which makes a menu too.
+    const auto applicationMenu = makeApplicationMenu(userInterface, platform.texts, currentDelegate);
+    // The system reports the launch when the loop begins. The program reports it too, so that it starts even when the
+    // toolkit does not pass that event on.
     platform.mainLoop.post(events.onDidFinishLaunching);
     const int status = QApplication::exec();
-    // The toolkit ends its loop without the system's knowing.
+    // The toolkit ends its loop without an event of the system.
     events.onWillTerminate();
-    told = nullptr;
+    currentDelegate = nullptr;
     return status;
 }
 

@@ -29,11 +29,11 @@ constexpr std::chrono::milliseconds tick{10};
 
 int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** arguments) {
     if (line.request == ProgramRequest::quit) {
-        // Each has a desktop of its own.
+        // Every simulated program has a separate desktop, so no other one can be asked to quit.
         std::cerr << notRunningMessage << "\n";
         return exit_status::unusableDesktop;
     }
-    // There may be no display at all.
+    // Works also without a display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
@@ -42,7 +42,7 @@ int runOnSimulatedDesktop(const CommandLine& line, int& argumentCount, char** ar
     SimulatedDesktop desktop;
     openDemoWindows(desktop);
     const Platform platform = replacedIn(desktop.platform(), {.log = log.get()});
-    // Before the services say that they are active: who reads that may end the program at once.
+    // Before the services log that they are active, because a script that reads the log may end the program then.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     QtUserInterface userInterface(platform, [] { return std::make_unique<SimulatedStatusItem>(); });
     AppDelegate delegate(platform, userInterface);

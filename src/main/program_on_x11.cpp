@@ -38,9 +38,9 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::chrono::seconds patienceWithEnding{10};
-/// It may still be starting, on a slow machine.
+/// Long, because the running program may still be starting on a slow machine.
 constexpr std::chrono::seconds patienceWithAnswer{5};
-/// Each time, the program that was asked has ended meanwhile.
+/// Another attempt is needed only when the running program ended before it answered.
 constexpr int mostAttempts = 5;
 
 int refuse(const std::string& message) {
@@ -48,17 +48,17 @@ int refuse(const std::string& message) {
     return exit_status::unusableDesktop;
 }
 
-/// A session that restores its programs at the next login would start this one whatever its login item says, or a
-/// second time beside it, which opens the setup window.
+/// A session that restores its programs at the next login would start this one even when the login item is off, or a
+/// second time, which opens the setup window.
 void stayOutOfRestoredSessions(QApplication& application) {
     const auto refuse = [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); };
     QObject::connect(&application, &QGuiApplication::saveStateRequest, &application, refuse);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &application, refuse);
 }
 
-/// The program in a session that it can work in, as the only one there.
+/// Runs the program in a session that it can work in, as the only one there.
 int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCount, char** arguments) {
-    // A platform plugin for Wayland would find a compositor that this program cannot work with.
+    // Otherwise the toolkit might choose Wayland, where this program cannot work.
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
@@ -77,7 +77,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     DesktopPalette palette;
     const auto appearance = desktop->appearance().subscribe(
         [&palette](const AppearanceSources& sources) { palette.apply(desktopAppearance(sources)); });
-    // Before the services say that they are active: who reads that may end the program at once.
+    // Before the services log that they are active, because a script that reads the log may end the program then.
     const TerminationSignals terminationSignals([] { QCoreApplication::quit(); });
     const auto trayIcon = desktop->makeTrayIcon(traySymbol);
     QtUserInterface userInterface(
@@ -115,11 +115,11 @@ int endRunning(const X11Connection& connection) {
     return exit_status::unusableDesktop;
 }
 
-/// Makes this the only program, or has the one that runs do what this start asks for, and says then how that went.
+/// Makes this the only program, or passes its request to the running one and returns the exit status.
 std::variant<std::unique_ptr<SingleInstance>, int> claimOrAsk(const CommandLine& line,
                                                               std::unique_ptr<X11Connection>& connection) {
     auto answer = SingleInstance::Answer::nobodyRuns;
-    // One that ends just now leaves the claim to this one.
+    // When the running program ends meanwhile, the next attempt gets the claim.
     for (int attempt = 0; attempt < mostAttempts && answer == SingleInstance::Answer::nobodyRuns; ++attempt) {
         if (auto instance = SingleInstance::claim(connection)) {
             return instance;
@@ -136,7 +136,8 @@ std::variant<std::unique_ptr<SingleInstance>, int> claimOrAsk(const CommandLine&
     return exit_status::success;
 }
 
-/// From where no display can be reached (another terminal, a remote shell), a program that runs in the session can be.
+/// Passes the request over the session bus. Works also where the display cannot be reached (another terminal, a remote
+/// shell).
 bool askOverBus(ProgramRequest request, int& argumentCount, char** arguments) {
     const auto bus = SessionLock::Buses::fromEnvironment().session;
     const QCoreApplication application(argumentCount, arguments);
@@ -146,8 +147,8 @@ bool askOverBus(ProgramRequest request, int& argumentCount, char** arguments) {
 }  // namespace
 
 int runOnX11(const CommandLine& line, int& argumentCount, char** arguments) {
-    // When the server goes, the connection tells of it, and the program ends in order; that it wrote to the server a
-    // moment before must not end it sooner.
+    // When the X server ends, the connection reports it and the program ends in order. Without this, a write to the
+    // closed connection would kill it before.
     std::signal(SIGPIPE, SIG_IGN);
     const auto environment = SessionEnvironment::current();
     auto refusal = sessionRefusal(environment);

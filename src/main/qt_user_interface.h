@@ -11,7 +11,8 @@ namespace ferrowyn {
 
 struct Platform;
 
-/// The windows and the panel's content made with Qt. The platform outlives it and everything that it makes.
+/// Makes the windows and the panel's content with Qt. Main thread. The platform outlives it and everything that it
+/// makes.
 class QtUserInterface final : public UserInterface {
 public:
     using StatusItemFactory = std::function<std::unique_ptr<StatusItem>()>;
@@ -19,7 +20,7 @@ public:
     /// Describes this desktop for a bug report. Called on a worker thread.
     using ReportMaker = std::function<std::string()>;
 
-    /// As `UtilityWindowController` has it.
+    /// See `UtilityWindowController`.
     using WindowConfiguration = std::function<int(std::uintptr_t windowNumber, bool isResizable)>;
 
     QtUserInterface(const Platform& platform, StatusItemFactory makeStatusItem, ReportMaker makeReport = nullptr,

@@ -82,7 +82,7 @@ xcb_window_t ownerOf(xcb_connection_t* connection, xcb_atom_t selection) {
     return reply ? reply->owner : xcb_window_t{XCB_NONE};
 }
 
-/// `asker` is the window to answer to, which is None in the answer itself.
+/// `asker` is the window that gets the answer; None in an answer.
 void send(xcb_connection_t* connection, xcb_window_t receiver, xcb_atom_t type, std::uint32_t request,
           xcb_window_t asker) {
     xcb_client_message_event_t message{};
@@ -96,7 +96,7 @@ void send(xcb_connection_t* connection, xcb_window_t receiver, xcb_atom_t type, 
     xcb_send_event(connection, 0, receiver, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&message));
 }
 
-/// Something that a program of another version asks, and this one does not know, is nothing.
+/// The request in the message; nothing when this version does not know it.
 std::optional<ProgramRequest> requestIn(const xcb_client_message_event_t& message) {
     const auto code = message.data.data32[0];
     for (const auto& [request, name] : programRequestNames) {
@@ -107,14 +107,14 @@ std::optional<ProgramRequest> requestIn(const xcb_client_message_event_t& messag
     return std::nullopt;
 }
 
-/// Returns when the server has done everything asked so far.
+/// Returns when the server has handled all requests so far.
 void synchronize(xcb_connection_t* connection) {
     const XcbReply<xcb_get_input_focus_reply_t> ignored(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
-/// Asks to be told of the window's end, which is that of its program: the window goes when everything else that the
-/// program held has been given back.
+/// Requests the event for the end of the window. The program destroys its window last, when it has released everything
+/// else.
 void listenForEnd(xcb_connection_t* connection, xcb_window_t window) {
     const std::uint32_t wanted = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &wanted);
@@ -122,7 +122,7 @@ void listenForEnd(xcb_connection_t* connection, xcb_window_t window) {
 
 enum class Outcome { answered, destroyed, neither };
 
-/// Waits for a message of this type, or for the end of the window that was listened for.
+/// Waits for a message of this type, or for the end of this window (`listenForEnd`).
 Outcome waitForAnswerOrEnd(const X11Connection& connection, xcb_atom_t answerType, xcb_window_t window,
                            std::chrono::milliseconds patience) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
@@ -131,7 +131,7 @@ Outcome waitForAnswerOrEnd(const X11Connection& connection, xcb_atom_t answerTyp
             const auto type = event->response_type & 0x7FU;
             const bool isDestroyed = type == XCB_DESTROY_NOTIFY &&
                                      reinterpret_cast<const xcb_destroy_notify_event_t*>(event.get())->window == window;
-            // The one error there can be: the window had gone before it was asked about.
+            // The only possible error: the window was destroyed before `listenForEnd`.
             if (isDestroyed || type == 0) {
                 return Outcome::destroyed;
             }
@@ -160,7 +160,7 @@ std::string SingleInstance::selectionName() {
 std::unique_ptr<SingleInstance> SingleInstance::claim(std::unique_ptr<X11Connection>& connection) {
     auto* server = connection->get();
     const auto atoms = Atoms::of(*connection);
-    // Of two programs that start at the same time, one looks only after the other has claimed.
+    // Holds the server, so that of two programs that start at the same time one sees the claim of the other.
     xcb_grab_server(server);
     const bool isFree = ownerOf(server, atoms.selection) == XCB_NONE;
     const Claim claim{.window = isFree ? createHiddenWindow(*connection) : xcb_window_t{XCB_WINDOW_NONE},
@@ -232,7 +232,7 @@ SingleInstance::Ending SingleInstance::endRunning(const X11Connection& connectio
     return outcome == Outcome::destroyed ? Ending::ended : Ending::stillRuns;
 }
 
-/// Reads the messages as they come.
+/// Reads the messages when they arrive.
 class SingleInstance::Listener {
 public:
     Listener(const X11Connection& connection, const Claim& claim, std::function<void(ProgramRequest)> onRequest)
@@ -241,7 +241,7 @@ public:
           onRequest_(std::move(onRequest)),
           notifier_(connection.fileDescriptor(), QSocketNotifier::Read) {
         QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { readEvents(); });
-        // xcb may read events off the socket while it writes; the socket is silent about those.
+        // xcb may read events while it writes. The socket does not signal those.
         QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &notifier_,
                          [this] { readEvents(); });
     }
@@ -255,7 +255,7 @@ public:
             }
         }
         if (!connection_.isAlive()) {
-            // A dead connection is readable for ever.
+            // A dead connection is always readable.
             notifier_.setEnabled(false);
         }
     }
@@ -283,7 +283,7 @@ private:
 
     const X11Connection& connection_;
     Claim claim_;
-    /// Two that take it from each other must come to an end.
+    /// Limited, so that two programs that take the claim from each other stop at some point.
     int claimsLeft_ = 100;
     std::function<void(ProgramRequest)> onRequest_;
     QSocketNotifier notifier_;
@@ -295,9 +295,10 @@ SingleInstance::SingleInstance(std::unique_ptr<X11Connection> connection, const 
 SingleInstance::~SingleInstance() = default;
 
 Subscription SingleInstance::listen(std::function<void(ProgramRequest)> onRequest) {
-    // Shared with the token only because a token must be copyable into a function.
+    // Shared only because a std::function must be copyable.
     const auto listener = std::make_shared<Listener>(*connection_, claim_, std::move(onRequest));
-    // One may have asked while the program was still starting: its message is read already, so nothing wakes up.
+    // A start may have sent its request while the program was starting. xcb has read that message already, so the
+    // socket does not signal it.
     listener->readEvents();
     return Subscription([held = listener]() mutable { held.reset(); });
 }

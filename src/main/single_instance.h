@@ -16,7 +16,7 @@ namespace ferrowyn {
 
 class X11Connection;
 
-/// What the environment says about the session that the program was started in. Empty means unset.
+/// What the environment says about the session of the program. Empty means unset.
 struct SessionEnvironment {
     std::string display;
     std::string waylandDisplay;
@@ -25,51 +25,50 @@ struct SessionEnvironment {
     [[nodiscard]] static SessionEnvironment current();
 };
 
-/// Why the program cannot work in this session and what the user can do, as one text for standard error; nothing when
-/// it can try.
+/// Why the program cannot work in this session and what the user can do, as a text for standard error; nothing when it
+/// may work.
 [[nodiscard]] std::optional<std::string> sessionRefusal(const SessionEnvironment& environment);
-/// The server named by the environment did not answer.
+/// The text for the user when the X server that the environment names did not answer.
 [[nodiscard]] std::string unreachableDisplayMessage(const SessionEnvironment& environment);
-/// The same refusal as in a Wayland session, for a server that turned out to be part of one.
+/// The refusal for a Wayland session, for an X server that is part of one.
 [[nodiscard]] std::string waylandMessage();
 
-/// Makes this the only running program of its user on its display, and carries what later starts ask of it. The claim
-/// is an X selection: the server hands it to one client at a time, and takes it back when that client goes, however it
-/// goes. Any client can take it away, which only a program that is not this one does: it is claimed again then. Main
-/// thread.
+/// Makes this the only running program of its user on its display, and receives the requests of later starts. The claim
+/// is an X selection: the server gives it to one client at a time, and takes it back when that client ends in any way.
+/// When another program takes the selection away, it is claimed again. Main thread.
 class SingleInstance {
 public:
     /// The selection that the running program owns.
     [[nodiscard]] static std::string selectionName();
-    /// Null when another program has the claim; the connection is left then.
+    /// Null when another program has the claim; `connection` is unchanged then.
     [[nodiscard]] static std::unique_ptr<SingleInstance> claim(std::unique_ptr<X11Connection>& connection);
 
     enum class Answer {
         heard,
-        /// No program has the claim, or the one that had it has ended without an answer.
+        /// No program has the claim, or the program that had it ended without an answer.
         nobodyRuns,
-        /// Who has the claim is hung, or not this program.
+        /// The owner of the claim did not answer in time: it is hung or another program.
         none,
     };
-    /// Passes the request to the program that runs, and waits until it has been heard there.
+    /// Sends the request to the running program, and waits for its answer.
     [[nodiscard]] static Answer ask(const X11Connection& connection, ProgramRequest request,
                                     std::chrono::milliseconds patience);
 
     enum class Ending { nobodyRan, ended, stillRuns };
-    /// What the program that runs says of itself (`tellOthers`); nothing when none runs or it says nothing.
+    /// The text that the running program has left (`tellOthers`); nothing when none runs or it has left none.
     [[nodiscard]] static std::optional<std::string> wordOfRunning(const X11Connection& connection);
-    /// Asks the program that runs to quit, and waits until it is gone.
+    /// Asks the running program to quit, and waits until it has ended.
     [[nodiscard]] static Ending endRunning(const X11Connection& connection, std::chrono::milliseconds patience);
 
     ~SingleInstance();
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
-    /// Leaves a word for whoever looks for the program that runs; an empty one takes it back.
+    /// Leaves a text for later starts (`wordOfRunning`). An empty text removes it.
     void tellOthers(std::string_view word) const;
 
-    /// Calls the handler with what each later start asks, and has asked until now, until the token is dropped. With a
-    /// QCoreApplication, which outlives the token; as this object does.
+    /// Calls the handler with each request of a later start, also with those that came before this call, until the
+    /// token is dropped. Needs a QCoreApplication. It and this object outlive the token.
     [[nodiscard]] Subscription listen(std::function<void(ProgramRequest)> onRequest);
 
 private:

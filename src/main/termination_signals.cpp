@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::array handledSignals{SIGTERM, SIGINT, SIGHUP};
 
-/// The writing end of a pipe; a signal handler can reach nothing else. Any thread may be running the handler, even when
-/// the object is gone: the pipe stays open until the process ends, or such a thread might write to another file.
+/// The writing end of a pipe, for the signal handler. Any thread may run the handler, even when the object is
+/// destroyed. The pipe stays open until the process ends, because such a thread might write to another file otherwise.
 std::atomic<int> signalPipe{-1};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler waits for no lock");
 
@@ -29,7 +29,7 @@ extern "C" void writeToSignalPipe(int /*signal*/) {
     errno = savedError;
 }
 
-/// Whoever starts a program with nohup wants it to outlive the terminal.
+/// Whether the signal stays ignored: a program started with nohup is to run on when the terminal closes.
 bool isToBeSurvived(int signal) {
     struct sigaction inherited {};
     return signal == SIGHUP && sigaction(signal, nullptr, &inherited) == 0 && inherited.sa_handler == SIG_IGN;
@@ -47,7 +47,7 @@ void setHandlers(void (*handler)(int), int flags) {
     }
 }
 
-/// The reading end. Not by pipe2, which not every system has.
+/// Opens the pipe and returns its reading end. Does not use pipe2, which not every system has.
 std::optional<int> openSignalPipe() {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) {
@@ -73,7 +73,7 @@ TerminationSignals::TerminationSignals(std::function<void()> onSignal) : onSigna
         notifier_->setEnabled(false);
         onSignal_();
     });
-    // Back to the default after the first one.
+    // After the first signal the default handler is back.
     setHandlers(writeToSignalPipe, SA_RESTART | static_cast<int>(SA_RESETHAND));
 }
 

@@ -7,8 +7,8 @@ class QSocketNotifier;
 
 namespace ferrowyn {
 
-/// Turns SIGTERM, SIGINT and, unless the program was started with nohup, SIGHUP into a call on the main loop, where the
-/// program can end in order. The second signal ends it at once, should it not get there. One a process; with a
+/// Turns SIGTERM, SIGINT and, unless the program was started with nohup, SIGHUP into a call on the main loop, so that
+/// the program can end in order. A second signal ends it at once. Only one object in a process. Main thread; needs a
 /// QCoreApplication, which outlives it.
 class TerminationSignals {
 public:
