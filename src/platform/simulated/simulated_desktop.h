@@ -117,7 +117,7 @@ public:
     void setSecureInput(bool isActive);
     /// Another program answers a press of the trigger.
     void loseTrigger();
-    /// The display server lacks what capturing the keyboard needs, from now on.
+    /// From now on the display server lacks what capturing the keyboard needs.
     void makeServerUnusable();
     void becomeActiveApplication();
     /// For tests: sets what the program reports about itself, and records the requests.

@@ -94,7 +94,7 @@ public:
     [[nodiscard]] std::shared_ptr<const IconImage> genericApplicationIcon(std::string_view name) override;
 
     [[nodiscard]] Subscription observeProcessIcons(std::function<void(Pid)> handler) override {
-        return processChanges_.subscribe([told = std::move(handler)](const Pid& pid) { told(pid); });
+        return processChanges_.subscribe([handler = std::move(handler)](const Pid& pid) { handler(pid); });
     }
 
     void setFileHasIcon(std::string path, bool hasIcon) { files_.insert_or_assign(std::move(path), hasIcon); }
