@@ -2,7 +2,6 @@
 
 #include <cassert>
 #include <optional>
-#include <utility>
 
 #include "app/app_services.h"
 #include "core/texts.h"

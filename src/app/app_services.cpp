@@ -1,7 +1,6 @@
 #include "app/app_services.h"
 
 #include <cassert>
-#include <functional>
 #include <string_view>
 #include <utility>
 #include <variant>

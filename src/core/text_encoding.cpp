@@ -139,16 +139,4 @@ std::string withoutControls(std::string_view text) {
     return printable;
 }
 
-std::string_view prefixOfBytes(std::string_view text, std::size_t maximumBytes) {
-    if (text.size() <= maximumBytes) {
-        return text;
-    }
-    std::size_t end = maximumBytes;
-    // A scalar has at most three trailing bytes; more of them in a row are no UTF-8 and may be cut anywhere.
-    for (int trailing = 1; trailing < U8_MAX_LENGTH && end > 0 && U8_IS_TRAIL(text[end]); ++trailing) {
-        --end;
-    }
-    return text.substr(0, end);
-}
-
 }  // namespace ferrowyn::text

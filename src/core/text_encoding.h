@@ -25,7 +25,4 @@ namespace ferrowyn::text {
 /// The text with "?" in place of every control character, so that text from another program cannot control a terminal.
 [[nodiscard]] std::string withoutControls(std::string_view text);
 
-/// At most `maximumBytes` of the text, cut before a scalar, never inside one.
-[[nodiscard]] std::string_view prefixOfBytes(std::string_view text, std::size_t maximumBytes);
-
 }  // namespace ferrowyn::text

@@ -4,7 +4,6 @@
 #include <xcb/xinput.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "core/texts.h"

@@ -6,7 +6,6 @@
 
 #include <QAbstractEventDispatcher>
 #include <QSocketNotifier>
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <utility>

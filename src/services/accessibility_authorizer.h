@@ -9,7 +9,6 @@
 namespace ferrowyn {
 
 struct Platform;
-class Application;
 class Log;
 class MainLoop;
 class Trust;

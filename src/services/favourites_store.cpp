@@ -1,7 +1,6 @@
 #include "services/favourites_store.h"
 
 #include <algorithm>
-#include <iterator>
 #include <unordered_set>
 #include <utility>
 

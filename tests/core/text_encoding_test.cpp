@@ -48,17 +48,6 @@ TEST(TextEncoding, UnpairedSurrogatesAndIllFormedBytesBecomeReplacementCharacter
     EXPECT_EQ(utf16FromUtf8("a\xFFz"), u"a\uFFFDz");
 }
 
-TEST(TextEncoding, CutsBeforeAScalarNeverInsideOne) {
-    EXPECT_EQ(prefixOfBytes("abc", 3), "abc");
-    EXPECT_EQ(prefixOfBytes("abc", 2), "ab");
-    EXPECT_EQ(prefixOfBytes("aéb", 2), "a");
-    EXPECT_EQ(prefixOfBytes("aéb", 3), "aé");
-    EXPECT_EQ(prefixOfBytes("👍👍", 7), "👍");
-    EXPECT_EQ(prefixOfBytes("👍", 3), "");
-    EXPECT_EQ(prefixOfBytes("abc", 0), "");
-    EXPECT_EQ(prefixOfBytes(std::string_view("é").substr(0, 1), 1), "\xC3") << "what is short enough stays as it is";
-}
-
 TEST(TextEncoding, ControlsAreShownAsQuestionMarks) {
     EXPECT_EQ(withoutControls("plain é 漢 👍 ~"), "plain é 漢 👍 ~");
     EXPECT_EQ(withoutControls(std::string("\0a\x1B[2J\x1F \x7F", 9)), "?a?[2J? ?");

@@ -221,10 +221,6 @@ void SimulatedDesktop::setInstalledApplicationName(std::string bundleIdentifier,
     implementation_->workspace.setInstalledApplicationName(std::move(bundleIdentifier), std::move(name));
 }
 
-void SimulatedDesktop::setOpeningUrlsFails(bool fails) {
-    implementation_->workspace.setOpeningFails(fails);
-}
-
 std::vector<std::string> SimulatedDesktop::takeControlCalls() {
     return std::exchange(implementation_->controlCalls, {});
 }

@@ -102,7 +102,6 @@ public:
     void notifyLate(Pid pid, std::string_view notification);
     [[nodiscard]] std::size_t liveObserverCount() const;
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
-    void setOpeningUrlsFails(bool fails);
 
     /// Every call of `WindowControl` and `Workspace::open`, in order, as "raise 7", "activate 100", "open <url>",
     /// "timeout 7 0.5", "focusedWindow 100 7", "unhide 100", "unminimize 7", "main 7", "focused 7", "frontmost 100".

@@ -24,7 +24,6 @@ void SimulatedPanel::layOutContent() {
 
 void SimulatedPanel::prepare(const Rect&) {
     synchronizeContent();
-    ++state_.prepareCount;
 }
 
 void SimulatedPanel::orderFront() {

@@ -68,7 +68,6 @@ struct SimulatedPanelState {
     Rect frame;
     int orderFrontCount = 0;
     int layoutCount = 0;
-    int prepareCount = 0;
     /// Every call in order: "setFrame x y w h", "layOutContent", "orderFront", "orderFrontRegardless", "orderOut".
     std::vector<std::string> calls;
 };

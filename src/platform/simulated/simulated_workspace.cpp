@@ -31,7 +31,7 @@ std::optional<std::string> SimulatedWorkspace::installedApplicationPath(std::str
 
 bool SimulatedWorkspace::open(std::string_view url) {
     calls_.push_back("open " + std::string(url));
-    return !openingFails_;
+    return true;
 }
 
 void SimulatedWorkspace::setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name) {

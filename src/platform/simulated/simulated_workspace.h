@@ -30,14 +30,12 @@ public:
 
     void announce(const WorkspaceEvent& event) { events_.send(event); }
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
-    void setOpeningFails(bool fails) { openingFails_ = fails; }
 
 private:
     const SimulatedWindowModel& model_;
     std::vector<std::string>& calls_;
     Subject<WorkspaceEvent> events_;
     std::map<std::string, std::optional<std::string>, std::less<>> installedNames_;
-    bool openingFails_ = false;
 };
 
 /// Creates observers and remembers what each registered, also after it is destroyed, so that a test can deliver a late
