@@ -16,6 +16,7 @@
 
 #include "platform/log.h"
 #include "platform/x11/keyboard/x11_tap_engine.h"
+#include "platform/x11/xcb_reply.h"
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/test_desktop.h"
@@ -107,6 +108,13 @@ protected:
         ASSERT_TRUE(serveUntil([&] { return requests == before + 1; }));
         open(latest());
         serve();
+    }
+    [[nodiscard]] bool holdsKeyboard() const {
+        // What the tap has asked for is done by then.
+        auto* const connection = engine->connection().get();
+        const XcbReply<xcb_get_input_focus_reply_t> reply(
+            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+        return !desktop.keyboardIsFree();
     }
     void expectNothingLeft() {
         EXPECT_TRUE(serveUntil([&] { return desktop.keyboardIsFree(); })) << "a grab is left";
@@ -221,7 +229,7 @@ TEST_F(TapEngineTest, ALateEndOfALostSessionLeavesTheNextOneItsKeyboard) {
 
     close(lost);
     serve();
-    EXPECT_FALSE(desktop.keyboardIsFree()) << "the next session awaits its answer";
+    EXPECT_TRUE(holdsKeyboard()) << "the next session awaits its answer";
     input.tap(key::q);
     input.release(key::leftAlt);
     serve();
@@ -242,7 +250,7 @@ TEST_F(TapEngineTest, ATriggerThatFindsItsSessionClosedAwaitsItsOwnAnswer) {
     ASSERT_TRUE(serveUntil([&] { return latest() != first; }));
     close(first);
     serve();
-    EXPECT_FALSE(desktop.keyboardIsFree());
+    EXPECT_TRUE(holdsKeyboard());
     open(latest());
     input.tap(key::q);
     EXPECT_TRUE(serveUntil([&] { return typed == u"q"; }));

@@ -155,6 +155,13 @@ void ChildProcess::signal(int number) const {
     kill(pid_, number);
 }
 
+void ChildProcess::stop() const {
+    signal(SIGSTOP);
+    // Told once the last of its threads has stopped.
+    siginfo_t stopped{};
+    waitid(P_PID, static_cast<id_t>(pid_), &stopped, WSTOPPED | WNOWAIT);
+}
+
 std::optional<int> ChildProcess::waitForExit(milliseconds budget) {
     const Deadline deadline(budget);
     while (isRunning() && !deadline.hasPassed()) {

@@ -61,6 +61,8 @@ public:
     /// Forgets what has been written until now, so that a wait is for something new.
     void discardOutput();
     void signal(int number) const;
+    /// Stops it until SIGCONT. After the signal alone its threads may run on for a while; here none does.
+    void stop() const;
     /// The exit status (128 + the signal's number when one ended it); nothing at the deadline.
     [[nodiscard]] std::optional<int> waitForExit(milliseconds budget = patience);
 

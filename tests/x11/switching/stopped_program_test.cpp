@@ -154,7 +154,7 @@ TEST_F(KeyboardGuardTest, WithoutItsGuardTheProgramSwitchesButHoldsNoKeysBack) {
     expectSwitchTo(window(1));
     // The panel goes a moment before the keyboard is given back.
     ASSERT_TRUE(desktop.waitForUntouchedKeyboard());
-    program->process().signal(SIGSTOP);
+    program->process().stop();
     input.chord({key::leftAlt, key::tab});
     input.tap(key::q);
     EXPECT_TRUE(windows.front()->waitForKeyPress(key::q)) << "nothing is there that could end a freeze";
