@@ -37,13 +37,13 @@ std::unique_ptr<ApplicationObserver> ApplicationObserver::create(AccessibilityOb
                                                                  ChangeHandler onChange) {
     std::unique_ptr<ApplicationObserver> created(new ApplicationObserver(pid, std::move(onChange)));
     created->observer_ =
-        observers.create(pid, created->life_.guard([target = created.get()](std::string_view notification) {
+        observers.create(pid, created->life_.guard([target = created.get()](AccessibilityNotification notification) {
             target->handle(notification);
         }));
     if (!created->observer_) {
         return nullptr;
     }
-    for (const std::string_view notification : applicationNotifications) {
+    for (const AccessibilityNotification notification : applicationNotifications) {
         created->observer_->addApplicationNotification(notification);
     }
     return created;
@@ -66,7 +66,7 @@ void ApplicationObserver::observeWindows(std::unordered_set<AXElementRef> window
     }
     for (const AXElementRef& window : windows) {
         if (!observedWindows_.contains(window)) {
-            for (const std::string_view notification : windowNotifications) {
+            for (const AccessibilityNotification notification : windowNotifications) {
                 observer_->addWindowNotification(window, notification);
             }
         }
@@ -74,7 +74,7 @@ void ApplicationObserver::observeWindows(std::unordered_set<AXElementRef> window
     observedWindows_ = std::move(windows);
 }
 
-void ApplicationObserver::handle(std::string_view notification) {
+void ApplicationObserver::handle(AccessibilityNotification notification) {
     if (!isValid_) {
         return;
     }
@@ -98,19 +98,20 @@ void ApplicationObserver::invalidate() {
     observer_->detachFromMainLoop();
 }
 
-WindowChange ApplicationObserver::changeFor(std::string_view notification) const {
-    if (notification == "AXTitleChanged") {
+WindowChange ApplicationObserver::changeFor(AccessibilityNotification notification) const {
+    if (notification == AccessibilityNotification::titleChanged) {
         return WindowChange::metadata();
     }
-    if (notification == "AXFocusedWindowChanged" || notification == "AXMainWindowChanged" ||
-        notification == "AXApplicationActivated") {
+    if (notification == AccessibilityNotification::focusedWindowChanged ||
+        notification == AccessibilityNotification::mainWindowChanged ||
+        notification == AccessibilityNotification::applicationActivated) {
         return WindowChange::focus(pid_);
     }
     return WindowChange::structural();
 }
 
 void ApplicationObserver::unregister(const AXElementRef& window) {
-    for (const std::string_view notification : windowNotifications) {
+    for (const AccessibilityNotification notification : windowNotifications) {
         observer_->removeWindowNotification(window, notification);
     }
 }

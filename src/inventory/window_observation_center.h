@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -74,20 +73,22 @@ public:
     /// Watches exactly these windows from now on. A window that was watched before is not registered again.
     void observeWindows(std::unordered_set<AXElementRef> windows);
     /// Reports the change that the notification stands for. The handler may destroy this object.
-    void handle(std::string_view notification);
+    void handle(AccessibilityNotification notification);
     /// Ends the observation for good. Later notifications are ignored.
     void invalidate();
 
-    static constexpr std::array<std::string_view, 6> applicationNotifications{
-        "AXWindowCreated",     "AXFocusedWindowChanged", "AXMainWindowChanged",
-        "AXApplicationHidden", "AXApplicationShown",     "AXApplicationActivated"};
-    static constexpr std::array<std::string_view, 4> windowNotifications{"AXUIElementDestroyed", "AXWindowMiniaturized",
-                                                                         "AXWindowDeminiaturized", "AXTitleChanged"};
+    static constexpr std::array<AccessibilityNotification, 6> applicationNotifications{
+        AccessibilityNotification::windowCreated,     AccessibilityNotification::focusedWindowChanged,
+        AccessibilityNotification::mainWindowChanged, AccessibilityNotification::applicationHidden,
+        AccessibilityNotification::applicationShown,  AccessibilityNotification::applicationActivated};
+    static constexpr std::array<AccessibilityNotification, 4> windowNotifications{
+        AccessibilityNotification::uiElementDestroyed, AccessibilityNotification::windowMiniaturized,
+        AccessibilityNotification::windowDeminiaturized, AccessibilityNotification::titleChanged};
 
 private:
     ApplicationObserver(Pid pid, ChangeHandler onChange);
 
-    [[nodiscard]] WindowChange changeFor(std::string_view notification) const;
+    [[nodiscard]] WindowChange changeFor(AccessibilityNotification notification) const;
     void unregister(const AXElementRef& window);
 
     Pid pid_;

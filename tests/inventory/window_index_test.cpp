@@ -521,7 +521,7 @@ TEST_F(WindowIndexTest, ADestroyedIndexIsSafeWithWorkInFlight) {
     EXPECT_EQ(desktop.pendingTimerCount(), 0U);
     desktop.holdBackgroundWork(false);
     desktop.advance(1s);
-    desktop.notifyLate(100, "AXFocusedWindowChanged");
+    desktop.notifyLate(100, AccessibilityNotification::focusedWindowChanged);
     EXPECT_EQ(desktop.heldBackgroundWorkCount(), 0U);
     EXPECT_EQ(refreshes, 0);
 }

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/accessibility_observers.h"
@@ -20,6 +22,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+/// What an observer is asked for: "add" or "remove" with a window and a notification, or "detach".
+using Call = std::tuple<std::string, WindowId, std::optional<AccessibilityNotification>>;
+
+const Call detachCall{"detach", 0, std::nullopt};
+
 /// Writes down what it is asked for.
 class RecordedObservers final : public AccessibilityObservers {
 public:
@@ -28,35 +35,34 @@ public:
         return std::make_unique<Observer>(calls);
     }
 
-    std::vector<std::string> calls;
+    std::vector<Call> calls;
     Handler deliver;
 
 private:
     class Observer final : public AccessibilityObserver {
     public:
-        explicit Observer(std::vector<std::string>& calls) : calls_(calls) {}
-        void addApplicationNotification(std::string_view) override {}
-        void addWindowNotification(const AXElementRef& window, std::string_view notification) override {
+        explicit Observer(std::vector<Call>& calls) : calls_(calls) {}
+        void addApplicationNotification(AccessibilityNotification) override {}
+        void addWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override {
             note("add", window, notification);
         }
-        void removeWindowNotification(const AXElementRef& window, std::string_view notification) override {
+        void removeWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override {
             note("remove", window, notification);
         }
-        void detachFromMainLoop() override { calls_.emplace_back("detach"); }
+        void detachFromMainLoop() override { calls_.push_back(detachCall); }
 
     private:
-        void note(const char* what, const AXElementRef& window, std::string_view notification) {
-            calls_.push_back(std::string(what) + ' ' + std::to_string(SimulatedElement::idOf(window)) + ' ' +
-                             std::string(notification));
+        void note(const char* what, const AXElementRef& window, AccessibilityNotification notification) {
+            calls_.emplace_back(what, SimulatedElement::idOf(window), notification);
         }
 
-        std::vector<std::string>& calls_;
+        std::vector<Call>& calls_;
     };
 };
 
 class ApplicationObserverTest : public ::testing::Test {
 protected:
-    [[nodiscard]] std::vector<std::string> takeCalls() { return std::exchange(observers.calls, {}); }
+    [[nodiscard]] std::vector<Call> takeCalls() { return std::exchange(observers.calls, {}); }
 
     RecordedObservers observers;
     std::vector<WindowChange> changes;
@@ -64,13 +70,17 @@ protected:
         ApplicationObserver::create(observers, 100, [this](const WindowChange& change) { changes.push_back(change); });
 };
 
-const std::vector<std::string> removalOfSeven{"remove 7 AXUIElementDestroyed", "remove 7 AXWindowMiniaturized",
-                                              "remove 7 AXWindowDeminiaturized", "remove 7 AXTitleChanged"};
+const std::vector<Call> removalOfSeven{Call{"remove", 7, AccessibilityNotification::uiElementDestroyed},
+                                       Call{"remove", 7, AccessibilityNotification::windowMiniaturized},
+                                       Call{"remove", 7, AccessibilityNotification::windowDeminiaturized},
+                                       Call{"remove", 7, AccessibilityNotification::titleChanged}};
 
 TEST_F(ApplicationObserverTest, AWindowIsRegisteredWhileItIsAmongThoseObserved) {
     observer->observeWindows({SimulatedElement::reference(7)});
-    EXPECT_THAT(takeCalls(), ElementsAre("add 7 AXUIElementDestroyed", "add 7 AXWindowMiniaturized",
-                                         "add 7 AXWindowDeminiaturized", "add 7 AXTitleChanged"));
+    EXPECT_THAT(takeCalls(), ElementsAre(Call{"add", 7, AccessibilityNotification::uiElementDestroyed},
+                                         Call{"add", 7, AccessibilityNotification::windowMiniaturized},
+                                         Call{"add", 7, AccessibilityNotification::windowDeminiaturized},
+                                         Call{"add", 7, AccessibilityNotification::titleChanged}));
     observer->observeWindows({SimulatedElement::reference(7)});
     EXPECT_THAT(takeCalls(), IsEmpty());
     observer->observeWindows({});
@@ -84,7 +94,7 @@ TEST_F(ApplicationObserverTest, InvalidatingItUnregistersItsWindowsAndThenDetach
     static_cast<void>(takeCalls());
     observer->invalidate();
     auto expected = removalOfSeven;
-    expected.emplace_back("detach");
+    expected.push_back(detachCall);
     EXPECT_EQ(takeCalls(), expected);
     observer->invalidate();
     observer->observeWindows({SimulatedElement::reference(8)});
@@ -97,18 +107,18 @@ TEST_F(ApplicationObserverTest, DestroyingItInvalidatesIt) {
     static_cast<void>(takeCalls());
     observer.reset();
     auto expected = removalOfSeven;
-    expected.emplace_back("detach");
+    expected.push_back(detachCall);
     EXPECT_EQ(takeCalls(), expected);
-    observers.deliver("AXTitleChanged");
+    observers.deliver(AccessibilityNotification::titleChanged);
     EXPECT_THAT(changes, IsEmpty());
 }
 
 TEST_F(ApplicationObserverTest, OneThatIsInvalidTellsOfNothing) {
-    observers.deliver("AXTitleChanged");
+    observers.deliver(AccessibilityNotification::titleChanged);
     ASSERT_THAT(changes, SizeIs(1));
     observer->invalidate();
-    observers.deliver("AXTitleChanged");
-    observer->handle("AXWindowCreated");
+    observers.deliver(AccessibilityNotification::titleChanged);
+    observer->handle(AccessibilityNotification::windowCreated);
     EXPECT_THAT(changes, SizeIs(1));
 }
 
@@ -152,9 +162,11 @@ const auto structural = WindowChange::structural();
 
 TEST_F(WindowObservationCenterTest, RegistersTheApplicationNotificationsInOrder) {
     center->start();
-    EXPECT_THAT(desktop.applicationNotifications(100),
-                ElementsAre("AXWindowCreated", "AXFocusedWindowChanged", "AXMainWindowChanged", "AXApplicationHidden",
-                            "AXApplicationShown", "AXApplicationActivated"));
+    EXPECT_THAT(
+        desktop.applicationNotifications(100),
+        ElementsAre(AccessibilityNotification::windowCreated, AccessibilityNotification::focusedWindowChanged,
+                    AccessibilityNotification::mainWindowChanged, AccessibilityNotification::applicationHidden,
+                    AccessibilityNotification::applicationShown, AccessibilityNotification::applicationActivated));
     EXPECT_THAT(desktop.windowNotifications(1), IsEmpty()) << "no window list has been seen yet";
 }
 
@@ -195,23 +207,21 @@ TEST_F(WindowObservationCenterTest, StartingTwiceAndStoppingTwiceIsHarmless) {
 
 TEST_F(WindowObservationCenterTest, MapsEachNotificationToItsChange) {
     center->start();
-    const std::vector<std::pair<std::string, WindowChange>> expected{
-        {"AXTitleChanged", WindowChange::metadata()},
-        {"AXFocusedWindowChanged", WindowChange::focus(200)},
-        {"AXMainWindowChanged", WindowChange::focus(200)},
-        {"AXApplicationActivated", WindowChange::focus(200)},
-        {"AXWindowCreated", structural},
-        {"AXApplicationHidden", structural},
-        {"AXApplicationShown", structural},
-        {"AXUIElementDestroyed", structural},
-        {"AXWindowMiniaturized", structural},
-        {"AXWindowDeminiaturized", structural},
-        {"AXSomethingNew", structural},
-        {"axtitlechanged", structural},
+    const std::vector<std::pair<AccessibilityNotification, WindowChange>> expected{
+        {AccessibilityNotification::titleChanged, WindowChange::metadata()},
+        {AccessibilityNotification::focusedWindowChanged, WindowChange::focus(200)},
+        {AccessibilityNotification::mainWindowChanged, WindowChange::focus(200)},
+        {AccessibilityNotification::applicationActivated, WindowChange::focus(200)},
+        {AccessibilityNotification::windowCreated, structural},
+        {AccessibilityNotification::applicationHidden, structural},
+        {AccessibilityNotification::applicationShown, structural},
+        {AccessibilityNotification::uiElementDestroyed, structural},
+        {AccessibilityNotification::windowMiniaturized, structural},
+        {AccessibilityNotification::windowDeminiaturized, structural},
     };
     for (const auto& [notification, change] : expected) {
         desktop.notify(200, notification);
-        EXPECT_THAT(takeChanges(), ElementsAre(change)) << notification;
+        EXPECT_THAT(takeChanges(), ElementsAre(change)) << static_cast<int>(notification);
     }
 }
 
@@ -220,7 +230,7 @@ TEST_F(WindowObservationCenterTest, ObservesALaunchedApplication) {
     desktop.launch({.pid = 300, .localizedName = "Maps"});
     EXPECT_THAT(takeChanges(), ElementsAre(structural));
     EXPECT_EQ(desktop.liveObserverCount(), 3U);
-    desktop.notify(300, "AXFocusedWindowChanged");
+    desktop.notify(300, AccessibilityNotification::focusedWindowChanged);
     EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::focus(300)));
 }
 
@@ -246,7 +256,7 @@ TEST_F(WindowObservationCenterTest, AnApplicationThatIsToldOfTwiceHasOneObserver
     desktop.launch({.pid = 100, .bundleIdentifier = "org.example.mail"});
     EXPECT_EQ(desktop.liveObserverCount(), 2U);
     takeChanges();
-    desktop.notify(100, "AXTitleChanged");
+    desktop.notify(100, AccessibilityNotification::titleChanged);
     EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::metadata()));
 }
 
@@ -257,7 +267,7 @@ TEST_F(WindowObservationCenterTest, ATerminatedApplicationLosesItsObserver) {
     EXPECT_THAT(takeChanges(), ElementsAre(structural));
     EXPECT_EQ(desktop.liveObserverCount(), 1U);
     EXPECT_THAT(desktop.windowNotifications(1), IsEmpty());
-    desktop.notifyLate(100, "AXFocusedWindowChanged");
+    desktop.notifyLate(100, AccessibilityNotification::focusedWindowChanged);
     EXPECT_THAT(takeChanges(), IsEmpty());
 }
 
@@ -285,7 +295,8 @@ TEST_F(WindowObservationCenterTest, WatchesExactlyTheListedWindows) {
     desktop.openWindow({.id = 3, .pid = 100}, true);
     center->synchronize({listed(1, 100), listed(2, 200)});
     const auto all =
-        ElementsAre("AXUIElementDestroyed", "AXWindowMiniaturized", "AXWindowDeminiaturized", "AXTitleChanged");
+        ElementsAre(AccessibilityNotification::uiElementDestroyed, AccessibilityNotification::windowMiniaturized,
+                    AccessibilityNotification::windowDeminiaturized, AccessibilityNotification::titleChanged);
     EXPECT_THAT(desktop.windowNotifications(1), all);
     EXPECT_THAT(desktop.windowNotifications(2), all);
 
@@ -314,7 +325,7 @@ TEST_F(WindowObservationCenterTest, StoppingEndsEverything) {
     center->synchronize({listed(1, 100)});
     EXPECT_THAT(desktop.windowNotifications(1), IsEmpty());
 
-    desktop.notifyLate(100, "AXTitleChanged");
+    desktop.notifyLate(100, AccessibilityNotification::titleChanged);
     desktop.launch({.pid = 300, .localizedName = "Maps"});
     desktop.setSpaceChanged();
     desktop.setScreenParametersChanged();
@@ -335,7 +346,7 @@ TEST_F(WindowObservationCenterTest, ALateNotificationAfterTheCenterIsGoneIsHarml
     center->start();
     center.reset();
     EXPECT_EQ(desktop.liveObserverCount(), 0U);
-    desktop.notifyLate(100, "AXTitleChanged");
+    desktop.notifyLate(100, AccessibilityNotification::titleChanged);
     desktop.advance(20s);
     EXPECT_THAT(changes, IsEmpty());
 }
@@ -343,7 +354,7 @@ TEST_F(WindowObservationCenterTest, ALateNotificationAfterTheCenterIsGoneIsHarml
 TEST_F(WindowObservationCenterTest, ASubscriberMayStopTheObservationFromWithinAChange) {
     const auto stopper = center->changes().subscribe([this](const WindowChange&) { center->stop(); });
     center->start();
-    desktop.notify(100, "AXTitleChanged");
+    desktop.notify(100, AccessibilityNotification::titleChanged);
     EXPECT_THAT(takeChanges(), ElementsAre(WindowChange::metadata()));
     EXPECT_EQ(desktop.liveObserverCount(), 0U);
 }

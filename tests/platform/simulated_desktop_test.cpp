@@ -26,6 +26,7 @@ protected:
     SimulatedDesktop desktop;
     const Platform& platform = desktop.platform();
     std::vector<std::string> events;
+    std::vector<AccessibilityNotification> notifications;
 
     void SetUp() override {
         desktop.launch({.pid = 100, .localizedName = "Mail"}, true);
@@ -37,9 +38,11 @@ protected:
 
     [[nodiscard]] std::unique_ptr<AccessibilityObserver> observe(Pid pid) {
         auto observer = platform.accessibilityObservers.create(
-            pid, [this](std::string_view notification) { events.emplace_back(notification); });
-        for (const auto* name : {"AXWindowCreated", "AXFocusedWindowChanged", "AXApplicationActivated"}) {
-            observer->addApplicationNotification(name);
+            pid, [this](AccessibilityNotification notification) { notifications.push_back(notification); });
+        for (const auto notification :
+             {AccessibilityNotification::windowCreated, AccessibilityNotification::focusedWindowChanged,
+              AccessibilityNotification::applicationActivated}) {
+            observer->addApplicationNotification(notification);
         }
         return observer;
     }
@@ -105,28 +108,29 @@ TEST_F(SimulatedDesktopTest, AUserWhoClicksAWindowActivatesItsApplication) {
     EXPECT_EQ(desktop.focusedWindow(100), 1U);
     EXPECT_THAT(kinds, ElementsAre(WorkspaceEvent::Kind::didHide, WorkspaceEvent::Kind::didUnhide,
                                    WorkspaceEvent::Kind::didActivate));
-    EXPECT_THAT(events, ElementsAre("AXFocusedWindowChanged", "AXApplicationActivated"));
+    EXPECT_THAT(notifications, ElementsAre(AccessibilityNotification::focusedWindowChanged,
+                                           AccessibilityNotification::applicationActivated));
 }
 
 TEST_F(SimulatedDesktopTest, OnlyRegisteredNotificationsComeUnlessATestSendsThem) {
     const auto observer = observe(100);
     desktop.openWindow({.id = 4, .pid = 200});
     desktop.setTitle(1, "New");
-    EXPECT_THAT(events, IsEmpty());
-    desktop.notify(100, "AXAnything");
-    EXPECT_THAT(events, ElementsAre("AXAnything"));
+    EXPECT_THAT(notifications, IsEmpty());
+    desktop.notify(100, AccessibilityNotification::applicationHidden);
+    EXPECT_THAT(notifications, ElementsAre(AccessibilityNotification::applicationHidden));
 }
 
 TEST_F(SimulatedDesktopTest, ALateNotificationComesOnceAndOnlyAfterTheObserverWent) {
     auto observer = observe(100);
-    desktop.notifyLate(100, "AXWindowCreated");
-    EXPECT_THAT(events, IsEmpty());
+    desktop.notifyLate(100, AccessibilityNotification::windowCreated);
+    EXPECT_THAT(notifications, IsEmpty());
     observer.reset();
-    desktop.notify(100, "AXWindowCreated");
-    EXPECT_THAT(events, IsEmpty());
-    desktop.notifyLate(100, "AXWindowCreated");
-    desktop.notifyLate(100, "AXWindowCreated");
-    EXPECT_THAT(events, ElementsAre("AXWindowCreated"));
+    desktop.notify(100, AccessibilityNotification::windowCreated);
+    EXPECT_THAT(notifications, IsEmpty());
+    desktop.notifyLate(100, AccessibilityNotification::windowCreated);
+    desktop.notifyLate(100, AccessibilityNotification::windowCreated);
+    EXPECT_THAT(notifications, ElementsAre(AccessibilityNotification::windowCreated));
 }
 
 TEST_F(SimulatedDesktopTest, WindowControlIsWrittenDownAndCarriedOut) {
@@ -151,9 +155,10 @@ TEST_F(SimulatedDesktopTest, WindowControlIsWrittenDownAndCarriedOut) {
     EXPECT_TRUE(control.isActive(100));
     EXPECT_FALSE(desktop.window(1)->isMinimized);
     EXPECT_THAT(order(), ElementsAre(1, 3, 2));
-    EXPECT_THAT(events, IsEmpty()) << "no notification overtakes the request";
+    EXPECT_THAT(notifications, IsEmpty()) << "no notification overtakes the request";
     desktop.settle();
-    EXPECT_THAT(events, ElementsAre("AXFocusedWindowChanged", "AXApplicationActivated"));
+    EXPECT_THAT(notifications, ElementsAre(AccessibilityNotification::focusedWindowChanged,
+                                           AccessibilityNotification::applicationActivated));
 }
 
 TEST_F(SimulatedDesktopTest, AnApplicationThatPlaysDeadOrIsHungDoesNothing) {

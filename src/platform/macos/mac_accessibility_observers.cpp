@@ -2,8 +2,11 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <array>
+#include <cassert>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,6 +20,43 @@
 
 namespace ferrowyn {
 
+namespace {
+
+constexpr std::array<std::pair<AccessibilityNotification, std::string_view>, 10> systemNames{{
+    {AccessibilityNotification::windowCreated, "AXWindowCreated"},
+    {AccessibilityNotification::focusedWindowChanged, "AXFocusedWindowChanged"},
+    {AccessibilityNotification::mainWindowChanged, "AXMainWindowChanged"},
+    {AccessibilityNotification::applicationHidden, "AXApplicationHidden"},
+    {AccessibilityNotification::applicationShown, "AXApplicationShown"},
+    {AccessibilityNotification::applicationActivated, "AXApplicationActivated"},
+    {AccessibilityNotification::uiElementDestroyed, "AXUIElementDestroyed"},
+    {AccessibilityNotification::windowMiniaturized, "AXWindowMiniaturized"},
+    {AccessibilityNotification::windowDeminiaturized, "AXWindowDeminiaturized"},
+    {AccessibilityNotification::titleChanged, "AXTitleChanged"},
+}};
+
+/// Nothing for a name that is never registered.
+std::optional<AccessibilityNotification> notificationNamed(std::string_view name) {
+    for (const auto& [notification, systemName] : systemNames) {
+        if (systemName == name) {
+            return notification;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::string_view systemName(AccessibilityNotification notification) {
+    for (const auto& [each, name] : systemNames) {
+        if (each == notification) {
+            return name;
+        }
+    }
+    assert(false && "each notification has a name");
+    return {};
+}
+
 /// Registers one observer's notifications with its application. Each registration is a message for whose answer the
 /// main thread waits: an application that hangs is waited for once, and the other registrations are sent later. Main
 /// thread.
@@ -27,8 +67,8 @@ public:
     MacNotificationRegistrations(const MacNotificationRegistrations&) = delete;
     MacNotificationRegistrations& operator=(const MacNotificationRegistrations&) = delete;
 
-    void add(AXUIElementRef element, std::string_view notification);
-    void remove(AXUIElementRef element, std::string_view notification);
+    void add(AXUIElementRef element, AccessibilityNotification notification);
+    void remove(AXUIElementRef element, AccessibilityNotification notification);
     /// Drops the requests that still wait.
     void forgetWaiting();
 
@@ -43,7 +83,7 @@ private:
     struct Request {
         Verb verb;
         Owned<AXUIElementRef> element;
-        std::string notification;
+        AccessibilityNotification notification;
     };
 
     void request(Request request);
@@ -76,9 +116,9 @@ public:
     MacAccessibilityObserver(const MacAccessibilityObserver&) = delete;
     MacAccessibilityObserver& operator=(const MacAccessibilityObserver&) = delete;
 
-    void addApplicationNotification(std::string_view notification) override;
-    void addWindowNotification(const AXElementRef& window, std::string_view notification) override;
-    void removeWindowNotification(const AXElementRef& window, std::string_view notification) override;
+    void addApplicationNotification(AccessibilityNotification notification) override;
+    void addWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override;
+    void removeWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override;
     void detachFromMainLoop() override;
 
 private:
@@ -97,7 +137,7 @@ private:
     MacAccessibilityObserver(Pid pid, Owned<AXUIElementRef> application, std::shared_ptr<Watch> watch,
                              MainLoop& mainLoop, Log& log);
 
-    static void receive(AXObserverRef observer, AXUIElementRef element, CFStringRef notification, void* refcon);
+    static void receive(AXObserverRef observer, AXUIElementRef element, CFStringRef name, void* refcon);
 
     MainLoop& mainLoop_;
     Owned<AXUIElementRef> application_;
@@ -114,12 +154,12 @@ MacNotificationRegistrations::MacNotificationRegistrations(Pid pid, AXObserverRe
                                                            MainLoop& mainLoop, Log& log)
     : pid_(pid), observer_(observer), refcon_(refcon), mainLoop_(mainLoop), log_(log) {}
 
-void MacNotificationRegistrations::add(AXUIElementRef element, std::string_view notification) {
-    request({Verb::add, Owned<AXUIElementRef>::retaining(element), std::string(notification)});
+void MacNotificationRegistrations::add(AXUIElementRef element, AccessibilityNotification notification) {
+    request({Verb::add, Owned<AXUIElementRef>::retaining(element), notification});
 }
 
-void MacNotificationRegistrations::remove(AXUIElementRef element, std::string_view notification) {
-    request({Verb::remove, Owned<AXUIElementRef>::retaining(element), std::string(notification)});
+void MacNotificationRegistrations::remove(AXUIElementRef element, AccessibilityNotification notification) {
+    request({Verb::remove, Owned<AXUIElementRef>::retaining(element), notification});
 }
 
 void MacNotificationRegistrations::forgetWaiting() {
@@ -147,7 +187,7 @@ void MacNotificationRegistrations::request(Request request) {
 }
 
 bool MacNotificationRegistrations::send(const Request& request) const {
-    const auto name = cf::makeString(request.notification);
+    const auto name = cf::makeString(systemName(request.notification));
     if (!name) {
         return true;
     }
@@ -161,8 +201,9 @@ bool MacNotificationRegistrations::send(const Request& request) const {
                         (isRemoval ? error == kAXErrorInvalidUIElement || error == kAXErrorNotificationNotRegistered
                                    : error == kAXErrorNotificationAlreadyRegistered);
     if (!isDone) {
-        log_.write(LogLevel::debug, "windows",
-                   accessibility::describe(request.notification, error) + " for pid " + std::to_string(pid_));
+        log_.write(
+            LogLevel::debug, "windows",
+            accessibility::describe(systemName(request.notification), error) + " for pid " + std::to_string(pid_));
     }
     return error != kAXErrorCannotComplete;
 }
@@ -233,17 +274,19 @@ MacAccessibilityObserver::~MacAccessibilityObserver() {
     mainLoop_.post([watch = std::move(watch_)] {});
 }
 
-void MacAccessibilityObserver::addApplicationNotification(std::string_view notification) {
+void MacAccessibilityObserver::addApplicationNotification(AccessibilityNotification notification) {
     registrations_.add(application_.get(), notification);
 }
 
-void MacAccessibilityObserver::addWindowNotification(const AXElementRef& window, std::string_view notification) {
+void MacAccessibilityObserver::addWindowNotification(const AXElementRef& window,
+                                                     AccessibilityNotification notification) {
     if (const AXUIElementRef element = MacElement::elementOf(window)) {
         registrations_.add(element, notification);
     }
 }
 
-void MacAccessibilityObserver::removeWindowNotification(const AXElementRef& window, std::string_view notification) {
+void MacAccessibilityObserver::removeWindowNotification(const AXElementRef& window,
+                                                        AccessibilityNotification notification) {
     if (const AXUIElementRef element = MacElement::elementOf(window)) {
         registrations_.remove(element, notification);
     }
@@ -254,16 +297,17 @@ void MacAccessibilityObserver::detachFromMainLoop() {
     watch_->removeSource();
 }
 
-void MacAccessibilityObserver::receive(AXObserverRef /*observer*/, AXUIElementRef /*element*/, CFStringRef notification,
+void MacAccessibilityObserver::receive(AXObserverRef /*observer*/, AXUIElementRef /*element*/, CFStringRef name,
                                        void* refcon) {
     const auto* const watch = static_cast<const Watch*>(refcon);
-    const auto name = cf::string(notification);
-    if (watch == nullptr || watch->source != Watch::Source::onMainLoop || !name) {
+    const auto text = cf::string(name);
+    const auto notification = text ? notificationNamed(*text) : std::nullopt;
+    if (watch == nullptr || watch->source != Watch::Source::onMainLoop || !notification) {
         return;
     }
     // A copy: the handler may destroy the observer.
     const auto handler = watch->handler;
-    handler(*name);
+    handler(*notification);
 }
 
 void MacAccessibilityObserver::Watch::addSource() {

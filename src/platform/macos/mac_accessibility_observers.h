@@ -1,11 +1,16 @@
 #pragma once
 
+#include <string_view>
+
 #include "platform/accessibility_observers.h"
 
 namespace ferrowyn {
 
 class Log;
 class MainLoop;
+
+/// The name that the system knows the notification by.
+[[nodiscard]] std::string_view systemName(AccessibilityNotification notification);
 
 /// Makes observers of applications. Main thread.
 class MacAccessibilityObservers final : public AccessibilityObservers {

@@ -197,19 +197,19 @@ void SimulatedDesktop::setScreenParametersChanged() {
     implementation_->workspace.announce({WorkspaceEvent::Kind::screenParametersDidChange, std::nullopt});
 }
 
-std::vector<std::string> SimulatedDesktop::windowNotifications(WindowId id) const {
+std::vector<AccessibilityNotification> SimulatedDesktop::windowNotifications(WindowId id) const {
     return implementation_->observers.windowNotifications(id);
 }
 
-std::vector<std::string> SimulatedDesktop::applicationNotifications(Pid pid) const {
+std::vector<AccessibilityNotification> SimulatedDesktop::applicationNotifications(Pid pid) const {
     return implementation_->observers.applicationNotifications(pid);
 }
 
-void SimulatedDesktop::notify(Pid pid, std::string_view notification) {
+void SimulatedDesktop::notify(Pid pid, AccessibilityNotification notification) {
     implementation_->observers.notify(pid, notification);
 }
 
-void SimulatedDesktop::notifyLate(Pid pid, std::string_view notification) {
+void SimulatedDesktop::notifyLate(Pid pid, AccessibilityNotification notification) {
     implementation_->observers.notifyLate(pid, notification);
 }
 

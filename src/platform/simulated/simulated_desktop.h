@@ -5,12 +5,12 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "core/app_window.h"
 #include "core/switcher_options.h"
+#include "platform/accessibility_observers.h"
 #include "platform/event_tap.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"
@@ -64,7 +64,7 @@ public:
     /// Launches the application, with the workspace notification unless `silently`.
     void launch(const AppSpec& app, bool silently = false);
     void terminate(Pid pid);
-    /// Opens in front of all other windows, with the application's "AXWindowCreated" unless `silently`.
+    /// Opens in front of all other windows, with the application's `windowCreated` unless `silently`.
     void openWindow(const WindowSpec& window, bool silently = false);
     void closeWindow(WindowId id, bool silently = false);
     /// Changes a window's description without a notification.
@@ -94,12 +94,12 @@ public:
     void setSpaceChanged();
     void setScreenParametersChanged();
     /// The notifications that are registered for a window, or for an application, in the order of registration.
-    [[nodiscard]] std::vector<std::string> windowNotifications(WindowId id) const;
-    [[nodiscard]] std::vector<std::string> applicationNotifications(Pid pid) const;
+    [[nodiscard]] std::vector<AccessibilityNotification> windowNotifications(WindowId id) const;
+    [[nodiscard]] std::vector<AccessibilityNotification> applicationNotifications(Pid pid) const;
     /// Delivers any notification by name to the application's observers, registered or not.
-    void notify(Pid pid, std::string_view notification);
+    void notify(Pid pid, AccessibilityNotification notification);
     /// Delivers a notification once to each observer that is detached or destroyed, as if it had been queued before.
-    void notifyLate(Pid pid, std::string_view notification);
+    void notifyLate(Pid pid, AccessibilityNotification notification);
     [[nodiscard]] std::size_t liveObserverCount() const;
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
 

@@ -84,7 +84,9 @@ void SimulatedWindows::terminate(Pid pid) {
 
 void SimulatedWindows::open(const SimulatedWindowState& window, Telling telling) {
     model_.windows.insert(model_.windows.begin(), window);
-    tell(telling, [this, pid = window.pid] { observers_.announceForApplication(pid, "AXWindowCreated"); });
+    tell(telling, [this, pid = window.pid] {
+        observers_.announceForApplication(pid, AccessibilityNotification::windowCreated);
+    });
     if (!window.isMinimized) {
         setFocusedWindow(window.pid, window.id, telling);
     }
@@ -97,7 +99,7 @@ void SimulatedWindows::close(WindowId id, Telling telling) {
     }
     const Pid pid = window->pid;
     std::erase_if(model_.windows, [id](const SimulatedWindowState& each) { return each.id == id; });
-    tell(telling, [this, id] { observers_.announceForWindow(id, "AXUIElementDestroyed"); });
+    tell(telling, [this, id] { observers_.announceForWindow(id, AccessibilityNotification::uiElementDestroyed); });
     if (const auto* app = model_.app(pid); app != nullptr && app->focusedWindow == id) {
         setFocusedWindow(pid, model_.topWindowOf(pid), telling);
     }
@@ -106,7 +108,7 @@ void SimulatedWindows::close(WindowId id, Telling telling) {
 void SimulatedWindows::setTitle(WindowId id, std::string title) {
     if (auto* window = model_.window(id)) {
         window->title = std::move(title);
-        observers_.announceForWindow(id, "AXTitleChanged");
+        observers_.announceForWindow(id, AccessibilityNotification::titleChanged);
     }
 }
 
@@ -132,7 +134,8 @@ void SimulatedWindows::setHidden(Pid pid, bool isHidden, Telling telling) {
     app->isHidden = isHidden;
     announce(telling, isHidden ? WorkspaceEvent::Kind::didHide : WorkspaceEvent::Kind::didUnhide, *app);
     tell(telling, [this, pid, isHidden] {
-        observers_.announceForApplication(pid, isHidden ? "AXApplicationHidden" : "AXApplicationShown");
+        observers_.announceForApplication(
+            pid, isHidden ? AccessibilityNotification::applicationHidden : AccessibilityNotification::applicationShown);
     });
 }
 
@@ -142,7 +145,7 @@ void SimulatedWindows::unminimize(WindowId id, Telling telling) {
         return;
     }
     window->isMinimized = false;
-    tell(telling, [this, id] { observers_.announceForWindow(id, "AXWindowDeminiaturized"); });
+    tell(telling, [this, id] { observers_.announceForWindow(id, AccessibilityNotification::windowDeminiaturized); });
 }
 
 void SimulatedWindows::setFocusedWindow(Pid pid, std::optional<WindowId> id, Telling telling) {
@@ -153,8 +156,8 @@ void SimulatedWindows::setFocusedWindow(Pid pid, std::optional<WindowId> id, Tel
     app->focusedWindow = id;
     model_.noteFocus();
     tell(telling, [this, pid] {
-        observers_.announceForApplication(pid, "AXFocusedWindowChanged");
-        observers_.announceForApplication(pid, "AXMainWindowChanged");
+        observers_.announceForApplication(pid, AccessibilityNotification::focusedWindowChanged);
+        observers_.announceForApplication(pid, AccessibilityNotification::mainWindowChanged);
     });
 }
 
@@ -169,7 +172,8 @@ void SimulatedWindows::activate(Pid pid, Telling telling) {
         raise(*app->focusedWindow);
     }
     announce(telling, WorkspaceEvent::Kind::didActivate, *app);
-    tell(telling, [this, pid] { observers_.announceForApplication(pid, "AXApplicationActivated"); });
+    tell(telling,
+         [this, pid] { observers_.announceForApplication(pid, AccessibilityNotification::applicationActivated); });
 }
 
 void SimulatedWindows::tell(Telling telling, std::function<void()> message) {

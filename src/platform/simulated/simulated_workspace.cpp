@@ -50,17 +50,17 @@ public:
     SimulatedAccessibilityObserver(const SimulatedAccessibilityObserver&) = delete;
     SimulatedAccessibilityObserver& operator=(const SimulatedAccessibilityObserver&) = delete;
 
-    void addApplicationNotification(std::string_view notification) override {
-        registration_->applicationNotifications.emplace_back(notification);
+    void addApplicationNotification(AccessibilityNotification notification) override {
+        registration_->applicationNotifications.push_back(notification);
     }
-    void addWindowNotification(const AXElementRef& window, std::string_view notification) override {
-        registration_->windowNotifications[SimulatedElement::idOf(window)].emplace_back(notification);
+    void addWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override {
+        registration_->windowNotifications[SimulatedElement::idOf(window)].push_back(notification);
     }
-    void removeWindowNotification(const AXElementRef& window, std::string_view notification) override {
-        auto& names = registration_->windowNotifications[SimulatedElement::idOf(window)];
+    void removeWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override {
+        auto& registered = registration_->windowNotifications[SimulatedElement::idOf(window)];
         // Removes only one, so that a test notices a notification that was registered twice.
-        if (const auto found = std::ranges::find(names, notification); found != names.end()) {
-            names.erase(found);
+        if (const auto found = std::ranges::find(registered, notification); found != registered.end()) {
+            registered.erase(found);
         }
     }
     void detachFromMainLoop() override { registration_->isAttached = false; }
@@ -75,8 +75,8 @@ private:
     std::shared_ptr<Registration> registration_;
 };
 
-bool contains(const std::vector<std::string>& names, std::string_view name) {
-    return std::ranges::find(names, name) != names.end();
+bool contains(const std::vector<AccessibilityNotification>& registered, AccessibilityNotification notification) {
+    return std::ranges::find(registered, notification) != registered.end();
 }
 
 }  // namespace
@@ -90,27 +90,27 @@ std::unique_ptr<AccessibilityObserver> SimulatedAccessibilityObservers::create(P
     return std::make_unique<SimulatedAccessibilityObserver>(registrations_.back());
 }
 
-void SimulatedAccessibilityObservers::announceForApplication(Pid pid, std::string_view notification) {
+void SimulatedAccessibilityObservers::announceForApplication(Pid pid, AccessibilityNotification notification) {
     deliver(notification, [&](const Registration& registration) {
         return registration.isAttached && registration.pid == pid &&
                contains(registration.applicationNotifications, notification);
     });
 }
 
-void SimulatedAccessibilityObservers::announceForWindow(WindowId id, std::string_view notification) {
+void SimulatedAccessibilityObservers::announceForWindow(WindowId id, AccessibilityNotification notification) {
     deliver(notification, [&](const Registration& registration) {
-        const auto names = registration.windowNotifications.find(id);
-        return registration.isAttached && names != registration.windowNotifications.end() &&
-               contains(names->second, notification);
+        const auto registered = registration.windowNotifications.find(id);
+        return registration.isAttached && registered != registration.windowNotifications.end() &&
+               contains(registered->second, notification);
     });
 }
 
-void SimulatedAccessibilityObservers::notify(Pid pid, std::string_view notification) {
+void SimulatedAccessibilityObservers::notify(Pid pid, AccessibilityNotification notification) {
     deliver(notification,
             [&](const Registration& registration) { return registration.isAttached && registration.pid == pid; });
 }
 
-void SimulatedAccessibilityObservers::notifyLate(Pid pid, std::string_view notification) {
+void SimulatedAccessibilityObservers::notifyLate(Pid pid, AccessibilityNotification notification) {
     const auto isGone = [&](const auto& registration) { return !registration->isAttached && registration->pid == pid; };
     std::vector<std::shared_ptr<Registration>> gone;
     std::ranges::copy_if(registrations_, std::back_inserter(gone), isGone);
@@ -120,19 +120,19 @@ void SimulatedAccessibilityObservers::notifyLate(Pid pid, std::string_view notif
     }
 }
 
-std::vector<std::string> SimulatedAccessibilityObservers::windowNotifications(WindowId id) const {
-    std::vector<std::string> all;
+std::vector<AccessibilityNotification> SimulatedAccessibilityObservers::windowNotifications(WindowId id) const {
+    std::vector<AccessibilityNotification> all;
     for (const auto& registration : registrations_) {
-        const auto names = registration->windowNotifications.find(id);
-        if (names != registration->windowNotifications.end()) {
-            all.insert(all.end(), names->second.begin(), names->second.end());
+        const auto registered = registration->windowNotifications.find(id);
+        if (registered != registration->windowNotifications.end()) {
+            all.insert(all.end(), registered->second.begin(), registered->second.end());
         }
     }
     return all;
 }
 
-std::vector<std::string> SimulatedAccessibilityObservers::applicationNotifications(Pid pid) const {
-    std::vector<std::string> all;
+std::vector<AccessibilityNotification> SimulatedAccessibilityObservers::applicationNotifications(Pid pid) const {
+    std::vector<AccessibilityNotification> all;
     for (const auto& registration : registrations_) {
         if (registration->pid == pid) {
             all.insert(all.end(), registration->applicationNotifications.begin(),
@@ -148,7 +148,7 @@ std::size_t SimulatedAccessibilityObservers::liveCount() const {
 }
 
 template <typename Predicate>
-void SimulatedAccessibilityObservers::deliver(std::string_view notification, Predicate wants) {
+void SimulatedAccessibilityObservers::deliver(AccessibilityNotification notification, Predicate wants) {
     // A copy, because a handler may make or drop observers.
     const auto current = registrations_;
     for (const auto& registration : current) {

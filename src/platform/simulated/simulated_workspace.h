@@ -48,28 +48,28 @@ public:
     [[nodiscard]] std::unique_ptr<AccessibilityObserver> create(Pid pid, Handler handler) override;
 
     /// Delivers to the observers that registered the notification for the application, or for the window.
-    void announceForApplication(Pid pid, std::string_view notification);
-    void announceForWindow(WindowId id, std::string_view notification);
+    void announceForApplication(Pid pid, AccessibilityNotification notification);
+    void announceForWindow(WindowId id, AccessibilityNotification notification);
     /// Delivers to every observer of the application, registered or not.
-    void notify(Pid pid, std::string_view notification);
+    void notify(Pid pid, AccessibilityNotification notification);
     /// Delivers once more to the observers of the application that are detached or destroyed.
-    void notifyLate(Pid pid, std::string_view notification);
+    void notifyLate(Pid pid, AccessibilityNotification notification);
 
-    [[nodiscard]] std::vector<std::string> windowNotifications(WindowId id) const;
-    [[nodiscard]] std::vector<std::string> applicationNotifications(Pid pid) const;
+    [[nodiscard]] std::vector<AccessibilityNotification> windowNotifications(WindowId id) const;
+    [[nodiscard]] std::vector<AccessibilityNotification> applicationNotifications(Pid pid) const;
     [[nodiscard]] std::size_t liveCount() const;
 
     struct Registration {
         Pid pid = 0;
         Handler handler;
         bool isAttached = true;
-        std::vector<std::string> applicationNotifications;
-        std::map<WindowId, std::vector<std::string>> windowNotifications;
+        std::vector<AccessibilityNotification> applicationNotifications;
+        std::map<WindowId, std::vector<AccessibilityNotification>> windowNotifications;
     };
 
 private:
     template <typename Predicate>
-    void deliver(std::string_view notification, Predicate wants);
+    void deliver(AccessibilityNotification notification, Predicate wants);
 
     const SimulatedWindowModel& model_;
     std::vector<std::shared_ptr<Registration>> registrations_;

@@ -99,8 +99,9 @@ void X11DesktopModel::update(X11WindowFacts window, Windows& renamed, Announceme
         renamed.push_back(old);
     }
     if (old.isHidden != now.isHidden) {
-        announcements.notifications.push_back(
-            {now.pid, now.id, now.isHidden ? "AXWindowMiniaturized" : "AXWindowDeminiaturized"});
+        announcements.notifications.push_back({now.pid, now.id,
+                                               now.isHidden ? AccessibilityNotification::windowMiniaturized
+                                                            : AccessibilityNotification::windowDeminiaturized});
     }
     // Moving to another desktop, and becoming something else, change which windows belong to the active Space; a dialog
     // that becomes modal changes which windows take input.
@@ -180,7 +181,7 @@ void X11DesktopModel::forget(xcb_window_t window) {
 void X11DesktopModel::announceRemoved(const Windows& windows, Announcements& announcements) {
     std::unordered_map<Pid, Windows> removed;
     for (const auto& window : windows) {
-        announcements.notifications.push_back({window.pid, window.id, "AXUIElementDestroyed"});
+        announcements.notifications.push_back({window.pid, window.id, AccessibilityNotification::uiElementDestroyed});
         history_.forget(window.id);
         if (reportedActive_ == window.id) {
             reportedActive_ = XCB_WINDOW_NONE;
@@ -207,7 +208,7 @@ void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>
         if (knownApplications.insert(facts->pid).second) {
             announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didLaunch, runningApplication(facts->pid)});
         } else if (!facts->isDesktopElement()) {
-            announcements.notifications.push_back({facts->pid, std::nullopt, "AXWindowCreated"});
+            announcements.notifications.push_back({facts->pid, std::nullopt, AccessibilityNotification::windowCreated});
         }
     }
 }
@@ -227,10 +228,11 @@ void X11DesktopModel::report(const X11WindowFacts& active, Announcements& announ
     history_.note(active.pid, active.id);
     if (std::exchange(reportedPid_, active.pid) != active.pid) {
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didActivate, runningApplication(active.pid)});
-        announcements.notifications.push_back({active.pid, std::nullopt, "AXApplicationActivated"});
+        announcements.notifications.push_back(
+            {active.pid, std::nullopt, AccessibilityNotification::applicationActivated});
     }
-    announcements.notifications.push_back({active.pid, std::nullopt, "AXMainWindowChanged"});
-    announcements.notifications.push_back({active.pid, std::nullopt, "AXFocusedWindowChanged"});
+    announcements.notifications.push_back({active.pid, std::nullopt, AccessibilityNotification::mainWindowChanged});
+    announcements.notifications.push_back({active.pid, std::nullopt, AccessibilityNotification::focusedWindowChanged});
 }
 
 void X11DesktopModel::stopExpectingActive() {
@@ -256,7 +258,7 @@ void X11DesktopModel::startSessionFrom(xcb_window_t active) {
 
 void X11DesktopModel::noteTitleChanged(xcb_window_t window) {
     if (const auto* const facts = find(window)) {
-        notifications_.send({facts->pid, window, "AXTitleChanged"});
+        notifications_.send({facts->pid, window, AccessibilityNotification::titleChanged});
     }
 }
 

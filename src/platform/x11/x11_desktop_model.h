@@ -6,13 +6,13 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "core/app_window.h"
 #include "core/published.h"
+#include "platform/accessibility_observers.h"
 #include "platform/workspace.h"
 #include "platform/x11/x11_applications.h"
 #include "platform/x11/x11_root_properties.h"
@@ -25,7 +25,7 @@ struct X11AccessibilityNotification {
     Pid pid = 0;
     /// Absent for what the application itself announces.
     std::optional<xcb_window_t> window;
-    std::string_view name;
+    AccessibilityNotification kind{};
 };
 
 /// Which window of each application was last the active one. The desktop monitor writes it on the main thread, snapshot

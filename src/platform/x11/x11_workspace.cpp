@@ -66,21 +66,21 @@ public:
         subscription_ = model.notifications().subscribe([this](const auto& notification) { receive(notification); });
     }
 
-    void addApplicationNotification(std::string_view notification) override {
+    void addApplicationNotification(AccessibilityNotification notification) override {
         applicationNotifications_.emplace(notification);
     }
-    void addWindowNotification(const AXElementRef& window, std::string_view notification) override {
+    void addWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override {
         if (const auto id = X11Element::windowOf(window)) {
             windowNotifications_[*id].emplace(notification);
         }
     }
-    void removeWindowNotification(const AXElementRef& window, std::string_view notification) override {
+    void removeWindowNotification(const AXElementRef& window, AccessibilityNotification notification) override {
         const auto id = X11Element::windowOf(window);
         const auto found = id ? windowNotifications_.find(*id) : windowNotifications_.end();
         if (found == windowNotifications_.end()) {
             return;
         }
-        found->second.erase(std::string(notification));
+        found->second.erase(notification);
         if (found->second.empty()) {
             windowNotifications_.erase(found);
         }
@@ -92,28 +92,27 @@ private:
         if (notification.pid == pid_ && isWanted(notification)) {
             // A copy: the handler may destroy this observer.
             const auto handler = handler_;
-            handler(notification.name);
+            handler(notification.kind);
         }
     }
 
     [[nodiscard]] bool isWanted(const X11AccessibilityNotification& notification) const {
-        const std::string name(notification.name);
         if (!notification.window) {
-            return applicationNotifications_.contains(name);
+            return applicationNotifications_.contains(notification.kind);
         }
         const auto window = windowNotifications_.find(*notification.window);
         if (window != windowNotifications_.end()) {
-            return window->second.contains(name);
+            return window->second.contains(notification.kind);
         }
         // A window that ended before anybody could register for it is told about all the same: the snapshot that was
         // under way may still list it.
-        return notification.name == "AXUIElementDestroyed";
+        return notification.kind == AccessibilityNotification::uiElementDestroyed;
     }
 
     Pid pid_;
     AccessibilityObservers::Handler handler_;
-    std::set<std::string> applicationNotifications_;
-    std::unordered_map<xcb_window_t, std::set<std::string>> windowNotifications_;
+    std::set<AccessibilityNotification> applicationNotifications_;
+    std::unordered_map<xcb_window_t, std::set<AccessibilityNotification>> windowNotifications_;
     Subscription subscription_;
 };
 

@@ -16,7 +16,7 @@ constexpr Pid notes = 501;
 class AccessibilityObserversTest : public MacFixture {
 protected:
     std::unique_ptr<AccessibilityObserver> create(Pid pid = notes) {
-        return observers.create(pid, [this](std::string_view notification) { heard.emplace_back(notification); });
+        return observers.create(pid, [this](AccessibilityNotification notification) { heard.push_back(notification); });
     }
     /// Made in one turn, with its source added in the next.
     std::unique_ptr<AccessibilityObserver> observe() {
@@ -27,23 +27,48 @@ protected:
 
     fake::ElementId app = accessibility.addApplication(notes);
     fake::ElementId window = accessibility.addWindow(notes, {});
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> heard;
     MacAccessibilityObservers observers{mainLoop, log};
 };
 
 TEST_F(AccessibilityObserversTest, RegisteredNotificationsAreHeardByName) {
     const auto observer = observe();
     ASSERT_NE(observer, nullptr);
-    observer->addApplicationNotification("AXWindowCreated");
-    observer->addWindowNotification(handleOf(window), "AXTitleChanged");
+    observer->addApplicationNotification(AccessibilityNotification::windowCreated);
+    observer->addWindowNotification(handleOf(window), AccessibilityNotification::titleChanged);
     accessibility.post(app, "AXWindowCreated");
     accessibility.post(window, "AXTitleChanged");
     accessibility.post(app, "AXApplicationHidden");
     accessibility.post(window, "AXUIElementDestroyed");
     runMainLoop();
-    EXPECT_THAT(heard, ElementsAre("AXWindowCreated", "AXTitleChanged")) << "and nothing that was not asked for";
+    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::windowCreated, AccessibilityNotification::titleChanged))
+        << "and nothing that was not asked for";
     EXPECT_THAT(accessibility.takeRequests(),
                 ElementsAre("add AXWindowCreated of 1 within 0.5", "add AXTitleChanged of 2 within 0.5"));
+}
+
+TEST_F(AccessibilityObserversTest, EachNotificationIsRegisteredAndHeardByTheSystemsName) {
+    const auto observer = observe();
+    const std::vector<std::pair<AccessibilityNotification, std::string>> names{
+        {AccessibilityNotification::windowCreated, "AXWindowCreated"},
+        {AccessibilityNotification::focusedWindowChanged, "AXFocusedWindowChanged"},
+        {AccessibilityNotification::mainWindowChanged, "AXMainWindowChanged"},
+        {AccessibilityNotification::applicationHidden, "AXApplicationHidden"},
+        {AccessibilityNotification::applicationShown, "AXApplicationShown"},
+        {AccessibilityNotification::applicationActivated, "AXApplicationActivated"},
+        {AccessibilityNotification::uiElementDestroyed, "AXUIElementDestroyed"},
+        {AccessibilityNotification::windowMiniaturized, "AXWindowMiniaturized"},
+        {AccessibilityNotification::windowDeminiaturized, "AXWindowDeminiaturized"},
+        {AccessibilityNotification::titleChanged, "AXTitleChanged"},
+    };
+    for (const auto& [notification, name] : names) {
+        heard.clear();
+        observer->addApplicationNotification(notification);
+        EXPECT_THAT(accessibility.takeRequests(), ElementsAre("add " + name + " of 1 within 0.5"));
+        accessibility.post(app, name);
+        runMainLoop();
+        EXPECT_THAT(heard, ElementsAre(notification)) << name;
+    }
 }
 
 TEST_F(AccessibilityObserversTest, AnApplicationThatTheSystemGivesNoHandleOfIsNotObserved) {
@@ -53,10 +78,10 @@ TEST_F(AccessibilityObserversTest, AnApplicationThatTheSystemGivesNoHandleOfIsNo
 
 TEST_F(AccessibilityObserversTest, TheyAreHeardWhileAMenuIsTracked) {
     const auto observer = observe();
-    observer->addApplicationNotification("AXFocusedWindowChanged");
+    observer->addApplicationNotification(AccessibilityNotification::focusedWindowChanged);
     accessibility.post(app, "AXFocusedWindowChanged");
     runMainLoop("NSEventTrackingRunLoopMode");
-    EXPECT_THAT(heard, ElementsAre("AXFocusedWindowChanged"));
+    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::focusedWindowChanged));
 }
 
 TEST_F(AccessibilityObserversTest, TheSourceIsOnTheMainLoopInTheCommonModesUntilTheObserverDetaches) {
@@ -72,13 +97,13 @@ TEST_F(AccessibilityObserversTest, TheSourceIsOnTheMainLoopInTheCommonModesUntil
 
 TEST_F(AccessibilityObserversTest, TheSourceFollowsWhatIsRegisteredFirstAndNothingIsLostInBetween) {
     const auto observer = create();
-    observer->addApplicationNotification("AXWindowCreated");
+    observer->addApplicationNotification(AccessibilityNotification::windowCreated);
     EXPECT_FALSE(fake::RunLoop::main().hasSources());
     accessibility.post(app, "AXWindowCreated");
     desktop.settle();
     EXPECT_TRUE(fake::RunLoop::main().hasSources());
     runMainLoop();
-    EXPECT_THAT(heard, ElementsAre("AXWindowCreated"));
+    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::windowCreated));
 }
 
 TEST_F(AccessibilityObserversTest, AnObserverThatDetachesInItsFirstTurnNeverGetsASource) {
@@ -92,7 +117,7 @@ TEST_F(AccessibilityObserversTest, AnObserverThatDetachesInItsFirstTurnNeverGets
 
 TEST_F(AccessibilityObserversTest, ADetachedObserverHearsNothing) {
     const auto observer = observe();
-    observer->addApplicationNotification("AXWindowCreated");
+    observer->addApplicationNotification(AccessibilityNotification::windowCreated);
     accessibility.post(app, "AXWindowCreated");
     observer->detachFromMainLoop();
     runMainLoop();
@@ -101,7 +126,7 @@ TEST_F(AccessibilityObserversTest, ADetachedObserverHearsNothing) {
 
 TEST_F(AccessibilityObserversTest, DestroyingAnObserverTakesItsSourceAlong) {
     auto observer = observe();
-    observer->addApplicationNotification("AXWindowCreated");
+    observer->addApplicationNotification(AccessibilityNotification::windowCreated);
     accessibility.post(app, "AXWindowCreated");
     observer.reset();
     EXPECT_FALSE(fake::RunLoop::main().hasSources());
@@ -113,17 +138,18 @@ TEST_F(AccessibilityObserversTest, DestroyingAnObserverTakesItsSourceAlong) {
 
 TEST_F(AccessibilityObserversTest, AHandlerMayDestroyItsObserverWithMoreOnTheWay) {
     std::unique_ptr<AccessibilityObserver> observer;
-    observer = observers.create(notes, [&](std::string_view notification) {
-        heard.emplace_back(notification);
+    observer = observers.create(notes, [&](AccessibilityNotification notification) {
+        heard.push_back(notification);
         observer.reset();
     });
     desktop.settle();
-    observer->addApplicationNotification("AXWindowCreated");
-    observer->addApplicationNotification("AXMainWindowChanged");
+    observer->addApplicationNotification(AccessibilityNotification::windowCreated);
+    observer->addApplicationNotification(AccessibilityNotification::mainWindowChanged);
     accessibility.post(app, "AXWindowCreated");
     accessibility.post(app, "AXMainWindowChanged");
     runMainLoop();
-    EXPECT_THAT(heard, ElementsAre("AXWindowCreated")) << "the second came in the same delivery, too late";
+    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::windowCreated))
+        << "the second came in the same delivery, too late";
     EXPECT_EQ(observer, nullptr);
 }
 
@@ -138,21 +164,21 @@ TEST_F(AccessibilityObserversTest, AProcessThatCannotBeObservedHasNoObserver) {
 TEST_F(AccessibilityObserversTest, ARefusedNotificationIsLoggedAndTheOthersGoOn) {
     accessibility.element(app).refusals["AXApplicationShown"] = kAXErrorNotificationUnsupported;
     const auto observer = observe();
-    observer->addApplicationNotification("AXApplicationShown");
-    observer->addApplicationNotification("AXApplicationHidden");
+    observer->addApplicationNotification(AccessibilityNotification::applicationShown);
+    observer->addApplicationNotification(AccessibilityNotification::applicationHidden);
     accessibility.post(app, "AXApplicationHidden");
     runMainLoop();
-    EXPECT_THAT(heard, ElementsAre("AXApplicationHidden"));
+    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::applicationHidden));
     EXPECT_THAT(takeLog(), ElementsAre("AXApplicationShown: error -25207 for pid 501"));
 }
 
 TEST_F(AccessibilityObserversTest, UnregisteringFromAWindowThatHasGoneIsNoNews) {
     const auto observer = observe();
-    observer->addWindowNotification(handleOf(window), "AXTitleChanged");
-    observer->removeWindowNotification(handleOf(window), "AXTitleChanged");
-    observer->removeWindowNotification(handleOf(window), "AXTitleChanged");
+    observer->addWindowNotification(handleOf(window), AccessibilityNotification::titleChanged);
+    observer->removeWindowNotification(handleOf(window), AccessibilityNotification::titleChanged);
+    observer->removeWindowNotification(handleOf(window), AccessibilityNotification::titleChanged);
     accessibility.element(window).isGone = true;
-    observer->removeWindowNotification(handleOf(window), "AXTitleChanged");
+    observer->removeWindowNotification(handleOf(window), AccessibilityNotification::titleChanged);
     EXPECT_THAT(takeLog(), IsEmpty());
 }
 
@@ -160,8 +186,8 @@ TEST_F(AccessibilityObserversTest, ElementsOfAnotherDesktopAreLeftAlone) {
     desktop.launch({.pid = 7});
     desktop.openWindow({.id = 70, .pid = 7});
     const auto observer = observe();
-    observer->addWindowNotification(desktop.elementOf(70), "AXTitleChanged");
-    observer->removeWindowNotification(desktop.elementOf(70), "AXTitleChanged");
+    observer->addWindowNotification(desktop.elementOf(70), AccessibilityNotification::titleChanged);
+    observer->removeWindowNotification(desktop.elementOf(70), AccessibilityNotification::titleChanged);
     EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
 }
 
@@ -195,19 +221,19 @@ protected:
         return accessibility.secondsWaited() - before;
     }
     /// Heard exactly once, and nothing else with it.
-    bool isHeard(fake::ElementId from, const std::string& notification) {
+    bool isHeard(fake::ElementId from, AccessibilityNotification notification) {
         heard.clear();
-        accessibility.post(from, notification);
+        accessibility.post(from, std::string(systemName(notification)));
         runMainLoop();
-        return heard == std::vector<std::string>{notification};
+        return heard == std::vector{notification};
     }
 
     fake::ElementId app = accessibility.addApplication(notes);
     fake::ElementId window = accessibility.addWindow(notes, {});
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> heard;
     MacAccessibilityObservers observers{mainLoop, log};
     std::unique_ptr<AccessibilityObserver> observer =
-        observers.create(notes, [this](std::string_view notification) { heard.emplace_back(notification); });
+        observers.create(notes, [this](AccessibilityNotification notification) { heard.push_back(notification); });
 };
 
 TEST_F(NotificationRegistrationsTest, AnApplicationThatHangsIsWaitedForOnceHoweverMuchIsRegistered) {
@@ -232,16 +258,16 @@ TEST_F(NotificationRegistrationsTest, WhatAnApplicationWasNotToldItIsToldWhenItA
     desktop.advance(Seconds(0.2));
     EXPECT_THAT(accessibility.takeRequests(), SizeIs(10));
     for (const auto notification : ApplicationObserver::applicationNotifications) {
-        EXPECT_TRUE(isHeard(app, std::string(notification))) << notification;
+        EXPECT_TRUE(isHeard(app, notification)) << systemName(notification);
     }
     for (const auto notification : ApplicationObserver::windowNotifications) {
-        EXPECT_TRUE(isHeard(window, std::string(notification))) << notification;
+        EXPECT_TRUE(isHeard(window, notification)) << systemName(notification);
     }
     desktop.advance(Seconds(600));
     EXPECT_THAT(accessibility.takeRequests(), IsEmpty()) << "each once";
     const auto second = accessibility.addWindow(notes, {});
     addWindow(second);
-    EXPECT_TRUE(isHeard(second, "AXTitleChanged")) << "and what comes later is told at once";
+    EXPECT_TRUE(isHeard(second, AccessibilityNotification::titleChanged)) << "and what comes later is told at once";
 }
 
 TEST_F(NotificationRegistrationsTest, AnApplicationThatHangsMidwayIsToldTheRest) {
@@ -251,7 +277,7 @@ TEST_F(NotificationRegistrationsTest, AnApplicationThatHangsMidwayIsToldTheRest)
     setHangs(false);
     desktop.advance(Seconds(1.1));
     for (const auto notification : ApplicationObserver::applicationNotifications) {
-        EXPECT_TRUE(isHeard(app, std::string(notification))) << notification;
+        EXPECT_TRUE(isHeard(app, notification)) << systemName(notification);
     }
 }
 
@@ -272,23 +298,23 @@ TEST_F(NotificationRegistrationsTest, ANewWindowShowsThatAnApplicationThatWasGiv
     setHangs(false);
     EXPECT_NEAR(secondsWaitedIn([&] { addWindow(window); }), 0, 1e-6);
     desktop.advance(Seconds(1));
-    EXPECT_TRUE(isHeard(app, "AXWindowCreated"));
-    EXPECT_TRUE(isHeard(window, "AXTitleChanged"));
+    EXPECT_TRUE(isHeard(app, AccessibilityNotification::windowCreated));
+    EXPECT_TRUE(isHeard(window, AccessibilityNotification::titleChanged));
 }
 
 TEST_F(NotificationRegistrationsTest, OneRequestThatIsNeverAnsweredLeavesTheOthersTheirTurn) {
     accessibility.element(window).refusals["AXWindowMiniaturized"] = kAXErrorCannotComplete;
     addWindow(window);
     desktop.advance(Seconds(3));
-    EXPECT_TRUE(isHeard(window, "AXUIElementDestroyed"));
-    EXPECT_TRUE(isHeard(window, "AXTitleChanged"));
-    EXPECT_FALSE(isHeard(window, "AXWindowMiniaturized"));
+    EXPECT_TRUE(isHeard(window, AccessibilityNotification::uiElementDestroyed));
+    EXPECT_TRUE(isHeard(window, AccessibilityNotification::titleChanged));
+    EXPECT_FALSE(isHeard(window, AccessibilityNotification::windowMiniaturized));
 }
 
 TEST_F(NotificationRegistrationsTest, ARegistrationThatWasMadeAfterAllIsNoNews) {
     addWindow(window);
     addWindow(window);
-    EXPECT_TRUE(isHeard(window, "AXTitleChanged"));
+    EXPECT_TRUE(isHeard(window, AccessibilityNotification::titleChanged));
     EXPECT_THAT(takeLog(), IsEmpty());
 }
 
@@ -301,8 +327,8 @@ TEST_F(NotificationRegistrationsTest, AWindowThatIsNoLongerListedIsNeverRegister
     static_cast<void>(accessibility.takeRequests());
     desktop.advance(Seconds(1));
     EXPECT_THAT(accessibility.takeRequests(), SizeIs(6));
-    EXPECT_TRUE(isHeard(app, "AXWindowCreated"));
-    EXPECT_FALSE(isHeard(window, "AXTitleChanged"));
+    EXPECT_TRUE(isHeard(app, AccessibilityNotification::windowCreated));
+    EXPECT_FALSE(isHeard(window, AccessibilityNotification::titleChanged));
 }
 
 TEST_F(NotificationRegistrationsTest, RemovalsAreHeldBackAsRegistrationsAre) {
@@ -319,8 +345,8 @@ TEST_F(NotificationRegistrationsTest, RemovalsAreHeldBackAsRegistrationsAre) {
     addWindow(second);
     setHangs(false);
     desktop.advance(Seconds(1));
-    EXPECT_FALSE(isHeard(window, "AXTitleChanged"));
-    EXPECT_TRUE(isHeard(second, "AXTitleChanged"));
+    EXPECT_FALSE(isHeard(window, AccessibilityNotification::titleChanged));
+    EXPECT_TRUE(isHeard(second, AccessibilityNotification::titleChanged));
 }
 
 TEST_F(NotificationRegistrationsTest, EndingTheObserverOfAnApplicationThatHangsSendsNothing) {

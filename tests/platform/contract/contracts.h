@@ -73,8 +73,9 @@ protected:
 class AccessibilityObserverContract : public Contract<DesktopDriver> {
 protected:
     [[nodiscard]] AXElementRef element(WindowId window);
-    [[nodiscard]] std::unique_ptr<AccessibilityObserver> observe(std::vector<std::string>& heard);
-    [[nodiscard]] bool runUntilHeard(const std::vector<std::string>& heard, const std::string& notification);
+    [[nodiscard]] std::unique_ptr<AccessibilityObserver> observe(std::vector<AccessibilityNotification>& heard);
+    [[nodiscard]] bool runUntilHeard(const std::vector<AccessibilityNotification>& heard,
+                                     AccessibilityNotification notification);
 };
 
 /// A keyboard in front of an application. The trigger modifier is Option.

@@ -211,9 +211,9 @@ TEST_P(WindowInventoryContract, TheStepsOfAnActivationEndWithTheWindowShownAndFo
 
 namespace {
 
-constexpr auto* created = "AXWindowCreated";
-constexpr auto* titleChanged = "AXTitleChanged";
-constexpr auto* destroyed = "AXUIElementDestroyed";
+constexpr auto created = AccessibilityNotification::windowCreated;
+constexpr auto titleChanged = AccessibilityNotification::titleChanged;
+constexpr auto destroyed = AccessibilityNotification::uiElementDestroyed;
 
 }  // namespace
 
@@ -226,19 +226,20 @@ AXElementRef AccessibilityObserverContract::element(WindowId window) {
     throw std::runtime_error("the application does not list the window");
 }
 
-std::unique_ptr<AccessibilityObserver> AccessibilityObserverContract::observe(std::vector<std::string>& heard) {
-    return driver->observers().create(driver->application(),
-                                      [&heard](std::string_view notification) { heard.emplace_back(notification); });
+std::unique_ptr<AccessibilityObserver> AccessibilityObserverContract::observe(
+    std::vector<AccessibilityNotification>& heard) {
+    return driver->observers().create(
+        driver->application(), [&heard](AccessibilityNotification notification) { heard.push_back(notification); });
 }
 
-bool AccessibilityObserverContract::runUntilHeard(const std::vector<std::string>& heard,
-                                                  const std::string& notification) {
+bool AccessibilityObserverContract::runUntilHeard(const std::vector<AccessibilityNotification>& heard,
+                                                  AccessibilityNotification notification) {
     return driver->runUntil([&] { return std::ranges::find(heard, notification) != heard.end(); });
 }
 
 TEST_P(AccessibilityObserverContract, WhatIsRegisteredIsToldAndNothingElse) {
     const auto window = driver->open("First");
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> heard;
     const auto observer = observe(heard);
     ASSERT_NE(observer, nullptr);
     observer->addApplicationNotification(created);
@@ -254,7 +255,7 @@ TEST_P(AccessibilityObserverContract, WhatIsRegisteredIsToldAndNothingElse) {
 TEST_P(AccessibilityObserverContract, ANotificationOfOneWindowIsNotThatOfAnother) {
     const auto window = driver->open("Watched");
     const auto other = driver->open("Other");
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> heard;
     const auto observer = observe(heard);
     observer->addWindowNotification(element(window), titleChanged);
     observer->addWindowNotification(element(other), destroyed);
@@ -268,7 +269,7 @@ TEST_P(AccessibilityObserverContract, ANotificationOfOneWindowIsNotThatOfAnother
 
 TEST_P(AccessibilityObserverContract, WhatIsRemovedIsNotTold) {
     const auto window = driver->open("Watched");
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> heard;
     const auto observer = observe(heard);
     const auto watched = element(window);
     observer->addWindowNotification(watched, titleChanged);
@@ -283,8 +284,8 @@ TEST_P(AccessibilityObserverContract, WhatIsRemovedIsNotTold) {
 }
 
 TEST_P(AccessibilityObserverContract, ADetachedObserverHearsNothingAndTheOthersGoOn) {
-    std::vector<std::string> detached;
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> detached;
+    std::vector<AccessibilityNotification> heard;
     driver->open("First");
     const auto observer = observe(detached);
     const auto other = observe(heard);
@@ -298,8 +299,8 @@ TEST_P(AccessibilityObserverContract, ADetachedObserverHearsNothingAndTheOthersG
 }
 
 TEST_P(AccessibilityObserverContract, ADestroyedObserverHearsNothingAndTheOthersGoOn) {
-    std::vector<std::string> destroyedHeard;
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> destroyedHeard;
+    std::vector<AccessibilityNotification> heard;
     driver->open("First");
     auto observer = observe(destroyedHeard);
     const auto other = observe(heard);
@@ -315,11 +316,11 @@ TEST_P(AccessibilityObserverContract, AHandlerMayEndItsObserver) {
     driver->open("First");
     int count = 0;
     std::unique_ptr<AccessibilityObserver> observer;
-    observer = driver->observers().create(driver->application(), [&](std::string_view) {
+    observer = driver->observers().create(driver->application(), [&](AccessibilityNotification) {
         ++count;
         observer.reset();
     });
-    std::vector<std::string> heard;
+    std::vector<AccessibilityNotification> heard;
     const auto other = observe(heard);
     observer->addApplicationNotification(created);
     other->addApplicationNotification(created);
@@ -332,7 +333,7 @@ TEST_P(AccessibilityObserverContract, AHandlerMayEndItsObserver) {
 
 TEST_P(AccessibilityObserverContract, AProcessThatIsNotThereCannotBeObserved) {
     driver->open("Someone's");
-    EXPECT_EQ(driver->observers().create(nobody, [](std::string_view) {}), nullptr);
+    EXPECT_EQ(driver->observers().create(nobody, [](AccessibilityNotification) {}), nullptr);
 }
 
 }  // namespace ferrowyn::contract

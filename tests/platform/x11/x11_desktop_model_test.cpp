@@ -29,7 +29,7 @@ protected:
         windows[dialog - 1].isTransient = true;
         model.apply(root(here), true, std::move(windows));
         notifications = model.notifications().subscribe([this](const X11AccessibilityNotification& told) {
-            if (told.name == "AXFocusedWindowChanged") {
+            if (told.kind == AccessibilityNotification::focusedWindowChanged) {
                 focused.push_back(static_cast<xcb_window_t>(told.pid));
             }
         });

@@ -117,7 +117,7 @@ TEST_P(ActivationTest, LeavesTheFocusWithAWindowThatTheUserClickedOnTheNewDeskto
     reachAnotherDesktop();
     std::vector<Pid> announced;
     const auto watch = parts.monitor.model().notifications().subscribe([&](const X11AccessibilityNotification& told) {
-        if (told.name == "AXFocusedWindowChanged") {
+        if (told.kind == AccessibilityNotification::focusedWindowChanged) {
             announced.push_back(told.pid);
         }
     });

@@ -28,8 +28,12 @@ protected:
     bool runUntilSeen(const std::string& name) {
         return parts.runUntil([&] { return std::ranges::find(seen, name) != seen.end(); });
     }
+    bool runUntilHeard(AccessibilityNotification notification) {
+        return parts.runUntil([&] { return std::ranges::find(heard, notification) != heard.end(); });
+    }
     std::unique_ptr<AccessibilityObserver> observeSelf() {
-        return parts.observers.create(getpid(), [this](std::string_view name) { seen.emplace_back(name); });
+        return parts.observers.create(
+            getpid(), [this](AccessibilityNotification notification) { heard.push_back(notification); });
     }
 
     /// Every reading of both kinds has the same windows.
@@ -54,6 +58,7 @@ protected:
     ScriptedManager manager;
     AdapterParts parts;
     std::vector<std::string> seen;
+    std::vector<AccessibilityNotification> heard;
     Subscription subscription;
 };
 
@@ -73,23 +78,26 @@ TEST_F(InventoryEventsTest, TellsAnObserverOfItsWindows) {
     ASSERT_TRUE(runUntilSeen("didLaunch"));
     const auto observer = observeSelf();
     ASSERT_NE(observer, nullptr);
-    for (const auto* const name : {"AXWindowCreated", "AXFocusedWindowChanged"}) {
-        observer->addApplicationNotification(name);
+    for (const auto notification :
+         {AccessibilityNotification::windowCreated, AccessibilityNotification::focusedWindowChanged}) {
+        observer->addApplicationNotification(notification);
     }
-    for (const auto* const name : {"AXUIElementDestroyed", "AXWindowMiniaturized", "AXTitleChanged"}) {
-        observer->addWindowNotification(X11Element::make(first), name);
+    for (const auto notification :
+         {AccessibilityNotification::uiElementDestroyed, AccessibilityNotification::windowMiniaturized,
+          AccessibilityNotification::titleChanged}) {
+        observer->addWindowNotification(X11Element::make(first), notification);
     }
     const auto second = manager.createWindow();
     manager.publishStacking({first, second});
-    EXPECT_TRUE(runUntilSeen("AXWindowCreated"));
+    EXPECT_TRUE(runUntilHeard(AccessibilityNotification::windowCreated));
     manager.publishActive(first);
-    EXPECT_TRUE(runUntilSeen("AXFocusedWindowChanged"));
+    EXPECT_TRUE(runUntilHeard(AccessibilityNotification::focusedWindowChanged));
     manager.set(first, "_NET_WM_NAME", "UTF8_STRING", 8, "New", 3);
-    EXPECT_TRUE(runUntilSeen("AXTitleChanged"));
+    EXPECT_TRUE(runUntilHeard(AccessibilityNotification::titleChanged));
     manager.setAtoms(first, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
-    EXPECT_TRUE(runUntilSeen("AXWindowMiniaturized"));
+    EXPECT_TRUE(runUntilHeard(AccessibilityNotification::windowMiniaturized));
     manager.publishStacking({second});
-    EXPECT_TRUE(runUntilSeen("AXUIElementDestroyed"));
+    EXPECT_TRUE(runUntilHeard(AccessibilityNotification::uiElementDestroyed));
 }
 
 TEST_F(InventoryEventsTest, TellsOfATitleThatKeepsChangingAFewTimesASecondAndOfItsLastChange) {
@@ -98,23 +106,24 @@ TEST_F(InventoryEventsTest, TellsOfATitleThatKeepsChangingAFewTimesASecondAndOfI
     ASSERT_TRUE(runUntilSeen("didLaunch"));
     const auto observer = observeSelf();
     ASSERT_NE(observer, nullptr);
-    observer->addWindowNotification(X11Element::make(window), "AXTitleChanged");
+    observer->addWindowNotification(X11Element::make(window), AccessibilityNotification::titleChanged);
     const auto change = [&](const std::string& title) {
         manager.set(window, "_NET_WM_NAME", "UTF8_STRING", 8, title.data(), static_cast<std::uint32_t>(title.size()));
         manager.set(window, "WM_NAME", "STRING", 8, title.data(), static_cast<std::uint32_t>(title.size()));
     };
     change("Start");
-    ASSERT_TRUE(runUntilSeen("AXTitleChanged"));
-    seen.clear();
+    ASSERT_TRUE(runUntilHeard(AccessibilityNotification::titleChanged));
+    heard.clear();
     const auto begin = parts.mainLoop.now();
     int changes = 0;
     const auto chatter = parts.mainLoop.every(Seconds(0.02), [&] { change(std::to_string(++changes)); });
     ASSERT_TRUE(parts.runUntil([&] { return changes >= 60; }));
     const auto mostTold = (parts.mainLoop.now() - begin) / Seconds(0.25);
     settle();
-    EXPECT_THAT(seen, testing::SizeIs(testing::AllOf(testing::Ge(2U), testing::Le(mostTold)))) << "a few a second";
-    seen.clear();
-    EXPECT_TRUE(runUntilSeen("AXTitleChanged")) << "the last change is told of when no other follows";
+    EXPECT_THAT(heard, testing::SizeIs(testing::AllOf(testing::Ge(2U), testing::Le(mostTold)))) << "a few a second";
+    heard.clear();
+    EXPECT_TRUE(runUntilHeard(AccessibilityNotification::titleChanged))
+        << "the last change is told of when no other follows";
 }
 
 TEST_F(InventoryEventsTest, KeepsTheFrontWhileTheActiveWindowIsNoneInPassing) {
@@ -360,8 +369,9 @@ TEST_F(InventoryEventsTest, AnEndThatAnotherClientTellsOfIsNone) {
     // Heard after the lie.
     manager.set(window, "_NET_WM_NAME", "UTF8_STRING", 8, "New", 3);
     bool isHeard = false;
-    const auto titles = parts.monitor.model().notifications().subscribe(
-        [&](const X11AccessibilityNotification& told) { isHeard = isHeard || told.name == "AXTitleChanged"; });
+    const auto titles = parts.monitor.model().notifications().subscribe([&](const X11AccessibilityNotification& told) {
+        isHeard = isHeard || told.kind == AccessibilityNotification::titleChanged;
+    });
     ASSERT_TRUE(parts.runUntil([&] { return isHeard; }));
     expectListed({window});
 }
