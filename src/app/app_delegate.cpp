@@ -90,8 +90,8 @@ void AppDelegate::perform(ProgramRequest request) {
     }
 }
 
-bool AppDelegate::showSettingsPage(std::string_view url) {
-    if (!services_ || url != settings_page::accessibility) {
+bool AppDelegate::showSettingsPage(SettingsPage page) {
+    if (!services_ || page != SettingsPage::accessibility) {
         return false;
     }
     showOnboarding();

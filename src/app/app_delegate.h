@@ -2,12 +2,12 @@
 
 #include <functional>
 #include <memory>
-#include <string_view>
 
 #include "app/program_request.h"
 #include "app/user_interface.h"
 #include "core/posted_work.h"
 #include "core/published.h"
+#include "platform/workspace.h"
 
 namespace ferrowyn {
 
@@ -34,7 +34,7 @@ public:
     void perform(ProgramRequest request);
     /// Shows the program's page that replaces a page of the system's settings; false when there is none for this
     /// address.
-    bool showSettingsPage(std::string_view url);
+    bool showSettingsPage(SettingsPage page);
 
     /// Null before the launch.
     [[nodiscard]] AppServices* services() { return services_.get(); }

@@ -87,7 +87,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
         },
         [] { return formatted(examineSession(FERROWYN_VERSION)); });
     AppDelegate delegate(platform, userInterface);
-    desktop->setSettingsPageHandler([&delegate](std::string_view url) { return delegate.showSettingsPage(url); });
+    desktop->setSettingsPageHandler([&delegate](SettingsPage page) { return delegate.showSettingsPage(page); });
     delegate.applicationDidFinishLaunching();
     OutsideRequests requests(platform, delegate, line);
     const auto service = offerOnBus(platform.mainLoop, requests, SessionLock::Buses::fromEnvironment().session);

@@ -40,13 +40,13 @@ struct WorkspaceEvent {
     std::optional<RunningApplication> application;
 };
 
-/// Addresses of pages of the system's settings, for `Workspace::open`. A desktop without such a page opens what serves
-/// the same purpose.
-namespace settings_page {
-inline constexpr std::string_view accessibility =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
-inline constexpr std::string_view loginItems = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
-}  // namespace settings_page
+/// A page of the system's settings. A desktop without such a page opens what serves the same purpose.
+enum class SettingsPage {
+    /// Where the user lets the program read and move windows.
+    accessibility,
+    /// What starts at login.
+    loginItems,
+};
 
 /// The running and installed applications of the desktop. Main thread. No call waits for another process.
 class Workspace {
@@ -73,6 +73,9 @@ public:
     /// Opens the address with the desktop's default handler; false when that could not be started. For a page of the
     /// system's settings that this desktop does not have, opens the program's own page instead.
     virtual bool open(std::string_view url) = 0;
+    /// Shows the page, or what serves the same purpose where the desktop has none; false when there is neither, or it
+    /// could not even be started.
+    virtual bool openSettings(SettingsPage page) = 0;
 };
 
 }  // namespace ferrowyn

@@ -65,7 +65,7 @@ void AccessibilityAuthorizer::requestTrust() {
 }
 
 void AccessibilityAuthorizer::openAccessibilitySettings() {
-    workspace_.open(settings_page::accessibility);
+    workspace_.openSettings(SettingsPage::accessibility);
 }
 
 void AccessibilityAuthorizer::scheduleRefresh() {

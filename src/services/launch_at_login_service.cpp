@@ -76,7 +76,7 @@ std::optional<std::string> LaunchAtLoginService::explanatoryMessage() const {
 }
 
 void LaunchAtLoginService::openLoginItemsSettings() {
-    workspace_.open(settings_page::loginItems);
+    workspace_.openSettings(SettingsPage::loginItems);
 }
 
 }  // namespace ferrowyn

@@ -206,8 +206,7 @@ TEST_F(AppDelegateTest, BeforeTheLaunchNothingElseIsDone) {
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
     delegate->perform(ProgramRequest::openSetup);
     delegate->perform(ProgramRequest::openSwitcher);
-    EXPECT_FALSE(
-        delegate->showSettingsPage("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    EXPECT_FALSE(delegate->showSettingsPage(SettingsPage::accessibility));
     delegate->applicationWillTerminate();
     EXPECT_THAT(interface.takeSteps(), IsEmpty());
     EXPECT_EQ(delegate->services(), nullptr);
@@ -298,9 +297,8 @@ TEST_F(AppDelegateTest, TheSwitcherAskedForWithoutTrustIsTheSetupWindow) {
 
 TEST_F(AppDelegateTest, StandsInForTheSettingsOfASystemThatHasNone) {
     launchQuietly();
-    EXPECT_TRUE(
-        delegate->showSettingsPage("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
-    EXPECT_FALSE(delegate->showSettingsPage("x-apple.systempreferences:com.apple.Sound-Settings.extension"));
+    EXPECT_TRUE(delegate->showSettingsPage(SettingsPage::accessibility));
+    EXPECT_FALSE(delegate->showSettingsPage(SettingsPage::loginItems));
     EXPECT_THAT(interface.takeSteps(), ElementsAre("show setup"));
 }
 

@@ -343,8 +343,7 @@ TEST_F(AppServicesTest, OpenTheSettingsOnARetryWithoutTrust) {
     services->retryInput();
     EXPECT_EQ(services->inputFailure().get(), std::nullopt);
     EXPECT_EQ(desktop.tapCreationCount(), 0);
-    EXPECT_THAT(desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("settings accessibility"));
 }
 
 TEST_F(AppServicesTest, SuspendWhenTheTapFindsTrustRevokedAndRecoverWhenItReturns) {

@@ -123,8 +123,7 @@ TEST_F(SwitcherControllerTest, ThePermissionButtonClosesAndOpensTheSettings) {
     controller->handle(Invoke{false});
     content.onRequestPermissions();
     EXPECT_FALSE(controller->isVisible());
-    EXPECT_THAT(desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("settings accessibility"));
 }
 
 TEST_F(SwitcherControllerTest, ContentThatOutlivesItReachesNobody) {

@@ -156,8 +156,7 @@ TEST_F(AccessibilityAuthorizerTest, OpensTheAccessibilityListOfTheSettings) {
     start(false);
     static_cast<void>(desktop.takeControlCalls());
     authorizer->openAccessibilitySettings();
-    EXPECT_THAT(desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("settings accessibility"));
 }
 
 TEST_F(AccessibilityAuthorizerTest, PublishesSecureInputOncePerChangeWithinTwoSeconds) {

@@ -137,6 +137,7 @@ public:
         return std::nullopt;
     }
     bool open(std::string_view) override { return false; }
+    bool openSettings(SettingsPage) override { return false; }
 
     Subject<WorkspaceEvent> events;
 };

@@ -154,8 +154,7 @@ TEST_F(LaunchAtLoginServiceTest, AnErrorGoesBeforeEveryOtherMessage) {
 TEST_F(LaunchAtLoginServiceTest, OpensTheLoginItemsOfTheSettings) {
     start(Status::requiresApproval);
     service->openLoginItemsSettings();
-    EXPECT_THAT(desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("settings loginItems"));
 }
 
 TEST_F(LaunchAtLoginServiceTest, TheLinuxTextsNameNoMac) {

@@ -51,6 +51,7 @@ public:
         return {};
     }
     bool open(std::string_view /*url*/) override { return false; }
+    bool openSettings(SettingsPage /*page*/) override { return false; }
 };
 
 /// Lettered tiles for every application; counts what was rendered.

@@ -145,8 +145,7 @@ TEST_F(SettingsViewTest, ALoginItemThatWaitsForApprovalOffersTheSystemsSettings)
               "exclamationmark.triangle.fill");
     model.desktop.takeControlCalls();
     buttonNamed(pane, "Open Login Items")->click();
-    EXPECT_THAT(model.desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
+    EXPECT_THAT(model.desktop.takeControlCalls(), ElementsAre("settings loginItems"));
     model.desktop.loginItem().current = LoginItem::Status::enabled;
     model.launchAtLogin.refresh();
     EXPECT_THAT(visibleButtons(pane), Not(Contains("Open Login Items")));
@@ -194,8 +193,7 @@ TEST_F(SettingsViewTest, TrustThatArrivesChangesThePermissionLineInPlace) {
     EXPECT_EQ(symbolBeside(pane, "Accessibility access required"), "exclamationmark.triangle.fill");
     model.desktop.takeControlCalls();
     buttonNamed(pane, "Open Settings")->click();
-    EXPECT_THAT(model.desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    EXPECT_THAT(model.desktop.takeControlCalls(), ElementsAre("settings accessibility"));
     model.desktop.setTrusted(true);
     model.authorizer.refresh();
     EXPECT_EQ(symbolBeside(pane, "Accessibility access granted"), "checkmark.circle.fill");

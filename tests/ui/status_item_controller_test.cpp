@@ -412,8 +412,7 @@ TEST_F(StatusItemControllerTest, ALoginItemThatNeedsApprovalLeadsToTheSettings) 
     desktop.loginItem().statusAfterRegistering = LoginItem::Status::requiresApproval;
     build();
     item.choose(row(Action::toggleLaunchAtLogin));
-    EXPECT_THAT(desktop.takeControlCalls(),
-                ElementsAre("open x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("settings loginItems"));
     EXPECT_TRUE(row(Action::toggleLaunchAtLogin).isChecked);
     EXPECT_EQ(row(Action::toggleLaunchAtLogin).tooltip, "Approve Ferrowyn in System Settings → General → Login Items.");
     item.choose(row(Action::toggleLaunchAtLogin));

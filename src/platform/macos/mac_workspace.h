@@ -17,6 +17,7 @@ public:
     [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view bundleIdentifier) const override;
     [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view bundleIdentifier) const override;
     bool open(std::string_view url) override;
+    bool openSettings(SettingsPage page) override;
 };
 
 /// The steps of an activation that are asked of the running application instead of Accessibility. A process that has

@@ -120,6 +120,16 @@ bool MacWorkspace::open(std::string_view url) {
     return address != nil && [NSWorkspace.sharedWorkspace openURL:address];
 }
 
+bool MacWorkspace::openSettings(SettingsPage page) {
+    switch (page) {
+        case SettingsPage::accessibility:
+            return open("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility");
+        case SettingsPage::loginItems:
+            return open("x-apple.systempreferences:com.apple.LoginItems-Settings.extension");
+    }
+    return false;
+}
+
 bool MacRunningApplicationControl::isHidden(Pid pid) const {
     return applicationWith(pid).hidden;
 }

@@ -34,6 +34,11 @@ bool SimulatedWorkspace::open(std::string_view url) {
     return true;
 }
 
+bool SimulatedWorkspace::openSettings(SettingsPage page) {
+    calls_.emplace_back(page == SettingsPage::accessibility ? "settings accessibility" : "settings loginItems");
+    return !openingFails_;
+}
+
 void SimulatedWorkspace::setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name) {
     installedNames_.insert_or_assign(std::move(bundleIdentifier), std::move(name));
 }

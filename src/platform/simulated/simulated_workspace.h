@@ -15,7 +15,7 @@ namespace ferrowyn {
 
 class SimulatedWorkspace final : public Workspace {
 public:
-    /// Addresses that are opened are added to `calls` as "open <url>".
+    /// Addresses that are opened are added to `calls` as "open <url>", pages of the settings as "settings <page>".
     SimulatedWorkspace(const SimulatedWindowModel& model, std::vector<std::string>& calls)
         : model_(model), calls_(calls) {}
 
@@ -27,6 +27,7 @@ public:
     /// "/Applications/<identifier>.app" for an application whose name was set.
     [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view bundleIdentifier) const override;
     bool open(std::string_view url) override;
+    bool openSettings(SettingsPage page) override;
 
     void announce(const WorkspaceEvent& event) { events_.send(event); }
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);

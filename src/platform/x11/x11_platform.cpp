@@ -80,7 +80,7 @@ struct X11Platform::Parts {
     DesktopEntries entries;
     X11InputContext inputContext;
     std::atomic<double> scale{1.0};
-    std::function<bool(std::string_view)> openSettingsPage;
+    std::function<bool(SettingsPage)> openOwnSettingsPage;
 
     X11Atoms atoms;
     X11FocusHistory history;
@@ -142,14 +142,14 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
                      return entry ? std::optional(entry->path) : std::nullopt;
                  },
                  .openAddress = openAddress,
-                 .openSettingsPage =
-                     [this](std::string_view url) {
-                         if (url == settings_page::loginItems) {
+                 .openSettings =
+                     [this](SettingsPage page) {
+                         if (page == SettingsPage::loginItems) {
                              openAutostartSettings(QDBusConnection::sessionBus(), loginItem.userEntry(),
                                                    [](const QString& address) { openAddress(address.toStdString()); });
                              return true;
                          }
-                         return openSettingsPage && openSettingsPage(url);
+                         return openOwnSettingsPage && openOwnSettingsPage(page);
                      }}),
       application(monitor.model(), control),
       icons(monitor, atoms, entries),
@@ -215,8 +215,8 @@ const Platform& X11Platform::platform() const {
     return parts_->platform;
 }
 
-void X11Platform::setSettingsPageHandler(std::function<bool(std::string_view)> handler) {
-    parts_->openSettingsPage = std::move(handler);
+void X11Platform::setSettingsPageHandler(std::function<bool(SettingsPage)> handler) {
+    parts_->openOwnSettingsPage = std::move(handler);
 }
 
 std::unique_ptr<LinuxTrayIcon> X11Platform::makeTrayIcon(const TraySymbolPainter& painter) {

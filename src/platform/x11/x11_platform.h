@@ -10,6 +10,7 @@
 #include "platform/log.h"
 #include "platform/platform.h"
 #include "platform/qt/tray_symbol_painter.h"
+#include "platform/workspace.h"
 
 namespace ferrowyn {
 
@@ -40,9 +41,9 @@ public:
 
     [[nodiscard]] const Platform& platform() const;
 
-    /// Shows the program's own page for an address of the system settings ("x-apple.systempreferences:…") when the
-    /// logic opens one; false from the handler counts as not opened.
-    void setSettingsPageHandler(std::function<bool(std::string_view)> handler);
+    /// Shows the program's own page in the place of one of the system's settings when the logic opens one that the
+    /// desktop has nothing for; false from the handler counts as not opened.
+    void setSettingsPageHandler(std::function<bool(SettingsPage)> handler);
 
     /// The program's icon in whatever tray this desktop has, now or later. It does not outlive this.
     [[nodiscard]] std::unique_ptr<LinuxTrayIcon> makeTrayIcon(const TraySymbolPainter& painter);

@@ -51,10 +51,11 @@ std::optional<std::string> X11Workspace::installedApplicationPath(std::string_vi
 }
 
 bool X11Workspace::open(std::string_view url) {
-    if (url.starts_with("x-apple.systempreferences:")) {
-        return desktop_.openSettingsPage && desktop_.openSettingsPage(url);
-    }
     return desktop_.openAddress && desktop_.openAddress(url);
+}
+
+bool X11Workspace::openSettings(SettingsPage page) {
+    return desktop_.openSettings && desktop_.openSettings(page);
 }
 
 namespace {

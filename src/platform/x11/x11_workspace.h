@@ -26,8 +26,8 @@ public:
         std::function<std::optional<std::string>(std::string_view)> installedApplicationPath;
         /// Hands an address to the desktop's handler without waiting for it; false when that cannot be started.
         std::function<bool(std::string_view)> openAddress;
-        /// Shows the program's own page for an address of the system settings; false when there is none (yet).
-        std::function<bool(std::string_view)> openSettingsPage;
+        /// Shows what serves the purpose of this page of the system settings; false when there is nothing (yet).
+        std::function<bool(SettingsPage)> openSettings;
     };
 
     /// The monitor outlives this.
@@ -40,6 +40,7 @@ public:
     [[nodiscard]] std::optional<std::string> installedApplicationName(std::string_view bundleIdentifier) const override;
     [[nodiscard]] std::optional<std::string> installedApplicationPath(std::string_view bundleIdentifier) const override;
     bool open(std::string_view url) override;
+    bool openSettings(SettingsPage page) override;
 
 private:
     const X11DesktopModel& model_;

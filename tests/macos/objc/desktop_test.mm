@@ -139,14 +139,23 @@ TEST_F(MacDesktopTest, AnApplicationThatIsNotInstalledOrHasNoNameIsNotNamed) {
 }
 
 TEST_F(MacDesktopTest, AddressesAreOpenedByTheWorkspace) {
-    EXPECT_TRUE(workspace.open("x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
+    EXPECT_TRUE(workspace.open("https://ferrowyn.example/"));
     EXPECT_FALSE(workspace.open("")) << "no address";
     EXPECT_FALSE(workspace.open("no address at all"));
     NSWorkspace.sharedWorkspace.refusesToOpen = YES;
     EXPECT_FALSE(workspace.open("https://example.org/"));
-    EXPECT_THAT(
-        NSWorkspace.sharedWorkspace.openedAddresses,
-        ElementsAre("x-apple.systempreferences:com.apple.LoginItems-Settings.extension", "https://example.org/"));
+    EXPECT_THAT(NSWorkspace.sharedWorkspace.openedAddresses,
+                ElementsAre("https://ferrowyn.example/", "https://example.org/"));
+}
+
+TEST_F(MacDesktopTest, APageOfTheSettingsIsOpenedByItsAddress) {
+    EXPECT_TRUE(workspace.openSettings(SettingsPage::accessibility));
+    EXPECT_TRUE(workspace.openSettings(SettingsPage::loginItems));
+    EXPECT_THAT(NSWorkspace.sharedWorkspace.openedAddresses,
+                ElementsAre("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility",
+                            "x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
+    NSWorkspace.sharedWorkspace.refusesToOpen = YES;
+    EXPECT_FALSE(workspace.openSettings(SettingsPage::loginItems));
 }
 
 TEST_F(MacDesktopTest, AnApplicationIsUnhiddenAndActivatedWithoutOptions) {
