@@ -27,6 +27,14 @@ LaunchAtLoginService::LaunchAtLoginService(const Platform& platform)
     activations_ = platform.application.observeDidBecomeActive([this] { refresh(); });
 }
 
+bool LaunchAtLoginService::startsAtLogin() const {
+    return std::holds_alternative<Enabled>(state_.get()) || requiresApproval();
+}
+
+bool LaunchAtLoginService::requiresApproval() const {
+    return std::holds_alternative<RequiresApproval>(state_.get());
+}
+
 void LaunchAtLoginService::refresh() {
     switch (service_.status()) {
         case LoginItem::Status::enabled:
@@ -69,7 +77,7 @@ std::optional<std::string> LaunchAtLoginService::explanatoryMessage() const {
     if (const auto* unavailable = std::get_if<Unavailable>(&state_.get())) {
         return unavailable->reason;
     }
-    if (std::holds_alternative<RequiresApproval>(state_.get())) {
+    if (requiresApproval()) {
         return std::string(texts_.loginItemApproval);
     }
     return std::nullopt;

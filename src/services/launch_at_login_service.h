@@ -44,6 +44,11 @@ public:
     /// The message for the user when the last request failed; absent after a successful one.
     [[nodiscard]] const Published<std::optional<std::string>>& lastError() const { return lastError_; }
 
+    /// Whether the switch for it is on: also while the user still has to allow it.
+    [[nodiscard]] bool startsAtLogin() const;
+    /// Whether the user still has to allow it.
+    [[nodiscard]] bool requiresApproval() const;
+
     /// Reads the system's answer again, now.
     void refresh();
     /// Registers or unregisters the program.

@@ -1,6 +1,7 @@
 #include "services/launch_at_login_service.h"
 
 #include <memory>
+#include <tuple>
 
 #include "core/texts.h"
 #include "platform/simulated/simulated_desktop.h"
@@ -48,6 +49,16 @@ TEST_F(LaunchAtLoginServiceTest, EveryStatusHasItsState) {
     }
     EXPECT_THAT(item.requests, IsEmpty());
     EXPECT_THAT(desktop.takeLog(), IsEmpty());
+}
+
+TEST_F(LaunchAtLoginServiceTest, StartsAtLoginWhenEnabledAndAlsoWhileTheUserStillHasToAllowIt) {
+    for (const auto& [status, isOn, isToBeAllowed] :
+         {std::tuple(Status::enabled, true, false), std::tuple(Status::requiresApproval, true, true),
+          std::tuple(Status::notRegistered, false, false), std::tuple(Status::notFound, false, false)}) {
+        start(status);
+        EXPECT_EQ(service->startsAtLogin(), isOn) << static_cast<int>(status);
+        EXPECT_EQ(service->requiresApproval(), isToBeAllowed) << static_cast<int>(status);
+    }
 }
 
 TEST_F(LaunchAtLoginServiceTest, AProgramOutsideItsFolderIsUnavailableAndSaysWhy) {

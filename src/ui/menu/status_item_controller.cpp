@@ -1,7 +1,6 @@
 #include "ui/menu/status_item_controller.h"
 
 #include <utility>
-#include <variant>
 
 #include "app/app_services.h"
 #include "core/texts.h"
@@ -113,13 +112,8 @@ void StatusItemController::selectLayout(std::string_view representedValue) {
 
 void StatusItemController::toggleLaunchAtLogin() {
     auto& launchAtLogin = services_.launchAtLogin();
-    const auto isRegistered = [&launchAtLogin] {
-        const auto& state = launchAtLogin.state().get();
-        return std::holds_alternative<LaunchAtLoginService::Enabled>(state) ||
-               std::holds_alternative<LaunchAtLoginService::RequiresApproval>(state);
-    };
-    launchAtLogin.setEnabled(!isRegistered());
-    if (std::holds_alternative<LaunchAtLoginService::RequiresApproval>(launchAtLogin.state().get())) {
+    launchAtLogin.setEnabled(!launchAtLogin.startsAtLogin());
+    if (launchAtLogin.requiresApproval()) {
         launchAtLogin.openLoginItemsSettings();
     }
     buildMenu();

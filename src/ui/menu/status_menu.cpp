@@ -159,11 +159,9 @@ private:
 
     void addLaunchAtLogin() {
         const auto& launchAtLogin = services_.launchAtLogin();
-        const auto& state = launchAtLogin.state().get();
         auto row = item(say(texts_.launchAtLogin), "power", Action::toggleLaunchAtLogin);
-        row.isChecked = std::holds_alternative<LaunchAtLoginService::Enabled>(state) ||
-                        std::holds_alternative<LaunchAtLoginService::RequiresApproval>(state);
-        row.isEnabled = !std::holds_alternative<LaunchAtLoginService::Unavailable>(state);
+        row.isChecked = launchAtLogin.startsAtLogin();
+        row.isEnabled = !std::holds_alternative<LaunchAtLoginService::Unavailable>(launchAtLogin.state().get());
         if (const auto explanation = launchAtLogin.explanatoryMessage()) {
             row.tooltip = say(*explanation);
         }

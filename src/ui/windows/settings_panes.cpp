@@ -62,16 +62,13 @@ void GeneralPane::addLaunchAtLogin(const WindowTexts& texts, LaunchAtLoginServic
     QWidget* const explanation = group.addRow(message, open);
 
     const auto follow = [launch, message, open, explanation, &service] {
-        using Service = LaunchAtLoginService;
-        const auto& state = service.state().get();
-        const bool requiresApproval = std::holds_alternative<Service::RequiresApproval>(state);
-        launch->setChecked(requiresApproval || std::holds_alternative<Service::Enabled>(state));
-        launch->setEnabled(!std::holds_alternative<Service::Unavailable>(state));
+        launch->setChecked(service.startsAtLogin());
+        launch->setEnabled(!std::holds_alternative<LaunchAtLoginService::Unavailable>(service.state().get()));
         const auto text = service.explanatoryMessage();
         if (text) {
             showStatus(*message, settings_lines::loginItemMessage(*text));
         }
-        open->setVisible(requiresApproval);
+        open->setVisible(service.requiresApproval());
         explanation->setVisible(text.has_value());
     };
     connect(launch, &QAbstractButton::clicked, this, [follow, &service](bool isOn) {
