@@ -37,16 +37,16 @@ std::optional<SwitcherLayout> switcherLayoutFromRawValue(std::string_view raw) {
     return std::nullopt;
 }
 
-std::string_view title(SwitcherLayout layout) {
+std::string_view title(SwitcherLayout layout, const WindowTexts& texts) {
     switch (layout) {
         case SwitcherLayout::list:
-            return "List";
+            return texts.settings.listTitle;
         case SwitcherLayout::grouped:
-            return "Grouped";
+            return texts.settings.groupedTitle;
         case SwitcherLayout::grid:
-            return "Grid";
+            return texts.settings.gridTitle;
     }
-    return "List";
+    return texts.settings.listTitle;
 }
 
 int columns(SwitcherLayout layout) {

@@ -19,7 +19,8 @@ inline constexpr std::array allSwitcherLayouts{SwitcherLayout::list, SwitcherLay
 /// The form in which it is stored. Reading it back compares exactly, case included.
 [[nodiscard]] std::string_view rawValue(SwitcherLayout layout);
 [[nodiscard]] std::optional<SwitcherLayout> switcherLayoutFromRawValue(std::string_view raw);
-[[nodiscard]] std::string_view title(SwitcherLayout layout);
+/// Untranslated.
+[[nodiscard]] std::string_view title(SwitcherLayout layout, const WindowTexts& texts);
 /// Items on one line: 5 in the grid, 1 otherwise.
 [[nodiscard]] int columns(SwitcherLayout layout);
 /// Lines needed for this many items; 0 for none.

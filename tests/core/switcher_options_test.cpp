@@ -87,7 +87,7 @@ TEST(SwitcherLayout, HasItsRawValuesTitlesAndColumns) {
         EXPECT_EQ(allSwitcherLayouts[i], layout);
         EXPECT_EQ(rawValue(layout), expected[i].raw);
         EXPECT_EQ(switcherLayoutFromRawValue(expected[i].raw), layout);
-        EXPECT_EQ(title(layout), expected[i].title);
+        EXPECT_EQ(title(layout, macWindowTexts()), expected[i].title);
         EXPECT_EQ(columns(layout), expected[i].columns);
     }
     EXPECT_EQ(switcherLayoutFromRawValue("List"), std::nullopt);

@@ -70,10 +70,7 @@ TEST(SettingsLinesTest, OnlyCommandReplacesTheSystemsSwitcher) {
     EXPECT_FALSE(settings_lines::showsReplacementNote(SwitcherModifier::control));
 }
 
-TEST(SettingsLinesTest, EachLayoutIsTitledAndDescribed) {
-    EXPECT_EQ(settings_lines::layoutTitle(SwitcherLayout::list, mac()), "List");
-    EXPECT_EQ(settings_lines::layoutTitle(SwitcherLayout::grouped, mac()), "Grouped");
-    EXPECT_EQ(settings_lines::layoutTitle(SwitcherLayout::grid, mac()), "Grid");
+TEST(SettingsLinesTest, EachLayoutIsDescribed) {
     EXPECT_EQ(settings_lines::layoutDescription(SwitcherLayout::list, mac()), mac().settings.listDescription);
     EXPECT_EQ(settings_lines::layoutDescription(SwitcherLayout::grouped, mac()), mac().settings.groupedDescription);
     EXPECT_EQ(settings_lines::layoutDescription(SwitcherLayout::grid, mac()), mac().settings.gridDescription);

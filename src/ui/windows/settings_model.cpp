@@ -72,18 +72,6 @@ bool showsReplacementNote(SwitcherModifier modifier) {
     return modifier == SwitcherModifier::command;
 }
 
-std::string_view layoutTitle(SwitcherLayout layout, const WindowTexts& texts) {
-    switch (layout) {
-        case SwitcherLayout::list:
-            return texts.settings.listTitle;
-        case SwitcherLayout::grouped:
-            return texts.settings.groupedTitle;
-        case SwitcherLayout::grid:
-            return texts.settings.gridTitle;
-    }
-    return texts.settings.listTitle;
-}
-
 std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts) {
     switch (layout) {
         case SwitcherLayout::list:

@@ -58,7 +58,6 @@ struct StatusLine {
 /// True for command, which takes keys that the system uses itself.
 [[nodiscard]] bool showsReplacementNote(SwitcherModifier modifier);
 
-[[nodiscard]] std::string_view layoutTitle(SwitcherLayout layout, const WindowTexts& texts);
 [[nodiscard]] std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts);
 inline constexpr int fewestVisibleRows = 4;
 inline constexpr int mostVisibleRows = 16;

@@ -203,8 +203,7 @@ void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferenc
     line->setSpacing(betweenButtons);
     std::vector<SegmentButton*> buttons;
     for (const auto layout : allSwitcherLayouts) {
-        auto* const button = new SegmentButton(WindowPresentation::layoutSymbol(layout),
-                                               {settings_lines::layoutTitle(layout, texts), {}});
+        auto* const button = new SegmentButton(WindowPresentation::layoutSymbol(layout), {title(layout, texts), {}});
         line->addWidget(button);
         buttons.push_back(button);
         // `toggled` and not `clicked`, because the arrow keys emit only the former.
