@@ -24,8 +24,6 @@ constexpr std::string_view favouritesFirstKey = "switcher.favouritesFirst";
 constexpr std::string_view automaticUpdateChecksKey = "updates.automatic";
 
 constexpr std::int64_t defaultMaximumVisibleRows = 9;
-constexpr std::int64_t fewestVisibleRows = 4;
-constexpr std::int64_t mostVisibleRows = 16;
 
 /// Registers the defaults before the first setting is read. Called in the member initialisers for that reason.
 UserDefaults& withDefaults(UserDefaults& defaults) {
@@ -57,7 +55,8 @@ SwitcherLayout readLayout(const UserDefaults& defaults) {
 }
 
 int readMaximumVisibleRows(const UserDefaults& defaults) {
-    return static_cast<int>(std::clamp(defaults.integer(maximumVisibleRowsKey), fewestVisibleRows, mostVisibleRows));
+    return static_cast<int>(std::clamp<std::int64_t>(defaults.integer(maximumVisibleRowsKey),
+                                                     Preferences::fewestVisibleRows, Preferences::mostVisibleRows));
 }
 
 }  // namespace

@@ -34,6 +34,9 @@ public:
         Store store_;
     };
 
+    static constexpr int fewestVisibleRows = 4;
+    static constexpr int mostVisibleRows = 16;
+
     explicit Preferences(UserDefaults& defaults);
 
 private:

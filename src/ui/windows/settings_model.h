@@ -59,8 +59,6 @@ struct StatusLine {
 [[nodiscard]] bool showsReplacementNote(SwitcherModifier modifier);
 
 [[nodiscard]] std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts);
-inline constexpr int fewestVisibleRows = 4;
-inline constexpr int mostVisibleRows = 16;
 /// "Show up to 9 rows before scrolling".
 [[nodiscard]] Phrase maximumRows(int rows, const WindowTexts& texts);
 

@@ -230,7 +230,7 @@ void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferenc
 void AppearancePane::addRows(const WindowTexts& texts, Preferences& preferences) {
     SettingsGroup& group = addGroup();
     auto* const label = new TextLabel(TextStyle::body);
-    auto* const stepper = new Stepper(settings_lines::fewestVisibleRows, settings_lines::mostVisibleRows);
+    auto* const stepper = new Stepper(Preferences::fewestVisibleRows, Preferences::mostVisibleRows);
     label->setBuddy(stepper);
     group.addRow(label, stepper);
     connect(stepper, &QSpinBox::valueChanged, this, [&preferences](int rows) {
