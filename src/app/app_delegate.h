@@ -33,7 +33,7 @@ public:
 
     void perform(ProgramRequest request);
     /// Shows the program's page that replaces a page of the system's settings; false when there is none for this
-    /// address.
+    /// page.
     bool showSettingsPage(SettingsPage page);
 
     /// Null before the launch.

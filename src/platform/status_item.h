@@ -30,6 +30,28 @@ struct MenuHeader {
     friend bool operator==(const MenuHeader&, const MenuHeader&) = default;
 };
 
+/// The header's parts, in points, the same on every desktop; it is at least this wide. The text stands between the icon
+/// and the gear.
+namespace menu_header {
+inline constexpr double width = 268;
+inline constexpr double height = 58;
+inline constexpr double iconSide = 32;
+inline constexpr double iconLeft = 14;
+inline constexpr double gearSide = 26;
+inline constexpr double gearRightInset = 14;
+inline constexpr double gearPointSize = 14;
+inline constexpr double textLeft = 54;
+inline constexpr double textToGear = 8;
+/// The texts' tops are measured from the header's upper edge.
+inline constexpr double titleTop = 15;
+inline constexpr double titleHeight = 17;
+inline constexpr double subtitleTop = 33;
+inline constexpr double subtitleHeight = 15;
+/// The gear's highlight while the pointer is over it.
+inline constexpr double hoverInset = 1;
+inline constexpr double hoverRadius = 5;
+}  // namespace menu_header
+
 /// One row of the menu. A plain value; the toolkit only draws it.
 struct MenuRow {
     enum class Kind { header, separator, sectionTitle, item };

@@ -317,7 +317,7 @@ TEST_F(StatusMenuPopupTest, InARightToLeftLanguageEverythingStandsTheOtherWayRou
     popup->setLayoutDirection(Qt::RightToLeft);
     const Rect header = popup->geometryNow().row(0);
     const Rect gear = popup->gearRect(0);
-    EXPECT_EQ(gear.x, MenuHeaderView::gearRightInset);
+    EXPECT_EQ(gear.x, menu_header::gearRightInset);
     const QImage image = picture(2);
     EXPECT_TRUE(shows(image, gear, popup->colors().label));
     EXPECT_FALSE(shows(image, MenuHeaderView::gearArea(header), popup->colors().label)) << "the icon stands there";

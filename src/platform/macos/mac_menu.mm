@@ -68,23 +68,10 @@ NSImage* menuSymbol(std::string_view name, MenuTint tint) {
 
 namespace {
 
-constexpr CGFloat headerWidth = 268;
-constexpr CGFloat headerHeight = 58;
-constexpr CGFloat iconSide = 32;
-constexpr CGFloat iconLeft = 14;
-constexpr CGFloat gearSide = 26;
-constexpr CGFloat gearRightInset = 14;
-constexpr CGFloat gearPointSize = 14;
-constexpr CGFloat textLeft = 54;
-constexpr CGFloat textRightInset = 8;
-constexpr CGFloat titleHeight = 17;
-constexpr CGFloat titleFromTop = 32;
+namespace metrics = ferrowyn::menu_header;
+
 constexpr CGFloat titleFontSize = 13;
-constexpr CGFloat subtitleHeight = 15;
-constexpr CGFloat subtitleFromTop = 48;
 constexpr CGFloat subtitleFontSize = 11;
-constexpr CGFloat hoverInset = 1;
-constexpr CGFloat hoverRadius = 5;
 constexpr CGFloat hoverOpacity = 0.1;
 
 NSTextField* label(const std::string& text, CGFloat fontSize, NSColor* color) {
@@ -106,7 +93,7 @@ NSTextField* label(const std::string& text, CGFloat fontSize, NSColor* color) {
 
 - (instancetype)initWithHeader:(const ferrowyn::MenuHeader&)header
                 onOpenSettings:(const std::function<void()>&)onOpenSettings {
-    self = [super initWithFrame:NSMakeRect(0, 0, headerWidth, headerHeight)];
+    self = [super initWithFrame:NSMakeRect(0, 0, metrics::width, metrics::height)];
     if (self != nil) {
         _onOpenSettings = onOpenSettings;
         _iconView = [NSImageView imageViewWithImage:NSApplication.sharedApplication.applicationIconImage];
@@ -130,16 +117,19 @@ NSTextField* label(const std::string& text, CGFloat fontSize, NSColor* color) {
 }
 
 - (NSRect)gearArea {
-    return NSMakeRect(self.bounds.size.width - gearRightInset - gearSide, (self.bounds.size.height - gearSide) / 2,
-                      gearSide, gearSide);
+    return NSMakeRect(self.bounds.size.width - metrics::gearRightInset - metrics::gearSide,
+                      (self.bounds.size.height - metrics::gearSide) / 2, metrics::gearSide, metrics::gearSide);
 }
 
 - (void)placeParts {
     const NSSize size = self.bounds.size;
-    const CGFloat textWidth = std::max<CGFloat>(0, self.gearArea.origin.x - textRightInset - textLeft);
-    _iconView.frame = NSMakeRect(iconLeft, (size.height - iconSide) / 2, iconSide, iconSide);
-    _titleLabel.frame = NSMakeRect(textLeft, size.height - titleFromTop, textWidth, titleHeight);
-    _subtitleLabel.frame = NSMakeRect(textLeft, size.height - subtitleFromTop, textWidth, subtitleHeight);
+    const CGFloat textWidth = std::max<CGFloat>(0, self.gearArea.origin.x - metrics::textToGear - metrics::textLeft);
+    _iconView.frame =
+        NSMakeRect(metrics::iconLeft, (size.height - metrics::iconSide) / 2, metrics::iconSide, metrics::iconSide);
+    _titleLabel.frame = NSMakeRect(metrics::textLeft, size.height - metrics::titleTop - metrics::titleHeight, textWidth,
+                                   metrics::titleHeight);
+    _subtitleLabel.frame = NSMakeRect(metrics::textLeft, size.height - metrics::subtitleTop - metrics::subtitleHeight,
+                                      textWidth, metrics::subtitleHeight);
 }
 
 - (void)setFrameSize:(NSSize)newSize {
@@ -194,11 +184,12 @@ NSTextField* label(const std::string& text, CGFloat fontSize, NSColor* color) {
     const NSRect gear = self.gearArea;
     if (_isHoveringGear) {
         [[NSColor.labelColor colorWithAlphaComponent:hoverOpacity] setFill];
-        [[NSBezierPath bezierPathWithRoundedRect:NSInsetRect(gear, hoverInset, hoverInset)
-                                         xRadius:hoverRadius
-                                         yRadius:hoverRadius] fill];
+        [[NSBezierPath bezierPathWithRoundedRect:NSInsetRect(gear, metrics::hoverInset, metrics::hoverInset)
+                                         xRadius:metrics::hoverRadius
+                                         yRadius:metrics::hoverRadius] fill];
     }
-    NSImage* const symbol = ferrowyn::coloredSymbol("gearshape", @"Settings", gearPointSize, NSColor.labelColor);
+    NSImage* const symbol =
+        ferrowyn::coloredSymbol("gearshape", @"Settings", metrics::gearPointSize, NSColor.labelColor);
     const NSSize size = symbol.size;
     [symbol drawInRect:NSInsetRect(gear, (gear.size.width - size.width) / 2, (gear.size.height - size.height) / 2)];
 }

@@ -11,8 +11,8 @@ namespace ferrowyn {
 /// Where the rows of a menu are, in points from the menu's upper left corner, y growing downward. A plain value.
 class MenuGeometry {
 public:
-    static constexpr double minimumWidth = 268;
-    static constexpr double headerHeight = 58;
+    static constexpr double minimumWidth = menu_header::width;
+    static constexpr double headerHeight = menu_header::height;
     static constexpr double rowHeight = 25;
     static constexpr double separatorHeight = 11;
     static constexpr double sectionTitleHeight = 22;
@@ -23,7 +23,7 @@ public:
     /// with the program's name in the header, texts at the right with the gear's right edge.
     static constexpr double checkCenter = 20;
     static constexpr double symbolCenter = 38;
-    static constexpr double titleLeft = 54;
+    static constexpr double titleLeft = menu_header::textLeft;
     static constexpr double inset = 14;
     static constexpr double symbolPoints = 13;
     /// From the menu's edges to the selection.

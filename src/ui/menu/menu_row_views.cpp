@@ -75,12 +75,10 @@ MenuColors MenuColors::fromTheme(const Theme& theme) {
 
 namespace {
 
-constexpr double textToGear = 8;
-
 /// As wide as the space between the icon and the gear.
 Rect textRect(const Rect& header, double top, double height) {
-    const double left = header.x + MenuHeaderView::textLeft;
-    const double right = MenuHeaderView::gearArea(header).x - textToGear;
+    const double left = header.x + menu_header::textLeft;
+    const double right = MenuHeaderView::gearArea(header).x - menu_header::textToGear;
     return {left, header.y + top, std::max(right - left, 0.0), height};
 }
 
@@ -100,23 +98,21 @@ MenuHeaderView::MenuHeaderView() {
 MenuHeaderView::~MenuHeaderView() = default;
 
 Rect MenuHeaderView::iconRect(const Rect& header) {
-    return {header.x + iconLeft, header.midY() - iconSide / 2, iconSide, iconSide};
+    return {header.x + menu_header::iconLeft, header.midY() - menu_header::iconSide / 2, menu_header::iconSide,
+            menu_header::iconSide};
 }
 
 Rect MenuHeaderView::gearArea(const Rect& header) {
-    return {header.maxX() - gearRightInset - gearSide, header.midY() - gearSide / 2, gearSide, gearSide};
+    return {header.maxX() - menu_header::gearRightInset - menu_header::gearSide,
+            header.midY() - menu_header::gearSide / 2, menu_header::gearSide, menu_header::gearSide};
 }
 
 Rect MenuHeaderView::titleRect(const Rect& header) {
-    constexpr double top = 15;
-    constexpr double height = 17;
-    return textRect(header, top, height);
+    return textRect(header, menu_header::titleTop, menu_header::titleHeight);
 }
 
 Rect MenuHeaderView::subtitleRect(const Rect& header) {
-    constexpr double top = 33;
-    constexpr double height = 15;
-    return textRect(header, top, height);
+    return textRect(header, menu_header::subtitleTop, menu_header::subtitleHeight);
 }
 
 bool MenuHeaderView::pointerMoved(const Rect& gear, const Point& point) {
@@ -138,16 +134,15 @@ void MenuHeaderView::paint(QPainter& painter, const Rect& rect, const MenuHeader
     paintText(painter, header.subtitle, TextStyle::menuHeaderSubtitle, placed(subtitleRect(rect)),
               colors.tint(header.subtitleTint), context);
 
-    constexpr double hoverInset = 1;
-    constexpr double hoverRadius = 5;
     const Rect gear = placed(gearArea(rect));
     if (isHoveringGear_ || hasKeyboard) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(hasKeyboard ? colors.selection : colors.gearHover);
-        painter.drawRoundedRect(toQt(gear).adjusted(hoverInset, hoverInset, -hoverInset, -hoverInset), hoverRadius,
-                                hoverRadius);
+        painter.drawRoundedRect(toQt(gear).adjusted(menu_header::hoverInset, menu_header::hoverInset,
+                                                    -menu_header::hoverInset, -menu_header::hoverInset),
+                                menu_header::hoverRadius, menu_header::hoverRadius);
     }
-    context.symbols.paint(painter, "gearshape", gear.midX(), gear.midY(), gearSymbolPoints,
+    context.symbols.paint(painter, "gearshape", gear.midX(), gear.midY(), menu_header::gearPointSize,
                           hasKeyboard ? colors.selectionText : colors.label, SymbolWeight::regular);
 }
 

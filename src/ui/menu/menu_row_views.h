@@ -38,13 +38,6 @@ struct MenuColors {
 /// the menu. Main thread.
 class MenuHeaderView {
 public:
-    static constexpr double iconSide = 32;
-    static constexpr double iconLeft = 14;
-    static constexpr double gearSide = 26;
-    static constexpr double gearRightInset = 14;
-    static constexpr double textLeft = 54;
-    static constexpr double gearSymbolPoints = 14;
-
     MenuHeaderView();
     ~MenuHeaderView();
     MenuHeaderView(const MenuHeaderView&) = delete;
