@@ -7,16 +7,9 @@ namespace ferrowyn::panel_geometry {
 
 namespace {
 
-// The content is laid out with the same numbers.
 constexpr double listWidth = 640;
 constexpr double gridWidth = 760;
-constexpr double listLineHeight = 52;
-constexpr double gridLineHeight = 104;
-constexpr double listLineSpacing = 1;
-constexpr double gridLineSpacing = 6;
-constexpr double groupHeaderHeight = 28;
-constexpr double chromeHeight = 16 + 56;
-constexpr double hintsHeight = 34;
+constexpr double chromeHeight = searchLineHeight + 2 * rowsInset;
 constexpr double emptyHeight = 188;
 
 constexpr double screenMargin = 12;
@@ -24,15 +17,13 @@ constexpr double screenMargin = 12;
 constexpr double raisedShare = 0.08;
 
 double hintsPart(const Style& style) {
-    return style.showsHints ? hintsHeight : 0;
+    return style.showsHints ? footerHeight : 0;
 }
 
 double heightOfLines(const Style& style, int lines, int headers) {
-    const bool isGrid = style.layout == SwitcherLayout::grid;
-    const double lineHeight = isGrid ? gridLineHeight : listLineHeight;
-    const double spacing = isGrid ? gridLineSpacing : listLineSpacing;
     const double headersPart = style.layout == SwitcherLayout::grouped ? groupHeaderHeight * headers : 0;
-    return lineHeight * lines + spacing * std::max(lines - 1, 0) + headersPart + chromeHeight + hintsPart(style);
+    return lineHeight(style.layout) * lines + lineSpacing(style.layout) * std::max(lines - 1, 0) + headersPart +
+           chromeHeight + hintsPart(style);
 }
 
 double heightBetweenMargins(const Rect& visibleFrame) {

@@ -10,6 +10,23 @@
 /// How large the switcher's panel is and where it goes. Pure functions; points, y growing upward.
 namespace ferrowyn::panel_geometry {
 
+/// The heights of the panel's parts and the distances between them. The panel's size is computed from them, and its
+/// content is laid out with them.
+inline constexpr double searchLineHeight = 56;
+inline constexpr double footerHeight = 34;
+inline constexpr double groupHeaderHeight = 28;
+/// Around the rows, on all four sides.
+inline constexpr double rowsInset = 8;
+
+/// Of one line of rows.
+[[nodiscard]] constexpr double lineHeight(SwitcherLayout layout) {
+    return layout == SwitcherLayout::grid ? 104 : 52;
+}
+/// Between two lines, and in the grid between two items of a line.
+[[nodiscard]] constexpr double lineSpacing(SwitcherLayout layout) {
+    return layout == SwitcherLayout::grid ? 6 : 1;
+}
+
 /// What the panel's size depends on apart from its rows.
 struct Style {
     SwitcherLayout layout = SwitcherLayout::list;

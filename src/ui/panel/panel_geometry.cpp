@@ -5,6 +5,11 @@
 
 namespace ferrowyn {
 
+using panel_geometry::footerHeight;
+using panel_geometry::groupHeaderHeight;
+using panel_geometry::rowsInset;
+using panel_geometry::searchLineHeight;
+
 PanelGeometry::PanelGeometry(Input input) : input_(std::move(input)) {}
 
 Rect PanelGeometry::searchLine() const {
@@ -55,12 +60,9 @@ double PanelGeometry::maximumScroll() const {
 Rect PanelGeometry::row(int index, double scroll) const {
     const double top = body().minY() - scroll + rowTop(index);
     const double width = input_.size.width - 2 * rowsInset;
-    if (!isGrid()) {
-        return {rowsInset, top, width, rowHeight};
-    }
-    const int cards = columns(input_.layout);
-    const double cardWidth = (width - (cards - 1) * cardSpacing) / cards;
-    return {rowsInset + index % cards * (cardWidth + cardSpacing), top, cardWidth, cardHeight};
+    const int perLine = columns(input_.layout);
+    const double rowWidth = (width - (perLine - 1) * lineSpacing()) / perLine;
+    return {rowsInset + index % perLine * (rowWidth + lineSpacing()), top, rowWidth, lineHeight()};
 }
 
 std::optional<Rect> PanelGeometry::header(int index, double scroll) const {

@@ -5,22 +5,15 @@
 
 #include "core/geometry.h"
 #include "core/switcher_options.h"
+#include "input/panel_geometry.h"
 
 namespace ferrowyn {
 
-/// The layout of the panel, in points from its top left corner, y growing downward. The controller computes the size of
-/// the panel from the same heights and spacings. Except for the list of group starts, the cost does not grow with the
-/// number of rows. A plain value.
+/// The layout of the panel, in points from its top left corner, y growing downward, with the heights and distances
+/// that its size was computed from. Except for the list of group starts, the cost does not grow with the number of
+/// rows. A plain value.
 class PanelGeometry {
 public:
-    static constexpr double searchLineHeight = 56;
-    static constexpr double footerHeight = 34;
-    static constexpr double rowsInset = 8;
-    static constexpr double rowHeight = 52;
-    static constexpr double cardHeight = 104;
-    static constexpr double rowSpacing = 1;
-    static constexpr double cardSpacing = 6;
-    static constexpr double groupHeaderHeight = 28;
     static constexpr double sideMargin = 20;
 
     struct Input {
@@ -65,10 +58,9 @@ public:
     [[nodiscard]] double scrollShowing(int index, double scroll) const;
 
 private:
-    [[nodiscard]] bool isGrid() const { return input_.layout == SwitcherLayout::grid; }
     [[nodiscard]] bool isGrouped() const { return input_.layout == SwitcherLayout::grouped; }
-    [[nodiscard]] double lineHeight() const { return isGrid() ? cardHeight : rowHeight; }
-    [[nodiscard]] double lineSpacing() const { return isGrid() ? cardSpacing : rowSpacing; }
+    [[nodiscard]] double lineHeight() const { return panel_geometry::lineHeight(input_.layout); }
+    [[nodiscard]] double lineSpacing() const { return panel_geometry::lineSpacing(input_.layout); }
     [[nodiscard]] bool startsGroup(int index) const;
     /// The top of the row, measured from the top of the scrolled content.
     [[nodiscard]] double rowTop(int index) const;
