@@ -20,7 +20,7 @@
 
 namespace ferrowyn {
 
-/// The object that the bus calls. Lives on a thread of its own, on which it also tells.
+/// The object that is called over the bus; calls its handlers on its thread. Owned by the `BusThread` that it lives on.
 class ApplicationServiceListener final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -30,25 +30,25 @@ public:
                                ApplicationService::Handlers handlers);
     ~ApplicationServiceListener() override;
 
-    /// Connects, and again after the bus was restarted; slow where a bus is. On the listener's thread.
+    /// Connects, and connects again after the bus was restarted. Blocks until the bus answers.
     void start();
 
     [[nodiscard]] static QString serviceName();
-    /// The service's name as a path, as desktops derive it.
+    /// The path that desktops derive from the service's name.
     [[nodiscard]] static QString objectPath();
 
 public slots:
-    // Named as on the bus. What launchers say of the screen and the time of the click has no use here yet.
+    // Named as on the bus. The screen and the time of the click, which launchers send along, are not used.
     // NOLINTBEGIN(readability-identifier-naming)
     Q_SCRIPTABLE void Activate(const QVariantMap& platformData);
-    /// The program opens no documents: like launchers without any, it shows itself.
+    /// The program opens no documents, so this does the same as `Activate`.
     Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platformData);
     Q_SCRIPTABLE void ActivateAction(const QString& action, const QVariantList& parameters,
                                      const QVariantMap& platformData);
     // NOLINTEND(readability-identifier-naming)
 
 private:
-    void appearOn(QDBusConnection& bus);
+    void registerOn(QDBusConnection& bus);
 
     std::string busAddress_;
     std::vector<std::string> actions_;
@@ -58,8 +58,8 @@ private:
 
 namespace {
 
-/// Milliseconds.
-constexpr int patienceWithProgram = 5000;
+/// In milliseconds.
+constexpr int activationTimeout = 5000;
 
 }  // namespace
 
@@ -69,7 +69,6 @@ ApplicationService::ApplicationService(MainLoop& mainLoop, const std::optional<s
     if (!busAddress) {
         return;
     }
-    // What the listener posts may arrive after this object is gone.
     const auto activate = life_.guard([this] { handlers_.activate(); });
     const auto activateAction = life_.guard([this](const std::string& action) { handlers_.activateAction(action); });
     auto* const listener =
@@ -89,13 +88,11 @@ bool activateActionOfRunningApplication(const std::string& busAddress, const std
     bool wasDone = false;
     {
         const auto bus = QDBusConnection::connectToBus(withoutBusIdentity(busAddress), connectionName);
-        auto message = QDBusMessage::createMethodCall(ApplicationServiceListener::serviceName(),
-                                                      ApplicationServiceListener::objectPath(),
-                                                      "org.freedesktop.Application", "ActivateAction");
-        message.setArguments({QString::fromStdString(action), QVariantList(), QVariantMap()});
-        message.setAutoStartService(false);
-        wasDone = bus.isConnected() &&
-                  bus.call(message, QDBus::Block, patienceWithProgram).type() == QDBusMessage::ReplyMessage;
+        const auto call = methodCall(ApplicationServiceListener::serviceName(),
+                                     ApplicationServiceListener::objectPath(), "org.freedesktop.Application",
+                                     "ActivateAction", {QString::fromStdString(action), QVariantList(), QVariantMap()});
+        wasDone =
+            bus.isConnected() && bus.call(call, QDBus::Block, activationTimeout).type() == QDBusMessage::ReplyMessage;
     }
     QDBusConnection::disconnectFromBus(connectionName);
     return wasDone;
@@ -118,12 +115,12 @@ QString ApplicationServiceListener::objectPath() {
 void ApplicationServiceListener::start() {
     link_ = std::make_unique<BusLink>(
         busAddress_, QStringLiteral("application"),
-        BusLink::Handlers{.connected = [this](QDBusConnection& bus) { appearOn(bus); }, .lost = [] {}});
+        BusLink::Handlers{.connected = [this](QDBusConnection& bus) { registerOn(bus); }, .lost = [] {}});
     link_->start();
 }
 
-void ApplicationServiceListener::appearOn(QDBusConnection& bus) {
-    // The object first: from the moment it has the name, the bus delivers what was asked of the name.
+void ApplicationServiceListener::registerOn(QDBusConnection& bus) {
+    // The object first: as soon as the name is registered, the bus delivers calls that wait for it.
     if (bus.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots)) {
         bus.registerService(serviceName());
     }
@@ -149,5 +146,5 @@ void ApplicationServiceListener::ActivateAction(const QString& action, const QVa
 
 }  // namespace ferrowyn
 
-// The meta-objects of the classes above.
+// The meta-objects of the classes above, generated by moc.
 #include "application_service.moc"

@@ -13,20 +13,20 @@ namespace ferrowyn {
 class BusThread;
 class MainLoop;
 
-/// The program as the desktop reaches it on the session bus: `org.freedesktop.Application` under the program's own
-/// name. Main thread; the bus is spoken to on a thread of its own. Without a bus, or while another program has the name
-/// (the user's Ferrowyn on another display), nobody reaches it this way, and it does without.
+/// Offers `org.freedesktop.Application` on the session bus under the program's name, so that the desktop can start and
+/// call it. Main thread; the bus is used on a second thread. Without a bus, or while another program has the name (the
+/// user's Ferrowyn on another display), the service is not offered and nothing else changes.
 class ApplicationService {
 public:
     struct Handlers {
         /// The user opens the program from a launcher.
         std::function<void()> activate;
-        /// One of the actions that the desktop file offers.
+        /// The user chooses one of the actions that the desktop file offers.
         std::function<void(const std::string& action)> activateAction;
     };
 
-    /// Asks for the name at once. `busAddress` as D-Bus addresses are written; nothing where there is no bus. Other
-    /// actions than the given ones are refused on the bus.
+    /// Requests the name at once. `busAddress` is a D-Bus address, nullopt where there is no bus. A call with an action
+    /// that is not in `actions` gets an error. The handlers run on the main loop.
     ApplicationService(MainLoop& mainLoop, const std::optional<std::string>& busAddress,
                        std::vector<std::string> actions, Handlers handlers);
     ~ApplicationService();
@@ -35,13 +35,13 @@ public:
 
 private:
     Handlers handlers_;
-    /// Dies with this object, for what the listener has posted by then.
+    /// What the bus thread posts may arrive after this object is destroyed.
     LifeToken life_;
     std::unique_ptr<BusThread> thread_;
 };
 
-/// Has the program that runs carry out one of its actions; false when none has the name on this bus, or it does not
-/// answer. Waits for the answer.
+/// Asks the running program to carry out one of its actions. Waits for the answer; false when no program has the name
+/// on this bus, or it does not answer within 5 seconds.
 [[nodiscard]] bool activateActionOfRunningApplication(const std::string& busAddress, const std::string& action);
 
 }  // namespace ferrowyn

@@ -1,5 +1,6 @@
 #include "platform/linux/bus.h"
 
+#include <QDBusPendingCallWatcher>
 #include <QRegularExpression>
 #include <algorithm>
 #include <atomic>
@@ -11,7 +12,13 @@ QDBusMessage methodCall(const QString& service, const QString& path, const QStri
                         const QVariantList& arguments) {
     auto message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
+    message.setAutoStartService(false);
     return message;
+}
+
+QDBusMessage propertyCall(const QString& service, const QString& path, const QString& interface,
+                          const QString& property) {
+    return methodCall(service, path, propertiesInterface, QStringLiteral("Get"), {interface, property});
 }
 
 QDBusMessage callToBus(const QString& method, const QString& argument) {
@@ -19,10 +26,33 @@ QDBusMessage callToBus(const QString& method, const QString& argument) {
     return methodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, method, {argument});
 }
 
+void callAsync(const QDBusConnection& bus, const QDBusMessage& call, QObject& receiver,
+               std::function<void(const QDBusMessage& reply)> onReply,
+               std::optional<std::chrono::milliseconds> timeout) {
+    // -1 stands for the library's timeout.
+    const int milliseconds = timeout ? static_cast<int>(timeout->count()) : -1;
+    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, milliseconds), &receiver);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &receiver,
+                     [onReply = std::move(onReply)](QDBusPendingCallWatcher* finished) {
+                         finished->deleteLater();
+                         onReply(finished->reply());
+                     });
+}
+
 namespace {
 
-/// Milliseconds.
-constexpr unsigned long patienceWithBuses = 1000;
+using std::chrono::milliseconds;
+
+/// How long the program's end waits for a thread that is blocked by its bus.
+constexpr milliseconds threadEndTimeout{1000};
+constexpr milliseconds firstPause{250};
+constexpr milliseconds longestPause{30'000};
+
+/// Qt knows connections by name, within the process.
+QString nextConnectionName(const QString& purpose) {
+    static std::atomic<int> count{0};
+    return QStringLiteral("ferrowyn-%1-%2").arg(purpose).arg(++count);
+}
 
 }  // namespace
 
@@ -37,26 +67,12 @@ BusThread::BusThread(const char* name, QObject* listener, std::function<void()> 
 
 BusThread::~BusThread() {
     thread_->quit();
-    if (!thread_->wait(patienceWithBuses)) {
-        // It still waits for a bus that does not answer. The program is ending: better it ends without it.
+    if (!thread_->wait(static_cast<unsigned long>(threadEndTimeout.count()))) {
+        // A bus that does not answer still blocks the thread. Leaking it lets the program end; destroying a running
+        // QThread would abort.
         static_cast<void>(thread_.release());
     }
 }
-
-namespace {
-
-using std::chrono::milliseconds;
-
-constexpr milliseconds firstPause{250};
-constexpr milliseconds longestPause{30'000};
-
-/// Connections are known by name within the process.
-QString nextConnectionName(const QString& purpose) {
-    static std::atomic<int> count{0};
-    return QStringLiteral("ferrowyn-%1-%2").arg(purpose).arg(++count);
-}
-
-}  // namespace
 
 QString withoutBusIdentity(const std::string& address) {
     static const QRegularExpression identity(QStringLiteral(",guid=[^,;]*"));
@@ -74,7 +90,7 @@ BusLink::BusLink(const std::string& address, QString purpose, Handlers handlers,
 }
 
 BusLink::~BusLink() {
-    drop();
+    closeConnection();
 }
 
 void BusLink::start() {
@@ -82,14 +98,14 @@ void BusLink::start() {
 }
 
 void BusLink::tryToConnect() {
-    drop();
+    closeConnection();
     const QString name = nextConnectionName(purpose_);
     const auto work = [address = address_, name] { QDBusConnection::connectToBus(address, name); };
     const auto done = [this, name, life = life_.watch()] {
         if (!life.isAlive()) {
             QDBusConnection::disconnectFromBus(name);
         } else {
-            tried(name);
+            onTried(name);
         }
     };
     if (worker_) {
@@ -100,34 +116,34 @@ void BusLink::tryToConnect() {
     }
 }
 
-void BusLink::tried(const QString& name) {
+void BusLink::onTried(const QString& name) {
     bus_.emplace(name);
     bus_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                   QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                   SLOT(onDisconnected()));
-    // It may have gone before it was listened to.
+    // The connection may have failed, or ended before the signal was connected.
     if (!bus_->isConnected()) {
         onDisconnected();
         return;
     }
     pause_ = firstPause;
-    isLossTold_ = false;
+    isLossReported_ = false;
     handlers_.connected(*bus_);
 }
 
 void BusLink::onDisconnected() {
-    if (!std::exchange(isLossTold_, true)) {
+    if (!std::exchange(isLossReported_, true)) {
         handlers_.lost();
     }
-    tryLater();
+    retryLater();
 }
 
-void BusLink::tryLater() {
+void BusLink::retryLater() {
     timer_.start(pause_);
     pause_ = std::min(pause_ * 2, longestPause);
 }
 
-void BusLink::drop() {
+void BusLink::closeConnection() {
     if (bus_) {
         const QString name = bus_->name();
         bus_.reset();

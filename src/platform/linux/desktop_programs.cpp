@@ -3,25 +3,26 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QStringList>
 #include <QUrl>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/bus.h"
 #include "platform/linux/xdg_folders.h"
 
 namespace ferrowyn {
 
 namespace {
 
-/// Milliseconds: a file manager that the bus starts for this may need a moment, a person waits no longer.
-constexpr int patienceWithFileManager = 5000;
+/// Enough for a file manager that the bus has to start, and as long as a user waits.
+constexpr std::chrono::milliseconds fileManagerTimeout{5000};
 
 QString addressOf(const std::filesystem::path& file) {
     return QUrl::fromLocalFile(QString::fromStdString(file.string())).toString(QUrl::FullyEncoded);
@@ -33,21 +34,21 @@ void revealInFileManager(const QDBusConnection& bus, const std::filesystem::path
                          std::function<void(const QString& address)> openAddress) {
     auto openFolder = [folder = addressOf(file.parent_path()), open = std::move(openAddress)] { open(folder); };
     if (!bus.isConnected()) {
-        // A call that failed before it was sent tells nobody.
+        // A call without a connection gets no reply.
         QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(openFolder), Qt::QueuedConnection);
         return;
     }
-    auto request = QDBusMessage::createMethodCall("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
-                                                  "org.freedesktop.FileManager1", "ShowItems");
-    request.setArguments({QStringList{addressOf(file)}, QString()});
-    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(request, patienceWithFileManager));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-                     [watcher, openFolder = std::move(openFolder)] {
-                         if (watcher->isError()) {
-                             openFolder();
-                         }
-                         watcher->deleteLater();
-                     });
+    auto call = methodCall("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                           "org.freedesktop.FileManager1", "ShowItems", {QStringList{addressOf(file)}, QString()});
+    call.setAutoStartService(true);
+    callAsync(
+        bus, call, *QCoreApplication::instance(),
+        [openFolder = std::move(openFolder)](const QDBusMessage& reply) {
+            if (reply.type() != QDBusMessage::ReplyMessage) {
+                openFolder();
+            }
+        },
+        fileManagerTimeout);
 }
 
 namespace {
@@ -55,12 +56,12 @@ namespace {
 struct DesktopSettings {
     std::string_view desktop;
     std::string_view program;
-    /// The page, for programs that have several.
+    /// Empty for programs without pages.
     std::string_view page;
 };
 
-/// In the order of preference: KDE's settings application shows the page among the others, its older loaders alone.
-/// GNOME's own settings have no such page; its Tweaks do.
+/// In the order of preference. KDE's settings application comes before the older program that shows only this page.
+/// GNOME's settings have no such page, but its Tweaks do.
 constexpr std::array settingsOfDesktops{
     DesktopSettings{"XFCE", "xfce4-session-settings", ""},
     DesktopSettings{"MATE", "mate-session-properties", ""},
@@ -82,7 +83,7 @@ std::optional<std::vector<std::string>> autostartSettingsCommand(const XdgLoginI
         folders.append(QString::fromLocal8Bit(folder.c_str()));
     }
     for (const auto& settings : settingsOfDesktops) {
-        // Without folders the search would be in those of the environment.
+        // Without folders `findExecutable` would search the environment's PATH.
         if (folders.isEmpty() || std::ranges::find(desktops, settings.desktop) == desktops.end()) {
             continue;
         }

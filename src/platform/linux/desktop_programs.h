@@ -13,19 +13,19 @@ class QDBusConnection;
 
 namespace ferrowyn {
 
-/// Shows the file, selected, in the desktop's file manager. Where none takes such requests on the bus, or the bus is
-/// missing, `openAddress` gets the address of the file's folder instead, later on the main loop. Main thread, with a
-/// QCoreApplication; never waits.
+/// Shows the file, selected, in the desktop's file manager. When no file manager answers on the bus, or there is no
+/// bus, `openAddress` is called later on the main loop with the URL of the file's folder. Needs a QCoreApplication.
+/// Main thread; never waits.
 void revealInFileManager(const QDBusConnection& bus, const std::filesystem::path& file,
                          std::function<void(const QString& address)> openAddress);
 
-/// The command that opens the settings in which this desktop's user decides what starts at login; nothing where the
-/// desktop has none, or they are not installed.
+/// The command that opens the desktop's settings page for programs that start at login; nullopt when the desktop has
+/// none or it is not installed.
 [[nodiscard]] std::optional<std::vector<std::string>> autostartSettingsCommand(const XdgLoginItem::Session& session);
 
-/// Opens those settings, or, where there are none or they cannot be started, shows the autostart entry in the file
-/// manager. Without an entry its folder is shown, or the nearest folder above it that exists. `openAddress` is as in
-/// `revealInFileManager`. Main thread, with a QCoreApplication.
+/// Opens that settings page. When there is none or it cannot be started, shows the autostart entry in the file manager;
+/// without an entry, its folder or the nearest existing folder above it. `openAddress` is as in `revealInFileManager`.
+/// Needs a QCoreApplication. Main thread.
 void openAutostartSettings(const QDBusConnection& bus, const std::filesystem::path& entry,
                            std::function<void(const QString& address)> openAddress);
 

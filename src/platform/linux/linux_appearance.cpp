@@ -2,8 +2,7 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QMap>
@@ -40,8 +39,8 @@ std::string_view trimmed(std::string_view text) {
                                            : text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-/// The value of a key in a group, read as the two toolkits read their files: whatever else stands there is not looked
-/// at, and the last value counts.
+/// The value of a key in a group, read as the two toolkits read their files: lines that are no entry are skipped, and
+/// the last value counts.
 std::optional<std::string> valueIn(std::string_view text, std::string_view group, std::string_view key) {
     std::optional<std::string> value;
     bool isInGroup = false;
@@ -69,7 +68,7 @@ std::optional<std::string> valueIn(const std::vector<std::string>& texts, std::s
     return std::nullopt;
 }
 
-/// "red,green,blue", perhaps with an opacity behind.
+/// Reads "red,green,blue"; an opacity may follow and is ignored.
 std::optional<RgbColor> colorFrom(const std::optional<std::string>& value) {
     if (!value) {
         return std::nullopt;
@@ -111,24 +110,25 @@ std::vector<fs::path> gtkFilesIn(const XdgFolders& folders) {
     return files;
 }
 
-/// The user's alone: the system's hardly ever change, and never while a session runs.
+/// The user's folders only: the system's files do not change while a session runs.
 std::vector<fs::path> watchedFolders(const XdgFolders& folders) {
     return {folders.configHome, folders.configHome / "gtk-3.0"};
 }
 
 }  // namespace
 
-ThemeFiles::ThemeFiles(const XdgFolders& folders, std::function<void()> changed)
+ThemeFiles::ThemeFiles(const XdgFolders& folders, std::function<void()> onChange)
     : plasmaFiles_(inEach(folders, "kdeglobals")),
       gtkFiles_(gtkFilesIn(folders)),
-      folderWatcher_(watchedFolders(folders), [this, changed] {
+      folderWatcher_(watchedFolders(folders), [this, onChange] {
           watchFiles();
-          changed();
+          onChange();
       }) {
-    QObject::connect(&fileWatcher_, &QFileSystemWatcher::fileChanged, &fileWatcher_, [this, told = std::move(changed)] {
-        watchFiles();
-        told();
-    });
+    QObject::connect(&fileWatcher_, &QFileSystemWatcher::fileChanged, &fileWatcher_,
+                     [this, onChange = std::move(onChange)] {
+                         watchFiles();
+                         onChange();
+                     });
     watchFiles();
 }
 
@@ -136,7 +136,7 @@ void ThemeFiles::watchFiles() {
     for (const auto& file : {plasmaFiles_.front(), gtkFiles_.front()}) {
         const auto path = QString::fromStdString(file.string());
         std::error_code error;
-        // A file that was replaced is no longer the one that is watched.
+        // The watcher drops a file that is removed or replaced.
         if (fs::is_regular_file(file, error) && !fileWatcher_.files().contains(path)) {
             fileWatcher_.addPath(path);
         }
@@ -156,8 +156,8 @@ void ThemeFiles::read(AppearanceSources& sources) const {
     sources.gtkFilePrefersDark = prefersDark == "1" || prefersDark == "true" || prefersDark == "TRUE";
 }
 
-/// Reads the appearance that the desktop's settings portal (org.freedesktop.portal.Settings) tells, and listens for
-/// changes of it. Lives on a thread of its own, on which it also tells.
+/// Reads the appearance from the desktop's settings portal (org.freedesktop.portal.Settings) and follows its changes.
+/// Calls back on its thread. Owned by the `BusThread` that it lives on.
 class SettingsPortalListener final : public QObject {
     Q_OBJECT
 
@@ -167,13 +167,12 @@ public:
         std::optional<RgbColor> accent;
         friend bool operator==(const Answer&, const Answer&) = default;
     };
-    using Told = std::function<void(const Answer&)>;
 
-    /// `told` hears the first answer that says something, and each change.
-    SettingsPortalListener(std::string busAddress, Told told);
+    /// `onChange` is called at each change of the answer, which is empty at first.
+    SettingsPortalListener(std::string busAddress, std::function<void(const Answer&)> onChange);
     ~SettingsPortalListener() override;
 
-    /// Connects, and again after the bus was restarted; slow where the bus is. On the listener's thread.
+    /// Connects, and connects again after the bus was restarted. Blocks until the bus answers.
     void start();
 
 private slots:
@@ -181,17 +180,17 @@ private slots:
 
 private:
     void listen();
-    void ask();
+    void readAll();
     void take(const QString& key, const QVariant& value);
-    void tellIfChanged();
+    void reportIfChanged();
 
     std::string busAddress_;
-    Told told_;
+    std::function<void(const Answer&)> onChange_;
     std::optional<QDBusConnection> bus_;
     std::unique_ptr<BusLink> link_;
     std::unique_ptr<QDBusServiceWatcher> ownerWatcher_;
     Answer answer_;
-    Answer lastTold_;
+    Answer lastReported_;
 };
 
 LinuxAppearance::Options LinuxAppearance::Options::fromEnvironment() {
@@ -225,7 +224,6 @@ void LinuxAppearance::readFiles() {
 }
 
 void LinuxAppearance::startListening(MainLoop& mainLoop, const std::string& busAddress) {
-    // What the listener posts may arrive after this object is gone.
     const auto take = life_.guard([this](const SettingsPortalListener::Answer& answer) {
         auto sources = sources_.get();
         sources.portalScheme = answer.scheme;
@@ -259,7 +257,7 @@ std::optional<ColorScheme> schemeFrom(const QVariant& value) {
     return number == prefersDark ? ColorScheme::dark : ColorScheme::light;
 }
 
-/// Parts from 0 to 1; what lies outside means that no accent is chosen.
+/// Three parts from 0 to 1. A part outside that range means that no accent is chosen.
 std::optional<RgbColor> accentFrom(const QVariant& value) {
     if (!value.canConvert<QDBusArgument>()) {
         return std::nullopt;
@@ -279,8 +277,8 @@ std::optional<RgbColor> accentFrom(const QVariant& value) {
 
 }  // namespace
 
-SettingsPortalListener::SettingsPortalListener(std::string busAddress, Told told)
-    : busAddress_(std::move(busAddress)), told_(std::move(told)) {}
+SettingsPortalListener::SettingsPortalListener(std::string busAddress, std::function<void(const Answer&)> onChange)
+    : busAddress_(std::move(busAddress)), onChange_(std::move(onChange)) {}
 
 SettingsPortalListener::~SettingsPortalListener() {
     ownerWatcher_.reset();
@@ -288,7 +286,7 @@ SettingsPortalListener::~SettingsPortalListener() {
 }
 
 void SettingsPortalListener::start() {
-    // What the portal said last is kept while there is none.
+    // While the bus is away, the last answer stays.
     link_ = std::make_unique<BusLink>(busAddress_, QStringLiteral("settings-portal"),
                                       BusLink::Handlers{.connected =
                                                             [this](const QDBusConnection& bus) {
@@ -306,24 +304,20 @@ void SettingsPortalListener::start() {
 void SettingsPortalListener::listen() {
     ownerWatcher_ =
         std::make_unique<QDBusServiceWatcher>(portalService, *bus_, QDBusServiceWatcher::WatchForRegistration);
-    // A portal that starts anew may have settings of another desktop.
-    connect(ownerWatcher_.get(), &QDBusServiceWatcher::serviceRegistered, this, [this] { ask(); });
-    // The slot cannot be found by its signature before the type is known by its name.
+    // A restarted portal may have other settings.
+    connect(ownerWatcher_.get(), &QDBusServiceWatcher::serviceRegistered, this, [this] { readAll(); });
+    // Qt finds the slot by its signature only when this type is registered.
     qRegisterMetaType<QDBusVariant>();
     bus_->connect(portalService, portalPath, settingsInterface, "SettingChanged", this,
                   SLOT(onSettingChanged(QString, QString, QDBusVariant)));
-    ask();
+    readAll();
 }
 
-/// Starts the portal where it is installed and does not run yet, as every program does that asks it.
-void SettingsPortalListener::ask() {
-    auto* const watcher =
-        new QDBusPendingCallWatcher(bus_->asyncCall(methodCall(portalService, portalPath, settingsInterface, "ReadAll",
-                                                               {QStringList{appearanceGroup}})),
-                                    this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
-        finished->deleteLater();
-        const auto reply = finished->reply();
+void SettingsPortalListener::readAll() {
+    auto call = methodCall(portalService, portalPath, settingsInterface, "ReadAll", {QStringList{appearanceGroup}});
+    // The portal is meant to be started by the first program that calls it.
+    call.setAutoStartService(true);
+    callAsync(*bus_, call, *this, [this](const QDBusMessage& reply) {
         if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QLatin1String("a{sa{sv}}")) {
             return;
         }
@@ -331,14 +325,14 @@ void SettingsPortalListener::ask() {
         const auto group = groups.value(appearanceGroup);
         take(schemeKey, group.value(schemeKey));
         take(accentKey, group.value(accentKey));
-        tellIfChanged();
+        reportIfChanged();
     });
 }
 
 void SettingsPortalListener::onSettingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
     if (group == appearanceGroup) {
         take(key, value.variant());
-        tellIfChanged();
+        reportIfChanged();
     }
 }
 
@@ -350,13 +344,13 @@ void SettingsPortalListener::take(const QString& key, const QVariant& value) {
     }
 }
 
-void SettingsPortalListener::tellIfChanged() {
-    if (!(std::exchange(lastTold_, answer_) == answer_)) {
-        told_(answer_);
+void SettingsPortalListener::reportIfChanged() {
+    if (!(std::exchange(lastReported_, answer_) == answer_)) {
+        onChange_(answer_);
     }
 }
 
 }  // namespace ferrowyn
 
-// The meta-objects of the classes above.
+// The meta-objects of the classes above, generated by moc.
 #include "linux_appearance.moc"

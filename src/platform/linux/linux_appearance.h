@@ -18,16 +18,16 @@ namespace ferrowyn {
 class BusThread;
 class MainLoop;
 
-/// The files in which desktops keep the colours and the theme of their windows: KDE's kdeglobals, and GTK's
-/// settings.ini. The user's own win over the system's. Main thread; nothing polls.
+/// Reads the files in which desktops keep the colours and the theme of windows, KDE's kdeglobals and GTK's
+/// settings.ini, and watches them. The user's files win over the system's. Main thread; owned by `LinuxAppearance`.
 class ThemeFiles {
 public:
-    /// `changed` is called when one of the files may say something else now.
-    ThemeFiles(const XdgFolders& folders, std::function<void()> changed);
+    /// `onChange` is called when the content of one of the files may have changed.
+    ThemeFiles(const XdgFolders& folders, std::function<void()> onChange);
     ThemeFiles(const ThemeFiles&) = delete;
     ThemeFiles& operator=(const ThemeFiles&) = delete;
 
-    /// Sets what the files tell, and leaves the rest alone. Reads a few small files.
+    /// Sets the fields that come from these files and leaves the others as they are. Reads a few small files.
     void read(AppearanceSources& sources) const;
 
 private:
@@ -36,20 +36,20 @@ private:
     /// The most important first.
     std::vector<std::filesystem::path> plasmaFiles_;
     std::vector<std::filesystem::path> gtkFiles_;
-    /// Of a file that is written in place only the file itself tells; of one that is replaced, its folder.
+    /// Reports a file that is written in place; `folderWatcher_` reports one that is replaced.
     QFileSystemWatcher fileWatcher_;
     DesktopFolderWatcher folderWatcher_;
 };
 
-/// What the desktop says about its appearance, as it is now: from the settings portal, from the files of its themes,
-/// and from whoever speaks to the XSETTINGS manager. Main thread; the bus is spoken to on a thread of its own.
+/// Publishes what the desktop says about its appearance: from the settings portal, from the theme files, and from
+/// XSETTINGS (which the X11 adapter passes in). Main thread; the bus is used on a second thread.
 class LinuxAppearance {
 public:
     struct Options {
         XdgFolders folders;
-        /// The session bus's, where there is one.
+        /// Of the session bus; nullopt where there is none.
         std::optional<std::string> busAddress;
-        /// As in XDG_CURRENT_DESKTOP: names with colons between them.
+        /// The content of XDG_CURRENT_DESKTOP: names separated by colons.
         std::string currentDesktop;
         [[nodiscard]] static Options fromEnvironment();
     };
@@ -60,7 +60,7 @@ public:
     LinuxAppearance& operator=(const LinuxAppearance&) = delete;
 
     [[nodiscard]] const Published<AppearanceSources>& sources() const { return sources_; }
-    /// Nothing when no XSETTINGS manager runs.
+    /// Sets the theme's name from XSETTINGS; nullopt when no XSETTINGS manager runs.
     void setXsettingsTheme(std::optional<std::string> name);
 
 private:
@@ -69,7 +69,7 @@ private:
 
     Published<AppearanceSources> sources_;
     ThemeFiles files_;
-    /// Dies with this object, for those that must notice on the main thread.
+    /// What the bus thread posts may arrive after this object is destroyed.
     LifeToken life_;
     std::unique_ptr<BusThread> portal_;
 };

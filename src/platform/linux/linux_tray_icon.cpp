@@ -11,8 +11,8 @@ namespace ferrowyn {
 
 namespace {
 
-/// A tray takes an icon in within moments.
-constexpr Seconds patienceWithFallback{2};
+/// Far longer than a tray needs to embed an icon.
+constexpr Seconds fallbackTimeout{2};
 
 }  // namespace
 
@@ -75,11 +75,11 @@ void LinuxTrayIcon::hostChanged(StatusNotifierHost host) {
     }
     startFallback();
     if (host == StatusNotifierHost::keepsSecondButton) {
-        fallbackTimer_ = mainLoop_.after(patienceWithFallback, [this] { offerUnlessShown(); });
+        fallbackTimer_ = mainLoop_.after(fallbackTimeout, [this] { offerUnlessShown(); });
     }
 }
 
-/// One button is better than no icon.
+/// An icon that answers only one button is better than none.
 void LinuxTrayIcon::offerUnlessShown() {
     if (fallback_ == nullptr || !fallback_->isShown()) {
         fallback_.reset();

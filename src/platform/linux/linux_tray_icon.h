@@ -17,11 +17,11 @@ class MainLoop;
 class StatusNotifierItem;
 enum class StatusNotifierHost;
 
-/// The icon as a status notifier where some host shows those, and by another way wherever none does. Where the host
-/// keeps the second button for itself the other way comes first, for the menu opens with either. Main thread.
+/// Shows the icon as a status notifier where a host for those runs, otherwise as a fallback icon. Where the host keeps
+/// the second button, the fallback is tried first, because its menu opens with both buttons. Main thread.
 class LinuxTrayIcon final : public QObject, public TrayIcon {
 public:
-    /// Makes the icon of the other way, null where there is none; it is destroyed as soon as it is not needed.
+    /// Makes the fallback icon; null where there is none. It is destroyed as soon as it is not needed.
     using MakeFallback = std::function<std::unique_ptr<TrayIcon>()>;
     enum class Host { none, statusNotifier, fallback };
 
@@ -51,7 +51,7 @@ private:
     std::string toolTip_;
     std::function<void(const Rect&)> onPress_;
     std::unique_ptr<StatusNotifierItem> notifier_;
-    /// Whether the host that is there now was offered the icon.
+    /// Whether the icon is registered with the present host.
     bool isOffered_ = false;
     std::unique_ptr<TrayIcon> fallback_;
     Subscription fallbackTimer_;

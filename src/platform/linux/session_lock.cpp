@@ -3,9 +3,8 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QDBusVariant>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -23,19 +22,18 @@
 
 namespace ferrowyn {
 
-/// Listens on the buses. Lives on a thread of its own, on which it also tells.
+/// Listens on the buses and calls both callbacks on its thread. Owned by the `BusThread` that it lives on.
 class SessionLockListener final : public QObject {
     Q_OBJECT
 
 public:
-    using Told = std::function<void(bool isLocked)>;
-
-    /// `told` hears the first state when it is "locked", and each change; `onLocking` each word of a lock, also of one
-    /// that is known already.
-    SessionLockListener(SessionLock::Buses buses, Told told, std::function<void()> onLocking);
+    /// `onChange` is called with each change; the session counts as unlocked before the first report. `onLocking` is
+    /// called with each report of a lock, also when the session is locked already.
+    SessionLockListener(SessionLock::Buses buses, std::function<void(bool isLocked)> onChange,
+                        std::function<void()> onLocking);
     ~SessionLockListener() override;
 
-    /// Connects, and again after a bus was restarted; slow where a bus is. On the listener's thread.
+    /// Connects, and connects again after a bus was restarted. Blocks until the buses answer.
     void start();
 
 private slots:
@@ -55,10 +53,10 @@ private:
     void setLockedBySession(bool isLocked);
     void setGoingToSleep(bool isGoingToSleep);
     void setScreenSaverActive(const QString& owner, bool isActive);
-    void tellIfChanged();
+    void reportIfChanged();
 
     SessionLock::Buses buses_;
-    Told told_;
+    std::function<void(bool isLocked)> onChange_;
     std::function<void()> onLocking_;
     std::optional<QDBusConnection> system_;
     std::optional<QDBusConnection> session_;
@@ -67,7 +65,7 @@ private:
     std::unique_ptr<QDBusServiceWatcher> ownerWatcher_;
     bool isLockedBySession_ = false;
     bool isGoingToSleep_ = false;
-    /// The bus names of the screen savers that are active: one that crashes takes its lock with it.
+    /// The bus names of the active screen savers. One that leaves the bus no longer locks the session.
     QSet<QString> activeScreenSavers_;
     bool isLocked_ = false;
 };
@@ -97,7 +95,6 @@ SessionLock::SessionLock(MainLoop& mainLoop, const Buses& buses, std::function<v
     if (!buses.system && !buses.session) {
         return;
     }
-    // What the listener posts may arrive after this object is gone.
     const auto take = life_.guard([this](bool isLocked) { setLocked(isLocked); });
     auto* const listener = new SessionLockListener(
         buses, [&mainLoop, take](bool isLocked) { mainLoop.post([take, isLocked] { take(isLocked); }); },
@@ -107,8 +104,8 @@ SessionLock::SessionLock(MainLoop& mainLoop, const Buses& buses, std::function<v
 
 SessionLock::~SessionLock() = default;
 
-Subscription SessionLock::observe(std::function<void(bool)> handler) const {
-    return changes_.subscribe([handler = std::move(handler)](const bool& isLocked) { handler(isLocked); });
+Subscription SessionLock::observe(std::function<void(bool)> onChange) const {
+    return changes_.subscribe([onChange = std::move(onChange)](const bool& isLocked) { onChange(isLocked); });
 }
 
 void SessionLock::setLocked(bool isLocked) {
@@ -122,14 +119,13 @@ const QString loginService = QStringLiteral("org.freedesktop.login1");
 const QString loginManagerPath = QStringLiteral("/org/freedesktop/login1");
 const QString loginManagerInterface = QStringLiteral("org.freedesktop.login1.Manager");
 const QString loginSessionInterface = QStringLiteral("org.freedesktop.login1.Session");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString lockedHint = QStringLiteral("LockedHint");
 
 struct ScreenSaverAddress {
     const char* interface;
     const char* path;
 };
-/// The common name, and the ones of desktops that never took it over.
+/// The common name first, then those of desktops that use another one.
 constexpr std::array<ScreenSaverAddress, 5> screenSavers{{
     {"org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver"},
     {"org.gnome.ScreenSaver", "/org/gnome/ScreenSaver"},
@@ -138,25 +134,11 @@ constexpr std::array<ScreenSaverAddress, 5> screenSavers{{
     {"org.xfce.ScreenSaver", "/org/xfce/ScreenSaver"},
 }};
 
-/// Asks without starting a service that does not run, and hands over the answer; an error is no answer.
-template <typename Answer, typename Handler>
-void ask(QObject* receiver, const QDBusConnection& bus, QDBusMessage message, Handler handler) {
-    message.setAutoStartService(false);
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), receiver);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
-                     [handler = std::move(handler)](QDBusPendingCallWatcher* finished) {
-                         const QDBusPendingReply<Answer> reply = *finished;
-                         if (!reply.isError()) {
-                             handler(reply.value(), reply.reply());
-                         }
-                         finished->deleteLater();
-                     });
-}
-
 }  // namespace
 
-SessionLockListener::SessionLockListener(SessionLock::Buses buses, Told told, std::function<void()> onLocking)
-    : buses_(std::move(buses)), told_(std::move(told)), onLocking_(std::move(onLocking)) {}
+SessionLockListener::SessionLockListener(SessionLock::Buses buses, std::function<void(bool isLocked)> onChange,
+                                         std::function<void()> onLocking)
+    : buses_(std::move(buses)), onChange_(std::move(onChange)), onLocking_(std::move(onLocking)) {}
 
 SessionLockListener::~SessionLockListener() {
     ownerWatcher_.reset();
@@ -187,35 +169,35 @@ void SessionLockListener::start() {
     }
 }
 
-/// The word that the machine is awake again may be lost. Whether the session is locked is asked on the next bus.
+/// The report that the machine is awake again may have been lost with the bus, so it no longer counts as asleep. The
+/// lock state is kept until it is read again from the next bus.
 void SessionLockListener::forgetLoginManager() {
     system_.reset();
     setGoingToSleep(false);
 }
 
-/// Those that are still there have other names on the next bus.
+/// Screen savers that still run get new names on the next bus and are asked there.
 void SessionLockListener::forgetScreenSavers() {
     ownerWatcher_.reset();
     session_.reset();
     activeScreenSavers_.clear();
-    tellIfChanged();
+    reportIfChanged();
 }
 
 void SessionLockListener::listenToLoginManager() {
     system_->connect(loginService, loginManagerPath, loginManagerInterface, "PrepareForSleep", this,
                      SLOT(onPrepareForSleep(bool)));
-    const auto listen = [this](const QDBusObjectPath& session, const QDBusMessage&) {
-        if (system_) {
-            listenToSession(session.path());
-        }
-    };
     const auto id = qEnvironmentVariable("XDG_SESSION_ID");
     const auto callToManager = [](const QString& method, const QVariant& argument) {
         return methodCall(loginService, loginManagerPath, loginManagerInterface, method, {argument});
     };
-    // Process 0 stands for the one that asks.
-    ask<QDBusObjectPath>(this, *system_,
-                         id.isEmpty() ? callToManager("GetSessionByPID", 0U) : callToManager("GetSession", id), listen);
+    // Process 0 stands for the caller.
+    callAsync(*system_, id.isEmpty() ? callToManager("GetSessionByPID", 0U) : callToManager("GetSession", id), *this,
+              [this](const QDBusMessage& reply) {
+                  if (const auto session = valueOf<QDBusObjectPath>(reply); session && system_) {
+                      listenToSession(session->path());
+                  }
+              });
 }
 
 void SessionLockListener::listenToSession(const QString& path) {
@@ -223,9 +205,12 @@ void SessionLockListener::listenToSession(const QString& path) {
     system_->connect(loginService, path, loginSessionInterface, "Unlock", this, SLOT(onUnlock()));
     system_->connect(loginService, path, propertiesInterface, "PropertiesChanged", this,
                      SLOT(onSessionProperties(QString, QVariantMap, QStringList)));
-    ask<QDBusVariant>(
-        this, *system_, methodCall(loginService, path, propertiesInterface, "Get", {loginSessionInterface, lockedHint}),
-        [this](const QDBusVariant& value, const QDBusMessage&) { setLockedBySession(value.variant().toBool()); });
+    callAsync(*system_, propertyCall(loginService, path, loginSessionInterface, lockedHint), *this,
+              [this](const QDBusMessage& reply) {
+                  if (const auto isLocked = valueOf<QDBusVariant>(reply)) {
+                      setLockedBySession(isLocked->variant().toBool());
+                  }
+              });
 }
 
 void SessionLockListener::listenToScreenSavers() {
@@ -235,7 +220,7 @@ void SessionLockListener::listenToScreenSavers() {
     connect(ownerWatcher_.get(), &QDBusServiceWatcher::serviceUnregistered, this,
             [this](const QString& owner) { setScreenSaverActive(owner, false); });
     for (const auto& address : screenSavers) {
-        // From any sender and path: not all keep to the path of the common name.
+        // From any sender and path: some screen savers use the common interface at another path.
         session_->connect(QString(), QString(), address.interface, "ActiveChanged", this,
                           SLOT(onScreenSaver(bool, QDBusMessage)));
         askScreenSaver(address.interface, address.path);
@@ -243,8 +228,12 @@ void SessionLockListener::listenToScreenSavers() {
 }
 
 void SessionLockListener::askScreenSaver(const QString& interface, const QString& path) {
-    ask<bool>(this, *session_, methodCall(interface, path, interface, "GetActive", {}),
-              [this](bool isActive, const QDBusMessage& reply) { setScreenSaverActive(reply.service(), isActive); });
+    callAsync(*session_, methodCall(interface, path, interface, "GetActive", {}), *this,
+              [this](const QDBusMessage& reply) {
+                  if (const auto isActive = valueOf<bool>(reply)) {
+                      setScreenSaverActive(reply.service(), *isActive);
+                  }
+              });
 }
 
 void SessionLockListener::onLock() {
@@ -256,7 +245,7 @@ void SessionLockListener::onUnlock() {
 }
 
 void SessionLockListener::onPrepareForSleep(bool isStarting) {
-    // The locker of a machine that goes to sleep starts now.
+    // The screen is locked before the machine sleeps, so the locker starts now.
     setGoingToSleep(isStarting);
 }
 
@@ -276,7 +265,7 @@ void SessionLockListener::setLockedBySession(bool isLocked) {
         onLocking_();
     }
     isLockedBySession_ = isLocked;
-    tellIfChanged();
+    reportIfChanged();
 }
 
 void SessionLockListener::setGoingToSleep(bool isGoingToSleep) {
@@ -284,12 +273,12 @@ void SessionLockListener::setGoingToSleep(bool isGoingToSleep) {
         onLocking_();
     }
     isGoingToSleep_ = isGoingToSleep;
-    tellIfChanged();
+    reportIfChanged();
 }
 
 void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActive) {
     if (!session_) {
-        return;  // word from a bus that has gone meanwhile
+        return;  // a late message from a bus that is no longer connected
     }
     if (isActive) {
         onLocking_();
@@ -300,24 +289,25 @@ void SessionLockListener::setScreenSaverActive(const QString& owner, bool isActi
     } else if (!activeScreenSavers_.contains(owner)) {
         activeScreenSavers_.insert(owner);
         ownerWatcher_->addWatchedService(owner);
-        // It may have gone before it was watched: nobody would tell, and the session would count as locked for good.
-        ask<bool>(this, *session_, callToBus("NameHasOwner", owner), [this, owner](bool isThere, const QDBusMessage&) {
-            if (!isThere) {
+        // It may have left the bus before it was watched. No signal would report that, and the session would stay
+        // locked.
+        callAsync(*session_, callToBus("NameHasOwner", owner), *this, [this, owner](const QDBusMessage& reply) {
+            if (valueOf<bool>(reply) == false) {
                 setScreenSaverActive(owner, false);
             }
         });
     }
-    tellIfChanged();
+    reportIfChanged();
 }
 
-void SessionLockListener::tellIfChanged() {
+void SessionLockListener::reportIfChanged() {
     const bool isLocked = isLockedBySession_ || isGoingToSleep_ || !activeScreenSavers_.isEmpty();
     if (std::exchange(isLocked_, isLocked) != isLocked) {
-        told_(isLocked);
+        onChange_(isLocked);
     }
 }
 
 }  // namespace ferrowyn
 
-// The meta-objects of the classes above.
+// The meta-objects of the classes above, generated by moc.
 #include "session_lock.moc"

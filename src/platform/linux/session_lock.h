@@ -13,22 +13,23 @@ namespace ferrowyn {
 class BusThread;
 class MainLoop;
 
-/// Whether the session is locked, as the login manager and the screen saver say over D-Bus. A machine that goes to
-/// sleep counts as locked until it is awake; without a bus the session counts as never locked. Main thread. A second
-/// thread speaks to the buses, because even connecting to one waits for it.
+/// Says whether the session is locked, from what the login manager and the screen saver report over D-Bus. A machine
+/// that goes to sleep counts as locked until it is awake; without a bus the session is never locked. Main thread; the
+/// buses are used on a second thread, because connecting to one blocks.
 class SessionLock {
 public:
-    /// D-Bus addresses; nothing where there is no such bus.
+    /// D-Bus addresses; nullopt where there is no such bus.
     struct Buses {
         std::optional<std::string> system;
         std::optional<std::string> session;
-        /// Only addresses that exist: looking further would start a bus of our own.
+        /// Returns only addresses that the environment names or whose socket exists: Qt would start a new session bus
+        /// when it looks for one itself.
         [[nodiscard]] static Buses fromEnvironment();
     };
 
-    /// Starts listening at once. `onLocking` hears each word that the session is being locked, or put to sleep, on the
-    /// thread that hears it from the bus: whoever holds the keyboard gives it back there and then, however busy the
-    /// main thread is.
+    /// Starts listening at once. `onLocking` is called on the bus thread for each report that the session is being
+    /// locked or put to sleep, also for repeated ones: the keyboard has to be released at once, however busy the main
+    /// thread is.
     explicit SessionLock(
         MainLoop& mainLoop, const Buses& buses = Buses::fromEnvironment(), std::function<void()> onLocking = [] {});
     ~SessionLock();
@@ -36,15 +37,15 @@ public:
     SessionLock& operator=(const SessionLock&) = delete;
 
     [[nodiscard]] bool isLocked() const { return isLocked_; }
-    /// Told of each change, with the new state.
-    [[nodiscard]] Subscription observe(std::function<void(bool isLocked)> handler) const;
+    /// `onChange` is called at each change, with the new state.
+    [[nodiscard]] Subscription observe(std::function<void(bool isLocked)> onChange) const;
 
 private:
     void setLocked(bool isLocked);
 
     bool isLocked_ = false;
     Subject<bool> changes_;
-    /// Dies with this object, for those that must notice on the main thread.
+    /// What the bus thread posts may arrive after this object is destroyed.
     LifeToken life_;
     std::unique_ptr<BusThread> thread_;
 };

@@ -3,8 +3,6 @@
 #include <unistd.h>
 
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QFile>
@@ -84,25 +82,18 @@ void StatusNotifierObject::press(int x, int y) const {
 
 namespace {
 
-const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+/// The watcher's service and its interface have the same name.
+const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
-const QString watcherInterface = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
-/// Items are known by number within the process.
+/// Part of an item's service name: tells the items of one process apart.
 int nextNumber() {
     static std::atomic<int> count{0};
     return ++count;
 }
 
-QDBusMessage callToWatcher(const QString& interface, const QString& method, const QVariantList& arguments) {
-    auto message = methodCall(watcherService, watcherPath, interface, method, arguments);
-    message.setAutoStartService(false);
-    return message;
-}
-
-/// Whether the process is one of Xfce's panel, whose plugins are processes of their own.
+/// Whether the process belongs to Xfce's panel, which runs each plugin in a separate process.
 bool isPanelOfXfce(unsigned pid) {
     QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(pid));
     return commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().contains("/xfce4/panel/");
@@ -142,10 +133,9 @@ void StatusNotifierItem::connected(const QDBusConnection& bus) {
     }
     bus_->registerObject(itemPath, &exported_, QDBusConnection::ExportAdaptors);
     for (const char* const signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
-        bus_->connect(watcherService, watcherPath, watcherInterface, QLatin1String(signal), this,
-                      SLOT(onHostsChanged()));
+        bus_->connect(watcherName, watcherPath, watcherName, QLatin1String(signal), this, SLOT(onHostsChanged()));
     }
-    ownerWatcher_ = std::make_unique<QDBusServiceWatcher>(watcherService, *bus_);
+    ownerWatcher_ = std::make_unique<QDBusServiceWatcher>(watcherName, *bus_);
     connect(ownerWatcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString& /*service*/, const QString& /*oldOwner*/, const QString& newOwner) {
                 watcherChanged(newOwner);
@@ -153,22 +143,18 @@ void StatusNotifierItem::connected(const QDBusConnection& bus) {
     askForWatcher();
 }
 
-template <typename Answer>
-void StatusNotifierItem::ask(const QDBusMessage& question, std::function<void(const std::optional<Answer>&)> answered) {
-    auto* const waiting = new QDBusPendingCallWatcher(bus_->asyncCall(question), this);
-    connect(waiting, &QDBusPendingCallWatcher::finished, this,
-            [this, waiting, asked = watcherCount_, answered = std::move(answered)] {
-                const QDBusPendingReply<Answer> reply = *waiting;
-                if (asked == watcherCount_) {
-                    answered(reply.isError() ? std::nullopt : std::optional<Answer>(reply.value()));
-                }
-                waiting->deleteLater();
-            });
+void StatusNotifierItem::ask(const QDBusMessage& call, std::function<void(const QDBusMessage& reply)> onReply) {
+    callAsync(*bus_, call, *this,
+              [this, countAtCall = watcherCount_, onReply = std::move(onReply)](const QDBusMessage& reply) {
+                  if (countAtCall == watcherCount_) {
+                      onReply(reply);
+                  }
+              });
 }
 
 void StatusNotifierItem::askForWatcher() {
-    ask<QString>(callToBus(QStringLiteral("GetNameOwner"), watcherService),
-                 [this](const std::optional<QString>& owner) { watcherChanged(owner.value_or(QString())); });
+    ask(callToBus(QStringLiteral("GetNameOwner"), watcherName),
+        [this](const QDBusMessage& reply) { watcherChanged(valueOf<QString>(reply).value_or(QString())); });
 }
 
 void StatusNotifierItem::watcherChanged(const QString& owner) {
@@ -182,31 +168,32 @@ void StatusNotifierItem::watcherChanged(const QString& owner) {
 }
 
 void StatusNotifierItem::askForWatcherProcess(const QString& owner) {
-    ask<unsigned>(callToBus(QStringLiteral("GetConnectionUnixProcessID"), owner),
-                  [this](const std::optional<unsigned>& pid) {
-                      watcherKeepsSecondButton_ = pid && isPanelOfXfce(*pid);
-                      if (!watcherKeepsSecondButton_) {
-                          offer();
-                      }
-                      askForHost();
-                  });
+    ask(callToBus(QStringLiteral("GetConnectionUnixProcessID"), owner), [this](const QDBusMessage& reply) {
+        const auto pid = valueOf<unsigned>(reply);
+        watcherKeepsSecondButton_ = pid && isPanelOfXfce(*pid);
+        if (!watcherKeepsSecondButton_) {
+            offer();
+        }
+        askForHost();
+    });
 }
 
 void StatusNotifierItem::offer() {
     if (bus_) {
-        bus_->asyncCall(callToWatcher(watcherInterface, QStringLiteral("RegisterStatusNotifierItem"), {serviceName_}));
+        bus_->asyncCall(methodCall(watcherName, watcherPath, watcherName, QStringLiteral("RegisterStatusNotifierItem"),
+                                   {serviceName_}));
     }
 }
 
 void StatusNotifierItem::askForHost() {
-    ask<QDBusVariant>(callToWatcher(propertiesInterface, QStringLiteral("Get"),
-                                    {watcherInterface, QStringLiteral("IsStatusNotifierHostRegistered")}),
-                      [this](const std::optional<QDBusVariant>& isRegistered) {
-                          const bool hasHost = isRegistered && isRegistered->variant().toBool();
-                          const auto kind = watcherKeepsSecondButton_ ? StatusNotifierHost::keepsSecondButton
-                                                                      : StatusNotifierHost::present;
-                          setHost(hasHost ? kind : StatusNotifierHost::none);
-                      });
+    ask(propertyCall(watcherName, watcherPath, watcherName, QStringLiteral("IsStatusNotifierHostRegistered")),
+        [this](const QDBusMessage& reply) {
+            const auto isRegistered = valueOf<QDBusVariant>(reply);
+            const bool hasHost = isRegistered && isRegistered->variant().toBool();
+            const auto kind =
+                watcherKeepsSecondButton_ ? StatusNotifierHost::keepsSecondButton : StatusNotifierHost::present;
+            setHost(hasHost ? kind : StatusNotifierHost::none);
+        });
 }
 
 void StatusNotifierItem::onHostsChanged() {

@@ -14,9 +14,9 @@
 #include <optional>
 #include <string>
 
-class QDBusServiceWatcher;
-
 #include "core/posted_work.h"
+
+class QDBusServiceWatcher;
 
 namespace ferrowyn {
 
@@ -24,7 +24,7 @@ class BackgroundWork;
 class BusLink;
 class MainLoop;
 
-/// An icon as it crosses the bus: ARGB with straight alpha, each pixel in network byte order.
+/// An icon in the bus's format: ARGB with straight alpha, each pixel in network byte order.
 struct StatusNotifierPixmap {
     int width = 0;
     int height = 0;
@@ -41,7 +41,7 @@ struct StatusNotifierToolTip {
     QString description;
 };
 
-/// So that the bus knows how to carry them. Harmless to call again.
+/// Registers the types above with Qt DBus. May be called again.
 void registerStatusNotifierTypes();
 
 QDBusArgument& operator<<(QDBusArgument& argument, const StatusNotifierPixmap& pixmap);
@@ -49,8 +49,8 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierPix
 QDBusArgument& operator<<(QDBusArgument& argument, const StatusNotifierToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierToolTip& toolTip);
 
-/// The object that hosts of status notifiers read and call. Every way of choosing the icon is the same press: the menu
-/// is the program's own, so the host is told of none. Main thread.
+/// The D-Bus object that hosts of status notifiers read and call. Each kind of click is the same press, because the
+/// program shows its menu itself and gives none to the host. Main thread.
 class StatusNotifierObject final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
@@ -59,19 +59,19 @@ class StatusNotifierObject final : public QDBusAbstractAdaptor {
     Q_PROPERTY(QString Title READ title)
     Q_PROPERTY(QString Status READ status)
     Q_PROPERTY(int WindowId READ windowId)
-    Q_PROPERTY(QString IconThemePath READ none)
+    Q_PROPERTY(QString IconThemePath READ noText)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
-    Q_PROPERTY(QString IconName READ none)
+    Q_PROPERTY(QString IconName READ noText)
     Q_PROPERTY(ferrowyn::StatusNotifierPixmaps IconPixmap READ iconPixmap)
-    Q_PROPERTY(QString OverlayIconName READ none)
+    Q_PROPERTY(QString OverlayIconName READ noText)
     Q_PROPERTY(ferrowyn::StatusNotifierPixmaps OverlayIconPixmap READ noPixmap)
-    Q_PROPERTY(QString AttentionIconName READ none)
+    Q_PROPERTY(QString AttentionIconName READ noText)
     Q_PROPERTY(ferrowyn::StatusNotifierPixmaps AttentionIconPixmap READ noPixmap)
-    Q_PROPERTY(QString AttentionMovieName READ none)
+    Q_PROPERTY(QString AttentionMovieName READ noText)
     Q_PROPERTY(ferrowyn::StatusNotifierToolTip ToolTip READ toolTip)
 
 public:
-    /// `parent` is what is registered on the bus; it owns this.
+    /// `parent` is the object that is registered on the bus; it owns this.
     explicit StatusNotifierObject(QObject& parent);
 
     void setIcon(StatusNotifierPixmaps icon);
@@ -83,20 +83,20 @@ public:
     [[nodiscard]] QString title() const { return QStringLiteral("Ferrowyn"); }
     [[nodiscard]] QString status() const { return QStringLiteral("Active"); }
     [[nodiscard]] int windowId() const { return 0; }
-    [[nodiscard]] QString none() const { return {}; }
+    [[nodiscard]] QString noText() const { return {}; }
     [[nodiscard]] bool itemIsMenu() const { return false; }
     [[nodiscard]] StatusNotifierPixmaps iconPixmap() const { return icon_; }
     [[nodiscard]] StatusNotifierPixmaps noPixmap() const { return {}; }
     [[nodiscard]] StatusNotifierToolTip toolTip() const { return {{}, {}, toolTip_, {}}; }
 
-    // The names on the bus.
+    // Named as on the bus.
     // NOLINTBEGIN(readability-identifier-naming)
 public slots:
     void Activate(int x, int y) { press(x, y); }
     void ContextMenu(int x, int y) { press(x, y); }
     void SecondaryActivate(int x, int y) { press(x, y); }
     void Scroll(int /*delta*/, const QString& /*orientation*/) {}
-    /// Sent ahead of a press by some hosts; X11 has no use for it.
+    /// Some hosts send a token before a press; X11 does not need it.
     void ProvideXdgActivationToken(const QString& /*token*/) {}
 
 signals:
@@ -114,23 +114,23 @@ private:
     std::function<void(int x, int y)> onPress_;
 };
 
-/// Who shows status notifiers.
+/// The program that shows status notifiers, usually a panel.
 enum class StatusNotifierHost {
     none,
-    /// Hands over presses of both buttons.
+    /// Passes on presses of both mouse buttons.
     present,
-    /// Xfce's panel: it answers the second button with a menu of its own.
+    /// Xfce's panel: it opens its menu itself when the second button is pressed.
     keepsSecondButton,
 };
 
-/// The program's icon as a status notifier on the session bus: offered to every watcher that comes, shown by whatever
-/// host that watcher knows. To one that keeps the second button it is offered only on request. Main thread; connecting,
-/// which waits for the bus, is done on a worker thread, and again after the bus was restarted.
+/// The program's icon as a status notifier on the session bus. It registers with each new watcher, except with one that
+/// keeps the second button: there only when `offer` is called. Main thread; a worker connects to the bus, which blocks,
+/// and connects again after the bus was restarted. Owned by `LinuxTrayIcon`.
 class StatusNotifierItem final : public QObject {
     Q_OBJECT
 
 public:
-    /// Connects at once to the bus with this address; nothing where there is none. The references outlive this.
+    /// Connects at once to the bus with this address; nullopt where there is none. The references outlive this.
     StatusNotifierItem(MainLoop& mainLoop, BackgroundWork& backgroundWork,
                        const std::optional<std::string>& busAddress);
     ~StatusNotifierItem() override;
@@ -139,11 +139,11 @@ public:
 
     [[nodiscard]] StatusNotifierObject& object() { return *object_; }
 
-    /// Nothing until the bus has answered for the first time.
+    /// nullopt until the bus has answered for the first time.
     [[nodiscard]] std::optional<StatusNotifierHost> host() const { return host_; }
-    /// Told when that becomes known and at each change. Set before the main loop runs again.
-    void setHostHandler(std::function<void(StatusNotifierHost)> handler) { onHost_ = std::move(handler); }
-    /// Offers the icon to the watcher that is there now.
+    /// `onHost` is called when the host becomes known and at each change. Set it before the main loop runs again.
+    void setHostHandler(std::function<void(StatusNotifierHost)> onHost) { onHost_ = std::move(onHost); }
+    /// Registers the icon with the present watcher.
     void offer();
 
 private slots:
@@ -157,22 +157,21 @@ private:
     void askForWatcherProcess(const QString& owner);
     void askForHost();
     void setHost(StatusNotifierHost host);
-    /// Calls back with what the bus answers; nothing for an error, and not at all when the watcher has changed since.
-    template <typename Answer>
-    void ask(const QDBusMessage& question, std::function<void(const std::optional<Answer>&)> answered);
+    /// Like `callAsync`, but drops the reply when the watcher has changed in the meantime.
+    void ask(const QDBusMessage& call, std::function<void(const QDBusMessage& reply)> onReply);
 
     std::function<void(StatusNotifierHost)> onHost_;
     std::optional<StatusNotifierHost> host_;
     bool watcherKeepsSecondButton_ = false;
-    /// Counts the watchers that came and went, so that late answers about one are not taken for another's.
+    /// Counts the changes of the watcher, so that a late reply about an earlier watcher is recognised.
     int watcherCount_ = 0;
     std::optional<QDBusConnection> bus_;
     QString serviceName_;
     std::unique_ptr<QDBusServiceWatcher> ownerWatcher_;
-    /// What is registered on the bus, with the interface as its adaptor.
+    /// The object that is registered on the bus; `object_` is its adaptor.
     QObject exported_;
     StatusNotifierObject* object_;
-    /// Dies with this, for what is posted.
+    /// What is posted may run after this object is destroyed.
     LifeToken life_;
     std::unique_ptr<BusLink> link_;
 };
