@@ -41,7 +41,7 @@ private:
 };
 
 /// Asks the running program to carry out one of its actions. Waits for the answer; false when no program has the name
-/// on this bus, or it does not answer within 5 seconds.
+/// on this bus, or it does not answer in time.
 [[nodiscard]] bool activateActionOfRunningApplication(const std::string& busAddress, const std::string& action);
 
 }  // namespace ferrowyn

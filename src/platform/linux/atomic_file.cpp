@@ -14,7 +14,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// What the desktop's rules ask of folders below the configuration home.
+/// The permissions that the XDG base directory rules ask for.
 constexpr mode_t privateFolder = 0700;
 
 class FileDescriptor {
@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] int get() const { return descriptor_; }
     [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-    /// False when closing told of a write that failed late.
+    /// False when a write failed that the system had delayed.
     [[nodiscard]] bool close() { return ::close(std::exchange(descriptor_, -1)) == 0; }
 
 private:
@@ -43,7 +43,7 @@ public:
     [[nodiscard]] std::string message(int /*only one*/) const override { return "it is not a regular file"; }
 };
 
-/// Of a temporary file, after the name of the one that it is to become.
+/// A temporary file's name is the file's name, this mark and six characters that `mkostemp` chooses.
 constexpr std::string_view unfinishedMark = ".unfinished-";
 constexpr std::string_view uniquePart = "XXXXXX";
 
@@ -76,7 +76,7 @@ bool writeAll(int descriptor, std::string_view content) {
     return true;
 }
 
-/// Where the last of a chain of links leads, whether anything is there or not.
+/// Follows a chain of links to its last target, which need not exist.
 std::filesystem::path withoutLinks(std::filesystem::path file, std::error_code& error) {
     constexpr int mostLinks = 40;
     std::error_code notThere;
@@ -102,7 +102,7 @@ bool isUnfinished(std::string_view name, std::string_view ofFile) {
     return name.starts_with(unfinishedMark) && name.find('.', unfinishedMark.size()) == std::string_view::npos;
 }
 
-/// Unless a writer holds it still.
+/// Removes the temporary file unless a running writer has locked it.
 void removeUnfinished(const std::filesystem::path& file) {
     const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
     if (descriptor.isOpen() && ::flock(descriptor.get(), LOCK_EX | LOCK_NB) == 0) {
@@ -113,7 +113,7 @@ void removeUnfinished(const std::filesystem::path& file) {
 void keepPermissions(const std::filesystem::path& of, int descriptor) {
     struct stat status {};
     if (::stat(of.c_str(), &status) == 0) {
-        // A failure leaves the stricter permissions of a temporary file.
+        // When this fails, the file keeps the stricter permissions of a temporary file.
         [[maybe_unused]] const int ignored = ::fchmod(descriptor, status.st_mode & 07777);
     }
 }
@@ -143,7 +143,8 @@ std::error_code replaceFile(const std::filesystem::path& file, std::string_view 
     if (!descriptor.isOpen()) {
         return lastError();
     }
-    // Tells others that its writer lives. Where locks are not to be had, at worst this write fails.
+    // The lock shows other processes that this file's writer is running. Without it, another process may remove the
+    // file, and then this write fails.
     ::flock(descriptor.get(), LOCK_EX | LOCK_NB);
     keepPermissions(target, descriptor.get());
     const bool isStored = writeAll(descriptor.get(), content) && ::fsync(descriptor.get()) == 0 && descriptor.close() &&
@@ -153,7 +154,7 @@ std::error_code replaceFile(const std::filesystem::path& file, std::string_view 
         ::unlink(temporary.c_str());
         return error;
     }
-    // The new name is safe only when the folder is on the disk too.
+    // The new name survives a power failure only when the folder is on the disk too.
     const FileDescriptor folder(::open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.isOpen()) {
         ::fsync(folder.get());
@@ -177,7 +178,7 @@ void removeUnfinishedFiles(const std::filesystem::path& file) {
 
 std::string readFile(const std::filesystem::path& file, std::size_t largest, std::error_code& error) {
     error.clear();
-    // Not blocking: the path may turn out to be a pipe.
+    // Opening a pipe would block without this flag.
     const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!descriptor.isOpen()) {
         error = lastError();

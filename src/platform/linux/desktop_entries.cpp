@@ -13,13 +13,13 @@
 
 namespace ferrowyn {
 
-/// All desktop entries of some folders at one moment. Immutable, so any thread may ask.
+/// All desktop entries of some folders at one moment. Immutable, so any thread may use it.
 class DesktopEntryIndex {
 public:
     using EntryPtr = std::shared_ptr<const DesktopEntry>;
 
-    /// Reads the "applications" folders with everything below them, the most important first: an entry hides those of
-    /// the same id in later folders, also when it only says that it was deleted.
+    /// Reads the "applications" folders and their subfolders. The folders come in the order of their importance: an
+    /// entry hides those with the same id in later folders, also when it is marked as deleted.
     [[nodiscard]] static DesktopEntryIndex scan(const std::vector<std::filesystem::path>& applicationFolders,
                                                 const std::vector<std::string>& locales);
 
@@ -27,11 +27,11 @@ public:
     [[nodiscard]] EntryPtr byPath(std::string_view path) const;
     [[nodiscard]] EntryPtr byWindowClass(std::string_view instance, std::string_view className) const;
 
-    /// The folders that were read.
+    /// The folders that were read, subfolders included.
     [[nodiscard]] const std::vector<std::filesystem::path>& folders() const { return folders_; }
 
 private:
-    /// Looked up by exact text, then by the text in lower case.
+    /// Entries by one of their names, for exact lookup and for lookup that ignores case.
     class Names {
     public:
         void add(std::string_view name, const EntryPtr& entry);
@@ -46,7 +46,7 @@ private:
     void add(std::string id, const std::filesystem::path& file, const std::vector<std::string>& locales);
 
     std::vector<std::filesystem::path> folders_;
-    /// Deleted entries included, so that they hide what follows.
+    /// Includes entries marked as deleted, which hide those in later folders.
     std::unordered_map<std::string, EntryPtr> byId_;
     std::unordered_map<std::string, EntryPtr> byPath_;
     Names windowClasses_;
@@ -57,7 +57,7 @@ private:
 
 namespace {
 
-/// Installing a package touches the folders many times.
+/// Installing a package changes the folders many times within this time.
 constexpr Seconds settlingTime{0.5};
 
 std::vector<std::filesystem::path> applicationFolders(const XdgFolders& folders) {
@@ -99,12 +99,12 @@ DesktopEntries::EntryPtr DesktopEntries::byWindowClass(std::string_view instance
     return index()->byWindowClass(instance, className);
 }
 
-Subscription DesktopEntries::observeChanges(std::function<void()> handler) const {
-    return changes_.subscribe([handler = std::move(handler)](bool) { handler(); });
+Subscription DesktopEntries::observeChanges(std::function<void()> onChange) const {
+    return changes_.subscribe([onChange = std::move(onChange)](bool) { onChange(); });
 }
 
 std::shared_ptr<const DesktopEntryIndex> DesktopEntries::index() const {
-    // Held while reading the folders: a second thread that asks meanwhile needs the same answer anyway.
+    // The lock is held while the folders are read. A second thread that looks up needs the same index and waits for it.
     const std::scoped_lock lock(mutex_);
     if (!index_) {
         index_ = std::make_shared<const DesktopEntryIndex>(DesktopEntryIndex::scan(folders_, locales_));
@@ -117,7 +117,7 @@ void DesktopEntries::foldersChanged() {
         {
             const std::scoped_lock lock(mutex_);
             if (index_) {
-                // Folders below the ones watched so far come and go too.
+                // The index knows the subfolders too.
                 watcher_->add(index_->folders());
             }
             index_.reset();
@@ -131,13 +131,13 @@ namespace {
 constexpr std::string_view fileSuffix = ".desktop";
 constexpr std::size_t largestFile = 1U << 20U;
 
-/// Programs that run other programs: their name says nothing about the application.
+/// Programs that run other programs. Their name does not identify the application.
 constexpr std::array<std::string_view, 12> launchers{"sh",      "bash", "env",  "python", "python3", "perl",
                                                      "flatpak", "snap", "java", "wine",   "gjs",     "electron"};
 
 std::string lowerCase(std::string_view text) {
     std::string lower(text);
-    // Only ASCII: ids and classes of programs are.
+    // Ids and window classes are ASCII.
     std::ranges::transform(lower, lower.begin(), [](char character) {
         return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
     });
@@ -166,7 +166,7 @@ DesktopEntryIndex DesktopEntryIndex::scan(const std::vector<std::filesystem::pat
         index.folders_.push_back(folder);
         std::error_code error;
         fs::recursive_directory_iterator files(folder, fs::directory_options::skip_permission_denied, error);
-        // A folder that cannot be read any further (or is missing) ends there; the others still count.
+        // A folder that is missing or cannot be read is skipped; the others still count.
         for (; !error && files != fs::recursive_directory_iterator(); files.increment(error)) {
             std::error_code ignored;
             if (files->is_directory(ignored)) {
@@ -220,8 +220,8 @@ DesktopEntryIndex::EntryPtr DesktopEntryIndex::byPath(std::string_view path) con
 
 DesktopEntryIndex::EntryPtr DesktopEntryIndex::byWindowClass(std::string_view instance,
                                                              std::string_view className) const {
-    // What a file says about its windows comes before what its name suggests, and the class, which stands for the
-    // application, before the instance, which a user can choose.
+    // StartupWMClass is explicit, so it comes before a guess from the file's name. The class identifies the
+    // application, so it comes before the instance, which the user can choose.
     for (const auto* names : {&windowClasses_, &ids_, &idComponents_, &executables_}) {
         for (const auto lookUp : {&Names::exact, &Names::anyCase}) {
             for (const auto name : {className, instance}) {

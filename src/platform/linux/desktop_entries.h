@@ -17,9 +17,9 @@ namespace ferrowyn {
 class DesktopEntryIndex;
 class MainLoop;
 
-/// The installed applications. The folders are read at the first question and again at the first one after something
-/// was installed or removed. Questions come from any thread, the rest happens on the main thread. An answer is a
-/// shared, immutable entry: it stays valid when the folders change under the thread that holds it.
+/// Looks up installed applications. Reads the folders at the first lookup, and again at the first lookup after they
+/// changed. Any thread may look up; everything else is on the main thread. The returned entries are shared and
+/// immutable, so they stay valid when the folders change.
 class DesktopEntries {
 public:
     using EntryPtr = std::shared_ptr<const DesktopEntry>;
@@ -30,22 +30,23 @@ public:
     DesktopEntries(const DesktopEntries&) = delete;
     DesktopEntries& operator=(const DesktopEntries&) = delete;
 
-    /// What LC_ALL, LC_MESSAGES or LANG say, the first that is set.
+    /// The value of LC_ALL, LC_MESSAGES or LANG, the first that is set.
     [[nodiscard]] static std::string currentLocale();
 
-    /// Reads the folders now if the next question would; for a worker, so that the main thread need not.
+    /// Reads the folders now if the next lookup would do so. A worker calls this to keep the disk off the main thread.
     void read() const { static_cast<void>(index()); }
 
-    /// All null when there is none.
-    /// By desktop-file id, with or without ".desktop".
+    /// Finds an entry by its desktop-file id, with or without ".desktop"; null when there is none.
     [[nodiscard]] EntryPtr byId(std::string_view id) const;
+    /// Finds an entry by its file's absolute path; null when there is none.
     [[nodiscard]] EntryPtr byPath(std::string_view path) const;
-    /// By a window's WM_CLASS: StartupWMClass first, then ids, then their last components, then the program's name;
-    /// exact case before any case, an entry of the menus before one that is not shown there.
+    /// Finds the entry for a window's WM_CLASS; null when there is none. Compares StartupWMClass first, then ids, then
+    /// their last components, then the program's name. An exact match comes before one that ignores case, and an entry
+    /// that menus show before one that they do not.
     [[nodiscard]] EntryPtr byWindowClass(std::string_view instance, std::string_view className) const;
 
-    /// Told when entries may have changed, a moment after the folders did. Main thread.
-    [[nodiscard]] Subscription observeChanges(std::function<void()> handler) const;
+    /// `onChange` is called when entries may have changed, shortly after the last change of a folder. Main thread.
+    [[nodiscard]] Subscription observeChanges(std::function<void()> onChange) const;
 
 private:
     [[nodiscard]] std::shared_ptr<const DesktopEntryIndex> index() const;
@@ -55,7 +56,7 @@ private:
     std::vector<std::filesystem::path> folders_;
     std::vector<std::string> locales_;
     mutable std::mutex mutex_;
-    /// Null until asked for; guarded by `mutex_`.
+    /// Null until the first lookup after a change; guarded by `mutex_`.
     mutable std::shared_ptr<const DesktopEntryIndex> index_;
     Subject<bool> changes_;
     Subscription pendingChange_;

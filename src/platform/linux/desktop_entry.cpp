@@ -110,7 +110,7 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text, const std::
     DesktopEntry entry;
     bool isInGroup = false;
     bool isApplication = false;
-    // The place of the best name so far in `locales`; the name without a locale is worse than all of them.
+    // The index in `locales` of the best name so far. A name without a locale ranks after all of them.
     std::size_t nameRank = std::numeric_limits<std::size_t>::max();
     while (!text.empty()) {
         const auto end = std::min(text.find('\n'), text.size());

@@ -7,8 +7,8 @@
 
 namespace ferrowyn {
 
-/// The name of the installed program on the desktop: of its desktop file (and with it of its icon and autostart entry)
-/// and of its service on the session bus.
+/// The installed program's id on the desktop: the name of its desktop file, icon, autostart entry and session bus
+/// service.
 inline constexpr std::string_view applicationId = "com.larkmoor.ferrowyn";
 
 /// One application as its desktop file describes it.
@@ -24,20 +24,20 @@ struct DesktopEntry {
     std::string startupWmClass;
     /// The file name of the program that Exec starts, without folders, "env" and its variables; may be empty.
     std::string executable;
-    /// The entry counts as deleted.
+    /// The user or an update has marked the entry as deleted.
     bool isHidden = false;
-    /// Not for menus, but still the description of its windows.
+    /// Menus do not show the entry, but it still describes windows.
     bool noDisplay = false;
 
     friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };
 
-/// The keys suffixes of a locale ("de_AT.UTF-8@euro"), best first: "de_AT@euro", "de_AT", "de@euro", "de". Empty for
-/// the C locale.
+/// The suffixes that keys have for a locale ("de_AT.UTF-8@euro"), best first: "de_AT@euro", "de_AT", "de@euro", "de".
+/// Empty for the C locale.
 [[nodiscard]] std::vector<std::string> localeVariants(std::string_view locale);
 
-/// Reads the text of a desktop file; nothing when it does not describe an application with a name. `id` and `path` are
-/// left empty.
+/// Parses the text of a desktop file; nullopt when it does not describe an application with a name. `id` and `path`
+/// stay empty.
 [[nodiscard]] std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
                                                             const std::vector<std::string>& locales);
 

@@ -13,16 +13,16 @@ namespace desktop_file {
 namespace {
 
 constexpr std::string_view blanks = " \t\r";
-/// What may not stand outside of quotes.
+/// An argument with one of these characters needs quotes.
 constexpr std::string_view reserved = " \t\n\"'\\><~|&;$*?#()`";
-/// What is escaped within quotes.
+/// Within quotes these characters need a backslash.
 constexpr std::string_view escapedInQuotes = "\"`$\\";
 
 bool contains(std::string_view characters, char character) {
     return characters.find(character) != std::string_view::npos;
 }
 
-/// Adds what "%" and the character after it stand for: codes for files, names and icons become nothing.
+/// Adds the meaning of "%" and the character after it. Codes for files, names and icons add nothing.
 void addFieldCode(std::string& argument, char code) {
     if (code == '%') {
         argument += '%';
@@ -182,7 +182,7 @@ std::optional<std::string> DesktopFileDocument::value(std::string_view key) cons
 
 std::optional<bool> DesktopFileDocument::boolean(std::string_view key) const {
     const auto text = value(key);
-    // Old files write digits.
+    // Old files use 1 and 0.
     return text ? std::optional(*text == "true" || *text == "1") : std::nullopt;
 }
 
@@ -213,7 +213,7 @@ void DesktopFileDocument::set(std::string_view key, std::string_view text) {
         *existing = std::move(entry);
         return;
     }
-    // After the group's last entry, before the blank lines that part it from the next group.
+    // After the group's last entry, before the blank lines at its end.
     const auto last = std::find_if(lines_.rbegin(), lines_.rend(), [](const Line& line) {
         return line.isInEntryGroup && (!line.key.empty() || line.text.find('[') != std::string::npos);
     });

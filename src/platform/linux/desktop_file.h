@@ -1,7 +1,5 @@
 #pragma once
 
-/// How desktop files write texts and command lines.
-
 #include <optional>
 #include <span>
 #include <string>
@@ -10,41 +8,43 @@
 
 namespace ferrowyn {
 
+/// How desktop files write texts and command lines.
 namespace desktop_file {
 
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
-/// A value of the type "string", with its escapes resolved and written.
+/// Resolves the escapes in a value of the type "string".
 [[nodiscard]] std::string unescaped(std::string_view value);
+/// Writes a text as a value of the type "string".
 [[nodiscard]] std::string escaped(std::string_view text);
 
-/// One argument of an Exec line, quoted where the rules ask for it, before the escapes of a string.
+/// One argument of an Exec line, quoted where needed. `escaped` is applied to the whole line afterwards.
 [[nodiscard]] std::string quotedArgument(std::string_view argument);
-/// The arguments of an Exec line, after the escapes of a string were resolved; what stands for files is left out.
-/// Nothing when the line is not quoted rightly.
+/// The arguments of an Exec line, which is `unescaped` already. Codes that stand for files, names and icons are left
+/// out. nullopt when a quote is not closed.
 [[nodiscard]] std::optional<std::vector<std::string>> splitExec(std::string_view line);
 
 }  // namespace desktop_file
 
-/// The text of a desktop file as lines, so that what this program does not write itself (comments, other keys, further
-/// groups, the order) survives a change. Keys are those of the group "[Desktop Entry]", without a locale.
+/// The text of a desktop file, kept as lines so that a change preserves comments, other keys, other groups and the
+/// order. Keys are those of the group "[Desktop Entry]", without a locale.
 class DesktopFileDocument {
 public:
-    /// With the group and nothing in it.
+    /// A document with an empty group "[Desktop Entry]".
     DesktopFileDocument();
-    /// Nothing when this is no such file (binary, not UTF-8, without the group).
+    /// nullopt when the content is not a desktop file (binary, not UTF-8, without the group).
     [[nodiscard]] static std::optional<DesktopFileDocument> parse(std::string_view content);
 
-    /// With the escapes of a string resolved. The last of several entries counts.
+    /// The value with its escapes resolved; nullopt without the key. When the key occurs twice, the last entry counts.
     [[nodiscard]] std::optional<std::string> value(std::string_view key) const;
     [[nodiscard]] std::optional<bool> boolean(std::string_view key) const;
-    /// The parts of a list that ";" separates; absent when the key is.
+    /// The parts of a list that ";" separates; nullopt without the key.
     [[nodiscard]] std::optional<std::vector<std::string>> list(std::string_view key) const;
-    /// The text is escaped as a string.
+    /// Escapes the text and writes it.
     void set(std::string_view key, std::string_view text);
     void remove(std::string_view key);
 
-    /// Whether there is nothing but entries of these keys, once each, without locales or comments.
+    /// Whether the file has only these keys, each at most once, and no comments, locales or other groups.
     [[nodiscard]] bool holdsOnly(std::span<const std::string_view> keys) const;
     [[nodiscard]] std::string text() const;
 
@@ -52,7 +52,7 @@ private:
     struct Line {
         std::string text;
         bool isInEntryGroup = false;
-        /// Empty in a line that holds no entry.
+        /// Empty when the line is not an entry.
         std::string key;
         std::string value;
     };

@@ -22,7 +22,7 @@ std::string_view trimmedBlanks(std::string_view text) {
                                            : text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// What the text after a backslash stands for.
+/// Takes the part of an escape that follows the backslash and returns the character it means.
 std::optional<char> takeEscape(std::string_view& rest) {
     if (rest.empty()) {
         return std::nullopt;
@@ -51,7 +51,7 @@ std::optional<char> takeEscape(std::string_view& rest) {
     return static_cast<char>(byte);
 }
 
-/// Takes a quoted text from the front of `rest`; nothing when there is none.
+/// Takes a quoted text from the front of `rest`; nullopt when there is none.
 std::optional<std::string> takeQuotedIniText(std::string_view& rest) {
     if (!rest.starts_with('"')) {
         return std::nullopt;
@@ -76,7 +76,7 @@ std::optional<std::string> takeQuotedIniText(std::string_view& rest) {
 }
 
 std::string quotedIniText(std::string_view content) {
-    // Bytes that are no UTF-8 (a file name can hold any) would make the whole file unreadable.
+    // A file name may hold bytes that are not UTF-8. Unescaped, they would make the whole file unreadable.
     const bool isText = text::isValidUtf8(content);
     std::string quoted = "\"";
     for (const char character : content) {
@@ -95,7 +95,7 @@ std::string quotedIniText(std::string_view content) {
 }
 
 std::string formatReal(double number) {
-    // The shortest text that reads back as the very same number, with something that tells it from an integer.
+    // The shortest text that reads back as the same number. ".0" distinguishes a whole number from an integer.
     char buffer[32];
     const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, number);
     std::string text(buffer, end);
@@ -113,7 +113,7 @@ std::string formatList(const std::vector<std::string>& items) {
     return text + "]";
 }
 
-/// The value as it stands in the file.
+/// The value as it is written in the file.
 std::string formatIniValue(const DefaultsValue& value) {
     return std::visit(
         [](const auto& held) -> std::string {
@@ -187,7 +187,7 @@ DefaultsValue parseBareValue(std::string_view text) {
     return std::string(text);
 }
 
-/// Nothing when it begins as a quoted text or a list and does not end as one.
+/// nullopt when the value begins like a quoted text or a list but is not one.
 std::optional<DefaultsValue> parseIniValue(std::string_view text) {
     text = trimmedBlanks(text);
     if (text.starts_with('"')) {
@@ -208,7 +208,8 @@ bool isPlain(std::string_view text) {
     });
 }
 
-/// Group and key within it. A key that no group fits stands above all groups under its full name.
+/// The group and the key within it. A key whose first part cannot name a group is written above all groups under its
+/// full name.
 std::pair<std::string_view, std::string_view> splitKey(std::string_view key) {
     const auto dot = key.find('.');
     if (dot == std::string_view::npos || !isPlain(key.substr(0, dot))) {
@@ -217,7 +218,7 @@ std::pair<std::string_view, std::string_view> splitKey(std::string_view key) {
     return {key.substr(0, dot), key.substr(dot + 1)};
 }
 
-/// The key before "=", and what follows it; nothing when the line is no entry.
+/// The key before "=", and the text after it; nullopt when the line is not an entry.
 std::optional<std::pair<std::string, std::string_view>> splitEntry(std::string_view line) {
     if (line.starts_with('"')) {
         auto key = takeQuotedIniText(line);
@@ -297,7 +298,7 @@ std::map<std::string, DefaultsValue, std::less<>> IniDocument::values() const {
 }
 
 void IniDocument::set(std::string_view key, const DefaultsValue& value) {
-    // The last entry is the one that counts when someone wrote a key twice.
+    // When a key occurs twice, the last entry counts.
     const auto existing = std::find_if(lines_.rbegin(), lines_.rend(),
                                        [key](const Line& line) { return line.name && line.fullKey() == key; });
     if (existing == lines_.rend()) {

@@ -10,15 +10,14 @@
 
 namespace ferrowyn {
 
-/// The text of an INI file as lines, so that everything this program does not write itself (comments, unknown entries,
-/// the order) survives a change. The group of a key is what stands before its first dot: "switcher.layout" is "layout"
-/// under "[switcher]".
+/// The text of an INI file, kept as lines so that a change preserves comments, unknown entries and the order. A key's
+/// group is the part before its first dot: "switcher.layout" is "layout" under "[switcher]".
 ///
 /// Values are `true`, `false`, an integer, a real with a point or exponent, `"text"` with \" \\ \n \xHH, or
-/// `["a", "b"]`. Any other text without quotes is read as a text, for the sake of people who write by hand.
+/// `["a", "b"]`. Any other value without quotes is read as a text, because users edit the file by hand.
 class IniDocument {
 public:
-    /// Nothing when this is not such a file (binary, cut off, not UTF-8).
+    /// nullopt when the content is not an INI file (binary, cut off, not UTF-8).
     [[nodiscard]] static std::optional<IniDocument> parse(std::string_view content);
 
     [[nodiscard]] std::map<std::string, DefaultsValue, std::less<>> values() const;
@@ -28,9 +27,9 @@ public:
 private:
     struct Line {
         std::string text;
-        /// The carriage returns before the line feed: other systems write one.
+        /// The carriage returns before the line feed, which files from other systems have.
         std::string end;
-        /// The group that the line stands in, or opens.
+        /// The group that the line belongs to or opens.
         std::string group;
         bool opensGroup = false;
         /// The key within the group, when the line holds an entry.

@@ -15,8 +15,8 @@
 
 namespace ferrowyn {
 
-/// Reads the file of the user defaults, and stores changes in it on a thread of its own. The public functions belong to
-/// one thread.
+/// Reads the file of the user defaults and writes changes to it on its writer thread. The public functions are called
+/// on one thread, that of the owning `IniUserDefaults`.
 class IniFileWriter {
 public:
     using Values = std::map<std::string, DefaultsValue, std::less<>>;
@@ -26,17 +26,17 @@ public:
     IniFileWriter(const IniFileWriter&) = delete;
     IniFileWriter& operator=(const IniFileWriter&) = delete;
 
-    /// What the file holds now. A damaged file is moved aside first, and what killed writers left is removed. Before
-    /// the first `store`.
+    /// Returns the values in the file, after it has renamed a damaged file and removed old temporary files. Call it
+    /// before the first `store`.
     [[nodiscard]] Values read();
-    /// Hands one change to the writer.
+    /// Passes one change to the writer thread.
     void store(std::string_view key, DefaultsValue value);
-    /// Waits until all changes are stored or have failed to be.
+    /// Waits until each change is stored or has failed.
     void flush();
 
 private:
     void runWriter();
-    /// Merges the changes into what the file holds at this moment, since others may write it too.
+    /// Reads the file again and merges the changes into it, because other programs may have written it.
     [[nodiscard]] bool write(const Values& changes);
     [[nodiscard]] IniDocument readDocument();
     void keepAside(std::string_view why);
@@ -45,8 +45,8 @@ private:
 
     const std::filesystem::path file_;
     Log& log_;
-    /// What is stored as far as this object knows: the way back when someone else damages the file. Writer thread, and
-    /// before there is one.
+    /// The last content that was read or written, used when the file is damaged later. Belongs to the writer thread,
+    /// and before that thread starts to the caller's.
     IniDocument lastGood_;
     bool hasReportedUnreadable_ = false;
     bool hasReportedUnwritable_ = false;
@@ -54,11 +54,11 @@ private:
     std::mutex mutex_;
     std::condition_variable wake_;
     std::condition_variable idle_;
-    /// Set since the last attempt to write.
+    /// The changes that the writer thread has not taken yet. This and the two flags below are guarded by `mutex_`.
     Values waiting_;
     bool isWriting_ = false;
     bool isEnding_ = false;
-    /// Started at the first change: most runs never make one.
+    /// Started at the first change, because most runs make none.
     std::thread thread_;
 };
 
@@ -96,11 +96,11 @@ void IniUserDefaults::flush() {
 namespace {
 
 constexpr std::string_view logCategory = "ui";
-/// A settings file has a few kilobytes; this much is something else.
+/// A settings file has a few kilobytes; a larger file is not one.
 constexpr std::size_t largestFile = 4U << 20U;
 constexpr int mostKeptAside = 100;
 
-/// A name beside the file that is not taken.
+/// A free name in the file's folder.
 std::filesystem::path asideName(const std::filesystem::path& file) {
     auto name = file;
     name += ".damaged";
@@ -151,7 +151,7 @@ void IniFileWriter::flush() {
 }
 
 void IniFileWriter::runWriter() {
-    // Changes that could not be stored so far, tried again together with the next one.
+    // Changes whose write failed; they are written again together with the next change.
     Values unstored;
     std::unique_lock lock(mutex_);
     while (true) {
@@ -194,7 +194,7 @@ IniDocument IniFileWriter::readDocument() {
     }
     std::error_code notThere;
     if (error == notARegularFile() && !std::filesystem::is_directory(file_, notThere)) {
-        // A device or a pipe is there on purpose. Writing says that it cannot be, too.
+        // A device or a pipe is there on purpose, so it is not renamed. Writing fails too and is reported then.
         reportUnreadable(error.message());
         return lastGood_;
     }

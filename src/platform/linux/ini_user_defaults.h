@@ -12,18 +12,17 @@ namespace ferrowyn {
 class IniFileWriter;
 class Log;
 
-/// User defaults in an INI file. Reading happens once, at construction; a change is handed to a writer thread at once,
-/// so that no caller ever waits for the disk. What others wrote into the file in the meantime stays, as far as it is
-/// not the very key that is set. Main thread.
+/// User defaults in an INI file. The file is read once, at construction; a writer thread stores the changes, so that no
+/// caller waits for the disk. A change replaces only its key: other edits made to the file in the meantime stay. Main
+/// thread.
 ///
-/// QSettings would be the library for this, but it does not keep what is promised here: it reads "true" back as the
-/// same thing as true, drops comments, silently starts from nothing when the file is damaged, and syncs on the thread
-/// of its caller.
+/// QSettings does not fit: it does not distinguish "true" from true, drops comments, starts empty without a message
+/// when the file is damaged, and writes on the caller's thread.
 class IniUserDefaults final : public UserDefaults {
 public:
-    /// The file need not exist, nor its folder. The log outlives this object.
+    /// The file and its folder need not exist. The log outlives this object.
     IniUserDefaults(const std::filesystem::path& file, Log& log);
-    /// Waits until everything is stored, or has failed to be.
+    /// Waits until each change is stored or has failed.
     ~IniUserDefaults() override;
     IniUserDefaults(const IniUserDefaults&) = delete;
     IniUserDefaults& operator=(const IniUserDefaults&) = delete;
@@ -32,7 +31,7 @@ public:
     [[nodiscard]] std::optional<DefaultsValue> value(std::string_view key) const override;
     void set(std::string_view key, DefaultsValue value) override;
 
-    /// Waits until everything set so far is stored, or has failed to be.
+    /// Waits until each change made so far is stored or has failed.
     void flush();
 
 private:

@@ -15,9 +15,9 @@ namespace ferrowyn {
 
 namespace {
 
-/// Far more than the program ever writes in the time that a reader may take.
+/// In lines. The program writes far fewer while a slow reader catches up.
 constexpr std::size_t longestQueue = 1000;
-/// A terminal that was stopped (Ctrl+S) must not keep the program from ending.
+/// A terminal that the user has stopped (Ctrl+S) must not keep the program from ending.
 constexpr int terminalPatienceMilliseconds = 100;
 
 int journalPriority(LogLevel level) {
@@ -100,13 +100,13 @@ void JournalLog::runWriter() {
 }
 
 void JournalLog::deliver(const Line& line) const {
-    // Without a journal this fails, and there is nobody to tell.
+    // Without a journal this fails. There is no other place to report that.
     sd_journal_send("MESSAGE=%s", line.message.c_str(), "PRIORITY=%i", journalPriority(line.level),
                     "SYSLOG_IDENTIFIER=%s", "ferrowyn", "FERROWYN_CATEGORY=%s", line.category.c_str(), nullptr);
     if (mirrorsToStandardError_) {
         std::string text = line.category + (line.level == LogLevel::error ? ": error: " : ": ") + line.message;
         std::ranges::replace(text, '\n', ' ');
-        // Some messages quote what other programs say; none of it may command the terminal.
+        // Messages may contain texts of other programs. Control characters in them must not reach the terminal.
         writeToStandardError(text::withoutControls(text) + "\n");
     }
 }

@@ -11,15 +11,16 @@
 
 namespace ferrowyn {
 
-/// The journal, mirrored to standard error where a person can see it. Any thread; the writing happens on a thread of
-/// its own, since both readers may be slow. When they are too slow, lines are dropped and their number is logged.
+/// Writes to the systemd journal, and to standard error when that is a terminal. Any thread may call it; a writer
+/// thread does the writing, because the journal and a terminal may be slow. When too many lines wait, further ones are
+/// dropped and their number is logged.
 class JournalLog final : public Log {
 public:
     enum class Mirror { whenTerminal, always, never };
 
     /// Messages below `minimumLevel` are dropped.
     JournalLog(LogLevel minimumLevel, Mirror mirror);
-    /// Writes what is waiting.
+    /// Writes the waiting lines first.
     ~JournalLog() override;
     JournalLog(const JournalLog&) = delete;
     JournalLog& operator=(const JournalLog&) = delete;

@@ -33,8 +33,8 @@ bool isInstalledTheme(const QString& name, const XdgFolders& folders) {
     return false;
 }
 
-/// Desktops tell the toolkit which theme the user chose; a bare window manager does not, but there the user will have
-/// chosen one for GTK programs, or has one of the usual ones.
+/// Desktops tell Qt which icon theme the user chose; a bare window manager does not. Then the theme chosen for GTK
+/// programs is taken, or the first of the common themes that is installed.
 void chooseTheme() {
     if (const auto name = QIcon::themeName(); !name.isEmpty() && name != "hicolor") {
         return;
@@ -49,7 +49,7 @@ void chooseTheme() {
             return;
         }
     }
-    // Without any name the toolkit would not even look there.
+    // Without a theme name Qt does not search the hicolor theme either.
     QIcon::setThemeName("hicolor");
 }
 
@@ -67,14 +67,14 @@ std::optional<std::filesystem::path> pixmapFile(const std::string& name) {
 
 std::shared_ptr<const IconImage> imageFromFile(const std::filesystem::path& file) {
     const auto path = QString::fromStdString(file.string());
-    // QIcon takes any path and shows nothing for a broken file.
+    // QIcon accepts a broken file and then shows nothing.
     if (!isFile(file) || !QImageReader(path).canRead()) {
         return nullptr;
     }
     return std::make_shared<const QtIconImage>(QIcon(path));
 }
 
-/// Some entries name a file where a theme's name should stand.
+/// Some desktop entries name an image file instead of an icon of the theme.
 std::string withoutImageSuffix(std::string_view name) {
     for (const auto suffix : imageSuffixes) {
         if (name.ends_with(suffix)) {
@@ -104,7 +104,7 @@ std::shared_ptr<const IconImage> themeIcon(std::string_view nameOrPath) {
     if (const auto file = pixmapFile(name)) {
         return imageFromFile(*file);
     }
-    // A name without any file: the theme has none either.
+    // The theme knows the name but has no sizes listed for it; the icon may still draw.
     return icon.isNull() ? nullptr : std::make_shared<const QtIconImage>(std::move(icon));
 }
 

@@ -7,9 +7,9 @@
 
 namespace ferrowyn {
 
-/// The icon with this name in the user's icon theme, its fallbacks and the pixmaps folders, or in this file when the
-/// name is an absolute path; null when there is none. Main thread, with a QGuiApplication. The first call finds out
-/// which theme the user has.
+/// Loads the icon with this name from the user's icon theme, its fallback themes or the pixmaps folders. An absolute
+/// path is loaded as a file. Null when there is none. The first call chooses the theme. Needs a QGuiApplication. Main
+/// thread.
 [[nodiscard]] std::shared_ptr<const IconImage> themeIcon(std::string_view nameOrPath);
 
 }  // namespace ferrowyn

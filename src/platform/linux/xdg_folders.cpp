@@ -82,7 +82,7 @@ std::vector<std::filesystem::path> XdgFolders::allDataDirs() const {
 
 namespace {
 
-/// The folder itself, or the nearest one above it that exists: that is where it would appear.
+/// The folder, or the nearest existing folder above it, which changes when the missing one is made.
 std::filesystem::path watchable(std::filesystem::path folder) {
     std::error_code error;
     while (!std::filesystem::is_directory(folder, error) && folder.has_relative_path()) {
@@ -94,13 +94,13 @@ std::filesystem::path watchable(std::filesystem::path folder) {
 }  // namespace
 
 DesktopFolderWatcher::DesktopFolderWatcher(const std::vector<std::filesystem::path>& folders,
-                                           std::function<void()> changed) {
+                                           std::function<void()> onChange) {
     QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &watcher_,
-                     [this, changed = std::move(changed)](const QString& path) {
-                         // Above a missing folder only one thing matters: that the folder is there now.
+                     [this, onChange = std::move(onChange)](const QString& path) {
+                         // A change above a missing folder matters only when it made that folder.
                          const bool isFolder = isOneOfTheFolders(path);
                          if (watchFolders() || isFolder) {
-                             changed();
+                             onChange();
                          }
                      });
     add(folders);

@@ -12,13 +12,13 @@ namespace ferrowyn {
 /// The parts of a list in the environment (XDG_CURRENT_DESKTOP, PATH) that colons separate. Empty parts are left out.
 [[nodiscard]] std::vector<std::string> splitAtColons(std::string_view list);
 
-/// Where a user's files and the system's shared files lie. Relative paths in the environment are ignored.
+/// The folders of the XDG base directories. Relative paths in the environment are ignored.
 struct XdgFolders {
     std::filesystem::path configHome;
     std::filesystem::path dataHome;
-    /// In the order of their importance, after `dataHome`.
+    /// The system's data folders, most important first; `dataHome` comes before them.
     std::vector<std::filesystem::path> dataDirs;
-    /// In the order of their importance, after `configHome`.
+    /// The system's configuration folders, most important first; `configHome` comes before them.
     std::vector<std::filesystem::path> configDirs;
 
     [[nodiscard]] static XdgFolders fromEnvironment();
@@ -26,20 +26,20 @@ struct XdgFolders {
     [[nodiscard]] std::vector<std::filesystem::path> allDataDirs() const;
 };
 
-/// Tells when something is added to, removed from or renamed in some folders, also when a folder itself comes or goes.
-/// Main thread; nothing polls.
+/// Reports when a file is added to, removed from or renamed in some folders, and when a folder appears or disappears.
+/// Uses inotify through Qt, without polling. Main thread.
 class DesktopFolderWatcher {
 public:
-    DesktopFolderWatcher(const std::vector<std::filesystem::path>& folders, std::function<void()> changed);
+    DesktopFolderWatcher(const std::vector<std::filesystem::path>& folders, std::function<void()> onChange);
     DesktopFolderWatcher(const DesktopFolderWatcher&) = delete;
     DesktopFolderWatcher& operator=(const DesktopFolderWatcher&) = delete;
 
-    /// Watches these too; the ones watched already are left alone.
+    /// Watches these folders too. Folders that are watched already are ignored.
     void add(const std::vector<std::filesystem::path>& folders);
 
 private:
     [[nodiscard]] bool isOneOfTheFolders(const QString& path) const;
-    /// Whether one of the folders is watched now that was not before.
+    /// True when this call began to watch one of the folders.
     bool watchFolders();
 
     std::vector<std::filesystem::path> folders_;

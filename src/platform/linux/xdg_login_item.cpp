@@ -20,9 +20,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t largestEntry = 1U << 20U;
-/// The switches of desktops' own settings: of several, and of MATE.
+/// The keys with which desktops' settings turn an entry off; the first is used by several desktops.
 constexpr std::array<std::string_view, 2> desktopSwitches{"X-GNOME-Autostart-enabled", "X-MATE-Autostart-enabled"};
-/// Tells an entry that this program turned off from one that the user did.
+/// Marks an entry that this program, not the user, has turned off.
 constexpr std::string_view turnedOffByProgram = "X-Ferrowyn-TurnedOff";
 constexpr std::array<std::string_view, 9> ownKeys{
     "Type", "Name", "Exec", "TryExec", "Icon", "Hidden", desktopSwitches[0], desktopSwitches[1], turnedOffByProgram};
@@ -110,7 +110,7 @@ LoginItem::Status XdgLoginItem::entryStatus() const {
 
 std::optional<DesktopFileDocument> XdgLoginItem::entryInForce() const {
     std::error_code error;
-    // The user's counts even when it is damaged: the session does not look further.
+    // A damaged user entry still overrides the system's, as it does for the session.
     return fs::exists(fs::symlink_status(userEntry_, error)) ? readEntry(userEntry_) : systemEntry();
 }
 
@@ -148,7 +148,7 @@ void XdgLoginItem::showHere(DesktopFileDocument& entry) const {
         setList(entry, "NotShowIn", *never);
     }
     if (auto only = entry.list("OnlyShowIn"); only && !isShownHere(entry)) {
-        // A session that does not say which desktop it is starts only what is meant for every desktop.
+        // A session without a desktop name starts only entries without OnlyShowIn.
         only->insert(only->end(), currentDesktops_.begin(), currentDesktops_.end());
         setList(entry, "OnlyShowIn", currentDesktops_.empty() ? std::vector<std::string>{} : *only);
     }
@@ -196,7 +196,7 @@ bool XdgLoginItem::isFolderWritable() const {
     if (const auto status = fs::status(userEntry_, error); fs::exists(status) && !fs::is_regular_file(status)) {
         return false;
     }
-    // Folders that are missing are made below the first that is there.
+    // Missing folders are made below the nearest existing one.
     auto folder = userEntry_.parent_path();
     while (folder.has_relative_path() && !fs::exists(fs::symlink_status(folder, error))) {
         folder = folder.parent_path();

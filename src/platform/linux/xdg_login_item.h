@@ -14,16 +14,16 @@ namespace ferrowyn {
 
 class DesktopFileDocument;
 
-/// Starts the program at login through an entry in the user's autostart folder, which stands before one of the system's
-/// with the same name. How an entry maps onto the four states:
+/// Starts the program at login through an entry in the user's autostart folder, which overrides a system entry with the
+/// same name. An entry maps onto the four states like this:
 ///
-/// - enabled: the session starts it, and it starts this program;
-/// - requires approval: there is one, but somebody else than this program keeps it from starting it: it is hidden,
-///   turned off in the desktop's settings, not meant for this desktop, or its command was replaced by another one;
-/// - not registered: there is none, this program turned it off, or it starts nothing (any more);
-/// - not found: as before, and the folder cannot be written either.
+/// - enabled: the session starts this program;
+/// - requires approval: there is an entry, but the user or another program has disabled it: it is hidden, turned off in
+///   the desktop's settings, not meant for this desktop, or has another command;
+/// - not registered: there is no entry, this program turned it off, or its command does not exist;
+/// - not found: like "not registered", and the folder cannot be written.
 ///
-/// What a person wrote into the entry by hand stays there.
+/// Registering and unregistering keep what the user wrote into the entry. Main thread; reads and writes small files.
 class XdgLoginItem final : public LoginItem {
 public:
     struct Program {
@@ -33,7 +33,7 @@ public:
         /// Absolute.
         std::filesystem::path executable;
     };
-    /// The environment's, colon-separated.
+    /// Two environment variables, each a list separated by colons: XDG_CURRENT_DESKTOP and PATH.
     struct Session {
         std::string currentDesktop;
         std::string path;
@@ -47,7 +47,7 @@ public:
     [[nodiscard]] std::optional<Error> registerProgram() override;
     [[nodiscard]] std::optional<Error> unregisterProgram() override;
 
-    /// The user's entry, whether there is one or not.
+    /// The path of the user's entry, which need not exist.
     [[nodiscard]] const std::filesystem::path& userEntry() const { return userEntry_; }
 
 private:
@@ -56,13 +56,13 @@ private:
     [[nodiscard]] std::optional<DesktopFileDocument> systemEntry() const;
     [[nodiscard]] bool isTurnedOff(const DesktopFileDocument& entry) const;
     [[nodiscard]] bool isShownHere(const DesktopFileDocument& entry) const;
-    /// Changes the desktops that the entry is meant for so that this one is among them.
+    /// Changes OnlyShowIn and NotShowIn so that this desktop starts the entry.
     void showHere(DesktopFileDocument& entry) const;
     [[nodiscard]] bool startsSomething(const DesktopFileDocument& entry) const;
     [[nodiscard]] bool startsThisProgram(const DesktopFileDocument& entry) const;
-    /// Starts this program by way of another one, such as a shell that waits first.
+    /// Whether another program in the command, such as a shell, starts this program.
     [[nodiscard]] bool startsThisProgramIndirectly(const DesktopFileDocument& entry) const;
-    /// Something that this program would not write.
+    /// Whether the command is one that this program does not write: another program, or one with arguments.
     [[nodiscard]] bool startsSomethingElse(const DesktopFileDocument& entry) const;
     [[nodiscard]] bool exists(const std::filesystem::path& program) const;
     [[nodiscard]] bool isFolderWritable() const;
@@ -71,7 +71,7 @@ private:
 
     Program program_;
     std::filesystem::path userEntry_;
-    /// In the order of their importance.
+    /// Most important first.
     std::vector<std::filesystem::path> systemEntries_;
     std::vector<std::string> currentDesktops_;
     std::vector<std::filesystem::path> searchPath_;
