@@ -12,14 +12,11 @@ namespace ferrowyn {
 
 namespace {
 
-/// Identities are strings that other programs choose; more of them than this is not worth remembering.
+/// Other programs choose these texts, so the cache needs a limit.
 constexpr std::size_t maximumKnown = 1024;
-/// The same for the numbers of applications. Those of running applications go too then, and are given anew: windows are
-/// listed without interruption, only their applications seem to have been started again.
+/// The same for the numbers of applications. When the limit is reached, running applications get new numbers too: their
+/// windows stay listed, but the applications seem to have been restarted.
 constexpr std::size_t maximumNumbers = 16384;
-/// Of dialogs that belong to dialogs; more are a circle.
-constexpr int deepestNesting = 16;
-
 std::string processName(Pid pid) {
     if (pid >= X11Owners::firstStandIn) {
         return {};
@@ -30,19 +27,19 @@ std::string processName(Pid pid) {
     return textFromProperty(name, X11TextEncoding::utf8, false);
 }
 
-/// The window that speaks for its application: of the ones a user switches to the one made first, so that an
-/// application whose windows name themselves differently does not change its name with the stacking order.
-const X11WindowFacts& spokesman(const std::vector<const X11WindowFacts*>& windows) {
+/// The window whose identity names the application: the oldest window that a user can switch to. The stacking order
+/// must not matter, because an application's windows may have different identities.
+const X11WindowFacts& representative(const std::vector<const X11WindowFacts*>& windows) {
     const auto rank = [](const X11WindowFacts* window) {
         return std::pair(window->kind != X11WindowKind::normal || window->skipsTaskbar, window->id);
     };
     return **std::ranges::min_element(windows, {}, rank);
 }
 
-/// The window itself, or the one whose dialog it is in the end.
+/// The window, or for a dialog the parent window at the end of the chain.
 const X11WindowFacts& principal(const X11WindowFacts& window, const X11ApplicationDirectory::FindWindow& find) {
     const X11WindowFacts* current = &window;
-    for (int depth = 0; depth < deepestNesting && current->transientFor != XCB_WINDOW_NONE; ++depth) {
+    for (int depth = 0; depth < deepestDialogNesting && current->transientFor != XCB_WINDOW_NONE; ++depth) {
         const auto* const parent = find(current->transientFor);
         if (parent == nullptr || parent->process != window.process) {
             break;
@@ -60,10 +57,10 @@ void X11ApplicationDirectory::forgetAll() {
 }
 
 RunningApplication X11ApplicationDirectory::describe(Pid pid, const std::vector<const X11WindowFacts*>& windows) const {
-    const auto& identity = spokesman(windows).identity;
+    const auto& identity = representative(windows).identity;
     RunningApplication application;
     application.pid = pid;
-    // Programs that only put up panels, desktops and tray windows take part in the desktop without being switched to.
+    // A program that has only panels or desktop windows is not one to switch to.
     const bool hasOrdinaryWindow =
         std::ranges::any_of(windows, [](const X11WindowFacts* window) { return !window->isDesktopElement(); });
     application.activationPolicy = hasOrdinaryWindow ? ActivationPolicy::regular : ActivationPolicy::accessory;
@@ -77,7 +74,7 @@ RunningApplication X11ApplicationDirectory::describe(Pid pid, const std::vector<
     if (!application.localizedName) {
         std::string name = !identity.wmClassName.empty() ? identity.wmClassName : identity.wmClassInstance;
         if (name.empty()) {
-            name = processName(spokesman(windows).process);
+            name = processName(representative(windows).process);
         }
         if (!name.empty()) {
             application.localizedName = std::move(name);
@@ -116,7 +113,7 @@ std::string X11ApplicationDirectory::keyOf(const X11WindowFacts& window) const {
 
 std::optional<X11InstalledApplication> X11ApplicationDirectory::installed(
     const X11ApplicationIdentity& identity) const {
-    // NUL cannot occur in a property's text, so it separates the parts without a doubt.
+    // NUL cannot occur in the texts, so it separates them safely.
     const std::string separator(1, '\0');
     const auto key = identity.gtkApplicationId + separator + identity.kdeDesktopFile + separator +
                      identity.wmClassInstance + separator + identity.wmClassName;

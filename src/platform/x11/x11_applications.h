@@ -16,45 +16,44 @@ namespace ferrowyn {
 
 class DesktopEntries;
 
-/// What an installed application is called.
+/// The names of an installed application.
 struct X11InstalledApplication {
     std::string identifier;
     std::string localizedName;
     std::string desktopFilePath;
 };
 
-/// Tells which windows are one application, and what that is called. Windows of the same installed application (desktop
-/// file) belong together, else those of one class, else those of one process: a terminal may have a process for each
-/// window, and an office suite runs several applications in one. Safe on any thread; remembers what each identity led
-/// to, since the same few come with every snapshot.
+/// Groups windows into applications and names these. Windows of one installed application (desktop file) belong
+/// together, otherwise those of one WM_CLASS, otherwise those of one process: a terminal may have a process for each
+/// window, and an office suite may run several applications in one process. Caches the lookups. Any thread; owned by
+/// `X11Platform`.
 class X11ApplicationDirectory {
 public:
-    /// Finds the installed application that an identity names; nothing when there is none. Any thread.
+    /// Finds the installed application for an identity; nullopt when there is none. Any thread.
     using Lookup = std::function<std::optional<X11InstalledApplication>(const X11ApplicationIdentity&)>;
 
-    /// The windows of `ownProcess` are one application whatever they say, and it has that process's number: the logic
-    /// knows its own windows by it.
+    /// All windows of `ownProcess` are one application, whose number is the process id, because the logic recognises
+    /// this program's windows by it.
     explicit X11ApplicationDirectory(Lookup lookup, std::optional<Pid> ownProcess = std::nullopt)
         : lookup_(std::move(lookup)), ownProcess_(ownProcess) {}
 
-    /// Applications were installed or removed.
+    /// Clears the cached lookups after applications were installed or removed.
     void forgetAll();
 
     /// Null when the window is not listed.
     using FindWindow = std::function<const X11WindowFacts*(xcb_window_t)>;
 
-    /// The number of the window's application: that of the process in which it was first seen, or, where another
-    /// application of that process has it already, one that no process can have. A number stays with its application,
-    /// also while none of its windows is open. `find` knows all windows: a dialog is part of the application of the
-    /// window that it belongs to, if one process has both, whatever it calls itself.
+    /// The number of the window's application. It is the id of the process in which the application was first seen or,
+    /// when another application of that process has it already, a number that no process can have. An application keeps
+    /// its number also while it has no window. `find` must know all windows: a dialog belongs to the application of its
+    /// parent window when both are of one process.
     [[nodiscard]] Pid numberFor(const X11WindowFacts& window, const FindWindow& find) const;
 
     /// The application with this number; `windows` are all of its windows, at least one.
     [[nodiscard]] RunningApplication describe(Pid pid, const std::vector<const X11WindowFacts*>& windows) const;
 
-    /// The first number given to an application that does not have the number of a process; above those that stand in
-    /// for processes (`X11Owners`).
-    static constexpr Pid firstNumberOfItsOwn = 0x60000000;
+    /// The first number for applications that do not have a process id; above the stand-ins of `X11Owners`.
+    static constexpr Pid firstArtificialNumber = 0x60000000;
 
 private:
     [[nodiscard]] std::optional<X11InstalledApplication> installed(const X11ApplicationIdentity& identity) const;
@@ -67,11 +66,11 @@ private:
     mutable std::unordered_map<std::string, std::optional<X11InstalledApplication>> known_;
     mutable std::unordered_map<std::string, Pid> numbers_;
     mutable std::unordered_set<Pid> usedNumbers_;
-    mutable Pid nextNumber_ = firstNumberOfItsOwn;
+    mutable Pid nextNumber_ = firstArtificialNumber;
 };
 
-/// The installed application that a window's identity names: by what its toolkit says first, which is meant to be a
-/// desktop file's name, then by its class. Any thread.
+/// Finds the installed application for a window's identity: first by the desktop file's name, which toolkits set on
+/// their windows, then by WM_CLASS. Any thread.
 [[nodiscard]] std::optional<X11InstalledApplication> findInstalledApplication(const DesktopEntries& entries,
                                                                               const X11ApplicationIdentity& identity);
 

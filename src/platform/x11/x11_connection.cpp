@@ -38,7 +38,7 @@ std::unique_ptr<X11Connection> X11Connection::open(const char* display) {
     int wanted = 0;
     xcb_connection_t* const connection = xcb_connect(display, &wanted);
     if (xcb_connection_has_error(connection) != 0) {
-        xcb_disconnect(connection);  // also frees a connection that failed
+        xcb_disconnect(connection);  // a failed connection must be freed too
         return nullptr;
     }
     int number = 0;
@@ -70,9 +70,9 @@ std::vector<xcb_atom_t> internAtoms(xcb_connection_t* connection, const std::vec
 
 namespace {
 
-constexpr std::uint8_t sentMark = 0x80;
+constexpr std::uint8_t sendEventFlag = 0x80;
 
-/// The window that the toolkit takes the event to be for.
+/// The window to which Qt delivers the event.
 std::optional<xcb_window_t> windowOf(const xcb_generic_event_t& event) {
     switch (typeOf(event)) {
         case XCB_KEY_PRESS:
@@ -89,7 +89,7 @@ std::optional<xcb_window_t> windowOf(const xcb_generic_event_t& event) {
         case XCB_SELECTION_NOTIFY:
             return reinterpret_cast<const xcb_selection_notify_event_t&>(event).requestor;
         default:
-            // Where all others that windows get have it.
+            // All other events to windows have the field at this place.
             return reinterpret_cast<const xcb_client_message_event_t&>(event).window;
     }
 }
@@ -97,11 +97,11 @@ std::optional<xcb_window_t> windowOf(const xcb_generic_event_t& event) {
 }  // namespace
 
 bool isSentByClient(const xcb_generic_event_t& event) {
-    return (event.response_type & sentMark) != 0;
+    return (event.response_type & sendEventFlag) != 0;
 }
 
 std::uint8_t typeOf(const xcb_generic_event_t& event) {
-    return static_cast<std::uint8_t>(event.response_type & ~sentMark);
+    return static_cast<std::uint8_t>(event.response_type & ~sendEventFlag);
 }
 
 X11SentEventFilter::X11SentEventFilter() {
@@ -133,10 +133,10 @@ constexpr std::uint8_t syncMajor = 3;
 constexpr std::uint8_t syncMinor = 1;
 constexpr std::string_view clockName = "SERVERTIME";
 
-/// A record of the reply: the counter, its resolution of 64 bits, the length of its name, the name.
+/// A record of the reply has the counter, its 64-bit resolution, the length of its name, and the name.
 constexpr std::size_t nameLengthOffset = 12;
 constexpr std::size_t nameOffset = 14;
-/// Records and replies are padded to whole ones of this.
+/// Records and replies are padded to a multiple of this.
 constexpr std::size_t wireUnit = 4;
 
 std::optional<xcb_sync_counter_t> clockOf(xcb_connection_t* connection) {
@@ -145,8 +145,8 @@ std::optional<xcb_sync_counter_t> clockOf(xcb_connection_t* connection) {
     if (!counters) {
         return std::nullopt;
     }
-    // The library's own iterator takes a record's fixed part for as long as its struct, which the compiler has padded:
-    // it reads every name two bytes too late, the last one past the reply's end.
+    // xcb's iterator uses the size of its struct, which includes padding, as the size of a record's fixed part. It
+    // would read each name two bytes too late, and the last one past the end of the reply.
     const auto* const reply = reinterpret_cast<const char*>(counters.get());
     const std::size_t end = sizeof *counters + std::size_t{counters->length} * wireUnit;
     std::size_t at = sizeof *counters;
@@ -188,7 +188,7 @@ bool isServerOfWaylandSession(xcb_connection_t* connection, xcb_window_t root) {
     if (extension != nullptr && extension->present != 0) {
         return true;
     }
-    // Older ones do not have the extension, but name their outputs.
+    // Older versions lack the extension; the names of their outputs begin with the same word.
     const auto* const randr = xcb_get_extension_data(connection, &xcb_randr_id);
     if (randr == nullptr || randr->present == 0) {
         return false;

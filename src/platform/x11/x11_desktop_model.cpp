@@ -22,11 +22,11 @@ void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunnin
         }
         arrived = numberApplications(renamed, announcements);
     }
-    // A manager that is being replaced publishes no list for a moment; the windows are still there.
+    // While a manager is being replaced there is no list for a moment, but the windows still exist.
     if (root.stacking) {
         order_.assign(root.stacking->rbegin(), root.stacking->rend());
         if (removeUnlisted(announcements)) {
-            // Dialogs may have lost the window whose application they were of.
+            // A dialog whose parent window is gone may now belong to another application.
             std::ranges::copy(numberApplications({}, announcements), std::back_inserter(arrived));
         }
     }
@@ -63,13 +63,13 @@ std::optional<xcb_window_t> X11DesktopModel::reviewExpectation() {
         return std::nullopt;
     }
     const auto* const active = find(activeWindow_);
-    // A dialog may be one of the expected window: then that is where the user wanted to be.
+    // The active window may be a dialog of the expected window, which is no theft.
     if (!expectation_->isReached || active == nullptr || active->isTransient) {
         return std::nullopt;
     }
     const xcb_window_t expected = expectation_->window;
     if (const auto* const facts = find(expected); facts != nullptr && !facts->isOnDesktop(currentDesktop_)) {
-        // The user has been taken elsewhere again, which nobody's late answer does.
+        // The desktop has changed again. An application that takes the focus late does not do that, so the user did.
         expectation_.reset();
         return std::nullopt;
     }
@@ -103,8 +103,7 @@ void X11DesktopModel::update(X11WindowFacts window, Windows& renamed, Announceme
                                                now.isHidden ? AccessibilityNotification::windowMiniaturized
                                                             : AccessibilityNotification::windowDeminiaturized});
     }
-    // Moving to another desktop, and becoming something else, change which windows belong to the active Space; a dialog
-    // that becomes modal changes which windows take input.
+    // Each of these facts changes which windows belong to the active Space or which of them take input.
     if (old.desktop != now.desktop || old.isFullScreen != now.isFullScreen || old.kind != now.kind ||
         old.skipsTaskbar != now.skipsTaskbar || old.isModal != now.isModal || old.transientFor != now.transientFor ||
         old.group != now.group || old.opacity != now.opacity || old.identity != now.identity) {
@@ -123,7 +122,7 @@ std::vector<xcb_window_t> X11DesktopModel::numberApplications(const Windows& ren
         }
         arrived.push_back(id);
         if (previous == 0) {
-            continue;  // it is new
+            continue;  // a new window
         }
         history_.forget(id);
         const auto before = std::ranges::find(renamed, id, &X11WindowFacts::id);
@@ -177,7 +176,7 @@ void X11DesktopModel::forget(xcb_window_t window) {
     send(announcements);
 }
 
-/// They are no longer among the windows.
+/// Called after the windows were removed from `windows_`.
 void X11DesktopModel::announceRemoved(const Windows& windows, Announcements& announcements) {
     std::unordered_map<Pid, Windows> removed;
     for (const auto& window : windows) {
@@ -194,7 +193,7 @@ void X11DesktopModel::announceRemoved(const Windows& windows, Announcements& ann
 void X11DesktopModel::announceLaunchesAndWindows(const std::vector<xcb_window_t>& arrived,
                                                  std::unordered_set<Pid> knownApplications,
                                                  Announcements& announcements) const {
-    // One that the same update has ended, and that has come to a window again since, is a new one.
+    // An application that ended in this update and has a window again counts as launched.
     for (const auto& event : announcements.workspaceEvents) {
         if (event.kind == WorkspaceEvent::Kind::didTerminate) {
             knownApplications.erase(event.application->pid);
@@ -303,7 +302,7 @@ std::vector<xcb_window_t> X11DesktopModel::fullScreenWindowsLeftAbove(xcb_window
         return above;
     }
     for (const auto& [id, facts] : windows_) {
-        // A dialog stands above its window by itself.
+        // A dialog is always stacked above its parent window.
         if (id != window && id != activated->transientFor && facts.isFullScreen && !facts.isHidden &&
             !facts.isAlwaysOnTop && facts.isOnDesktop(activated->desktop)) {
             above.push_back(id);

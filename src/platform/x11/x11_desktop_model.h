@@ -20,16 +20,16 @@
 
 namespace ferrowyn {
 
-/// Something that happened to an application or to one of its windows, in the terms of the Accessibility notifications.
+/// A change of an application or of one of its windows, named after the matching Accessibility notification.
 struct X11AccessibilityNotification {
     Pid pid = 0;
-    /// Absent for what the application itself announces.
+    /// nullopt when the notification is about the application.
     std::optional<xcb_window_t> window;
     AccessibilityNotification kind{};
 };
 
-/// Which window of each application was last the active one. The desktop monitor writes it on the main thread, snapshot
-/// workers read it; safe on any thread.
+/// Remembers the last active window of each application. Any thread: the desktop model writes it on the main thread,
+/// snapshot workers read it.
 class X11FocusHistory {
 public:
     void note(Pid pid, xcb_window_t window) {
@@ -51,7 +51,7 @@ private:
     std::unordered_map<Pid, xcb_window_t> lastActive_;
 };
 
-/// A window as the logic holds it: its XID.
+/// The logic's handle of a window; holds the XID.
 class X11Element final : public AXElement {
 public:
     explicit X11Element(xcb_window_t window) : window_(window) {}
@@ -59,7 +59,7 @@ public:
     [[nodiscard]] static AXElementRef make(xcb_window_t window) {
         return AXElementRef(std::make_shared<const X11Element>(window));
     }
-    /// The window of an element of this desktop.
+    /// The XID; nullopt when the element is not from this adapter.
     [[nodiscard]] static std::optional<xcb_window_t> windowOf(const AXElementRef& reference) {
         const auto* const element = dynamic_cast<const X11Element*>(&reference.element());
         return element == nullptr ? std::nullopt : std::optional(element->window_);
@@ -75,43 +75,45 @@ private:
     xcb_window_t window_;
 };
 
-/// The desktop as the main thread knows it: kept up to date by the monitor, asked without a round trip. Each update is
-/// compared with what was known, and the differences are announced in the terms of the logic. Main thread; knows
-/// nothing of connections.
+/// The main thread's picture of the desktop. The monitor updates it; queries take no round trip. Each update is
+/// compared with the previous state, and the differences are announced in the logic's terms. Main thread; sends no
+/// requests; owned by `X11DesktopMonitor`.
 class X11DesktopModel {
 public:
     /// Both outlive the model.
     X11DesktopModel(const X11ApplicationDirectory& directory, X11FocusHistory& history)
         : directory_(directory), history_(history) {}
 
-    /// A newer state: the root, and the facts of the windows that are new or have changed.
+    /// Updates the state: `root` replaces the root's facts, and `changedWindows` are the windows that are new or have
+    /// changed.
     void apply(const X11RootFacts& root, bool isWindowManagerRunning, std::vector<X11WindowFacts> changedWindows);
     void noteTitleChanged(xcb_window_t window);
-    /// The window has been destroyed, whether or not the manager still lists it; its number may become another's.
+    /// Removes a destroyed window, even when the manager still lists it: its XID may be used again.
     void forget(xcb_window_t window);
-    /// Applications were installed or removed, after which windows may be of other applications than before.
+    /// Applications were installed or removed, so windows may now belong to other applications.
     void noteInstalledApplicationsChanged();
 
     enum class Path {
         onOneDesktop,
-        /// The manager focuses a window of its own choice first. That one's application may take the focus late, when
-        /// the right window has it already: see `focusThefts`.
+        /// The manager focuses some window of the new desktop first. Its application may take the focus late, after the
+        /// requested window got it: see `focusThefts`.
         acrossDesktops,
     };
-    /// An activation of this window is under way. What else becomes active on the way there (the window that a manager
-    /// focuses first when it switches desktops) is not the user's choice and is announced only if it stays.
+    /// An activation of this window is under way. Another window that becomes active until then, such as the one that a
+    /// manager focuses first when it switches desktops, is announced only if it stays active.
     void expectActive(xcb_window_t window, Path path) { expectation_ = Expectation{.window = window, .path = path}; }
     void stopExpectingActive();
-    /// A session starts while this window is the active one, which the events need not have told yet. It starts from
-    /// the window that an activation under way leads to, if there is one: a second quick switch leads back.
+    /// A session starts while `active` is the active window; the event for that may not have arrived yet. When an
+    /// activation is under way, the session starts from its window, so that a second quick switch leads back.
     void startSessionFrom(xcb_window_t active);
 
     [[nodiscard]] bool isWindowManagerRunning() const { return isWindowManagerRunning_; }
     [[nodiscard]] bool supportsRestacking() const { return supportsRestacking_; }
-    /// Those that this window's manager leaves above it although it is activated; see `X11RootFacts`.
+    /// The full-screen windows that the manager keeps above this window when it is activated; see
+    /// `X11RootFacts::keepsFullScreenOnTop`.
     [[nodiscard]] std::vector<xcb_window_t> fullScreenWindowsLeftAbove(xcb_window_t window) const;
     [[nodiscard]] std::optional<std::uint32_t> currentDesktop() const { return currentDesktop_; }
-    /// None while the manager says that no window is.
+    /// None while no window is active.
     [[nodiscard]] xcb_window_t activeWindow() const { return activeWindow_; }
     /// Front-most first, without desktop elements.
     [[nodiscard]] std::vector<xcb_window_t> order() const;
@@ -120,23 +122,24 @@ public:
     [[nodiscard]] std::vector<xcb_window_t> windowsOf(Pid pid) const;
     [[nodiscard]] std::vector<RunningApplication> runningApplications() const;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(Pid pid) const;
-    /// The application of the active window (of the one that a session has just started from), or of the last one, as
-    /// long as that is still there to be used: a passing None does not take the front from it.
+    /// The application of the window that a session has just started from, or of the active window. While no window is
+    /// active, the application of the last active one, as long as that window is visible on this desktop: managers set
+    /// None for a moment.
     [[nodiscard]] std::optional<Pid> frontmostPid() const;
     [[nodiscard]] std::optional<xcb_window_t> lastActiveOf(Pid pid) const { return history_.lastActiveOf(pid); }
 
     [[nodiscard]] const Subject<WorkspaceEvent>& workspaceEvents() const { return workspaceEvents_; }
     [[nodiscard]] const Subject<X11AccessibilityNotification>& notifications() const { return notifications_; }
-    /// The window manager came or went; the value is whether it runs.
+    /// Sends whether a window manager runs, when that changes.
     [[nodiscard]] const Subject<bool>& windowManagerChanges() const { return windowManagerChanges_; }
-    /// Another window has taken the focus from this one, to which an activation across desktops had led. Sent once an
-    /// activation; who is sent it should ask again.
+    /// Sends the requested window of an activation across desktops when another window has taken the focus from it. At
+    /// most once for each activation; the observer should request the activation again.
     [[nodiscard]] const Subject<xcb_window_t>& focusThefts() const { return focusThefts_; }
-    /// Another window has become the active one, or none, also in passing.
+    /// Sends each new active window, None included, also when it is active only for a moment.
     [[nodiscard]] const Subject<xcb_window_t>& activeWindowChanges() const { return activeWindowChanges_; }
 
 private:
-    /// What an update brought, collected first and announced when the model is whole again.
+    /// The announcements of one update. They are sent when the update is complete, so that observers see the new state.
     struct Announcements {
         std::vector<WorkspaceEvent> workspaceEvents;
         std::vector<X11AccessibilityNotification> notifications;
@@ -149,21 +152,21 @@ private:
         bool isReached = false;
     };
 
-    /// Looks at the active window in the light of the expectation; the window that has lost the focus, if one has.
+    /// Compares the active window with the expectation. Returns the expected window when it has lost the focus.
     std::optional<xcb_window_t> reviewExpectation();
-    /// True when a window has gone.
+    /// True when at least one window was removed.
     bool removeUnlisted(Announcements& announcements);
     void announceRemoved(const Windows& windows, Announcements& announcements);
     void update(X11WindowFacts window, Windows& renamed, Announcements& announcements);
     [[nodiscard]] std::unordered_set<Pid> knownApplications() const;
-    /// Gives each window the number of its application. `renamed` are the windows that now say something else about
-    /// their application, as they were. Returns those that have come to an application that they were not of before.
+    /// Gives each window the number of its application. `renamed` are the earlier facts of the windows whose identity
+    /// has changed. Returns the windows that are new in their application.
     std::vector<xcb_window_t> numberApplications(const Windows& renamed, Announcements& announcements);
     void announceLaunchesAndWindows(const std::vector<xcb_window_t>& arrived, std::unordered_set<Pid> knownApplications,
                                     Announcements& announcements) const;
-    /// Announces the end of those that have no window any more; the windows are the ones that they have lost.
+    /// Announces the end of each application that has no window left. `lost` are the windows that it had before.
     void announceTerminations(const std::unordered_map<Pid, Windows>& lost, Announcements& announcements) const;
-    /// Announces what became active, unless it is a mere stage of an activation.
+    /// Announces the active window, unless an activation of another window is under way.
     void reportActive(Announcements& announcements);
     void report(const X11WindowFacts& active, Announcements& announcements);
     void send(const Announcements& announcements) const;
@@ -180,7 +183,7 @@ private:
     xcb_window_t reportedActive_ = XCB_WINDOW_NONE;
     std::optional<Pid> reportedPid_;
     std::optional<Expectation> expectation_;
-    /// Newer than what the events have told, until they tell of the root window again.
+    /// The active window when the session started. Newer than `activeWindow_` until the next update.
     std::optional<xcb_window_t> sessionStart_;
     /// Front-most first, desktop elements included.
     std::vector<xcb_window_t> order_;

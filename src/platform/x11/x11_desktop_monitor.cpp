@@ -12,8 +12,8 @@
 
 namespace ferrowyn {
 
-X11TitleChanges::X11TitleChanges(MainLoop& mainLoop, std::function<void(xcb_window_t)> tell)
-    : mainLoop_(mainLoop), tell_(std::move(tell)) {}
+X11TitleChanges::X11TitleChanges(MainLoop& mainLoop, std::function<void(xcb_window_t)> onChange)
+    : mainLoop_(mainLoop), onChange_(std::move(onChange)) {}
 
 void X11TitleChanges::note(xcb_window_t window) {
     if (std::ranges::find(changed_, window) != changed_.end()) {
@@ -22,28 +22,28 @@ void X11TitleChanges::note(xcb_window_t window) {
     const bool isFirst = changed_.empty();
     changed_.push_back(window);
     if (isFirst) {
-        const auto rest = lastTold_ ? *lastTold_ + interval - mainLoop_.now() : Seconds::zero();
-        timer_ = mainLoop_.after(std::max(rest, gatheringTime), [this] { tellAll(); });
+        const auto rest = lastReport_ ? *lastReport_ + interval - mainLoop_.now() : Seconds::zero();
+        timer_ = mainLoop_.after(std::max(rest, gatheringTime), [this] { reportAll(); });
     }
 }
 
-void X11TitleChanges::tellAll() {
-    lastTold_ = mainLoop_.now();
+void X11TitleChanges::reportAll() {
+    lastReport_ = mainLoop_.now();
     for (const auto window : std::exchange(changed_, {})) {
-        tell_(window);
+        onChange_(window);
     }
 }
 
 namespace {
 
-/// Longer than any manager takes for an activation, shorter than a user takes for the next.
+/// Longer than a manager needs for an activation, shorter than the time until the user's next one.
 constexpr Seconds activationGrace = std::chrono::milliseconds(300);
 
-/// Of every foreign window the same, as one selection replaces another: the manager's window may be named as one that
-/// is listed, or as the root.
-constexpr std::uint32_t heardOfWindows = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+/// The event mask for the root, the listed windows and the manager's check window. It is one mask, because selecting
+/// again replaces the earlier mask and the check window may also be a listed window or the root.
+constexpr std::uint32_t windowEventMask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
 
-/// What is read here is read because it has changed.
+/// The monitor reads a window because it has changed, so no earlier facts are reused.
 const X11WindowBatch::KnownWindows nothingKnown;
 
 }  // namespace
@@ -65,7 +65,7 @@ X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Conn
 
 void X11DesktopMonitor::subscribeToRoot() {
     auto* const xcb = connection_.get();
-    listenTo(connection_.root());
+    selectEvents(connection_.root());
 
     clockWindow_ = xcb_generate_id(xcb);
     const std::array<std::uint32_t, 2> values{1, XCB_EVENT_MASK_PROPERTY_CHANGE};
@@ -101,7 +101,7 @@ void X11DesktopMonitor::handleEvent(const xcb_generic_event_t& event) {
                              type == randrFirstEvent_ + XCB_RANDR_NOTIFY)) {
         screenChanges_.send(true);
     }
-    // Errors are of windows that vanished before a request reached them: nothing to do.
+    // Errors concern windows that were destroyed before a request reached the server; they are ignored.
 }
 
 void X11DesktopMonitor::handleDestroyed(xcb_window_t window) {
@@ -110,12 +110,12 @@ void X11DesktopMonitor::handleDestroyed(xcb_window_t window) {
     }
     changedWindows_.erase(window);
     if (model_.find(window) != nullptr) {
-        // At once: the manager may take its time to say so, and the next window may have the same number by then.
+        // Removed at once: the manager's list follows later, and by then a new window may have the same XID.
         windowReadings_.send({window});
         model_.forget(window);
         return;
     }
-    // Perhaps the manager's own: then it has gone.
+    // It may be the manager's check window, and then the manager has ended.
     isRootChanged_ = true;
     readAgain();
 }
@@ -176,9 +176,9 @@ void X11DesktopMonitor::readWindows(const X11RootFacts& root) {
         isReading_ = false;
         const auto destroyed = std::exchange(destroyedMeanwhile_, {});
         std::erase_if(answer.windows, [&](const auto& window) { return destroyed.contains(window.id); });
-        // The number may be another window's by now, which is listed and not known.
+        // A new window may have the XID of a destroyed one and be listed but not known.
         isRootChanged_ = isRootChanged_ || !destroyed.empty();
-        // Before whoever hears of the change has the whole desktop read.
+        // Sent before the change is announced: its observers start a reading of the whole desktop.
         windowReadings_.send(windows);
         applyReading(root, check, std::move(answer.windows));
         readAgain();
@@ -192,8 +192,8 @@ void X11DesktopMonitor::applyReading(X11RootFacts root, const X11ManagerCheck::R
     model_.apply(root, manager != XCB_WINDOW_NONE, std::move(windows));
 }
 
-/// Of the listed windows those that are new or have changed; they are listened to before they are read, so that no
-/// change falls between the two.
+/// The listed windows that are new or have changed. Their events are selected before they are read, so that no change
+/// is missed.
 std::vector<xcb_window_t> X11DesktopMonitor::windowsToRead(const X11RootFacts& root) {
     const auto changed = std::exchange(changedWindows_, {});
     std::vector<xcb_window_t> windows;
@@ -205,18 +205,18 @@ std::vector<xcb_window_t> X11DesktopMonitor::windowsToRead(const X11RootFacts& r
             return changed.contains(window) || model_.find(window) == nullptr;
         });
     }
-    // Again and again for some: a window's number may have become another's, which nobody has listened to yet.
-    std::ranges::for_each(windows, [this](xcb_window_t window) { listenTo(window); });
+    // Known windows are selected again, because an XID may belong to a new window by now.
+    std::ranges::for_each(windows, [this](xcb_window_t window) { selectEvents(window); });
     return windows;
 }
 
-void X11DesktopMonitor::listenTo(xcb_window_t window) {
-    xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &heardOfWindows);
+void X11DesktopMonitor::selectEvents(xcb_window_t window) {
+    xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &windowEventMask);
 }
 
 X11ManagerCheck::Requests X11DesktopMonitor::requestManagerCheck(const X11RootFacts& root) {
     if (root.supportingWmCheck != XCB_WINDOW_NONE) {
-        listenTo(root.supportingWmCheck);
+        selectEvents(root.supportingWmCheck);
     }
     return managerCheck_.request(connection_.get(), root, atoms_);
 }

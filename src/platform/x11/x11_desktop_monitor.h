@@ -18,33 +18,33 @@
 
 namespace ferrowyn {
 
-/// Passes on which windows have changed their titles: those of all windows together, twice a second at most. A refresh
-/// of the window list waits until changes pause, so a page that shows its progress in its title would otherwise keep a
-/// new window from being listed. Main thread.
+/// Collects title changes and reports them at most twice a second. A refresh of the window list waits until changes
+/// pause, so a window that changes its title all the time would otherwise delay the listing of new windows. Main
+/// thread; owned by `X11DesktopMonitor`.
 class X11TitleChanges {
 public:
-    /// A client sets two properties for one title.
+    /// A client sets two properties for one title, so the first change is reported a moment later.
     static constexpr Seconds gatheringTime{0.05};
     static constexpr Seconds interval{0.5};
 
-    /// `tell` is called for each window that has changed since it was told of. The loop outlives this.
-    X11TitleChanges(MainLoop& mainLoop, std::function<void(xcb_window_t)> tell);
+    /// `onChange` is called for each window whose title has changed since the last report. The loop outlives this.
+    X11TitleChanges(MainLoop& mainLoop, std::function<void(xcb_window_t)> onChange);
 
     void note(xcb_window_t window);
 
 private:
-    void tellAll();
+    void reportAll();
 
     MainLoop& mainLoop_;
-    std::function<void(xcb_window_t)> tell_;
+    std::function<void(xcb_window_t)> onChange_;
     std::vector<xcb_window_t> changed_;
-    std::optional<TimePoint> lastTold_;
+    std::optional<TimePoint> lastReport_;
     Subscription timer_;
 };
 
-/// Listens to the window manager and to the listed windows, and keeps the model up to date. Main thread. After the
-/// first reading, which waits, nothing here waits for the server: changes mark what is to be read again, one reading is
-/// under way at a time, and what changes meanwhile is read next. A manager that is replaced is simply read again.
+/// Follows the events of the root window and the listed windows, and keeps the model up to date. Only the constructor
+/// waits for the server. Each event marks what has to be read again; one reading runs at a time, and changes during it
+/// start the next one. Main thread; owned by `X11Platform`.
 class X11DesktopMonitor {
 public:
     /// The references outlive the monitor. The first reading is done when this returns.
@@ -55,25 +55,25 @@ public:
     X11DesktopMonitor& operator=(const X11DesktopMonitor&) = delete;
 
     [[nodiscard]] const X11DesktopModel& model() const { return model_; }
-    /// For requests that need no answer, and for readings that may wait.
+    /// For requests without a reply, and for the few places that may wait for one.
     [[nodiscard]] X11EventConnection& connection() { return connection_; }
 
-    /// See `X11DesktopModel::expectActive`; ends by itself after a moment.
+    /// See `X11DesktopModel::expectActive`. The expectation ends by itself after a short time.
     void expectActive(xcb_window_t window, X11DesktopModel::Path path);
     void stopExpectingActive();
     void startSessionFrom(xcb_window_t active) { model_.startSessionFrom(active); }
     void noteInstalledApplicationsChanged() { model_.noteInstalledApplicationsChanged(); }
 
-    /// The server's time at the latest event seen here; never 0.
+    /// The server's time of the latest property event on this connection; never 0.
     [[nodiscard]] xcb_timestamp_t latestServerTime() const { return latestServerTime_; }
 
-    /// These windows are new, have changed, or are gone; what others knew of them may be old.
+    /// Sends the windows that are new, have changed or are gone. Facts about them that are kept elsewhere may be old.
     [[nodiscard]] const Subject<std::vector<xcb_window_t>>& windowReadings() const { return windowReadings_; }
 
-    /// The window carries another icon from now on.
+    /// Sends a window whose icon has changed.
     [[nodiscard]] const Subject<xcb_window_t>& iconChanges() const { return iconChanges_; }
 
-    /// The arrangement of the screens changed.
+    /// Sends when the arrangement of the screens has changed.
     [[nodiscard]] const Subject<bool>& screenChanges() const { return screenChanges_; }
 
 private:
@@ -84,7 +84,7 @@ private:
     void handleDestroyed(xcb_window_t window);
     void readAgain();
     void readWindows(const X11RootFacts& root);
-    void listenTo(xcb_window_t window);
+    void selectEvents(xcb_window_t window);
     [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
     [[nodiscard]] X11ManagerCheck::Requests requestManagerCheck(const X11RootFacts& root);
     void applyReading(X11RootFacts root, const X11ManagerCheck::Requests& check, std::vector<X11WindowFacts> windows);
@@ -94,7 +94,7 @@ private:
     X11DesktopModel model_;
     X11EventConnection connection_;
     X11Owners owners_;
-    /// Never shown; a change to it makes the server tell its time.
+    /// Never shown. Changing its property causes an event with the server's time.
     xcb_window_t clockWindow_ = XCB_WINDOW_NONE;
     xcb_timestamp_t latestServerTime_ = 1;
     std::uint8_t randrFirstEvent_ = 0;
@@ -103,7 +103,7 @@ private:
     X11ManagerCheck managerCheck_;
     X11ListPublisher publisher_;
     std::unordered_set<xcb_window_t> changedWindows_;
-    /// Since the reading under way began: what it says of them may be of before their end.
+    /// The windows destroyed during the present reading, whose facts may be from before that.
     std::unordered_set<xcb_window_t> destroyedMeanwhile_;
     bool isRootChanged_ = false;
     bool isReading_ = false;

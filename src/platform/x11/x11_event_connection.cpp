@@ -17,8 +17,8 @@ X11EventConnection::X11EventConnection(std::unique_ptr<X11Connection> connection
       onConnectionLost_(std::move(onConnectionLost)),
       notifier_(connection_->fileDescriptor(), QSocketNotifier::Read) {
     QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { drain(); });
-    // xcb may read events off the socket while it writes. The socket is silent about those, so they are looked for
-    // before the loop goes to sleep.
+    // xcb may read events from the socket while it writes. The notifier does not report those, so the queue is also
+    // read before the loop waits.
     beforeWaiting_ = QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
                                       &notifier_, [this] { drain(); });
 }
@@ -28,7 +28,7 @@ X11EventConnection::~X11EventConnection() {
 }
 
 void X11EventConnection::whenAnswered(std::function<void()> callback) {
-    // Answers come in the order of the requests: when this one, the cheapest there is, is there, so are the others.
+    // Replies come in the order of the requests. When the reply to this cheap request is there, so are the others.
     fences_.push_back({xcb_get_input_focus(get()).sequence, std::move(callback)});
     flush();
 }
@@ -57,7 +57,7 @@ void X11EventConnection::drain() {
     }
     isDraining_ = false;
     if (hasDelivered) {
-        // The loop may be about to sleep for as long as it decided before this; what was started here counts as well.
+        // The loop may have decided how long to wait before the handlers ran. They may have started timers since.
         QAbstractEventDispatcher::instance()->wakeUp();
     }
     if (!connection_->isAlive()) {
@@ -88,7 +88,7 @@ bool X11EventConnection::deliverAnswered() {
 }
 
 void X11EventConnection::noticeLoss() {
-    // A dead socket is readable for ever; listening on would spin.
+    // A closed socket is always readable, so the notifier would fire without end.
     notifier_.setEnabled(false);
     fences_.clear();
     if (const auto handler = std::exchange(onConnectionLost_, nullptr)) {
@@ -99,7 +99,7 @@ void X11EventConnection::noticeLoss() {
 X11PanelEvents::X11PanelEvents(std::unique_ptr<X11Connection> connection)
     : events_(
           std::move(connection), [this](const xcb_generic_event_t& event) { received_.send(event); }, [] {}) {
-    setHearsStacking(false);
+    setSelectsStacking(false);
 }
 
 std::optional<std::uint8_t> X11PanelEvents::listenToSelection(xcb_atom_t selection) {
@@ -107,7 +107,7 @@ std::optional<std::uint8_t> X11PanelEvents::listenToSelection(xcb_atom_t selecti
     if (extension == nullptr || extension->present == 0) {
         return std::nullopt;
     }
-    // The server refuses every other request of the extension before it has been asked for its version.
+    // The server refuses other requests of the extension until the client has sent its version.
     const auto version = xcb_xfixes_query_version(get(), XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
     xcb_discard_reply(get(), version.sequence);
     xcb_xfixes_select_selection_input(get(), root(), selection,
@@ -117,9 +117,9 @@ std::optional<std::uint8_t> X11PanelEvents::listenToSelection(xcb_atom_t selecti
     return extension->first_event;
 }
 
-void X11PanelEvents::setHearsStacking(bool hearsStacking) {
+void X11PanelEvents::setSelectsStacking(bool selectsStacking) {
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                               (hearsStacking ? std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY} : 0U);
+                               (selectsStacking ? std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY} : 0U);
     xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &mask);
     events_.flush();
 }

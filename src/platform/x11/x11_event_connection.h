@@ -12,9 +12,9 @@
 
 namespace ferrowyn {
 
-/// The connection whose events arrive on the main loop. Main thread; it never waits for the server: what needs an
-/// answer sends its requests and is called back when the answers have come. Events that another client has sent are
-/// dropped, except messages.
+/// A connection whose events are delivered on the main loop. It never waits for the server: a caller sends requests and
+/// gets a callback when the replies have arrived. Events sent by other clients are dropped, except client messages.
+/// Main thread.
 class X11EventConnection {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
@@ -29,11 +29,10 @@ public:
     [[nodiscard]] xcb_connection_t* get() const { return connection_->get(); }
     [[nodiscard]] xcb_window_t root() const { return connection_->root(); }
 
-    /// Calls back once everything sent so far is answered, so that collecting those answers does not wait. Dropped
-    /// when the connection is lost.
+    /// Flushes, and calls `callback` when the replies to all requests sent so far have arrived: collecting them does
+    /// not wait then. Not called when the connection is lost first.
     void whenAnswered(std::function<void()> callback);
 
-    /// Puts what was sent on its way now.
     void flush();
 
 private:
@@ -51,13 +50,13 @@ private:
     std::function<void()> onConnectionLost_;
     std::deque<Fence> fences_;
     bool isDraining_ = false;
-    /// What belongs to the toolkit's loop comes last, so that it goes first.
+    /// Declared last, so that it is destroyed before the connection that it watches.
     QSocketNotifier notifier_;
     QMetaObject::Connection beforeWaiting_;
 };
 
-/// The connection on which the panel's side of the adapter listens: screens, compositor, clicks elsewhere. One of its
-/// own, so that its event masks on the root window are nobody else's business. Main thread.
+/// The connection shared by the panel, the screens, the compositor, XSETTINGS and the pointer. It is separate from the
+/// desktop monitor's, so that neither replaces the other's event mask on the root window. Main thread.
 class X11PanelEvents {
 public:
     /// `connection` is not null.
@@ -72,15 +71,15 @@ public:
         return received_.subscribe(std::move(handler));
     }
 
-    /// Calls back once everything sent so far is answered, so that collecting the answers does not wait.
+    /// See `X11EventConnection::whenAnswered`.
     void whenAnswered(std::function<void()> callback) { events_.whenAnswered(std::move(callback)); }
 
-    /// Has the server tell when the selection's owner changes. Returns the number of the first event of the extension
-    /// that tells it; nothing where the server lacks that. Only sent.
+    /// Selects events for changes of the selection's owner. Returns the first event number of the XFIXES extension;
+    /// nullopt when the server lacks it. Does not wait.
     [[nodiscard]] std::optional<std::uint8_t> listenToSelection(xcb_atom_t selection);
 
-    /// Whether changes among the windows on the root are told as well: much traffic, so only while the panel is shown.
-    void setHearsStacking(bool hearsStacking);
+    /// Whether events about the root's child windows are selected too. They are many, so only while the panel is shown.
+    void setSelectsStacking(bool selectsStacking);
 
 private:
     Subject<xcb_generic_event_t> received_;

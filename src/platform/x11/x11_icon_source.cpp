@@ -10,7 +10,7 @@
 namespace ferrowyn {
 namespace {
 
-/// In 32-bit units: 4 MiB, room for every usual size up to 512 together.
+/// In 32-bit units: 4 MiB, enough for all usual sizes up to 512 together.
 constexpr std::uint32_t maximumPropertyLength = 1U << 20U;
 constexpr std::uint32_t maximumSide = 1024;
 
@@ -40,9 +40,9 @@ std::shared_ptr<const IconImage> X11IconSource::genericApplicationIcon(std::stri
 }
 
 Subscription X11IconSource::observeProcessIcons(std::function<void(Pid)> handler) {
-    return monitor_.iconChanges().subscribe([this, told = std::move(handler)](const xcb_window_t& window) {
+    return monitor_.iconChanges().subscribe([this, handler = std::move(handler)](const xcb_window_t& window) {
         if (const auto* const facts = monitor_.model().find(window)) {
-            told(facts->pid);
+            handler(facts->pid);
         }
     });
 }

@@ -12,8 +12,8 @@ namespace ferrowyn {
 
 class DesktopEntries;
 
-/// The icon that the desktop file names in the user's theme; the one that the application's windows carry; a lettered
-/// tile. Main thread, with a QGuiApplication.
+/// Loads icons of applications: by desktop file from the user's icon theme, by process from `_NET_WM_ICON` of its
+/// windows, or as a tile with a letter. Needs a QGuiApplication. Main thread.
 class X11IconSource final : public IconSource {
 public:
     /// All references outlive this.
@@ -31,8 +31,8 @@ private:
     const DesktopEntries& entries_;
 };
 
-/// The pictures in an icon property: width, height and pixels of one after the other. Ends at the first one that is
-/// cut or has an impossible size; what came before counts.
+/// The images in an icon property, each stored as width, height and pixels. Reading stops at the first image that is
+/// cut or has an impossible size; the images before it are returned.
 [[nodiscard]] std::vector<PixelBuffer> iconsFromProperty(std::span<const std::uint32_t> items);
 
 }  // namespace ferrowyn

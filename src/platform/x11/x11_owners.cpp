@@ -63,7 +63,7 @@ X11Owners::Processes X11Owners::collect(std::optional<xcb_res_query_client_ids_c
         if (xcb_res_client_id_value_value_length(ids.data) < 1) {
             continue;
         }
-        // 0 is a process that this machine's numbering does not reach.
+        // 0 stands for a process in another process namespace.
         const auto process = *xcb_res_client_id_value_value(ids.data);
         if (process > 0 && process < static_cast<std::uint32_t>(firstStandIn)) {
             processes.emplace(clientOf(ids.data->spec.client), static_cast<Pid>(process));

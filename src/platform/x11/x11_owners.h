@@ -14,28 +14,28 @@
 
 namespace ferrowyn {
 
-/// Tells which process a window belongs to. The server knows the process at the other end of each client's socket,
-/// which is right also inside sandboxes that count processes on their own; a client that is not on this machine, or a
-/// server without that extension, leaves what the client says of itself. For clients with neither, a number stands in
-/// that no process can have, so that their windows are still an application of their own.
+/// Finds the process that a window belongs to. The server (X-Resource extension) knows the process of each client's
+/// socket, which is right also for sandboxes with their own process numbers. Without that, for example for a client on
+/// another machine, the window's `_NET_WM_PID` counts. A client with neither gets a stand-in: a number that no process
+/// can have, so that its windows still form one application. Used on the thread of its connection.
 class X11Owners {
 public:
-    /// Asks the server what it can; a few round trips, once a connection.
+    /// Asks for the extension's version; a few round trips.
     explicit X11Owners(const X11Connection& connection);
 
-    /// The clients of these windows, asked for in one request. Nothing when the server cannot be asked.
+    /// Asks for the clients of these windows in one request; nullopt when the server lacks the extension.
     [[nodiscard]] std::optional<xcb_res_query_client_ids_cookie_t> request(
         const std::vector<xcb_window_t>& windows) const;
-    /// The process of each client that has one, by client.
+    /// The process of each client whose process is known, by client number.
     using Processes = std::unordered_map<std::uint32_t, Pid>;
     [[nodiscard]] Processes collect(std::optional<xcb_res_query_client_ids_cookie_t> cookie) const;
 
-    /// Which client made the window.
+    /// The number of the client that made the window.
     [[nodiscard]] std::uint32_t clientOf(xcb_window_t window) const { return window & ~resourceMask_; }
-    /// The number that stands in for the window's client.
+    /// The stand-in for the process of the window's client.
     [[nodiscard]] Pid standInFor(xcb_window_t window) const;
 
-    /// What a window says of its process, believed only from a client of this machine.
+    /// The requests for `_NET_WM_PID` and WM_CLIENT_MACHINE. The process counts only for a client of this machine.
     struct Claim {
         xcb_get_property_cookie_t pid;
         xcb_get_property_cookie_t machine;
@@ -43,7 +43,7 @@ public:
     [[nodiscard]] Claim requestClaim(xcb_window_t window, const X11Atoms& atoms) const;
     [[nodiscard]] std::optional<Pid> collectClaim(const Claim& claim) const;
 
-    /// Linux numbers processes up to 2^22; stand-ins start well above.
+    /// Well above the largest process number of Linux, 2^22.
     static constexpr Pid firstStandIn = 0x40000000;
 
 private:

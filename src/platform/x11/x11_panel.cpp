@@ -17,14 +17,14 @@ X11Compositor::X11Compositor(X11PanelEvents& events) {
         firstEvent_ = *firstEvent;
         eventSubscription_ = events.observe([this](const xcb_generic_event_t& event) { handle(event); });
     }
-    // Asked after the events are on, so that no start or stop falls between the two.
+    // Asked after the events are selected, so that no start or stop is missed.
     const XcbReply<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection_), nullptr));
     owner_ = owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-Subscription X11Compositor::observe(std::function<void(bool)> handler) const {
-    return changes_.subscribe([handler = std::move(handler)](const bool& isRunning) { handler(isRunning); });
+Subscription X11Compositor::observe(std::function<void(bool)> onChange) const {
+    return changes_.subscribe([onChange = std::move(onChange)](const bool& isRunning) { onChange(isRunning); });
 }
 
 void X11Compositor::handle(const xcb_generic_event_t& event) {
@@ -36,7 +36,7 @@ void X11Compositor::handle(const xcb_generic_event_t& event) {
         return;
     }
     const bool wasRunning = isRunning();
-    // The owner is named also when its window or its client is what has just gone.
+    // The event names the old owner also when its window was destroyed or its client has ended.
     owner_ = notification.subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER ? notification.owner
                                                                                     : xcb_window_t{XCB_WINDOW_NONE};
     if (isRunning() != wasRunning) {
@@ -46,7 +46,7 @@ void X11Compositor::handle(const xcb_generic_event_t& event) {
 
 namespace {
 
-/// Another window that insists on being on top as well, a screen locker say, must win in the end.
+/// Another window may raise itself again and again too, such as a screen locker. It must stay on top in the end.
 constexpr int mostRaisesPerSession = 32;
 
 }  // namespace
@@ -61,7 +61,7 @@ X11Panel::X11Panel(X11PanelEvents& events, const X11Screens& screens, const X11C
 X11Panel::~X11Panel() {
     orderOut();
     finishHiding();
-    window_.reset();  // lets the content's widget go before the content takes it along
+    window_.reset();  // before the content is destroyed: the window's destructor uses the content's widget
 }
 
 void X11Panel::setContent(std::unique_ptr<PanelContent> content) {
@@ -111,14 +111,14 @@ void X11Panel::orderFrontRegardless() {
     if (!isReady) {
         redraw();
     }
-    // Before the panel can be seen: a press right after it appeared must not be missed.
+    // Set before the panel is visible, so that a press right after that is not missed.
     pointer_.panelCovers(frame_);
     window_->reveal(frame_);
     isPrimed_ = false;
     isShown_ = true;
     raisesLeft_ = mostRaisesPerSession;
-    events_.setHearsStacking(true);
-    // The picture is on its way; what remains brings the toolkit to where the server is.
+    events_.setSelectsStacking(true);
+    // The server shows the panel now. The rest brings Qt's state up to date.
     if (isReady) {
         content_->synchronize();
         window_->resizeTo(frame_, screens_.coordinates().scale);
@@ -133,21 +133,21 @@ void X11Panel::orderOut() {
     isShown_ = false;
     window_->conceal();
     isHidePending_ = true;
-    // The toolkit follows in a turn of its own: a window is to be activated first.
+    // Qt's part is done in a later turn of the loop, so that the chosen window is activated first.
     QMetaObject::invokeMethod(
         window_.get(), [this] { finishHiding(); }, Qt::QueuedConnection);
 }
 
-/// What has to be done before anything else happens to the window.
+/// Does Qt's part of `orderOut`. Called before anything else is done with the window.
 void X11Panel::finishHiding() {
     if (std::exchange(isHidePending_, false)) {
         pointer_.panelCovers(std::nullopt);
-        events_.setHearsStacking(false);
+        events_.setSelectsStacking(false);
         window_->hide();
     }
 }
 
-/// Also when a compositor starts or stops: a window's depth is for life, so there is a new one.
+/// Makes the window, and makes it again when a compositor starts or stops: the depth of a window cannot be changed.
 void X11Panel::makeWindow() {
     if (content_ == nullptr || content_->widget() == nullptr) {
         return;
@@ -183,7 +183,7 @@ void X11Panel::prime(const X11PixelRect& frame) {
     isPrimed_ = true;
 }
 
-/// Draws the content as it is now into what the server will paint.
+/// Draws the present content and makes it the window's background.
 void X11Panel::redraw() {
     const double scale = screens_.coordinates().scale;
     content_->synchronize();
@@ -194,7 +194,7 @@ void X11Panel::redraw() {
     isPrimed_ = false;
 }
 
-/// A manager stacks the windows that it manages above all others' when it raises one of them.
+/// Raises the panel again after another window was raised or mapped above it.
 void X11Panel::stayOnTop(const xcb_generic_event_t& event) {
     if (!isShown_ || raisesLeft_ == 0) {
         return;
@@ -203,7 +203,7 @@ void X11Panel::stayOnTop(const xcb_generic_event_t& event) {
     bool concernsOther = false;
     if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        // What no manager manages, such as menus and lockers, is where its owner wants it.
+        // Override-redirect windows, such as menus and lockers, are left where their clients put them.
         concernsOther =
             change.window != window_->id() && change.window != events_.root() && change.override_redirect == 0;
     } else if (type == XCB_MAP_NOTIFY) {

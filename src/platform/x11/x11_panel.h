@@ -13,15 +13,15 @@
 
 namespace ferrowyn {
 
-/// Whether a compositing manager runs, as the owner of its selection tells. Main thread.
+/// Knows whether a compositing manager runs: then the compositing selection has an owner. Main thread.
 class X11Compositor {
 public:
     /// `events` outlives this.
     explicit X11Compositor(X11PanelEvents& events);
 
     [[nodiscard]] bool isRunning() const { return owner_ != XCB_WINDOW_NONE; }
-    /// Told each time one starts or stops.
-    [[nodiscard]] Subscription observe(std::function<void(bool isRunning)> handler) const;
+    /// `onChange` is called each time a compositing manager starts or stops.
+    [[nodiscard]] Subscription observe(std::function<void(bool isRunning)> onChange) const;
 
 private:
     void handle(const xcb_generic_event_t& event);
@@ -33,7 +33,7 @@ private:
     Subscription eventSubscription_;
 };
 
-/// The panel on X11: an override-redirect window that no manager touches. Main thread.
+/// The panel on X11: an override-redirect window, which the window manager does not manage. Main thread.
 class X11Panel final : public Panel {
 public:
     /// All of them outlive this.
@@ -65,11 +65,11 @@ private:
     std::unique_ptr<X11PanelWindow> window_;
     X11PixelRect frame_;
     bool isShown_ = false;
-    /// Gone from the screen, which the toolkit has still to be told.
+    /// The server has unmapped the window, but Qt's `hide` is still to be called.
     bool isHidePending_ = false;
-    /// Where the frame that was drawn ahead would appear; nothing when none was.
+    /// The frame for which the content was drawn in advance; nullopt before the first time.
     std::optional<X11PixelRect> prepared_;
-    /// Whether that frame is still what the server would paint.
+    /// Whether that drawing is the window's background, which the server paints when it maps the window.
     bool isPrimed_ = false;
     int raisesLeft_ = 0;
     Subscription compositorSubscription_;

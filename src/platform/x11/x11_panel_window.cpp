@@ -29,7 +29,7 @@ void X11PanelPixmap::upload(const QImage& image) {
     if (image.size() != size_) {
         resize(image.size());
     }
-    // In strips, as the server bounds the length of a request; its 24 or 32 bytes of header are well within the row.
+    // In strips, because the length of a request is limited. One row less leaves room for the request's header.
     const auto rowBytes = static_cast<std::uint32_t>(image.bytesPerLine());
     const std::uint64_t longest = std::uint64_t{xcb_get_maximum_request_length(connection_)} * 4;
     const int rows = static_cast<int>(std::max<std::uint64_t>(longest / rowBytes, 2) - 1);
@@ -125,7 +125,7 @@ void X11PanelWindow::prime(const QImage& image) {
     const xcb_pixmap_t picture = pixmap_->id();
     xcb_change_window_attributes(connection_, window_, XCB_CW_BACK_PIXMAP, &picture);
     xcb_flush(connection_);
-    // Below the content and above the lower edge: the plain ground of the panel.
+    // A pixel near the middle of the lower edge, where the panel shows only its background.
     pixel_ =
         reinterpret_cast<const std::uint32_t*>(image.constScanLine(std::max(image.height() - 3, 0)))[image.width() / 2];
 }
@@ -133,7 +133,7 @@ void X11PanelWindow::prime(const QImage& image) {
 void X11PanelWindow::reveal(const X11PixelRect& frame) {
     place(frame);
     xcb_map_window(connection_, window_);
-    // Mapping has painted the picture; it must not be tiled over what a larger panel uncovers.
+    // The picture is painted now. As a background it would be tiled over the area that a larger panel uncovers.
     setBackgroundToPixel();
     xcb_flush(connection_);
 }
@@ -157,8 +157,8 @@ void X11PanelWindow::place(const X11PixelRect& frame) {
 
 void X11PanelWindow::resizeShown(const X11PixelRect& frame, double scale) {
     if (frame.width != frame_.width || frame.height != frame_.height) {
-        // The toolkit's own window keeps its extent until the server reports the new one: the toolkit would resize it
-        // at once, over the old picture, and put it where it last knew it.
+        // Only the content is resized here. Resizing the Qt window would resize the X window at once, over the old
+        // picture and at the position that Qt knew last; Qt follows when the server reports the new size.
         content_.setGeometry(QRect(QPoint(), sizeInPoints(frame, scale)));
         QImage image = blankImage(frame, scale);
         content_.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
@@ -179,7 +179,7 @@ void X11PanelWindow::resizeEvent(QResizeEvent* event) {
     content_.setGeometry(QRect(QPoint(), event->size()));
 }
 
-/// Sees the pointer before the content does, so that whoever reacts to the content finds the place up to date.
+/// Reports pointer events before the content handles them, so that its handlers find the pointer's position up to date.
 bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::Enter:
@@ -202,7 +202,7 @@ bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-/// What a manager, a compositor or a pager may want to know of a window that none of them manages.
+/// Sets the properties that window managers, compositors and pagers read also from an override-redirect window.
 void X11PanelWindow::describe() {
     if (connection_ == nullptr) {
         return;
@@ -211,7 +211,7 @@ void X11PanelWindow::describe() {
         internAtoms(connection_, {"_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_STATE",
                                   "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
                                   "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_DESKTOP", "_COMPTON_SHADOW"});
-    // A change of extent replaces the whole picture by the background instead of keeping a corner of the old one.
+    // With this gravity a resized window shows its background everywhere and keeps no part of the old picture.
     const std::uint32_t forget = XCB_GRAVITY_BIT_FORGET;
     xcb_change_window_attributes(connection_, window_, XCB_CW_BIT_GRAVITY, &forget);
     const auto set = [this](xcb_atom_t name, xcb_atom_t type, const std::vector<std::uint32_t>& values) {

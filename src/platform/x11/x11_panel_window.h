@@ -13,16 +13,16 @@
 
 namespace ferrowyn {
 
-/// A picture kept in the server, ready to become a window's background. Main thread.
+/// A pixmap in the server that can become a window's background. Main thread.
 class X11PanelPixmap {
 public:
-    /// `depth` is the window's. The connection outlives this.
+    /// `depth` is that of the window. The connection outlives this.
     X11PanelPixmap(xcb_connection_t* connection, xcb_window_t root, std::uint8_t depth);
     ~X11PanelPixmap();
     X11PanelPixmap(const X11PanelPixmap&) = delete;
     X11PanelPixmap& operator=(const X11PanelPixmap&) = delete;
 
-    /// Sends the picture; 32 bits a pixel, in the server's byte order. Without a round trip.
+    /// Sends the image, 32 bits a pixel in the server's byte order. No round trip.
     void upload(const QImage& image);
     /// XCB_PIXMAP_NONE before the first upload.
     [[nodiscard]] xcb_pixmap_t id() const { return pixmap_; }
@@ -39,41 +39,42 @@ private:
     QSize size_;
 };
 
-/// The toolkit's window around the panel's content, and the requests that put it on the screen ahead of the toolkit.
-/// Main thread.
+/// The Qt window around the panel's content. It sends its own requests to map and move the window before Qt does. Main
+/// thread; owned by `X11Panel`.
 ///
-/// The window is mapped and unmapped with the first frame as its background, which the server paints while it maps: one
-/// request, nothing to wait for, and what the toolkit draws later is the same picture. Measured beside it in one run,
-/// with 200 windows: keeping the window mapped and moving it in from off the screen saves up to a fifth of the server's
-/// time, an empty shape that is filled and raising from the bottom of the stack save nothing. Staying mapped
-/// would have assistive programs, screen recorders and managers that stop compositing under full-screen windows see a
-/// panel that nobody sees, so it is not done. The rest is the server clipping what lies below.
+/// The window's background is the first frame, which the server paints when it maps the window: one request, no round
+/// trip, and Qt draws the same picture later. Alternatives measured with 200 windows: keeping the window mapped and
+/// moving it in from outside the screen saves up to a fifth of the server's time; an empty shape that is filled, or
+/// raising the window from the bottom of the stack, saves nothing. The window is not kept mapped, because assistive
+/// programs, screen recorders and managers that stop compositing for full-screen windows would count the invisible
+/// panel as visible.
 class X11PanelWindow final : public QWidget {
 public:
-    /// `pressTime` is the server's, when a button went down.
+    /// `pressTime` is the server's time of a button press; nullopt for other pointer events.
     using PointerHandler = std::function<void(int rootX, int rootY, std::optional<std::uint32_t> pressTime)>;
 
-    /// `content` fills the window, and is let go, not destroyed, with it. A translucent window needs a compositor.
+    /// `content` fills the window. The window's destructor removes it from the window without destroying it. A
+    /// translucent window needs a compositor.
     X11PanelWindow(bool isTranslucent, QWidget& content, PointerHandler onPointer);
     ~X11PanelWindow() override;
 
     [[nodiscard]] xcb_window_t id() const { return window_; }
 
-    /// Gives the toolkit the extent; it learns the place from the server.
+    /// Sets the size in Qt. Qt gets the position from the server's events.
     void resizeTo(const X11PixelRect& frame, double scale);
-    /// An image of this extent to draw a first frame into.
+    /// An empty image of this size for the first frame.
     [[nodiscard]] QImage blankImage(const X11PixelRect& frame, double scale) const;
-    /// Draws the content as it is now.
     void drawInto(QImage& image);
-    /// Makes the image what the server shows as soon as the window is revealed.
+    /// Makes the image the window's background, which the server paints when the window is mapped.
     void prime(const QImage& image);
 
-    /// On the screen, above everything, as far as the server is concerned; the toolkit is told by `show`.
+    /// Places, raises and maps the window in the server. Qt does not know until `show` is called.
     void reveal(const X11PixelRect& frame);
+    /// Unmaps the window in the server. Qt does not know until `hide` is called.
     void conceal();
     void raiseToTop();
-    /// Changes the place and the extent of a window that people are looking at: it goes from one whole picture to the
-    /// next, however long the toolkit takes to follow.
+    /// Moves and resizes the window while it is shown. The server shows a complete picture before and after, however
+    /// long Qt takes to draw.
     void resizeShown(const X11PixelRect& frame, double scale);
 
 protected:
@@ -93,7 +94,7 @@ private:
     std::optional<X11SentEventFilter> sentEventFilter_;
     X11PixelRect frame_;
     std::optional<X11PanelPixmap> pixmap_;
-    /// A colour of the picture, for what a growing window uncovers before the toolkit has drawn it.
+    /// The background colour of the panel. It fills what a growing window uncovers until Qt has drawn it.
     std::uint32_t pixel_ = 0;
 };
 

@@ -40,7 +40,7 @@
 namespace ferrowyn {
 namespace {
 
-/// Each part of the adapter has its own connection, so that none waits for another's answers.
+/// Three parts of the adapter have separate connections, so that none waits for replies to another.
 struct Connections {
     std::unique_ptr<X11Connection> events;
     std::unique_ptr<X11Connection> snapshots;
@@ -68,7 +68,7 @@ bool openAddress(std::string_view url) {
 
 }  // namespace
 
-/// In the order in which they need each other.
+/// The parts of the adapter. Each comes after those that it uses.
 struct X11Platform::Parts {
     Parts(Connections connections, const X11PlatformOptions& options);
 
@@ -112,7 +112,7 @@ struct X11Platform::Parts {
     Subscription installedChanges;
     Subscription screenChanges;
     Subscription windowReadings;
-    /// Waits, before anything else here goes, for a snapshot that is still being read.
+    /// Nearly last, so that its destructor waits for running work before the parts above are destroyed.
     QtBackgroundWork backgroundWork;
     Platform platform;
 };
@@ -156,13 +156,13 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       httpClient(mainLoop, backgroundWork),
       loginItem(folders, {std::string(applicationId), "Ferrowyn", application.bundleInfo().path}),
       eventTaps(inputContext, log, options.display),
-      // A locker must be able to take the keyboard.
+      // The screen locker must be able to grab the keyboard.
       sessionLock(mainLoop, SessionLock::Buses::fromEnvironment(), [this] { eventTaps.notifyKeyboardUnavailable(); }),
       trust(monitor.model(), inputContext,
             {.isLocked = [this] { return sessionLock.isLocked(); },
              .observe =
                  [this](std::function<void()> handler) {
-                     return sessionLock.observe([told = std::move(handler)](bool) { told(); });
+                     return sessionLock.observe([handler = std::move(handler)](bool) { handler(); });
                  }},
             inputObstacle, log),
       panelEvents(std::move(connections.panel)),
@@ -179,7 +179,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     const char* const environmentDisplay = std::getenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): nothing sets it
     inputContext.inputMethodDisplay = display.empty() && environmentDisplay != nullptr ? environmentDisplay : display;
     inputContext.postToMainThread = [this](std::function<void()> work) { mainLoop.post(std::move(work)); };
-    // Posted from the thread that posts the trigger next, so it arrives right before it.
+    // The tap thread calls this before it posts the trigger, so the main thread handles it first.
     inputContext.reportActiveWindow = [this](std::uint32_t window) {
         mainLoop.post([this, window] { monitor.startSessionFrom(window); });
     };
@@ -187,7 +187,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
     scale = screens.coordinates().scale;
     screenChanges = screens.observe([this] { scale = screens.coordinates().scale; });
     installedChanges = entries.observeChanges([this] {
-        // The folders are read on a worker; until then what is known of the windows stays.
+        // A worker reads the folders; the known applications stay in use until it is done.
         backgroundWork.run([this] {
             entries.read();
             mainLoop.post([this] {

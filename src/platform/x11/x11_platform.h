@@ -17,23 +17,21 @@ namespace ferrowyn {
 class LinuxTrayIcon;
 
 struct X11PlatformOptions {
-    /// As in DISPLAY; empty for the environment's.
+    /// In the format of DISPLAY; empty for the environment's display.
     std::string display;
-    /// Messages below it are dropped.
+    /// Messages below this level are dropped.
     LogLevel minimumLogLevel = LogLevel::standard;
     /// Messages go to standard error even when that is no terminal.
     bool mirrorsLog = false;
-    /// Told once when the X server is gone. By default the program ends with status 1, since there is nothing left that
-    /// it could do.
+    /// Called once when the connection to the X server is lost. Without a handler the program ends with status 1.
     std::function<void()> onConnectionLost;
 };
 
-/// Everything that the program asks of an X11 desktop. Main thread, made after the QApplication and destroyed before
-/// it.
+/// Makes and owns all parts of the X11 adapter. Main thread; made after the QApplication and destroyed before it.
 class X11Platform {
 public:
-    /// Null when the X server cannot be connected to. A missing window manager or input extension is no such case: they
-    /// are a lack of trust, and a manager may still come.
+    /// Null when there is no connection to the X server. Without a window manager or the input extension the platform
+    /// is made all the same; `Trust` reports that they are missing.
     [[nodiscard]] static std::unique_ptr<X11Platform> create(const X11PlatformOptions& options);
     ~X11Platform();
     X11Platform(const X11Platform&) = delete;
@@ -43,13 +41,12 @@ public:
 
     /// Shows the program's own page in the place of one of the system's settings when the logic opens one that the
     /// desktop has nothing for; false from the handler counts as not opened.
-    void setSettingsPageHandler(std::function<bool(SettingsPage)> handler);
+    void setSettingsPageHandler(std::function<bool(std::string_view)> handler);
 
-    /// The program's icon in whatever tray this desktop has, now or later. It does not outlive this.
+    /// Makes the program's tray icon, which looks for a tray now and later. Destroy it before this.
     [[nodiscard]] std::unique_ptr<LinuxTrayIcon> makeTrayIcon(const TraySymbolPainter& painter);
-    /// What the desktop says about its appearance.
     [[nodiscard]] const Published<AppearanceSources>& appearance() const;
-    /// Whether windows may be translucent now.
+    /// Whether a compositor runs, which translucent windows need.
     [[nodiscard]] bool isComposited() const;
 
 private:

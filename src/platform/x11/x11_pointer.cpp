@@ -1,9 +1,6 @@
 #include "platform/x11/x11_pointer.h"
 
-// The header uses a C++ keyword as a name.
-#define explicit explicit_
 #include <xcb/xinput.h>
-#undef explicit
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +10,7 @@
 namespace ferrowyn {
 namespace {
 
-/// Buttons 4 to 7 are the two wheels.
+/// Buttons 4 to 7 are the vertical and the horizontal wheel.
 bool isWheel(std::uint32_t button) {
     return button >= 4 && button <= 7;
 }
@@ -25,7 +22,7 @@ X11Pointer::X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11Inp
     const auto* const extension = xcb_get_extension_data(events_.get(), &xcb_input_id);
     if (extension != nullptr && extension->present != 0) {
         inputExtension_ = extension->major_opcode;
-        // Presses during another client's grab are told only to those who have asked for 2.1 or later.
+        // Only clients of version 2.1 or later get raw presses during another client's grab.
         const auto version = xcb_input_xi_query_version(events_.get(), 2, 2);
         xcb_discard_reply(events_.get(), version.sequence);
         selectPresses();
@@ -68,9 +65,10 @@ void X11Pointer::moved(int x, int y) {
     context_.setPointer(static_cast<std::uint32_t>(std::max(x, 0)), static_cast<std::uint32_t>(std::max(y, 0)));
 }
 
-/// For good, though only presses during a session matter. The panel is mapped on the toolkit's connection: a selection
-/// made for a session could be served after the map, and the press of a quick hand be missed (seen under load), and
-/// waiting for it would be a round trip between the key and the panel. The price is a short wake-up a press.
+/// Selects raw presses all the time, although only those during a session matter. The panel is mapped on Qt's
+/// connection: a selection made for a session might reach the server after the map request, and a quick press would be
+/// missed (seen under load). Waiting for it would be a round trip between the key and the panel. The cost is a short
+/// wake-up for each press.
 void X11Pointer::selectPresses() {
     const struct {
         xcb_input_event_mask_t header;
@@ -96,7 +94,7 @@ void X11Pointer::handle(const xcb_generic_event_t& event) {
     if (!panel_) {
         return;
     }
-    // A raw event does not say where; this is no hot path, so the server may be asked.
+    // A raw event has no position. A round trip is acceptable here.
     const auto place = ask();
     if (place && !panel_->contains(place->first, place->second)) {
         clicks_.send(true);

@@ -11,7 +11,8 @@
 
 namespace ferrowyn {
 
-/// The pointer as key events, the panel and raw button presses report it. Main thread.
+/// Knows the pointer's position from key events, the panel and raw button presses, and reports clicks outside the
+/// panel. Main thread.
 class X11Pointer final : public Pointer {
 public:
     /// All three outlive this.
@@ -21,15 +22,16 @@ public:
     void refresh() override;
     [[nodiscard]] Subscription observeClicksElsewhere(std::function<void()> handler) override;
 
-    /// Where the panel is while it is shown: presses outside are clicks elsewhere. Others are let pass.
+    /// The panel's frame while it is shown, nullopt while it is hidden. Presses outside the frame are clicks elsewhere.
     void panelCovers(const std::optional<X11PixelRect>& panel);
-    /// The panel has seen the pointer at this place on the root window.
+    /// The panel reports the pointer's position on the root window.
     void moved(int x, int y);
-    /// A button went down in the panel, at this time of the server: the toolkit has heard of it, perhaps first.
+    /// The panel reports a button press with its server time. Qt may get the press before this connection does.
     void pressed(std::uint32_t time) { context_.noteUserTime(time); }
 
 private:
-    /// Asks the server where the pointer is on the root window; nothing when it does not say.
+    /// Asks the server for the pointer's position on the root window, which is a round trip; nullopt when there is no
+    /// reply.
     std::optional<std::pair<int, int>> ask();
     void selectPresses();
     void handle(const xcb_generic_event_t& event);

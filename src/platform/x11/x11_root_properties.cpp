@@ -109,7 +109,7 @@ X11RootFacts X11RootRequests::collect(xcb_connection_t* connection, const X11Ato
     facts.root = root_;
     const auto stacking = X11Property::collect(connection, stacking_);
     const auto clientList = X11Property::collect(connection, clientList_);
-    // Managers that do not stack publish the mapping order alone, which is the best there is.
+    // Some managers publish only the list in mapping order.
     const auto& list = stacking.type() == XCB_ATOM_WINDOW ? stacking : clientList;
     if (list.type() == XCB_ATOM_WINDOW) {
         facts.stacking = windowsNamedBy(list, root_);
@@ -122,7 +122,7 @@ X11RootFacts X11RootRequests::collect(xcb_connection_t* connection, const X11Ato
     const auto supported = supportedProperty.items(XCB_ATOM_ATOM);
     facts.supportsHiddenState = std::ranges::find(supported, atoms.stateHidden) != supported.end();
     facts.supportsRestacking = std::ranges::find(supported, atoms.netRestackWindow) != supported.end();
-    // It outlives a manager that was killed; the next one has another window.
+    // The property stays after the manager was killed. It counts only when it names the present manager's window.
     const auto noticeBoard = X11Property::collect(connection, noticeBoard_).item(XCB_ATOM_WINDOW);
     facts.keepsFullScreenOnTop = noticeBoard && noticeBoard == facts.supportingWmCheck;
     return facts;
@@ -142,14 +142,16 @@ X11ManagerCheck::Requests X11ManagerCheck::request(xcb_connection_t* connection,
 }
 
 xcb_window_t X11ManagerCheck::collect(xcb_connection_t* connection, const Requests& requests) {
-    // A manager that was killed leaves its property on the root; the window it names is gone, or another's.
+    // The property on the root stays after the manager was killed. The window that it names is gone then, or belongs to
+    // another client.
     const auto isProof = [&](xcb_window_t window, xcb_get_property_cookie_t answer) {
         const auto claimed = X11Property::collect(connection, answer).item(XCB_ATOM_WINDOW);
         return window != XCB_WINDOW_NONE && claimed == window;
     };
     const bool isNamedOneProven = isProof(requests.named, requests.answerOfNamed);
     const bool isProvenOneThere = isProof(requests.proven, requests.answerOfProven);
-    // The root always says the same of itself, and stays when the manager goes: what it proves is worth the least.
+    // When the root's property names the root itself, the check always passes, also after the manager has ended. Any
+    // other window that passes comes first.
     const bool isRootNamed = requests.named == requests.root;
     if (isNamedOneProven && !(isRootNamed && isProvenOneThere)) {
         proven_ = requests.named;

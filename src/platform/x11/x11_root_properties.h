@@ -10,8 +10,8 @@
 
 namespace ferrowyn {
 
-/// The atoms of the window-manager conventions that the inventory, the activation and the trust need, interned in one
-/// round trip. Atoms are the same on every connection to a server, so one table serves all threads.
+/// The atoms that the inventory, the activation and the trust need, interned in one round trip. Immutable after that,
+/// and the same on each connection to a server, so all threads share one table.
 struct X11Atoms {
     explicit X11Atoms(const X11Connection& connection);
 
@@ -61,34 +61,34 @@ struct X11Atoms {
     xcb_atom_t typeDragAndDrop = XCB_ATOM_NONE;
 };
 
-/// More windows than any user has; a list without end must not be read without end.
+/// In windows. A longer list, which any client can write, is cut.
 inline constexpr std::uint32_t maximumWindowListLength = 4096;
 
-/// The windows that a list names, each once and without the root, in the list's order. Any client can write such a
-/// list.
+/// The windows in a list property, in its order. Duplicates and the root window are left out: any client can write such
+/// a list.
 [[nodiscard]] std::vector<xcb_window_t> windowsNamedBy(const X11Property& list, xcb_window_t root);
 
 /// What the window manager publishes on the root window.
 struct X11RootFacts {
     xcb_window_t root = XCB_WINDOW_NONE;
-    /// Bottom-most first; nothing when there is no list: see `X11ListPublisher`.
+    /// Bottom-most first; nullopt when there is no list, see `X11ListPublisher`.
     std::optional<std::vector<xcb_window_t>> stacking;
-    /// There is something under a list's name, though no list: not the manager's doing.
+    /// A list property exists but is not a list of windows. Another client than the manager has written it.
     bool isListMalformed = false;
     std::optional<std::uint32_t> currentDesktop;
-    /// None while no window is active, which some managers say in passing on every switch.
+    /// None while no window is active. Some managers set None for a moment at each switch.
     xcb_window_t activeWindow = XCB_WINDOW_NONE;
-    /// The manager's own window, which proves that it runs as long as that window says the same of itself.
+    /// The manager's check window; see `X11ManagerCheck`.
     xcb_window_t supportingWmCheck = XCB_WINDOW_NONE;
-    /// The manager tells minimised windows by `_NET_WM_STATE_HIDDEN`. Where it does, an iconic WM_STATE alone means
-    /// nothing: some managers give that to every window of another desktop.
+    /// The manager marks minimised windows with `_NET_WM_STATE_HIDDEN`. Then an iconic WM_STATE does not count, because
+    /// some managers set it on all windows of other desktops.
     bool supportsHiddenState = false;
     bool supportsRestacking = false;
-    /// The manager is Window Maker, which leaves a full-screen window above all others when one of them is activated.
+    /// The manager is Window Maker, which keeps a full-screen window above a window that is activated.
     bool keepsFullScreenOnTop = false;
 };
 
-/// The requests for `X11RootFacts`, sent together; collecting waits for the answers.
+/// The requests for `X11RootFacts`. The constructor sends them together; `collect` waits for the replies.
 class X11RootRequests {
 public:
     X11RootRequests(xcb_connection_t* connection, xcb_window_t root, const X11Atoms& atoms);
@@ -105,9 +105,9 @@ private:
     xcb_get_property_cookie_t noticeBoard_;
 };
 
-/// Looks for the proof that a manager runs: a window of its own that says the same of itself as the root does. Any
-/// client can write another window's name on the root, which is no reason to take a manager for gone whose window is
-/// still there; so the latest one that was proven is asked as well.
+/// Checks whether a window manager runs. The root's `_NET_SUPPORTING_WM_CHECK` names a window, and the property on that
+/// window must name it too. Any client can change the property on the root while the manager still runs, so the window
+/// that passed the previous check is checked as well.
 class X11ManagerCheck {
 public:
     struct Requests {
@@ -118,20 +118,21 @@ public:
         xcb_get_property_cookie_t answerOfProven{};
     };
     [[nodiscard]] Requests request(xcb_connection_t* connection, const X11RootFacts& root, const X11Atoms& atoms) const;
-    /// The running manager's window; None when no manager runs. Waits for the answers.
+    /// The running manager's window; None when no manager runs. Waits for the replies.
     [[nodiscard]] xcb_window_t collect(xcb_connection_t* connection, const Requests& requests);
 
 private:
-    /// Of the latest answers.
+    /// The window that passed the latest check.
     xcb_window_t proven_ = XCB_WINDOW_NONE;
 };
 
-/// Tells an empty list from one that is missing in passing. Some managers delete their list when the last window has
-/// gone, so no list is an empty one as long as the manager runs that had published one. A manager that has not
-/// published any is starting: the windows that its predecessor listed are still there.
+/// Decides what a missing window list means. Some managers delete the list when the last window closes: if the manager
+/// that published a list still runs, a missing list is an empty one. A manager that has not published a list yet is
+/// starting, and the windows that the previous manager listed still exist.
 class X11ListPublisher {
 public:
-    /// `manager` as `X11ManagerCheck` finds it.
+    /// Sets `root.stacking` to an empty list where a missing one means that. `manager` is the window that
+    /// `X11ManagerCheck` returned.
     void settle(X11RootFacts& root, xcb_window_t manager);
 
 private:

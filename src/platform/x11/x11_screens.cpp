@@ -58,10 +58,10 @@ X11PixelRect intersection(const X11PixelRect& one, const X11PixelRect& other) {
 
 namespace {
 
-/// Four numbers a desktop.
+/// Four numbers for each desktop.
 constexpr std::uint32_t maximumWorkAreaLength = 4096;
 
-/// A length or a place on the screen, which any client may have written: no screen is larger.
+/// Limits a number from a property, which any client can write, to the largest coordinate of X.
 int coordinate(std::uint32_t value) {
     return static_cast<int>(std::min(value, 0x7FFFU));
 }
@@ -96,7 +96,7 @@ X11Screens::X11Screens(X11PanelEvents& events) : events_(events) {
     atoms_ = events_.connection().internAtoms({"_NET_WORKAREA", "_NET_CURRENT_DESKTOP", "_NET_CLIENT_LIST",
                                                "_NET_ACTIVE_WINDOW", "_NET_WM_STRUT_PARTIAL", "_NET_WM_STRUT"});
     startListening();
-    // Waits: the program must know its screens before it can show anything.
+    // This waits for the replies, because nothing can be shown before the screens are known.
     collect(request());
     collectStruts(requestStruts());
     arrange();
@@ -152,7 +152,7 @@ void X11Screens::startListening() {
         randrFirstEvent_ = extension->first_event;
         const XcbReply<xcb_randr_query_version_reply_t> version(
             xcb_randr_query_version_reply(events_.get(), xcb_randr_query_version(events_.get(), 1, 5), nullptr));
-        // Monitors are a notion of 1.5; before it, the root window counts as one.
+        // Older versions have no monitors; then the root window counts as one.
         hasRandr_ = version && (version->major_version > 1 || version->minor_version >= 5);
         xcb_randr_select_input(events_.get(), events_.root(),
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
@@ -174,7 +174,7 @@ void X11Screens::handle(const xcb_generic_event_t& event) {
         if (change.atom == atoms_[activeWindow]) {
             readFocus();
         } else if (change.atom == atoms_[workArea]) {
-            struts_.clear();  // a dock that changes its strut is seen by the work area that the manager derives from it
+            struts_.clear();  // the manager computes the work area from the struts, so one of them has changed
             readAgain();
         } else if (change.atom == atoms_[clientList] || change.atom == atoms_[currentDesktop]) {
             readAgain();
@@ -190,7 +190,7 @@ void X11Screens::handle(const xcb_generic_event_t& event) {
     }
 }
 
-/// One reading at a time; what changes meanwhile is read next.
+/// One reading at a time. A change during a reading starts another one after it.
 void X11Screens::readAgain() {
     if (isReading_) {
         isStale_ = true;
@@ -247,7 +247,7 @@ void X11Screens::collectMonitors(const Requests& requests) {
         rootHeight_ = root->height;
     }
     auto found = collectFrames(requests);
-    // Their visible parts are worked out once the struts are known; until then those that are known stay.
+    // Their visible parts are computed when the struts are known. Until then a known monitor keeps its old one.
     for (auto& monitor : found) {
         const auto known = std::ranges::find(monitors_, monitor.frame, &Monitor::frame);
         if (known != monitors_.end()) {
@@ -323,8 +323,8 @@ void X11Screens::arrange() {
     auto arranged = monitors_;
     for (auto& monitor : arranged) {
         monitor.visibleFrame = visiblePart(monitor.frame, reserved, rootWidth_, rootHeight_);
-        // A desktop whose bars are no windows of their own tells only the area that they leave. It is one rectangle for
-        // all monitors, so struts, where there are any, know better.
+        // Some desktops draw their bars without windows and publish only the work area. It is one rectangle for all
+        // monitors, so struts are more exact and come first.
         if (reserved.empty() && desktop_ < workAreas_.size()) {
             const auto left = intersection(monitor.frame, workAreas_[desktop_]);
             if (left.width > 0 && left.height > 0) {
@@ -343,7 +343,7 @@ void X11Screens::readFocus() {
     events_.whenAnswered([this, active] {
         const auto window = X11Property::collect(events_.get(), active).item(XCB_ATOM_WINDOW).value_or(0);
         if (window == XCB_WINDOW_NONE) {
-            return;  // several managers pass through None on every switch
+            return;  // several managers set None for a moment at each switch
         }
         const auto geometry = xcb_get_geometry(events_.get(), window);
         const auto place = xcb_translate_coordinates(events_.get(), window, events_.root(), 0, 0);

@@ -16,7 +16,7 @@
 
 namespace ferrowyn {
 
-/// A rectangle of device pixels on the root window, y growing downward.
+/// A rectangle in device pixels on the root window. y grows downward.
 struct X11PixelRect {
     int x = 0;
     int y = 0;
@@ -29,12 +29,12 @@ struct X11PixelRect {
     friend bool operator==(const X11PixelRect&, const X11PixelRect&) = default;
 };
 
-/// Between device pixels that grow downward from the root's upper left corner and points that grow upward from the
-/// primary screen's lower left one.
+/// Converts between device pixels, with the origin at the root's upper left corner and y downward, and points, with the
+/// origin at the primary screen's lower left corner and y upward.
 struct X11Coordinates {
-    /// Device pixels a point: the toolkit's, so that what is drawn fills what is placed.
+    /// Device pixels per point. The same as Qt's, so that drawings have the size of their windows.
     double scale = 1;
-    /// Where the primary screen's lower left corner is.
+    /// The primary screen's lower left corner, in device pixels.
     int originX = 0;
     int originY = 0;
 
@@ -43,8 +43,8 @@ struct X11Coordinates {
         const Point lowerLeft = toPoints(pixels.x, pixels.y + pixels.height);
         return {lowerLeft.x, lowerLeft.y, pixels.width / scale, pixels.height / scale};
     }
-    /// To the nearest pixel; the extent is rounded by itself, as the toolkit does, so that it never depends on the
-    /// place.
+    /// Rounds to the nearest pixel. The size is rounded separately, as Qt does, so that it does not depend on the
+    /// position.
     [[nodiscard]] X11PixelRect toPixels(const Rect& points) const {
         const auto nearest = [](double value) { return static_cast<int>(std::lround(value)); };
         return {originX + nearest(points.x * scale), originY - nearest(points.maxY() * scale),
@@ -54,24 +54,24 @@ struct X11Coordinates {
     friend bool operator==(const X11Coordinates&, const X11Coordinates&) = default;
 };
 
-/// The edge strips that a dock keeps free: device pixels inward from the edges of the root window, each with the range
-/// (inclusive) along its edge.
+/// The strips that a dock reserves at the edges of the root window: for each edge the width in device pixels, and the
+/// range (inclusive) along the edge.
 struct X11Strut {
     int left = 0, right = 0, top = 0, bottom = 0;
     int leftStart = 0, leftEnd = 0, rightStart = 0, rightEnd = 0;
     int topStart = 0, topEnd = 0, bottomStart = 0, bottomEnd = 0;
 };
 
-/// The part of a monitor that no dock covers. A strut that would leave nothing belongs to a dock on another monitor's
-/// inner edge, and is passed over.
+/// The part of a monitor that no dock covers. A strut that would leave nothing is ignored: it belongs to a dock at the
+/// edge between this monitor and another one.
 [[nodiscard]] X11PixelRect visiblePart(const X11PixelRect& monitor, const std::vector<X11Strut>& struts, int rootWidth,
                                        int rootHeight);
 
-/// What both cover; of no extent when they are apart.
+/// The common part of both; width or height is 0 when there is none.
 [[nodiscard]] X11PixelRect intersection(const X11PixelRect& one, const X11PixelRect& other);
 
-/// The monitors as RandR names them, less the docks' struts. Main thread. The first reading waits for the server, later
-/// ones follow its events and do not.
+/// The monitors that RandR or Xinerama report, and the parts of them that docks leave free. Main thread. The
+/// constructor waits for the server; later readings follow its events and do not wait.
 class X11Screens final : public Screens {
 public:
     /// `events` outlives this.
@@ -123,7 +123,7 @@ private:
     X11PanelEvents& events_;
     std::vector<xcb_atom_t> atoms_;
     bool hasRandr_ = false;
-    /// A server that joins several screens into one in the old way; its RandR knows nothing of them.
+    /// Some servers join several screens with Xinerama only; RandR then reports one.
     bool hasXinerama_ = false;
     std::uint8_t randrFirstEvent_ = 0;
 
@@ -133,7 +133,7 @@ private:
     std::vector<X11PixelRect> workAreas_;
     std::size_t desktop_ = 0;
     std::vector<xcb_window_t> clients_;
-    /// What each listed window keeps free; no value for one that keeps nothing.
+    /// The strut of each listed window; nullopt when it has none.
     std::unordered_map<xcb_window_t, std::optional<X11Strut>> struts_;
     std::optional<X11PixelRect> focusedWindow_;
 

@@ -17,7 +17,7 @@ constexpr std::string_view replacement = "\xEF\xBF\xBD";
 struct Utf8Piece {
     std::size_t length = 1;
     bool isValid = false;
-    /// Well-formed so far, but the bytes end before the character does.
+    /// The bytes end within a character that is well-formed so far.
     bool isTruncated = false;
 };
 
@@ -28,7 +28,7 @@ Utf8Piece nextPiece(std::string_view text) {
     if (lead < 0x80) {
         return {1, true, false};
     }
-    // The range of the second byte is what rules out overlong forms, surrogates and what is above U+10FFFF.
+    // The range of the second byte excludes overlong forms, surrogates and code points above U+10FFFF.
     std::size_t length = 0;
     std::uint8_t low = 0x80;
     std::uint8_t high = 0xBF;
@@ -112,10 +112,10 @@ constexpr char escape = '\x1B';
 constexpr char startOfText = '\x02';
 constexpr std::uint8_t highBit = 0x80;
 
-/// A set that fills one half of the byte values. Its characters, with the high bit set and the prefix before each, are
-/// characters of the converter's encoding.
+/// A character set that uses one half of the byte values. With the high bit set and the prefix before each character,
+/// its text is text in the converter's encoding.
 struct CharacterSet {
-    /// As an escape sequence names it, without what says which half it is for.
+    /// "94" or "96" for the set's size, "$" when it is multi-byte, and the last character of its escape sequence.
     std::string_view name;
     const char* converter;
     std::size_t bytesPerCharacter = 1;
@@ -160,7 +160,7 @@ public:
     }
 
 private:
-    /// Spaces and controls belong to no set.
+    /// Spaces and control characters (`common`) are the same in all sets; the others come from the left or right set.
     enum class Part { common, left, right };
 
     [[nodiscard]] static Part partOf(char character) {
@@ -241,7 +241,7 @@ private:
     void designate(std::string_view sequence) {
         const bool isMultiByte = sequence.starts_with('$');
         const auto half = sequence.substr(isMultiByte ? 1 : 0);
-        // The oldest form of the multi-byte sets leaves out what says that it is for the left half.
+        // The oldest form of a multi-byte escape sequence has no character for the half and means the left one.
         const bool isShort = isMultiByte && half.size() == 1;
         const char which = isShort ? '(' : half.front();
         std::string name(which == '-' || which == '.' || which == '/' ? "96" : "94");
@@ -250,7 +250,7 @@ private:
         auto& target = which == '(' ? left_ : right_;
         const auto* const found = std::find_if(characterSets.begin(), characterSets.end(),
                                                [&name](const CharacterSet& set) { return set.name == name; });
-        // The Roman half of the Japanese set differs from ASCII in two characters that both ways are in use.
+        // JIS Roman differs from ASCII in two characters. Clients use it for both meanings, so it is read as ASCII.
         if (name == ascii.name || name == "94J") {
             target = ascii;
         } else {
@@ -258,7 +258,7 @@ private:
         }
     }
 
-    /// Two bytes of length, the name of an encoding, and text in it.
+    /// Reads two bytes of length, the name of an encoding, and text in that encoding.
     void readExtendedSegment() {
         if (text_.size() < 2) {
             text_ = {};
@@ -275,7 +275,7 @@ private:
             return;
         }
         std::string name(segment.substr(0, nameEnd));
-        // The registry of X numbers the encodings of one name; converters are known by the name alone.
+        // X's registry adds a number to the name; converters use the name without it.
         if (name.ends_with("-0")) {
             name.resize(name.size() - 2);
         }

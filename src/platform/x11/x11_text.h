@@ -5,17 +5,17 @@
 
 namespace ferrowyn {
 
-/// How the bytes of a text property are to be read.
+/// The encoding of a text property, which its type names.
 enum class X11TextEncoding { utf8, latin1, compoundText };
 
-/// The text of a property as valid UTF-8. Bytes that mean nothing in the encoding become U+FFFD, one for each maximal
-/// ill-formed piece; the text ends at the first NUL, which old clients append. `isCut` says that the property went on:
-/// a character that the cut split in two is then left out.
+/// Converts the text of a property to valid UTF-8. Each maximal ill-formed piece becomes one U+FFFD. The text ends at
+/// the first NUL, which old clients append. `isCut` means that the property is longer than `bytes`; then an incomplete
+/// last character is left out.
 [[nodiscard]] std::string textFromProperty(std::string_view bytes, X11TextEncoding encoding, bool isCut);
 
-/// The text form that X clients used before UTF-8: escape sequences switch between national character sets. Some, such
-/// as xterm, still write their titles in it and in no other. The result is valid UTF-8; what no converter knows becomes
-/// U+FFFD. `isCut` says that the text went on: a character that the cut split in two is then left out.
+/// Converts COMPOUND_TEXT, the encoding of X clients before UTF-8, in which escape sequences switch between character
+/// sets. Some clients, such as xterm, still write their titles only in it. The result is valid UTF-8; text in an
+/// unknown character set becomes U+FFFD. `isCut` is as in `textFromProperty`.
 [[nodiscard]] std::string compoundTextToUtf8(std::string_view text, bool isCut);
 
 }  // namespace ferrowyn

@@ -18,7 +18,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// Until the tray has said how large icons are.
+/// The size until the tray resizes the window.
 constexpr std::uint16_t firstSide = 24;
 constexpr std::int32_t leastSide = 16;
 /// A window with a visual of this depth has an alpha channel.
@@ -40,7 +40,7 @@ std::optional<Visual> findVisual(const xcb_screen_t* screen, xcb_visualid_t want
     return std::nullopt;
 }
 
-/// The format of pictures with straight 8-bit channels and alpha, as icons have it.
+/// The picture format of icons: 8 bits each for alpha, red, green and blue.
 xcb_render_pictformat_t alphaFormat(const xcb_render_query_pict_formats_reply_t& formats) {
     for (auto format = xcb_render_query_pict_formats_formats_iterator(&formats); format.rem > 0;
          xcb_render_pictforminfo_next(&format)) {
@@ -81,16 +81,16 @@ X11TrayWindow::X11TrayWindow(const X11Connection& connection, std::optional<xcb_
     colormap_ = xcb_generate_id(server);
     xcb_create_colormap(server, XCB_COLORMAP_ALLOC_NONE, colormap_, screen->root, chosen.id);
     window_ = xcb_generate_id(server);
-    constexpr std::uint32_t heard = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                                    XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_ENTER_WINDOW |
-                                    XCB_EVENT_MASK_LEAVE_WINDOW;
+    constexpr std::uint32_t eventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                                        XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_ENTER_WINDOW |
+                                        XCB_EVENT_MASK_LEAVE_WINDOW;
     const bool hasAlpha = chosen.depth == alphaDepth;
-    // A window takes over what its parent has painted only where both have the same depth.
+    // A parent-relative background needs the parent's depth.
     const bool followsParent = !hasAlpha && chosen.depth == screen->root_depth;
     const std::uint32_t mask = (followsParent ? XCB_CW_BACK_PIXMAP : XCB_CW_BACK_PIXEL) | XCB_CW_BORDER_PIXEL |
                                XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
     const std::array<std::uint32_t, 4> values{followsParent ? std::uint32_t{XCB_BACK_PIXMAP_PARENT_RELATIVE} : 0U, 0U,
-                                              heard, colormap_};
+                                              eventMask, colormap_};
     xcb_create_window(server, chosen.depth, window_, screen->root, 0, 0, firstSide, firstSide, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, chosen.id, mask, values.data());
     describe();
@@ -129,7 +129,7 @@ void X11TrayWindow::describe() {
     xcb_change_property(server, XCB_PROP_MODE_REPLACE, window_, atoms[1], XCB_ATOM_CARDINAL, 32, 1, &pid);
     xcb_change_property(server, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                         static_cast<std::uint32_t>(windowClass.size()), windowClass.data());
-    // Trays take a window that asks for no room for one that is hidden.
+    // Some trays treat a window without a minimum size as hidden.
     xcb_size_hints_t hints{};
     xcb_icccm_size_hints_set_min_size(&hints, leastSide, leastSide);
     xcb_icccm_set_wm_normal_hints(server, window_, &hints);
@@ -172,12 +172,12 @@ void X11TrayWindow::draw(const QImage& icon) {
 namespace {
 
 constexpr Seconds toolTipDelay{0.7};
-/// A drawing that fills a tall panel would outgrow its neighbours.
+/// In a tall panel, an icon of the panel's full height would be larger than the other icons.
 constexpr int largestSide = 64;
-/// Of the tray's colours, three channels each: for text, for an error, a warning and a success.
+/// The tray has four colours (text, error, warning, success) of three channels each.
 constexpr std::size_t colorChannels = 12;
 
-void listen(xcb_connection_t* connection, xcb_window_t window, std::uint32_t mask) {
+void selectEvents(xcb_connection_t* connection, xcb_window_t window, std::uint32_t mask) {
     xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &mask);
 }
 
@@ -193,7 +193,7 @@ X11TrayIcon::X11TrayIcon(std::unique_ptr<X11Connection> connection, MainLoop& ma
     const auto atoms = events_.connection().internAtoms(
         {selection, "MANAGER", "_NET_SYSTEM_TRAY_OPCODE", "_NET_SYSTEM_TRAY_VISUAL", "_NET_SYSTEM_TRAY_COLORS"});
     atoms_ = {atoms[0], atoms[1], atoms[2], atoms[3], atoms[4]};
-    listen(events_.get(), events_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    selectEvents(events_.get(), events_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     lookForTray();
 }
 
@@ -233,8 +233,8 @@ void X11TrayIcon::readTray(xcb_window_t tray) {
     }
     undock();
     tray_ = tray;
-    // Before the properties are read, so that a tray that goes meanwhile is noticed.
-    listen(events_.get(), tray_, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    // Selected before the properties are read, so that the end of the tray is not missed.
+    selectEvents(events_.get(), tray_, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     const auto visual = xcb_get_property(events_.get(), 0, tray_, atoms_.visual, XCB_ATOM_VISUALID, 0, 1);
     const auto colors = xcb_get_property(events_.get(), 0, tray_, atoms_.colors, XCB_ATOM_CARDINAL, 0, colorChannels);
     events_.whenAnswered(life_.guard([this, tray, visual, colors] {
@@ -285,7 +285,8 @@ void X11TrayIcon::handle(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7FU;
     if (type == XCB_CLIENT_MESSAGE) {
         const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
-        // Every new tray says so to everybody. Which window it has, the server knows better than a message.
+        // A new tray announces itself with this message. Its window is asked from the server, because any client can
+        // send the message.
         if (message.type == atoms_.manager && message.data.data32[1] == atoms_.selection) {
             lookForTray();
         }
@@ -338,7 +339,7 @@ void X11TrayIcon::handleWindow(const xcb_generic_event_t& event) {
             break;
         case XCB_REPARENT_NOTIFY: {
             const auto& change = reinterpret_cast<const xcb_reparent_notify_event_t&>(event);
-            // A tray that ends gives its icons back to the root, where nobody wants them.
+            // A tray that ends reparents its icons to the root window.
             if (change.window == window_->id() && change.parent == events_.root()) {
                 undock();
                 lookForTray();
@@ -361,7 +362,7 @@ void X11TrayIcon::handleWindow(const xcb_generic_event_t& event) {
 }
 
 void X11TrayIcon::pressed(const xcb_button_press_event_t& press) {
-    constexpr xcb_button_t lastButton = 3;  // what follows is the wheel
+    constexpr xcb_button_t lastButton = 3;  // the wheel's buttons follow
     if (press.detail > lastButton) {
         return;
     }
@@ -370,7 +371,8 @@ void X11TrayIcon::pressed(const xcb_button_press_event_t& press) {
     const Rect anchor{static_cast<double>(press.root_x - press.event_x),
                       static_cast<double>(press.root_y - press.event_y), static_cast<double>(window_->width()),
                       static_cast<double>(window_->height())};
-    // The pointer belongs to this connection until the button is released; the menu, which is the toolkit's, wants it.
+    // The press started an automatic pointer grab by this connection. Qt's menu grabs the pointer on another one, so
+    // this grab has to end first.
     xcb_ungrab_pointer(events_.get(), XCB_CURRENT_TIME);
     events_.whenAnswered(life_.guard([this, anchor] {
         if (onPress_) {

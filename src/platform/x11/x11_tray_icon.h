@@ -19,27 +19,27 @@ namespace ferrowyn {
 
 class MainLoop;
 
-/// The small window that a tray takes in. Its ground is the tray's: transparent where the tray offers a visual for
-/// that, else whatever the tray has painted below. Main thread.
+/// The small window that a tray embeds. Its background is transparent when the tray offers a visual with alpha,
+/// otherwise what the tray has painted below it. Main thread; owned by `X11TrayIcon`.
 class X11TrayWindow {
 public:
-    /// `visual` is the one the tray asks for; the screen's own otherwise. The connection outlives this.
+    /// `visual` is the one that the tray asks for; without it, the root window's is used. The connection outlives this.
     X11TrayWindow(const X11Connection& connection, std::optional<xcb_visualid_t> visual);
     ~X11TrayWindow();
     X11TrayWindow(const X11TrayWindow&) = delete;
     X11TrayWindow& operator=(const X11TrayWindow&) = delete;
 
     [[nodiscard]] xcb_window_t id() const { return window_; }
-    /// The larger square that fits.
+    /// The side of the largest square that fits into the window.
     [[nodiscard]] int side() const;
     [[nodiscard]] int width() const { return width_; }
     [[nodiscard]] int height() const { return height_; }
     void resized(int width, int height);
-    /// The window has gone already, with whoever took it in.
+    /// The window no longer exists: it was destroyed together with the tray.
     void forget() { window_ = XCB_WINDOW_NONE; }
 
     void setTitle(const std::string& title);
-    /// In the middle of the window.
+    /// Draws the icon in the middle of the window.
     void draw(const QImage& icon);
 
 private:
@@ -54,8 +54,9 @@ private:
     int height_ = 0;
 };
 
-/// The icon in a tray that embeds windows: found by the selection that the tray owns, and found again whenever another
-/// takes it. Main thread; on a connection of its own, so that its event masks are nobody else's business.
+/// The icon in a tray that embeds windows (XEmbed). The tray is the owner of the tray selection; when the owner
+/// changes, the icon moves to the new tray. Main thread; has a separate connection, so that its event masks do not
+/// replace those of other parts of the adapter.
 class X11TrayIcon final : public TrayIcon {
 public:
     /// `connection` is not null; `mainLoop` outlives this.
@@ -96,13 +97,13 @@ private:
     xcb_window_t tray_ = XCB_WINDOW_NONE;
     std::unique_ptr<X11TrayWindow> window_;
     bool isMapped_ = false;
-    /// What the tray says texts have in it.
+    /// The colour of texts in the tray; nullopt when the tray does not say.
     std::optional<QColor> color_;
     std::string symbol_;
     std::string toolTip_;
     std::function<void(const Rect&)> onPress_;
     Subscription toolTipTimer_;
-    /// Dies with this, for answers that are under way.
+    /// Replies may arrive after this object is destroyed.
     LifeToken life_;
 };
 

@@ -12,7 +12,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// A key that is grabbed at its own keyboard crashes that server. Nothing but the keyboard's name gives it away.
+/// Xephyr crashes when a key is pressed that is grabbed on its keyboard. Only the name of that keyboard identifies it.
 bool isXephyr(xcb_connection_t* connection) {
     const XcbReply<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
         connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr));
@@ -68,18 +68,19 @@ bool X11Trust::requestWithPrompt() {
 bool X11Trust::isSecureInputActive() const {
     const bool isHeld = context_.isKeyboardHeldElsewhere.load();
     if (isHeld && context_.requestKeyboardProbe) {
-        // The holder does not tell when it lets go. Asking again while it holds on has no side effect.
+        // No event reports the end of another client's grab, so it is tried again. Trying has no side effect while the
+        // other client has the grab.
         context_.requestKeyboardProbe();
     }
     return isHeld || sessionLock_.isLocked();
 }
 
 Subscription X11Trust::observeLostTriggers(std::function<void()> handler) {
-    return lostTriggers_.subscribe([told = std::move(handler)](bool) { told(); });
+    return lostTriggers_.subscribe([handler = std::move(handler)](bool) { handler(); });
 }
 
 Subscription X11Trust::observeChanges(std::function<void()> handler) {
-    return changes_.subscribe([told = std::move(handler)](bool) { told(); });
+    return changes_.subscribe([handler = std::move(handler)](bool) { handler(); });
 }
 
 std::string inputObstacle(xcb_connection_t* connection) {

@@ -11,11 +11,11 @@
 
 namespace ferrowyn {
 
-/// On X11 nobody grants access; what the program needs is there or it is not: a window manager that follows the
-/// extended conventions, and an input extension that lets one client see the trigger before the manager. Main thread.
+/// On X11 no access has to be granted. Trusted means that an EWMH window manager runs and that the server has XInput
+/// 2.2, with which the tap gets the trigger before the manager. Main thread.
 class X11Trust final : public Trust {
 public:
-    /// Whether the session is locked, and word of every change of that.
+    /// Whether the session is locked, and how to observe changes of that.
     struct SessionLockState {
         std::function<bool()> isLocked = [] { return false; };
         std::function<Subscription(std::function<void()>)> observe = [](const auto&) { return Subscription(); };
@@ -27,13 +27,13 @@ public:
 
     [[nodiscard]] bool isTrusted() const override;
     [[nodiscard]] bool canBecomeTrusted() const override { return inputObstacle_.empty(); }
-    /// There is no prompt: the log says what is missing.
+    /// Writes to the log what is missing; X11 has no prompt.
     bool requestWithPrompt() override;
     [[nodiscard]] bool isSecureInputActive() const override;
     [[nodiscard]] Subscription observeLostTriggers(std::function<void()> handler) override;
     [[nodiscard]] Subscription observeChanges(std::function<void()> handler) override;
 
-    /// What the tap saw, passed on.
+    /// The tap reports that another program answered the trigger.
     void noteLostTrigger() { lostTriggers_.send(true); }
 
 private:

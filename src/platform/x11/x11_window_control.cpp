@@ -11,12 +11,12 @@
 namespace ferrowyn {
 namespace {
 
-/// Who asks, as the conventions number it: a pager acts for the user, so managers do not second-guess it.
+/// The source indication of EWMH for pagers. Managers obey it, because a pager acts for the user.
 constexpr std::uint32_t sourcePager = 2;
-/// Longer than the pause after which an activation that was not confirmed is asked for again.
+/// Longer than the pause after which an unconfirmed activation is requested again.
 constexpr Seconds requestLifetime{1.0};
 
-/// As the conventions number what to do with a state.
+/// The actions of a `_NET_WM_STATE` message.
 constexpr std::uint32_t stateRemove = 0, stateAdd = 1;
 
 void sendMessage(X11EventConnection& connection, xcb_window_t window, xcb_atom_t message,
@@ -32,14 +32,14 @@ void sendMessage(X11EventConnection& connection, xcb_window_t window, xcb_atom_t
                    reinterpret_cast<const char*>(&event));
 }
 
-/// Asks where a window is on the screens.
+/// The requests for a window's frame in root coordinates. The constructor sends them; `collect` takes the replies.
 struct X11PlaceRequest {
     X11PlaceRequest(X11EventConnection& connection, xcb_window_t asked)
         : window(asked),
           geometry(xcb_get_geometry(connection.get(), asked)),
           position(xcb_translate_coordinates(connection.get(), asked, connection.root(), 0, 0)) {}
 
-    /// Nothing when the window is gone.
+    /// nullopt when the window is gone.
     [[nodiscard]] std::optional<Rect> collect(X11EventConnection& connection) const {
         const XcbReply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection.get(), geometry, nullptr));
         const XcbReply<xcb_translate_coordinates_reply_t> origin(
@@ -69,16 +69,15 @@ void X11WindowControl::raise(const AXElementRef& window) {
     }
     const auto* const facts = monitor_.model().find(*id);
     if ((requested_ == id || requestedBefore_ == id) && facts != nullptr && facts->isHidden) {
-        // The first request did not restore it: this manager goes by the older convention, by which a window is
-        // restored by mapping it.
+        // The first request did not restore it. This manager follows ICCCM, where mapping a window restores it.
         xcb_map_window(monitor_.connection().get(), *id);
     }
     requestActivation(*id);
 }
 
 void X11WindowControl::bringToFront(xcb_window_t window) {
-    // The click in a menu that asked for it may have been heard by the toolkit only so far, and a command line is typed
-    // into another program: a manager that knows of a later input than this would only highlight the window.
+    // The user's last input may be a click that only Qt has received yet, or a command typed into another program. A
+    // manager that knows of a later input than the request's time would only highlight the window.
     if (const auto now = serverTimeNow(monitor_.connection().get())) {
         context_.noteUserTime(*now);
     }
@@ -87,7 +86,7 @@ void X11WindowControl::bringToFront(xcb_window_t window) {
 
 void X11WindowControl::activate(Pid pid) {
     if (isOwnedBy(requested_, pid)) {
-        return;  // its window is on its way; the application's own idea of its front window must not overtake it
+        return;  // a request for the application's last active window would replace the one for the chosen window
     }
     auto window = monitor_.model().lastActiveOf(pid);
     if (!window) {
@@ -118,7 +117,7 @@ void X11WindowControl::requestActivation(xcb_window_t window) {
     using Path = X11DesktopModel::Path;
     monitor_.expectActive(window, changesDesktop ? Path::acrossDesktops : Path::onOneDesktop);
     if (changesDesktop) {
-        // Left to themselves some managers bring the window here instead of taking the user there.
+        // Otherwise some managers move the window to the current desktop.
         sendToManager(monitor_.connection().root(), atoms_.netCurrentDesktop, {*facts->desktop, requestTime_, 0, 0, 0});
     }
     sendActivation(window, requestTime_);
@@ -128,12 +127,12 @@ void X11WindowControl::requestActivation(xcb_window_t window) {
 
 void X11WindowControl::takeFocusBackFor(xcb_window_t window) {
     if (context_.lastUserTime.load() > requestTime_) {
-        // It was no theft: the user has clicked there, or pressed the trigger again.
+        // Not a theft: the user has clicked or pressed a key since the request.
         monitor_.stopExpectingActive();
         return;
     }
     isReached_ = false;
-    // Later than the thief's request, or that would prevail.
+    // A time later than that of the other window's request, which the manager would prefer otherwise.
     sendActivation(window, monitor_.latestServerTime());
     monitor_.connection().flush();
 }
@@ -163,7 +162,7 @@ void X11WindowControl::uncover(xcb_window_t window) {
     if (fullScreen.empty()) {
         return;
     }
-    // Where the windows are now: one that fills another screen stays as it is.
+    // Their present frames are needed, because a full-screen window on another screen is left as it is.
     auto& connection = monitor_.connection();
     const X11PlaceRequest place(connection, window);
     std::vector<X11PlaceRequest> places;
@@ -176,8 +175,8 @@ void X11WindowControl::uncover(xcb_window_t window) {
         for (const auto& each : places) {
             const auto other = each.collect(connection);
             if (own && other && intersect(*own, *other)) {
-                // Being told to stay below the others takes it out of the layer above them; it may come up again at
-                // once. It stays full screen all the time.
+                // Adding the state "below" takes the window out of the layer above the others. The state is removed at
+                // once, and the window stays full screen.
                 for (const auto action : {stateAdd, stateRemove}) {
                     sendMessage(connection, each.window, atoms.netWmState,
                                 {action, atoms.stateBelow, 0, sourcePager, 0});
@@ -194,7 +193,7 @@ void X11WindowControl::sendToManager(xcb_window_t window, xcb_atom_t message,
 }
 
 xcb_timestamp_t X11WindowControl::userTime() const {
-    // Before the user's first key there is none; managers distrust 0, so the latest time the server told stands in.
+    // Before the user's first input there is no time. Managers distrust 0, so the latest server time is used.
     const auto time = context_.lastUserTime.load();
     return time != 0 ? time : monitor_.latestServerTime();
 }
@@ -228,7 +227,7 @@ std::optional<bool> X11WindowControl::isFocused(const AXElementRef& window) cons
 bool X11WindowControl::wasOvertaken(const AXElementRef& window) const {
     const auto id = X11Element::windowOf(window);
     const auto active = monitor_.model().activeWindow();
-    // Managers say in passing that no window is active: that is nobody's choice.
+    // Managers set None for a moment; the user did not choose that.
     if (!id || requested_ != id || active == *id || active == XCB_WINDOW_NONE) {
         return false;
     }

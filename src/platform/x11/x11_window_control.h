@@ -12,10 +12,9 @@
 
 namespace ferrowyn {
 
-/// Asks the window manager to activate windows, as a pager does. One request does what takes other desktops eight: the
-/// manager restores, raises and focuses the window together. So `raise` sends it at once, `setFrontmost` adds the
-/// stacking for managers that focus without raising, and the steps between find their work done. Main thread; nothing
-/// here waits for an answer, except what is asked for the program's own windows.
+/// Asks the window manager to activate windows, as a pager does. One request makes the manager restore, raise and focus
+/// the window, so `raise` sends it, `setFrontmost` only stacks the window for managers that focus without raising, and
+/// the other steps do nothing. Only `bringToFront` waits for the server. Main thread; owned by `X11Platform`.
 class X11WindowControl final : public WindowControl {
 public:
     /// All references outlive this.
@@ -27,23 +26,26 @@ public:
             [this](xcb_window_t window) { isReached_ = isReached_ || window == requested_; });
     }
 
-    /// Applications as a whole cannot be hidden here. All of one's windows being minimised is not that: the user
-    /// minimised each, and restoring one must not bring back the others.
+    /// X11 cannot hide an application as a whole. An application whose windows are all minimised does not count as
+    /// hidden, because restoring one window must not restore the others.
     [[nodiscard]] bool isHidden(Pid /*pid*/) const override { return false; }
     void unhide(Pid /*pid*/) override {}
 
-    /// Activates the application's last active window, or its front-most one, unless one of its windows is on its way.
+    /// Activates the application's last active window, otherwise its front-most one. Does nothing while an activation
+    /// of one of its windows is under way.
     void activate(Pid pid) override;
     [[nodiscard]] bool isActive(Pid pid) const override;
 
-    /// Requests to the manager are never waited for.
+    /// No request waits for the application, so there is no timeout.
     void setMessagingTimeout(Pid /*pid*/, Seconds /*timeout*/) override {}
     void setMessagingTimeout(const AXElementRef& /*window*/, Seconds /*timeout*/) override {}
 
-    /// Activation restores a minimised window; see `raise` for managers with which it does not.
+    /// Activation restores a minimised window.
     void unminimize(const AXElementRef& /*window*/) override {}
+    /// Requests the activation. When it is called again and the window is still minimised, maps the window too, for
+    /// managers that restore only that way.
     void raise(const AXElementRef& window) override;
-    /// One of this program's own windows, which the user has asked for now.
+    /// Activates one of this program's windows with the server's present time. A few round trips.
     void bringToFront(xcb_window_t window);
     void setMain(const AXElementRef& /*window*/) override {}
     void setFocused(const AXElementRef& /*window*/) override {}
@@ -63,7 +65,7 @@ private:
     void takeFocusBackFor(xcb_window_t window);
     void sendActivation(xcb_window_t window, xcb_timestamp_t time);
     void stackAbove(xcb_window_t window);
-    /// Where the manager does not do that by itself: takes full-screen windows out of the way of the window.
+    /// Moves full-screen windows below this window, for a manager that keeps them above it.
     void uncover(xcb_window_t window);
     void sendToManager(xcb_window_t window, xcb_atom_t message, const std::array<std::uint32_t, 5>& data);
     [[nodiscard]] xcb_timestamp_t userTime() const;
@@ -74,16 +76,16 @@ private:
     const X11Atoms& atoms_;
     X11InputContext& context_;
     Log& log_;
-    /// The window that was last asked for; forgotten after a while, or it would stand in the way of the next request
-    /// for its application.
+    /// The window of the latest request. Reset after `requestLifetime`, because `activate` does nothing for its
+    /// application until then.
     std::optional<xcb_window_t> requested_;
-    /// The one before it: a blocked window is asked for and then its dialog.
+    /// The window of the request before: for a blocked window, its dialog is requested next.
     std::optional<xcb_window_t> requestedBefore_;
     Subscription requestEnd_;
-    /// The user's latest input when it was asked for.
+    /// The time of the user's latest input before the request.
     xcb_timestamp_t requestTime_ = 0;
     xcb_window_t activeAtRequest_ = XCB_WINDOW_NONE;
-    /// Whether it has been the active one since.
+    /// Whether the requested window has been active since.
     bool isReached_ = false;
     Subscription thefts_;
     Subscription activeChanges_;

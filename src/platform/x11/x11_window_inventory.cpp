@@ -32,7 +32,7 @@ void X11DesktopReader::settleList(X11DesktopSnapshot& snapshot) {
     auto& root = snapshot.root;
     auto manager = root.supportingWmCheck;
     if (!root.stacking) {
-        // Whether that manager still runs matters only now, and costs a round trip.
+        // Only a missing list makes it necessary to know whether the manager still runs; it costs a round trip.
         auto* const connection = connection_->get();
         manager = managerCheck_.collect(connection, managerCheck_.request(connection, root, atoms_));
         ++snapshot.roundTrips;
@@ -67,13 +67,6 @@ void X11DesktopReader::keep(const std::vector<X11WindowFacts>& windows) {
     }
 }
 
-namespace {
-
-/// Of dialogs that belong to dialogs; more are a circle.
-constexpr int deepestNesting = 16;
-
-}  // namespace
-
 X11InventoryReading::X11InventoryReading(X11DesktopSnapshot snapshot, double scale,
                                          const X11ApplicationDirectory& directory, const X11FocusHistory& history)
     : snapshot_(std::move(snapshot)), scale_(scale), history_(history) {
@@ -102,7 +95,7 @@ void X11InventoryReading::findBlockedWindows() {
         if (!window.isModal) {
             continue;
         }
-        // One that belongs to no window in particular blocks all of its group.
+        // A dialog for the root window, or for none, blocks all windows of its group.
         const bool isForGroup = window.transientFor == XCB_WINDOW_NONE || window.transientFor == snapshot_.root.root;
         if (!isForGroup) {
             dialogs_.emplace(window.transientFor, &window);
@@ -115,9 +108,9 @@ void X11InventoryReading::findBlockedWindows() {
         if (found == dialogsOfGroups.end() || found->second == &window) {
             continue;
         }
-        // What the dialog itself has opened, in turn, it does not block.
+        // A dialog does not block the windows that it has opened itself.
         const auto* ancestor = &window;
-        for (int depth = 0; depth < deepestNesting && ancestor != nullptr && ancestor != found->second; ++depth) {
+        for (int depth = 0; depth < deepestDialogNesting && ancestor != nullptr && ancestor != found->second; ++depth) {
             ancestor = find(ancestor->transientFor);
         }
         if (ancestor != found->second) {
@@ -129,7 +122,7 @@ void X11InventoryReading::findBlockedWindows() {
 std::optional<ModalDialog> X11InventoryReading::blockerOf(xcb_window_t window) const {
     const X11WindowFacts* last = nullptr;
     auto next = dialogs_.find(window);
-    for (int depth = 0; depth < deepestNesting && next != dialogs_.end() && next->second->id != window; ++depth) {
+    for (int depth = 0; depth < deepestDialogNesting && next != dialogs_.end() && next->second->id != window; ++depth) {
         last = next->second;
         next = dialogs_.find(last->id);
     }
@@ -197,7 +190,7 @@ std::optional<AccessibleApplication> X11InventoryReading::windowsOf(Pid pid, Sec
         return std::nullopt;
     }
     AccessibleApplication application;
-    // The reading is younger than the history where the two differ about the active application.
+    // The reading is newer than the history, so its active window wins.
     auto focused = history_.lastActiveOf(pid);
     for (const auto* const window : found->second) {
         if (window->isDesktopElement()) {

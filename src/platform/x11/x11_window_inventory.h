@@ -18,31 +18,31 @@
 
 namespace ferrowyn {
 
-/// The whole desktop at one moment. Immutable once read.
+/// The whole desktop at one moment.
 struct X11DesktopSnapshot {
-    /// The server answered.
+    /// False when the connection was lost.
     bool isValid = false;
     X11RootFacts root;
     /// Front-most first, desktop elements included.
     std::vector<X11WindowFacts> windows;
-    /// How often the reading waited for the server.
+    /// How many round trips the reading took.
     int roundTrips = 0;
 };
 
-/// Reads the whole desktop over a connection of its own, in at most three round trips however many windows there are:
-/// what the manager publishes, then everything about every window, then the old forms of title and process for the few
-/// windows that have no other. Any thread; a second reader waits for the first.
+/// Reads the whole desktop in at most three round trips, however many windows there are: the root's properties, then
+/// all windows, then the old forms of title and process for the few windows that have only those. Any thread; a second
+/// caller waits for the first. Owned by `X11Platform`.
 class X11DesktopReader {
 public:
-    /// The connection is this reader's alone; the atoms outlive it.
+    /// Nothing else uses the connection. The atoms outlive this.
     X11DesktopReader(std::unique_ptr<X11Connection> connection, const X11Atoms& atoms);
 
     [[nodiscard]] X11DesktopSnapshot read();
 
-    /// From now on what rarely changes about a window (its owner, its kind, its application) is kept from one reading
-    /// to the next, which halves the requests. Whoever calls this sees to it that `forget` is.
+    /// From now on keeps the facts that rarely change (owner, kind, application) from one reading to the next, which
+    /// halves the requests. The caller must then call `forget` for windows whose facts may have changed.
     void keepLastingFacts();
-    /// Some of that has changed, or may have, by the time of this call. Waits for no reading.
+    /// Reads everything about these windows again next time. Does not wait for a reading that is under way.
     void forget(const std::vector<xcb_window_t>& windows);
 
 private:
@@ -56,22 +56,22 @@ private:
     X11Owners owners_;
     X11ManagerCheck managerCheck_;
     X11ListPublisher publisher_;
-    /// The windows of the latest list. While a manager is being replaced there is no list for a moment, but the windows
-    /// stay; the next list decides.
+    /// The latest list, front-most first. It is used while a manager is being replaced and there is no list for a
+    /// moment.
     std::vector<xcb_window_t> latestStacking_;
     bool keepsLastingFacts_ = false;
     X11WindowBatch::KnownWindows known_;
 
-    /// Guards the list only. What is put in it during a reading is still there for the next one, as the reading may
-    /// have asked too early.
+    /// Guards `forgotten_`. A window added during a reading stays in it for the next reading, because the current one
+    /// may have read the old values.
     std::mutex forgottenMutex_;
     std::vector<xcb_window_t> forgotten_;
 };
 
-/// Answers one snapshot's questions from one reading of the desktop. Any thread; nothing here talks to the server.
+/// Answers the questions of one inventory snapshot from one reading of the desktop. Any thread; sends no requests.
 class X11InventoryReading final : public InventoryReading {
 public:
-    /// `scale` is device pixels a point. The directory and the history outlive this.
+    /// `scale` is in device pixels per point. The directory and the history outlive this.
     X11InventoryReading(X11DesktopSnapshot snapshot, double scale, const X11ApplicationDirectory& directory,
                         const X11FocusHistory& history);
 
@@ -81,13 +81,13 @@ public:
     [[nodiscard]] std::optional<AccessibleApplication> windowsOf(Pid pid, Seconds messagingTimeout) const override;
     [[nodiscard]] bool hasWindowNumberLookup() const override { return true; }
 
-    /// How often the reading waited for the server.
+    /// How many round trips the reading took.
     [[nodiscard]] int roundTrips() const { return snapshot_.roundTrips; }
 
 private:
-    /// Notes which windows are blocked by which modal dialogs.
+    /// Fills `dialogs_`.
     void findBlockedWindows();
-    /// The dialog that takes the window's input in the end.
+    /// The dialog that takes the window's input. When that dialog is blocked too, the last one of the chain.
     [[nodiscard]] std::optional<ModalDialog> blockerOf(xcb_window_t window) const;
     [[nodiscard]] const X11WindowFacts* find(xcb_window_t window) const;
     [[nodiscard]] std::optional<Rect> frameInPoints(const X11WindowFacts& window) const;
@@ -98,14 +98,15 @@ private:
     std::vector<RunningApplication> applications_;
     std::unordered_map<Pid, std::vector<const X11WindowFacts*>> windowsByPid_;
     std::unordered_map<xcb_window_t, const X11WindowFacts*> windowsById_;
-    /// The front-most modal dialog of each window that has one.
+    /// The front-most modal dialog that blocks each window.
     std::unordered_map<xcb_window_t, const X11WindowFacts*> dialogs_;
 };
 
-/// Readings come over the reader's connection on worker threads; what the main thread asks is answered by the model.
+/// Lists the windows. Workers call `beginReading`, which uses the reader's connection; the main thread calls the rest,
+/// which the model answers without a round trip.
 class X11WindowInventory final : public WindowInventory {
 public:
-    /// `scale` is device pixels a point. All references outlive this.
+    /// `scale` is in device pixels per point. All references outlive this.
     X11WindowInventory(X11DesktopReader& reader, const X11DesktopModel& model, const X11ApplicationDirectory& directory,
                        const X11FocusHistory& history, const std::atomic<double>& scale)
         : reader_(reader), model_(model), directory_(directory), history_(history), scale_(scale) {}

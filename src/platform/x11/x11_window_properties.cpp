@@ -41,7 +41,7 @@ std::optional<X11WindowKind> kindOfType(xcb_atom_t type, const X11Atoms& atoms) 
 }  // namespace
 
 X11WindowKind windowKind(std::span<const std::uint32_t> types, bool isTransient, const X11Atoms& atoms) {
-    // The list is in order of preference, and may begin with types that only one toolkit or manager knows.
+    // The list is in the order of preference. It may begin with types that only one toolkit or manager knows.
     for (const auto type : types) {
         if (const auto kind = kindOfType(type, atoms)) {
             return *kind;
@@ -91,8 +91,7 @@ bool isOnScreen(const X11WindowFacts& window, std::optional<std::uint32_t> curre
 
 namespace {
 
-/// In 32-bit units. A title of 4 KiB fills several screens; one of megabytes, which some pages set, is cut there by the
-/// server, so that it never crosses the wire.
+/// In 32-bit units: 4 KiB. Some web pages set titles of megabytes; the server then sends only this much.
 constexpr std::uint32_t maximumTitleLength = 1024;
 constexpr std::uint32_t maximumNameLength = 256;
 constexpr std::uint32_t maximumAtomCount = 64;
@@ -105,7 +104,7 @@ xcb_get_property_cookie_t request(xcb_connection_t* connection, xcb_window_t win
     return xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, length);
 }
 
-/// Text in whichever of the three encodings its type names; nothing for any other type.
+/// The text of a property with one of the three text types; nullopt for another type.
 std::optional<std::string> text(const X11Property& property, const X11Atoms& atoms) {
     if (const auto bytes = property.bytes(atoms.utf8String)) {
         return textFromProperty(*bytes, X11TextEncoding::utf8, property.isCut());
@@ -119,7 +118,7 @@ std::optional<std::string> text(const X11Property& property, const X11Atoms& ato
     return std::nullopt;
 }
 
-/// WM_CLASS is two strings, each ended by a NUL, of which sloppy clients leave out the second.
+/// WM_CLASS is two strings that each end with a NUL. Some clients leave out the second string.
 void readWmClass(const X11Property& property, X11ApplicationIdentity& identity) {
     const auto bytes = property.bytes(XCB_ATOM_STRING);
     if (!bytes) {
@@ -142,7 +141,7 @@ void readState(const X11Property& property, const X11Atoms& atoms, X11WindowFact
     facts.isAlwaysOnTop = has(atoms.stateAbove);
 }
 
-/// WM_HINTS: flags first, the group's window last.
+/// In WM_HINTS the flags come first and the window group last.
 xcb_window_t readGroup(const X11Property& hints) {
     constexpr std::uint32_t windowGroupHint = 1U << 6U;
     const auto items = hints.items(XCB_ATOM_WM_HINTS);
@@ -178,7 +177,7 @@ X11WindowRequests::X11WindowRequests(xcb_connection_t* connection, xcb_window_t 
 
 std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connection_t* connection,
                                                                     const X11Atoms& atoms) const {
-    // Every answer is taken, also those of a window that has vanished: one left over would stay in xcb's memory.
+    // All replies are collected, also those of a destroyed window, because xcb keeps uncollected replies in memory.
     const XcbReply<xcb_get_window_attributes_reply_t> attributes(
         xcb_get_window_attributes_reply(connection, attributes_, nullptr));
     const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(connection, geometry_, nullptr));
@@ -203,8 +202,8 @@ std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connecti
     }
     readState(state, atoms, facts);
     if (facts.isTransient && facts.kind == X11WindowKind::dialog) {
-        // xfwm4, metacity and mutter keep every dialog of a window off their taskbars, whether it asked for that or
-        // not; the user still switches to it.
+        // xfwm4, metacity and mutter set "skip taskbar" on every dialog with a parent window, although users switch to
+        // it.
         facts.skipsTaskbar = false;
     }
     if (wmState.item(atoms.wmState) == iconicState) {

@@ -16,11 +16,11 @@
 
 namespace ferrowyn {
 
-/// By what a window says which application it belongs to; empty is what it does not say.
+/// The properties with which a window names its application. A missing property is empty.
 struct X11ApplicationIdentity {
-    /// The application's own idea of its desktop file's name, without the suffix (GTK).
+    /// The name of the desktop file without the suffix, set by GTK.
     std::string gtkApplicationId;
-    /// The same by Qt and KDE, with or without path and suffix.
+    /// The name of the desktop file, with or without path and suffix, set by Qt and KDE.
     std::string kdeDesktopFile;
     std::string wmClassInstance;
     std::string wmClassName;
@@ -28,45 +28,44 @@ struct X11ApplicationIdentity {
     friend bool operator==(const X11ApplicationIdentity&, const X11ApplicationIdentity&) = default;
 };
 
-/// What a window is to the user, as its type says.
+/// The kind of a window, from its type.
 enum class X11WindowKind {
     normal,
     dialog,
     desktop,
     dock,
-    /// Toolbars, palettes, splash screens: windows of their own, but not ones to switch to.
+    /// Toolbars, palettes, splash screens: separate windows, but not ones to switch to.
     auxiliary,
-    /// Menus, tooltips, notifications: above everything and soon gone.
+    /// Menus, tooltips, notifications: above all other windows and only for a short time.
     transitory,
 };
 
 /// One client window as its properties describe it.
 struct X11WindowFacts {
     xcb_window_t id = XCB_WINDOW_NONE;
-    /// The owner's process, or a number that stands for a client without one (`X11Owners`).
+    /// The owner's process, or a stand-in (`X11Owners`).
     Pid process = 0;
-    /// The number of the application, which may be several processes or share one (`X11ApplicationDirectory`). Given
-    /// when all windows are known, not when this one is read.
+    /// The number of the application (`X11ApplicationDirectory`); 0 until all windows are known.
     Pid pid = 0;
     X11WindowKind kind = X11WindowKind::normal;
     /// Belongs to another window, as a dialog does.
     bool isTransient = false;
-    /// The window that it belongs to: the root window where it belongs to all of its group, none where it does not say.
+    /// The parent window. The root window means the whole group; None means that the property is missing.
     xcb_window_t transientFor = XCB_WINDOW_NONE;
-    /// The window that stands for the group of windows that this one is part of.
+    /// The leader window of its window group; None without a group.
     xcb_window_t group = XCB_WINDOW_NONE;
-    /// Takes the input of the window that it belongs to, or of its whole group.
+    /// Blocks its parent window, or its whole group.
     bool isModal = false;
     bool skipsTaskbar = false;
     bool isHidden = false;
     bool isFullScreen = false;
     bool isAlwaysOnTop = false;
     bool isMapped = false;
-    /// Absent where the manager has no desktops; `onAllDesktops` for a sticky window.
+    /// nullopt when the manager has no desktops; `onAllDesktops` for a sticky window.
     std::optional<std::uint32_t> desktop;
-    /// 0 to 1; absent when the window does not say.
+    /// 0 to 1; nullopt when the property is missing.
     std::optional<double> opacity;
-    /// Device pixels in root coordinates; absent when the window vanished while it was asked.
+    /// In device pixels and root coordinates; nullopt when the window was destroyed during the reading.
     std::optional<Rect> frame;
     std::string title;
     X11ApplicationIdentity identity;
@@ -82,39 +81,44 @@ struct X11WindowFacts {
     }
 };
 
-/// The kind that the type property asks for: the first type in the list that is known, else what being transient says.
+/// How many parents of dialogs are followed. A longer chain is a cycle, which any client can make.
+inline constexpr int deepestDialogNesting = 16;
+
+/// The kind for the first known type in the list. Without one, a transient window is a dialog and another one is
+/// normal.
 [[nodiscard]] X11WindowKind windowKind(std::span<const std::uint32_t> types, bool isTransient, const X11Atoms& atoms);
 
-/// "AXStandardWindow", "AXDialog", or another subrole for what a user does not switch to.
+/// "AXStandardWindow", "AXDialog", or another subrole for windows that a user does not switch to.
 [[nodiscard]] std::string subroleOf(const X11WindowFacts& window);
 
-/// 0 for windows to switch to, "always on top" ones included: the user still wants to reach those.
+/// 0 for windows to switch to, including those that are always on top.
 [[nodiscard]] std::int64_t layerOf(const X11WindowFacts& window);
 
-/// Shown on the desktop in front of the user.
+/// Whether the window is shown on the current desktop.
 [[nodiscard]] bool isOnScreen(const X11WindowFacts& window, std::optional<std::uint32_t> currentDesktop);
 
-/// The requests for one window's facts, sent when this is made; collecting waits for the answers. Making those of all
-/// windows before collecting the first is what keeps a snapshot at a fixed number of round trips.
+/// The requests for one window's facts. The constructor sends them; `collect` waits for the replies. To keep the number
+/// of round trips fixed, make the requests for all windows before collecting the first.
 ///
-/// The owner is not among them: clients are asked for in bulk (`X11Owners`).
+/// The owners are requested separately, for all windows together (`X11Owners`).
 class X11WindowRequests {
 public:
-    /// What is `known` of the window from an earlier reading saves asking again for what rarely changes; null when
-    /// nothing is. Copied by `collect`, so it lives until then.
+    /// `known` are the window's facts from an earlier reading, or null. Facts that rarely change are taken from it
+    /// instead of being requested. It lives until `collect` returns.
     X11WindowRequests(xcb_connection_t* connection, xcb_window_t window, const X11RootFacts& root,
                       const X11Atoms& atoms, const X11WindowFacts* known);
 
-    /// Nothing when the window has vanished. An absent `_NET_WM_NAME` leaves the title empty and sets `lacksTitle`.
     struct Answer {
         X11WindowFacts facts;
+        /// There is no `_NET_WM_NAME`, and the title is empty.
         bool lacksTitle = false;
     };
+    /// nullopt when the window was destroyed.
     [[nodiscard]] std::optional<Answer> collect(xcb_connection_t* connection, const X11Atoms& atoms) const;
     [[nodiscard]] bool isKnown() const { return known_ != nullptr; }
 
 private:
-    /// What a window says once, as a rule before it is shown.
+    /// Properties that rarely change; most clients set them before the window is shown.
     struct Lasting {
         xcb_get_property_cookie_t type;
         xcb_get_property_cookie_t transientFor;
@@ -135,43 +139,43 @@ private:
     xcb_get_property_cookie_t name_;
     const X11WindowFacts* known_;
     std::optional<Lasting> lasting_;
-    /// Only where the manager does not tell minimised windows in the newer way.
+    /// Only when the manager does not support `_NET_WM_STATE_HIDDEN`.
     std::optional<xcb_get_property_cookie_t> wmState_;
 };
 
-/// The request for a title of before `_NET_WM_NAME`.
+/// Requests WM_NAME, the title of clients that do not set `_NET_WM_NAME`.
 [[nodiscard]] xcb_get_property_cookie_t requestLegacyTitle(xcb_connection_t* connection, xcb_window_t window);
 [[nodiscard]] std::string collectLegacyTitle(xcb_connection_t* connection, xcb_get_property_cookie_t cookie,
                                              const X11Atoms& atoms);
 
-/// The facts of many windows at once: everything is asked for when this is made, and waited for when it is collected.
+/// Reads the facts of many windows together. The constructor sends all requests; `collect` waits for the replies.
 class X11WindowBatch {
 public:
-    /// When to ask for what only few windows need: the title and the process number in their old forms.
+    /// When to request WM_NAME and `_NET_WM_PID`, which only few windows need.
     enum class Fallbacks {
-        /// After the answers that show which windows need them: one more round trip, and far fewer requests.
+        /// After the replies that show which windows need them: one more round trip, but far fewer requests.
         whenNeeded,
-        /// With everything else, and the process number alone, so that collecting never waits a second time.
+        /// Requests `_NET_WM_PID` of all windows with the rest and never WM_NAME, so `collect` waits only once.
         atOnceWithoutTitles,
     };
 
     using KnownWindows = std::unordered_map<xcb_window_t, X11WindowFacts>;
 
-    /// `known` as in `X11WindowRequests`; it outlives this.
+    /// `known` is as in `X11WindowRequests` and outlives this, as do the other references.
     X11WindowBatch(xcb_connection_t* connection, const X11RootFacts& root, const X11Atoms& atoms,
                    const X11Owners& owners, const std::vector<xcb_window_t>& windows, Fallbacks fallbacks,
                    const KnownWindows& known);
 
     struct Answer {
-        /// In the order of the windows asked for, without those that have vanished.
+        /// In the order of the requested windows, without those that were destroyed.
         std::vector<X11WindowFacts> windows;
         int roundTrips = 0;
     };
-    /// Once.
+    /// Call it once.
     [[nodiscard]] Answer collect();
 
 private:
-    /// A window that needs one of the old forms: where it is in the answer, and what was asked.
+    /// The further requests for one window, and its index in the answer.
     struct Fallback {
         std::size_t index = 0;
         std::optional<xcb_get_property_cookie_t> title;

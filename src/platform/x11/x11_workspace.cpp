@@ -107,7 +107,7 @@ private:
         }
         // A window that ended before anybody could register for it is told about all the same: the snapshot that was
         // under way may still list it.
-        return notification.kind == AccessibilityNotification::uiElementDestroyed;
+        return notification.name == "AXUIElementDestroyed";
     }
 
     Pid pid_;
@@ -139,11 +139,12 @@ Pid X11Application::ownPid() const {
 }
 
 Subscription X11Application::observeDidBecomeActive(std::function<void()> handler) {
-    return model_.workspaceEvents().subscribe([own = ownPid(), told = std::move(handler)](const WorkspaceEvent& event) {
-        if (event.kind == WorkspaceEvent::Kind::didActivate && event.application && event.application->pid == own) {
-            told();
-        }
-    });
+    return model_.workspaceEvents().subscribe(
+        [own = ownPid(), handler = std::move(handler)](const WorkspaceEvent& event) {
+            if (event.kind == WorkspaceEvent::Kind::didActivate && event.application && event.application->pid == own) {
+                handler();
+            }
+        });
 }
 
 BundleInfo X11Application::bundleInfo() const {
@@ -165,10 +166,8 @@ std::optional<int> X11Application::calendarYear(WallTime /*moment*/) const {
 
 void X11Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 
-/// The window manager decides that for each window, when it is asked to activate one.
 void X11Application::activate() {}
 
-/// As a pager asks, which no manager refuses: the user chose to see this window, a moment ago and perhaps elsewhere.
 void X11Application::bringToFront(WindowId window) {
     windows_.bringToFront(window);
 }

@@ -16,18 +16,18 @@
 
 namespace ferrowyn {
 
-/// Running applications as the model has them. Main thread.
+/// Running applications, as the model knows them, and installed ones. Main thread.
 class X11Workspace final : public Workspace {
 public:
-    /// What lies outside the X server.
+    /// The functions that need no X server.
     struct Desktop {
         /// The display name of the installed application with this identifier.
         std::function<std::optional<std::string>(std::string_view)> installedApplicationName;
         std::function<std::optional<std::string>(std::string_view)> installedApplicationPath;
-        /// Hands an address to the desktop's handler without waiting for it; false when that cannot be started.
+        /// Opens a URL with the desktop's handler and does not wait for it; false when the handler cannot be started.
         std::function<bool(std::string_view)> openAddress;
         /// Shows what serves the purpose of this page of the system settings; false when there is nothing (yet).
-        std::function<bool(SettingsPage)> openSettings;
+        std::function<bool(std::string_view)> openSettingsPage;
     };
 
     /// The monitor outlives this.
@@ -50,7 +50,7 @@ private:
     Subscription screenChanges_;
 };
 
-/// Hands the model's notifications to the observers of the applications they are about. Main thread.
+/// Makes observers, each of which gets the model's notifications about one application. Main thread.
 class X11AccessibilityObservers final : public AccessibilityObservers {
 public:
     /// The model outlives this and every observer.
@@ -62,6 +62,7 @@ private:
     const X11DesktopModel& model_;
 };
 
+/// The program itself. Main thread.
 class X11Application final : public Application {
 public:
     /// Both outlive this.
@@ -72,8 +73,9 @@ public:
     [[nodiscard]] BundleInfo bundleInfo() const override;
     [[nodiscard]] std::string systemVersion() const override;
     [[nodiscard]] std::optional<int> calendarYear(WallTime moment) const override;
-    /// A window that is open is in the task bar anyway; there is nothing to switch.
+    /// Does nothing: the task bar shows each open window anyway.
     void setActivationPolicy(ActivationPolicy policy) override;
+    /// Does nothing: the window manager activates windows, not programs.
     void activate() override;
     void bringToFront(WindowId window) override;
     void terminate() override;

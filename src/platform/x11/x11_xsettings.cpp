@@ -15,7 +15,8 @@ namespace {
 constexpr std::uint32_t longestSettings = 1U << 16U;
 constexpr std::string_view themeName = "Net/ThemeName";
 
-/// Reads the value of the property from its begin to its end; after the first thing that is not there, nothing is.
+/// Reads the value of the property from beginning to end. After a read past the end, `isGood` is false and each further
+/// read returns zero or an empty text.
 class SettingsReader {
 public:
     explicit SettingsReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {
@@ -86,14 +87,15 @@ std::optional<std::string> xsettingsText(std::span<const std::uint8_t> property,
                 reader.skip(colorLength);
                 break;
             default:
-                // How long a value of an unknown kind is, nobody knows.
+                // The length of an unknown type is unknown, so the rest cannot be read.
                 return std::nullopt;
         }
     }
     return std::nullopt;
 }
 
-X11Xsettings::X11Xsettings(X11PanelEvents& events, Told onTheme) : events_(events), onTheme_(std::move(onTheme)) {
+X11Xsettings::X11Xsettings(X11PanelEvents& events, ThemeHandler onTheme)
+    : events_(events), onTheme_(std::move(onTheme)) {
     const std::string selection = "_XSETTINGS_S" + std::to_string(events.connection().screenNumber());
     const auto atoms = events.connection().internAtoms({selection, "_XSETTINGS_SETTINGS"});
     selection_ = atoms[0];
@@ -123,14 +125,15 @@ void X11Xsettings::findManager() {
         const XcbReply<xcb_get_selection_owner_reply_t> owner(
             xcb_get_selection_owner_reply(events_.get(), cookie, nullptr));
         manager_ = owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
-        // A client can name any window as the owner; what this connection hears of the root must stay as it is.
+        // A client can make any window the owner. Selecting events on the root here would replace this connection's
+        // event mask on it.
         if (manager_ == XCB_WINDOW_NONE || manager_ == events_.root()) {
             manager_ = XCB_WINDOW_NONE;
             onTheme_(std::nullopt);
             return;
         }
-        // Before the settings are read, so that no change falls between. That the window may have gone meanwhile, the
-        // selection tells.
+        // Selected before the settings are read, so that no change is missed. When the window is gone by now, the event
+        // for the selection follows.
         const std::uint32_t wanted = XCB_EVENT_MASK_PROPERTY_CHANGE;
         xcb_change_window_attributes(events_.get(), manager_, XCB_CW_EVENT_MASK, &wanted);
         readSettings();

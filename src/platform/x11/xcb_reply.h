@@ -5,7 +5,7 @@
 
 namespace ferrowyn {
 
-/// What xcb allocates with malloc and hands over: replies, errors and events.
+/// Frees replies, errors and events, which xcb allocates with malloc.
 struct XcbFree {
     void operator()(void* memory) const { std::free(memory); }  // NOLINT(cppcoreguidelines-no-malloc): xcb's contract
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-// The header of xcb's XKB names a field with a word that C++ reserves.
+// This header of xcb has a field with the name of a C++ keyword.
 #define explicit explicitField
 #include <xcb/xkb.h>
 #undef explicit

@@ -70,7 +70,7 @@ TEST_F(X11ApplicationDirectoryTest, TwoInstalledApplicationsOfOneProcessHaveNumb
     const auto writer = numberOf(open(100, "SuiteWriter"));
     const auto calc = numberOf(open(100, "SuiteCalc"));
     EXPECT_EQ(writer, 100);
-    EXPECT_GE(calc, X11ApplicationDirectory::firstNumberOfItsOwn) << "no process can have it";
+    EXPECT_GE(calc, X11ApplicationDirectory::firstArtificialNumber) << "no process can have it";
     EXPECT_EQ(numberOf(open(200, "suitewriter")), writer) << "the desktop file counts, not how the window names it";
     EXPECT_EQ(numberOf(open(300, "SuiteCalc")), calc);
     EXPECT_EQ(directory.describe(writer, {&windows[0], &windows[2]}).localizedName, "Writer");
@@ -114,7 +114,8 @@ TEST_F(X11ApplicationDirectoryTest, APlainNameComesFromTheClassOrTheProcess) {
     EXPECT_EQ(directory.describe(7, {&open(100, "Terminal")}).localizedName, "Terminal");
     // Process 1 has a name on every machine; the application's number has none.
     auto& unnamed = open(1, "");
-    EXPECT_TRUE(directory.describe(X11ApplicationDirectory::firstNumberOfItsOwn, {&unnamed}).localizedName.has_value());
+    EXPECT_TRUE(
+        directory.describe(X11ApplicationDirectory::firstArtificialNumber, {&unnamed}).localizedName.has_value());
 }
 
 }  // namespace
