@@ -142,8 +142,8 @@ std::vector<AccessibleReference> references(const QDBusMessage& reply) {
     return result;
 }
 
-/// Where the programs find the accessibility bus. The session bus starts it when it is asked for, in its own process
-/// group, with which it ends.
+/// The address of the accessibility bus. The session bus starts that bus at this call, in the session bus's process
+/// group, and it ends with that group.
 QString busAddress(const PrivateBus& bus, const QString& connectionName) {
     auto session = QDBusConnection::connectToBus(QString::fromStdString(bus.address()), connectionName);
     const auto reply = session.call(message({"org.a11y.Bus", "/org/a11y/bus"}, "org.a11y.Bus", "GetAddress"),
@@ -201,7 +201,7 @@ std::vector<AccessibleReference> AccessibilityClient::topLevels() const {
         const auto ofProgram = children(program);
         windows.insert(windows.end(), ofProgram.begin(), ofProgram.end());
     }
-    // Programs do not list their menus: where the focus is tells of them.
+    // Programs do not list open menus as children; a menu is found as the parent of the focused object.
     const auto focusedOne = lastFocused_ ? topLevelAround(*lastFocused_) : std::nullopt;
     if (focusedOne && std::ranges::find(windows, *focusedOne) == windows.end()) {
         windows.push_back(*focusedOne);
@@ -232,7 +232,7 @@ std::optional<AccessibleReference> AccessibilityClient::parentOf(const Accessibl
 }
 
 std::optional<AccessibleNode> AccessibilityClient::read(const AccessibleReference& reference) const {
-    // All are on their way before the first answer is waited for.
+    // All calls are sent before the first reply is awaited.
     const auto ask = [&](const char* interface, const char* method, const QVariantList& arguments = {}) {
         return connection_.asyncCall(message(reference, interface, method, arguments), answerPatience);
     };
@@ -322,10 +322,10 @@ bool AccessibilityClient::act(const AccessibleReference& reference, const std::s
 }
 
 void AccessibilityClient::settle() const {
-    // A question that the program itself answers: its connection answers some others from another thread.
+    // This call is answered by the program's main thread; some others are answered by another thread.
     const auto ask = [this](const AccessibleReference& whom) { static_cast<void>(call(whom, accessible, "GetRole")); };
     for (const auto& program : children({registry, rootPath})) {
-        // Asked twice: it may find the first question together with a key, and answers before it looks at the key.
+        // Called twice: the program may get the first call together with a key, and answer before it handles the key.
         ask(program);
         ask(program);
         ask({registry, rootPath});
@@ -334,7 +334,7 @@ void AccessibilityClient::settle() const {
 }
 
 bool AccessibilityClient::waitUntil(const std::function<bool()>& predicate, milliseconds budget) const {
-    // Each look asks the programs for all that they show.
+    // Not more often, because each check reads all shown objects of the programs.
     return runToolkitUntil(predicate, budget, milliseconds{20});
 }
 

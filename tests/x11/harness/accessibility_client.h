@@ -17,7 +17,7 @@
 
 namespace ferrowyn::x11test {
 
-/// Which object of which program on the accessibility bus.
+/// The address of an object on the accessibility bus.
 struct AccessibleReference {
     QString service;
     QString path;
@@ -28,7 +28,7 @@ std::ostream& operator<<(std::ostream& stream, const AccessibleReference& refere
 
 /// What assistive technology is told of one object at the moment of the question, with the children that are shown.
 struct AccessibleNode {
-    /// Bits of the answer to "GetState", as the protocol numbers them.
+    /// Bit numbers in the reply to "GetState".
     enum class State : unsigned {
         active = 1,
         checked = 4,
@@ -45,27 +45,27 @@ struct AccessibleNode {
     };
 
     AccessibleReference reference;
-    /// As the protocol names it, such as "push button".
+    /// The protocol's name for the role, such as "push button".
     std::string role;
     std::string name;
     std::string description;
-    /// What a combo box or a text shows; empty for what has no text.
+    /// The text in a combo box or a text field; empty for other objects.
     std::string text;
     std::uint64_t states = 0;
     /// On the screen, in pixels.
     TestDesktop::Place place;
-    /// Of what has a number.
+    /// nullopt for objects without a numeric value.
     std::optional<double> value;
     std::vector<AccessibleNode> children;
 
     [[nodiscard]] bool is(State state) const { return (states >> static_cast<unsigned>(state) & 1U) != 0; }
-    /// The first in reading order, this one included; nullptr when there is none.
+    /// The first match among this node and its descendants, in reading order; nullptr when there is none.
     [[nodiscard]] const AccessibleNode* find(const std::string& role, const std::string& name) const;
     [[nodiscard]] const AccessibleNode* find(const std::function<bool(const AccessibleNode&)>& isIt) const;
-    /// "role: name", and the description in parentheses where there is one.
+    /// "role: name", followed by the description in parentheses if there is one.
     [[nodiscard]] std::string line() const;
-    /// The lines of all that is in it, in reading order. What is there for the layout alone, which has neither a name
-    /// nor a role, is not among them.
+    /// The lines of the descendants, in reading order. Objects without a name and a role, which only serve the layout,
+    /// are left out.
     [[nodiscard]] std::vector<std::string> lines() const;
 };
 
@@ -80,9 +80,9 @@ public:
     explicit AccessibilityClient(const PrivateBus& bus);
     ~AccessibilityClient() override;
 
-    /// A program's window with this title, with all that it shows; nothing when none shows one.
+    /// The shown window with this title, with its descendants; nullopt when there is none.
     [[nodiscard]] std::optional<AccessibleNode> window(const std::string& title) const;
-    /// One for which the predicate holds; for menus and panels, which have no titles.
+    /// The first shown window for which the predicate holds; for menus and panels, which have no titles.
     [[nodiscard]] std::optional<AccessibleNode> window(const std::function<bool(const AccessibleNode&)>& isIt) const;
     /// What has the keyboard focus, as the program last said, without its children.
     [[nodiscard]] std::optional<AccessibleNode> focused() const;
@@ -94,8 +94,8 @@ public:
     /// program's end Qt does not free what it has no answer for, and the leak sanitizer would report it.
     void settle() const;
 
-    /// Waits until the predicate holds, looking again at every event that a program tells of, and at short intervals
-    /// for what none tells of.
+    /// Waits until the predicate holds; false at the deadline. Checks it after each event from a program, and at short
+    /// intervals for changes without an event.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& predicate, milliseconds budget = patience) const;
 
 private slots:

@@ -10,9 +10,9 @@
 
 #include "tests/x11/harness/test_window.h"
 
-/// An application of a test: opens a window for each of its arguments after the first, which is its name, says their
-/// identifiers one a line, and stays until it is ended. The windows after "--name NAME" say that they are of another
-/// application, as those of an office suite do.
+/// An application for tests. The first argument is its name; it opens a window for each further one, prints the
+/// windows' XIDs, one on each line, and runs until it is ended. Windows after "--name NAME" have the WM_CLASS of that
+/// other application, as in an office suite.
 int main(int argumentCount, char** arguments) {
     using ferrowyn::x11test::TestWindow;
     const std::span<char*> all(arguments, static_cast<std::size_t>(argumentCount));

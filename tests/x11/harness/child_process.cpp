@@ -88,7 +88,7 @@ ChildProcess::~ChildProcess() {
             static_cast<void>(waitForExit());
         }
     }
-    // What the program itself started and left behind is in its process group.
+    // Processes that the program has started are in its process group too.
     kill(-pid_, SIGKILL);
     close(exit_);
     close(terminal_);
@@ -112,7 +112,7 @@ void ChildProcess::readAvailable() {
     while ((length = read(terminal_, buffer.data(), buffer.size())) > 0) {
         output_.append(buffer.data(), static_cast<std::size_t>(length));
     }
-    // Once no process has the other side open there is nothing to wait for, though poll would always be ready.
+    // When no process has the other side open, nothing more comes, but poll would always report the terminal as ready.
     hasTerminalEnded_ = length == 0 || errno == EIO;
 }
 
@@ -138,7 +138,7 @@ bool ChildProcess::waitForOutput(const std::string& text, milliseconds budget) {
 bool ChildProcess::waitUntilOutput(const std::function<bool()>& predicate, milliseconds budget) {
     const Deadline deadline(budget);
     while (true) {
-        // Asked first: what the program wrote before it ended is still looked at.
+        // Determined before reading, so that output from just before the program's end is checked too.
         const bool isLastLook = !isRunning() || deadline.hasPassed();
         readAvailable();
         if (predicate()) {
@@ -165,7 +165,7 @@ void ChildProcess::stop() const {
 std::optional<int> ChildProcess::waitForExit(milliseconds budget) {
     const Deadline deadline(budget);
     while (isRunning() && !deadline.hasPassed()) {
-        // A program whose terminal is full could not go on to its end.
+        // A program whose terminal is full is blocked and cannot end.
         readAvailable();
         waitForOutputOrExit(deadline);
     }
@@ -174,8 +174,9 @@ std::optional<int> ChildProcess::waitForExit(milliseconds budget) {
 }
 
 std::optional<pid_t> childNamed(pid_t parent, const std::string& name) {
-    constexpr std::size_t lettersThatTheKernelKeeps = 15;
-    const auto kernelName = '(' + name.substr(0, lettersThatTheKernelKeeps) + ')';
+    // The kernel cuts process names.
+    constexpr std::size_t longestKernelName = 15;
+    const auto kernelName = '(' + name.substr(0, longestKernelName) + ')';
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         std::ifstream file(entry.path() / "stat");
         std::string line;

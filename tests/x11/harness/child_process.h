@@ -13,8 +13,8 @@ namespace ferrowyn::x11test {
 
 using std::chrono::milliseconds;
 
-/// How long a wait may take before it counts as failed. Generous: a wait ends as soon as its event arrives, so only a
-/// failing test ever spends it, and a loaded machine must not make one fail.
+/// How long a wait may take before it fails. It is long, because a loaded machine must not make a test fail; a wait
+/// ends as soon as its event arrives, so only a failing test takes this long.
 inline constexpr milliseconds patience{10000};
 
 /// A moment until which to wait.
@@ -22,7 +22,7 @@ class Deadline {
 public:
     explicit Deadline(milliseconds budget) : end_(std::chrono::steady_clock::now() + budget) {}
 
-    /// What is left, never negative; in the form that poll() takes.
+    /// The time that is left, for poll(); never negative.
     [[nodiscard]] int remainingMilliseconds() const {
         const auto left = std::chrono::duration_cast<milliseconds>(end_ - std::chrono::steady_clock::now()).count();
         return left > 0 ? static_cast<int>(left) : 0;
@@ -39,9 +39,9 @@ class ChildProcess {
 public:
     struct Options {
         std::vector<std::string> command;
-        /// Set on top of this process's environment; an empty value unsets.
+        /// Added to this process's environment. An empty value unsets the variable.
         std::map<std::string, std::string> environment;
-        /// Inherited by the child under the same number, for programs that report through one.
+        /// A file descriptor that the child inherits under the same number.
         std::optional<int> inheritedDescriptor;
     };
 
@@ -52,18 +52,18 @@ public:
 
     [[nodiscard]] pid_t pid() const { return pid_; }
     [[nodiscard]] bool isRunning();
-    /// All that the program has written until now.
+    /// Everything that the program has written so far.
     [[nodiscard]] std::string output();
-    /// Waits until the output holds the text; false at the deadline or when the program ended without writing it.
+    /// Waits until the output contains the text; false at the deadline or when the program ended without writing it.
     [[nodiscard]] bool waitForOutput(const std::string& text, milliseconds budget = patience);
-    /// Waits until the predicate holds, looking again each time something was written.
+    /// Waits until the predicate holds, and checks it after each output of the program. False as in `waitForOutput`.
     [[nodiscard]] bool waitUntilOutput(const std::function<bool()>& predicate, milliseconds budget = patience);
-    /// Forgets what has been written until now, so that a wait is for something new.
+    /// Clears the output, so that a wait considers only new output.
     void discardOutput();
     void signal(int number) const;
     /// Stops it until SIGCONT. After the signal alone its threads may run on for a while; here none does.
     void stop() const;
-    /// The exit status (128 + the signal's number when one ended it); nothing at the deadline.
+    /// The exit status, or 128 + the number of the signal that ended the process; nullopt at the deadline.
     [[nodiscard]] std::optional<int> waitForExit(milliseconds budget = patience);
 
 private:
@@ -73,16 +73,16 @@ private:
     pid_t pid_ = -1;
     int terminal_ = -1;
     bool hasTerminalEnded_ = false;
-    /// Readable once the process has ended.
+    /// A pidfd; readable when the process has ended.
     int exit_ = -1;
     std::string output_;
     std::optional<int> status_;
 };
 
-/// The process of that name which `parent` started; nothing while there is none.
+/// The child process of `parent` with this name; nullopt while there is none.
 [[nodiscard]] std::optional<pid_t> childNamed(pid_t parent, const std::string& name);
 
-/// A folder that goes away with this object.
+/// A temporary folder, which the destructor removes.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -91,7 +91,7 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     [[nodiscard]] const std::string& path() const { return path_; }
-    /// Writes a file below the folder, with the folders above it.
+    /// Writes a file below the folder and makes missing folders.
     void write(const std::string& relativePath, const std::string& content) const;
 
 private:

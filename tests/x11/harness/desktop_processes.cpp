@@ -16,7 +16,7 @@
 namespace ferrowyn::x11test {
 namespace {
 
-/// The server writes its display number, and a newline, once it accepts connections.
+/// The server writes its display number and a newline when it accepts connections.
 std::string readDisplayNumber(int descriptor) {
     const Deadline deadline(patience);
     std::string text;
@@ -84,7 +84,7 @@ std::map<std::string, std::string> PrivateXServer::clientEnvironment() const {
         {"XDG_SESSION_TYPE", "x11"},
         {"WAYLAND_DISPLAY", ""},
         {"XAUTHORITY", ""},
-        // With an empty address some libraries start a bus, and nothing ends it.
+        // With an empty address some libraries start a bus that nothing ends.
         {"DBUS_SESSION_BUS_ADDRESS", "disabled:"},
         {"XDG_CURRENT_DESKTOP", ""},
         {"DESKTOP_SESSION", ""},
@@ -113,7 +113,7 @@ void PrivateBus::start(const std::vector<std::string>& arguments) {
     if (!process_->waitForOutput(",guid=")) {
         throw std::runtime_error("waited for dbus-daemon to say its address");
     }
-    // Without the identity, as a user's bus has its address: a bus that is started again has another one.
+    // Without the "guid" part, which is another one after a restart. The address of a user's bus has none either.
     const std::string said = process_->output();
     const auto begin = said.find("unix:");
     address_ = said.substr(begin, said.find(",guid=", begin) - begin);
@@ -129,8 +129,7 @@ constexpr const char* i3Configuration =
     "bindsym Mod1+Shift+Tab focus up\n";
 
 std::vector<std::string> commandFor(const std::string& name, const PrivateXServer& server, bool replacing) {
-    // The managers of the large desktops want a session bus; each gets one that ends with it.
-    const std::vector<std::string> onBus{"dbus-run-session", "--"};
+    // The managers of the large desktops need a session bus: dbus-run-session starts one that ends with the manager.
     std::vector<std::string> command;
     if (name == "openbox") {
         command = {"openbox", "--sm-disable"};
@@ -148,7 +147,7 @@ std::vector<std::string> commandFor(const std::string& name, const PrivateXServe
     } else if (name == "mutter") {
         command = {"dbus-run-session", "--", "mutter", "--x11", "--sm-disable"};
     } else if (name == "dwm") {
-        // It has no way to be told to take another manager's place.
+        // dwm cannot replace another manager.
         return {"dwm"};
     } else if (name == "wmaker") {
         command = {"wmaker", "--no-dock", "--no-clip", "--no-drawer"};
@@ -161,9 +160,9 @@ std::vector<std::string> commandFor(const std::string& name, const PrivateXServe
     return command;
 }
 
-/// Managers announce themselves before their event loop runs, do not focus a window that they find at start, and
-/// openbox forgets one that is mapped while it starts: only a window that came and went shows that the next one will be
-/// treated like any other.
+/// Opens and closes windows until the manager has listed one. Managers announce themselves before their event loop runs
+/// and do not focus windows that exist at their start, and openbox loses a window that is mapped while it starts. After
+/// one window was listed and removed, the next one is treated as usual.
 bool managesAProbe(TestDesktop& desktop, const PrivateXServer& server) {
     const Deadline deadline(patience);
     while (!deadline.hasPassed()) {
@@ -181,8 +180,8 @@ bool managesAProbe(TestDesktop& desktop, const PrivateXServer& server) {
     return false;
 }
 
-/// Window Maker can leave the server grabbed for ever when a window is mapped while it starts, so no probe may be until
-/// its event loop runs. It leaves one desktop, as it begins.
+/// Waits until the manager's event loop runs, without opening a window: Window Maker may never ungrab the server when a
+/// window is mapped while it starts. The number of desktops is 1 afterwards, as at the start.
 bool carriesOutRequests(TestDesktop& desktop) {
     const auto changesTo = [&](std::uint32_t count) {
         desktop.setDesktopCount(count);
@@ -218,7 +217,7 @@ WindowManagerProcess::WindowManagerProcess(const PrivateXServer& server, const s
 
 namespace {
 
-/// One panel as wide as the screen, with nothing in it but the tray.
+/// One panel as wide as the screen, which contains only the tray.
 constexpr const char* panelConfiguration = R"(<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>

@@ -14,18 +14,18 @@ namespace ferrowyn::x11test {
 /// A private X server (Xvfb or Xephyr), on a display number that the server chooses.
 class PrivateXServer {
 public:
-    /// `screens`: one geometry a screen, such as "1280x800x24"; more than one are joined with Xinerama.
+    /// `screens` has a geometry for each screen, such as "1280x800x24". Several screens are joined with Xinerama.
     explicit PrivateXServer(const std::vector<std::string>& screens = {"1280x800x24"},
                             const std::vector<std::string>& extraArguments = {});
-    /// Xephyr: a server whose screen is a window on another one's, which outlives it.
+    /// Starts Xephyr, whose screen is a window on `host`. `host` outlives it.
     [[nodiscard]] static PrivateXServer nestedIn(const PrivateXServer& host);
 
-    /// As in DISPLAY.
+    /// In the format of DISPLAY.
     [[nodiscard]] const std::string& display() const { return display_; }
-    /// The environment of a client: this display, no Wayland, a private home, no part of the developer's session.
+    /// The environment for clients: this display, no Wayland, a private home, nothing from the developer's session.
     [[nodiscard]] std::map<std::string, std::string> clientEnvironment() const;
     [[nodiscard]] const TemporaryFolder& home() const { return home_; }
-    /// Ends the server under its clients.
+    /// Ends the server while its clients run.
     void kill() { process_.reset(); }
 
 private:
@@ -36,14 +36,14 @@ private:
     std::string display_;
 };
 
-/// A private session bus, whose services are clients of the private X server.
+/// A private session bus. The services that it starts are clients of the private X server.
 class PrivateBus {
 public:
     explicit PrivateBus(const PrivateXServer& server);
 
-    /// As in DBUS_SESSION_BUS_ADDRESS.
+    /// In the format of DBUS_SESSION_BUS_ADDRESS.
     [[nodiscard]] const std::string& address() const { return address_; }
-    /// Ends the bus under its clients.
+    /// Ends the bus while its clients run.
     void kill() { process_.reset(); }
     /// Starts it again at the same address.
     void restart();
@@ -56,8 +56,8 @@ private:
     std::string address_;
 };
 
-/// A real window manager with its own binding for Alt+Tab, started with a private configuration; running (it has
-/// announced itself on the root window) when the constructor returns.
+/// A real window manager with its usual binding for Alt+Tab and a private configuration. When the constructor returns,
+/// it manages windows.
 class WindowManagerProcess {
 public:
     /// "openbox", "xfwm4", "icewm", "metacity", "i3", "kwin_x11", "mutter", "dwm" or "wmaker". With `replacing`, it
@@ -72,14 +72,14 @@ private:
     std::unique_ptr<ChildProcess> process_;
 };
 
-/// A real tray with a private configuration, ended with this object: "lxqt-panel", which only shows status notifiers,
-/// "xfce4-panel", which shows them and embeds windows, both at the screen's upper edge, or "trayer", which only embeds
-/// windows, at its lower edge.
+/// A real tray with a private configuration. "lxqt-panel" shows only status notifiers, "xfce4-panel" shows them and
+/// embeds windows, "trayer" only embeds windows. The panels are at the screen's upper edge, "trayer" is at the lower
+/// one.
 class TrayHostProcess {
 public:
     TrayHostProcess(const PrivateXServer& server, const PrivateBus& bus, const std::string& name)
         : TrayHostProcess(server, name, bus.address()) {}
-    /// Where the session has no bus; "trayer" needs none.
+    /// For a session without a bus; "trayer" needs none.
     TrayHostProcess(const PrivateXServer& server, const std::string& name)
         : TrayHostProcess(server, name, "disabled:") {}
 
@@ -91,11 +91,11 @@ private:
     std::unique_ptr<ChildProcess> process_;
 };
 
-/// An application with windows in another process, ended with this object.
+/// An application in a separate process.
 class ApplicationProcess {
 public:
-    /// One window a title; they are mapped, though not yet managed, when this returns. The windows after the two titles
-    /// "--name" and another name are of the application of that name.
+    /// Opens a window for each title. The windows are mapped, but perhaps not managed yet, when this returns. Windows
+    /// after the two titles "--name" and NAME belong to the application NAME.
     ApplicationProcess(const PrivateXServer& server, const std::string& name, const std::vector<std::string>& titles);
 
     [[nodiscard]] pid_t pid() const { return process_.pid(); }

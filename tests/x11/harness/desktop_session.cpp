@@ -26,7 +26,7 @@ void DesktopSession::run(const std::vector<std::string>& command) const {
 void DesktopSession::divideScreen(const std::vector<std::string>& monitors) const {
     for (std::size_t index = 0; index < monitors.size(); ++index) {
         const bool isPrimary = index == 0;
-        // The server's one output goes to the first monitor; otherwise the undivided screen remains beside them.
+        // The first monitor gets the server's only output. Otherwise RandR also keeps a monitor for the whole screen.
         run({"xrandr", "--setmonitor", (isPrimary ? "*monitor" : "monitor") + std::to_string(index), monitors[index],
              isPrimary ? "screen" : "none"});
     }

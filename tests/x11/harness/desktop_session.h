@@ -12,13 +12,13 @@
 
 namespace ferrowyn::x11test {
 
-/// A private X server with a window manager, and what a person has there: a look at the screen, keyboard, pointer and
-/// windows. Every test that works on a whole desktop stands on one.
+/// A private X server with a window manager, and the means to observe its screen, send input and start clients. Used by
+/// all tests that need a whole desktop.
 class DesktopSession {
 public:
     struct Options {
         std::vector<std::string> screens{"1280x800x24"};
-        /// Divides the screen into monitors, as RandR describes them: "width/mm x height/mm + x + y" without blanks.
+        /// Divides the screen into monitors, in the format of xrandr: "width/mm x height/mm + x + y" without blanks.
         /// The first one is the primary monitor.
         std::vector<std::string> monitors;
     };
@@ -28,16 +28,16 @@ public:
 
     /// Starts a program as a client of this desktop.
     [[nodiscard]] ChildProcess startClient(const std::vector<std::string>& command) const;
-    /// Runs a command on this desktop to its end; throws when it fails.
+    /// Runs a command on this desktop and waits for its end; throws when it fails.
     void run(const std::vector<std::string>& command) const;
     /// Replaces the monitors that the screen was divided into.
     void divideScreen(const std::vector<std::string>& monitors) const;
     TestWindow& openWindow(const TestWindow::Options& options);
-    /// The `ordinal`-th window opened, counted from 1.
+    /// The XID of the window that was opened as number `ordinal`, counted from 1.
     [[nodiscard]] xcb_window_t window(std::size_t ordinal) const { return windows.at(ordinal - 1)->id(); }
 
     PrivateXServer server;
-    /// A test may end it or start another one.
+    /// A test may end the manager or start another one.
     std::unique_ptr<WindowManagerProcess> manager;
     TestDesktop desktop;
     TestInput input;

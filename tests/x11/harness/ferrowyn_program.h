@@ -13,7 +13,7 @@
 
 namespace ferrowyn::x11test {
 
-/// The program under test, as a person starts it, talking on its terminal.
+/// The program under test, started on a terminal as a user starts it.
 class FerrowynProgram {
 public:
     struct Options {
@@ -21,18 +21,18 @@ public:
         std::vector<std::string> arguments{"--log-level=debug"};
     };
 
-    /// `path` is the executable. Its settings live in the server's private home.
+    /// `path` is the executable. Its settings are in the server's private home.
     FerrowynProgram(const std::string& path, const PrivateXServer& server, const Options& options);
     FerrowynProgram(const std::string& path, const PrivateXServer& server) : FerrowynProgram(path, server, Options{}) {}
 
     [[nodiscard]] ChildProcess& process() { return process_; }
-    /// Waits until the keyboard is captured and the windows are watched.
+    /// Waits until the tap and the window index run.
     [[nodiscard]] bool waitUntilActive() { return process_.waitForOutput("Services active"); }
-    /// Waits until the published list has this many windows and this one in front. Nothing on the screen tells that
-    /// while the panel is hidden; the program says it at the debug level.
+    /// Waits until the published list has this many windows and this one first. The screen does not show that while the
+    /// panel is hidden, so it is read from the log at the debug level.
     [[nodiscard]] bool waitForList(std::size_t count, xcb_window_t first, milliseconds budget = patience);
     [[nodiscard]] bool waitForFirst(xcb_window_t first, milliseconds budget = patience);
-    /// What a sanitizer complained of on the program's terminal, from its first word on; empty when none did.
+    /// The program's output from a sanitizer's first report on; empty when there is none.
     [[nodiscard]] std::string sanitizerReport();
 
 private:
@@ -41,7 +41,7 @@ private:
     ChildProcess process_;
 };
 
-/// The program's settings file in the home of a private desktop, as an editor sees it.
+/// The program's settings file in the home of a private desktop.
 class SettingsFile {
 public:
     explicit SettingsFile(const PrivateXServer& server);
@@ -49,11 +49,11 @@ public:
     SettingsFile(const SettingsFile&) = delete;
     SettingsFile& operator=(const SettingsFile&) = delete;
 
-    /// Empty when there is none.
+    /// Empty when there is no file.
     [[nodiscard]] std::string text() const;
     void write(const std::string& text) const;
     [[nodiscard]] const std::string& folder() const { return folder_; }
-    /// Waits until the predicate holds of the text, looking again each time something in the folder changes.
+    /// Waits until the predicate holds for the text, and checks it after each change in the folder.
     [[nodiscard]] bool waitUntil(const std::function<bool(const std::string&)>& predicate,
                                  milliseconds budget = patience);
     [[nodiscard]] bool waitFor(const std::string& part, milliseconds budget = patience);

@@ -9,8 +9,7 @@
 namespace ferrowyn::x11test {
 namespace {
 
-/// The managers with which the program is tested are tested first: when one does not start here, this
-/// says so instead of the tests that need it.
+/// Tests the window managers that other tests use, so that a manager that does not start is reported here by name.
 class ManagerTest : public testing::TestWithParam<const char*> {};
 
 TEST_P(ManagerTest, StartsManagesWindowsAndActivatesOnRequest) {

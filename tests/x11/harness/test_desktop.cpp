@@ -38,11 +38,11 @@ TestDesktop::TestDesktop(const std::string& display) {
     const std::uint32_t clockMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(connection_, 0, clock_, root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
                       XCB_CW_EVENT_MASK, &clockMask);
-    // A grab of the keyboard begins and ends with a change of the focus.
+    // An active keyboard grab causes focus events when it begins and ends.
     const std::uint32_t mask =
         XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE;
     xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &mask);
-    // Made before anything is shown: a damage object made later would report everything at once.
+    // Made before any window is shown: a damage object made later would report the whole screen at once.
     const auto version = xcb_damage_query_version(connection_, 1, 1);
     free(xcb_damage_query_version_reply(connection_, version, nullptr));
     xcb_damage_create(connection_, xcb_generate_id(connection_), root(), XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
@@ -76,13 +76,13 @@ xcb_atom_t TestDesktop::atom(const std::string& name) const {
 bool TestDesktop::waitUntil(const std::function<bool()>& predicate, milliseconds budget) {
     const Deadline deadline(budget);
     while (true) {
-        // The predicate's own round trips read events into the queue, so it is asked until no event is left unseen.
+        // The predicate's round trips read events into the queue, so it is checked until the queue is empty.
         while (XcbReply<xcb_generic_event_t>(xcb_poll_for_event(connection_))) {
         }
         if (predicate()) {
             return true;
         }
-        // A predicate may cause events itself: they must not keep it from its end.
+        // A predicate may cause events itself; the deadline must still end the loop.
         if (!deadline.hasPassed() && XcbReply<xcb_generic_event_t>(xcb_poll_for_queued_event(connection_))) {
             continue;
         }
@@ -255,7 +255,7 @@ std::set<xcb_window_t> TestDesktop::shownTopLevels() const {
                              static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
     std::set<xcb_window_t> shown;
     for (const auto window : children) {
-        // A tray may take its icon in while this looks, and map it only then: that one is not a window of the screen.
+        // A tray may embed and map its icon between these requests. The icon is then no top-level window.
         if (isShown(window) && isTopLevel(window)) {
             shown.insert(window);
         }
@@ -271,7 +271,7 @@ bool TestDesktop::isShown(xcb_window_t window) const {
         attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) {
         return false;
     }
-    // Managers and toolkits keep tiny windows for their own purposes.
+    // Managers and toolkits have tiny helper windows, which do not count.
     constexpr int smallest = 16;
     const auto place = placeOf(window);
     return place && place->x + place->width > 0 && place->y + place->height > 0 &&
@@ -351,7 +351,7 @@ bool TestDesktop::waitForUntouchedKeyboard(milliseconds budget) {
 bool TestDesktop::keyboardIsFree() const {
     const auto cookie =
         xcb_grab_keyboard(connection_, 0, root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    // Sent together: the question must not itself be in the way of another client's grab.
+    // Both requests are sent together, so that the grab does not block another client's for long.
     xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME);
     const XcbReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(connection_, cookie, nullptr));
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
@@ -371,7 +371,7 @@ std::vector<xcb_window_t> childrenOf(xcb_connection_t* connection, xcb_window_t 
 }
 
 bool isIcon(const TestDesktop& desktop, xcb_window_t window) {
-    // The toolkit's windows could be embedded too.
+    // The program's Qt windows might be children of another window too.
     const auto clients = desktop.clientList();
     return std::ranges::find(clients, window) == clients.end() &&
            desktop.text(window, "WM_CLASS").find("ferrowyn") != std::string::npos &&
@@ -381,7 +381,7 @@ bool isIcon(const TestDesktop& desktop, xcb_window_t window) {
 }  // namespace
 
 std::optional<TestDesktop::Place> embeddedTrayIcon(const TestDesktop& desktop) {
-    // Trays put icons into their own windows, some deeper than others. Until then the icon is a child of the root.
+    // A tray reparents icons into its window or a child of it. Before that, the icon is a child of the root.
     auto inside = childrenOf(desktop.connection(), desktop.root());
     while (!inside.empty()) {
         std::vector<xcb_window_t> deeper;

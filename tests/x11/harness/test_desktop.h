@@ -14,8 +14,7 @@
 
 namespace ferrowyn::x11test {
 
-/// Looks at a display from outside, as a person would: which window is active, what is on the screen. Has its own
-/// connection.
+/// Observes a display from outside: which window is active, what is on the screen. Has a separate connection.
 class TestDesktop {
 public:
     explicit TestDesktop(const std::string& display);
@@ -28,26 +27,26 @@ public:
     [[nodiscard]] xcb_screen_t* screen() const { return screen_; }
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
 
-    /// Waits until the predicate holds, looking again each time something changes on the root window, among its
-    /// children, on a watched window, in a watched picture or at the keyboard; false at the deadline.
+    /// Waits until the predicate holds; false at the deadline. Checks it after each event about the root window, its
+    /// children, a watched window, the screen's content or the keyboard.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& predicate, milliseconds budget = patience);
-    /// Property changes of this window wake `waitUntil` too.
+    /// Makes `waitUntil` check its predicate also after property changes of this window.
     void watchProperties(xcb_window_t window);
 
     [[nodiscard]] std::vector<std::uint32_t> cardinals(xcb_window_t window, const std::string& property) const;
     [[nodiscard]] std::string text(xcb_window_t window, const std::string& property) const;
-    /// The window that shows that a manager runs, verified on that window itself.
+    /// The running manager's check window: the root names it and it names itself. nullopt without a manager.
     [[nodiscard]] std::optional<xcb_window_t> windowManagerCheckWindow() const;
     [[nodiscard]] xcb_window_t activeWindow() const;
     [[nodiscard]] bool waitForActiveWindow(xcb_window_t window, milliseconds budget = patience);
-    /// Whether the server sends keys there; some managers say that a window is active a little before.
+    /// Waits until the window has the input focus. Some managers set the active window a little earlier.
     [[nodiscard]] bool waitForFocus(xcb_window_t window, milliseconds budget = patience);
     [[nodiscard]] std::vector<std::uint32_t> clientList() const;
     [[nodiscard]] bool hasState(xcb_window_t window, const std::string& state) const;
     [[nodiscard]] std::uint32_t currentDesktop() const;
 
-    /// Asks the manager, as a pager does that was clicked now. A request without a time counts from when the manager
-    /// reads it, and a slow one then takes it for newer than keys that were pressed after it.
+    /// Asks the manager to activate the window, as a pager does, with the server's present time. A slow manager would
+    /// take a request without a time as newer than keys that were pressed after it.
     void activate(xcb_window_t window);
     void setState(xcb_window_t window, const std::string& state, bool isOn);
     void moveToDesktop(xcb_window_t window, std::uint32_t desktop);
@@ -55,7 +54,7 @@ public:
     void setDesktopCount(std::uint32_t count);
     void iconify(xcb_window_t window);
 
-    /// Where a window is on the screen, in pixels; nothing when it is gone.
+    /// A rectangle on the screen, in pixels.
     struct Place {
         int x = 0;
         int y = 0;
@@ -63,31 +62,32 @@ public:
         int height = 0;
         friend bool operator==(const Place&, const Place&) = default;
     };
+    /// nullopt when the window is gone.
     [[nodiscard]] std::optional<Place> placeOf(xcb_window_t window) const;
     [[nodiscard]] bool isViewable(xcb_window_t window) const;
-    /// The window with this title on the screen, among those that the manager lists.
+    /// The viewable window with this title among those that the manager lists.
     [[nodiscard]] std::optional<xcb_window_t> windowTitled(const std::string& title) const;
-    /// Every window that a person could see, except the ones inside others; panels and popups are among them.
+    /// All visible top-level windows, panels and popups included.
     [[nodiscard]] std::set<xcb_window_t> shownTopLevels() const;
-    /// The switcher's panel as it is on the screen: a visible override-redirect window of the class "ferrowyn".
+    /// The switcher's panel: a visible override-redirect window of the class "ferrowyn".
     [[nodiscard]] std::optional<xcb_window_t> visiblePanel() const;
     [[nodiscard]] bool waitForPanel(bool isVisible, milliseconds budget = patience);
 
-    /// 0xRRGGBB as it is on the screen.
+    /// The colour on the screen, 0xRRGGBB.
     [[nodiscard]] std::uint32_t pixel(int x, int y) const;
-    /// Rows from the top, 0xFFRRGGBB, as on the screen; empty when the rectangle is not on it.
+    /// The colours on the screen, 0xFFRRGGBB, in rows from the top; empty when the rectangle is not on the screen.
     [[nodiscard]] std::vector<std::uint32_t> pixels(const Place& place) const;
-    /// Writes what is on the screen to a PNG file.
+    /// Writes the screen's content to a PNG file.
     void screenshot(const std::string& path) const;
 
     /// Whether any key or modifier is down.
     [[nodiscard]] bool anyKeyIsDown() const;
-    /// Whether this client could take the keyboard now (it gives it back at once): false when another holds it.
+    /// Grabs the keyboard and ungrabs it at once; false when another client has an active grab.
     [[nodiscard]] bool keyboardIsFree() const;
     [[nodiscard]] bool waitForFreeKeyboard(milliseconds budget = patience);
-    /// Waits until no key is down and no client holds the keyboard.
+    /// Waits until no key is down and no client has an active grab of the keyboard.
     [[nodiscard]] bool waitForUntouchedKeyboard(milliseconds budget = patience);
-    /// The server's clock, from an event that it stamps.
+    /// The server's present time, from a property event.
     [[nodiscard]] xcb_timestamp_t serverTime();
 
 private:
@@ -98,11 +98,11 @@ private:
 
     xcb_connection_t* connection_;
     xcb_screen_t* screen_;
-    /// Never shown; its property's changes tell the server's time.
+    /// Never shown. Changing its property causes an event with the server's time.
     xcb_window_t clock_;
 };
 
-/// Where the switcher's icon is on the screen while a tray embeds it; nothing when none does.
+/// The frame of the switcher's icon while a tray embeds it; nullopt when none does.
 [[nodiscard]] std::optional<TestDesktop::Place> embeddedTrayIcon(const TestDesktop& desktop);
 
 }  // namespace ferrowyn::x11test

@@ -26,7 +26,8 @@ TestInput::~TestInput() {
 void TestInput::send(std::uint8_t type, std::uint8_t detail, int x, int y) {
     xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME, root_, static_cast<std::int16_t>(x),
                         static_cast<std::int16_t>(y), 0);
-    // A busy server would otherwise find several at once, without the time that lay between them.
+    // Wait until the server has taken the event. A busy server would otherwise read several at once, without the pauses
+    // between them.
     const XcbReply<xcb_get_input_focus_reply_t> taken(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
 }

@@ -11,7 +11,7 @@
 
 namespace ferrowyn::x11test {
 
-/// Key codes of a PC keyboard under X11 (the kernel's code plus 8); physical keys, whatever the layout.
+/// Key codes of a PC keyboard under X11 (the kernel's code plus 8). They name physical keys, independent of the layout.
 namespace key {
 inline constexpr std::uint8_t escape = 9, digit1 = 10, digit2 = 11, digit3 = 12, digit4 = 13, digit9 = 18, digit0 = 19,
                               backspace = 22, tab = 23, q = 24, w = 25, e = 26, r = 27, t = 28, y = 29, u = 30, i = 31,
@@ -32,15 +32,15 @@ public:
 
     void press(std::uint8_t keyCode);
     void release(std::uint8_t keyCode);
-    /// Press and release.
+    /// Presses and releases the key.
     void tap(std::uint8_t keyCode);
-    /// Holds the first keys, taps the last, lets go in reverse.
+    /// Presses the keys in this order and releases them in reverse order.
     void chord(std::initializer_list<std::uint8_t> keyCodes);
     /// Until `ungrabServer` the server serves no other client. What is pressed meanwhile reaches the others all at
     /// once, as it reaches a client that wakes late.
     void grabServer();
     void ungrabServer();
-    /// Releases everything that is down.
+    /// Releases all keys that are down.
     void releaseAll();
 
     /// In pixels.
@@ -56,8 +56,8 @@ private:
     xcb_window_t root_;
 };
 
-/// Drives the server's own keyboard instead of its test keyboard. That is what the user's keyboard is to the server: a
-/// key that is down there is not let go by what the test keyboard does.
+/// Presses keys on the server's physical slave keyboard instead of the XTEST keyboard. The user's keyboard is such a
+/// device: a key that is down on it is not released by the XTEST keyboard.
 class TapPhysicalKeyboard {
 public:
     explicit TapPhysicalKeyboard(const std::string& display);
@@ -86,7 +86,7 @@ class Hands {
 public:
     explicit Hands(TestInput& input) : input_(input) {}
 
-    /// Holds Alt, taps Tab `tabs` times and lets go, the last Tab before or after Alt.
+    /// Holds Alt, taps Tab `tabs` times and releases Alt, at random before or after the last Tab.
     void toggle(int tabs = 1) {
         input_.press(key::leftAlt);
         for (int tab = 1; tab < tabs; ++tab) {
@@ -103,7 +103,7 @@ public:
         pause();
         input_.release(tabFirst ? key::leftAlt : key::tab);
     }
-    /// 1 to `most`.
+    /// A random number from 1 to `most`.
     int someTabs(int most) { return std::uniform_int_distribution(1, most)(random_); }
 
 private:
@@ -113,7 +113,7 @@ private:
     }
 
     TestInput& input_;
-    // The same pauses in every run.
+    // A fixed seed: the same pauses in each run.
     std::mt19937 random_{20240817};
 };
 

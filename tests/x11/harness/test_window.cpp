@@ -30,7 +30,7 @@ TestWindow::TestWindow(const std::string& display, const Options& options) {
     setProperty("WM_CLASS", "STRING", 8, classes.data(), static_cast<std::uint32_t>(classes.size()));
     const std::uint32_t pid = options.pid.value_or(static_cast<std::uint32_t>(getpid()));
     setProperty("_NET_WM_PID", "CARDINAL", 32, &pid, 1);
-    // A place that the user chose keeps managers from moving the window.
+    // Managers do not move a window whose position the user has chosen.
     const std::uint32_t sizeHints[18] = {1U | 2U, static_cast<std::uint32_t>(options.x),
                                          static_cast<std::uint32_t>(options.y)};
     setProperty("WM_NORMAL_HINTS", "WM_SIZE_HINTS", 32, sizeHints, 18);
@@ -78,7 +78,7 @@ void TestWindow::destroy() {
 }
 
 TestWindow::Input TestWindow::takeInput() {
-    // One round trip: every event of an earlier key has been sent by the time its answer comes.
+    // The server sends the events of earlier keys before this reply.
     const XcbReply<xcb_get_input_focus_reply_t> synchronised(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     Input input;

@@ -12,22 +12,22 @@
 
 namespace ferrowyn::x11test {
 
-/// A real client window with its own connection, as an application opens one.
+/// A client window with a separate connection, like an application's window.
 class TestWindow {
 public:
     struct Options {
         std::string title = "Window";
-        /// WM_CLASS, instance and class alike.
+        /// Both the instance and the class of WM_CLASS.
         std::string className = "TestApp";
         std::optional<std::uint32_t> pid;
         int x = 100;
         int y = 100;
         int width = 400;
         int height = 300;
-        /// "_NET_WM_WINDOW_TYPE_…"; none when empty.
+        /// "_NET_WM_WINDOW_TYPE_…"; no type when empty.
         std::string type;
         std::optional<xcb_window_t> transientFor;
-        /// "_NET_WM_STATE_…" before mapping.
+        /// "_NET_WM_STATE_…", set before the window is mapped.
         std::vector<std::string> states;
         bool overrideRedirect = false;
         std::uint32_t colour = 0x4477AA;
@@ -41,21 +41,22 @@ public:
     [[nodiscard]] xcb_window_t id() const { return window_; }
     [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
     void setTitle(const std::string& title);
-    /// Any property, raw.
+    /// Sets any property to raw data.
     void setProperty(const std::string& name, const std::string& type, std::uint8_t format, const void* data,
                      std::uint32_t count);
     void unmap();
     void destroy();
-    /// How many key presses and button presses reached this window since the last call; reads what has arrived.
+    /// The input events that a window has received.
     struct Input {
         std::vector<std::uint8_t> keyPresses;
         std::vector<std::uint8_t> keyReleases;
         int buttonPresses = 0;
     };
+    /// The input since the last call. One round trip, so that earlier events have arrived.
     [[nodiscard]] Input takeInput();
-    /// Waits until a button press has reached this window; forgets the input before it.
+    /// Waits until this window gets a button press. Discards all input until then.
     [[nodiscard]] bool waitForButtonPress(milliseconds budget = patience);
-    /// The same for the press of a key.
+    /// Waits until this window gets the press of this key. Discards all input until then.
     [[nodiscard]] bool waitForKeyPress(std::uint8_t keyCode, milliseconds budget = patience);
 
 private:

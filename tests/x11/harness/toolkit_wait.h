@@ -8,8 +8,8 @@
 
 namespace ferrowyn::x11test {
 
-/// Runs the toolkit's loop in this thread until the predicate holds; false at the deadline. What happens outside this
-/// process is looked at again at each tick.
+/// Runs Qt's loop in this thread until the predicate holds; false at the deadline. The predicate is checked after each
+/// event, and every `between` for changes outside this process.
 [[nodiscard]] inline bool runToolkitUntil(const std::function<bool()>& predicate, milliseconds budget = patience,
                                           milliseconds between = milliseconds{5}) {
     const Deadline deadline(budget);
