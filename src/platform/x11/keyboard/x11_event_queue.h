@@ -17,41 +17,41 @@ namespace ferrowyn {
 class X11KeyboardLayout;
 struct X11InputContext;
 
-/// The keys that are down while the keyboard is held; of the modifiers only Shift. The press of the trigger's key never
-/// reached the master, so the server does not repeat it there: that is done here, until the hardware says that it went
-/// up. A key that went down before the session, as in a game, goes on repeating; that is for nobody until it is
+/// Tracks the keys that are down while the keyboard is grabbed; of the modifiers only Shift. The press of the trigger's
+/// key does not reach the master, so the server does not repeat it: this class does, until the key's raw release. A key
+/// that went down before the session (in a game, for example) goes on repeating; its repeats are dropped until it is
 /// released. Tap thread.
 class X11HeldKeys {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// An event of a key that is no modifier, when it arrives. `isAtSlave`: a slave's own grab delivered it.
+    /// Notes an event of a key that is not a modifier, when it arrives. `isAtSlave`: a grab on a slave delivered it.
     void note(const X11KeyboardEvent& event, bool isAtSlave);
-    /// The trigger's key is down, and repeats as the server's other keys do.
+    /// The trigger's key is down. It repeats with the server's delay and rate.
     void holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state);
 
-    /// These were down when the keyboard was taken.
+    /// Notes the keys that were down when the keyboard was grabbed.
     void noteTaken(const X11KeyboardSeizure::KeysDown& keysDown, const X11KeyboardLayout& layout);
 
-    /// A session begins, by the press of this key if by any.
+    /// A session begins. `trigger` is the key whose press began it; nullopt when none did.
     void beginSession(std::optional<std::uint32_t> trigger);
-    /// Whether the event, which is about to be delivered, is one of the session's: a repeat is, when its press was.
+    /// Whether the event, which is about to be delivered, belongs to the session. A repeat does when its press did.
     [[nodiscard]] bool belongsToSession(const X11KeyboardEvent& event);
 
-    /// An event of a key that is Shift, when its turn has come among those that are delivered.
+    /// Notes an event of a Shift key when it is delivered, in the order of the queue.
     void noteShift(const X11KeyboardEvent& event);
-    /// Whether such a key is down, whatever the modifiers are.
+    /// Whether a Shift key is down, also when the modifiers do not show it.
     [[nodiscard]] bool isShiftDown() const { return !shiftKeyCodes_.empty(); }
 
-    /// When the trigger's key repeats next; nothing while it is not held.
+    /// When the trigger's key repeats next; nullopt while it is not down.
     [[nodiscard]] std::optional<Clock::time_point> nextRepeat() const;
-    /// The repeat, when it is due.
+    /// The repeat, if it is due.
     [[nodiscard]] std::optional<X11KeyboardEvent> takeRepeat();
-    /// Lets every key go that was pressed while the keyboard was held, so that none repeats for whoever has the
-    /// keyboard next. Before the keyboard is given back.
+    /// Releases all keys that were pressed while the keyboard was grabbed, so that none repeats in the window that gets
+    /// the focus next. Called before the keyboard is ungrabbed.
     void releaseAll(X11KeyboardSeizure& seizure);
-    /// The same for those that were down before: they stop repeating. After the keyboard was given back, because the
-    /// application that saw the press must see the release.
+    /// Releases the keys that were down before the grab, which ends their repeats. Called after the keyboard was
+    /// ungrabbed, because the application that got the press must get the release.
     void releaseEarlierKeys(X11KeyboardSeizure& seizure);
 
 private:
@@ -61,18 +61,18 @@ private:
         std::chrono::milliseconds interval{0};
     };
 
-    /// Whose press came through the master and whose release did not yet.
+    /// The keys whose press came from the master and whose release did not come yet.
     std::set<std::uint32_t> keyCodes_;
-    /// Down since before the keyboard was taken.
+    /// The keys that were down before the grab.
     std::set<std::uint32_t> earlierKeyCodes_;
     std::set<std::uint32_t> shiftKeyCodes_;
-    /// Whose press was delivered in this session and whose release was not yet.
+    /// The keys whose press was delivered in this session and whose release was not yet.
     std::set<std::uint32_t> sessionKeyCodes_;
     std::optional<Trigger> trigger_;
 };
 
-/// Takes in what the server sends, makes up for what the master keyboard missed, and keeps the events in order until
-/// they are delivered. Tap thread.
+/// The event queue of the tap: receives key events, adds those that the master keyboard missed, and keeps them in order
+/// until they are delivered. Tap thread.
 class X11TapReception {
 public:
     /// The references outlive this.
@@ -80,8 +80,8 @@ public:
                     X11HeldKeys& heldKeys, X11InputContext& context)
         : reader_(reader), keyboard_(keyboard), seizure_(seizure), heldKeys_(heldKeys), context_(context) {}
 
-    /// Takes in what has arrived; whether anything had. While nothing is delivered, repeats are dropped: a backlog of
-    /// them would run on long after the key went up.
+    /// Receives the events that have arrived; true when there were any. `dropsRepeats` is set while nothing is
+    /// delivered: queued repeats would be delivered long after the key went up.
     bool receive(bool dropsRepeats);
 
     [[nodiscard]] bool isEmpty() const { return queue_.empty(); }
@@ -89,16 +89,16 @@ public:
     [[nodiscard]] X11KeyboardEvent take();
     void clear() { queue_.clear(); }
 
-    /// Whether a release of this key waits.
+    /// Whether a release of this key is queued.
     [[nodiscard]] bool hasReleaseOf(std::uint32_t keyCode) const;
-    /// Undoes the queued events in `keysDown`: from the keys that are down now to those that were down before the
-    /// first.
+    /// Undoes the queued events in `keysDown`: changes the keys that are down now to those that were down before the
+    /// first queued event.
     void rewind(X11KeyboardSeizure::KeysDown& keysDown) const;
-    /// Whether more of the same key waits behind this repeat.
+    /// Whether a later event of the same key is queued behind this repeat.
     [[nodiscard]] bool isStaleRepeat(const X11KeyboardEvent& event) const;
 
     [[nodiscard]] bool hasChanges() const { return changes_.layout || changes_.devices; }
-    /// While windows are looked at, whether a screen locker has started since this was last asked.
+    /// Whether a screen locker has started since the last call. Known only while windows are watched.
     [[nodiscard]] bool takeLocker() { return std::exchange(changes_.locker, false); }
     void watchWindows(bool isWatching) const { reader_.lockers().watchWindows(isWatching); }
     [[nodiscard]] X11KeyboardReader::Changes takeChanges() { return std::exchange(changes_, {}); }

@@ -20,13 +20,12 @@ namespace ferrowyn {
 
 class Log;
 
-/// The tap as other threads see it: requests go to the tap thread through the mailbox and never wait for it; only
-/// `invalidate` waits, for the event that is being handled and for the server. What the tap thread itself asks is done
-/// when the call returns: a tap that was enabled there has its grabs.
+/// The tap's interface for all threads. Other threads post requests to the tap thread's mailbox and do not wait; only
+/// `invalidate` waits, for the event that is being handled and for the server. Calls on the tap thread are done at
+/// once: a tap that was enabled there has its grabs when the call returns.
 class X11EventTap final : public EventTap {
 public:
-    /// Null when there is no server any more, or it lacks what is needed. Called on the tap thread once the tap is
-    /// served.
+    /// Returns null when the server is gone or lacks an extension. Called on the tap thread.
     using MakeEngine = std::function<std::unique_ptr<X11TapEngine>(SwitcherModifier trigger)>;
 
     X11EventTap(std::unique_ptr<X11TapEngine> engine, SwitcherModifier trigger, MakeEngine makeEngine);
@@ -39,22 +38,22 @@ public:
     void openSession(TapSession session) override;
     void closeSession(TapSession session) override;
 
-    /// The keyboard belongs to somebody else by now, such as a screen locker. Any thread.
+    /// Another client, such as a screen locker, needs the keyboard. Any thread.
     void noteKeyboardUnavailable();
-    /// Tries whether another client still holds the keyboard. Any thread.
+    /// Tries whether another client still has an active keyboard grab. Any thread.
     void probeKeyboard();
 
-    /// What the loop waits for: requests, and the server; the latter is -1 when there is no server any more.
+    /// The loop polls the mailbox and the connection. The connection's descriptor is -1 when the server is gone.
     [[nodiscard]] int mailboxDescriptor() const { return mailbox_.fileDescriptor(); }
     [[nodiscard]] int connectionDescriptor() const;
-    /// -1 when no input method is asked.
+    /// Its descriptor is -1 when no input method is used.
     [[nodiscard]] pollfd inputMethodDescriptor() const;
-    /// The same for the guard's questions; -1 when there is none.
+    /// The guard's socket; -1 when there is no guard.
     [[nodiscard]] int guardDescriptor() const;
     [[nodiscard]] std::optional<X11TapEngine::Clock::time_point> deadline() const;
     /// The calling thread serves this tap from now on.
     void noteServingThread();
-    /// Handles all that is waiting. Tap thread.
+    /// Handles all waiting requests and events. Tap thread.
     void serve();
 
 private:
@@ -69,11 +68,11 @@ private:
     /// Tap thread only: a callback asks for something while its event is being handled.
     bool isServing_ = false;
     std::atomic<bool> isEnabled_{false};
-    /// Held while the tap thread serves, so that an invalidated tap delivers nothing any more.
+    /// Held while the tap thread serves, so that nothing is delivered after `invalidate` has returned.
     mutable std::mutex engineLock_;
-    /// Null once the tap is invalidated.
+    /// Null after the tap was invalidated.
     std::unique_ptr<X11TapEngine> engine_;
-    /// Tap thread only, these.
+    /// The members from here on belong to the tap thread.
     SwitcherModifier trigger_;
     MakeEngine makeEngine_;
     bool isConnected_ = true;
@@ -85,21 +84,21 @@ public:
     void runFor(Seconds slice) override;
     void stop() override;
 
-    /// From any thread.
+    /// Any thread.
     void add(const std::shared_ptr<X11EventTap>& tap);
     void remove(const std::shared_ptr<X11EventTap>& tap);
 
 private:
     [[nodiscard]] std::vector<std::shared_ptr<X11EventTap>> taps() const;
 
-    /// Only for its bell.
+    /// Only used to wake the loop.
     X11TapMailbox bell_;
     mutable std::mutex lock_;
     std::vector<std::shared_ptr<X11EventTap>> taps_;
     bool isStopped_ = false;
 };
 
-/// The source of one tap. The tap belongs to whoever made it as much as to the source.
+/// The run-loop source of one tap. It shares the ownership of the tap with the tap's user.
 class X11TapRunLoopSource final : public TapRunLoopSource {
 public:
     explicit X11TapRunLoopSource(std::shared_ptr<X11EventTap> tap) : tap_(std::move(tap)) {}
@@ -111,10 +110,10 @@ private:
     std::shared_ptr<X11EventTap> tap_;
 };
 
-/// The tap's thread, favoured by the scheduler as far as the user's limits allow.
+/// The tap's thread, with the highest scheduling priority that the user's limits allow.
 class X11TapThread final : public TapThread {
 public:
-    /// Throws std::system_error when no thread can be made.
+    /// Throws std::system_error when the thread cannot be started.
     X11TapThread(const std::string& name, std::function<void()> body);
     ~X11TapThread() override;
     X11TapThread(const X11TapThread&) = delete;
@@ -124,10 +123,10 @@ private:
     std::thread thread_;
 };
 
-/// Keyboard taps on X11. It assigns `requestKeyboardProbe` of the context, which outlives it, as the log does.
+/// Makes keyboard taps on X11 and sets the context's `requestKeyboardProbe`. Context and log outlive it.
 class X11EventTaps final : public EventTaps {
 public:
-    /// `display` as in DISPLAY; empty for the environment's.
+    /// `display` has the format of DISPLAY; empty means the environment's display.
     X11EventTaps(X11InputContext& context, Log& log, std::string display = {});
     ~X11EventTaps() override;
 
@@ -137,8 +136,8 @@ public:
     [[nodiscard]] std::shared_ptr<TapRunLoop> currentRunLoop() override;
     [[nodiscard]] std::unique_ptr<TapThread> startThread(std::string_view name, std::function<void()> body) override;
 
-    /// The session was locked, or something else took the keyboard away: the tap gives it back and reports that the
-    /// user disabled it. From any thread.
+    /// The session is being locked, or another client needs the keyboard: the tap ungrabs it and reports that the user
+    /// disabled the tap. Any thread.
     void notifyKeyboardUnavailable();
 
 private:

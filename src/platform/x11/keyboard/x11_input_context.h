@@ -11,14 +11,15 @@
 
 namespace ferrowyn {
 
-/// The little that the tap thread and the rest of the adapter tell each other. Every member is safe on any thread.
+/// The data that the tap thread and the rest of the adapter share. Each member is safe on any thread; the functions are
+/// set before the tap's thread starts.
 struct X11InputContext {
     /// The server time of the latest key or button event of the user, for activation requests: a manager distrusts
     /// CurrentTime. 0 before the first event.
     std::atomic<std::uint32_t> lastUserTime{0};
 
-    /// The tap's thread hears of keys, the main thread of clicks, and either may be a little late: an older time is not
-    /// taken. One that is older by much more than that is the clock, which wraps around after some weeks.
+    /// The tap thread reports keys, the main thread clicks, and either may be late: an older time is ignored. A time
+    /// that seems much older is newer, because the server's clock wraps around after some weeks.
     void noteUserTime(std::uint32_t time) {
         constexpr std::uint32_t latest = 60'000;
         auto known = lastUserTime.load(std::memory_order_relaxed);
@@ -30,8 +31,8 @@ struct X11InputContext {
     /// The server time of the user's latest click anywhere; 0 before the first.
     std::atomic<std::uint32_t> lastClickTime{0};
 
-    /// Where the pointer was at the latest event that said so: root x in the upper half, root y in the lower, in device
-    /// pixels. Asking the server would be a round trip between key press and panel.
+    /// The pointer's position in the latest event that had one: root x in the upper half, root y in the lower, in
+    /// device pixels. Asking the server would be a round trip between key press and panel.
     std::atomic<std::uint64_t> pointerPosition{0};
 
     void setPointer(std::uint32_t rootX, std::uint32_t rootY) {
@@ -42,7 +43,7 @@ struct X11InputContext {
         return {static_cast<std::uint32_t>(position >> 32U), static_cast<std::uint32_t>(position)};
     }
 
-    /// Where the panel is or was last, in device pixels, 16 bits each: x, y, width and height. 0 before that.
+    /// The panel's present or last frame in device pixels: x, y, width and height, 16 bits each. 0 before the first.
     std::atomic<std::uint64_t> panelPlace{0};
 
     void setPanel(const X11PixelRect& panel) {
@@ -58,27 +59,25 @@ struct X11InputContext {
         return place != 0 ? std::optional(X11PixelRect{part(48), part(32), part(16), part(0)}) : std::nullopt;
     }
 
-    /// Where an input method shows what it offers, as in DISPLAY. None is asked where this is empty. Set before the tap
-    /// is made.
+    /// The display on which an input method shows its window, in the format of DISPLAY. When it is empty, no input
+    /// method is used. Set before the tap is made.
     std::string inputMethodDisplay;
 
-    /// Another client held the keyboard when the tap last asked for it.
+    /// Another client had an active keyboard grab when the tap last tried to grab the keyboard.
     std::atomic<bool> isKeyboardHeldElsewhere{false};
-    /// Asks the tap to try again whether it is still held; it answers by the flag above, a moment later. Only while it
-    /// is held: a successful attempt would take the focus from the user's window for a moment.
+    /// Asks the tap to try the grab again; the flag above changes a moment later. Call it only while the flag is set: a
+    /// successful grab takes the focus from the user's window for a moment.
     std::function<void()> requestKeyboardProbe;
 
-    /// Runs something on the main thread soon. How the tap finds out whether that thread still takes the keys of an
-    /// open panel: where this is empty, it counts as taking them. Set before the tap's thread starts.
+    /// Posts work to the main thread. The tap uses it to find out whether that thread still handles the keys of an open
+    /// panel; without this function the main thread counts as handling them.
     std::function<void(std::function<void()>)> postToMainThread;
 
-    /// Told when another client has answered the trigger (`Trust::observeLostTriggers`). Set before the tap's thread
-    /// starts.
+    /// Called when another client has answered the trigger (`Trust::observeLostTriggers`).
     std::function<void()> reportLostTrigger;
 
-    /// Told which window was the active one when the trigger was pressed, before the trigger itself is passed on: the
-    /// main thread hears of activations by another way, and a quick hand presses the trigger before it has. None when
-    /// the server did not say. Set before the tap's thread starts.
+    /// Called before a press of the trigger is delivered, with the window that was active at the press; None when the
+    /// server did not say. After a quick second press the main thread may not have got the activation's event yet.
     std::function<void(std::uint32_t window)> reportActiveWindow;
 };
 

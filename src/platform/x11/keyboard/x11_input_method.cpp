@@ -28,13 +28,13 @@ X11InputMethod::X11InputMethod(std::string display, Log& log) : display_(std::mo
 
 void X11InputMethod::connect() {
     sd_bus* bus = nullptr;
-    // Answers at once; the bus's own answers come later.
+    // Does not wait for the bus; its replies are handled later.
     if (sd_bus_open_user(&bus) < 0) {
         return;
     }
     bus_.reset(bus);
     sd_bus_slot* slot = nullptr;
-    // Other names come and go often and are nothing to wake up for.
+    // Only changes of this name, because other names change often and would wake the tap.
     const std::string ownerChanges =
         std::string("type='signal',sender='") + busService + "',member='NameOwnerChanged',arg0='" + service + "'";
     if (sd_bus_add_match_async(bus, &slot, ownerChanges.c_str(), onOwner, nullptr, this) >= 0) {
@@ -61,7 +61,7 @@ std::optional<X11InputMethod::Clock::time_point> X11InputMethod::deadline() cons
     if (bus_ == nullptr || sd_bus_get_timeout(bus_.get(), &microseconds) < 0 || microseconds == UINT64_MAX) {
         return std::nullopt;
     }
-    // Both count from the start of the machine.
+    // Both clocks count from the start of the machine.
     return Clock::time_point(std::chrono::microseconds(microseconds));
 }
 
@@ -138,7 +138,7 @@ void X11InputMethod::lost() {
     textMatch_.reset();
     question_.reset();
     context_.clear();
-    // The key that waits is nobody else's.
+    // The waiting key is handled as if the input method had not used it.
     isAsking_ = false;
     hasTakenKey_ = false;
 }

@@ -14,22 +14,22 @@ namespace ferrowyn {
 
 class Log;
 
-/// What the user's input method makes of the keys of a session, where it is fcitx5: that one answers over the session
-/// bus for a client without the focus, so nobody loses it. Its candidates are on a window of its own. Nothing here
-/// waits; the tap's loop polls the connection, which is why it is none of the toolkit's. Tap thread.
+/// Sends the keys of a session to the user's input method when that is fcitx5, which answers over the session bus also
+/// for a client without the focus. fcitx5 shows its candidates in its window. Nothing here waits: the tap's loop polls
+/// the bus connection, so it is one of sd-bus, not of Qt. Tap thread.
 class X11InputMethod {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// How long a key waits for its answer. After one that took longer, no key of that session is asked about any more.
+    /// How long a key waits for its answer. After a longer wait, no further key of that session is sent.
     static constexpr std::chrono::milliseconds patience{1000};
 
-    /// `display` as in DISPLAY; the input method shows its candidates there. The log outlives this.
+    /// `display`, in the format of DISPLAY, is where the input method shows its candidates. The log outlives this.
     X11InputMethod(std::string display, Log& log);
     X11InputMethod(const X11InputMethod&) = delete;
     X11InputMethod& operator=(const X11InputMethod&) = delete;
 
-    /// What to poll, and for what: -1 without a bus.
+    /// The descriptor to poll, -1 without a bus, and the events to poll for.
     [[nodiscard]] int descriptor() const;
     [[nodiscard]] short pollEvents() const;
     [[nodiscard]] std::optional<Clock::time_point> deadline() const;
@@ -43,15 +43,15 @@ public:
         std::uint32_t modifiers = 0;
         std::uint32_t time = 0;
     };
-    /// A session begins or has ended: whatever was being composed is forgotten.
+    /// A session begins or has ended: an unfinished composition is discarded.
     void reset();
-    /// Asks about this press; false when there is nobody to ask. The candidates are shown beside `panel`.
+    /// Sends this press; false when no input method is there. The candidates are shown beside `panel`.
     [[nodiscard]] bool ask(const Key& key, const std::optional<X11PixelRect>& panel);
     /// Whether an answer is still to come.
     [[nodiscard]] bool isAsking() const { return isAsking_; }
-    /// Whether the key that was asked about last was taken by the input method.
+    /// Whether the input method has used the last key that was sent.
     [[nodiscard]] bool hasTakenKey() const { return hasTakenKey_; }
-    /// The next text that the input method has typed; nothing when there is no more.
+    /// The next text that the input method has typed; nullopt when there is no more.
     [[nodiscard]] std::optional<std::u16string> takeText();
 
 private:

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint64_t allFlags =
     event_flags::shift | event_flags::control | event_flags::option | event_flags::command;
 
-/// As the C library chooses it, but from the environment itself: the program may not have called setlocale.
+/// The locale that the C library would choose. Read from the environment, because the program may not call setlocale.
 const char* composeLocale() {
     for (const char* const variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
         const char* const value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): nothing sets it meanwhile
@@ -29,7 +29,7 @@ const char* composeLocale() {
 X11KeyText::X11KeyText(xkb_context* context)
     : composeTable_(xkb_compose_table_new_from_locale(context, composeLocale(), XKB_COMPOSE_COMPILE_NO_FLAGS)) {
     if (composeTable_ == nullptr) {
-        // A locale without sequences of its own; the common ones are better than none.
+        // The locale has no sequences; the common ones are used instead.
         composeTable_.reset(xkb_compose_table_new_from_locale(context, "en_US.UTF-8", XKB_COMPOSE_COMPILE_NO_FLAGS));
     }
     if (composeTable_ != nullptr) {
@@ -74,7 +74,7 @@ std::u16string X11KeyText::type(const X11KeyboardEvent& press, std::optional<std
     }
     auto modifiers = press.modifiers;
     if (withFlags) {
-        // Only what has a flag is replaced: the third level's modifier and the locks stay as they are.
+        // Only modifiers that have a flag are replaced. The third level's modifier and the locks stay as they are.
         const auto replaced = layout_->modifiersOf(allFlags);
         modifiers.base = (modifiers.base & ~replaced) | layout_->modifiersOf(*withFlags);
         modifiers.latched &= ~replaced;

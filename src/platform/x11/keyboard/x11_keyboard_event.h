@@ -14,13 +14,14 @@
 
 namespace ferrowyn {
 
-/// What the tap remembers of one event of the keyboard: small enough to queue.
+/// One keyboard event with the fields that the tap needs; small, because it is queued.
 struct X11KeyboardEvent {
     enum class Kind {
         press,
         release,
         modifiersChanged,
-        /// A key went up at the hardware, whether or not its master knew that it was down. Only the code and the time.
+        /// A raw release: a key went up on a slave, also when the master did not know that it was down. Has only the
+        /// key code and the time.
         rawRelease,
     };
 
@@ -37,14 +38,14 @@ struct X11KeyboardEvent {
 
     Kind kind = Kind::press;
     bool isRepeat = false;
-    /// Typed while the server held its keyboard back for the tap, after the press that began that: only its own
-    /// modifiers tell whether it is a trigger.
+    /// Typed while the trigger's passive grab froze the keyboard. Only the event's modifiers decide then whether it is
+    /// a trigger.
     bool wasHeldBack = false;
-    /// The device whose grab delivered the event: a slave as long as its own grab holds it, else the master.
+    /// The device whose grab delivered the event: a slave while a grab on it is active, otherwise the master.
     std::uint16_t deviceId = 0;
     std::uint32_t keyCode = 0;
     std::uint32_t time = 0;
-    /// The latest request of the tap that the server had handled by then. Press and release only.
+    /// The sequence number of the tap's latest request that the server had handled. Press and release only.
     std::uint32_t sequence = 0;
     std::uint32_t rootX = 0;
     std::uint32_t rootY = 0;
@@ -58,19 +59,19 @@ struct XkbTextUnref {
     void operator()(xkb_compose_state* state) const { xkb_compose_state_unref(state); }
 };
 
-/// What keys type: the layout's group, its levels and locks, and the sequences of dead keys and of the Compose key in
-/// the user's locale. Tap thread.
+/// Computes the text of keys from the layout's groups, levels and locks, and from the sequences of dead keys and the
+/// Compose key in the user's locale. Tap thread.
 class X11KeyText {
 public:
     explicit X11KeyText(xkb_context* context);
 
     void setLayout(const X11KeyboardLayout& layout);
-    /// Forgets a sequence that was begun: a session starts with none, and a key that types nothing ends one.
+    /// Discards an unfinished sequence. Called at the start of a session and for a key that types nothing.
     void reset();
 
-    /// What the event's key is called as the keyboard was then.
+    /// The symbols of the event's key with the event's modifiers and group.
     [[nodiscard]] X11KeyboardLayout::KeySymbols symbols(const X11KeyboardEvent& event);
-    /// What this press types, with these flags instead of its own modifiers when given; a step of a sequence.
+    /// The text of this press, with `withFlags` in place of the event's modifiers if given. Advances a sequence.
     [[nodiscard]] std::u16string type(const X11KeyboardEvent& press, std::optional<std::uint64_t> withFlags);
 
 private:
@@ -82,7 +83,7 @@ private:
     const X11KeyboardLayout* layout_ = nullptr;
 };
 
-/// A tap event made from what the server sent. Tap thread.
+/// A tap event made from an event of the server. Tap thread.
 class X11TapEvent final : public TapEvent {
 public:
     /// A change of the flags, or a notice that has none.
@@ -91,7 +92,7 @@ public:
     X11TapEvent(Type type, std::uint64_t flags, std::uint16_t keyCode, X11KeyText& text, const X11KeyboardEvent& press)
         : type_(type), flags_(flags), keyCode_(keyCode), keyText_(&text), press_(&press) {}
 
-    /// Text without a key of its own.
+    /// Text that does not come from a key, such as that of an input method.
     explicit X11TapEvent(std::u16string text)
         : type_(Type::keyDown), keyCode_(firstUnknownVirtualKeyCode), typed_(std::move(text)) {}
 
@@ -100,7 +101,7 @@ public:
     [[nodiscard]] std::uint16_t keyCode() const override { return keyCode_; }
     [[nodiscard]] std::u16string text(std::optional<std::uint64_t> withFlags) const override;
 
-    /// Whether somebody asked what the key types: if not, it ends a sequence of dead keys.
+    /// Whether `text` was called. If not, the key ends a sequence of dead keys.
     [[nodiscard]] bool wasTyped() const { return typed_.has_value(); }
 
 private:
@@ -109,7 +110,7 @@ private:
     std::uint16_t keyCode_ = 0;
     X11KeyText* keyText_ = nullptr;
     const X11KeyboardEvent* press_ = nullptr;
-    /// Asking is a step of a sequence of dead keys, and one press is one step however often it is asked about.
+    /// The text of the first call. A press must advance a sequence of dead keys only once, however often it is asked.
     mutable std::optional<std::u16string> typed_;
 };
 

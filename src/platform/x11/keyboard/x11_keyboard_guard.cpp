@@ -29,7 +29,7 @@ using Kind = X11KeyboardGuardMessage::Kind;
 constexpr std::string_view category = "input";
 constexpr const char* programName = "ferrowyn-keyboard-guard";
 
-/// Beside the program, or where an installation puts what nobody starts by hand.
+/// Looks in the program's folder, then in the folder for helper programs of an installation.
 std::optional<std::string> findProgram() {
     std::error_code error;
     const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
@@ -44,17 +44,18 @@ std::optional<std::string> findProgram() {
     return std::nullopt;
 }
 
-/// Something of this connection that it can be ended by.
+/// Makes a resource of this connection. With its XID the guard can close the connection (KillClient).
 xcb_pixmap_t makeHandle(const X11Connection& connection) {
     const auto handle = xcb_generate_id(connection.get());
     xcb_create_pixmap(connection.get(), 1, handle, connection.root(), 1, 1);
-    // The guard must find it there.
+    // The server must have made it before the guard looks for it.
     const XcbReply<xcb_get_input_focus_reply_t> sync(
         xcb_get_input_focus_reply(connection.get(), xcb_get_input_focus(connection.get()), nullptr));
     return handle;
 }
 
-/// In a session of its own, so that what stops the program from a terminal does not stop its guard.
+/// Starts the guard in a new session, so that a signal from the terminal that stops the program does not stop the
+/// guard.
 std::optional<pid_t> spawn(const std::string& path, const std::string& display, xcb_pixmap_t handle, int socket) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -99,7 +100,7 @@ std::unique_ptr<X11KeyboardGuard> X11KeyboardGuard::start(const X11Connection& c
 
 X11KeyboardGuard::~X11KeyboardGuard() {
     close();
-    // It may be stopped; it holds nothing.
+    // SIGKILL also ends a stopped guard, and the guard has nothing to clean up.
     kill(process_, SIGKILL);
     while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
     }
@@ -131,7 +132,7 @@ void X11KeyboardGuard::noteHeld(bool isHeld) {
 
 void X11KeyboardGuard::send(Kind kind, std::uint32_t value) {
     const X11KeyboardGuardMessage message{kind, value};
-    // A guard that reads nothing, because it is stopped, watches over nothing.
+    // When the socket is full, the guard is stopped and cannot do its work: it counts as gone.
     if (isThere() && ::send(socket_, &message, sizeof message, MSG_NOSIGNAL) != sizeof message) {
         close();
     }

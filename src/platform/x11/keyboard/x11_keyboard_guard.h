@@ -14,25 +14,25 @@ namespace ferrowyn {
 class Log;
 class X11Connection;
 
-/// A small process that ends a tap's connection to the server when the tap stops answering while it may have the user's
-/// keyboard: a program that is stopped (by a debugger, by a shell's job control) runs none of its threads, so nothing
-/// in it can give the keyboard back. The process dies with this object, and ends by itself when the program is killed.
-/// Tap thread.
+/// Starts and talks to the guard, a process that closes a tap's connection to the server when the tap does not answer
+/// while it may have grabbed the keyboard. A stopped program (debugger, job control) runs none of its threads, so it
+/// cannot release the grab itself. The guard ends with this object, and also when the program is killed. Tap thread.
 class X11KeyboardGuard {
 public:
-    /// Null when it cannot be started. `display` as in DISPLAY; empty for the environment's. Waits for the server.
+    /// Null when the guard cannot be started. `display` has the format of DISPLAY; empty means the environment's
+    /// display. Waits for the server.
     [[nodiscard]] static std::unique_ptr<X11KeyboardGuard> start(const X11Connection& connection,
                                                                  const std::string& display, Log& log);
     ~X11KeyboardGuard();
     X11KeyboardGuard(const X11KeyboardGuard&) = delete;
     X11KeyboardGuard& operator=(const X11KeyboardGuard&) = delete;
 
-    /// Readable when it asks something, or is gone; -1 once it is known to be gone.
+    /// Readable when the guard asks or has ended; -1 when it is known to have ended.
     [[nodiscard]] int fileDescriptor() const { return socket_; }
-    /// False once it is gone: nothing may freeze the keyboard then.
+    /// False when the guard has ended. Then no grab may freeze the keyboard.
     [[nodiscard]] bool isThere() const { return socket_ >= 0; }
 
-    /// Answers what it has asked. Never waits, as all of these.
+    /// Answers the guard's questions. Like the next two, it never waits.
     void answer();
     void setFreezingModifiers(std::uint32_t modifiers);
     void noteHeld(bool isHeld);

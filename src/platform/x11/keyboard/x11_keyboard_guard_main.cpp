@@ -1,5 +1,5 @@
-// The process that watches over a keyboard tap: see `X11KeyboardGuard`. It knows the tap's answers, the modifiers that
-// are down, and nothing of the keys; while no trigger's modifier is down and no session is open it sleeps.
+// The guard process of a keyboard tap; see `X11KeyboardGuard`. It gets the tap's answers and the state of the
+// modifiers, but no keys. While no trigger's modifier is down and no session is open, it sleeps.
 
 #include <fcntl.h>
 #include <poll.h>
@@ -60,7 +60,7 @@ public:
         return true;
     }
 
-    /// Returns when the tap is gone, when this has ended it, or when the server is gone.
+    /// Returns when the tap has ended, when this has closed its connection, or when the server has ended.
     void run() {
         bool isAnswering = true;
         while (isAnswering && readTap() && readServer()) {
@@ -84,12 +84,13 @@ public:
     }
 
 private:
-    /// While another client has grabbed the server, it answers nobody, and the tap may have been waiting for it too.
+    /// While another client has grabbed the server, the tap may wait for a reply and cannot answer. Waits for the
+    /// server and checks again.
     [[nodiscard]] bool answersAfterAll() {
         const auto start = std::chrono::steady_clock::now();
         synchronize();
         if (std::chrono::steady_clock::now() - start > std::chrono::milliseconds(questionInterval)) {
-            // The tap has been able to go on only since this moment: its time begins anew.
+            // The tap could not run before this moment, so its waits are counted again from here.
             unansweredWaits_ = 1;
             return true;
         }
@@ -101,13 +102,13 @@ private:
             unansweredWaits_ = 1;
         }
     }
-    /// Whether the time has passed without anything to read.
+    /// True when the time has passed without anything to read.
     [[nodiscard]] bool wait(int milliseconds) const {
         std::array<pollfd, 2> descriptors{
             {{x11KeyboardGuardSocket, POLLIN, 0}, {xcb_get_file_descriptor(connection_), POLLIN, 0}}};
         return poll(descriptors.data(), descriptors.size(), milliseconds) == 0;
     }
-    /// False once the tap is gone.
+    /// False when the tap has ended.
     [[nodiscard]] bool readTap() {
         Message message;
         while (true) {
@@ -138,7 +139,7 @@ private:
                 break;
         }
     }
-    /// False once the server is gone.
+    /// False when the server has ended.
     [[nodiscard]] bool readServer() {
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
             if ((event->response_type & responseTypeMask) == xkbEventBase_ && event->pad0 == XCB_XKB_STATE_NOTIFY) {
@@ -152,8 +153,8 @@ private:
             xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     }
 
-    /// The server notices a moment later that a killed program is gone. Until then its handle is still there; the guard
-    /// only waits, because the same number may soon belong to another client, which must not be ended.
+    /// Waits until the server has removed the handle of a killed program, which takes a moment. The guard does not
+    /// close the connection itself then, because the XID may soon belong to another client.
     void waitUntilTheServerLetGo() const {
         for (int turn = 0; turn < mostTurns && hasHandle(); ++turn) {
             poll(nullptr, 0, turnLength);
@@ -164,8 +165,7 @@ private:
             xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, handle_), nullptr));
         return reply != nullptr;
     }
-    /// Sends the releases that were lost: keys that went up while the server held them back are still down for every
-    /// other client.
+    /// Sends lost releases: keys that went up while the keyboard was frozen are still down for all other clients.
     void releaseLostKeys() const {
         const auto down = keysDownAtKeyboards();
         const XcbReply<xcb_query_keymap_reply_t> map(
@@ -217,9 +217,9 @@ private:
     std::uint32_t modifiers_ = 0;
     std::uint32_t freezingModifiers_ = 0;
     bool isHeld_ = false;
-    /// How many waits have begun since a question that has no answer yet.
+    /// How many waits have begun since the question that is not answered yet.
     int unansweredWaits_ = 0;
-    /// A question was answered a moment ago; the next one has time.
+    /// A question was just answered; the guard pauses before the next one.
     bool isPausing_ = false;
 };
 

@@ -4,18 +4,19 @@
 
 namespace ferrowyn {
 
-/// What the tap and its guard tell each other, one at a time, over a socket that keeps messages apart.
+/// A message between the tap and its guard. The socket preserves message boundaries.
 struct X11KeyboardGuardMessage {
     enum class Kind : std::uint32_t {
-        /// From the guard: does the tap still run? From the tap: it does.
+        /// From the guard: asks whether the tap still runs.
         question,
+        /// From the tap: it runs.
         answer,
-        /// From the tap: while one of these modifiers is down, a press can make the server hold keys back. `value` is
-        /// a mask of real modifiers; 0 when no press can.
+        /// From the tap: while one of these modifiers is down, a key press can freeze the keyboard (synchronous passive
+        /// grab). `value` is a mask of real modifiers; 0 when no press can.
         freezingModifiers,
-        /// From the tap: it is about to take the keyboard.
+        /// From the tap: it is about to grab the keyboard.
         held,
-        /// From the tap: it has given the keyboard back.
+        /// From the tap: it has released the keyboard.
         free,
     };
     Kind kind = Kind::question;

@@ -19,7 +19,7 @@ struct PhysicalKey {
     std::uint16_t virtualKeyCode;
 };
 
-/// X key codes are the kernel's plus this.
+/// X key codes are the kernel's key codes plus this number.
 constexpr xkb_keycode_t evdevOffset = 8;
 
 constexpr std::array<PhysicalKey, 114> physicalKeys{{
@@ -220,7 +220,7 @@ bool isLockSymbol(xkb_keysym_t symbol) {
            symbol == XKB_KEY_Scroll_Lock;
 }
 
-/// The unshifted symbol; of the first group where none is given: what a key is called, whatever the layout that types.
+/// The key's symbol in this group without a modifier.
 xkb_keysym_t baseSymbol(xkb_keymap* keymap, xkb_keycode_t keyCode, xkb_layout_index_t group = 0) {
     const xkb_keysym_t* symbols = nullptr;
     return xkb_keymap_key_get_syms_by_level(keymap, keyCode, group, 0, &symbols) > 0 ? symbols[0] : XKB_KEY_NoSymbol;
@@ -265,7 +265,7 @@ void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
         }
         const std::uint32_t mask = 1U << (index / perModifier);
         const auto symbol = baseSymbol(keymap_.get(), keyCode);
-        // A key that the user made an Escape key may still be listed where it was Caps Lock.
+        // A key that the user has changed from Caps Lock to Escape may still be in the modifier map.
         modifierKeys_[keyCode] = modifierKeys_[keyCode] || !virtualKeyCodeOfSymbol(symbol);
         modifierMap_[keyCode] |= mask;
         if (isLockSymbol(symbol)) {
@@ -276,9 +276,9 @@ void X11KeyboardLayout::readModifiers(const X11Connection& connection) {
             super_ |= mask;
         }
     }
-    // A modifier cannot be told apart from itself: what is Shift or Control is nothing else.
+    // A real modifier must have only one meaning. Shift and Control come first, then Alt.
     constexpr std::uint32_t fixed = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL;
-    // This one is a lock whether or not a key of the map sets it: it stays set when its key goes.
+    // Caps Lock counts also when no key sets it: it stays set when its key is removed from the map.
     locks_ |= XCB_MOD_MASK_LOCK;
     alt_ &= ~fixed;
     super_ &= ~(fixed | alt_);
@@ -327,7 +327,7 @@ std::uint16_t X11KeyboardLayout::virtualKeyCodeOf(xkb_keycode_t keyCode, const K
             return triggerKey;
         }
     }
-    // Escape is Escape with any modifier; but what moves on the keypad types when Num Lock or Shift says so.
+    // Escape counts with any modifier, but a keypad key that moves types a digit with Num Lock or Shift.
     if (const auto code = virtualKeyCodeOfSymbol(symbols.base); code && !isKeypadMovement(symbols.base)) {
         return *code;
     }

@@ -15,24 +15,23 @@ namespace ferrowyn {
 
 class X11Connection;
 
-/// Keys without an ANSI virtual key code get their X key code on top of this, so that they stay apart and never
-/// collide with one that has.
+/// A key without an ANSI virtual key code gets its X key code plus this number, so that all codes differ.
 inline constexpr std::uint16_t firstUnknownVirtualKeyCode = 128;
 
 namespace virtual_key {
 inline constexpr std::uint16_t tab = 48, grave = 50;
 }  // namespace virtual_key
 
-/// The ANSI virtual key code of a physical key, whatever the layout: by its XKB name ("TAB", "AD01"), which holds for
-/// every family of key codes; by its evdev code where the keymap names nothing.
+/// The ANSI virtual key code of a physical key, independent of the layout. It is found by the XKB name ("TAB", "AD01"),
+/// which is the same for all sets of key codes, or by the evdev code when the keymap has no name.
 [[nodiscard]] std::uint16_t virtualKeyCode(std::string_view xkbName, xkb_keycode_t keyCode);
 
-/// Of the keys that a user may put elsewhere and that are what their symbol says: Escape, Return, Tab, the keys that
-/// delete and those that move, with their twins on the keypad. Nothing for any other symbol.
+/// The virtual key code for a symbol that identifies a key wherever the user has put it: Escape, Return, Tab, the keys
+/// that delete and those that move, those on the keypad included. nullopt for other symbols.
 [[nodiscard]] std::optional<std::uint16_t> virtualKeyCodeOfSymbol(xkb_keysym_t symbol);
-/// Whether a key has this virtual key code by its symbol, never by its place.
+/// Whether keys get this virtual key code by their symbol and not by their position.
 [[nodiscard]] bool isFoundBySymbol(std::uint16_t virtualKeyCode);
-/// Whether a key of the keypad has this symbol while Num Lock is off, and another one while it is on.
+/// Whether this is a symbol that a keypad key has only while Num Lock is off.
 [[nodiscard]] bool isKeypadMovement(xkb_keysym_t symbol);
 
 struct XkbUnref {
@@ -40,8 +39,8 @@ struct XkbUnref {
     void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
 };
 
-/// The server's keymap as it was when this was read: which key is which, and which modifier means what. A snapshot;
-/// read again when the server says that the map or the keyboard changed.
+/// The server's keymap at one moment: the keys and the meaning of the modifiers. Read again when the server reports a
+/// change of the keymap or of the keyboards. Immutable.
 class X11KeyboardLayout {
 public:
     /// Null when the server has no usable keymap. Waits for the server.
@@ -49,19 +48,20 @@ public:
 
     [[nodiscard]] xkb_keymap* keymap() const { return keymap_.get(); }
 
-    /// What a key is called at one moment.
+    /// The symbols of a key at one moment.
     struct KeySymbols {
         /// With the modifiers and the group of that moment.
         xkb_keysym_t symbol = XKB_KEY_NoSymbol;
         /// In the same group without any modifier.
         xkb_keysym_t base = XKB_KEY_NoSymbol;
     };
-    /// Letters, digits and their like are physical keys, wherever the layout puts their symbols; Escape, the arrows and
-    /// their like are what their symbol says, wherever the user has put it.
+    /// Letters, digits and similar keys are identified by their position; Escape, the arrows and similar keys by their
+    /// symbol.
     [[nodiscard]] std::uint16_t virtualKeyCodeOf(xkb_keycode_t keyCode, const KeySymbols& symbols) const;
-    /// Of Tab or grave: the keys that have its symbol without a modifier in any group; the physical one where none has.
+    /// For Tab or grave: the keys with its symbol in any group without a modifier, or the physical key when none has
+    /// it.
     [[nodiscard]] const std::vector<xkb_keycode_t>& keyCodesOf(std::uint16_t virtualKeyCode) const;
-    /// The first of them; nothing when no key of the map is one.
+    /// The first of them; nullopt when the keymap has no such key.
     [[nodiscard]] std::optional<xkb_keycode_t> keyCodeOf(std::uint16_t virtualKeyCode) const;
     /// Whether the key is a modifier or a lock, which changes flags and types nothing.
     [[nodiscard]] bool isModifierKey(xkb_keycode_t keyCode) const;
@@ -77,7 +77,8 @@ public:
     [[nodiscard]] std::uint32_t modifiersOf(std::uint64_t flags) const;
     /// 0 when no key of the map sets this modifier.
     [[nodiscard]] std::uint32_t maskOf(SwitcherModifier modifier) const { return modifiersOf(flagMask(modifier)); }
-    /// Every combination of the lock modifiers, none of them included: they are part of what a passive grab matches.
+    /// All combinations of the lock modifiers, the empty one included. A passive grab is needed for each, because it
+    /// matches the exact modifiers.
     [[nodiscard]] std::vector<std::uint32_t> lockCombinations() const;
 
 private:

@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::uint8_t responseTypeMask = 0x7F;
 
-/// Pixels that a covering window may leave at each edge: xsecurelock leaves one, so that nothing takes its window for
-/// one in full screen.
+/// In pixels: how much of each edge a locker's window may leave uncovered. xsecurelock leaves one pixel, so that its
+/// window does not count as full-screen.
 constexpr int margin = 8;
 
 bool covers(const xcb_get_geometry_reply_t& place, int x, int y, int width, int height) {
@@ -61,7 +61,7 @@ bool X11LockerWatch::isOfLocker(const xcb_generic_event_t& event) const {
         const auto state = reinterpret_cast<const xcb_screensaver_notify_event_t&>(event).state;
         return state == XCB_SCREENSAVER_STATE_ON || state == XCB_SCREENSAVER_STATE_CYCLE;
     }
-    // Some lockers show their window only once they have the keyboard, so that it is made already tells.
+    // Some lockers map their window only after they have grabbed the keyboard, so its creation counts too.
     if (type == XCB_CREATE_NOTIFY) {
         const auto& created = reinterpret_cast<const xcb_create_notify_event_t&>(event);
         return created.override_redirect != 0 && coversAMonitor(created.window);
@@ -125,7 +125,7 @@ X11KeyboardEvent keyEvent(const xcb_input_key_press_event_t& key) {
     return event;
 }
 
-/// Hierarchy changes are told to nobody in particular: every client that asks on all devices gets them.
+/// Selects hierarchy changes, which must be selected on all devices.
 void selectHierarchyChanges(const X11Connection& connection) {
     struct {
         xcb_input_event_mask_t head;
@@ -187,7 +187,7 @@ bool X11KeyboardReader::readAvailable(Changes& changes,
         } else if (lockers_.isOfLocker(*event)) {
             changes.locker = true;
         }
-        // Errors are of requests about devices that went away meanwhile; there is nothing to repair.
+        // Errors concern devices that were removed before a request reached the server; they are ignored.
     }
     return hasRead;
 }
@@ -223,7 +223,7 @@ void X11KeyboardReader::readInputEvent(const xcb_generic_event_t& event, Changes
 
 void X11KeyboardReader::readXkbEvent(const xcb_generic_event_t& event, Changes& changes,
                                      const std::function<void(const X11KeyboardEvent&)>& receive) const {
-    // The kind stands where core events have their detail.
+    // The XKB event type is in the field that is the detail in core events.
     if (event.pad0 != XCB_XKB_STATE_NOTIFY) {
         changes.layout = true;
         return;

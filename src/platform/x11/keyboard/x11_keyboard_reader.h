@@ -12,36 +12,37 @@ namespace ferrowyn {
 
 class X11Connection;
 
-/// Recognises a screen locker that starts while the keyboard is held, by what the server tells of it: the screen saver
-/// becomes active, or another client makes or shows a window without a manager that covers the screen or a monitor. A
-/// locker that does not get the keyboard within a second or two gives up and leaves the screen open. Tap thread.
+/// Recognises a screen locker that starts while the tap has grabbed the keyboard: the server's screen saver becomes
+/// active, or another client creates or maps an override-redirect window that covers the screen or a monitor. A locker
+/// that cannot grab the keyboard within a second or two gives up and leaves the screen unlocked. Tap thread.
 class X11LockerWatch {
 public:
     /// Waits for the server. The reference outlives this.
     explicit X11LockerWatch(const X11Connection& connection);
 
-    /// Whether windows are looked at. The screen saver always is: it says something a few times a day. Only sent.
+    /// Whether events about windows are selected. Those of the screen saver are rare and always selected. Does not
+    /// wait.
     void watchWindows(bool isWatching) const;
-    /// Whether this event tells of a locker. May wait for the server.
+    /// Whether this event shows that a locker starts. May wait for the server.
     [[nodiscard]] bool isOfLocker(const xcb_generic_event_t& event) const;
 
 private:
-    /// One of them, or all: some lockers make a window for each.
+    /// Whether the window covers the screen or one monitor: some lockers make a window for each monitor.
     [[nodiscard]] bool coversAMonitor(xcb_window_t window) const;
 
     const X11Connection* connection_;
     bool knowsMonitors_;
-    /// Of the screen saver's only event; 0 where the server has no such extension.
+    /// The number of the screen saver extension's event; 0 without the extension.
     std::uint8_t screenSaverEvent_ = 0;
 };
 
-/// Reads what the server sends to the tap's connection. Tap thread.
+/// Reads the events of the tap's connection. Tap thread.
 class X11KeyboardReader {
 public:
-    /// Nothing when the server has no XInput 2.2 or no XKB. Waits for the server.
+    /// nullopt when the server lacks XInput 2.2 or XKB. Waits for the server.
     [[nodiscard]] static std::optional<X11KeyboardReader> create(const X11Connection& connection);
 
-    /// What happened besides keys since it was last cleared.
+    /// The changes other than keys since they were last cleared.
     struct Changes {
         bool layout = false;
         bool devices = false;
@@ -49,8 +50,8 @@ public:
         bool locker = false;
     };
 
-    /// Hands over each key event that has arrived, in order, and notes the changes; whether anything had arrived. Waits
-    /// for the server only where a window may be a locker's.
+    /// Passes each key event that has arrived to `receive`, in order, and notes the changes. True when anything had
+    /// arrived. Waits for the server only when a window may be a locker's.
     bool readAvailable(Changes& changes, const std::function<void(const X11KeyboardEvent&)>& receive) const;
 
     [[nodiscard]] const X11LockerWatch& lockers() const { return lockers_; }

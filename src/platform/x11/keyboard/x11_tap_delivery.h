@@ -14,8 +14,8 @@
 
 namespace ferrowyn {
 
-/// Tells the tap's callback of keys and flags, remembers which flags it was told, and notices when the main thread,
-/// which the callback passes them on to, takes none. Tap thread.
+/// Delivers keys and flags to the tap's callback, remembers the flags that were delivered, and notices when the main
+/// thread does not handle them. Tap thread.
 class X11TapDelivery {
 public:
     using Clock = std::chrono::steady_clock;
@@ -29,15 +29,15 @@ public:
     /// Tells the flags when they differ from what was told. Whether that may end the session, which the main thread
     /// will say.
     [[nodiscard]] bool modifiers(std::uint32_t modifiers);
-    /// Not told, but as good as: the callback learns them with the next key.
+    /// Treats these flags as delivered. The callback gets them with the next key.
     void assumeModifiers(std::uint32_t modifiers) { flags_ = keyboard_.flagsOf(modifiers); }
-    /// A key was pressed with the trigger's modifier down, and nobody else may have told that it is.
+    /// A key was pressed with the trigger's modifier down. The modifier may not have been delivered yet.
     void noteTriggerModifier(std::uint32_t modifiers);
-    /// Whatever was told is old: the flags are told next time in any case.
+    /// The delivered flags are no longer valid; the next flags are delivered in any case.
     void forgetModifiers() { flags_ = ~std::uint64_t{0}; }
     void disabled();
-    /// Since when the main thread has answered nothing: a key that was told it then still waits there. Nothing while it
-    /// keeps up.
+    /// The time since which the main thread has not handled a key that was delivered to it; nullopt while it handles
+    /// them.
     [[nodiscard]] std::optional<Clock::time_point> unansweredSince() const;
 
 private:
@@ -46,7 +46,8 @@ private:
     EventTaps::Callback callback_;
     X11TapKeyboard& keyboard_;
     X11InputContext& context_;
-    /// The latest question to the main thread, set there. Shared: it may come to it long after this object has gone.
+    /// Whether the latest question to the main thread was answered; set there. Shared, because the answer may come
+    /// after this object was destroyed.
     std::shared_ptr<std::atomic<bool>> hasAnswered_ = std::make_shared<std::atomic<bool>>(true);
     Clock::time_point askedAt_;
     std::uint64_t flags_ = 0;

@@ -24,49 +24,48 @@ namespace ferrowyn {
 class Log;
 struct X11InputContext;
 
-/// What a tap does on its thread: waits for the trigger, takes the keyboard, asks for a session, delivers the session's
-/// keys, gives the keyboard back. Owned by `X11EventTap`; tap thread.
+/// The part of a tap that runs on its thread: it waits for the trigger, grabs the keyboard, asks for a session,
+/// delivers the session's keys and ungrabs the keyboard. Owned by `X11EventTap`; tap thread.
 class X11TapEngine {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// How long the main thread may take to open the session that it was asked for, before the user gets the keyboard
-    /// back.
+    /// How long the main thread may take to open the requested session before the tap ungrabs the keyboard.
     static constexpr std::chrono::milliseconds answerTimeout{1000};
-    /// How long the main thread may leave a key of an open session unanswered before the user gets the keyboard back.
+    /// How long the main thread may leave a key of an open session unhandled before the tap ungrabs the keyboard.
     static constexpr std::chrono::milliseconds sessionTimeout{3000};
     /// Who answers the trigger instead of this program and lets the keyboard go with the modifier, as a manager's own
     /// switcher does, has let it go by then.
     static constexpr std::chrono::milliseconds lostTriggerGrace{300};
-    /// A session that was opened without the trigger, from a menu, has to wait until the menu lets the keyboard go.
+    /// A session that was opened from a menu can grab the keyboard only after the menu has ungrabbed it.
     static constexpr std::chrono::milliseconds seizureRetryInterval{20};
     static constexpr std::chrono::milliseconds seizureRetryTimeout{1000};
 
-    /// Null when the server lacks what is needed. Without a guard no keys are held back. Waits for the server.
+    /// Null when the server lacks an extension. Without a guard, no grab freezes the keyboard. Waits for the server.
     [[nodiscard]] static std::unique_ptr<X11TapEngine> create(std::unique_ptr<X11Connection> connection,
                                                               std::unique_ptr<X11KeyboardGuard> guard,
                                                               SwitcherModifier trigger, EventTaps::Callback callback,
                                                               X11InputContext& context, Log& log);
-    /// Gives back whatever of the keyboard is held, and waits until the server has done it.
+    /// Ungrabs the keyboard and waits until the server has done it.
     ~X11TapEngine();
     X11TapEngine(const X11TapEngine&) = delete;
     X11TapEngine& operator=(const X11TapEngine&) = delete;
 
     [[nodiscard]] const X11Connection& connection() const { return *connection_; }
-    /// Null where none is asked.
+    /// Null when no input method is used.
     [[nodiscard]] const X11InputMethod* inputMethod() const { return inputMethod_.get(); }
-    /// What the guard's questions come by; -1 without one.
+    /// The guard's socket; -1 without a guard.
     [[nodiscard]] int guardDescriptor() const { return guard_ != nullptr ? guard_->fileDescriptor() : -1; }
     void handle(const X11TapRequest& request);
-    /// The guard ended the connection of this tap's predecessor: whatever that had begun is over.
+    /// The guard closed the connection of the engine before this one. Reports that its session has ended.
     void reportLoss();
-    /// This tap's connection has ended, and it has no successor yet.
+    /// This engine's connection is lost, and there is no new engine yet.
     void reportEnd();
-    /// Handles all that has arrived and all that is due. False when the connection is lost.
+    /// Handles all events that have arrived and all deadlines that have passed. False when the connection is lost.
     [[nodiscard]] bool serve();
-    /// Told that the tap disables itself, before the tap's callback is. Set before the tap's thread starts.
+    /// Called when the tap disables itself, before the tap's callback. Set before the tap's thread starts.
     std::function<void()> onLoss = [] {};
-    /// When `serve` must be called even if nothing arrives.
+    /// When `serve` must be called even without an event.
     [[nodiscard]] std::optional<Clock::time_point> deadline() const;
 
 private:
@@ -77,29 +76,29 @@ private:
                  X11InputContext& context, Log& log);
 
     void answerGuard();
-    /// The guard hears of it before the server does when the keyboard is taken, and after it when it is given back.
+    /// Tells the guard whether the keyboard is grabbed: before the grab request, and after the ungrab request.
     void tellGuard(bool isHeld);
-    /// Takes in what has arrived; whether anything had.
+    /// Reads the events that have arrived; true when there were any.
     bool receive();
     void deliverQueue();
     /// The key itself says whether Shift is down: where it switches layouts together with Alt it sets no modifier.
     void addShift(X11KeyboardEvent& event);
     void deliverHidden(const X11KeyboardEvent& event);
     void deliverInSession(const X11KeyboardEvent& event);
-    /// Whether the input method is asked first what the press is. While it composes that holds for any key; but not for
-    /// those that are pressed together with a modifier, which are the switcher's.
+    /// Sends the press to the input method if it is for it; true when it was sent. Keys with a modifier are the
+    /// switcher's and are not sent.
     [[nodiscard]] bool askInputMethod(const X11KeyboardEvent& event);
     void hearInputMethod();
     void deliverKey(const X11KeyboardEvent& event);
     void handleDeadlines();
-    /// A screen locker must get the keyboard, or it gives up.
+    /// Ungrabs the keyboard for a screen locker, which gives up if it cannot grab it.
     void yieldToLocker();
     void repeatTrigger();
     void applyGrabs();
 
     void beginSession(const X11KeyboardEvent& press);
-    /// Takes the keyboard at the trigger's press, to which it adds what its own keyboard did not know; false when
-    /// another client holds the keyboard.
+    /// Grabs the keyboard at the trigger's press and completes the press with the real modifier state. False when
+    /// another client has grabbed the keyboard.
     [[nodiscard]] bool seizeAt(X11KeyboardEvent& press);
     void refuseSession(const X11KeyboardEvent& press);
     /// The modifiers are these now, and a trigger went to another client before.
@@ -118,7 +117,7 @@ private:
     /// A trigger that is pressed while the session may be ending belongs to the next one if it does.
     [[nodiscard]] bool mustWaitForTheEnd(const X11KeyboardEvent& event) const;
     void probeKeyboard();
-    /// Takes it for a moment.
+    /// Grabs the keyboard and ungrabs it at once.
     [[nodiscard]] bool isKeyboardFree();
 
     std::unique_ptr<X11Connection> connection_;
@@ -131,12 +130,12 @@ private:
     X11TapReception reception_;
     X11TapDelivery delivery_;
     std::unique_ptr<X11InputMethod> inputMethod_;
-    /// The press that the input method was asked about. What comes after it waits.
+    /// The press that was sent to the input method. Later events wait for the answer.
     std::optional<X11KeyboardEvent> asked_;
 
     bool isEnabled_ = false;
     Phase phase_ = Phase::hidden;
-    /// The real modifiers as last heard of.
+    /// The latest known real modifiers.
     std::uint32_t modifiers_ = 0;
     /// The session that was asked for or is open; none while the phase is hidden.
     std::optional<TapSession> session_;

@@ -87,8 +87,8 @@ bool X11TapKeyboard::isTrigger(const X11KeyboardEvent& event) const {
     if (!isTriggerKey(event.keyCode)) {
         return false;
     }
-    // At a slave only the grabbed combinations arrive, but for what was held back behind them; and the modifier may be
-    // down on another keyboard.
+    // A grab on a slave delivers only the grabbed combinations, and the keys that were frozen after them. The modifier
+    // may be down on another keyboard.
     return (isAtSlave(event) && !event.wasHeldBack) || (event.modifiers.effective & triggerMask()) != 0;
 }
 

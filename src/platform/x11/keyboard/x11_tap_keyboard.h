@@ -29,23 +29,24 @@ public:
 
     /// These take effect with the next `applyGrabs`.
     void setTrigger(SwitcherModifier trigger) { trigger_ = trigger; }
-    /// Reads again what has changed. Waits for the server.
+    /// Reads the layout or the devices again after a change. Waits for the server.
     void refresh(const X11KeyboardReader::Changes& changes);
-    /// Works out what is to be grabbed. While the keyboard is held as a whole the grabs are put off.
+    /// Updates the passive grabs. While the tap has an active grab of the keyboard, the update is postponed.
     void applyGrabs(bool isEnabled, bool isKeyboardHeld);
 
     [[nodiscard]] SwitcherModifier trigger() const { return trigger_; }
     /// The real modifiers that the trigger's modifier stands for.
     [[nodiscard]] std::uint32_t triggerMask() const { return layout_->maskOf(trigger_); }
     [[nodiscard]] bool isTrigger(const X11KeyboardEvent& event) const;
-    /// Whether a slave's own grab delivered the event, past the master.
+    /// Whether a grab on a slave delivered the event, so that the master does not know of it.
     [[nodiscard]] bool isAtSlave(const X11KeyboardEvent& event) const;
-    /// Which key the callback is told.
+    /// The key code for the callback.
     [[nodiscard]] std::uint16_t virtualKeyCodeOf(const X11KeyboardEvent& event);
-    /// The flags that the callback is told when the modifiers change.
+    /// The flags for the callback when the modifiers change.
     [[nodiscard]] std::uint64_t flagsOf(std::uint32_t modifiers) const { return layout_->flagsOf(modifiers); }
-    /// The flags that it is told with a key. Control is Command as well there, unless it is the trigger: the switcher's
-    /// shortcuts are pressed with it. Not with the trigger's own keys, or Control would stand in for the modifier.
+    /// The flags for the callback with a key. Control also sets Command, because the switcher's shortcuts use Control
+    /// on this desktop; not when Control is the trigger, and not for the trigger's keys, where it would count as the
+    /// trigger's modifier.
     [[nodiscard]] std::uint64_t flagsOf(const X11KeyboardEvent& event) const;
 
 private:

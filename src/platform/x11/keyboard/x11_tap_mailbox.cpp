@@ -20,7 +20,7 @@ void X11TapMailbox::post(const X11TapRequest& request) {
 }
 
 void X11TapMailbox::wake() const {
-    // Fails only when the counter is at its limit, and then the reader is awake anyway.
+    // Fails only when the counter is at its limit, and then the descriptor is readable anyway.
     [[maybe_unused]] const int result = eventfd_write(eventDescriptor_, 1);
 }
 

@@ -9,7 +9,7 @@
 
 namespace ferrowyn {
 
-/// What other threads ask of the tap thread.
+/// A request from another thread to the tap thread.
 struct X11TapRequest {
     enum class Kind { enable, disable, setTrigger, openSession, closeSession, probeKeyboard, keyboardUnavailable };
     Kind kind = Kind::enable;
@@ -30,10 +30,11 @@ public:
     /// Readable while something is in the box.
     [[nodiscard]] int fileDescriptor() const { return eventDescriptor_; }
     void post(const X11TapRequest& request);
-    /// Makes the reader look, without a request.
+    /// Wakes the reader without a request.
     void wake() const;
     [[nodiscard]] std::optional<X11TapRequest> take();
-    /// Until the next `post` or `wake`. Called before the box is emptied, so that none is missed.
+    /// Makes the descriptor unreadable until the next `post` or `wake`. Call it before taking the requests, so that
+    /// none is missed.
     void acknowledge() const;
 
 private:
