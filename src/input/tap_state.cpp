@@ -7,14 +7,14 @@
 namespace ferrowyn {
 
 TapState::Snapshot TapState::snapshot() const {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return {modifierFlag_, isSwitcherVisible_, isHoldModeActive_};
 }
 
 void TapState::setModifier(SwitcherModifier modifier) {
     std::shared_ptr<EventTap> tap;
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         modifierFlag_ = flagMask(modifier);
         tap = tapPort_;
     }
@@ -25,7 +25,7 @@ void TapState::setModifier(SwitcherModifier modifier) {
 
 void TapState::openSession(bool isHoldModeActive) {
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         if (!session_) {
             session_ = request_ ? std::exchange(request_, std::nullopt) : nextSession();
         }
@@ -39,7 +39,7 @@ void TapState::closeSession() {
     std::shared_ptr<EventTap> tap;
     std::optional<TapSession> session;
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         isSwitcherVisible_ = false;
         isHoldModeActive_ = false;
         session = std::exchange(session_, std::nullopt);
@@ -54,7 +54,7 @@ void TapState::tellTapOfSession() const {
     std::shared_ptr<EventTap> tap;
     std::optional<TapSession> session;
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         session = session_;
         tap = tapPort_;
     }
@@ -64,12 +64,12 @@ void TapState::tellTapOfSession() const {
 }
 
 void TapState::setHoldModeActive(bool isActive) {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     isHoldModeActive_ = isActive;
 }
 
 TapSession TapState::requestSession() {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return nextSession();
 }
 
@@ -78,7 +78,7 @@ TapSession TapState::nextSession() {
 }
 
 void TapState::beginRequest(TapSession request) {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     request_ = request;
 }
 
@@ -86,7 +86,7 @@ void TapState::endRequest() {
     std::shared_ptr<EventTap> tap;
     std::optional<TapSession> unanswered;
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         unanswered = std::exchange(request_, std::nullopt);
         tap = tapPort_;
     }
@@ -96,33 +96,33 @@ void TapState::endRequest() {
 }
 
 void TapState::setKeepRunning(bool keepRunning) {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     keepRunning_ = keepRunning;
 }
 
 bool TapState::keepRunning() const {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return keepRunning_;
 }
 
 void TapState::setReenableRequested(bool isRequested) {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     reenableRequested_ = isRequested;
 }
 
 bool TapState::reenableRequested() const {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return reenableRequested_;
 }
 
 void TapState::setTapPort(std::shared_ptr<EventTap> tap) {
     // The old tap leaves with the parameter, after the lock is released: removing a tap may take its time.
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     tapPort_.swap(tap);
 }
 
 void TapState::noteTapDisabled() {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     isSwitcherVisible_ = false;
     isHoldModeActive_ = false;
     reenableRequested_ = true;

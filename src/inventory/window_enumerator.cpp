@@ -35,13 +35,13 @@ bool isClose(const Rect& a, const Rect& b) {
 class Collector {
 public:
     void append(std::vector<AppWindow> windows) {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         storage_.insert(storage_.end(), std::make_move_iterator(windows.begin()),
                         std::make_move_iterator(windows.end()));
     }
 
     [[nodiscard]] std::vector<AppWindow> take() {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         return std::exchange(storage_, {});
     }
 

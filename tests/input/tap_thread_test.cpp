@@ -26,7 +26,7 @@ class BusyEventTaps final : public EventTaps {
 public:
     /// Lets the tap thread handle this many more events.
     void allow(int events) {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         allowed_ += events;
         changed_.notify_all();
     }
@@ -43,7 +43,7 @@ public:
 
     /// While held, a started thread does not get to its body.
     void holdThreads(bool isHeld) {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         areThreadsHeld_ = isHeld;
         changed_.notify_all();
     }
@@ -162,12 +162,12 @@ private:
     }
     void finishOne() {
         ++handled_;
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         --allowed_;
         changed_.notify_all();
     }
     void stop(Loop& loop) {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         loop.isStopped = true;
         changed_.notify_all();
     }

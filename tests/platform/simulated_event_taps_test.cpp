@@ -18,7 +18,7 @@ template <typename Value>
 class Handover {
 public:
     void put(Value value) {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         value_ = std::move(value);
         arrived_.notify_all();
     }

@@ -223,7 +223,7 @@ MacEventTap::~MacEventTap() {
 }
 
 void MacEventTap::setEnabled(bool enabled) {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     wantsEnabled_ = enabled;
     if (isValid_ && isServed_) {
         CGEventTapEnable(port_.get(), enabled);
@@ -231,7 +231,7 @@ void MacEventTap::setEnabled(bool enabled) {
 }
 
 void MacEventTap::setServed(bool isServed) {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     isServed_ = isServed;
     if (isValid_ && wantsEnabled_) {
         CGEventTapEnable(port_.get(), isServed);
@@ -239,12 +239,12 @@ void MacEventTap::setServed(bool isServed) {
 }
 
 bool MacEventTap::isEnabled() const {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return isValid_ && (isServed_ ? CGEventTapIsEnabled(port_.get()) : wantsEnabled_);
 }
 
 void MacEventTap::invalidate() {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     if (std::exchange(isValid_, false) && port_) {
         CFMachPortInvalidate(port_.get());
     }
@@ -278,7 +278,7 @@ void MacTapRunLoop::runFor(Seconds slice) {
 
 void MacTapRunLoop::stop() {
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         isStopped_ = true;
     }
     stopped_.notify_all();
@@ -286,7 +286,7 @@ void MacTapRunLoop::stop() {
 }
 
 bool MacTapRunLoop::takeStop() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return std::exchange(isStopped_, false);
 }
 

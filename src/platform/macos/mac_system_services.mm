@@ -35,7 +35,7 @@ struct MacLog::Parts {
     std::map<std::string, os_log_t, std::less<>> logs;
 
     os_log_t log(std::string_view category) {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         const auto found = logs.find(category);
         if (found != logs.end()) {
             return found->second;

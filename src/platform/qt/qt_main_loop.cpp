@@ -37,7 +37,7 @@ class QtMainLoop::PostedTasks final : public QObject {
 public:
     void add(Task task) {
         {
-            const std::lock_guard guard(lock_);
+            const std::scoped_lock guard(lock_);
             tasks_.push_back(std::move(task));
         }
         // High priority, because a key press must not wait for repaints.
@@ -55,7 +55,7 @@ public:
 private:
     /// There is one event for each task, so the queue is not empty.
     Task takeFirst() {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         Task task = std::move(tasks_.front());
         tasks_.pop_front();
         return task;

@@ -14,7 +14,7 @@ void SimulatedTapRunLoop::runFor(Seconds slice) {
 }
 
 void SimulatedTapRunLoop::stop() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     isStopped_ = true;
     stopped_.notify_all();
 }
@@ -23,62 +23,62 @@ SimulatedEventTap::SimulatedEventTap(std::uint64_t mask, SwitcherModifier trigge
     : mask_(mask), callback_(std::move(callback)), trigger_(trigger) {}
 
 void SimulatedEventTap::setEnabled(bool enabled) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     isEnabled_ = enabled && isValid_;
 }
 
 bool SimulatedEventTap::isEnabled() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return isEnabled_;
 }
 
 void SimulatedEventTap::invalidate() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     isValid_ = false;
     isEnabled_ = false;
     session_.reset();
 }
 
 void SimulatedEventTap::setTrigger(SwitcherModifier modifier) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     trigger_ = modifier;
 }
 
 void SimulatedEventTap::openSession(TapSession session) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     session_ = session;
 }
 
 void SimulatedEventTap::closeSession(TapSession session) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     if (session_ == session) {
         session_.reset();
     }
 }
 
 bool SimulatedEventTap::isValid() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return isValid_;
 }
 
 SwitcherModifier SimulatedEventTap::trigger() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return trigger_;
 }
 
 bool SimulatedEventTap::isSessionOpen() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return session_.has_value();
 }
 
 void SimulatedEventTap::setAttached(bool isAttached) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     isAttached_ = isAttached;
 }
 
 std::optional<TapVerdict> SimulatedEventTap::deliver(const TapEvent& event) {
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         const auto typeBit = std::uint64_t{1} << static_cast<std::uint32_t>(event.type());
         if (!isEnabled_ || !isAttached_ || (mask_ & typeBit) == 0) {
             return std::nullopt;
@@ -90,7 +90,7 @@ std::optional<TapVerdict> SimulatedEventTap::deliver(const TapEvent& event) {
 
 void SimulatedEventTap::disableBySystem(TapEvent::Type reason) {
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         if (!isValid_ || !isAttached_) {
             return;
         }

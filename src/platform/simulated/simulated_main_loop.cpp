@@ -30,7 +30,7 @@ void SimulatedMainLoop::setWallTime(WallTime time) {
 }
 
 void SimulatedMainLoop::post(Task task) {
-    const std::lock_guard lock(postedLock_);
+    const std::scoped_lock lock(postedLock_);
     posted_.push_back(std::move(task));
 }
 
@@ -95,7 +95,7 @@ void SimulatedMainLoop::runAsWorker(const std::function<void()>& work) {
 bool SimulatedMainLoop::runOnePosted() {
     Task task;
     {
-        const std::lock_guard lock(postedLock_);
+        const std::scoped_lock lock(postedLock_);
         if (posted_.empty()) {
             return false;
         }

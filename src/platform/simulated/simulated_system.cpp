@@ -5,12 +5,12 @@
 namespace ferrowyn {
 
 void SimulatedLog::write(LogLevel level, std::string_view category, std::string_view message) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     lines_.push_back({level, std::string(category), std::string(message)});
 }
 
 std::vector<SimulatedLogLine> SimulatedLog::take() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return std::exchange(lines_, {});
 }
 

@@ -24,7 +24,7 @@ Accessibility& Accessibility::shared() {
 }
 
 void Accessibility::reset() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     refusesHandles = false;
     applications_.clear();
     elements_.clear();
@@ -34,7 +34,7 @@ void Accessibility::reset() {
 }
 
 ElementId Accessibility::addApplication(Pid pid) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const ElementId id{++lastElement_};
     elements_[id] = Element{.pid = pid};
     applications_[pid] = Application{.element = id};
@@ -42,7 +42,7 @@ ElementId Accessibility::addApplication(Pid pid) {
 }
 
 ElementId Accessibility::addWindow(Pid pid, Element window) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const ElementId id{++lastElement_};
     window.pid = pid;
     elements_[id] = std::move(window);
@@ -56,7 +56,7 @@ ElementId Accessibility::addWindow(Pid pid, Element window) {
 
 void Accessibility::post(ElementId element, const std::string& notification) {
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         for (auto* const observer : observers_) {
             observer->enqueue(element, notification);
         }
@@ -65,17 +65,17 @@ void Accessibility::post(ElementId element, const std::string& notification) {
 }
 
 std::vector<std::string> Accessibility::takeRequests() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return std::exchange(requests_, {});
 }
 
 double Accessibility::secondsWaited() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return secondsWaited_;
 }
 
 AXError Accessibility::ask(const std::string& request, ElementId id, float timeout) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     requests_.push_back(request + " of " + std::to_string(id.number) + " within " + shortNumber(timeout));
     if (!System::shared().isTrusted) {
         return kAXErrorAPIDisabled;
@@ -97,7 +97,7 @@ AXError Accessibility::ask(const std::string& request, ElementId id, float timeo
 }
 
 AXError Accessibility::copyValue(ElementId id, const std::string& attribute, CFTypeRef& value) const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const auto& attributes = elements_.at(id).attributes;
     const auto found = attributes.find(attribute);
     if (found == attributes.end()) {
@@ -111,53 +111,53 @@ AXError Accessibility::copyValue(ElementId id, const std::string& attribute, CFT
 }
 
 AXError Accessibility::refusalOf(ElementId id, const std::string& name) const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const auto& refusals = elements_.at(id).refusals;
     const auto found = refusals.find(name);
     return found != refusals.end() ? found->second : kAXErrorSuccess;
 }
 
 void Accessibility::setValue(ElementId id, const std::string& attribute, Value value) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     elements_.at(id).attributes[attribute] = std::move(value);
 }
 
 ElementId Accessibility::elementOfApplication(Pid pid) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const auto found = applications_.find(pid);
     // Anybody may make an element of any number; what is asked of it is refused.
     return found != applications_.end() ? found->second.element : ElementId{-pid};
 }
 
 bool Accessibility::canObserve(Pid pid) const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const auto found = applications_.find(pid);
     return found != applications_.end() && found->second.canBeObserved;
 }
 
 AXError Accessibility::bulkError(ElementId id) const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return applications_.at(elements_.at(id).pid).bulkError;
 }
 
 std::optional<std::size_t> Accessibility::mostValuesInBulk(ElementId id) const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return applications_.at(elements_.at(id).pid).mostValuesInBulk;
 }
 
 std::optional<CGWindowID> Accessibility::windowNumber(ElementId id) const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const auto found = elements_.find(id);
     return found != elements_.end() ? found->second.windowNumber : std::nullopt;
 }
 
 void Accessibility::addObserver(Observer& observer) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     observers_.push_back(&observer);
 }
 
 void Accessibility::removeObserver(const Observer& observer) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     std::erase(observers_, &observer);
 }
 

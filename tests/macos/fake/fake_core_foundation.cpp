@@ -110,7 +110,7 @@ bool storeWhole(const Number::Content& content, void* result) {
 CFStringRef String::constant(std::string_view text) {
     static std::mutex lock;
     static auto* const constants = new std::map<std::string, String*, std::less<>>;
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     auto found = constants->find(text);
     if (found == constants->end()) {
         auto* const string = new String(text::utf16FromUtf8(text));

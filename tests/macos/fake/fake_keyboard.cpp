@@ -26,17 +26,17 @@ MachPort::~MachPort() {
 }
 
 void MachPort::setEnabled(bool enabled) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     isEnabled_ = enabled && isValid_;
 }
 
 bool MachPort::isEnabled() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return isEnabled_;
 }
 
 void MachPort::invalidate() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     isValid_ = false;
     isEnabled_ = false;
     questions_.clear();
@@ -44,14 +44,14 @@ void MachPort::invalidate() {
 }
 
 bool MachPort::isValid() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return isValid_;
 }
 
 std::optional<CGEventRef> MachPort::ask(CGEventType type, CGEventRef event) {
     const auto question = std::make_shared<Question>(Question{type, event, std::nullopt});
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         questions_.push_back(question);
     }
     RunLoop::wakeAll();
@@ -64,7 +64,7 @@ std::optional<CGEventRef> MachPort::ask(CGEventType type, CGEventRef event) {
 bool MachPort::serveNext() {
     std::shared_ptr<Question> question;
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         if (questions_.empty()) {
             return false;
         }
@@ -72,7 +72,7 @@ bool MachPort::serveNext() {
         questions_.pop_front();
     }
     const auto answer = callback_(proxy_, question->type, question->event, userInfo_);
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     question->answer = answer;
     answered_.notify_all();
     return true;
@@ -101,7 +101,7 @@ Keyboard& Keyboard::shared() {
 }
 
 void Keyboard::reset() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     refusesTaps = false;
     refusesSources = false;
     refusesCopies = false;
@@ -115,7 +115,7 @@ void Keyboard::reset() {
 Keyboard::Outcome Keyboard::press(const Key& key) {
     Held<MachPort> port;
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         if (port_ == nullptr || !port_->isEnabled() || (request_->mask & CGEventMaskBit(key.type)) == 0) {
             return Outcome::reachedApplication;
         }
@@ -135,7 +135,7 @@ Keyboard::Outcome Keyboard::press(const Key& key) {
 void Keyboard::disableTap(CGEventType reason) {
     Held<MachPort> port;
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         port = Held<MachPort>::retaining(port_);
     }
     port->setEnabled(false);
@@ -146,7 +146,7 @@ void Keyboard::disableTap(CGEventType reason) {
 }
 
 bool Keyboard::isTapEnabled() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return port_ != nullptr && port_->isEnabled();
 }
 
@@ -156,36 +156,36 @@ bool Keyboard::waitUntilTapIsEnabled() const {
 }
 
 std::optional<Keyboard::TapRequest> Keyboard::tapRequest() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return request_;
 }
 
 bool Keyboard::hasTap() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return port_ != nullptr && port_->isValid();
 }
 
 void Keyboard::add(MachPort& port, const TapRequest& request) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     port_ = &port;
     request_ = request;
 }
 
 void Keyboard::remove(const MachPort& port) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     if (port_ == &port) {
         port_ = nullptr;
     }
 }
 
 void Keyboard::setEnabled(MachPort& port, bool enabled) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     port.setEnabled(enabled);
     changed_.notify_all();
 }
 
 void Keyboard::translate() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     if (!std::exchange(hasTranslated_, true) && std::this_thread::get_id() != mainThread_) {
         Objects::shared().fault("the first text of a key is asked for on another thread than the main one");
     }

@@ -23,17 +23,17 @@ Objects& Objects::shared() {
 }
 
 void Objects::add(Object& object) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     entries_.emplace(&object, Entry{&object});
 }
 
 void Objects::remove(const Object& object) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     entries_.erase(&object);
 }
 
 void Objects::retain(const void* reference) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const auto found = entries_.find(reference);
     if (found == entries_.end()) {
         faults_.push_back("CFRetain of something that is no object any more");
@@ -45,7 +45,7 @@ void Objects::retain(const void* reference) {
 void Objects::release(const void* reference) {
     Object* ended = nullptr;
     {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         const auto found = entries_.find(reference);
         if (found == entries_.end()) {
             faults_.push_back("CFRelease of something that is no object any more");
@@ -66,12 +66,12 @@ void Objects::release(const void* reference) {
 }
 
 void Objects::giveToSystem(const Object& object, bool isSystems) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     entries_.at(&object).isSystems = isSystems;
 }
 
 Object* Objects::findAny(const void* reference, const char* user) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     const auto found = entries_.find(reference);
     if (found == entries_.end()) {
         faults_.push_back(std::string(user) +
@@ -82,7 +82,7 @@ Object* Objects::findAny(const void* reference, const char* user) {
 }
 
 std::size_t Objects::liveCount() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     std::size_t count = 0;
     for (const auto& [reference, entry] : entries_) {
         count += entry.isSystems ? entry.references - 1 : 1;
@@ -91,7 +91,7 @@ std::size_t Objects::liveCount() const {
 }
 
 std::string Objects::describeLive() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     std::string kinds;
     for (const auto& [reference, entry] : entries_) {
         if (!entry.isSystems || entry.references > 1) {
@@ -102,12 +102,12 @@ std::string Objects::describeLive() const {
 }
 
 void Objects::fault(std::string what) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     faults_.push_back(std::move(what));
 }
 
 std::vector<std::string> Objects::takeFaults() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return std::exchange(faults_, {});
 }
 

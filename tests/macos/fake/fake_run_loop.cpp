@@ -48,7 +48,7 @@ RunLoop& RunLoop::main() {
 }
 
 void RunLoop::add(RunLoopSource& source, const std::string& mode) {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     journal.push_back("add " + source.name() + " to " + name() + " in " + mode);
     sources_[mode].push_back(Held<RunLoopSource>::retaining(&source));
     ++wakeUps;
@@ -57,7 +57,7 @@ void RunLoop::add(RunLoopSource& source, const std::string& mode) {
 
 void RunLoop::remove(RunLoopSource& source, const std::string& mode) {
     std::vector<Held<RunLoopSource>> removed;
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     journal.push_back("remove " + source.name() + " from " + name() + " in " + mode);
     auto& held = sources_[mode];
     const auto found = std::find_if(held.begin(), held.end(), [&](const auto& each) { return each.get() == &source; });
@@ -72,7 +72,7 @@ void RunLoop::remove(RunLoopSource& source, const std::string& mode) {
 CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     {
-        const std::lock_guard guard(lock);
+        const std::scoped_lock guard(lock);
         std::ostringstream run;
         run << mode << " for " << seconds << " s";
         runs.push_back(run.str());
@@ -84,7 +84,7 @@ CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
     for (;;) {
         std::uint64_t seen = 0;
         {
-            const std::lock_guard guard(lock);
+            const std::scoped_lock guard(lock);
             seen = wakeUps;
         }
         const auto sources = sourcesIn(mode);
@@ -103,13 +103,13 @@ CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
             break;
         }
     }
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     isRunning_ = false;
     return result;
 }
 
 void RunLoop::stop() {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     journal.push_back("stop " + name());
     if (isRunning_) {
         isStopped_ = true;
@@ -126,34 +126,34 @@ void RunLoop::drain(const std::string& mode) {
 }
 
 void RunLoop::wakeAll() {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     ++wakeUps;
     changed.notify_all();
 }
 
 std::vector<std::string> RunLoop::takeJournal() {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     return std::exchange(journal, {});
 }
 
 void RunLoop::note(const std::string& event) {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     journal.push_back(event);
 }
 
 std::vector<std::string> RunLoop::takeRuns() {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     return std::exchange(runs, {});
 }
 
 bool RunLoop::hasSources() const {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     return std::any_of(sources_.begin(), sources_.end(), [](const auto& each) { return !each.second.empty(); });
 }
 
 /// Those of the common modes are served in every mode that a program runs its loops in.
 std::vector<Held<RunLoopSource>> RunLoop::sourcesIn(const std::string& mode) const {
-    const std::lock_guard guard(lock);
+    const std::scoped_lock guard(lock);
     std::vector<Held<RunLoopSource>> found;
     for (const auto& [each, sources] : sources_) {
         if (each == mode || each == commonModes) {

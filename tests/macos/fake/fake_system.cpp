@@ -15,7 +15,7 @@ System& System::shared() {
 }
 
 void System::reset() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     isTrusted = true;
     isSecureInputEnabled = false;
     promptCount = 0;
@@ -24,18 +24,18 @@ void System::reset() {
 }
 
 void System::holdNewThreads() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     holdsThreads_ = true;
 }
 
 void System::letThreadsGo() {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     holdsThreads_ = false;
     letGo_.notify_all();
 }
 
 std::vector<System::Thread> System::threads() const {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     return threads_;
 }
 
@@ -46,7 +46,7 @@ void System::nameThread(const std::string& name) {
 }
 
 void System::setQualityOfService(unsigned qualityOfService) {
-    const std::lock_guard lock(lock_);
+    const std::scoped_lock lock(lock_);
     threads_.back().qualityOfService = qualityOfService;
 }
 

@@ -74,7 +74,7 @@ public:
     /// The main thread opens no session for any of the triggers.
     void refuseSession() { tap->closeSession(sessionOf(triggers())); }
     [[nodiscard]] int triggers() {
-        const std::lock_guard lock(lock_);
+        const std::scoped_lock lock(lock_);
         return triggers_;
     }
 
@@ -99,7 +99,7 @@ private:
         }
         int trigger = 0;
         {
-            const std::lock_guard lock(lock_);
+            const std::scoped_lock lock(lock_);
             trigger = ++triggers_;
         }
         changed_.notify_all();

@@ -47,7 +47,7 @@ TapRig::TapRig(const std::string& display, const Options& options)
         while (keepRunning_) {
             int requested = 0;
             {
-                const std::lock_guard guard(lock_);
+                const std::scoped_lock guard(lock_);
                 requested = requestedLaps_;
             }
             if (requested > laps_) {
@@ -58,7 +58,7 @@ TapRig::TapRig(const std::string& display, const Options& options)
                 loop_->runFor(Seconds(1));
             }
             {
-                const std::lock_guard guard(lock_);
+                const std::scoped_lock guard(lock_);
                 laps_ = requested;
             }
             changed_.notify_all();
@@ -72,7 +72,7 @@ TapRig::~TapRig() {
     stopThread();
     tap_->invalidate();
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         isEnding_ = true;
     }
     changed_.notify_all();
@@ -139,7 +139,7 @@ TapVerdict TapRig::handleKeyDown(const TapEvent& event, bool wasVisible) {
 
 void TapRig::record(const TapEvent& event, const std::u16string& text, bool wasVisible) {
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         seen_.push_back({event.type(), event.flags(), event.keyCode(), text, wasVisible});
     }
     changed_.notify_all();
@@ -147,7 +147,7 @@ void TapRig::record(const TapEvent& event, const std::u16string& text, bool wasV
 
 void TapRig::post(const Command& command) {
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         commands_.push_back(command);
     }
     changed_.notify_all();
@@ -173,7 +173,7 @@ void TapRig::runMain() {
         }
         execute(command);
         {
-            const std::lock_guard guard(lock_);
+            const std::scoped_lock guard(lock_);
             isMainBusy_ = false;
         }
         changed_.notify_all();
@@ -239,12 +239,12 @@ bool TapRig::waitForClosed(int count) {
 }
 
 std::vector<TapRig::Seen> TapRig::seen() const {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return seen_;
 }
 
 void TapRig::forgetSeen() {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     seen_.clear();
 }
 
@@ -270,7 +270,7 @@ bool TapRig::settle() {
         }
         int lap = 0;
         {
-            const std::lock_guard guard(lock_);
+            const std::scoped_lock guard(lock_);
             lap = ++requestedLaps_;
             // Never later than the thread sees the request.
             loop_->stop();

@@ -32,7 +32,7 @@ X11EventTap::~X11EventTap() {
 
 void X11EventTap::setEnabled(bool enabled) {
     {
-        const std::lock_guard guard(engineLock_);
+        const std::scoped_lock guard(engineLock_);
         isEnabled_.store(enabled && engine_ != nullptr && isConnected_);
     }
     post({.kind = enabled ? X11TapRequest::Kind::enable : X11TapRequest::Kind::disable});
@@ -50,7 +50,7 @@ void X11EventTap::noteServingThread() {
 }
 
 void X11EventTap::invalidate() {
-    const std::lock_guard guard(engineLock_);
+    const std::scoped_lock guard(engineLock_);
     isEnabled_.store(false);
     engine_.reset();
     // The loop may be waiting on the connection that is gone now.
@@ -78,29 +78,29 @@ void X11EventTap::probeKeyboard() {
 }
 
 int X11EventTap::connectionDescriptor() const {
-    const std::lock_guard guard(engineLock_);
+    const std::scoped_lock guard(engineLock_);
     return engine_ != nullptr && isConnected_ ? engine_->connection().fileDescriptor() : -1;
 }
 
 pollfd X11EventTap::inputMethodDescriptor() const {
-    const std::lock_guard guard(engineLock_);
+    const std::scoped_lock guard(engineLock_);
     const auto* const method = engine_ != nullptr && isConnected_ ? engine_->inputMethod() : nullptr;
     return method != nullptr ? pollfd{method->descriptor(), method->pollEvents(), 0} : pollfd{-1, 0, 0};
 }
 
 int X11EventTap::guardDescriptor() const {
-    const std::lock_guard guard(engineLock_);
+    const std::scoped_lock guard(engineLock_);
     return engine_ != nullptr && isConnected_ ? engine_->guardDescriptor() : -1;
 }
 
 std::optional<X11TapEngine::Clock::time_point> X11EventTap::deadline() const {
-    const std::lock_guard guard(engineLock_);
+    const std::scoped_lock guard(engineLock_);
     return engine_ != nullptr && isConnected_ ? engine_->deadline() : std::nullopt;
 }
 
 void X11EventTap::serve() {
     mailbox_.acknowledge();
-    const std::lock_guard guard(engineLock_);
+    const std::scoped_lock guard(engineLock_);
     isServing_ = true;
     while (const auto request = mailbox_.take()) {
         handle(*request);
@@ -178,7 +178,7 @@ void X11TapRunLoop::runFor(Seconds slice) {
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(slice);
     do {
         {
-            const std::lock_guard guard(lock_);
+            const std::scoped_lock guard(lock_);
             if (isStopped_) {
                 isStopped_ = false;
                 return;
@@ -201,7 +201,7 @@ void X11TapRunLoop::runFor(Seconds slice) {
 
 void X11TapRunLoop::stop() {
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         isStopped_ = true;
     }
     bell_.wake();
@@ -209,7 +209,7 @@ void X11TapRunLoop::stop() {
 
 void X11TapRunLoop::add(const std::shared_ptr<X11EventTap>& tap) {
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         taps_.push_back(tap);
     }
     bell_.wake();
@@ -217,14 +217,14 @@ void X11TapRunLoop::add(const std::shared_ptr<X11EventTap>& tap) {
 
 void X11TapRunLoop::remove(const std::shared_ptr<X11EventTap>& tap) {
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         std::erase(taps_, tap);
     }
     bell_.wake();
 }
 
 std::vector<std::shared_ptr<X11EventTap>> X11TapRunLoop::taps() const {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return taps_;
 }
 
@@ -313,7 +313,7 @@ std::shared_ptr<EventTap> X11EventTaps::create(std::uint64_t mask, SwitcherModif
         return nullptr;
     }
     auto tap = std::make_shared<X11EventTap>(std::move(engine), trigger, makeEngine);
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     currentTap_ = tap;
     return tap;
 }
@@ -344,7 +344,7 @@ void X11EventTaps::notifyKeyboardUnavailable() {
 }
 
 std::shared_ptr<X11EventTap> X11EventTaps::currentTap() const {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     return currentTap_.lock();
 }
 

@@ -13,7 +13,7 @@ X11TapMailbox::~X11TapMailbox() {
 
 void X11TapMailbox::post(const X11TapRequest& request) {
     {
-        const std::lock_guard guard(lock_);
+        const std::scoped_lock guard(lock_);
         requests_.push_back(request);
     }
     wake();
@@ -25,7 +25,7 @@ void X11TapMailbox::wake() const {
 }
 
 std::optional<X11TapRequest> X11TapMailbox::take() {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(lock_);
     if (requests_.empty()) {
         return std::nullopt;
     }

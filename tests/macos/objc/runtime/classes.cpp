@@ -96,12 +96,12 @@ Implementation ownMethodOf(const Class* type, const char* selector) {
 }  // namespace
 
 const char* uniqueSelector(const char* name) {
-    const std::lock_guard lock(registry().mutex);
+    const std::scoped_lock lock(registry().mutex);
     return registry().selectors.emplace(name).first->c_str();
 }
 
 Implementation methodOf(const Class* type, const char* selector) {
-    const std::lock_guard lock(registry().mutex);
+    const std::scoped_lock lock(registry().mutex);
     for (; type != nullptr; type = type->superclass) {
         if (const auto method = ownMethodOf(type, selector)) {
             return method;

@@ -64,13 +64,13 @@ Object* allocate(Class* type, std::size_t size) {
     auto* const header = new (memory) Header{1};
     auto* const object = reinterpret_cast<Object*>(header + 1);
     object->isa = type;
-    const std::lock_guard lock(world().mutex);
+    const std::scoped_lock lock(world().mutex);
     ++world().liveCounts[type];
     return object;
 }
 
 void clearWeakPlaces(Object* object) {
-    const std::lock_guard lock(world().mutex);
+    const std::scoped_lock lock(world().mutex);
     const auto found = world().weakPlaces.find(object);
     if (found == world().weakPlaces.end()) {
         return;
@@ -83,7 +83,7 @@ void clearWeakPlaces(Object* object) {
 
 void freeMemory(Object* object) {
     {
-        const std::lock_guard lock(world().mutex);
+        const std::scoped_lock lock(world().mutex);
         --world().liveCounts[object->isa];
     }
     std::free(&headerOf(object));
@@ -111,7 +111,7 @@ void deallocate(Object* object) {
 namespace objc_runtime {
 
 long liveObjectCount() {
-    const std::lock_guard lock(world().mutex);
+    const std::scoped_lock lock(world().mutex);
     long sum = 0;
     for (const auto& [type, count] : world().liveCounts) {
         sum += count;
@@ -120,7 +120,7 @@ long liveObjectCount() {
 }
 
 std::string liveObjects() {
-    const std::lock_guard lock(world().mutex);
+    const std::scoped_lock lock(world().mutex);
     std::string text;
     for (const auto& [type, count] : world().liveCounts) {
         if (count != 0) {
@@ -204,7 +204,7 @@ void objc_storeStrong(Object** place, Object* object) {
 }
 
 Object* objc_storeWeak(Object** place, Object* object) {
-    const std::lock_guard lock(world().mutex);
+    const std::scoped_lock lock(world().mutex);
     if (*place != nullptr) {
         const auto found = world().weakPlaces.find(*place);
         if (found != world().weakPlaces.end()) {
@@ -235,7 +235,7 @@ void objc_destroyWeak(Object** place) {
 }
 
 Object* objc_loadWeakRetained(Object** place) {
-    const std::lock_guard lock(world().mutex);
+    const std::scoped_lock lock(world().mutex);
     Object* const object = *place;
     if (object == nullptr || (isOnHeap(object) && headerOf(object).referenceCount <= 0)) {
         return nullptr;
