@@ -41,6 +41,8 @@ public:
 
     [[nodiscard]] const AXElement& element() const { return *element_; }
     [[nodiscard]] std::size_t hash() const { return element_->hash(); }
+    /// "AXElementRef(" + the hash in decimal + ")".
+    [[nodiscard]] std::string description() const;
 
     friend bool operator==(const AXElementRef& a, const AXElementRef& b) {
         return a.element_ == b.element_ || a.element_->equals(*b.element_);
@@ -140,4 +142,9 @@ enum class AccessibilityStatus { trusted, notTrusted };
 template <>
 struct std::hash<ferrowyn::AXElementRef> {
     std::size_t operator()(const ferrowyn::AXElementRef& reference) const { return reference.hash(); }
+};
+/// Combines `id`, then `pid`, and nothing else.
+template <>
+struct std::hash<ferrowyn::AppWindow> {
+    std::size_t operator()(const ferrowyn::AppWindow& window) const noexcept;
 };

@@ -146,6 +146,15 @@ std::string_view rawValue(SettingsPane pane) {
     return "general";
 }
 
+std::optional<SettingsPane> settingsPaneFromRawValue(std::string_view raw) {
+    for (const auto pane : allSettingsPanes) {
+        if (rawValue(pane) == raw) {
+            return pane;
+        }
+    }
+    return std::nullopt;
+}
+
 std::string_view title(SettingsPane pane, const WindowTexts& texts) {
     switch (pane) {
         case SettingsPane::general:

@@ -64,6 +64,7 @@ inline constexpr std::array allSettingsPanes{SettingsPane::general, SettingsPane
 
 /// The name of a pane outside the program, such as "general".
 [[nodiscard]] std::string_view rawValue(SettingsPane pane);
+[[nodiscard]] std::optional<SettingsPane> settingsPaneFromRawValue(std::string_view raw);
 /// Untranslated.
 [[nodiscard]] std::string_view title(SettingsPane pane, const WindowTexts& texts);
 /// The name of its symbol.

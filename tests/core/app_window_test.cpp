@@ -66,10 +66,28 @@ TEST(AppWindow, EveryFieldThatTheListIsPublishedForTakesPartInEquality) {
     EXPECT_NE(window, changed([](AppWindow& w) { w.zOrder = 7; }));
 }
 
+TEST(AppWindow, HashesByIdAndProcessOnly) {
+    const std::hash<AppWindow> hash;
+    const AppWindow window = testWindow(1, "Inbox");
+    AppWindow other = window;
+    other.title = "Outbox";
+    other.zOrder = 5;
+    EXPECT_EQ(hash(window), hash(other));
+    other.id = 2;
+    EXPECT_NE(hash(window), hash(other));
+    other = window;
+    other.pid = 2;
+    EXPECT_NE(hash(window), hash(other));
+}
+
 TEST(AXElementRef, TwoHandlesOfOneElementAreEqualAndHashAlike) {
     EXPECT_EQ(element(7), element(7));
     EXPECT_NE(element(7), element(8));
     EXPECT_EQ(std::hash<AXElementRef>{}(element(7)), std::hash<AXElementRef>{}(element(7)));
+}
+
+TEST(AXElementRef, DescribesItselfByItsHash) {
+    EXPECT_EQ(element(1234).description(), "AXElementRef(1234)");
 }
 
 }  // namespace

@@ -136,5 +136,13 @@ TEST(SettingsPaneTest, PanesHaveTheirOrderNamesAndSymbols) {
                     std::tuple("favourites", "Favourites", "star"), std::tuple("about", "About", "info.circle")));
 }
 
+TEST(SettingsPaneTest, PanesAreFoundByTheirExactNamesOnly) {
+    for (const auto pane : allSettingsPanes) {
+        EXPECT_EQ(settingsPaneFromRawValue(rawValue(pane)), pane);
+    }
+    EXPECT_EQ(settingsPaneFromRawValue("General"), std::nullopt);
+    EXPECT_EQ(settingsPaneFromRawValue(""), std::nullopt);
+}
+
 }  // namespace
 }  // namespace ferrowyn
