@@ -41,7 +41,7 @@ public:
 
     /// Shows the program's own page in the place of one of the system's settings when the logic opens one that the
     /// desktop has nothing for; false from the handler counts as not opened.
-    void setSettingsPageHandler(std::function<bool(std::string_view)> handler);
+    void setSettingsPageHandler(std::function<bool(SettingsPage)> handler);
 
     /// Makes the program's tray icon, which looks for a tray now and later. Destroy it before this.
     [[nodiscard]] std::unique_ptr<LinuxTrayIcon> makeTrayIcon(const TraySymbolPainter& painter);

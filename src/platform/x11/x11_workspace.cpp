@@ -107,7 +107,7 @@ private:
         }
         // A window that ended before anybody could register for it is told about all the same: the snapshot that was
         // under way may still list it.
-        return notification.name == "AXUIElementDestroyed";
+        return notification.kind == AccessibilityNotification::uiElementDestroyed;
     }
 
     Pid pid_;

@@ -27,7 +27,7 @@ public:
         /// Opens a URL with the desktop's handler and does not wait for it; false when the handler cannot be started.
         std::function<bool(std::string_view)> openAddress;
         /// Shows what serves the purpose of this page of the system settings; false when there is nothing (yet).
-        std::function<bool(std::string_view)> openSettingsPage;
+        std::function<bool(SettingsPage)> openSettings;
     };
 
     /// The monitor outlives this.
