@@ -377,6 +377,9 @@ void TextPreparation::requestIfNeeded() {
 }
 
 void TextPreparation::prepareSome() {
+    if (windows_ == nullptr) {
+        return;
+    }
     std::size_t inThisTurn = 0;
     while (next_ < windows_->size() && inThisTurn < windowsInOneTurn && prepared_ < mostWindows) {
         const AppWindow& window = (*windows_)[next_++];

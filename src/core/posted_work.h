@@ -55,10 +55,13 @@ public:
             return;
         }
         post_(life_.guard([this] {
-            isRequested_ = false;
-            work_();
+            if (std::exchange(isRequested_, false)) {
+                work_();
+            }
         }));
     }
+    /// Takes a request back.
+    void cancel() { isRequested_ = false; }
 
 private:
     PostTask post_;

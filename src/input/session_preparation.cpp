@@ -49,6 +49,8 @@ void SessionPreparation::observe(const Platform& platform, const Sources& source
 }
 
 void SessionPreparation::requestAfterSession() {
+    // A request from the session's time may run before the activation does.
+    preparation_.cancel();
     delayed_ = mainLoop_.after(delayAfterSession, [this] { request(); });
 }
 

@@ -358,6 +358,16 @@ TEST(TextPreparation, PostsNothingForAnEmptyListOrPlainTexts) {
     EXPECT_EQ(tasks.size(), 0U);
 }
 
+TEST(TextPreparation, ATurnThatTheListDidNotWaitForPreparesNothing) {
+    TaskQueue tasks;
+    TextPreparation preparation(tasks.post());
+    preparation.start(accentedWindows(1));
+    preparation.start(nullptr);
+    const std::size_t before = PreparedTextCache::ofThisThread().size();
+    tasks.run();
+    EXPECT_EQ(PreparedTextCache::ofThisThread().size(), before);
+}
+
 TEST(TextPreparation, ATurnAfterItsEndPreparesNothing) {
     TaskQueue tasks;
     std::optional<TextPreparation> preparation(tasks.post());

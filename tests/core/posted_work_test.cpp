@@ -82,6 +82,21 @@ TEST(CoalescedTask, WorkMayAskForItselfAgain) {
     EXPECT_THAT(queue.tasks, IsEmpty());
 }
 
+TEST(CoalescedTask, ARequestThatIsTakenBackDoesNothing) {
+    TaskQueue queue;
+    int runs = 0;
+    CoalescedTask task(queue.post(), [&] { ++runs; });
+    task.request();
+    task.cancel();
+    queue.run();
+    EXPECT_EQ(runs, 0);
+    task.request();
+    task.cancel();
+    task.request();
+    queue.run();
+    EXPECT_EQ(runs, 1);
+}
+
 TEST(CoalescedTask, ATaskThatIsRunAfterItsEndDoesNothing) {
     TaskQueue queue;
     int runs = 0;

@@ -80,6 +80,17 @@ TEST_F(SessionPreparationTest, AChangeInThatTimeTakesThePlaceOfTheDelayedOne) {
     EXPECT_EQ(take(), 0);
 }
 
+TEST_F(SessionPreparationTest, ARequestFromTheSessionsTimeWaitsWithTheDelayedOne) {
+    desktop.settle();
+    take();
+    preparation->request();
+    preparation->requestAfterSession();
+    desktop.settle();
+    EXPECT_EQ(take(), 0) << "the activation comes first";
+    desktop.advance(200ms);
+    EXPECT_EQ(take(), 1);
+}
+
 TEST_F(SessionPreparationTest, NothingIsPreparedAfterItsEnd) {
     preparation->requestAfterSession();
     preparation.reset();

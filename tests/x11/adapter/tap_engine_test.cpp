@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "platform/log.h"
 #include "platform/x11/keyboard/x11_tap_engine.h"
@@ -302,6 +303,19 @@ TEST_F(TapEngineTest, ATriggerBehindAReleaseThatEndsNothingMovesTheSelection) {
     EXPECT_TRUE(serveUntil([&] { return moves == 1; }));
     close(latest());
     expectNothingLeft();
+}
+
+TEST_F(TapEngineTest, ATriggerThatWaitsForTheEndDoesNotKeepTheKeyboardFromTheUserWhenTheProgramHangs) {
+    std::vector<std::function<void()>> posted;
+    context.postToMainThread = [&](std::function<void()> task) { posted.push_back(std::move(task)); };
+    openOneByTheTrigger();
+    ASSERT_EQ(posted.size(), 1U) << "asked with the trigger's press";
+    input.release(key::leftAlt);
+    ASSERT_TRUE(serveUntil([&] { return ends == 1; }));
+    // The main thread gets as far as the first question and hangs before the release of the modifier.
+    posted.front()();
+    input.chord({key::leftAlt, key::tab});
+    EXPECT_TRUE(serveUntil([&] { return desktop.keyboardIsFree(); })) << "held although nothing answers";
 }
 
 }  // namespace

@@ -31,7 +31,9 @@ bool X11TapDelivery::modifiers(std::uint32_t modifiers) {
     flags_ = flags;
     const bool mayEndSession = callback_(X11TapEvent(TapEvent::Type::flagsChanged, flags)).mayEndSession;
     if (mayEndSession) {
-        askMainThread();
+        // A trigger now waits for the main thread's answer. A question that is still open was asked before this event,
+        // so its answer says nothing about the event.
+        postQuestion();
     }
     return mayEndSession;
 }
@@ -45,11 +47,19 @@ void X11TapDelivery::disabled() {
 }
 
 void X11TapDelivery::askMainThread() {
-    if (!context_.postToMainThread || !hasAnswered_->load()) {
+    if (hasAnswered_->load()) {
+        postQuestion();
+    }
+}
+
+void X11TapDelivery::postQuestion() {
+    if (!context_.postToMainThread) {
         return;
     }
+    if (hasAnswered_->load()) {
+        askedAt_ = Clock::now();
+    }
     hasAnswered_ = std::make_shared<std::atomic<bool>>(false);
-    askedAt_ = Clock::now();
     context_.postToMainThread([answer = hasAnswered_] { answer->store(true); });
 }
 

@@ -26,8 +26,8 @@ public:
     TapVerdict key(const X11KeyboardEvent& event);
     /// Text that no single key has typed.
     void text(const std::u16string& text);
-    /// Tells the flags when they differ from what was told. Whether that may end the session, which the main thread
-    /// will say.
+    /// Delivers the flags if they differ from the last ones that were delivered. Returns whether the main thread may
+    /// end the session for that.
     [[nodiscard]] bool modifiers(std::uint32_t modifiers);
     /// Treats these flags as delivered. The callback gets them with the next key.
     void assumeModifiers(std::uint32_t modifiers) { flags_ = keyboard_.flagsOf(modifiers); }
@@ -41,7 +41,9 @@ public:
     [[nodiscard]] std::optional<Clock::time_point> unansweredSince() const;
 
 private:
+    /// Does nothing while a question is open.
     void askMainThread();
+    void postQuestion();
 
     EventTaps::Callback callback_;
     X11TapKeyboard& keyboard_;
