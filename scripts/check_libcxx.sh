@@ -20,8 +20,8 @@ list_files() {
 import json, re, shlex, sys
 commands, root, *wanted = sys.argv[1:]
 # What only Linux builds, beside its adapters.
-linux = re.compile(r"src/platform/(x11|linux|macos)/|_on_(linux|x11|macos)\.cpp|src/keyboard_guard/"
-                   r"|src/main/(bus_|doctor|outside_|single_instance|mac_)|src/ui/generated")
+linux = re.compile(r"src/platform/(x11|linux|macos)/|_on_(linux|x11|macos)\.cpp"
+                   r"|src/main/(bus_|doctor|outside_|single_instance|mac_)")
 seen = set()
 for entry in json.load(open(commands)):
     name = entry["file"].removeprefix(root + "/")

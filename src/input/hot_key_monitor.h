@@ -20,7 +20,7 @@ class Log;
 class TapThreadContext;
 class Trust;
 
-/// The program's only source of keyboard input. Main thread, except for the tap callback, which runs on the tap thread
+/// The only source of the panel's keys. Main thread, except for the tap callback, which runs on the tap thread
 /// and touches nothing but `TapState`.
 class HotKeyMonitor {
 public:
@@ -45,8 +45,8 @@ public:
     [[nodiscard]] TapState& state() { return *state_; }
 
 private:
-    /// Stands for one running period of the monitor. The tap's posted work holds it weakly: what a tap sent before it
-    /// was stopped reaches nobody, even when another one has been started by then.
+    /// Lives from `start` to `stop`. The tap's posted work keeps it weakly and does nothing afterwards, even when the
+    /// monitor was started again.
     struct Period {
         HotKeyMonitor& monitor;
     };

@@ -28,7 +28,7 @@ struct KeyDecision {
 /// Tap thread.
 [[nodiscard]] KeyDecision classify(const TapEvent& event, const TapState::Snapshot& state);
 
-/// The text (UTF-8) that a key-down event types with Shift alone of its modifiers; nothing for keys that type none or
+/// The text (UTF-8) that a key-down event types ignoring all modifiers except Shift; nothing for keys that type none or
 /// type control characters. Tap thread.
 [[nodiscard]] std::optional<std::string> typedText(const TapEvent& event);
 

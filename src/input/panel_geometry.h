@@ -34,7 +34,7 @@ struct Style {
     bool showsHints = false;
 };
 
-/// What of the rows the panel's size depends on.
+/// The parts of the rows that decide the panel's size.
 struct RowShape {
     SwitcherLayout layout = SwitcherLayout::list;
     int rowCount = 0;
@@ -44,7 +44,7 @@ struct RowShape {
 };
 
 [[nodiscard]] double contentWidth(SwitcherLayout layout);
-/// The height for this many rows, or of the state that stands for none.
+/// The height for this many rows, or of the empty state.
 [[nodiscard]] double contentHeight(const Style& style, int rowCount, int groupCount);
 /// The tallest that the panel can become with this style.
 [[nodiscard]] double fullHeight(const Style& style);
@@ -55,7 +55,7 @@ struct RowShape {
 
 struct Placement {
     Rect frame;
-    /// The edge that stays put for the whole session.
+    /// The edge that does not move during the session.
     double topY = 0;
     friend bool operator==(const Placement&, const Placement&) = default;
 };
@@ -64,7 +64,7 @@ struct Placement {
 /// the margins is cut off at the lower edge, where the rows scroll, so that the search field is always on the screen.
 [[nodiscard]] Placement placement(const Rect& visibleFrame, const Size& content, double fullHeight);
 
-/// The frame for new content during a session, hanging from its top edge; vertically centred without one.
+/// The frame for new content during a session, with its top edge fixed; vertically centred without one.
 [[nodiscard]] Rect refittedFrame(const Rect& visibleFrame, const Size& content, std::optional<double> topY);
 
 }  // namespace ferrowyn::panel_geometry

@@ -19,8 +19,8 @@ struct Platform;
 /// shows has changed; several changes in one turn of the loop are one request. Owned by the controller. Main thread.
 class SessionPreparation {
 public:
-    /// Drawing the next first frame would get in the way of the activation that a session ends with, and would show the
-    /// order before it: the new order asks for it anyway, and this only after a session that has changed nothing.
+    /// Delays the drawing after a session, so that it does not slow the activation. A changed order of the windows asks
+    /// for the frame itself; this one is for a session that changed nothing.
     static constexpr Seconds delayAfterSession{0.1};
 
     /// What the first frame shows, beside the desktop itself. All outlive this object.
@@ -44,25 +44,6 @@ private:
     CoalescedTask preparation_;
     Subscription delayed_;
     std::vector<Subscription> subscriptions_;
-};
-
-/// Ends a session that no command has reached for half a minute: longer than anybody looks at a list, it only guards
-/// against a modifier release that got lost. Owned by the controller. Main thread.
-class SessionWatchdog {
-public:
-    static constexpr Seconds interval{30.0};
-
-    SessionWatchdog(MainLoop& mainLoop, std::function<void()> onIdle)
-        : mainLoop_(mainLoop), onIdle_(std::move(onIdle)) {}
-
-    /// Begins to wait, anew if it waits already.
-    void restart() { timer_ = mainLoop_.after(interval, onIdle_); }
-    void stop() { timer_.reset(); }
-
-private:
-    MainLoop& mainLoop_;
-    std::function<void()> onIdle_;
-    Subscription timer_;
 };
 
 }  // namespace ferrowyn

@@ -28,8 +28,8 @@ class WindowActivator;
 class WindowIndex;
 struct Platform;
 
-/// Keeps the mouse pointer from stealing the keyboard's selection: rows that move under a resting pointer, and the
-/// jitter of a hand on the desk, are no choice of the user's. A plain value.
+/// Ignores hovers until the pointer has moved a little since the last key, so that rows that move under a resting
+/// pointer do not change the selection. A plain value.
 struct PointerActivityGate {
     /// The pointer must get farther than this many points from the anchor before it counts again.
     static constexpr double activityDistance = 3.0;
@@ -37,10 +37,29 @@ struct PointerActivityGate {
     /// Where the pointer was at the last key; absent while the pointer is live.
     std::optional<Point> anchor;
 
-    /// The keyboard is driving from now on.
+    /// Called at each key.
     void arm(const Point& pointer) { anchor = pointer; }
     /// Whether a hover with the pointer at this place counts; the first that does makes the pointer live.
     [[nodiscard]] bool admitsHover(const Point& pointer);
+};
+
+/// Ends a session that no command has reached for half a minute: longer than a user needs, it only guards against
+/// a modifier release that got lost. Owned by the controller. Main thread.
+class SessionWatchdog {
+public:
+    static constexpr Seconds interval{30.0};
+
+    SessionWatchdog(MainLoop& mainLoop, std::function<void()> onIdle)
+        : mainLoop_(mainLoop), onIdle_(std::move(onIdle)) {}
+
+    /// Begins to wait, anew if it waits already.
+    void restart() { timer_ = mainLoop_.after(interval, onIdle_); }
+    void stop() { timer_.reset(); }
+
+private:
+    MainLoop& mainLoop_;
+    std::function<void()> onIdle_;
+    Subscription timer_;
 };
 
 /// Runs one switching session at a time: opens the panel, carries out the commands of the keyboard and of the panel's

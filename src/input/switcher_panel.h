@@ -13,7 +13,6 @@ namespace ferrowyn {
 
 class Preferences;
 class SwitcherViewModel;
-struct TextTable;
 
 /// What the panel's content reports back. Called on the main thread; each holds the controller weakly.
 struct SwitcherContentCallbacks {
@@ -40,8 +39,7 @@ class SwitcherPanel {
 public:
     explicit SwitcherPanel(Panel& panel) : panel_(panel) {}
 
-    /// Hosts the content and shows it once where nobody sees it, so that the first session does not pay for the first
-    /// layout. Called once.
+    /// Hosts the content and shows it once off the screen, so that the first session is not slow. Called once.
     void install(std::unique_ptr<PanelContent> content);
     /// A hint where the next session would appear, while hidden.
     void prepare(const Rect& frame);
@@ -56,7 +54,7 @@ public:
 private:
     Panel& panel_;
     std::optional<double> sessionTopY_;
-    /// What the panel was last told; asking for the same frame again would only cost the desktop a round of layout.
+    /// What the panel was last told; asking for the same frame again would make the desktop lay it out again.
     std::optional<Rect> frame_;
 };
 

@@ -14,8 +14,8 @@ namespace ferrowyn {
 
 class Log;
 
-/// Whether switching works, as the last presses of the trigger and the last switches tell: what is installed and
-/// granted may all be there, and the desktop still does something else. Main thread.
+/// Whether switching works, judged by the latest presses of the trigger and the latest switches, because it can fail
+/// although everything is installed and allowed. Main thread.
 class SwitchingHealth {
 public:
     enum class Problem {
@@ -29,8 +29,8 @@ public:
     static constexpr std::array names{std::pair{Problem::triggerAnsweredElsewhere, "trigger-answered-elsewhere"},
                                       std::pair{Problem::activationsUnconfirmed, "activations-unconfirmed"}};
 
-    /// One press may be lost to a menu that was open, and one application may hang or refuse the focus; the next press
-    /// in a row, and another application, is no accident.
+    /// One press may be lost to a menu that was open, and one application may hang or refuse the focus. A second press
+    /// in a row, or a second application, counts as a fault.
     static constexpr std::size_t toleratedInARow = 1;
 
     explicit SwitchingHealth(Log& log) : log_(log) {}
@@ -39,7 +39,7 @@ public:
     /// first.
     [[nodiscard]] const Published<std::optional<Problem>>& problem() const { return problem_; }
 
-    /// A chosen window of this application was verified to be the active one, or was not in spite of every try. However
+    /// A chosen window of this application was verified to be the active one, or could not be confirmed. However
     /// often the same application does not come to the front, that may be its own fault.
     void noteActivation(bool isConfirmed, Pid application);
     void noteTriggerAnsweredElsewhere();
@@ -54,7 +54,7 @@ private:
 
     Log& log_;
     std::size_t lostTriggers_ = 0;
-    /// Those that did not come to the front since a window last did.
+    /// Applications whose windows failed to come to the front since the last success.
     std::unordered_set<Pid> unconfirmedApplications_;
     Published<std::optional<Problem>> problem_;
 };

@@ -12,15 +12,16 @@ namespace ferrowyn {
 class EventTap;
 enum class TapSession : std::uint64_t;
 
-/// The only data shared between the tap thread and the main thread. Every read and write holds the lock, for no longer
-/// than it takes to copy or set a few fields. What the tap itself must know (the trigger, which session is open) is
-/// told by the main thread after the lock is released, so that no call is ever made while holding it.
+/// The only data of the logic that the tap thread and the main thread share. Every read and write holds the lock, for
+/// no longer than it takes to copy or set a few fields. What the tap itself must know (the trigger, which session is
+/// open) is told by the main thread after the lock is released, so that no call is ever made while holding it.
 class TapState {
 public:
     /// What one classification needs, copied in one locked section.
     struct Snapshot {
         std::uint64_t modifierFlag = event_flags::command;
         bool isSwitcherVisible = false;
+        /// Releasing the modifier ends the session and switches.
         bool isHoldModeActive = false;
         friend bool operator==(const Snapshot&, const Snapshot&) = default;
     };
@@ -43,8 +44,8 @@ public:
     [[nodiscard]] TapSession requestSession();
     /// The main thread handles this request from now on: a session that opens is the one it asks for.
     void beginRequest(TapSession request);
-    /// It has handled the request. Where no session was opened for it the tap is told so, or a tap that holds events
-    /// back for it would wait in vain. Main thread.
+    /// Ends the request. If no session was opened for it, the tap is told so; otherwise it would go on holding keys
+    /// back. Main thread.
     void endRequest();
 
     void setKeepRunning(bool keepRunning);

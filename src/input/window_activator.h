@@ -35,8 +35,8 @@ public:
     /// The user switched to this window, whether or not its activation could be confirmed. Not called when something
     /// else was chosen meanwhile. Set by the owner.
     std::function<void(const AppWindow&)> onActivated;
-    /// Told before that, when the window could be looked at and was not the active one before: whether it is now, and
-    /// the application that was to get the keyboard. Set by the owner.
+    /// Called before `onActivated` if the window's state could be read and the window was not the active one before:
+    /// whether it is active now, and the application that was to get the keyboard. Set by the owner.
     std::function<void(bool isConfirmed, Pid application)> onVerified;
 
 private:

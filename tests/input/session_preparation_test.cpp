@@ -99,32 +99,5 @@ TEST_F(SessionPreparationTest, NothingIsPreparedAfterItsEnd) {
     EXPECT_EQ(take(), 0);
 }
 
-class SessionWatchdogTest : public ::testing::Test {
-protected:
-    SimulatedDesktop desktop;
-    int ends = 0;
-    SessionWatchdog watchdog{desktop.platform().mainLoop, [this] { ++ends; }};
-};
-
-TEST_F(SessionWatchdogTest, FiresOnceAfterHalfAMinuteWithoutARestart) {
-    EXPECT_EQ(SessionWatchdog::interval, Seconds(30));
-    watchdog.restart();
-    desktop.advance(29s);
-    watchdog.restart();
-    desktop.advance(29s);
-    EXPECT_EQ(ends, 0);
-    desktop.advance(1s);
-    EXPECT_EQ(ends, 1);
-    desktop.advance(60s);
-    EXPECT_EQ(ends, 1);
-}
-
-TEST_F(SessionWatchdogTest, AStoppedOneDoesNotFire) {
-    watchdog.restart();
-    watchdog.stop();
-    desktop.advance(60s);
-    EXPECT_EQ(ends, 0);
-}
-
 }  // namespace
 }  // namespace ferrowyn

@@ -17,10 +17,10 @@ namespace ferrowyn {
 class X11KeyboardLayout;
 struct X11InputContext;
 
-/// Tracks the keys that are down while the keyboard is grabbed; of the modifiers only Shift. The press of the trigger's
-/// key does not reach the master, so the server does not repeat it: this class does, until the key's raw release. A key
-/// that went down before the session (in a game, for example) goes on repeating; its repeats are dropped until it is
-/// released. Tap thread.
+/// Tracks the keys that are down while the keyboard is grabbed; Shift is the only modifier among them. The press of the
+/// trigger's key does not reach the master, so the server does not repeat it: this class does, until the key's raw
+/// release. A key that went down before the session (in a game, for example) goes on repeating; its repeats are dropped
+/// until it is released. Tap thread.
 class X11HeldKeys {
 public:
     using Clock = std::chrono::steady_clock;

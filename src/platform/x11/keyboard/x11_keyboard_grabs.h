@@ -34,7 +34,7 @@ public:
     /// Whether the server may hold keys back. Takes effect with the next `install`.
     void setHoldsKeysBack(bool isAllowed) { mayHoldKeysBack_ = isAllowed; }
     /// Whether the next `install` grabs in the first way.
-    /// Several people at one screen, each with a keyboard, do without: the guard watches one.
+    /// Not with several master keyboards, because the guard watches only one.
     [[nodiscard]] bool holdsKeysBack() const {
         return mayHoldKeysBack_ && !isRefusedOnAllDevices_ && masterKeyboards_.size() == 1;
     }
@@ -52,10 +52,9 @@ public:
     void remove();
     /// Another client may have let go of what it had: the next `install` tries the first way again.
     void forgetRefusal() { isRefusedOnAllDevices_ = false; }
-    /// Whether changes of the modifiers are told, for every master. They are part of the trigger: a tap that learnt of
-    /// them only once it has the keyboard would take two quick toggles for one whenever its thread is late. That costs
-    /// a wake-up for each press of a modifier; nothing else is asked for, so no other key of the user wakes the tap or
-    /// is seen by it. Only sent.
+    /// Selects the changes of the modifiers of all masters, or no longer, so that two quick switches are not taken for
+    /// one when the tap's thread is late. This costs a wake-up for each press of a modifier. No other key of the user
+    /// wakes the tap, and it sees none. Does not wait for the server.
     void watchModifiers(bool isWatching);
     /// Whether the device is no master keyboard: one that was plugged in a moment ago is not known yet.
     [[nodiscard]] bool isSlave(xcb_input_device_id_t device) const { return !masterKeyboards_.contains(device); }
@@ -95,7 +94,7 @@ private:
     /// Master of each slave keyboard.
     std::map<xcb_input_device_id_t, xcb_input_device_id_t> masters_;
     xcb_input_device_id_t mainMaster_ = 3;
-    /// In order; the first is that of the events which are still to come.
+    /// In order; the first applies to the next event to be read.
     std::deque<WayChange> wayChanges_;
     /// With the modifiers it was grabbed with, in order.
     std::map<Target, std::vector<std::uint32_t>> installed_;
@@ -103,10 +102,10 @@ private:
 
 /// The active grab of a master keyboard, held from the trigger to the end of a session. Tap thread.
 ///
-/// A passive grab at a slave floats the slave while it is active: what happens to its keys meanwhile never reaches the
-/// master, and a modifier would stay down there for good. Hence the slave is freed in the same breath in which its
-/// master is taken, and releases that came with the slave's id are repeated for the master. Where the server has held
-/// the slave's keys back, they all come with the slave's id, in their order, as it is freed.
+/// An active passive grab detaches (floats) the slave: its master gets no events of the slave's keys meanwhile, and
+/// would keep a modifier pressed. So `take` grabs the master and frees the slave together, and releases that came with
+/// the slave's id are repeated for the master. Keys that the server held back come with the slave's id, in their order,
+/// when the slave is freed.
 class X11KeyboardSeizure {
 public:
     /// Waits for the server.
@@ -155,11 +154,12 @@ public:
     void noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode);
     /// Repeats what was noted. Waits for the server where something was.
     void repeatMissedReleases();
-    /// Lets the key go for the master: it repeats no longer, and the hardware's own release will be nothing new.
+    /// Sends the master a release of the key: its repeats end, and the later release by the hardware changes nothing.
     void releaseForMaster(std::uint32_t keyCode);
-    /// Types a key for whoever holds the keyboard. Only sent. No passive grab may be installed.
+    /// Types a key for the client that has grabbed the keyboard. Does not wait for the server. No passive grab may be
+    /// installed.
     void typeForHolder(std::uint32_t keyCode);
-    /// What `State` says of it, when the keyboard is held already. Waits for the server.
+    /// The active window, as in `State::activeWindow`, when the keyboard is grabbed already. Waits for the server.
     [[nodiscard]] xcb_window_t activeWindow() const;
     /// Whether the keyboard could be taken; it is given back at once.
     [[nodiscard]] bool probe();

@@ -34,8 +34,8 @@ public:
     static constexpr std::chrono::milliseconds answerTimeout{1000};
     /// How long the main thread may leave a key of an open session unhandled before the tap ungrabs the keyboard.
     static constexpr std::chrono::milliseconds sessionTimeout{3000};
-    /// Who answers the trigger instead of this program and lets the keyboard go with the modifier, as a manager's own
-    /// switcher does, has let it go by then.
+    /// Another program that answered the trigger, and that ungrabs the keyboard when the modifier goes up (as the
+    /// switcher of a window manager does), has done so within this time.
     static constexpr std::chrono::milliseconds lostTriggerGrace{300};
     /// A session that was opened from a menu can grab the keyboard only after the menu has ungrabbed it.
     static constexpr std::chrono::milliseconds seizureRetryInterval{20};

@@ -15,8 +15,7 @@ namespace ferrowyn {
 class Log;
 class X11Connection;
 
-/// What the user's keyboards are to a tap: their layout, which of their keys are the trigger, the grabs of these, and
-/// what their modifiers are called. Tap thread.
+/// The keyboard layout, the trigger keys, their grabs and the modifier names that a tap uses. Tap thread.
 class X11TapKeyboard {
 public:
     /// Null when the server's keymap cannot be read. Waits for the server. The references outlive this.
