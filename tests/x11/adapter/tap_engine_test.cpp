@@ -305,6 +305,14 @@ TEST_F(TapEngineTest, ATriggerBehindAReleaseThatEndsNothingMovesTheSelection) {
     expectNothingLeft();
 }
 
+TEST_F(TapEngineTest, ATriggerThatComesWhileTheTapIsDisabledLeavesNoKeyDown) {
+    // The server has grabbed the keyboard for this trigger and holds back what follows, before the tap is disabled.
+    input.chord({key::leftAlt, key::tab});
+    engine->handle({.kind = X11TapRequest::Kind::disable});
+    expectNothingLeft();
+    EXPECT_EQ(requests, 0U);
+}
+
 TEST_F(TapEngineTest, ATriggerThatWaitsForTheEndDoesNotKeepTheKeyboardFromTheUserWhenTheProgramHangs) {
     std::vector<std::function<void()>> posted;
     context.postToMainThread = [&](std::function<void()> task) { posted.push_back(std::move(task)); };

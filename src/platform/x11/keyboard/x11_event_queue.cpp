@@ -112,7 +112,9 @@ bool X11TapReception::receive(bool dropsRepeats) {
     const bool hasRead =
         reader_.readAvailable(changes_, [&](const X11KeyboardEvent& event) { receive(event, dropsRepeats); });
     seizure_.noteAllRead();
-    if (seizure_.isHeld()) {
+    // Also without a session: a trigger that came while the tap was disabled is freed alone, and what the server held
+    // back behind it is read only now.
+    if (!seizure_.hasGrabbedSlave()) {
         seizure_.repeatMissedReleases();
     }
     return hasRead;

@@ -150,6 +150,8 @@ public:
     [[nodiscard]] bool hasFreed(xcb_input_device_id_t slave) const { return freedSlave_ == slave; }
     /// All that came before the answer to `take` has been read.
     void noteAllRead() { freedSlave_.reset(); }
+    /// Whether a passive grab still holds a slave, whose keys the master must not get yet.
+    [[nodiscard]] bool hasGrabbedSlave() const { return !grabbedSlaves_.empty(); }
     /// The master never saw this release: repeats it, now or as soon as the slave is free.
     void noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode);
     /// Repeats what was noted. Waits for the server where something was.
