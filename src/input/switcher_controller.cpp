@@ -49,15 +49,15 @@ SwitcherController::SwitcherController(const Platform& platform, Parts parts, co
       authorizer_(parts.authorizer),
       hotKeyMonitor_(parts.hotKeyMonitor),
       refit_(postTo(platform.mainLoop), [this] { refit(); }),
-      watchdog_(platform.mainLoop, [this] { endIdleSession(); }) {
+      watchdog_(platform.mainLoop, [this] { endIdleSession(); }),
+      preparation_(platform,
+                   {.windowIndex = windowIndex_,
+                    .authorizer = authorizer_,
+                    .favourites = favourites_,
+                    .preferences = preferences_},
+                   [this] { prepareNextSession(); }) {
     installContent(makeContent);
     subscribe();
-    preparation_.emplace(platform,
-                         SessionPreparation::Sources{.windowIndex = windowIndex_,
-                                                     .authorizer = authorizer_,
-                                                     .favourites = favourites_,
-                                                     .preferences = preferences_},
-                         [this] { prepareNextSession(); });
     clickMonitor_ = platform.pointer.observeClicksElsewhere([this] {
         if (isVisible_) {
             dismiss();
@@ -110,7 +110,7 @@ void SwitcherController::close(const std::optional<AppWindow>& chosen) {
     if (isVisible_) {
         isVisible_ = false;
         viewModel_->endSession();
-        preparation_->requestAfterSession();
+        preparation_.requestAfterSession();
     }
 }
 
@@ -154,11 +154,7 @@ void SwitcherController::installContent(const SwitcherContentFactory& makeConten
     callbacks.onHover = life_.guard([this](int index) { hover(index); });
     callbacks.onToggleFavourite = life_.guard([this](const AppWindow& window) { toggleFavouriteOf(window); });
     callbacks.onRequestPermissions = life_.guard([this] { requestPermissions(); });
-    callbacks.onAppearanceChanged = life_.guard([this] {
-        if (preparation_) {
-            preparation_->request();
-        }
-    });
+    callbacks.onAppearanceChanged = life_.guard([this] { preparation_.request(); });
     panel_->install(makeContent(*viewModel_, preferences_, std::move(callbacks)));
 }
 

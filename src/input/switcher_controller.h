@@ -148,8 +148,7 @@ private:
     std::optional<panel_geometry::RowShape> lastShape_;
     CoalescedTask refit_;
     SessionWatchdog watchdog_;
-    /// Absent until everything it prepares from exists.
-    std::optional<SessionPreparation> preparation_;
+    SessionPreparation preparation_;
     /// For the panel's content, which belongs to the platform's panel and outlives the controller.
     LifeToken life_;
     Subscription clickMonitor_;
