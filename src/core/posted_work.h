@@ -10,7 +10,8 @@ namespace ferrowyn {
 using PostTask = std::function<void(std::function<void()>)>;
 
 /// Lets a callback find out whether the object that made it still exists. The object keeps the token as a member; a
-/// guarded callback does nothing once the token is destroyed. Guarded callbacks and the token belong to one thread.
+/// guarded callback does nothing once the token is destroyed. Guarded callbacks run on the token's thread; copying them
+/// and asking a `Watch` is safe on any thread.
 class LifeToken {
 public:
     LifeToken() = default;

@@ -53,7 +53,7 @@ bool HotKeyMonitor::start() {
         log_.write(LogLevel::error, category, "Cannot install event tap without Accessibility trust");
         return false;
     }
-    period_ = std::make_shared<Period>(Period{*this});
+    period_.emplace();
     auto tap = eventTaps_.create(EventTaps::keyboardMask, modifierWithMask(state_->snapshot().modifierFlag),
                                  makeTapCallback());
     if (tap == nullptr) {
@@ -170,25 +170,20 @@ void HotKeyMonitor::reenable(std::string_view reason) {
     tap_->setEnabled(true);
 }
 
-/// Main thread, where periods end. It keeps no hold on the period, which may end while the monitor works.
-HotKeyMonitor* HotKeyMonitor::monitorIn(const std::weak_ptr<Period>& period) {
-    const auto current = period.lock();
-    return current ? &current->monitor : nullptr;
-}
-
-EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
-    return [state = state_, &mainLoop = mainLoop_, period = std::weak_ptr<Period>(period_)](const TapEvent& event) {
-        if (period.expired()) {
+EventTaps::Callback HotKeyMonitor::makeTapCallback() {
+    const auto deliver = period_->guard(
+        [this](const SwitcherCommand& command, std::optional<TapSession> request) { this->deliver(command, request); });
+    const auto handleDisabled = period_->guard([this](bool byTimeout) { handleTapDisabled(byTimeout); });
+    return [state = state_, &mainLoop = mainLoop_, period = period_->watch(), deliver,
+            handleDisabled](const TapEvent& event) {
+        if (!period.isAlive()) {
             return TapVerdict{};
         }
         const auto type = event.type();
         if (type == TapEvent::Type::disabledByTimeout || type == TapEvent::Type::disabledByUserInput) {
             state->noteTapDisabled();
-            mainLoop.post([period, byTimeout = type == TapEvent::Type::disabledByTimeout] {
-                if (auto* const monitor = monitorIn(period)) {
-                    monitor->handleTapDisabled(byTimeout);
-                }
-            });
+            mainLoop.post(
+                [handleDisabled, byTimeout = type == TapEvent::Type::disabledByTimeout] { handleDisabled(byTimeout); });
             return TapVerdict{};
         }
         const auto snapshot = state->snapshot();
@@ -199,10 +194,8 @@ EventTaps::Callback HotKeyMonitor::makeTapCallback() const {
                 verdict.requestedSession = state->requestSession();
             }
             verdict.mayEndSession = std::holds_alternative<command::ModifierReleased>(*decision.command);
-            mainLoop.post([period, command = std::move(*decision.command), request = verdict.requestedSession] {
-                if (auto* const monitor = monitorIn(period)) {
-                    monitor->deliver(command, request);
-                }
+            mainLoop.post([deliver, command = std::move(*decision.command), request = verdict.requestedSession] {
+                deliver(command, request);
             });
         }
         return verdict;
@@ -234,11 +227,11 @@ void HotKeyMonitor::handleTapDisabled(bool byTimeout) {
         return;
     }
     state_->setReenableRequested(false);
-    const std::weak_ptr<Period> period = period_;
+    const auto period = period_->watch();
     if (const auto callback = onTapDisabled) {
         callback();
     }
-    if (period.expired()) {
+    if (!period.isAlive()) {
         return;
     }
     state_->closeSession();

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "core/switcher_command.h"
 #include "core/switcher_options.h"
@@ -45,16 +46,9 @@ public:
     [[nodiscard]] TapState& state() { return *state_; }
 
 private:
-    /// Lives from `start` to `stop`. The tap's posted work keeps it weakly and does nothing afterwards, even when the
-    /// monitor was started again.
-    struct Period {
-        HotKeyMonitor& monitor;
-    };
     static constexpr int maximumRetries = 4;
 
-    /// The monitor, while that period lasts.
-    [[nodiscard]] static HotKeyMonitor* monitorIn(const std::weak_ptr<Period>& period);
-    [[nodiscard]] EventTaps::Callback makeTapCallback() const;
+    [[nodiscard]] EventTaps::Callback makeTapCallback();
     /// False when the thread cannot be started. A tap without a source runs unserved.
     [[nodiscard]] bool startThread();
     void startHealthTimer();
@@ -86,7 +80,9 @@ private:
     std::optional<TimePoint> lastDisableTime_;
     /// The pending re-enabling after each timeout of a row.
     std::array<Subscription, maximumRetries> retries_;
-    std::shared_ptr<Period> period_;
+    /// Lives from `start` to `stop`: the tap's posted work does nothing afterwards, even when the monitor was started
+    /// again.
+    std::optional<LifeToken> period_;
 };
 
 }  // namespace ferrowyn
