@@ -226,6 +226,9 @@ std::optional<bool> X11WindowControl::isFocused(const AXElementRef& window) cons
 
 bool X11WindowControl::wasOvertaken(const AXElementRef& window) const {
     const auto id = X11Element::windowOf(window);
+    if (id && requested_ && requested_ != id) {
+        return true;  // a window of this program was brought to the front since
+    }
     const auto active = monitor_.model().activeWindow();
     // Managers set None for a moment; the user did not choose that.
     if (!id || requested_ != id || active == *id || active == XCB_WINDOW_NONE) {

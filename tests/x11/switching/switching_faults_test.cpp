@@ -166,6 +166,7 @@ TEST_P(SwitchingFaultsTest, ALockerThatStartsWithThePanelOpenGetsTheKeyboard) {
     startProgram();
     for (const auto& command : {std::vector<std::string>{"i3lock", "-n"}, {"xsecurelock"}}) {
         hold();
+        program->process().discardOutput();
         auto locker = startClient(command);
         EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to make room for " << command.front();
         EXPECT_TRUE(desktop.waitUntil([&] { return !locker.isRunning() || !desktop.keyboardIsFree(); }));
@@ -174,6 +175,8 @@ TEST_P(SwitchingFaultsTest, ALockerThatStartsWithThePanelOpenGetsTheKeyboard) {
         locker.signal(SIGTERM);
         EXPECT_TRUE(locker.waitForExit());
         EXPECT_TRUE(desktop.waitForFreeKeyboard());
+        // Until then the manager answers the keys.
+        EXPECT_TRUE(program->process().waitForOutput("The shortcut is grabbed"));
     }
 }
 

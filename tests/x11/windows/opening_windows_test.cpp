@@ -72,6 +72,20 @@ TEST_P(OpeningWindowsTest, AWindowThatIsOpenOnAnotherDesktopIsShown) {
     EXPECT_TRUE(own.waitForActive(settings));
 }
 
+TEST_P(OpeningWindowsTest, AWindowThatIsOpenedRightAfterASwitchStaysInFront) {
+    openActive({.title = "Window 2"});
+    ASSERT_TRUE(program->waitForList(2, window(2)));
+    input.chord({key::leftAlt, key::tab});
+    EXPECT_EQ(ask({"--settings"}).status, 0);
+    ASSERT_TRUE(own.waitForActive(settings));
+    // The switch is checked a moment after it, and then the settings are the later choice.
+    ASSERT_TRUE(program->process().waitUntilOutput([this] {
+        const std::string said = program->process().output();
+        return said.find("was chosen after window") != std::string::npos || said.find("check(s)") != std::string::npos;
+    })) << "waited for the switch to be checked";
+    EXPECT_TRUE(own.waitForActive(settings));
+}
+
 INSTANTIATE_TEST_SUITE_P(X11, OpeningWindowsTest, testing::Values("openbox", "xfwm4"), managerName);
 INSTANTIATE_TEST_SUITE_P(FurtherManagers, OpeningWindowsTest, testing::Values("metacity"), managerName);
 
