@@ -9,7 +9,6 @@
 #include <variant>
 
 #include "input/key_classifier.h"
-#include "input/tap_thread.h"
 #include "platform/log.h"
 #include "platform/platform.h"
 #include "platform/trust.h"
@@ -19,8 +18,6 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::string_view category = "input";
-constexpr std::string_view threadName = "com.larkmoor.event-tap";
-constexpr Seconds threadStartTimeout{1.0};
 constexpr Seconds healthInterval{3.0};
 /// A tap that stayed enabled for longer than this has recovered: the next timeout is the first of a new row.
 constexpr Seconds quietPeriod{30.0};
@@ -35,7 +32,7 @@ SwitcherModifier modifierWithMask(std::uint64_t mask) {
 }  // namespace
 
 HotKeyMonitor::HotKeyMonitor(const Platform& platform, SwitcherModifier modifier)
-    : mainLoop_(platform.mainLoop), log_(platform.log), trust_(platform.trust), eventTaps_(platform.eventTaps) {
+    : mainLoop_(platform.mainLoop), log_(platform.log), trust_(platform.trust), keyboardTaps_(platform.keyboardTaps) {
     state_->setModifier(modifier);
 }
 
@@ -54,22 +51,16 @@ bool HotKeyMonitor::start() {
         return false;
     }
     period_.emplace();
-    auto tap = eventTaps_.create(EventTaps::keyboardMask, modifierWithMask(state_->snapshot().modifierFlag),
-                                 makeTapCallback());
-    if (tap == nullptr) {
+    auto started = keyboardTaps_.start(modifierWithMask(state_->snapshot().modifierFlag), makeTapCallback());
+    if (started.tap == nullptr) {
         period_.reset();
-        log_.write(LogLevel::error, category, "CGEvent.tapCreate failed");
+        log_.write(LogLevel::error, category, started.refusal);
         return false;
     }
-    tap_ = std::move(tap);
-    if (!startThread()) {
-        log_.write(LogLevel::error, category, "The event tap's thread cannot be started");
-        dropTap();
-        return false;
-    }
+    tap_ = std::move(started.tap);
     consecutiveDisables_ = 0;
     lastDisableTime_.reset();
-    state_->setTapPort(tap_);
+    state_->setTapPort(tap_.get());
     // A session can be open already: the menu opens one without the keyboard.
     state_->tellTapOfSession();
     startHealthTimer();
@@ -94,53 +85,10 @@ void HotKeyMonitor::removeTap() {
     for (auto& retry : retries_) {
         retry.reset();
     }
-    // While the tap is still known: whatever it holds of the keyboard goes back before it is taken down.
+    // While the tap is still known: it is told that the session is closed before it goes.
     state_->closeSession();
-    state_->setKeepRunning(false);
-    if (tap_ != nullptr) {
-        tap_->setEnabled(false);
-    }
-    if (threadRunLoop_ == nullptr && threadContext_ != nullptr) {
-        // The thread was too slow for `start` to wait for; by now it may have a loop that must be woken.
-        threadRunLoop_ = threadContext_->waitForRunLoop(Seconds::zero());
-    }
-    if (threadRunLoop_ != nullptr && runLoopSource_ != nullptr) {
-        runLoopSource_->removeFrom(*threadRunLoop_);
-        threadRunLoop_->stop();
-    }
-    dropTap();
-}
-
-void HotKeyMonitor::dropTap() {
-    period_.reset();
-    state_->setKeepRunning(false);
-    if (tap_ != nullptr) {
-        tap_->invalidate();
-    }
     state_->setTapPort(nullptr);
-    thread_.reset();
-    threadContext_.reset();
-    threadRunLoop_.reset();
-    runLoopSource_.reset();
     tap_.reset();
-}
-
-bool HotKeyMonitor::startThread() {
-    runLoopSource_ = eventTaps_.createSource(tap_);
-    if (runLoopSource_ == nullptr) {
-        log_.write(LogLevel::error, category, "CFMachPortCreateRunLoopSource failed");
-        return true;
-    }
-    threadContext_ = std::make_shared<TapThreadContext>(tap_, runLoopSource_);
-    state_->setKeepRunning(true);
-    thread_ = eventTaps_.startThread(threadName, [&eventTaps = eventTaps_, context = threadContext_, state = state_] {
-        runTapThread(eventTaps, *context, *state);
-    });
-    if (thread_ == nullptr) {
-        return false;
-    }
-    threadRunLoop_ = threadContext_->waitForRunLoop(threadStartTimeout);
-    return true;
 }
 
 void HotKeyMonitor::startHealthTimer() {
@@ -170,7 +118,7 @@ void HotKeyMonitor::reenable(std::string_view reason) {
     tap_->setEnabled(true);
 }
 
-EventTaps::Callback HotKeyMonitor::makeTapCallback() {
+TapCallback HotKeyMonitor::makeTapCallback() {
     const auto deliver = period_->guard(
         [this](const SwitcherCommand& command, std::optional<TapSession> request) { this->deliver(command, request); });
     const auto handleDisabled = period_->guard([this](bool byTimeout) { handleTapDisabled(byTimeout); });

@@ -11,18 +11,17 @@
 #include "core/switcher_command.h"
 #include "core/switcher_options.h"
 #include "input/tap_state.h"
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
 
 struct Platform;
 class Log;
-class TapThreadContext;
 class Trust;
 
-/// The only source of the panel's keys. Main thread, except for the tap callback, which runs on the tap thread
-/// and touches nothing but `TapState`.
+/// The only source of the panel's keys: classifies the tap's events and watches over the tap. Main thread, except for
+/// the tap callback, which runs on the tap's thread and touches nothing but `TapState`.
 class HotKeyMonitor {
 public:
     enum class Failure { trustRevoked, repeatedTimeouts };
@@ -48,9 +47,7 @@ public:
 private:
     static constexpr int maximumRetries = 4;
 
-    [[nodiscard]] EventTaps::Callback makeTapCallback();
-    /// False when the thread cannot be started. A tap without a source runs unserved.
-    [[nodiscard]] bool startThread();
+    [[nodiscard]] TapCallback makeTapCallback();
     void startHealthTimer();
     void checkHealth();
     void reenable(std::string_view reason);
@@ -59,21 +56,16 @@ private:
     void handleTimeout();
     void stopAndFail(Failure failure);
     void removeTap();
-    void dropTap();
 
     MainLoop& mainLoop_;
     Log& log_;
     Trust& trust_;
-    EventTaps& eventTaps_;
+    KeyboardTaps& keyboardTaps_;
 
     Published<bool> isRunning_{false};
     /// Shared with the tap thread's callback, which may still be running while the monitor goes.
     std::shared_ptr<TapState> state_ = std::make_shared<TapState>();
-    std::shared_ptr<EventTap> tap_;
-    std::shared_ptr<TapRunLoopSource> runLoopSource_;
-    std::unique_ptr<TapThread> thread_;
-    std::shared_ptr<TapRunLoop> threadRunLoop_;
-    std::shared_ptr<TapThreadContext> threadContext_;
+    std::unique_ptr<KeyboardTap> tap_;
     Subscription healthTimer_;
     int consecutiveDisables_ = 0;
     /// Absent when the tap has not timed out since it was started.

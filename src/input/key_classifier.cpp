@@ -5,7 +5,7 @@
 
 #include "core/text.h"
 #include "core/text_encoding.h"
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 
 namespace ferrowyn {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 
 namespace ferrowyn {
 
@@ -12,7 +12,7 @@ TapState::Snapshot TapState::snapshot() const {
 }
 
 void TapState::setModifier(SwitcherModifier modifier) {
-    std::shared_ptr<EventTap> tap;
+    KeyboardTap* tap = nullptr;
     {
         const std::scoped_lock guard(lock_);
         modifierFlag_ = flagMask(modifier);
@@ -36,7 +36,7 @@ void TapState::openSession(bool isHoldModeActive) {
 }
 
 void TapState::closeSession() {
-    std::shared_ptr<EventTap> tap;
+    KeyboardTap* tap = nullptr;
     std::optional<TapSession> session;
     {
         const std::scoped_lock guard(lock_);
@@ -51,7 +51,7 @@ void TapState::closeSession() {
 }
 
 void TapState::tellTapOfSession() const {
-    std::shared_ptr<EventTap> tap;
+    KeyboardTap* tap = nullptr;
     std::optional<TapSession> session;
     {
         const std::scoped_lock guard(lock_);
@@ -83,7 +83,7 @@ void TapState::beginRequest(TapSession request) {
 }
 
 void TapState::endRequest() {
-    std::shared_ptr<EventTap> tap;
+    KeyboardTap* tap = nullptr;
     std::optional<TapSession> unanswered;
     {
         const std::scoped_lock guard(lock_);
@@ -93,16 +93,6 @@ void TapState::endRequest() {
     if (tap != nullptr && unanswered) {
         tap->closeSession(*unanswered);
     }
-}
-
-void TapState::setKeepRunning(bool keepRunning) {
-    const std::scoped_lock guard(lock_);
-    keepRunning_ = keepRunning;
-}
-
-bool TapState::keepRunning() const {
-    const std::scoped_lock guard(lock_);
-    return keepRunning_;
 }
 
 void TapState::setReenableRequested(bool isRequested) {
@@ -115,10 +105,9 @@ bool TapState::reenableRequested() const {
     return reenableRequested_;
 }
 
-void TapState::setTapPort(std::shared_ptr<EventTap> tap) {
-    // The old tap leaves with the parameter, after the lock is released: removing a tap may take its time.
+void TapState::setTapPort(KeyboardTap* tap) {
     const std::scoped_lock guard(lock_);
-    tapPort_.swap(tap);
+    tapPort_ = tap;
 }
 
 void TapState::noteTapDisabled() {

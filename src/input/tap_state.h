@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -9,7 +8,7 @@
 
 namespace ferrowyn {
 
-class EventTap;
+class KeyboardTap;
 enum class TapSession : std::uint64_t;
 
 /// The only data of the logic that the tap thread and the main thread share. Every read and write holds the lock, for
@@ -48,12 +47,10 @@ public:
     /// back. Main thread.
     void endRequest();
 
-    void setKeepRunning(bool keepRunning);
-    [[nodiscard]] bool keepRunning() const;
     void setReenableRequested(bool isRequested);
     [[nodiscard]] bool reenableRequested() const;
-    /// Main thread.
-    void setTapPort(std::shared_ptr<EventTap> tap);
+    /// The tap that is told, or null. Its owner takes it away here before it destroys it. Main thread.
+    void setTapPort(KeyboardTap* tap);
 
     /// The system disabled the tap: the switcher counts as hidden for the tap thread. Tap thread; the main thread
     /// closes the session when it handles the disabled tap.
@@ -71,9 +68,8 @@ private:
     /// What the main thread handles now.
     std::optional<TapSession> request_;
     std::uint64_t sessionCount_ = 0;
-    bool keepRunning_ = false;
     bool reenableRequested_ = false;
-    std::shared_ptr<EventTap> tapPort_;
+    KeyboardTap* tapPort_ = nullptr;
 };
 
 }  // namespace ferrowyn

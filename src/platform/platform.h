@@ -5,9 +5,9 @@ namespace ferrowyn {
 class AccessibilityObservers;
 class Application;
 class BackgroundWork;
-class EventTaps;
 class HttpClient;
 class IconSource;
+class KeyboardTaps;
 class Log;
 class LoginItem;
 class MainLoop;
@@ -34,7 +34,7 @@ struct Platform {
     AccessibilityObservers& accessibilityObservers;
     WindowControl& windowControl;
     Trust& trust;
-    EventTaps& eventTaps;
+    KeyboardTaps& keyboardTaps;
     Screens& screens;
     Pointer& pointer;
     Panel& panel;
@@ -50,7 +50,7 @@ struct Platform {
 struct PlatformReplacement {
     Log* log = nullptr;
     WindowInventory* windowInventory = nullptr;
-    EventTaps* eventTaps = nullptr;
+    KeyboardTaps* keyboardTaps = nullptr;
     Panel* panel = nullptr;
     IconSource* icons = nullptr;
     const TextTable* texts = nullptr;
@@ -71,7 +71,7 @@ struct PlatformReplacement {
         .accessibilityObservers = platform.accessibilityObservers,
         .windowControl = platform.windowControl,
         .trust = platform.trust,
-        .eventTaps = orOwn(replacement.eventTaps, platform.eventTaps),
+        .keyboardTaps = orOwn(replacement.keyboardTaps, platform.keyboardTaps),
         .screens = platform.screens,
         .pointer = platform.pointer,
         .panel = orOwn(replacement.panel, platform.panel),

@@ -117,7 +117,7 @@ TEST_F(AppServicesTest, ActivateOnceWhenTrustIsGrantedLater) {
     desktop.announceTrustChange();
     desktop.advance(1s);
     EXPECT_TRUE(services->isActive());
-    EXPECT_EQ(desktop.tapCreationCount(), 1);
+    EXPECT_EQ(desktop.tapStartCount(), 1);
     EXPECT_THAT(
         takeLogOf("permissions"),
         ElementsAre(LogLine{LogLevel::standard, "permissions", "Accessibility trust changed to trusted"}, active));
@@ -126,7 +126,7 @@ TEST_F(AppServicesTest, ActivateOnceWhenTrustIsGrantedLater) {
 TEST_F(AppServicesTest, ActivatingTwiceAndSuspendingWhileInactiveDoNothing) {
     buildQuietly();
     services->activate();
-    EXPECT_EQ(desktop.tapCreationCount(), 1);
+    EXPECT_EQ(desktop.tapStartCount(), 1);
     EXPECT_THAT(takeServicesLog(), IsEmpty());
     services->suspend();
     EXPECT_THAT(takeServicesLog(), ElementsAre(tapRemoved, suspended));
@@ -255,11 +255,11 @@ TEST_F(AppServicesTest, SuspendTheSessionThenTheTapThenTheIndexThenTheIcons) {
 }
 
 TEST_F(AppServicesTest, RetryARefusedTapOnceAfterOneSecond) {
-    desktop.setTapCreationFails(true);
+    desktop.refuseKeyboardTap("CGEvent.tapCreate failed");
     build();
     EXPECT_TRUE(services->isActive());
     EXPECT_THAT(takeServicesLog(), ElementsAre(refused, retrying, active));
-    desktop.setTapCreationFails(false);
+    desktop.allowKeyboardTap();
     desktop.advance(0.999s);
     EXPECT_FALSE(services->hotKeyMonitor().isRunning().get());
     desktop.advance(0.001s);
@@ -268,7 +268,7 @@ TEST_F(AppServicesTest, RetryARefusedTapOnceAfterOneSecond) {
 }
 
 TEST_F(AppServicesTest, LeaveTheShortcutOffWhenTheTapIsRefusedTwice) {
-    desktop.setTapCreationFails(true);
+    desktop.refuseKeyboardTap("CGEvent.tapCreate failed");
     build();
     desktop.advance(60s);
     EXPECT_THAT(takeLogOf("input"), ElementsAre(refused, retrying, refused));
@@ -277,13 +277,13 @@ TEST_F(AppServicesTest, LeaveTheShortcutOffWhenTheTapIsRefusedTwice) {
 }
 
 TEST_F(AppServicesTest, DoNotRetryOnceSuspended) {
-    desktop.setTapCreationFails(true);
+    desktop.refuseKeyboardTap("CGEvent.tapCreate failed");
     build();
-    desktop.setTapCreationFails(false);
+    desktop.allowKeyboardTap();
     services->suspend();
     desktop.advance(1.5s);
     EXPECT_FALSE(services->hotKeyMonitor().isRunning().get());
-    EXPECT_EQ(desktop.tapCreationCount(), 0);
+    EXPECT_EQ(desktop.tapStartCount(), 0);
 }
 
 TEST_F(AppServicesTest, CloseTheSessionWhenTheTapIsDisabled) {
@@ -319,7 +319,7 @@ TEST_F(AppServicesTest, BringTheShortcutBackOnRequest) {
     EXPECT_EQ(services->inputFailure().get(), std::nullopt);
     EXPECT_TRUE(services->hotKeyMonitor().isRunning().get());
     EXPECT_TRUE(desktop.tapIsEnabled());
-    EXPECT_EQ(desktop.tapCreationCount(), 2);
+    EXPECT_EQ(desktop.tapStartCount(), 2);
 }
 
 TEST_F(AppServicesTest, RestartARunningTapOnRequest) {
@@ -331,7 +331,7 @@ TEST_F(AppServicesTest, RestartARunningTapOnRequest) {
 TEST_F(AppServicesTest, ReportARefusedRetryAsRevokedTrust) {
     buildQuietly();
     timeOutFiveTimes();
-    desktop.setTapCreationFails(true);
+    desktop.refuseKeyboardTap("CGEvent.tapCreate failed");
     services->retryInput();
     EXPECT_EQ(services->inputFailure().get(), Failure::trustRevoked);
     EXPECT_TRUE(services->isActive());
@@ -342,7 +342,7 @@ TEST_F(AppServicesTest, OpenTheSettingsOnARetryWithoutTrust) {
     build();
     services->retryInput();
     EXPECT_EQ(services->inputFailure().get(), std::nullopt);
-    EXPECT_EQ(desktop.tapCreationCount(), 0);
+    EXPECT_EQ(desktop.tapStartCount(), 0);
     EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("settings accessibility"));
 }
 

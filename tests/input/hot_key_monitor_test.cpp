@@ -29,7 +29,7 @@ LogLine error(std::string message) {
     return {LogLevel::error, "input", std::move(message)};
 }
 
-using SessionCall = RecordingEventTap::SessionCall;
+using SessionCall = RecordingTap::SessionCall;
 
 class HotKeyMonitorTest : public ::testing::Test {
 protected:
@@ -57,13 +57,15 @@ protected:
         desktop.settle();
     }
 
-    std::shared_ptr<RecordingEventTap> record() {
-        auto tap = std::make_shared<RecordingEventTap>(monitor->state());
-        monitor->state().setTapPort(tap);
-        return tap;
+    /// A tap that is told what the monitor's own would be.
+    RecordingTap* record() {
+        recordingTap.emplace(monitor->state());
+        monitor->state().setTapPort(&*recordingTap);
+        return &*recordingTap;
     }
 
     SimulatedDesktop desktop;
+    std::optional<RecordingTap> recordingTap;
     std::optional<HotKeyMonitor> monitor;
     std::vector<SwitcherCommand> commands;
     std::vector<Failure> failures;
@@ -76,24 +78,23 @@ protected:
 
 TEST_F(HotKeyMonitorTest, InstallsNothingUntilItIsStarted) {
     EXPECT_FALSE(monitor->isRunning().get());
-    EXPECT_EQ(desktop.tapCreationCount(), 0);
+    EXPECT_EQ(desktop.tapStartCount(), 0);
     EXPECT_EQ(monitor->state().snapshot(), (TapState::Snapshot{event_flags::option, false, false}));
     EXPECT_THAT(desktop.takeLog(), IsEmpty());
 }
 
-TEST_F(HotKeyMonitorTest, StartsAnEnabledTapForItsTriggerOnANamedThread) {
+TEST_F(HotKeyMonitorTest, StartsAnEnabledTapForItsTrigger) {
     EXPECT_TRUE(monitor->start());
     EXPECT_TRUE(monitor->isRunning().get());
     EXPECT_TRUE(desktop.tapIsEnabled());
     EXPECT_EQ(desktop.tapTrigger(), SwitcherModifier::option);
-    EXPECT_EQ(desktop.tapThreadName(), "com.larkmoor.event-tap");
     EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Event tap installed")));
 }
 
 TEST_F(HotKeyMonitorTest, StartingTwiceInstallsOneTap) {
     EXPECT_TRUE(monitor->start());
     EXPECT_TRUE(monitor->start());
-    EXPECT_EQ(desktop.tapCreationCount(), 1);
+    EXPECT_EQ(desktop.tapStartCount(), 1);
     EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Event tap installed")));
 }
 
@@ -101,48 +102,24 @@ TEST_F(HotKeyMonitorTest, DoesNotStartWithoutTrust) {
     desktop.setTrusted(false);
     EXPECT_FALSE(monitor->start());
     EXPECT_FALSE(monitor->isRunning().get());
-    EXPECT_EQ(desktop.tapCreationCount(), 0);
+    EXPECT_EQ(desktop.tapStartCount(), 0);
     EXPECT_EQ(desktop.pendingTimerCount(), 0U);
     EXPECT_THAT(desktop.takeLog(), ElementsAre(error("Cannot install event tap without Accessibility trust")));
 }
 
-TEST_F(HotKeyMonitorTest, DoesNotStartWhenTheSystemRefusesTheTap) {
-    desktop.setTapCreationFails(true);
-    EXPECT_FALSE(monitor->start());
-    EXPECT_FALSE(monitor->isRunning().get());
-    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
-    EXPECT_THAT(desktop.takeLog(), ElementsAre(error("CGEvent.tapCreate failed")));
-    desktop.setTapCreationFails(false);
-    EXPECT_TRUE(monitor->start());
-}
-
-TEST_F(HotKeyMonitorTest, RunsWithoutASourceAndEnablesTheTapAtTheHealthCheck) {
-    desktop.setTapSourceFails(true);
-    EXPECT_TRUE(monitor->start());
-    EXPECT_TRUE(monitor->isRunning().get());
-    EXPECT_FALSE(desktop.tapIsEnabled());
-    EXPECT_THAT(desktop.takeLog(),
-                ElementsAre(error("CFMachPortCreateRunLoopSource failed"), standard("Event tap installed")));
-    desktop.advance(3s);
-    EXPECT_TRUE(desktop.tapIsEnabled());
-    EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Re-enabling event tap (periodic check)")));
-    desktop.advance(60s);
-    EXPECT_THAT(desktop.takeLog(), IsEmpty()) << "once";
-    monitor->stop();
-    EXPECT_FALSE(desktop.tapIsInstalled());
-}
-
-TEST_F(HotKeyMonitorTest, DoesNotStartWhenTheThreadDoesNot) {
-    desktop.setTapThreadFails(true);
-    monitor->state().openSession(false);
-    EXPECT_FALSE(monitor->start());
-    EXPECT_FALSE(monitor->isRunning().get());
-    EXPECT_FALSE(desktop.tapIsInstalled());
-    EXPECT_FALSE(monitor->state().keepRunning());
-    EXPECT_TRUE(monitor->state().snapshot().isSwitcherVisible) << "a session that the menu has opened goes on";
-    EXPECT_EQ(desktop.pendingTimerCount(), 0U);
-    EXPECT_THAT(desktop.takeLog(), ElementsAre(error("The event tap's thread cannot be started")));
-    desktop.setTapThreadFails(false);
+TEST_F(HotKeyMonitorTest, DoesNotStartWhenTheSystemRefusesTheTapAndLogsItsWords) {
+    for (const auto* const words : {"CGEvent.tapCreate failed", "The event tap's thread cannot be started"}) {
+        desktop.refuseKeyboardTap(words);
+        monitor->state().openSession(false);
+        EXPECT_FALSE(monitor->start());
+        EXPECT_FALSE(monitor->isRunning().get());
+        EXPECT_TRUE(monitor->state().snapshot().isSwitcherVisible) << "a session that the menu has opened goes on";
+        EXPECT_EQ(desktop.pendingTimerCount(), 0U);
+        EXPECT_THAT(desktop.takeLog(), ElementsAre(error(words)));
+        desktop.advance(60s);
+        EXPECT_THAT(desktop.takeLog(), IsEmpty()) << "no health check of a tap that is not there";
+    }
+    desktop.allowKeyboardTap();
     EXPECT_TRUE(monitor->start());
     EXPECT_TRUE(desktop.tapIsEnabled());
 }
@@ -158,7 +135,6 @@ TEST_F(HotKeyMonitorTest, StoppingRemovesTheTapAndEveryTimer) {
     EXPECT_FALSE(monitor->isRunning().get());
     EXPECT_FALSE(desktop.tapIsInstalled());
     EXPECT_EQ(monitor->state().snapshot(), (TapState::Snapshot{event_flags::option, false, false}));
-    EXPECT_FALSE(monitor->state().keepRunning());
     EXPECT_EQ(desktop.pendingTimerCount(), 0U);
     EXPECT_THAT(desktop.takeLog(), ElementsAre(standard("Event tap removed")));
 }
@@ -174,7 +150,7 @@ TEST_F(HotKeyMonitorTest, StoppingWhileStoppedDoesNothing) {
 
 TEST_F(HotKeyMonitorTest, StoppingGivesTheKeyboardBack) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     monitor->state().openSession(true);
     monitor->stop();
     ASSERT_EQ(tap->sessions.size(), 2U);
@@ -187,7 +163,7 @@ TEST_F(HotKeyMonitorTest, RestartsWithTheTriggerChosenMeanwhile) {
     monitor->state().setModifier(SwitcherModifier::control);
     EXPECT_TRUE(monitor->start());
     EXPECT_EQ(desktop.tapTrigger(), SwitcherModifier::control);
-    EXPECT_EQ(desktop.tapCreationCount(), 2);
+    EXPECT_EQ(desktop.tapStartCount(), 2);
     EXPECT_FALSE(desktop.keyDown({48, event_flags::control, u"\t", u"\t"}));
     monitor->state().setModifier(SwitcherModifier::command);
     EXPECT_EQ(desktop.tapTrigger(), SwitcherModifier::command);
@@ -268,7 +244,7 @@ TEST_F(HotKeyMonitorTest, TellsTheTapWhichReleaseMayEndTheSession) {
 
 TEST_F(HotKeyMonitorTest, TellsTheTapWhetherTheReleaseHasEndedTheSession) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     bool ends = false;
     monitor->onCommand = [&](const SwitcherCommand&) {
         if (ends) {
@@ -289,7 +265,7 @@ TEST_F(HotKeyMonitorTest, TellsTheTapWhetherTheReleaseHasEndedTheSession) {
 
 TEST_F(HotKeyMonitorTest, GivesTheKeyboardBackWhenATriggerOpensNothing) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     desktop.keyDown(optionTab);
     const auto requested = desktop.lastTapVerdict().requestedSession;
     ASSERT_TRUE(requested);
@@ -300,7 +276,7 @@ TEST_F(HotKeyMonitorTest, GivesTheKeyboardBackWhenATriggerOpensNothing) {
 
 TEST_F(HotKeyMonitorTest, LeavesTheAnswerToWhoeverOpensTheSession) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     monitor->onCommand = [this](const SwitcherCommand&) { monitor->state().openSession(true); };
     desktop.keyDown(optionTab);
     const auto requested = desktop.lastTapVerdict().requestedSession;
@@ -311,7 +287,7 @@ TEST_F(HotKeyMonitorTest, LeavesTheAnswerToWhoeverOpensTheSession) {
 
 TEST_F(HotKeyMonitorTest, AnswersARequestThatFoundTheSessionOpenAlready) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     desktop.keyDown(optionTab);
     const auto requested = desktop.lastTapVerdict().requestedSession;
     ASSERT_TRUE(requested);
@@ -373,7 +349,7 @@ TEST_F(HotKeyMonitorTest, PostedWorkDoesNothingOnceTheMonitorIsGone) {
 
 TEST_F(HotKeyMonitorTest, DestroyingItWhileRunningRemovesTheTapSilently) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     monitor->state().openSession(true);
     monitor.reset();
     EXPECT_THAT(tap->calls, ElementsAre("open", "closed"));
@@ -422,7 +398,7 @@ TEST_F(HotKeyMonitorTest, ForgetsTheSessionOnTheTapThreadAsSoonAsTheTapIsDisable
 
 TEST_F(HotKeyMonitorTest, GivesTheKeyboardBackWhenTheTapIsDisabled) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     monitor->state().openSession(true);
     desktop.disableTapByTimeout();
     EXPECT_THAT(tap->calls, ElementsAre("open")) << "the tap is told by the main thread alone";
@@ -433,7 +409,7 @@ TEST_F(HotKeyMonitorTest, GivesTheKeyboardBackWhenTheTapIsDisabled) {
 
 TEST_F(HotKeyMonitorTest, TheEndOfASessionThatTheTapHasLostDoesNotNameTheNextOne) {
     start();
-    const auto tap = record();
+    const auto* const tap = record();
     monitor->onCommand = [this](const SwitcherCommand&) { monitor->state().openSession(true); };
     desktop.keyDown(optionTab);
     desktop.settle();
@@ -598,7 +574,7 @@ TEST_F(HotKeyMonitorTest, MayBeRestartedByTheOwnerFromTheFailure) {
     }
     EXPECT_TRUE(monitor->isRunning().get());
     EXPECT_TRUE(desktop.tapIsEnabled());
-    EXPECT_EQ(desktop.tapCreationCount(), 2);
+    EXPECT_EQ(desktop.tapStartCount(), 2);
 }
 
 }  // namespace

@@ -82,10 +82,10 @@ protected:
     AppWindow rowWindow(std::size_t row) { return viewModel().rows.get().at(row).window; }
     TapState::Snapshot tapSnapshot() { return monitor.state().snapshot(); }
     /// A tap that is told what the controller passes on.
-    std::shared_ptr<RecordingEventTap> record() {
-        auto tap = std::make_shared<RecordingEventTap>(monitor.state());
-        monitor.state().setTapPort(tap);
-        return tap;
+    RecordingTap* record() {
+        recordingTap.emplace(monitor.state());
+        monitor.state().setTapPort(&*recordingTap);
+        return &*recordingTap;
     }
     void closeAllWindows() {
         for (const WindowId id : {1U, 2U, 3U, 4U, 5U}) {
@@ -101,6 +101,7 @@ protected:
     AccessibilityAuthorizer authorizer{platform};
     IconProvider iconProvider{platform.icons, platform.workspace};
     WindowIndex windowIndex{platform};
+    std::optional<RecordingTap> recordingTap;
     HotKeyMonitor monitor{platform, SwitcherModifier::option};
     FavouritesStore favourites{platform.userDefaults, platform.workspace};
     SwitcherContentCallbacks content;

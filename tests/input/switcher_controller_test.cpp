@@ -53,15 +53,15 @@ TEST_F(SwitcherControllerTest, SetsTheTapsFlagsRightAfterThePanelIsInFront) {
 }
 
 TEST_F(SwitcherControllerTest, TellsTheTapOfTheSessionOnceBothFlagsAreSet) {
-    const auto tap = record();
+    const auto* const tap = record();
     controller->handle(Invoke{false});
-    EXPECT_THAT(tap->sessions, ElementsAre(RecordingEventTap::SessionCall{true, true, true, TapSession{1}}));
+    EXPECT_THAT(tap->sessions, ElementsAre(RecordingTap::SessionCall{true, true, true, TapSession{1}}));
     controller->handle(Cancel{});
-    EXPECT_EQ(tap->sessions.back(), (RecordingEventTap::SessionCall{false, false, false, TapSession{1}}));
+    EXPECT_EQ(tap->sessions.back(), (RecordingTap::SessionCall{false, false, false, TapSession{1}}));
 }
 
 TEST_F(SwitcherControllerTest, EveryWayOutOfASessionGivesTheKeyboardBack) {
-    const auto tap = record();
+    const auto* const tap = record();
     const std::vector<std::function<void()>> ways = {
         [&] { controller->handle(Cancel{}); },
         [&] { controller->handle(Confirm{}); },
@@ -357,12 +357,11 @@ TEST_F(SwitcherControllerTest, NoWatchdogIsLeftBehind) {
 
 TEST_F(SwitcherControllerTest, TheChosenWindowIsAskedForBeforeTheNextTriggerOpensASession) {
     /// What is held back behind the trigger's release follows as soon as the tap hears of the end.
-    class ImpatientTap final : public EventTap {
+    class ImpatientTap final : public KeyboardTap {
     public:
         explicit ImpatientTap(std::function<void()> onClosed) : onClosed_(std::move(onClosed)) {}
         void setEnabled(bool) override {}
         [[nodiscard]] bool isEnabled() const override { return true; }
-        void invalidate() override {}
         void setTrigger(SwitcherModifier) override {}
         void openSession(TapSession) override {}
         void closeSession(TapSession) override { onClosed_(); }
@@ -372,13 +371,14 @@ TEST_F(SwitcherControllerTest, TheChosenWindowIsAskedForBeforeTheNextTriggerOpen
     };
     std::vector<std::string> callsBefore;
     bool wasVisible = true;
-    monitor.state().setTapPort(std::make_shared<ImpatientTap>([&] {
+    ImpatientTap tap([&] {
         platform.mainLoop.post([&] {
             wasVisible = desktop.panel().isVisible;
             callsBefore = desktop.takeControlCalls();
             controller->handle(Invoke{false});
         });
-    }));
+    });
+    monitor.state().setTapPort(&tap);
     controller->handle(Invoke{false});
     controller->handle(ModifierReleased{});
     EXPECT_FALSE(controller->isVisible());
@@ -387,6 +387,7 @@ TEST_F(SwitcherControllerTest, TheChosenWindowIsAskedForBeforeTheNextTriggerOpen
     EXPECT_FALSE(wasVisible);
     EXPECT_THAT(callsBefore, Contains("raise 2"));
     EXPECT_TRUE(controller->isVisible());
+    monitor.state().setTapPort(nullptr);
 }
 
 TEST_F(SwitcherControllerTest, AnActivatedWindowLeadsTheList) {

@@ -7,7 +7,7 @@
 
 #include "core/switcher_options.h"
 #include "input/tap_state.h"
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 
 namespace ferrowyn {
 
@@ -41,9 +41,9 @@ private:
 
 /// A tap that writes down what it is told, and what the shared state said at that moment. Reading the state from inside
 /// a call also proves that no call is made while its lock is held.
-class RecordingEventTap final : public EventTap {
+class RecordingTap final : public KeyboardTap {
 public:
-    explicit RecordingEventTap(const TapState& state) : state_(state) {}
+    explicit RecordingTap(const TapState& state) : state_(state) {}
 
     struct SessionCall {
         bool isOpen = false;
@@ -55,7 +55,6 @@ public:
 
     void setEnabled(bool enabled) override { isEnabled_ = enabled; }
     [[nodiscard]] bool isEnabled() const override { return isEnabled_; }
-    void invalidate() override { calls.emplace_back("invalidate"); }
     void setTrigger(SwitcherModifier modifier) override {
         triggers.push_back(modifier);
         flagsAtTrigger.push_back(state_.snapshot().modifierFlag);

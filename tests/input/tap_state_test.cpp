@@ -8,17 +8,17 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-using SessionCall = RecordingEventTap::SessionCall;
+using SessionCall = RecordingTap::SessionCall;
 
 class TapStateTest : public ::testing::Test {
 protected:
     TapState state;
-    std::shared_ptr<RecordingEventTap> tap = std::make_shared<RecordingEventTap>(state);
+    RecordingTap recorder{state};
+    RecordingTap* const tap = &recorder;
 };
 
 TEST_F(TapStateTest, StartsHiddenWithTheCommandMask) {
     EXPECT_EQ(state.snapshot(), (TapState::Snapshot{0x100000, false, false}));
-    EXPECT_FALSE(state.keepRunning());
     EXPECT_FALSE(state.reenableRequested());
 }
 
@@ -107,14 +107,12 @@ TEST_F(TapStateTest, TellsNobodyWithoutATap) {
     EXPECT_THAT(tap->triggers, IsEmpty());
 }
 
-TEST_F(TapStateTest, ADisabledTapForgetsTheSessionButKeepsTheTriggerAndTheThread) {
+TEST_F(TapStateTest, ADisabledTapForgetsTheSessionButKeepsTheTrigger) {
     state.setModifier(SwitcherModifier::control);
     state.openSession(true);
-    state.setKeepRunning(true);
     state.noteTapDisabled();
     EXPECT_EQ(state.snapshot(), (TapState::Snapshot{0x40000, false, false}));
     EXPECT_TRUE(state.reenableRequested());
-    EXPECT_TRUE(state.keepRunning());
 }
 
 }  // namespace

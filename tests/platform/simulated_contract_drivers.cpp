@@ -39,7 +39,7 @@ private:
 
 class SimulatedKeyboardDriver final : public KeyboardDriver {
 public:
-    EventTaps& taps() override { return desktop_.platform().eventTaps; }
+    KeyboardTaps& taps() override { return desktop_.platform().keyboardTaps; }
     void pressTrigger() override {
         desktop_.flagsChanged(event_flags::option);
         gotTab_ = desktop_.keyDown({.keyCode = tab, .flags = event_flags::option});
@@ -49,6 +49,13 @@ public:
         desktop_.flagsChanged(0);
     }
     bool applicationGotTrigger() override { return gotTab_; }
+    std::vector<Refusal> refusals() override {
+        const std::string words = "The simulated desktop refuses it";
+        return {{words, [this, words](bool isRefused) {
+                     isRefused ? desktop_.refuseKeyboardTap(words) : desktop_.allowKeyboardTap();
+                 }}};
+    }
+    bool hasNothingOfATap() override { return !desktop_.tapIsInstalled(); }
 
 private:
     static constexpr std::uint16_t tab = 48;
@@ -116,7 +123,7 @@ private:
 
 FERROWYN_HOLDS_TO(WindowInventoryContract, Simulated, std::make_unique<SimulatedDesktopDriver>());
 FERROWYN_HOLDS_TO(AccessibilityObserverContract, Simulated, std::make_unique<SimulatedDesktopDriver>());
-FERROWYN_HOLDS_TO(EventTapContract, Simulated, std::make_unique<SimulatedKeyboardDriver>());
+FERROWYN_HOLDS_TO(KeyboardTapContract, Simulated, std::make_unique<SimulatedKeyboardDriver>());
 FERROWYN_HOLDS_TO(WorkspaceContract, Simulated, std::make_unique<SimulatedWorkspaceDriver>());
 FERROWYN_HOLDS_TO(ScreensContract, Simulated, std::make_unique<SimulatedScreensDriver>());
 FERROWYN_HOLDS_TO(UserDefaultsContract, Simulated, std::make_unique<SimulatedUserDefaultsDriver>());

@@ -120,7 +120,7 @@ protected:
     }
     /// Trust stays, but the tap cannot be installed any more.
     void failToRestart() {
-        desktop.setTapCreationFails(true);
+        desktop.refuseKeyboardTap("CGEvent.tapCreate failed");
         services->retryInput();
         desktop.settle();
     }

@@ -8,7 +8,7 @@
 #include "platform/macos/mac_application.h"
 #include "platform/macos/mac_background_work.h"
 #include "platform/macos/mac_element.h"
-#include "platform/macos/mac_event_taps.h"
+#include "platform/macos/mac_keyboard_tap.h"
 #include "platform/macos/mac_panel.h"
 #include "platform/macos/mac_screens.h"
 #include "platform/macos/mac_system_looks.h"
@@ -35,7 +35,7 @@ struct MacPlatform::Parts {
     MacAccessibilityObservers observers;
     MacWindowControl control;
     MacTrust trust;
-    MacEventTaps eventTaps;
+    MacKeyboardTaps keyboardTaps;
     MacScreens screens;
     MacPointer pointer;
     MacPanel panel;
@@ -50,7 +50,7 @@ MacPlatform::Parts::Parts(MacPlatformFoundation foundation)
       observers(foundation.mainLoop, foundation.log),
       control(applications, windowNumbers, foundation.log),
       trust(observeAccessibilityDatabase),
-      eventTaps(foundation.log, inAutoreleasePool),
+      keyboardTaps(inAutoreleasePool),
       panel(std::move(foundation.hostWidget), foundation.panelCornerRadius),
       platform{.mainLoop = foundation.mainLoop,
                .backgroundWork = backgroundWork,
@@ -62,7 +62,7 @@ MacPlatform::Parts::Parts(MacPlatformFoundation foundation)
                .accessibilityObservers = observers,
                .windowControl = control,
                .trust = trust,
-               .eventTaps = eventTaps,
+               .keyboardTaps = keyboardTaps,
                .screens = screens,
                .pointer = pointer,
                .panel = panel,

@@ -4,7 +4,7 @@ set(ferrowyn_c_half_sources
   cf_values.cpp
   mac_accessibility_observers.cpp
   mac_element.cpp
-  mac_event_taps.cpp
+  mac_keyboard_tap.cpp
   mac_platform.cpp
   mac_trust.cpp
   mac_window_control.cpp

@@ -4,7 +4,7 @@
 
 #include "core/texts.h"
 #include "platform/simulated/simulated_display.h"
-#include "platform/simulated/simulated_event_taps.h"
+#include "platform/simulated/simulated_keyboard_tap.h"
 #include "platform/simulated/simulated_main_loop.h"
 #include "platform/simulated/simulated_system.h"
 #include "platform/simulated/simulated_window_control.h"
@@ -39,16 +39,16 @@ public:
     SimulatedWindows windows{model, observers, workspace, mainLoop};
     SimulatedWindowControl windowControl{model, windows, controlCalls};
     SimulatedTrust trust;
-    SimulatedEventTaps eventTaps;
+    SimulatedKeyboardTaps keyboardTaps;
     SimulatedScreens screens;
     SimulatedPointer pointer;
     SimulatedPanel panel;
     SimulatedIcons icons;
     SimulatedHttpClient httpClient;
     SimulatedLoginItem loginItem;
-    Platform platform{mainLoop,        backgroundWork, log,           userDefaults, application, workspace,
-                      windowInventory, observers,      windowControl, trust,        eventTaps,   screens,
-                      pointer,         panel,          icons,         httpClient,   loginItem,   macTexts()};
+    Platform platform{mainLoop,        backgroundWork, log,           userDefaults, application,  workspace,
+                      windowInventory, observers,      windowControl, trust,        keyboardTaps, screens,
+                      pointer,         panel,          icons,         httpClient,   loginItem,    macTexts()};
 };
 
 SimulatedDesktop::SimulatedDesktop() : implementation_(std::make_unique<Implementation>()) {}
@@ -275,83 +275,75 @@ void SimulatedDesktop::becomeActiveApplication() {
 // -----------------------------------------------------------------------------------------------------
 
 bool SimulatedDesktop::keyDown(const Key& key) {
-    return implementation_->eventTaps.press(TapEvent::Type::keyDown, key);
+    return implementation_->keyboardTaps.press(TapEvent::Type::keyDown, key);
 }
 
 bool SimulatedDesktop::keyUp(const Key& key) {
-    return implementation_->eventTaps.press(TapEvent::Type::keyUp, key);
+    return implementation_->keyboardTaps.press(TapEvent::Type::keyUp, key);
 }
 
 bool SimulatedDesktop::flagsChanged(std::uint64_t flags) {
-    return implementation_->eventTaps.press(TapEvent::Type::flagsChanged,
-                                            {.flags = flags, .text = {}, .textWithReducedFlags = {}});
+    return implementation_->keyboardTaps.press(TapEvent::Type::flagsChanged,
+                                               {.flags = flags, .text = {}, .textWithReducedFlags = {}});
 }
 
 void SimulatedDesktop::disableTapByTimeout() {
-    if (const auto tap = implementation_->eventTaps.installed()) {
+    if (auto* const tap = implementation_->keyboardTaps.installed()) {
         tap->disableBySystem(TapEvent::Type::disabledByTimeout);
     }
 }
 
 void SimulatedDesktop::disableTapByUserInput() {
-    if (const auto tap = implementation_->eventTaps.installed()) {
+    if (auto* const tap = implementation_->keyboardTaps.installed()) {
         tap->disableBySystem(TapEvent::Type::disabledByUserInput);
     }
 }
 
 void SimulatedDesktop::disableTapSilently() {
-    if (const auto tap = implementation_->eventTaps.installed()) {
+    if (auto* const tap = implementation_->keyboardTaps.installed()) {
         tap->setEnabled(false);
     }
 }
 
 void SimulatedDesktop::enableTapSilently() {
-    if (const auto tap = implementation_->eventTaps.installed()) {
+    if (auto* const tap = implementation_->keyboardTaps.installed()) {
         tap->setEnabled(true);
     }
 }
 
 TapVerdict SimulatedDesktop::lastTapVerdict() const {
-    return implementation_->eventTaps.lastVerdict();
+    return implementation_->keyboardTaps.lastVerdict();
 }
 
 bool SimulatedDesktop::tapIsInstalled() const {
-    return implementation_->eventTaps.installed() != nullptr;
+    return implementation_->keyboardTaps.installed() != nullptr;
 }
 
 bool SimulatedDesktop::tapIsEnabled() const {
-    const auto tap = implementation_->eventTaps.installed();
+    const auto* const tap = implementation_->keyboardTaps.installed();
     return tap != nullptr && tap->isEnabled();
 }
 
-int SimulatedDesktop::tapCreationCount() const {
-    return implementation_->eventTaps.creationCount();
+int SimulatedDesktop::tapStartCount() const {
+    return implementation_->keyboardTaps.startCount();
 }
 
-void SimulatedDesktop::setTapCreationFails(bool fails) {
-    implementation_->eventTaps.setCreationFails(fails);
+void SimulatedDesktop::refuseKeyboardTap(std::string words) {
+    implementation_->keyboardTaps.setRefusal(std::move(words));
 }
 
-void SimulatedDesktop::setTapSourceFails(bool fails) {
-    implementation_->eventTaps.setSourceFails(fails);
-}
-
-void SimulatedDesktop::setTapThreadFails(bool fails) {
-    implementation_->eventTaps.setThreadFails(fails);
+void SimulatedDesktop::allowKeyboardTap() {
+    implementation_->keyboardTaps.setRefusal({});
 }
 
 bool SimulatedDesktop::tapSessionIsOpen() const {
-    const auto tap = implementation_->eventTaps.installed();
+    const auto* const tap = implementation_->keyboardTaps.installed();
     return tap != nullptr && tap->isSessionOpen();
 }
 
 std::optional<SwitcherModifier> SimulatedDesktop::tapTrigger() const {
-    const auto tap = implementation_->eventTaps.installed();
+    const auto* const tap = implementation_->keyboardTaps.installed();
     return tap != nullptr ? std::optional(tap->trigger()) : std::nullopt;
-}
-
-std::string SimulatedDesktop::tapThreadName() const {
-    return implementation_->eventTaps.threadName();
 }
 
 // --- screens, pointer, panel

@@ -11,12 +11,12 @@
 #include "core/app_window.h"
 #include "core/switcher_options.h"
 #include "platform/accessibility_observers.h"
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 #include "platform/main_loop.h"
 #include "platform/platform.h"
 #include "platform/screens.h"
 #include "platform/simulated/simulated_display.h"
-#include "platform/simulated/simulated_event_taps.h"
+#include "platform/simulated/simulated_keyboard_tap.h"
 #include "platform/simulated/simulated_system.h"
 #include "platform/simulated/simulated_window_model.h"
 #include "platform/user_defaults.h"
@@ -25,7 +25,7 @@ namespace ferrowyn {
 
 /// A deterministic desktop with a virtual clock: it implements the platform interfaces (`platform()`) and, separately,
 /// this control interface, with which a test or the simulator plays the user, the applications and the system.
-/// Everything happens in the calling thread, inside `advance` or one of the calls below; only the tap thread is real.
+/// Everything happens in the calling thread, inside `advance` or one of the calls below.
 /// The notifications of what the user and the applications do are delivered inside the call. Those of what the program
 /// requests through `WindowControl` are delivered when the loop settles.
 class SimulatedDesktop {
@@ -141,14 +141,14 @@ public:
     [[nodiscard]] TapVerdict lastTapVerdict() const;
     [[nodiscard]] bool tapIsInstalled() const;
     [[nodiscard]] bool tapIsEnabled() const;
-    [[nodiscard]] int tapCreationCount() const;
-    void setTapCreationFails(bool fails);
-    void setTapSourceFails(bool fails);
-    void setTapThreadFails(bool fails);
+    /// How many taps were started so far.
+    [[nodiscard]] int tapStartCount() const;
+    /// Refuses to start a tap, with these words.
+    void refuseKeyboardTap(std::string words);
+    void allowKeyboardTap();
     /// Whether the tap was last told that a session is open.
     [[nodiscard]] bool tapSessionIsOpen() const;
     [[nodiscard]] std::optional<SwitcherModifier> tapTrigger() const;
-    [[nodiscard]] std::string tapThreadName() const;
 
     // --- screens, pointer, panel
     // --------------------------------------------------------------------------------------

@@ -22,7 +22,7 @@
 #include "platform/linux/xdg_login_item.h"
 #include "platform/qt/curl_http_client.h"
 #include "platform/qt/qt_main_loop.h"
-#include "platform/x11/keyboard/x11_event_tap.h"
+#include "platform/x11/keyboard/x11_keyboard_tap.h"
 #include "platform/x11/x11_applications.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_desktop_monitor.h"
@@ -96,7 +96,7 @@ struct X11Platform::Parts {
     X11IconSource icons;
     CurlHttpClient httpClient;
     XdgLoginItem loginItem;
-    X11EventTaps eventTaps;
+    X11KeyboardTaps keyboardTaps;
     SessionLock sessionLock;
     X11Trust trust;
 
@@ -155,9 +155,10 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       icons(monitor, atoms, entries),
       httpClient(mainLoop, backgroundWork),
       loginItem(folders, {std::string(applicationId), "Ferrowyn", application.bundleInfo().path}),
-      eventTaps(inputContext, log, options.display),
+      keyboardTaps(inputContext, log, options.display),
       // The screen locker must be able to grab the keyboard.
-      sessionLock(mainLoop, SessionLock::Buses::fromEnvironment(), [this] { eventTaps.notifyKeyboardUnavailable(); }),
+      sessionLock(mainLoop, SessionLock::Buses::fromEnvironment(),
+                  [this] { keyboardTaps.notifyKeyboardUnavailable(); }),
       trust(monitor.model(), inputContext,
             {.isLocked = [this] { return sessionLock.isLocked(); },
              .observe =
@@ -173,9 +174,9 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       appearance(mainLoop),
       xsettings(panelEvents,
                 [this](std::optional<std::string> theme) { appearance.setXsettingsTheme(std::move(theme)); }),
-      platform{mainLoop,  backgroundWork, log,     userDefaults, application, workspace,
-               inventory, observers,      control, trust,        eventTaps,   screens,
-               pointer,   panel,          icons,   httpClient,   loginItem,   linuxTexts()} {
+      platform{mainLoop,  backgroundWork, log,     userDefaults, application,  workspace,
+               inventory, observers,      control, trust,        keyboardTaps, screens,
+               pointer,   panel,          icons,   httpClient,   loginItem,    linuxTexts()} {
     const char* const environmentDisplay = std::getenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): nothing sets it
     inputContext.inputMethodDisplay = display.empty() && environmentDisplay != nullptr ? environmentDisplay : display;
     inputContext.postToMainThread = [this](std::function<void()> work) { mainLoop.post(std::move(work)); };

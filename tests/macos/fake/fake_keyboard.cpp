@@ -43,6 +43,19 @@ void MachPort::invalidate() {
     answered_.notify_all();
 }
 
+void MachPort::takeAway() {
+    {
+        const std::scoped_lock lock(lock_);
+        isTakenAway_ = true;
+    }
+    invalidate();
+}
+
+bool MachPort::isTakenAway() const {
+    const std::scoped_lock lock(lock_);
+    return isTakenAway_;
+}
+
 bool MachPort::isValid() const {
     const std::scoped_lock lock(lock_);
     return isValid_;
@@ -145,6 +158,14 @@ void Keyboard::disableTap(CGEventType reason) {
     }
 }
 
+void Keyboard::takePortAway() {
+    {
+        const std::scoped_lock lock(lock_);
+        port_->takeAway();
+    }
+    RunLoop::wakeAll();
+}
+
 bool Keyboard::isTapEnabled() const {
     const std::scoped_lock lock(lock_);
     return port_ != nullptr && port_->isEnabled();
@@ -235,7 +256,7 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation tap, CGEventTapPlacement place
 
 void CGEventTapEnable(CFMachPortRef tap, bool enable) {
     if (auto* const port = Objects::shared().find<MachPort>(tap, "CGEventTapEnable")) {
-        if (!port->isValid()) {
+        if (!port->isValid() && !port->isTakenAway()) {
             Objects::shared().fault("CGEventTapEnable of an invalidated tap");
         }
         RunLoop::note(enable ? "enable the tap" : "disable the tap");

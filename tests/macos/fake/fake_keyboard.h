@@ -27,7 +27,9 @@ public:
     void setEnabled(bool enabled);
     [[nodiscard]] bool isEnabled() const;
     void invalidate();
+    void takeAway();
     [[nodiscard]] bool isValid() const;
+    [[nodiscard]] bool isTakenAway() const;
 
     /// What the callback returned, once the serving thread has called it; nothing when no thread did in time.
     [[nodiscard]] std::optional<CGEventRef> ask(CGEventType type, CGEventRef event);
@@ -51,6 +53,8 @@ private:
     /// A tap delivers from the moment it is made.
     bool isEnabled_ = true;
     bool isValid_ = true;
+    /// Invalidated by the system, which the program need not know.
+    bool isTakenAway_ = false;
 };
 
 }  // namespace ferrowyn::fake
@@ -96,6 +100,8 @@ public:
     [[nodiscard]] Outcome press(const Key& key);
     /// Disables the tap as the system does, and tells its callback; returns when that has been called.
     void disableTap(CGEventType reason);
+    /// Invalidates the tap's port, as a system does that goes down.
+    void takePortAway();
     [[nodiscard]] bool isTapEnabled() const;
     /// False when it is not enabled within a time that is long even on a loaded machine.
     [[nodiscard]] bool waitUntilTapIsEnabled() const;

@@ -76,6 +76,7 @@ CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
         std::ostringstream run;
         run << mode << " for " << seconds << " s";
         runs.push_back(run.str());
+        changed.notify_all();
         isRunning_ = true;
         // A stop from before is forgotten, as the system forgets it.
         isStopped_ = false;
@@ -144,6 +145,11 @@ void RunLoop::note(const std::string& event) {
 std::vector<std::string> RunLoop::takeRuns() {
     const std::scoped_lock guard(lock);
     return std::exchange(runs, {});
+}
+
+bool RunLoop::waitForRuns(std::size_t count) {
+    std::unique_lock guard(lock);
+    return changed.wait_for(guard, std::chrono::seconds(20), [count] { return runs.size() >= count; });
 }
 
 bool RunLoop::hasSources() const {

@@ -57,6 +57,8 @@ public:
     static void note(const std::string& event);
     /// "kCFRunLoopDefaultMode for 1 s", for each `run` of all loops.
     [[nodiscard]] static std::vector<std::string> takeRuns();
+    /// Waits until there are so many of them; false when they do not come.
+    [[nodiscard]] static bool waitForRuns(std::size_t count);
     [[nodiscard]] bool hasSources() const;
 
 private:

@@ -2,7 +2,7 @@
 
 #include "input/hot_key_monitor.h"
 #include "input/tap_state.h"
-#include "platform/macos/mac_event_taps.h"
+#include "platform/macos/mac_keyboard_tap.h"
 #include "platform/macos/mac_trust.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/layer/mac_fixture.h"
@@ -12,7 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using fake::Keyboard;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -41,7 +40,7 @@ protected:
                 .accessibilityObservers = simulated.accessibilityObservers,
                 .windowControl = simulated.windowControl,
                 .trust = trust,
-                .eventTaps = taps,
+                .keyboardTaps = taps,
                 .screens = simulated.screens,
                 .pointer = simulated.pointer,
                 .panel = simulated.panel,
@@ -57,7 +56,7 @@ protected:
         return outcome;
     }
 
-    MacEventTaps taps{log, [](const std::function<void()>& work) { work(); }};
+    MacKeyboardTaps taps{[](const std::function<void()>& work) { work(); }};
     MacTrust trust{[](const auto&) { return Subscription(); }};
     std::unique_ptr<HotKeyMonitor> monitor = std::make_unique<HotKeyMonitor>(platformOnMac(), SwitcherModifier::option);
     std::vector<SwitcherCommand> commands;
@@ -135,15 +134,19 @@ TEST_F(HotKeyMonitorOnMacTest, WithoutTrustOrTapItDoesNotStart) {
     EXPECT_THAT(takeLog(), ElementsAre("CGEvent.tapCreate failed"));
 }
 
-TEST_F(HotKeyMonitorOnMacTest, WithoutASourceTheKeyboardStaysUsable) {
+TEST_F(HotKeyMonitorOnMacTest, WithoutASourceItDoesNotStartAndTheKeyboardStaysUsable) {
     keyboard.refusesSources = true;
-    EXPECT_TRUE(monitor->start());
-    EXPECT_THAT(takeLog(), Contains("CFMachPortCreateRunLoopSource failed"));
-    desktop.advance(3s);
-    EXPECT_THAT(takeLog(), ElementsAre("Re-enabling event tap (periodic check)"));
-    EXPECT_FALSE(keyboard.isTapEnabled());
+    EXPECT_FALSE(monitor->start());
+    EXPECT_FALSE(monitor->isRunning().get());
+    EXPECT_FALSE(keyboard.hasTap());
+    EXPECT_THAT(takeLog(), ElementsAre("CFMachPortCreateRunLoopSource failed"));
+    desktop.advance(60s);
+    EXPECT_THAT(takeLog(), IsEmpty());
     EXPECT_EQ(press(optionTab), Outcome::reachedApplication);
     EXPECT_THAT(commands, IsEmpty());
+    keyboard.refusesSources = false;
+    EXPECT_TRUE(monitor->start());
+    EXPECT_EQ(press(optionTab), Outcome::swallowed);
 }
 
 TEST_F(HotKeyMonitorOnMacTest, StoppingRemovesTheSourceBeforeThePortGoes) {

@@ -1,11 +1,12 @@
 #include <algorithm>
 
 #include "platform/macos/mac_accessibility_observers.h"
-#include "platform/macos/mac_event_taps.h"
+#include "platform/macos/mac_keyboard_tap.h"
 #include "platform/macos/mac_window_control.h"
 #include "platform/macos/mac_window_inventory.h"
 #include "tests/macos/layer/mac_fixture.h"
 #include "tests/platform/contract/contracts.h"
+#include "tests/platform/contract/linux_threads.h"
 
 namespace ferrowyn::contract {
 namespace {
@@ -119,7 +120,7 @@ private:
 
 class MacKeyboardDriver final : public KeyboardDriver {
 public:
-    EventTaps& taps() override { return taps_; }
+    KeyboardTaps& taps() override { return taps_; }
     void pressTrigger() override {
         static_cast<void>(mac_.keyboard.press({.type = kCGEventFlagsChanged, .flags = kCGEventFlagMaskAlternate}));
         outcome_ = mac_.keyboard.press({.keyCode = tab, .flags = kCGEventFlagMaskAlternate});
@@ -130,17 +131,28 @@ public:
         static_cast<void>(mac_.keyboard.press({.type = kCGEventFlagsChanged}));
     }
     bool applicationGotTrigger() override { return outcome_ == fake::Keyboard::Outcome::reachedApplication; }
+    std::vector<Refusal> refusals() override {
+        return {{"CGEvent.tapCreate failed", [this](bool isRefused) { mac_.keyboard.refusesTaps = isRefused; }},
+                {"CFMachPortCreateRunLoopSource failed",
+                 [this](bool isRefused) { mac_.keyboard.refusesSources = isRefused; }},
+                {"The event tap's thread cannot be started", [this](bool isRefused) {
+                     isRefused ? static_cast<void>(refusedThreads_.emplace()) : refusedThreads_.reset();
+                 }}};
+    }
+    bool hasNothingOfATap() override { return !mac_.keyboard.hasTap() && soonHasThreads(threadsBefore_); }
 
 private:
     static constexpr std::int64_t tab = 48;
     FakeMac mac_;
-    MacEventTaps taps_{mac_.log, [](const std::function<void()>& work) { work(); }};
+    std::ptrdiff_t threadsBefore_ = threadCount();
+    std::optional<RefusedThreads> refusedThreads_;
+    MacKeyboardTaps taps_{[](const std::function<void()>& work) { work(); }};
     fake::Keyboard::Outcome outcome_ = fake::Keyboard::Outcome::stuck;
 };
 
 FERROWYN_HOLDS_TO(WindowInventoryContract, Mac, std::make_unique<MacDesktopDriver>());
 FERROWYN_HOLDS_TO(AccessibilityObserverContract, Mac, std::make_unique<MacDesktopDriver>());
-FERROWYN_HOLDS_TO(EventTapContract, Mac, std::make_unique<MacKeyboardDriver>());
+FERROWYN_HOLDS_TO(KeyboardTapContract, Mac, std::make_unique<MacKeyboardDriver>());
 
 }  // namespace
 }  // namespace ferrowyn::contract

@@ -2,7 +2,7 @@
 # a library: each program compiles them as it compiles its adapter, and the tests' registration is not dropped.
 set(ferrowyn_desktop_contracts
   desktop_contract.cpp
-  event_tap_contract.cpp
+  keyboard_tap_contract.cpp
 )
 set(ferrowyn_system_contracts
   system_contract.cpp

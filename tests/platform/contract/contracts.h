@@ -6,10 +6,11 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "core/app_window.h"
 #include "platform/accessibility_observers.h"
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 #include "platform/login_item.h"
 #include "platform/screens.h"
 #include "platform/user_defaults.h"
@@ -83,18 +84,30 @@ class KeyboardDriver {
 public:
     virtual ~KeyboardDriver() = default;
 
-    virtual EventTaps& taps() = 0;
+    virtual KeyboardTaps& taps() = 0;
     /// Holds the modifier and presses Tab.
     virtual void pressTrigger() = 0;
     virtual void releaseTrigger() = 0;
     /// Whether the Tab of the last trigger, which has been let go, reached the application.
     [[nodiscard]] virtual bool applicationGotTrigger() = 0;
+
+    /// Something that the desktop can refuse when a tap is started, and what the tap then says.
+    struct Refusal {
+        std::string words;
+        std::function<void(bool isRefused)> set;
+    };
+    [[nodiscard]] virtual std::vector<Refusal> refusals() = 0;
+    /// Whether no tap is installed, and neither a grab nor a thread of one is left.
+    [[nodiscard]] virtual bool hasNothingOfATap() = 0;
 };
 
-class EventTapContract : public Contract<KeyboardDriver> {
+class KeyboardTapContract : public Contract<KeyboardDriver> {
 protected:
-    /// A tap that was disabled is not asked any more, but the desktop may take a moment to let the keys pass it by.
-    [[nodiscard]] bool applicationSoonGetsTrigger();
+    /// Null, with a failure of the test, when it is refused.
+    [[nodiscard]] std::unique_ptr<KeyboardTap> start(TapCallback callback);
+    /// Presses the trigger until it reaches the application, or until it does not: another thread may take a moment to
+    /// do what it was asked to.
+    [[nodiscard]] bool triggerSoonReachesApplication(bool reaches);
 };
 
 class LoginItemDriver {

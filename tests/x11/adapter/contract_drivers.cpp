@@ -1,3 +1,4 @@
+#include <sys/resource.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 
@@ -9,10 +10,11 @@
 
 #include "platform/linux/ini_user_defaults.h"
 #include "platform/linux/xdg_login_item.h"
-#include "platform/x11/keyboard/x11_event_tap.h"
+#include "platform/x11/keyboard/x11_keyboard_tap.h"
 #include "platform/x11/x11_event_connection.h"
 #include "platform/x11/x11_screens.h"
 #include "tests/platform/contract/contracts.h"
+#include "tests/platform/contract/linux_threads.h"
 #include "tests/platform/linux/temporary_folder.h"
 #include "tests/x11/adapter/inventory_fixture.h"
 #include "tests/x11/harness/desktop_processes.h"
@@ -102,7 +104,7 @@ public:
         static_cast<void>(window_.takeInput());
     }
 
-    EventTaps& taps() override { return taps_; }
+    KeyboardTaps& taps() override { return taps_; }
     void pressTrigger() override {
         static_cast<void>(window_.takeInput());
         input_.press(key::leftAlt);
@@ -119,18 +121,40 @@ public:
         }
         return std::ranges::count(window_.takeInput().keyPresses, key::tab) > 0;
     }
+    std::vector<Refusal> refusals() override {
+        return {{"No connection to the X server for the keyboard",
+                 [this](bool isRefused) { isRefused ? refuseDescriptors() : allowDescriptors(); }},
+                {"The event tap's thread cannot be started", [this](bool isRefused) {
+                     isRefused ? static_cast<void>(refusedThreads_.emplace()) : refusedThreads_.reset();
+                 }}};
+    }
+    bool hasNothingOfATap() override {
+        return !x11test::childNamed(getpid(), "ferrowyn-keyboard-guard") && soonHasThreads(threadsBefore_) &&
+               desktop_.waitForFreeKeyboard();
+    }
 
 private:
+    /// The process opens no file and no socket any more.
+    void refuseDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &descriptors_);
+        const rlimit none{0, descriptors_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    void allowDescriptors() const { setrlimit(RLIMIT_NOFILE, &descriptors_); }
+
     x11test::PrivateXServer server_;
     x11test::TestDesktop desktop_{server_.display()};
     x11test::TestInput input_{server_.display()};
     x11test::TestWindow window_{server_.display(), {}};
+    rlimit descriptors_{};
+    std::ptrdiff_t threadsBefore_ = threadCount();
+    std::optional<RefusedThreads> refusedThreads_;
     RecordedLog log_;
     X11InputContext context_;
-    X11EventTaps taps_{context_, log_, server_.display()};
+    X11KeyboardTaps taps_{context_, log_, server_.display()};
 };
 
-FERROWYN_HOLDS_TO(EventTapContract, X11, std::make_unique<X11KeyboardDriver>());
+FERROWYN_HOLDS_TO(KeyboardTapContract, X11, std::make_unique<X11KeyboardDriver>());
 
 class X11WorkspaceDriver final : public WorkspaceDriver {
 public:

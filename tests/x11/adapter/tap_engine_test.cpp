@@ -51,10 +51,11 @@ protected:
         auto connection = X11Connection::open(server.display().c_str());
         auto guard = X11KeyboardGuard::start(*connection, server.display(), log);
         hasGuard = guard != nullptr;
-        engine = X11TapEngine::create(
+        auto created = X11TapEngine::create(
             std::move(connection), std::move(guard), SwitcherModifier::option,
             [this](const TapEvent& event) { return handle(event); }, context, log);
-        engine->handle({.kind = X11TapRequest::Kind::enable});
+        engine = std::move(created.engine);
+        engine->setEnabled(true);
         serve();
     }
 
@@ -94,13 +95,12 @@ protected:
     /// Answers as the main thread does: these messages come when the test says so.
     void open(TapSession session) {
         isOpen = true;
-        tell(X11TapRequest::Kind::openSession, session);
+        engine->openSession(session);
     }
     void close(TapSession session) {
         isOpen = false;
-        tell(X11TapRequest::Kind::closeSession, session);
+        engine->closeSession(session);
     }
-    void tell(X11TapRequest::Kind kind, TapSession session) { engine->handle({.kind = kind, .session = session}); }
     [[nodiscard]] TapSession latest() const { return TapSession{requests}; }
     void openOneByTheTrigger() {
         const auto before = requests;
@@ -219,10 +219,10 @@ TEST_F(TapEngineTest, ALateEndOfALostSessionLeavesTheNextOneItsKeyboard) {
     const auto lost = latest();
     // A locker or a hung main thread takes the keyboard from the session; the tap is enabled again before the main
     // thread has closed the session, and the user presses the trigger at once.
-    engine->handle({.kind = X11TapRequest::Kind::keyboardUnavailable});
+    engine->loseKeyboard();
     isOpen = false;
     input.release(key::leftAlt);
-    engine->handle({.kind = X11TapRequest::Kind::enable});
+    engine->setEnabled(true);
     serve();
     input.press(key::leftAlt);
     input.tap(key::tab);
@@ -267,7 +267,7 @@ TEST_F(TapEngineTest, ASessionOpenedFromTheMenuMeanwhileIsNoAnswerToTakeTheKeybo
     const TapSession fromMenu{100};
     open(fromMenu);
     // The request found a session open.
-    tell(X11TapRequest::Kind::closeSession, latest());
+    engine->closeSession(latest());
     input.tap(key::q);
     EXPECT_TRUE(serveUntil([&] { return typed == u"q"; }));
     close(fromMenu);
@@ -308,7 +308,7 @@ TEST_F(TapEngineTest, ATriggerBehindAReleaseThatEndsNothingMovesTheSelection) {
 TEST_F(TapEngineTest, ATriggerThatComesWhileTheTapIsDisabledLeavesNoKeyDown) {
     // The server has grabbed the keyboard for this trigger and holds back what follows, before the tap is disabled.
     input.chord({key::leftAlt, key::tab});
-    engine->handle({.kind = X11TapRequest::Kind::disable});
+    engine->setEnabled(false);
     expectNothingLeft();
     EXPECT_EQ(requests, 0U);
 }

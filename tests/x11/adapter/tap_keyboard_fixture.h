@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "platform/log.h"
-#include "platform/x11/keyboard/x11_event_tap.h"
+#include "platform/x11/keyboard/x11_keyboard_tap.h"
 #include "platform/x11/keyboard/x11_tap_engine.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/adapter/tap_rig.h"

@@ -1,6 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <string>
+
 #include "tests/x11/adapter/tap_keyboard_fixture.h"
 
 namespace ferrowyn::x11test {
@@ -266,7 +272,7 @@ TEST_F(TapKeyboardTest, OfSeveralRequestsTheLastSaysWhetherItIsEnabled) {
     }
 }
 
-TEST_F(TapKeyboardTest, AnInvalidatedOrDisabledTapGivesTheKeyboardBack) {
+TEST_F(TapKeyboardTest, ADisabledOrRemovedTapGivesTheKeyboardBack) {
     TapRig rig(server.display(), {});
     startSession(rig);
     rig.tap().setEnabled(false);
@@ -277,11 +283,9 @@ TEST_F(TapKeyboardTest, AnInvalidatedOrDisabledTapGivesTheKeyboardBack) {
     rig.tap().setEnabled(true);
     ASSERT_TRUE(rig.settle());
     startSession(rig);
-    rig.tap().invalidate();
+    ASSERT_TRUE(rig.settle());
+    rig.removeTap();
     EXPECT_TRUE(desktop.keyboardIsFree());
-    EXPECT_FALSE(rig.tap().isEnabled());
-    rig.tap().setEnabled(true);
-    EXPECT_FALSE(rig.tap().isEnabled());
     input.release(key::leftAlt);
     expectNothingLeft();
 }
@@ -297,50 +301,114 @@ TEST_F(TapKeyboardTest, ALostConnectionDisablesTheTapForGoodAndCostsNoTime) {
     EXPECT_LT(rig.tapThreadCpuTime() - before, std::chrono::milliseconds(50));
 }
 
-TEST_F(TapKeyboardTest, ATapThatCannotBeginAnewSaysSoAndTriesAgainWhenItIsEnabled) {
+/// A tap whose engines the test makes.
+class MadeTapTest : public TapKeyboardTest {
+protected:
+    /// Called when the first engine has been made, with its connection.
+    std::function<void(const X11Connection&)> onEngine;
+    std::atomic<bool> isRefused{false};
     SilentLog log;
     X11InputContext context;
-    std::vector<TapEvent::Type> told;
-    xcb_pixmap_t handle = XCB_PIXMAP_NONE;
-    const auto make = [&](SwitcherModifier trigger) {
-        auto connection = X11Connection::open(server.display().c_str());
-        handle = xcb_generate_id(connection->get());
-        xcb_create_pixmap(connection->get(), 1, handle, connection->root(), 1, 1);
-        return X11TapEngine::create(
-            std::move(connection), nullptr, trigger,
-            [&](const TapEvent& event) {
-                told.push_back(event.type());
+
+    [[nodiscard]] std::unique_ptr<X11KeyboardTap> start() {
+        auto created = X11KeyboardTap::start([this](SwitcherModifier trigger) { return makeEngine(trigger); },
+                                             SwitcherModifier::option, log);
+        EXPECT_EQ(created.refusal, "");
+        return std::move(created.tap);
+    }
+    [[nodiscard]] std::vector<TapEvent::Type> takeTold() {
+        const std::scoped_lock guard(lock_);
+        return std::exchange(told_, {});
+    }
+    [[nodiscard]] bool waitUntilTold(TapEvent::Type type) {
+        return desktop.waitUntil([&] {
+            const std::scoped_lock guard(lock_);
+            return testing::Value(told_, Contains(type));
+        });
+    }
+
+private:
+    X11TapEngine::Creation makeEngine(SwitcherModifier trigger) {
+        if (isRefused) {
+            return {nullptr, "refused"};
+        }
+        auto created = X11TapEngine::create(
+            X11Connection::open(server.display().c_str()), nullptr, trigger,
+            [this](const TapEvent& event) {
+                const std::scoped_lock guard(lock_);
+                told_.push_back(event.type());
                 return TapVerdict{};
             },
             context, log);
+        if (const auto call = std::exchange(onEngine, nullptr)) {
+            call(created.engine->connection());
+        }
+        return created;
+    }
+
+    std::mutex lock_;
+    std::vector<TapEvent::Type> told_;
+};
+
+TEST_F(MadeTapTest, ATapThatCannotBeginAnewSaysSoAndTriesAgainWhenItIsEnabled) {
+    xcb_pixmap_t handle = XCB_PIXMAP_NONE;
+    onEngine = [&](const X11Connection& connection) {
+        handle = xcb_generate_id(connection.get());
+        xcb_create_pixmap(connection.get(), 1, handle, connection.root(), 1, 1);
+        xcb_flush(connection.get());
     };
-    bool isRefused = true;
-    X11EventTap tap(make(SwitcherModifier::option), SwitcherModifier::option,
-                    [&](SwitcherModifier trigger) { return isRefused ? nullptr : make(trigger); });
-    tap.noteServingThread();
-    tap.setEnabled(true);
-    ASSERT_TRUE(tap.isEnabled());
+    const auto tap = start();
+    ASSERT_NE(tap, nullptr);
+    ASSERT_TRUE(tap->isEnabled());
+    isRefused = true;
     // Somebody ends the connection, as the guard does.
     xcb_kill_client(desktop.connection(), handle);
-    EXPECT_TRUE(desktop.waitUntil([&] {
-        tap.serve();
-        return !tap.isEnabled();
-    }));
-    EXPECT_THAT(told, testing::ElementsAre(TapEvent::Type::disabledByUserInput));
-    tap.setEnabled(true);
-    EXPECT_FALSE(tap.isEnabled());
-    tap.setTrigger(SwitcherModifier::control);
+    EXPECT_TRUE(desktop.waitUntil([&] { return !tap->isEnabled(); }));
+    EXPECT_TRUE(waitUntilTold(TapEvent::Type::disabledByUserInput));
+    tap->setEnabled(true);
+    EXPECT_FALSE(tap->isEnabled());
+    tap->setTrigger(SwitcherModifier::control);
     isRefused = false;
-    tap.setEnabled(true);
-    EXPECT_TRUE(tap.isEnabled());
-    told.clear();
-    input.chord({key::leftControl, key::tab});
+    tap->setEnabled(true);
+    EXPECT_TRUE(desktop.waitUntil([&] { return tap->isEnabled(); }));
+    EXPECT_THAT(takeTold(), testing::ElementsAre(TapEvent::Type::disabledByUserInput));
     EXPECT_TRUE(desktop.waitUntil([&] {
-        tap.serve();
-        return testing::Value(told, Contains(TapEvent::Type::keyDown));
+        input.chord({key::leftControl, key::tab});
+        return testing::Value(takeTold(), Contains(TapEvent::Type::keyDown));
     }));
-    tap.invalidate();
-    input.releaseAll();
+}
+
+TEST_F(MadeTapTest, AThreadThatIsSlowToServeIsWaitedForOneSecondAndServesTheTapAllTheSame) {
+    auto* const other = desktop.connection();
+    onEngine = [&](const X11Connection&) {
+        // The thread's grabs wait for this client from here on.
+        xcb_grab_server(other);
+        const XcbReply<xcb_get_input_focus_reply_t> sync(
+            xcb_get_input_focus_reply(other, xcb_get_input_focus(other), nullptr));
+    };
+    const auto before = std::chrono::steady_clock::now();
+    const auto tap = start();
+    const auto waited = std::chrono::steady_clock::now() - before;
+    ASSERT_NE(tap, nullptr);
+    EXPECT_GE(waited, std::chrono::seconds(1));
+    EXPECT_TRUE(tap->isEnabled());
+    xcb_ungrab_server(other);
+    xcb_flush(other);
+    EXPECT_TRUE(desktop.waitUntil([&] {
+        input.chord({key::leftAlt, key::tab});
+        return testing::Value(takeTold(), Contains(TapEvent::Type::keyDown));
+    }));
+}
+
+TEST_F(TapKeyboardTest, TheThreadHasTheEndOfItsName) {
+    TapRig rig(server.display(), {});
+    std::vector<std::string> names;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::string name;
+        std::getline(std::ifstream(task.path() / "comm"), name);
+        names.push_back(name);
+    }
+    EXPECT_THAT(names, Contains("kmoor.event-tap"));
 }
 
 TEST_F(TapKeyboardTest, TellsWhenTheUserLastActedAndWhereThePointerIs) {

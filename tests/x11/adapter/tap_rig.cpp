@@ -3,7 +3,6 @@
 #include <pthread.h>
 #include <time.h>
 
-#include <future>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -30,60 +29,26 @@ TapRig::TapRig(const std::string& display, const Options& options)
       taps_(context_, log_, display),
       observer_(X11Connection::open(display.c_str())),
       random_(options.seed) {
-    tap_ =
-        taps_.create(EventTaps::keyboardMask, options.trigger, [this](const TapEvent& event) { return handle(event); });
-    if (tap_ == nullptr) {
-        throw std::runtime_error("no tap");
+    auto started = taps_.start(options.trigger, [this](const TapEvent& event) { return handle(event); });
+    if (started.tap == nullptr) {
+        throw std::runtime_error(started.refusal);
     }
-    source_ = taps_.createSource(tap_);
+    tap_ = std::move(started.tap);
+    tap().post([this](X11TapEngine&) { tapThreadHandle_ = pthread_self(); });
     mainThread_ = std::thread([this] { runMain(); });
-    std::promise<void> started;
-    tapThread_ = taps_.startThread("test-tap", [this, &started] {
-        tapThreadHandle_ = pthread_self();
-        loop_ = taps_.currentRunLoop();
-        source_->addTo(*loop_);
-        tap_->setEnabled(true);
-        started.set_value();
-        while (keepRunning_) {
-            int requested = 0;
-            {
-                const std::scoped_lock guard(lock_);
-                requested = requestedLaps_;
-            }
-            if (requested > laps_) {
-                // Two passes of its own, because a stopped loop handles nothing: the first may end with the request.
-                loop_->runFor(Seconds::zero());
-                loop_->runFor(Seconds::zero());
-            } else {
-                loop_->runFor(Seconds(1));
-            }
-            {
-                const std::scoped_lock guard(lock_);
-                laps_ = requested;
-            }
-            changed_.notify_all();
-        }
-    });
-    started.get_future().wait();
+    if (!waitForTapThread()) {
+        throw std::runtime_error("the tap's thread does not run");
+    }
 }
 
 TapRig::~TapRig() {
-    tap_->setEnabled(false);
-    stopThread();
-    tap_->invalidate();
     {
         const std::scoped_lock guard(lock_);
         isEnding_ = true;
     }
     changed_.notify_all();
     mainThread_.join();
-}
-
-void TapRig::stopThread() {
-    keepRunning_ = false;
-    source_->removeFrom(*loop_);
-    loop_->stop();
-    tapThread_.reset();
+    tap_.reset();
 }
 
 TapVerdict TapRig::handle(const TapEvent& event) {
@@ -268,18 +233,29 @@ bool TapRig::settle() {
             const XcbReply<xcb_get_input_focus_reply_t> reply(
                 xcb_get_input_focus_reply(observer_->get(), xcb_get_input_focus(observer_->get()), nullptr));
         }
-        int lap = 0;
-        {
-            const std::scoped_lock guard(lock_);
-            lap = ++requestedLaps_;
-            // Never later than the thread sees the request.
-            loop_->stop();
-        }
-        if (!waitUntil([&] { return laps_ >= lap && commands_.empty() && !isMainBusy_; })) {
+        // Between the two, it has handled what the server had for it.
+        if (!waitForTapThread() || !waitForTapThread() ||
+            !waitUntil([&] { return commands_.empty() && !isMainBusy_; })) {
             return false;
         }
     }
     return true;
+}
+
+bool TapRig::waitForTapThread() {
+    int before = 0;
+    {
+        const std::scoped_lock guard(lock_);
+        before = laps_;
+    }
+    tap().post([this](X11TapEngine&) {
+        {
+            const std::scoped_lock guard(lock_);
+            ++laps_;
+        }
+        changed_.notify_all();
+    });
+    return waitUntil([&] { return laps_ > before; });
 }
 
 std::chrono::nanoseconds TapRig::tapThreadCpuTime() const {

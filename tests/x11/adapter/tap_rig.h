@@ -13,10 +13,10 @@
 #include <thread>
 #include <vector>
 
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 #include "platform/log.h"
-#include "platform/x11/keyboard/x11_event_tap.h"
 #include "platform/x11/keyboard/x11_input_context.h"
+#include "platform/x11/keyboard/x11_keyboard_tap.h"
 #include "platform/x11/x11_connection.h"
 #include "tests/x11/harness/child_process.h"
 
@@ -53,8 +53,8 @@ public:
     TapRig(const TapRig&) = delete;
     TapRig& operator=(const TapRig&) = delete;
 
-    [[nodiscard]] EventTap& tap() { return *tap_; }
-    [[nodiscard]] X11EventTaps& taps() { return taps_; }
+    [[nodiscard]] X11KeyboardTap& tap() { return dynamic_cast<X11KeyboardTap&>(*tap_); }
+    [[nodiscard]] X11KeyboardTaps& taps() { return taps_; }
     [[nodiscard]] X11InputContext& context() { return context_; }
 
     /// Waits until the tap has handled everything that the server had for it by now, and the main thread as well.
@@ -84,8 +84,8 @@ public:
     /// From the menu, or by a click elsewhere: on the main thread, without a key.
     void openFromMenu();
     void close();
-    /// The thread ends; the tap stays with its owner.
-    void stopThread();
+    /// Destroys the tap; the rig has none after that.
+    void removeTap() { tap_.reset(); }
 
 private:
     struct Command {
@@ -104,6 +104,8 @@ private:
     TapVerdict handleKeyDown(const TapEvent& event, bool wasVisible);
     void record(const TapEvent& event, const std::u16string& text, bool wasVisible);
     void post(const Command& command);
+    /// Waits until the tap's thread has run a command. It handles what the server has for it after its commands.
+    [[nodiscard]] bool waitForTapThread();
     void runMain();
     void execute(const Command& command);
     void open(TapSession session, bool isHoldModeActive);
@@ -112,13 +114,9 @@ private:
     Options options_;
     QuietLog log_;
     X11InputContext context_;
-    X11EventTaps taps_;
+    X11KeyboardTaps taps_;
     std::unique_ptr<X11Connection> observer_;
-    std::shared_ptr<EventTap> tap_;
-    std::shared_ptr<TapRunLoopSource> source_;
-    std::shared_ptr<TapRunLoop> loop_;
-    std::atomic<bool> keepRunning_{true};
-    std::unique_ptr<TapThread> tapThread_;
+    std::unique_ptr<KeyboardTap> tap_;
     std::atomic<pthread_t> tapThreadHandle_{};
 
     mutable std::mutex lock_;
@@ -135,9 +133,8 @@ private:
     std::vector<Seen> seen_;
     std::deque<Command> commands_;
     bool isMainBusy_ = false;
-    /// Counts the passes of the tap thread's loop that `settle` asked for.
+    /// Counts the commands of `settle` that the tap's thread has run.
     int laps_ = 0;
-    int requestedLaps_ = 0;
     bool isEnding_ = false;
     std::mt19937 random_;
     std::thread mainThread_;

@@ -106,7 +106,7 @@ TEST_P(TapSessionsTest, TheTriggerReachesTheCallbackAtOnce) {
         hand.releaseTrigger();
         ASSERT_TRUE(rig.waitForClosed(session)) << session;
     }
-    rig.stopThread();
+    rig.removeTap();
     const auto count = latencies.size();
     ASSERT_EQ(count, static_cast<std::size_t>(GetParam().sessions));
     std::sort(latencies.begin(), latencies.end());

@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 #include "platform/x11/keyboard/x11_keyboard_layout.h"
 
 namespace ferrowyn {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 #include "platform/x11/keyboard/x11_input_context.h"
 #include "platform/x11/keyboard/x11_keyboard_event.h"
 #include "platform/x11/keyboard/x11_tap_keyboard.h"
@@ -20,7 +20,7 @@ class X11TapDelivery {
 public:
     using Clock = std::chrono::steady_clock;
 
-    X11TapDelivery(EventTaps::Callback callback, X11TapKeyboard& keyboard, X11InputContext& context)
+    X11TapDelivery(TapCallback callback, X11TapKeyboard& keyboard, X11InputContext& context)
         : callback_(std::move(callback)), keyboard_(keyboard), context_(context) {}
 
     TapVerdict key(const X11KeyboardEvent& event);
@@ -45,7 +45,7 @@ private:
     void askMainThread();
     void postQuestion();
 
-    EventTaps::Callback callback_;
+    TapCallback callback_;
     X11TapKeyboard& keyboard_;
     X11InputContext& context_;
     /// Whether the latest question to the main thread was answered; set there. Shared, because the answer may come

@@ -16,25 +16,25 @@ constexpr std::string_view category = "input";
 
 }  // namespace
 
-std::unique_ptr<X11TapEngine> X11TapEngine::create(std::unique_ptr<X11Connection> connection,
-                                                   std::unique_ptr<X11KeyboardGuard> guard, SwitcherModifier trigger,
-                                                   EventTaps::Callback callback, X11InputContext& context, Log& log) {
+X11TapEngine::Creation X11TapEngine::create(std::unique_ptr<X11Connection> connection,
+                                            std::unique_ptr<X11KeyboardGuard> guard, SwitcherModifier trigger,
+                                            TapCallback callback, X11InputContext& context, Log& log) {
     auto reader = X11KeyboardReader::create(*connection);
     if (!reader) {
-        log.write(LogLevel::error, category, "The X server has no XInput 2.2 or no XKB");
-        return nullptr;
+        return {nullptr, "The X server has no XInput 2.2 or no XKB"};
     }
     auto keyboard = X11TapKeyboard::create(*connection, trigger, log);
     if (keyboard == nullptr) {
-        return nullptr;
+        return {nullptr, "The X server's keymap cannot be read"};
     }
-    return std::unique_ptr<X11TapEngine>(new X11TapEngine(std::move(connection), std::move(guard), std::move(keyboard),
-                                                          *reader, std::move(callback), context, log));
+    return {std::unique_ptr<X11TapEngine>(new X11TapEngine(std::move(connection), std::move(guard), std::move(keyboard),
+                                                           *reader, std::move(callback), context, log)),
+            {}};
 }
 
 X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11KeyboardGuard> guard,
-                           std::unique_ptr<X11TapKeyboard> keyboard, X11KeyboardReader reader,
-                           EventTaps::Callback callback, X11InputContext& context, Log& log)
+                           std::unique_ptr<X11TapKeyboard> keyboard, X11KeyboardReader reader, TapCallback callback,
+                           X11InputContext& context, Log& log)
     : connection_(std::move(connection)),
       guard_(std::move(guard)),
       keyboard_(std::move(keyboard)),
@@ -57,36 +57,17 @@ X11TapEngine::~X11TapEngine() {
         xcb_get_input_focus_reply(connection_->get(), xcb_get_input_focus(connection_->get()), nullptr));
 }
 
-void X11TapEngine::handle(const X11TapRequest& request) {
-    switch (request.kind) {
-        case X11TapRequest::Kind::enable:
-            isEnabled_ = true;
-            applyGrabs();
-            break;
-        case X11TapRequest::Kind::disable:
-            isEnabled_ = false;
-            endSession();
-            applyGrabs();
-            break;
-        case X11TapRequest::Kind::setTrigger:
-            keyboard_->setTrigger(request.trigger);
-            applyGrabs();
-            break;
-        case X11TapRequest::Kind::openSession:
-            openSession(request.session);
-            break;
-        case X11TapRequest::Kind::closeSession:
-            if (session_ == request.session) {
-                endSession();
-            }
-            break;
-        case X11TapRequest::Kind::probeKeyboard:
-            probeKeyboard();
-            break;
-        case X11TapRequest::Kind::keyboardUnavailable:
-            loseKeyboard();
-            break;
+void X11TapEngine::setEnabled(bool isEnabled) {
+    isEnabled_ = isEnabled;
+    if (!isEnabled) {
+        endSession();
     }
+    applyGrabs();
+}
+
+void X11TapEngine::setTrigger(SwitcherModifier trigger) {
+    keyboard_->setTrigger(trigger);
+    applyGrabs();
 }
 
 bool X11TapEngine::serve() {
@@ -483,6 +464,12 @@ void X11TapEngine::openSession(TapSession session) {
     }
 }
 
+void X11TapEngine::closeSession(TapSession session) {
+    if (session_ == session) {
+        endSession();
+    }
+}
+
 void X11TapEngine::seizeForOpenSession() {
     seizureRetry_.reset();
     receive();
@@ -531,8 +518,6 @@ void X11TapEngine::endSession() {
     }
 }
 
-/// Another program needs the keyboard, or the main thread does not take its keys. The tap is disabled; its owner ends
-/// the session and enables it again.
 void X11TapEngine::loseKeyboard() {
     isEnabled_ = false;
     onLoss();

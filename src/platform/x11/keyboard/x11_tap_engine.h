@@ -5,9 +5,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "core/switcher_options.h"
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 #include "platform/x11/keyboard/x11_event_queue.h"
 #include "platform/x11/keyboard/x11_input_method.h"
 #include "platform/x11/keyboard/x11_keyboard_event.h"
@@ -16,7 +17,6 @@
 #include "platform/x11/keyboard/x11_keyboard_reader.h"
 #include "platform/x11/keyboard/x11_tap_delivery.h"
 #include "platform/x11/keyboard/x11_tap_keyboard.h"
-#include "platform/x11/keyboard/x11_tap_mailbox.h"
 #include "platform/x11/x11_connection.h"
 
 namespace ferrowyn {
@@ -25,7 +25,7 @@ class Log;
 struct X11InputContext;
 
 /// The part of a tap that runs on its thread: it waits for the trigger, grabs the keyboard, asks for a session,
-/// delivers the session's keys and ungrabs the keyboard. Owned by `X11EventTap`; tap thread.
+/// delivers the session's keys and ungrabs the keyboard. Owned by `X11KeyboardTap`; tap thread.
 class X11TapEngine {
 public:
     using Clock = std::chrono::steady_clock;
@@ -41,11 +41,17 @@ public:
     static constexpr std::chrono::milliseconds seizureRetryInterval{20};
     static constexpr std::chrono::milliseconds seizureRetryTimeout{1000};
 
-    /// Null when the server lacks an extension. Without a guard, no grab freezes the keyboard. Waits for the server.
-    [[nodiscard]] static std::unique_ptr<X11TapEngine> create(std::unique_ptr<X11Connection> connection,
-                                                              std::unique_ptr<X11KeyboardGuard> guard,
-                                                              SwitcherModifier trigger, EventTaps::Callback callback,
-                                                              X11InputContext& context, Log& log);
+    /// Exactly one of the two is set.
+    struct Creation {
+        std::unique_ptr<X11TapEngine> engine;
+        /// Why there is no engine, in words for the log.
+        std::string refusal;
+    };
+
+    /// A disabled engine. Without a guard, no grab freezes the keyboard. Waits for the server.
+    [[nodiscard]] static Creation create(std::unique_ptr<X11Connection> connection,
+                                         std::unique_ptr<X11KeyboardGuard> guard, SwitcherModifier trigger,
+                                         TapCallback callback, X11InputContext& context, Log& log);
     /// Ungrabs the keyboard and waits until the server has done it.
     ~X11TapEngine();
     X11TapEngine(const X11TapEngine&) = delete;
@@ -56,7 +62,16 @@ public:
     [[nodiscard]] const X11InputMethod* inputMethod() const { return inputMethod_.get(); }
     /// The guard's socket; -1 without a guard.
     [[nodiscard]] int guardDescriptor() const { return guard_ != nullptr ? guard_->fileDescriptor() : -1; }
-    void handle(const X11TapRequest& request);
+
+    void setEnabled(bool isEnabled);
+    void setTrigger(SwitcherModifier trigger);
+    void openSession(TapSession session);
+    void closeSession(TapSession session);
+    /// Tries whether another client still has an active keyboard grab.
+    void probeKeyboard();
+    /// Another client needs the keyboard, or the main thread does not take its keys: ungrabs it, disables the tap and
+    /// reports that. The tap's owner ends the session and enables the tap again.
+    void loseKeyboard();
     /// The guard closed the connection of the engine before this one. Reports that its session has ended.
     void reportLoss();
     /// This engine's connection is lost, and there is no new engine yet.
@@ -72,7 +87,7 @@ private:
     enum class Phase { hidden, awaitingAnswer, open };
 
     X11TapEngine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11KeyboardGuard> guard,
-                 std::unique_ptr<X11TapKeyboard> keyboard, X11KeyboardReader reader, EventTaps::Callback callback,
+                 std::unique_ptr<X11TapKeyboard> keyboard, X11KeyboardReader reader, TapCallback callback,
                  X11InputContext& context, Log& log);
 
     void answerGuard();
@@ -105,18 +120,15 @@ private:
     void followLostTrigger(std::uint32_t modifiers);
     void judgeLostTrigger();
     void awaitAnswer();
-    void openSession(TapSession session);
     void seizeForOpenSession();
     void endSession();
     void giveKeyboardBack();
-    void loseKeyboard();
     [[nodiscard]] std::optional<Clock::time_point> sessionDeadline() const;
     void reportActiveWindow(xcb_window_t window) const;
     /// Tells the callback that the modifiers are these now.
     void deliverModifiers(std::uint32_t modifiers);
     /// A trigger that is pressed while the session may be ending belongs to the next one if it does.
     [[nodiscard]] bool mustWaitForTheEnd(const X11KeyboardEvent& event) const;
-    void probeKeyboard();
     /// Grabs the keyboard and ungrabs it at once.
     [[nodiscard]] bool isKeyboardFree();
 

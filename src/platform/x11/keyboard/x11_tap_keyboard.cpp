@@ -29,26 +29,26 @@ X11TapKeyboard::X11TapKeyboard(const X11Connection& connection, SwitcherModifier
       text_(xkbContext_.get()),
       grabs_(connection, log) {
     grabs_.readDevices();
-    readLayout();
+    static_cast<void>(readLayout());
 }
 
 void X11TapKeyboard::refresh(const X11KeyboardReader::Changes& changes) {
     if (changes.devices) {
         grabs_.readDevices();
     }
-    if (changes.layout) {
-        readLayout();
+    if (changes.layout && !readLayout()) {
+        log_.write(LogLevel::error, category, "The X server's keymap cannot be read");
     }
 }
 
-void X11TapKeyboard::readLayout() {
+bool X11TapKeyboard::readLayout() {
     auto layout = X11KeyboardLayout::read(connection_, xkbContext_.get());
     if (layout == nullptr) {
-        log_.write(LogLevel::error, category, "The X server's keymap cannot be read");
-        return;
+        return false;
     }
     layout_ = std::move(layout);
     text_.setLayout(*layout_);
+    return true;
 }
 
 void X11TapKeyboard::applyGrabs(bool isEnabled, bool isKeyboardHeld) {

@@ -50,7 +50,8 @@ public:
 
 private:
     X11TapKeyboard(const X11Connection& connection, SwitcherModifier trigger, Log& log);
-    void readLayout();
+    /// False when the server's keymap cannot be read; the layout stays as it was.
+    [[nodiscard]] bool readLayout();
     [[nodiscard]] bool isTriggerKey(std::uint32_t keyCode) const;
 
     const X11Connection& connection_;

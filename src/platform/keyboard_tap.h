@@ -53,30 +53,21 @@ struct TapVerdict {
     friend bool operator==(const TapVerdict&, const TapVerdict&) = default;
 };
 
-/// The event loop of the tap thread. Created on that thread; any thread may stop it.
-class TapRunLoop {
+/// Decides about one event. Called on the tap's thread; must not block.
+using TapCallback = std::function<TapVerdict(const TapEvent&)>;
+
+/// An installed keyboard tap and the thread that serves it. It filters the key presses, key releases and changes of the
+/// modifiers of the whole login session, before all other taps. Thread-safe, except for its destruction: on the main
+/// thread, it disables and removes the tap, gives back what the tap holds of the keyboard, and waits for the thread;
+/// the callback is not called any more after that.
+class KeyboardTap {
 public:
-    virtual ~TapRunLoop() = default;
+    virtual ~KeyboardTap() = default;
 
-    /// Handles events for up to `slice`. Returns earlier when `stop` is called. Tap thread.
-    virtual void runFor(Seconds slice) = 0;
-    /// Makes `runFor` return soon. From any thread.
-    virtual void stop() = 0;
-};
-
-/// An installed keyboard tap. Thread-safe; destroying it removes it.
-class EventTap {
-public:
-    virtual ~EventTap() = default;
-
-    /// Enables or disables the tap. A tap that no loop serves yet may be enabled; it lets every event pass until then.
-    /// Callers disable a tap before they remove its source.
     virtual void setEnabled(bool enabled) = 0;
-    /// The last value given to `setEnabled`. False after the system disabled the tap or the connection to the system
-    /// was lost, until it is enabled again.
+    /// True after the start, then the last value given to `setEnabled`. False after the system disabled the tap or the
+    /// connection to the system was lost, until the tap is enabled again.
     [[nodiscard]] virtual bool isEnabled() const = 0;
-    /// Ends the tap for good: it delivers no more events and releases its grabs of the keyboard.
-    virtual void invalidate() = 0;
 
     /// Sets the modifier that opens the switcher. A tap that must register its keys registers the trigger with this
     /// modifier; a tap that sees every key may ignore it.
@@ -90,44 +81,27 @@ public:
     virtual void closeSession(TapSession session) = 0;
 };
 
-/// The run-loop source of a tap. The tap delivers events while the source is attached to the tap thread's loop.
-class TapRunLoopSource {
+/// Starts keyboard taps. Outlives them. Main thread.
+class KeyboardTaps {
 public:
-    virtual ~TapRunLoopSource() = default;
+    virtual ~KeyboardTaps() = default;
 
-    /// Tap thread.
-    virtual void addTo(TapRunLoop& loop) = 0;
-    /// From any thread.
-    virtual void removeFrom(TapRunLoop& loop) = 0;
-};
+    /// Exactly one of the two is set.
+    struct Start {
+        std::unique_ptr<KeyboardTap> tap;
+        /// Why there is no tap, in words for the log.
+        std::string refusal;
+    };
 
-/// A running thread. Destroying it joins it, so its body must end by then.
-class TapThread {
-public:
-    virtual ~TapThread() = default;
-};
+    /// The name of the thread that serves a tap. It runs at the highest priority that the system grants.
+    static constexpr std::string_view threadName = "com.larkmoor.event-tap";
+    /// How long `start` waits for that thread. A thread that is slower serves the tap from its own start on; until
+    /// then no key waits for it.
+    static constexpr Seconds threadStartTimeout{1.0};
+    static constexpr std::string_view threadRefusal = "The event tap's thread cannot be started";
 
-/// Creates event taps, and the thread that serves one.
-class EventTaps {
-public:
-    virtual ~EventTaps() = default;
-
-    /// Called on the tap thread; must not block.
-    using Callback = std::function<TapVerdict(const TapEvent&)>;
-
-    /// The mask of event types: bit n set asks for type n.
-    static constexpr std::uint64_t keyboardMask = 0x1C00;
-
-    /// Installs a tap for the whole login session that filters events before all other taps; disabled at first. Null
-    /// when the system refuses. Main thread.
-    [[nodiscard]] virtual std::shared_ptr<EventTap> create(std::uint64_t mask, SwitcherModifier trigger,
-                                                           Callback callback) = 0;
-    /// Null when the system refuses. Main thread.
-    [[nodiscard]] virtual std::shared_ptr<TapRunLoopSource> createSource(const std::shared_ptr<EventTap>& tap) = 0;
-    /// The loop of the calling thread. Tap thread.
-    [[nodiscard]] virtual std::shared_ptr<TapRunLoop> currentRunLoop() = 0;
-    /// Starts a thread with this name at the highest quality of service; null when the system refuses. Main thread.
-    [[nodiscard]] virtual std::unique_ptr<TapThread> startThread(std::string_view name, std::function<void()> body) = 0;
+    /// Installs an enabled tap and starts its thread. When any step of that is refused, nothing of the tap is left.
+    [[nodiscard]] virtual Start start(SwitcherModifier trigger, TapCallback callback) = 0;
 };
 
 }  // namespace ferrowyn

@@ -5,11 +5,9 @@
 #include <functional>
 #include <utility>
 
-#include "platform/event_tap.h"
+#include "platform/keyboard_tap.h"
 
 namespace ferrowyn {
-
-class Log;
 
 /// An event of the system's tap, borrowed for the length of the callback. Tap thread.
 class MacTapEvent final : public TapEvent {
@@ -31,23 +29,19 @@ private:
     CGEventRef event_;
 };
 
-/// The system's own event taps, and the thread that serves one.
-class MacEventTaps final : public EventTaps {
+/// Taps of the session's keyboard, ahead of all others, each served by the run loop of a thread. A tap filters every
+/// event, so it needs to know neither the trigger nor the session.
+class MacKeyboardTaps final : public KeyboardTaps {
 public:
     /// Does the work in an autorelease pool of its own.
     using InPool = std::function<void(const std::function<void()>& work)>;
 
-    /// The log outlives this. The tap's thread has no pool of its own, and the system's functions autorelease too.
-    MacEventTaps(Log& log, InPool inPool) : log_(log), inPool_(std::move(inPool)) {}
+    /// The tap's thread has no pool of its own, and the system's functions autorelease too.
+    explicit MacKeyboardTaps(InPool inPool) : inPool_(std::move(inPool)) {}
 
-    [[nodiscard]] std::shared_ptr<EventTap> create(std::uint64_t mask, SwitcherModifier trigger,
-                                                   Callback callback) override;
-    [[nodiscard]] std::shared_ptr<TapRunLoopSource> createSource(const std::shared_ptr<EventTap>& tap) override;
-    [[nodiscard]] std::shared_ptr<TapRunLoop> currentRunLoop() override;
-    [[nodiscard]] std::unique_ptr<TapThread> startThread(std::string_view name, std::function<void()> body) override;
+    [[nodiscard]] Start start(SwitcherModifier trigger, TapCallback callback) override;
 
 private:
-    Log& log_;
     InPool inPool_;
 };
 

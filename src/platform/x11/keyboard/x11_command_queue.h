@@ -1,0 +1,33 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <mutex>
+
+namespace ferrowyn {
+
+/// Carries commands to the tap thread in their order and wakes it. Any thread.
+class X11CommandQueue {
+public:
+    using Command = std::function<void()>;
+
+    X11CommandQueue();
+    ~X11CommandQueue();
+    X11CommandQueue(const X11CommandQueue&) = delete;
+    X11CommandQueue& operator=(const X11CommandQueue&) = delete;
+
+    /// Readable while a command waits.
+    [[nodiscard]] int fileDescriptor() const { return eventDescriptor_; }
+    void post(Command command);
+    /// Runs the commands that wait. Tap thread.
+    void run();
+
+private:
+    [[nodiscard]] Command take();
+
+    int eventDescriptor_;
+    std::mutex lock_;
+    std::deque<Command> commands_;
+};
+
+}  // namespace ferrowyn
