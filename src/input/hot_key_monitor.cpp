@@ -154,8 +154,10 @@ void HotKeyMonitor::deliver(const SwitcherCommand& command, std::optional<TapSes
     assert(mainLoop_.isMainThread());
     // The owner may stop or even destroy the monitor while it handles the command.
     const auto state = state_;
-    if (request) {
-        state->beginRequest(*request);
+    if (request && !state->beginRequest(*request)) {
+        // The user has gone on without a panel; one that opens now has neither the keys nor the moment.
+        log_.write(LogLevel::standard, category, "The trigger was handled too late; no session is opened for it");
+        return;
     }
     if (const auto callback = onCommand) {
         callback(command);

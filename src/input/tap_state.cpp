@@ -77,9 +77,19 @@ TapSession TapState::nextSession() {
     return TapSession{++sessionCount_};
 }
 
-void TapState::beginRequest(TapSession request) {
+bool TapState::beginRequest(TapSession request) {
+    KeyboardTap* tap = nullptr;
+    {
+        const std::scoped_lock guard(lock_);
+        tap = tapPort_;
+    }
+    if (tap != nullptr && tap->hasGivenUp(request)) {
+        tap->closeSession(request);
+        return false;
+    }
     const std::scoped_lock guard(lock_);
     request_ = request;
+    return true;
 }
 
 void TapState::endRequest() {

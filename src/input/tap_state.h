@@ -41,8 +41,9 @@ public:
 
     /// Numbers a session that an event asks for. Tap thread.
     [[nodiscard]] TapSession requestSession();
-    /// The main thread handles this request from now on: a session that opens is the one it asks for.
-    void beginRequest(TapSession request);
+    /// The main thread handles this request from now on: a session that opens is the one it asks for. False when the
+    /// tap has given the request up; it has been answered then. Main thread.
+    [[nodiscard]] bool beginRequest(TapSession request);
     /// Ends the request. If no session was opened for it, the tap is told so; otherwise it would go on holding keys
     /// back. Main thread.
     void endRequest();

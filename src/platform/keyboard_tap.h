@@ -79,6 +79,10 @@ public:
     /// This session has ended, or was requested and not opened. Has no effect when the tap has another session: the end
     /// of a session that the tap has lost may come after the next one was requested.
     virtual void closeSession(TapSession session) = 0;
+    /// Whether the tap has given this request up, because the main thread did not answer in time or something else
+    /// needed the keyboard. What the user has typed since went to the application, so the main thread opens no session
+    /// for it any more, and answers with `closeSession`. A tap that holds no events back gives nothing up.
+    [[nodiscard]] virtual bool hasGivenUp(TapSession session) const = 0;
 };
 
 /// Starts keyboard taps. Outlives them. Main thread.

@@ -299,6 +299,19 @@ TEST_F(HotKeyMonitorTest, AnswersARequestThatFoundTheSessionOpenAlready) {
     EXPECT_EQ(tap->sessions[1], (SessionCall{false, true, false, *requested}));
 }
 
+TEST_F(HotKeyMonitorTest, DropsTriggersThatTheTapHasGivenUpAndHandlesTheNextOne) {
+    start();
+    for (int trigger = 1; trigger <= 2; ++trigger) {
+        desktop.keyDown(optionTab);
+        desktop.giveUpTapRequest();
+    }
+    desktop.keyDown(optionShiftTab);
+    desktop.settle();
+    EXPECT_THAT(commands, ElementsAre(command::Invoke{true}));
+    const auto dropped = standard("The trigger was handled too late; no session is opened for it");
+    EXPECT_THAT(desktop.takeLog(), ElementsAre(dropped, dropped));
+}
+
 TEST_F(HotKeyMonitorTest, ToleratesMissingCallbacks) {
     monitor->onCommand = nullptr;
     monitor->onTapDisabled = nullptr;

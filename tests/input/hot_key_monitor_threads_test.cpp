@@ -62,6 +62,7 @@ private:
         void setTrigger(SwitcherModifier) override {}
         void openSession(TapSession) override {}
         void closeSession(TapSession) override {}
+        [[nodiscard]] bool hasGivenUp(TapSession) const override { return false; }
 
     private:
         void run() {

@@ -365,6 +365,7 @@ TEST_F(SwitcherControllerTest, TheChosenWindowIsAskedForBeforeTheNextTriggerOpen
         void setTrigger(SwitcherModifier) override {}
         void openSession(TapSession) override {}
         void closeSession(TapSession) override { onClosed_(); }
+        [[nodiscard]] bool hasGivenUp(TapSession) const override { return false; }
 
     private:
         std::function<void()> onClosed_;

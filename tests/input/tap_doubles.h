@@ -61,7 +61,9 @@ public:
     }
     void openSession(TapSession session) override { note(true, session); }
     void closeSession(TapSession session) override { note(false, session); }
+    [[nodiscard]] bool hasGivenUp(TapSession session) const override { return session == givenUp; }
 
+    std::optional<TapSession> givenUp;
     std::vector<std::string> calls;
     std::vector<SessionCall> sessions;
     std::vector<SwitcherModifier> triggers;

@@ -64,7 +64,7 @@ TEST_F(TapStateTest, NoTwoSessionsHaveTheSameNumber) {
 TEST_F(TapStateTest, ASessionThatOpensForARequestHasItsNumber) {
     state.setTapPort(tap);
     const auto requested = state.requestSession();
-    state.beginRequest(requested);
+    EXPECT_TRUE(state.beginRequest(requested));
     state.openSession(true);
     state.endRequest();
     EXPECT_THAT(tap->sessions, ElementsAre(SessionCall{true, true, true, requested}));
@@ -76,8 +76,18 @@ TEST_F(TapStateTest, ASessionThatOpensForARequestHasItsNumber) {
 TEST_F(TapStateTest, RefusesARequestThatNoSessionWasOpenedFor) {
     state.setTapPort(tap);
     const auto requested = state.requestSession();
-    state.beginRequest(requested);
+    EXPECT_TRUE(state.beginRequest(requested));
     state.endRequest();
+    EXPECT_THAT(tap->sessions, ElementsAre(SessionCall{false, false, false, requested}));
+    state.openSession(true);
+    EXPECT_NE(tap->sessions.back().session, requested);
+}
+
+TEST_F(TapStateTest, ARequestThatTheTapHasGivenUpIsAnsweredAtOnceAndOpensNoSession) {
+    state.setTapPort(tap);
+    const auto requested = state.requestSession();
+    tap->givenUp = requested;
+    EXPECT_FALSE(state.beginRequest(requested));
     EXPECT_THAT(tap->sessions, ElementsAre(SessionCall{false, false, false, requested}));
     state.openSession(true);
     EXPECT_NE(tap->sessions.back().session, requested);
@@ -86,7 +96,7 @@ TEST_F(TapStateTest, RefusesARequestThatNoSessionWasOpenedFor) {
 TEST_F(TapStateTest, ASessionThatIsOpenGoesOnWhenItIsOpenedAgain) {
     state.setTapPort(tap);
     state.openSession(true);
-    state.beginRequest(state.requestSession());
+    EXPECT_TRUE(state.beginRequest(state.requestSession()));
     state.openSession(false);
     state.tellTapOfSession();
     EXPECT_THAT(tap->calls, ElementsAre("open", "open", "open"));
@@ -101,7 +111,7 @@ TEST_F(TapStateTest, TellsNobodyWithoutATap) {
     state.openSession(true);
     state.tellTapOfSession();
     state.closeSession();
-    state.beginRequest(state.requestSession());
+    EXPECT_TRUE(state.beginRequest(state.requestSession()));
     state.endRequest();
     EXPECT_THAT(tap->calls, IsEmpty());
     EXPECT_THAT(tap->triggers, IsEmpty());

@@ -107,6 +107,7 @@ public:
     void setTrigger(SwitcherModifier /*modifier*/) override {}
     void openSession(TapSession /*session*/) override {}
     void closeSession(TapSession /*session*/) override {}
+    [[nodiscard]] bool hasGivenUp(TapSession /*session*/) const override { return false; }
 
 private:
     static CGEventRef receive(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);

@@ -311,6 +311,12 @@ void SimulatedDesktop::enableTapSilently() {
     }
 }
 
+void SimulatedDesktop::giveUpTapRequest() {
+    if (auto* const tap = implementation_->keyboardTaps.installed()) {
+        tap->giveUpRequest();
+    }
+}
+
 TapVerdict SimulatedDesktop::lastTapVerdict() const {
     return implementation_->keyboardTaps.lastVerdict();
 }

@@ -137,6 +137,8 @@ public:
     void disableTapSilently();
     /// Enables the tap, as if before the main thread knew that it was disabled.
     void enableTapSilently();
+    /// The tap gives up the session that was requested last, as one does that gets no answer in time.
+    void giveUpTapRequest();
     /// The tap's decision about the last event that it got.
     [[nodiscard]] TapVerdict lastTapVerdict() const;
     [[nodiscard]] bool tapIsInstalled() const;

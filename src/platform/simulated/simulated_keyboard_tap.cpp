@@ -31,9 +31,15 @@ void SimulatedKeyboardTap::openSession(TapSession session) {
 
 void SimulatedKeyboardTap::closeSession(TapSession session) {
     const std::scoped_lock lock(lock_);
+    givenUp_.erase(session);
     if (session_ == session) {
         session_.reset();
     }
+}
+
+bool SimulatedKeyboardTap::hasGivenUp(TapSession session) const {
+    const std::scoped_lock lock(lock_);
+    return givenUp_.contains(session);
 }
 
 SwitcherModifier SimulatedKeyboardTap::trigger() const {
@@ -51,12 +57,24 @@ std::optional<TapVerdict> SimulatedKeyboardTap::deliver(const TapEvent& event) {
         return std::nullopt;
     }
     // Without the lock, because the callback may call the tap.
-    return callback_(event);
+    const auto verdict = callback_(event);
+    const std::scoped_lock lock(lock_);
+    if (verdict.requestedSession) {
+        request_ = verdict.requestedSession;
+    }
+    return verdict;
 }
 
 void SimulatedKeyboardTap::disableBySystem(TapEvent::Type reason) {
     setEnabled(false);
     static_cast<void>(callback_(SimulatedTapEvent(reason, {})));
+}
+
+void SimulatedKeyboardTap::giveUpRequest() {
+    const std::scoped_lock lock(lock_);
+    if (const auto request = std::exchange(request_, std::nullopt)) {
+        givenUp_.insert(*request);
+    }
 }
 
 KeyboardTaps::Start SimulatedKeyboardTaps::start(SwitcherModifier trigger, TapCallback callback) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -50,6 +51,7 @@ public:
     void setTrigger(SwitcherModifier modifier) override;
     void openSession(TapSession session) override;
     void closeSession(TapSession session) override;
+    [[nodiscard]] bool hasGivenUp(TapSession session) const override;
 
     [[nodiscard]] SwitcherModifier trigger() const;
     [[nodiscard]] bool isSessionOpen() const;
@@ -58,6 +60,8 @@ public:
     [[nodiscard]] std::optional<TapVerdict> deliver(const TapEvent& event);
     /// Disables the tap first, then delivers the event for that, as the system does.
     void disableBySystem(TapEvent::Type reason);
+    /// Gives up the session that was requested last.
+    void giveUpRequest();
 
 private:
     SimulatedKeyboardTaps& taps_;
@@ -66,6 +70,8 @@ private:
     SwitcherModifier trigger_;
     bool isEnabled_ = true;
     std::optional<TapSession> session_;
+    std::optional<TapSession> request_;
+    std::set<TapSession> givenUp_;
 };
 
 /// Starts taps that get a test's keys.

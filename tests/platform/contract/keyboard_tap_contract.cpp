@@ -85,6 +85,7 @@ TEST_P(KeyboardTapContract, AStartedTapIsEnabledAndKeepsEachTriggerFromTheApplic
         driver->pressTrigger();
         ASSERT_TRUE(triggers.waitFor(trigger));
         tap->closeSession(triggers.latest());
+        EXPECT_FALSE(tap->hasGivenUp(triggers.latest()));
         driver->releaseTrigger();
         EXPECT_FALSE(driver->applicationGotTrigger());
     }

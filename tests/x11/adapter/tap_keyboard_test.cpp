@@ -159,6 +159,17 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenTheMainThreadDoesNotAnswer) {
     EXPECT_FALSE(desktop.keyboardIsFree());
     expectNothingLeft();
     EXPECT_EQ(rig.seen().size(), 1U);
+    const TapSession first{1};
+    EXPECT_TRUE(rig.tap().hasGivenUp(first)) << "an answer that comes later must open nothing";
+    rig.tap().closeSession(first);
+    EXPECT_FALSE(rig.tap().hasGivenUp(first));
+    toggle();
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.requests() == 2; }));
+    EXPECT_FALSE(rig.tap().hasGivenUp(TapSession{2})) << "the answer may still come";
+    rig.taps().notifyKeyboardUnavailable();
+    ASSERT_TRUE(rig.settle());
+    EXPECT_TRUE(rig.tap().hasGivenUp(TapSession{2}));
+    expectNothingLeft();
 }
 
 TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenNoSessionIsOpenedAndLeavesTheKeysAlone) {

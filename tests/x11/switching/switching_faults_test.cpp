@@ -161,6 +161,25 @@ TEST_P(SwitchingFaultsTest, AHungMainThreadWithThePanelOpenDoesNotKeepTheKeyboar
     expectSwitchTo(window(1));
 }
 
+TEST_P(SwitchingFaultsTest, TriggersThatAHungMainThreadLeavesUnansweredOpenNothingLater) {
+    openWindows(3);
+    startProgram();
+    HungMainThread hung(program->process().pid());
+    if (!hung.isAllowed()) {
+        GTEST_SKIP() << "stopping a thread is not allowed here";
+    }
+    for (int trigger = 1; trigger <= 2; ++trigger) {
+        program->process().discardOutput();
+        input.chord({key::leftAlt, key::tab});
+        EXPECT_TRUE(program->process().waitForOutput("No answer to the trigger; the keyboard is given back"));
+        EXPECT_TRUE(desktop.waitForFreeKeyboard());
+    }
+    hung.goOn();
+    input.chord({key::leftAlt, key::tab});
+    expectSwitchTo(window(2));
+    EXPECT_FALSE(desktop.visiblePanel());
+}
+
 TEST_P(SwitchingFaultsTest, ALockerThatStartsWithThePanelOpenGetsTheKeyboard) {
     openWindows(2);
     startProgram();

@@ -116,7 +116,16 @@ void X11KeyboardTap::openSession(TapSession session) {
 }
 
 void X11KeyboardTap::closeSession(TapSession session) {
+    {
+        const std::scoped_lock guard(givenUpLock_);
+        givenUp_.erase(session);
+    }
     post([session](X11TapEngine& engine) { engine.closeSession(session); });
+}
+
+bool X11KeyboardTap::hasGivenUp(TapSession session) const {
+    const std::scoped_lock guard(givenUpLock_);
+    return givenUp_.contains(session);
 }
 
 void X11KeyboardTap::post(std::function<void(X11TapEngine&)> command) {
@@ -176,6 +185,10 @@ void X11KeyboardTap::enable() {
 void X11KeyboardTap::adopt(std::unique_ptr<X11TapEngine> engine) {
     engine_ = std::move(engine);
     engine_->onLoss = [this] { isEnabled_.store(false); };
+    engine_->onRequestGivenUp = [this](TapSession session) {
+        const std::scoped_lock guard(givenUpLock_);
+        givenUp_.insert(session);
+    };
 }
 
 /// The guard ends the connection of a tap that was stopped; the tap's owner enables the new one. Where there is no new
@@ -183,6 +196,7 @@ void X11KeyboardTap::adopt(std::unique_ptr<X11TapEngine> engine) {
 void X11KeyboardTap::replaceEngine() {
     isConnected_.store(false);
     isEnabled_.store(false);
+    engine_->giveRequestUp();
     connectAgain();
     if (isConnected_.load()) {
         engine_->reportLoss();

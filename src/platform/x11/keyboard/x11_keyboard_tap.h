@@ -5,6 +5,7 @@
 #include <future>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -40,6 +41,7 @@ public:
     void setTrigger(SwitcherModifier modifier) override;
     void openSession(TapSession session) override;
     void closeSession(TapSession session) override;
+    [[nodiscard]] bool hasGivenUp(TapSession session) const override;
 
     /// Does something with the engine on the tap thread, unless the connection to the server is lost. Any thread.
     void post(std::function<void(X11TapEngine&)> command);
@@ -65,6 +67,9 @@ private:
     /// False from the loss of the connection until there is a new one.
     std::atomic<bool> isConnected_{true};
     std::promise<void> served_;
+    mutable std::mutex givenUpLock_;
+    /// Requests that the main thread has not answered yet.
+    std::set<TapSession> givenUp_;
     /// The members from here on belong to the tap thread once it runs.
     std::unique_ptr<X11TapEngine> engine_;
     MakeEngine makeEngine_;

@@ -229,6 +229,7 @@ void X11TapEngine::handleDeadlines() {
     const auto now = Clock::now();
     if (answerDeadline_ && now >= *answerDeadline_) {
         log_.write(LogLevel::error, category, "No answer to the trigger; the keyboard is given back");
+        giveRequestUp();
         // What the user typed meanwhile was for no session.
         reception_.clear();
         seizure_.freeGrabbedSlaves();
@@ -521,6 +522,7 @@ void X11TapEngine::endSession() {
 void X11TapEngine::loseKeyboard() {
     isEnabled_ = false;
     onLoss();
+    giveRequestUp();
     endSession();
     applyGrabs();
     delivery_.disabled();
@@ -529,6 +531,12 @@ void X11TapEngine::loseKeyboard() {
 std::optional<X11TapEngine::Clock::time_point> X11TapEngine::sessionDeadline() const {
     const auto since = phase_ == Phase::open ? delivery_.unansweredSince() : std::nullopt;
     return since ? std::optional(*since + sessionTimeout) : std::nullopt;
+}
+
+void X11TapEngine::giveRequestUp() const {
+    if (phase_ == Phase::awaitingAnswer && session_) {
+        onRequestGivenUp(*session_);
+    }
 }
 
 void X11TapEngine::giveKeyboardBack() {

@@ -80,6 +80,10 @@ public:
     [[nodiscard]] bool serve();
     /// Called when the tap disables itself, before the tap's callback. Set before the tap's thread starts.
     std::function<void()> onLoss = [] {};
+    /// Called with a request that `giveRequestUp` gives up. Set before the tap's thread starts.
+    std::function<void(TapSession)> onRequestGivenUp = [](TapSession) {};
+    /// The session that was asked for, if it awaits its answer, can have no keys any more.
+    void giveRequestUp() const;
     /// When `serve` must be called even without an event.
     [[nodiscard]] std::optional<Clock::time_point> deadline() const;
 
