@@ -245,9 +245,9 @@ DoctorFinding DoctorDisplay::secureInput() const {
     if (!connection || !X11KeyboardReader::create(*connection)) {
         return {Verdict::notice, subject, "the keyboard cannot be asked", {}};
     }
-    X11KeyboardGrabs grabs(*connection, log);
+    X11PassiveGrabs grabs(*connection, log);
     grabs.readDevices();
-    if (!X11KeyboardSeizure(*connection, grabs).probe()) {
+    if (!X11ActiveGrab(*connection, grabs).probe()) {
         return {Verdict::notice, subject, "another program holds the keyboard for itself now",
                 "A password prompt or an open menu, perhaps; the switcher works again when it lets go."};
     }

@@ -25,7 +25,7 @@ void X11HeldKeys::note(const X11KeyboardEvent& event, bool isAtSlave) {
     }
 }
 
-void X11HeldKeys::noteTaken(const X11KeyboardSeizure::KeysDown& keysDown, const X11KeyboardLayout& layout) {
+void X11HeldKeys::noteGrab(const X11ActiveGrab::KeysDown& keysDown, const X11KeyboardLayout& layout) {
     earlierKeyCodes_.clear();
     shiftKeyCodes_.clear();
     for (std::uint32_t keyCode = 0; keyCode < keysDown.size(); ++keyCode) {
@@ -58,7 +58,7 @@ bool X11HeldKeys::belongsToSession(const X11KeyboardEvent& event) {
     return true;
 }
 
-void X11HeldKeys::holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state) {
+void X11HeldKeys::holdTrigger(const X11KeyboardEvent& press, const X11ActiveGrab::State& state) {
     if (state.repeatInterval.count() > 0) {
         trigger_ = Trigger{press, Clock::now() + state.repeatDelay, state.repeatInterval};
     }
@@ -88,39 +88,39 @@ std::optional<X11KeyboardEvent> X11HeldKeys::takeRepeat() {
     return repeat;
 }
 
-void X11HeldKeys::releaseAll(X11KeyboardSeizure& seizure) {
+void X11HeldKeys::releaseAll(X11ActiveGrab& activeGrab) {
     // A key that is still down would go on repeating into the window that comes to the front, or reach the manager's
     // own binding while the modifier is held. A key that the user's fingers hold stays down for the server, whose test
     // keyboard cannot let it go; but such a release ends its repeating all the same. Whoever gets the keyboard never
     // saw the press and misses no release.
     for (const auto keyCode : keyCodes_) {
-        seizure.releaseForMaster(keyCode);
+        activeGrab.releaseForMaster(keyCode);
     }
     keyCodes_.clear();
     trigger_.reset();
 }
 
-void X11HeldKeys::releaseEarlierKeys(X11KeyboardSeizure& seizure) {
+void X11HeldKeys::releaseEarlierKeys(X11ActiveGrab& activeGrab) {
     for (const auto keyCode : std::exchange(earlierKeyCodes_, {})) {
-        seizure.releaseForMaster(keyCode);
+        activeGrab.releaseForMaster(keyCode);
     }
 }
 
 using Kind = X11KeyboardEvent::Kind;
 
-bool X11TapReception::receive(bool dropsRepeats) {
+bool X11EventQueue::receive(bool dropsRepeats) {
     const bool hasRead =
         reader_.readAvailable(changes_, [&](const X11KeyboardEvent& event) { receive(event, dropsRepeats); });
-    seizure_.noteAllRead();
+    activeGrab_.noteAllRead();
     // Also without a session: a trigger that came while the tap was disabled is freed alone, and what the server held
     // back behind it is read only now.
-    if (!seizure_.hasGrabbedSlave()) {
-        seizure_.repeatMissedReleases();
+    if (!activeGrab_.hasGrabbedSlave()) {
+        activeGrab_.repeatMissedReleases();
     }
     return hasRead;
 }
 
-void X11TapReception::receive(const X11KeyboardEvent& received, bool dropsRepeats) {
+void X11EventQueue::receive(const X11KeyboardEvent& received, bool dropsRepeats) {
     auto event = received;
     event.wasHeldBack = wasHeldBack(event);
     if (event.kind != Kind::modifiersChanged && !keyboard_.layout().isModifierKey(event.keyCode)) {
@@ -138,24 +138,24 @@ void X11TapReception::receive(const X11KeyboardEvent& received, bool dropsRepeat
     }
 }
 
-void X11TapReception::receiveAtSlave(const X11KeyboardEvent& event) {
+void X11EventQueue::receiveAtSlave(const X11KeyboardEvent& event) {
     if (event.kind == Kind::release) {
-        seizure_.noteMissedRelease(event.deviceId, event.keyCode);
+        activeGrab_.noteMissedRelease(event.deviceId, event.keyCode);
         receiveMissedModifier(event);
     } else if (event.kind == Kind::press && !event.wasHeldBack) {
-        seizure_.noteGrabbedSlave(event.deviceId, keyboard_.grabs().heldKeysBackAt(event.sequence));
-        if (seizure_.isHeld()) {
+        activeGrab_.noteGrabbedSlave(event.deviceId, keyboard_.grabs().heldKeysBackAt(event.sequence));
+        if (activeGrab_.isHeld()) {
             // A trigger at another keyboard, or one that came before the passive grabs were gone.
-            seizure_.freeSlave(event.deviceId);
+            activeGrab_.freeSlave(event.deviceId);
         }
     }
 }
 
-bool X11TapReception::wasHeldBack(const X11KeyboardEvent& event) const {
-    return keyboard_.isAtSlave(event) && seizure_.hasFreed(event.deviceId);
+bool X11EventQueue::wasHeldBack(const X11KeyboardEvent& event) const {
+    return keyboard_.isAtSlave(event) && activeGrab_.hasFreed(event.deviceId);
 }
 
-void X11TapReception::receiveMissedModifier(const X11KeyboardEvent& release) {
+void X11EventQueue::receiveMissedModifier(const X11KeyboardEvent& release) {
     // The release is not repeated when the user has pressed the key again by then, and for the master the modifier was
     // never up; but it was, and a session hangs on it.
     const auto modifiers = keyboard_.layout().modifiersOfKey(release.keyCode);
@@ -167,26 +167,26 @@ void X11TapReception::receiveMissedModifier(const X11KeyboardEvent& release) {
     }
 }
 
-void X11TapReception::noteUser(const X11KeyboardEvent& event) {
+void X11EventQueue::noteUser(const X11KeyboardEvent& event) {
     context_.noteUserTime(event.time);
     if (event.kind != Kind::modifiersChanged && !keyboard_.isAtSlave(event)) {
         context_.setPointer(event.rootX, event.rootY);
     }
 }
 
-X11KeyboardEvent X11TapReception::take() {
+X11KeyboardEvent X11EventQueue::take() {
     const auto event = queue_.front();
     queue_.pop_front();
     return event;
 }
 
-bool X11TapReception::hasReleaseOf(std::uint32_t keyCode) const {
+bool X11EventQueue::hasReleaseOf(std::uint32_t keyCode) const {
     return std::any_of(queue_.begin(), queue_.end(), [keyCode](const X11KeyboardEvent& later) {
         return later.kind == Kind::release && later.keyCode == keyCode;
     });
 }
 
-void X11TapReception::rewind(X11KeyboardSeizure::KeysDown& keysDown) const {
+void X11EventQueue::rewind(X11ActiveGrab::KeysDown& keysDown) const {
     for (auto event = queue_.rbegin(); event != queue_.rend(); ++event) {
         if (event->kind != Kind::modifiersChanged && !event->isRepeat && event->keyCode < keysDown.size()) {
             keysDown[event->keyCode] = event->kind == Kind::release;
@@ -194,7 +194,7 @@ void X11TapReception::rewind(X11KeyboardSeizure::KeysDown& keysDown) const {
     }
 }
 
-bool X11TapReception::isStaleRepeat(const X11KeyboardEvent& event) const {
+bool X11EventQueue::isStaleRepeat(const X11KeyboardEvent& event) const {
     return event.isRepeat && std::any_of(queue_.begin(), queue_.end(), [&event](const X11KeyboardEvent& later) {
                return later.kind != Kind::modifiersChanged && later.keyCode == event.keyCode;
            });

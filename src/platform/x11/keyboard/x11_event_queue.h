@@ -28,10 +28,10 @@ public:
     /// Notes an event of a key that is not a modifier, when it arrives. `isAtSlave`: a grab on a slave delivered it.
     void note(const X11KeyboardEvent& event, bool isAtSlave);
     /// The trigger's key is down. It repeats with the server's delay and rate.
-    void holdTrigger(const X11KeyboardEvent& press, const X11KeyboardSeizure::State& state);
+    void holdTrigger(const X11KeyboardEvent& press, const X11ActiveGrab::State& state);
 
     /// Notes the keys that were down when the keyboard was grabbed.
-    void noteTaken(const X11KeyboardSeizure::KeysDown& keysDown, const X11KeyboardLayout& layout);
+    void noteGrab(const X11ActiveGrab::KeysDown& keysDown, const X11KeyboardLayout& layout);
 
     /// A session begins. `trigger` is the key whose press began it; nullopt when none did.
     void beginSession(std::optional<std::uint32_t> trigger);
@@ -49,10 +49,10 @@ public:
     [[nodiscard]] std::optional<X11KeyboardEvent> takeRepeat();
     /// Releases all keys that were pressed while the keyboard was grabbed, so that none repeats in the window that gets
     /// the focus next. Called before the keyboard is ungrabbed.
-    void releaseAll(X11KeyboardSeizure& seizure);
+    void releaseAll(X11ActiveGrab& activeGrab);
     /// Releases the keys that were down before the grab, which ends their repeats. Called after the keyboard was
     /// ungrabbed, because the application that got the press must get the release.
-    void releaseEarlierKeys(X11KeyboardSeizure& seizure);
+    void releaseEarlierKeys(X11ActiveGrab& activeGrab);
 
 private:
     struct Trigger {
@@ -73,12 +73,12 @@ private:
 
 /// The event queue of the tap: receives key events, adds those that the master keyboard missed, and keeps them in order
 /// until they are delivered. Tap thread.
-class X11TapReception {
+class X11EventQueue {
 public:
     /// The references outlive this.
-    X11TapReception(X11KeyboardReader reader, X11TapKeyboard& keyboard, X11KeyboardSeizure& seizure,
-                    X11HeldKeys& heldKeys, X11InputContext& context)
-        : reader_(reader), keyboard_(keyboard), seizure_(seizure), heldKeys_(heldKeys), context_(context) {}
+    X11EventQueue(X11KeyboardReader reader, X11TapKeyboard& keyboard, X11ActiveGrab& activeGrab, X11HeldKeys& heldKeys,
+                  X11InputContext& context)
+        : reader_(reader), keyboard_(keyboard), activeGrab_(activeGrab), heldKeys_(heldKeys), context_(context) {}
 
     /// Receives the events that have arrived; true when there were any. `dropsRepeats` is set while nothing is
     /// delivered: queued repeats would be delivered long after the key went up.
@@ -93,7 +93,7 @@ public:
     [[nodiscard]] bool hasReleaseOf(std::uint32_t keyCode) const;
     /// Undoes the queued events in `keysDown`: changes the keys that are down now to those that were down before the
     /// first queued event.
-    void rewind(X11KeyboardSeizure::KeysDown& keysDown) const;
+    void rewind(X11ActiveGrab::KeysDown& keysDown) const;
     /// Whether a later event of the same key is queued behind this repeat.
     [[nodiscard]] bool isStaleRepeat(const X11KeyboardEvent& event) const;
 
@@ -112,7 +112,7 @@ private:
 
     X11KeyboardReader reader_;
     X11TapKeyboard& keyboard_;
-    X11KeyboardSeizure& seizure_;
+    X11ActiveGrab& activeGrab_;
     X11HeldKeys& heldKeys_;
     X11InputContext& context_;
     X11KeyboardReader::Changes changes_;

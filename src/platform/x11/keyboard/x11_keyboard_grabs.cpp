@@ -33,13 +33,13 @@ bool isBefore(std::uint32_t sequence, std::uint32_t other) {
 
 }  // namespace
 
-void X11KeyboardGrabs::setKeys(std::vector<std::uint32_t> keyCodes, std::vector<std::uint32_t> modifiers) {
+void X11PassiveGrabs::setKeys(std::vector<std::uint32_t> keyCodes, std::vector<std::uint32_t> modifiers) {
     std::sort(modifiers.begin(), modifiers.end());
     keyCodes_ = std::move(keyCodes);
     modifiers_ = std::move(modifiers);
 }
 
-void X11KeyboardGrabs::readDevices() {
+void X11PassiveGrabs::readDevices() {
     auto* const connection = connection_.get();
     const XcbReply<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
         connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr));
@@ -65,7 +65,7 @@ void X11KeyboardGrabs::readDevices() {
     });
 }
 
-std::set<X11KeyboardGrabs::Target> X11KeyboardGrabs::wantedTargets() const {
+std::set<X11PassiveGrabs::Target> X11PassiveGrabs::wantedTargets() const {
     std::set<Target> wanted;
     for (const auto keyCode : keyCodes_) {
         if (holdsKeysBack()) {
@@ -79,7 +79,7 @@ std::set<X11KeyboardGrabs::Target> X11KeyboardGrabs::wantedTargets() const {
     return wanted;
 }
 
-void X11KeyboardGrabs::install() {
+void X11PassiveGrabs::install() {
     const auto wanted = wantedTargets();
     // What is grabbed already and still wanted is not touched: given back for however short a time, the key would be
     // the window manager's.
@@ -114,21 +114,21 @@ void X11KeyboardGrabs::install() {
     }
 }
 
-bool X11KeyboardGrabs::heldKeysBackAt(std::uint32_t sequence) {
+bool X11PassiveGrabs::heldKeysBackAt(std::uint32_t sequence) {
     while (wayChanges_.size() > 1 && !isBefore(sequence, wayChanges_[1].sequence)) {
         wayChanges_.pop_front();
     }
     return !wayChanges_.empty() && wayChanges_.front().holdsKeysBack;
 }
 
-void X11KeyboardGrabs::remove() {
+void X11PassiveGrabs::remove() {
     for (const auto& [target, modifiers] : installed_) {
         ungrab(target, modifiers);
     }
     installed_.clear();
 }
 
-void X11KeyboardGrabs::watchModifiers(bool isWatching) {
+void X11PassiveGrabs::watchModifiers(bool isWatching) {
     xcb_xkb_select_events_details_t details{};
     details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
     details.stateDetails = isWatching ? std::uint16_t{XCB_XKB_STATE_PART_MODIFIER_STATE} : std::uint16_t{0};
@@ -141,18 +141,18 @@ void X11KeyboardGrabs::watchModifiers(bool isWatching) {
     }
 }
 
-xcb_input_device_id_t X11KeyboardGrabs::masterOf(xcb_input_device_id_t slave) const {
+xcb_input_device_id_t X11PassiveGrabs::masterOf(xcb_input_device_id_t slave) const {
     const auto found = masters_.find(slave);
     return found != masters_.end() ? found->second : mainMaster_;
 }
 
-void X11KeyboardGrabs::ungrab(const Target& target, const std::vector<std::uint32_t>& modifiers) {
+void X11PassiveGrabs::ungrab(const Target& target, const std::vector<std::uint32_t>& modifiers) {
     xcb_input_xi_passive_ungrab_device(connection_.get(), connection_.root(), target.keyCode, target.device,
                                        static_cast<std::uint16_t>(modifiers.size()), XCB_INPUT_GRAB_TYPE_KEYCODE,
                                        modifiers.data());
 }
 
-xcb_input_xi_passive_grab_device_cookie_t X11KeyboardGrabs::requestGrab(
+xcb_input_xi_passive_grab_device_cookie_t X11PassiveGrabs::requestGrab(
     const Target& target, const std::vector<std::uint32_t>& modifiers) const {
     // A grab on all devices is none of a keyboard to the server, which takes the mode for paired devices for it.
     const auto mode =
@@ -163,7 +163,7 @@ xcb_input_xi_passive_grab_device_cookie_t X11KeyboardGrabs::requestGrab(
                                             XCB_INPUT_GRAB_OWNER_NO_OWNER, &keyEvents, modifiers.data());
 }
 
-bool X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_grab_device_cookie_t cookie) {
+bool X11PassiveGrabs::readAnswer(const Target& target, xcb_input_xi_passive_grab_device_cookie_t cookie) {
     xcb_generic_error_t* rawError = nullptr;
     const XcbReply<xcb_input_xi_passive_grab_device_reply_t> reply(
         xcb_input_xi_passive_grab_device_reply(connection_.get(), cookie, &rawError));
@@ -191,14 +191,14 @@ bool X11KeyboardGrabs::readAnswer(const Target& target, xcb_input_xi_passive_gra
 
 namespace {
 
-constexpr std::uint32_t seizedKeyEvents =
+constexpr std::uint32_t grabbedKeyEvents =
     XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
 
 constexpr std::string_view activeWindowName = "_NET_ACTIVE_WINDOW";
 
-X11KeyboardSeizure::KeysDown keysDownOf(const xcb_query_keymap_reply_t& reply) {
+X11ActiveGrab::KeysDown keysDownOf(const xcb_query_keymap_reply_t& reply) {
     constexpr std::size_t bitsPerByte = 8;
-    X11KeyboardSeizure::KeysDown keys;
+    X11ActiveGrab::KeysDown keys;
     for (std::size_t keyCode = 0; keyCode < keys.size(); ++keyCode) {
         keys[keyCode] = (static_cast<unsigned>(reply.keys[keyCode / bitsPerByte]) >> (keyCode % bitsPerByte) & 1U) != 0;
     }
@@ -218,7 +218,7 @@ bool isDown(const xcb_input_query_device_state_reply_t& state, std::uint32_t key
 
 }  // namespace
 
-X11KeyboardSeizure::X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs)
+X11ActiveGrab::X11ActiveGrab(const X11Connection& connection, X11PassiveGrabs& grabs)
     : connection_(connection), grabs_(grabs) {
     const XcbReply<xcb_intern_atom_reply_t> atom(
         xcb_intern_atom_reply(connection.get(),
@@ -230,7 +230,7 @@ X11KeyboardSeizure::X11KeyboardSeizure(const X11Connection& connection, X11Keybo
     }
 }
 
-std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<xcb_input_device_id_t> slave) {
+std::optional<X11ActiveGrab::State> X11ActiveGrab::grab(std::optional<xcb_input_device_id_t> slave) {
     auto* const connection = connection_.get();
     const auto master = slave ? grabs_.masterOf(*slave) : grabs_.mainMaster();
     const auto grab = requestGrab(master);
@@ -277,7 +277,7 @@ std::optional<X11KeyboardSeizure::State> X11KeyboardSeizure::take(std::optional<
     return state;
 }
 
-void X11KeyboardSeizure::giveBack() {
+void X11ActiveGrab::ungrab() {
     if (!master_) {
         return;
     }
@@ -285,13 +285,13 @@ void X11KeyboardSeizure::giveBack() {
     master_.reset();
 }
 
-void X11KeyboardSeizure::freeGrabbedSlaves() {
+void X11ActiveGrab::freeGrabbedSlaves() {
     while (!grabbedSlaves_.empty()) {
         freeSlave(grabbedSlaves_.begin()->first);
     }
 }
 
-bool X11KeyboardSeizure::freeSlave(xcb_input_device_id_t slave) {
+bool X11ActiveGrab::freeSlave(xcb_input_device_id_t slave) {
     const auto grabbed = grabbedSlaves_.extract(slave);
     const bool isHeldBack = !grabbed.empty() && grabbed.mapped();
     if (isHeldBack) {
@@ -303,7 +303,7 @@ bool X11KeyboardSeizure::freeSlave(xcb_input_device_id_t slave) {
     return isHeldBack;
 }
 
-void X11KeyboardSeizure::noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode) {
+void X11ActiveGrab::noteMissedRelease(xcb_input_device_id_t slave, std::uint32_t keyCode) {
     missedReleases_.push_back({slave, keyCode});
 }
 
@@ -311,7 +311,7 @@ void X11KeyboardSeizure::noteMissedRelease(xcb_input_device_id_t slave, std::uin
 /// master would never hear of that press. So it is looked up just before, and such a release is not repeated: for the
 /// master the key has been down all the time, as it is now. The users are not kept from typing meanwhile: a server that
 /// only listens to a client which is then stopped is lost.
-void X11KeyboardSeizure::repeatMissedReleases() {
+void X11ActiveGrab::repeatMissedReleases() {
     const auto releases = std::exchange(missedReleases_, {});
     if (releases.empty()) {
         return;
@@ -339,25 +339,25 @@ void X11KeyboardSeizure::repeatMissedReleases() {
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
-void X11KeyboardSeizure::releaseForMaster(std::uint32_t keyCode) {
+void X11ActiveGrab::releaseForMaster(std::uint32_t keyCode) {
     fakeKey(XCB_KEY_RELEASE, keyCode);
 }
 
-void X11KeyboardSeizure::typeForHolder(std::uint32_t keyCode) {
+void X11ActiveGrab::typeForHolder(std::uint32_t keyCode) {
     // Released at once: a key that is down on the server's test keyboard would repeat there, whatever the user does.
     fakeKey(XCB_KEY_PRESS, keyCode);
     fakeKey(XCB_KEY_RELEASE, keyCode);
 }
 
-xcb_window_t X11KeyboardSeizure::activeWindow() const {
+xcb_window_t X11ActiveGrab::activeWindow() const {
     return collectActiveWindow(requestActiveWindow());
 }
 
-xcb_get_property_cookie_t X11KeyboardSeizure::requestActiveWindow() const {
+xcb_get_property_cookie_t X11ActiveGrab::requestActiveWindow() const {
     return xcb_get_property(connection_.get(), 0, connection_.root(), activeWindowProperty_, XCB_ATOM_WINDOW, 0, 1);
 }
 
-xcb_window_t X11KeyboardSeizure::collectActiveWindow(xcb_get_property_cookie_t cookie) const {
+xcb_window_t X11ActiveGrab::collectActiveWindow(xcb_get_property_cookie_t cookie) const {
     const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_.get(), cookie, nullptr));
     const bool isWindow = reply != nullptr && reply->type == XCB_ATOM_WINDOW && reply->format == 32 &&
                           xcb_get_property_value_length(reply.get()) >= static_cast<int>(sizeof(xcb_window_t));
@@ -367,7 +367,7 @@ xcb_window_t X11KeyboardSeizure::collectActiveWindow(xcb_get_property_cookie_t c
     return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
 }
 
-bool X11KeyboardSeizure::probe() {
+bool X11ActiveGrab::probe() {
     const auto master = grabs_.mainMaster();
     if (!isGranted(requestGrab(master))) {
         return false;
@@ -376,19 +376,19 @@ bool X11KeyboardSeizure::probe() {
     return true;
 }
 
-xcb_input_xi_grab_device_cookie_t X11KeyboardSeizure::requestGrab(xcb_input_device_id_t device) const {
+xcb_input_xi_grab_device_cookie_t X11ActiveGrab::requestGrab(xcb_input_device_id_t device) const {
     return xcb_input_xi_grab_device(connection_.get(), connection_.root(), XCB_CURRENT_TIME, XCB_CURSOR_NONE, device,
                                     XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
-                                    XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &seizedKeyEvents);
+                                    XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &grabbedKeyEvents);
 }
 
-bool X11KeyboardSeizure::isGranted(xcb_input_xi_grab_device_cookie_t cookie) const {
+bool X11ActiveGrab::isGranted(xcb_input_xi_grab_device_cookie_t cookie) const {
     const XcbReply<xcb_input_xi_grab_device_reply_t> reply(
         xcb_input_xi_grab_device_reply(connection_.get(), cookie, nullptr));
     return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
-void X11KeyboardSeizure::fakeKey(std::uint8_t type, std::uint32_t keyCode) {
+void X11ActiveGrab::fakeKey(std::uint8_t type, std::uint32_t keyCode) {
     xcb_test_fake_input(connection_.get(), type, static_cast<std::uint8_t>(keyCode), XCB_CURRENT_TIME, XCB_WINDOW_NONE,
                         0, 0, 0);
 }

@@ -22,14 +22,14 @@ class X11Connection;
 ///
 /// - On all devices at once, synchronous. After the trigger's press the server holds back what that keyboard types
 ///   until the tap frees it, however late that is. A tap that never does would freeze the keyboard.
-/// - On each slave keyboard by its id, asynchronous. What is typed before the tap has taken the keyboard goes to the
+/// - On each slave keyboard by its id, asynchronous. What is typed before the tap has grabbed the keyboard goes to the
 ///   application. Used where the window manager has such grabs itself, because the server then refuses the first way,
 ///   and where no guard watches the tap. (Synchronous grabs by id would lose keys.)
 ///
 /// Tap thread.
-class X11KeyboardGrabs {
+class X11PassiveGrabs {
 public:
-    X11KeyboardGrabs(const X11Connection& connection, Log& log) : connection_(connection), log_(log) {}
+    X11PassiveGrabs(const X11Connection& connection, Log& log) : connection_(connection), log_(log) {}
 
     /// Whether the server may hold keys back. Takes effect with the next `install`.
     void setHoldsKeysBack(bool isAllowed) { mayHoldKeysBack_ = isAllowed; }
@@ -46,7 +46,7 @@ public:
     /// Reads which keyboards there are. Waits for the server.
     void readDevices();
 
-    /// Grabs what is wanted and not grabbed yet, gives back what is no longer wanted. Waits for the server.
+    /// Grabs what is wanted and not grabbed yet, ungrabs what is no longer wanted. Waits for the server.
     void install();
     /// Gives everything back; only sent, not waited for.
     void remove();
@@ -103,18 +103,18 @@ private:
 /// The active grab of a master keyboard, held from the trigger to the end of a session. Tap thread.
 ///
 /// An active passive grab detaches (floats) the slave: its master gets no events of the slave's keys meanwhile, and
-/// would keep a modifier pressed. So `take` grabs the master and frees the slave together, and releases that came with
+/// would keep a modifier pressed. So `grab` takes the master and frees the slave together, and releases that came with
 /// the slave's id are repeated for the master. Keys that the server held back come with the slave's id, in their order,
 /// when the slave is freed.
-class X11KeyboardSeizure {
+class X11ActiveGrab {
 public:
     /// Waits for the server.
-    X11KeyboardSeizure(const X11Connection& connection, X11KeyboardGrabs& grabs);
+    X11ActiveGrab(const X11Connection& connection, X11PassiveGrabs& grabs);
 
     /// By key code.
     using KeysDown = std::bitset<256>;
 
-    /// What the server said when the keyboard was taken.
+    /// What the server said when the keyboard was grabbed.
     struct State {
         /// The real modifiers that are down or locked by now.
         std::uint32_t modifiers = 0;
@@ -131,24 +131,24 @@ public:
     [[nodiscard]] bool isHeld() const { return master_.has_value(); }
     [[nodiscard]] bool isHeldOf(xcb_input_device_id_t master) const { return master_ == master; }
 
-    /// Takes the master of this slave, frees the slave and those that were noted as grabbed, gives back the passive
+    /// Grabs the master of this slave, frees the slave and those that were noted as grabbed, removes the passive
     /// grabs (they would float the slave again at each further trigger), and repeats the releases that the master
     /// missed. One round trip. Nothing when another client holds the keyboard; the passive grabs are gone then all the
     /// same.
-    [[nodiscard]] std::optional<State> take(std::optional<xcb_input_device_id_t> slave);
+    [[nodiscard]] std::optional<State> grab(std::optional<xcb_input_device_id_t> slave);
     /// The caller puts the passive grabs back first, so that no press falls between. Only sent.
-    void giveBack();
+    void ungrab();
     /// Frees a slave that its passive grab still holds. Returns whether the server held back what it typed, which comes
     /// before this connection's next answer. Only sent.
     bool freeSlave(xcb_input_device_id_t slave);
     /// A press came from this slave, which its passive grab holds from then on until the slave is freed. `isHeldBack`:
-    /// the server holds back what it types, as `X11KeyboardGrabs::heldKeysBackAt` says of the press.
+    /// the server holds back what it types, as `X11PassiveGrabs::heldKeysBackAt` says of the press.
     void noteGrabbedSlave(xcb_input_device_id_t slave, bool isHeldBack) { grabbedSlaves_[slave] = isHeldBack; }
     /// Frees every slave that was noted and not freed since: their presses are queued or dropped. Only sent.
     void freeGrabbedSlaves();
-    /// Whether what the server held back of this slave's keys, until the latest `take`, may still be on its way here.
+    /// Whether what the server held back of this slave's keys, until the latest `grab`, may still be on its way here.
     [[nodiscard]] bool hasFreed(xcb_input_device_id_t slave) const { return freedSlave_ == slave; }
-    /// All that came before the answer to `take` has been read.
+    /// All that came before the answer to `grab` has been read.
     void noteAllRead() { freedSlave_.reset(); }
     /// Whether a passive grab still holds a slave, whose keys the master must not get yet.
     [[nodiscard]] bool hasGrabbedSlave() const { return !grabbedSlaves_.empty(); }
@@ -163,7 +163,7 @@ public:
     void typeForHolder(std::uint32_t keyCode);
     /// The active window, as in `State::activeWindow`, when the keyboard is grabbed already. Waits for the server.
     [[nodiscard]] xcb_window_t activeWindow() const;
-    /// Whether the keyboard could be taken; it is given back at once.
+    /// Whether the keyboard could be grabbed; it is ungrabbed at once.
     [[nodiscard]] bool probe();
 
 private:
@@ -179,7 +179,7 @@ private:
     void fakeKey(std::uint8_t type, std::uint32_t keyCode);
 
     const X11Connection& connection_;
-    X11KeyboardGrabs& grabs_;
+    X11PassiveGrabs& grabs_;
     xcb_atom_t activeWindowProperty_ = XCB_ATOM_NONE;
     std::optional<xcb_input_device_id_t> master_;
     std::optional<xcb_input_device_id_t> freedSlave_;

@@ -40,8 +40,8 @@ X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::uniqu
       keyboard_(std::move(keyboard)),
       context_(context),
       log_(log),
-      seizure_(*connection_, keyboard_->grabs()),
-      reception_(reader, *keyboard_, seizure_, heldKeys_, context),
+      activeGrab_(*connection_, keyboard_->grabs()),
+      eventQueue_(reader, *keyboard_, activeGrab_, heldKeys_, context),
       delivery_(std::move(callback), *keyboard_, context) {
     if (!context.inputMethodDisplay.empty()) {
         inputMethod_ = std::make_unique<X11InputMethod>(context.inputMethodDisplay, log);
@@ -49,8 +49,8 @@ X11TapEngine::X11TapEngine(std::unique_ptr<X11Connection> connection, std::uniqu
 }
 
 X11TapEngine::~X11TapEngine() {
-    seizure_.repeatMissedReleases();
-    seizure_.giveBack();
+    activeGrab_.repeatMissedReleases();
+    activeGrab_.ungrab();
     keyboard_->grabs().remove();
     // Closing the connection would do as well, but not before this returns.
     const XcbReply<xcb_get_input_focus_reply_t> sync(
@@ -85,8 +85,8 @@ bool X11TapEngine::serve() {
         deliverQueue();
         handleDeadlines();
         // Only when no key waits: reading the keymap takes longer than a quick press.
-        if (reception_.isEmpty() && reception_.hasChanges()) {
-            keyboard_->refresh(reception_.takeChanges());
+        if (eventQueue_.isEmpty() && eventQueue_.hasChanges()) {
+            keyboard_->refresh(eventQueue_.takeChanges());
             applyGrabs();
         }
         xcb_flush(connection_->get());
@@ -97,7 +97,7 @@ bool X11TapEngine::serve() {
 std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
     std::optional<Clock::time_point> earliest;
     const auto inputMethodDeadline = inputMethod_ != nullptr ? inputMethod_->deadline() : std::nullopt;
-    for (const auto& candidate : {inputMethodDeadline, answerDeadline_, sessionDeadline(), seizureRetry_,
+    for (const auto& candidate : {inputMethodDeadline, answerDeadline_, sessionDeadline(), grabRetry_,
                                   lostTriggerJudgement_, heldKeys_.nextRepeat()}) {
         if (candidate && (!earliest || *candidate < *earliest)) {
             earliest = candidate;
@@ -107,13 +107,13 @@ std::optional<X11TapEngine::Clock::time_point> X11TapEngine::deadline() const {
 }
 
 bool X11TapEngine::receive() {
-    return reception_.receive(phase_ == Phase::awaitingAnswer);
+    return eventQueue_.receive(phase_ == Phase::awaitingAnswer);
 }
 
 void X11TapEngine::deliverQueue() {
-    while (!reception_.isEmpty() && phase_ != Phase::awaitingAnswer && !asked_ &&
-           !mustWaitForTheEnd(reception_.front())) {
-        auto event = reception_.take();
+    while (!eventQueue_.isEmpty() && phase_ != Phase::awaitingAnswer && !asked_ &&
+           !mustWaitForTheEnd(eventQueue_.front())) {
+        auto event = eventQueue_.take();
         addShift(event);
         if (phase_ == Phase::open) {
             deliverInSession(event);
@@ -129,7 +129,7 @@ void X11TapEngine::addShift(X11KeyboardEvent& event) {
     }
     if (keyboard_->layout().isShiftKey(event.keyCode)) {
         heldKeys_.noteShift(event);
-    } else if (seizure_.isHeld() && heldKeys_.isShiftDown()) {
+    } else if (activeGrab_.isHeld() && heldKeys_.isShiftDown()) {
         event.modifiers.effective |= XCB_MOD_MASK_SHIFT;
     }
 }
@@ -140,10 +140,10 @@ void X11TapEngine::deliverHidden(const X11KeyboardEvent& event) {
         beginSession(event);
     } else if (event.kind == Kind::press && keyboard_->isAtSlave(event)) {
         if (event.wasHeldBack && context_.isKeyboardHeldElsewhere.load()) {
-            seizure_.typeForHolder(event.keyCode);
+            activeGrab_.typeForHolder(event.keyCode);
         }
-        seizure_.freeSlave(event.deviceId);
-        seizure_.repeatMissedReleases();
+        activeGrab_.freeSlave(event.deviceId);
+        activeGrab_.repeatMissedReleases();
     } else if (event.kind == Kind::modifiersChanged) {
         delivery_.assumeModifiers(event.modifiers.effective);
         followLostTrigger(event.modifiers.effective);
@@ -156,13 +156,13 @@ void X11TapEngine::deliverInSession(const X11KeyboardEvent& event) {
         deliverModifiers(modifiers_);
         return;
     }
-    if (event.kind == Kind::press && keyboard_->isAtSlave(event) && !seizure_.isHeld()) {
+    if (event.kind == Kind::press && keyboard_->isAtSlave(event) && !activeGrab_.isHeld()) {
         // Another program had the keyboard when this session opened without the trigger, so the trigger is still
         // grabbed.
-        seizure_.freeSlave(event.deviceId);
-        seizure_.repeatMissedReleases();
+        activeGrab_.freeSlave(event.deviceId);
+        activeGrab_.repeatMissedReleases();
     }
-    if (keyboard_->layout().isModifierKey(event.keyCode) || reception_.isStaleRepeat(event)) {
+    if (keyboard_->layout().isModifierKey(event.keyCode) || eventQueue_.isStaleRepeat(event)) {
         return;
     }
     if (!heldKeys_.belongsToSession(event)) {
@@ -231,8 +231,8 @@ void X11TapEngine::handleDeadlines() {
         log_.write(LogLevel::error, category, "No answer to the trigger; the keyboard is given back");
         giveRequestUp();
         // What the user typed meanwhile was for no session.
-        reception_.clear();
-        seizure_.freeGrabbedSlaves();
+        eventQueue_.clear();
+        activeGrab_.freeGrabbedSlaves();
         endSession();
     }
     if (const auto deadline = sessionDeadline(); deadline && now >= *deadline) {
@@ -245,8 +245,8 @@ void X11TapEngine::handleDeadlines() {
     if (heldKeys_.nextRepeat() && now >= *heldKeys_.nextRepeat()) {
         repeatTrigger();
     }
-    if (seizureRetry_ && now >= *seizureRetry_) {
-        seizeForOpenSession();
+    if (grabRetry_ && now >= *grabRetry_) {
+        grabForOpenSession();
         deliverQueue();
     }
 }
@@ -255,7 +255,7 @@ void X11TapEngine::repeatTrigger() {
     // The release may have arrived.
     receive();
     auto repeat = heldKeys_.takeRepeat();
-    if (repeat && phase_ == Phase::open && reception_.isEmpty()) {
+    if (repeat && phase_ == Phase::open && eventQueue_.isEmpty()) {
         repeat->modifiers.effective = modifiers_;
         addShift(*repeat);
         deliverInSession(*repeat);
@@ -274,12 +274,12 @@ void X11TapEngine::applyGrabs() {
         guard_->setFreezingModifiers(keyboard_->triggerMask());
     }
     keyboard_->grabs().setHoldsKeysBack(isGuarded);
-    keyboard_->applyGrabs(isEnabled_, seizure_.isHeld());
+    keyboard_->applyGrabs(isEnabled_, activeGrab_.isHeld());
     const bool holdsKeysBack = isEnabled_ && keyboard_->grabs().holdsKeysBack();
     if (isGuarded && !holdsKeysBack) {
         guard_->setFreezingModifiers(0);
     }
-    if (isEnabled_ && !seizure_.isHeld()) {
+    if (isEnabled_ && !activeGrab_.isHeld()) {
         log_.write(
             LogLevel::debug, category,
             holdsKeysBack ? "The shortcut is grabbed, and keys behind it are held back" : "The shortcut is grabbed");
@@ -316,7 +316,7 @@ void X11TapEngine::tellGuard(bool isHeld) {
 }
 
 void X11TapEngine::yieldToLocker() {
-    if (reception_.takeLocker() && (phase_ != Phase::hidden || seizure_.isHeld())) {
+    if (eventQueue_.takeLocker() && (phase_ != Phase::hidden || activeGrab_.isHeld())) {
         log_.write(LogLevel::standard, category, "A screen locker is starting; the keyboard is given back");
         loseKeyboard();
     }
@@ -333,7 +333,7 @@ void X11TapEngine::probeKeyboard() {
 
 bool X11TapEngine::isKeyboardFree() {
     tellGuard(true);
-    const bool isFree = seizure_.probe();
+    const bool isFree = activeGrab_.probe();
     xcb_flush(connection_->get());
     tellGuard(false);
     return isFree;
@@ -343,9 +343,9 @@ bool X11TapEngine::isKeyboardFree() {
 
 void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
     auto pressed = press;
-    if (seizure_.isHeld()) {
-        reportActiveWindow(seizure_.activeWindow());
-    } else if (!seizeAt(pressed)) {
+    if (activeGrab_.isHeld()) {
+        reportActiveWindow(activeGrab_.activeWindow());
+    } else if (!grabAt(pressed)) {
         refuseSession(press);
         return;
     }
@@ -363,20 +363,20 @@ void X11TapEngine::beginSession(const X11KeyboardEvent& press) {
         answerDeadline_.reset();
         if (!verdict.isSwallowed) {
             // While this tap holds the keyboard, the key would come back to it.
-            seizure_.giveBack();
-            seizure_.typeForHolder(press.keyCode);
+            activeGrab_.ungrab();
+            activeGrab_.typeForHolder(press.keyCode);
         }
-        giveKeyboardBack();
+        ungrabKeyboard();
     }
 }
 
-bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
+bool X11TapEngine::grabAt(X11KeyboardEvent& press) {
     const bool isAtSlave = keyboard_->isAtSlave(press);
-    reception_.watchWindows(true);
+    eventQueue_.watchWindows(true);
     tellGuard(true);
-    const auto state = seizure_.take(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
+    const auto state = activeGrab_.grab(isAtSlave ? std::optional(press.deviceId) : std::nullopt);
     if (!state) {
-        reception_.watchWindows(false);
+        eventQueue_.watchWindows(false);
         tellGuard(false);
         return false;
     }
@@ -385,9 +385,9 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
     // Keys that were down when the trigger was pressed: undo the queued events to get from now back to then.
     receive();
     auto keysDown = state->keysDown;
-    reception_.rewind(keysDown);
+    eventQueue_.rewind(keysDown);
     keysDown.reset(press.keyCode);
-    heldKeys_.noteTaken(keysDown, keyboard_->layout());
+    heldKeys_.noteGrab(keysDown, keyboard_->layout());
     if (isAtSlave) {
         // The event has the slave's modifiers and, while the slave floats, the slave's pointer, but the grab matched
         // the master's modifiers. Shift may be down on another keyboard.
@@ -398,7 +398,7 @@ bool X11TapEngine::seizeAt(X11KeyboardEvent& press) {
         // What the server held back has arrived by now. Releases among it are repeated before the callback hears of the
         // trigger, and the trigger's key may have gone up already.
         receive();
-        if (!reception_.hasReleaseOf(press.keyCode)) {
+        if (!eventQueue_.hasReleaseOf(press.keyCode)) {
             heldKeys_.holdTrigger(press, *state);
         }
     }
@@ -421,10 +421,10 @@ void X11TapEngine::refuseSession(const X11KeyboardEvent& press) {
         log_.write(LogLevel::standard, category, "Another program holds the keyboard; the switcher stays closed");
     }
     // The combination is that program's: a virtual machine in full screen wants it.
-    seizure_.typeForHolder(press.keyCode);
+    activeGrab_.typeForHolder(press.keyCode);
     // So is what was held back behind it.
     receive();
-    seizure_.repeatMissedReleases();
+    activeGrab_.repeatMissedReleases();
     applyGrabs();
     hasLostTrigger_ = true;
     lostTriggerJudgement_.reset();
@@ -440,7 +440,7 @@ void X11TapEngine::followLostTrigger(std::uint32_t modifiers) {
 void X11TapEngine::judgeLostTrigger() {
     lostTriggerJudgement_.reset();
     // A locker or a password dialog holds on. Once it is asked here, the keyboard's holder need not be asked again.
-    if (phase_ == Phase::hidden && !seizure_.isHeld() && isKeyboardFree()) {
+    if (phase_ == Phase::hidden && !activeGrab_.isHeld() && isKeyboardFree()) {
         context_.isKeyboardHeldElsewhere.store(false);
         if (context_.reportLostTrigger) {
             context_.reportLostTrigger();
@@ -459,9 +459,9 @@ void X11TapEngine::openSession(TapSession session) {
     if (std::exchange(phase_, Phase::open) == Phase::open) {
         return;
     }
-    if (!seizure_.isHeld()) {
-        seizureRetryEnd_ = Clock::now() + seizureRetryTimeout;
-        seizeForOpenSession();
+    if (!activeGrab_.isHeld()) {
+        grabRetryEnd_ = Clock::now() + grabRetryTimeout;
+        grabForOpenSession();
     }
 }
 
@@ -471,18 +471,18 @@ void X11TapEngine::closeSession(TapSession session) {
     }
 }
 
-void X11TapEngine::seizeForOpenSession() {
-    seizureRetry_.reset();
+void X11TapEngine::grabForOpenSession() {
+    grabRetry_.reset();
     receive();
-    reception_.watchWindows(true);
+    eventQueue_.watchWindows(true);
     tellGuard(true);
-    const auto state = seizure_.take(std::nullopt);
+    const auto state = activeGrab_.grab(std::nullopt);
     if (!state) {
-        reception_.watchWindows(false);
+        eventQueue_.watchWindows(false);
         tellGuard(false);
         keyboard_->grabs().install();
-        if (Clock::now() < seizureRetryEnd_) {
-            seizureRetry_ = Clock::now() + seizureRetryInterval;
+        if (Clock::now() < grabRetryEnd_) {
+            grabRetry_ = Clock::now() + grabRetryInterval;
         } else {
             log_.write(LogLevel::standard, category, "Another program holds the keyboard; the panel gets no keys");
             context_.isKeyboardHeldElsewhere.store(true);
@@ -491,7 +491,7 @@ void X11TapEngine::seizeForOpenSession() {
     }
     context_.isKeyboardHeldElsewhere.store(false);
     keyboard_->text().reset();
-    heldKeys_.noteTaken(state->keysDown, keyboard_->layout());
+    heldKeys_.noteGrab(state->keysDown, keyboard_->layout());
     heldKeys_.beginSession(std::nullopt);
     delivery_.forgetModifiers();
     deliverModifiers(state->modifiers);
@@ -501,21 +501,21 @@ void X11TapEngine::endSession() {
     session_.reset();
     mayBeEnding_ = false;
     answerDeadline_.reset();
-    seizureRetry_.reset();
+    grabRetry_.reset();
     const bool wasHidden = phase_ == Phase::hidden;
     phase_ = Phase::hidden;
     asked_.reset();
     if (inputMethod_ != nullptr && !wasHidden) {
         inputMethod_->reset();
     }
-    if (wasHidden && !seizure_.isHeld()) {
+    if (wasHidden && !activeGrab_.isHeld()) {
         return;
     }
     receive();
     // Keys of the session that ended belong to nobody and are dropped; but the next trigger may be among them.
     deliverQueue();
     if (phase_ == Phase::hidden) {
-        giveKeyboardBack();
+        ungrabKeyboard();
     }
 }
 
@@ -539,14 +539,14 @@ void X11TapEngine::giveRequestUp() const {
     }
 }
 
-void X11TapEngine::giveKeyboardBack() {
-    heldKeys_.releaseAll(seizure_);
+void X11TapEngine::ungrabKeyboard() {
+    heldKeys_.releaseAll(activeGrab_);
     if (isEnabled_) {
         keyboard_->grabs().install();
     }
-    seizure_.giveBack();
-    heldKeys_.releaseEarlierKeys(seizure_);
-    reception_.watchWindows(false);
+    activeGrab_.ungrab();
+    heldKeys_.releaseEarlierKeys(activeGrab_);
+    eventQueue_.watchWindows(false);
     xcb_flush(connection_->get());
     tellGuard(false);
 }

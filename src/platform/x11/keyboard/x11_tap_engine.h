@@ -38,8 +38,8 @@ public:
     /// switcher of a window manager does), has done so within this time.
     static constexpr std::chrono::milliseconds lostTriggerGrace{300};
     /// A session that was opened from a menu can grab the keyboard only after the menu has ungrabbed it.
-    static constexpr std::chrono::milliseconds seizureRetryInterval{20};
-    static constexpr std::chrono::milliseconds seizureRetryTimeout{1000};
+    static constexpr std::chrono::milliseconds grabRetryInterval{20};
+    static constexpr std::chrono::milliseconds grabRetryTimeout{1000};
 
     /// Exactly one of the two is set.
     struct Creation {
@@ -118,15 +118,15 @@ private:
     void beginSession(const X11KeyboardEvent& press);
     /// Grabs the keyboard at the trigger's press and completes the press with the real modifier state. False when
     /// another client has grabbed the keyboard.
-    [[nodiscard]] bool seizeAt(X11KeyboardEvent& press);
+    [[nodiscard]] bool grabAt(X11KeyboardEvent& press);
     void refuseSession(const X11KeyboardEvent& press);
     /// The modifiers are these now, and a trigger went to another client before.
     void followLostTrigger(std::uint32_t modifiers);
     void judgeLostTrigger();
     void awaitAnswer();
-    void seizeForOpenSession();
+    void grabForOpenSession();
     void endSession();
-    void giveKeyboardBack();
+    void ungrabKeyboard();
     [[nodiscard]] std::optional<Clock::time_point> sessionDeadline() const;
     void reportActiveWindow(xcb_window_t window) const;
     /// Tells the callback that the modifiers are these now.
@@ -141,9 +141,9 @@ private:
     std::unique_ptr<X11TapKeyboard> keyboard_;
     X11InputContext& context_;
     Log& log_;
-    X11KeyboardSeizure seizure_;
+    X11ActiveGrab activeGrab_;
     X11HeldKeys heldKeys_;
-    X11TapReception reception_;
+    X11EventQueue eventQueue_;
     X11TapDelivery delivery_;
     std::unique_ptr<X11InputMethod> inputMethod_;
     /// The press that was sent to the input method. Later events wait for the answer.
@@ -161,8 +161,8 @@ private:
     bool hasLostTrigger_ = false;
     std::optional<Clock::time_point> lostTriggerJudgement_;
     std::optional<Clock::time_point> answerDeadline_;
-    std::optional<Clock::time_point> seizureRetry_;
-    std::optional<Clock::time_point> seizureRetryEnd_;
+    std::optional<Clock::time_point> grabRetry_;
+    std::optional<Clock::time_point> grabRetryEnd_;
 };
 
 }  // namespace ferrowyn

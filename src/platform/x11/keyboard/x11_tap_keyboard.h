@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] const X11KeyboardLayout& layout() const { return *layout_; }
     [[nodiscard]] X11KeyText& text() { return text_; }
-    [[nodiscard]] X11KeyboardGrabs& grabs() { return grabs_; }
+    [[nodiscard]] X11PassiveGrabs& grabs() { return grabs_; }
 
     /// These take effect with the next `applyGrabs`.
     void setTrigger(SwitcherModifier trigger) { trigger_ = trigger; }
@@ -60,7 +60,7 @@ private:
     std::unique_ptr<xkb_context, XkbUnref> xkbContext_;
     std::unique_ptr<X11KeyboardLayout> layout_;
     X11KeyText text_;
-    X11KeyboardGrabs grabs_;
+    X11PassiveGrabs grabs_;
     std::vector<std::uint32_t> triggerKeyCodes_;
 };
 
