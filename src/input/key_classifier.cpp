@@ -1,5 +1,6 @@
 #include "input/key_classifier.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -11,25 +12,7 @@ namespace ferrowyn {
 
 namespace {
 
-/// ANSI virtual key codes.
-namespace key {
-constexpr std::uint16_t d = 2;
-constexpr std::uint16_t returnKey = 36;
-constexpr std::uint16_t l = 37;
-constexpr std::uint16_t tab = 48;
-constexpr std::uint16_t grave = 50;
-constexpr std::uint16_t backspace = 51;
-constexpr std::uint16_t escape = 53;
-constexpr std::uint16_t keypadEnter = 76;
-constexpr std::uint16_t home = 115;
-constexpr std::uint16_t pageUp = 116;
-constexpr std::uint16_t end = 119;
-constexpr std::uint16_t pageDown = 121;
-constexpr std::uint16_t leftArrow = 123;
-constexpr std::uint16_t rightArrow = 124;
-constexpr std::uint16_t downArrow = 125;
-constexpr std::uint16_t upArrow = 126;
-}  // namespace key
+namespace key = virtual_key;
 
 /// How many lines Page Up and Page Down move.
 constexpr int linesPerPage = 4;
@@ -47,11 +30,7 @@ bool isHeld(std::uint64_t flags, const TapState::Snapshot& state) {
 }
 
 bool isTrigger(std::uint16_t keyCode, std::uint64_t flags, const TapState::Snapshot& state) {
-    // Beside Tab the system's own switcher listens to Command and the key above Tab; taking its place means taking
-    // both.
-    const bool isTriggerKey =
-        keyCode == key::tab || (keyCode == key::grave && state.modifierFlag == event_flags::command);
-    return isTriggerKey && isHeld(flags, state);
+    return std::ranges::count(triggerKeys(state.modifierFlag), keyCode) > 0 && isHeld(flags, state);
 }
 
 /// The command of a key that has one of its own during a session.

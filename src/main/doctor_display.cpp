@@ -10,6 +10,7 @@
 #include "input/switching_health.h"
 #include "main/doctor_activation.h"
 #include "main/single_instance.h"
+#include "platform/keyboard_tap.h"
 #include "platform/log.h"
 #include "platform/x11/keyboard/x11_keyboard_grabs.h"
 #include "platform/x11/keyboard/x11_keyboard_layout.h"

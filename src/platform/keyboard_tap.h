@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -11,6 +13,23 @@
 #include "platform/main_loop.h"
 
 namespace ferrowyn {
+
+/// ANSI virtual key codes, which name the keys on every desktop.
+namespace virtual_key {
+inline constexpr std::uint16_t d = 2, l = 37;
+inline constexpr std::uint16_t returnKey = 36, tab = 48, grave = 50, backspace = 51, escape = 53, keypadEnter = 76;
+inline constexpr std::uint16_t home = 115, pageUp = 116, forwardDelete = 117, end = 119, pageDown = 121;
+inline constexpr std::uint16_t leftArrow = 123, rightArrow = 124, downArrow = 125, upArrow = 126;
+/// All keys that open the switcher with some modifier.
+inline constexpr std::array triggers{tab, grave};
+}  // namespace virtual_key
+
+/// The keys that open the switcher together with the modifier of this event flag. Beside Tab the system's own switcher
+/// listens to Command and the key above Tab; taking its place means taking both.
+[[nodiscard]] constexpr std::span<const std::uint16_t> triggerKeys(std::uint64_t modifierFlag) {
+    const std::span all(virtual_key::triggers);
+    return modifierFlag == event_flags::command ? all : all.first(1);
+}
 
 /// One event as a tap sees it. Valid only while the callback runs.
 class TapEvent {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/keyboard_tap.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
 
@@ -24,7 +25,7 @@ constexpr xkb_keycode_t evdevOffset = 8;
 
 constexpr std::array<PhysicalKey, 114> physicalKeys{{
     // The row of digits.
-    {"TLDE", 41, 50},
+    {"TLDE", 41, virtual_key::grave},
     {"AE01", 2, 18},
     {"AE02", 3, 19},
     {"AE03", 4, 20},
@@ -37,9 +38,9 @@ constexpr std::array<PhysicalKey, 114> physicalKeys{{
     {"AE10", 11, 29},
     {"AE11", 12, 27},
     {"AE12", 13, 24},
-    {"BKSP", 14, 51},
+    {"BKSP", 14, virtual_key::backspace},
     // The letters.
-    {"TAB", 15, 48},
+    {"TAB", 15, virtual_key::tab},
     {"AD01", 16, 12},
     {"AD02", 17, 13},
     {"AD03", 18, 14},
@@ -55,16 +56,16 @@ constexpr std::array<PhysicalKey, 114> physicalKeys{{
     {"BKSL", 43, 42},
     {"AC01", 30, 0},
     {"AC02", 31, 1},
-    {"AC03", 32, 2},
+    {"AC03", 32, virtual_key::d},
     {"AC04", 33, 3},
     {"AC05", 34, 5},
     {"AC06", 35, 4},
     {"AC07", 36, 38},
     {"AC08", 37, 40},
-    {"AC09", 38, 37},
+    {"AC09", 38, virtual_key::l},
     {"AC10", 39, 41},
     {"AC11", 40, 39},
-    {"RTRN", 28, 36},
+    {"RTRN", 28, virtual_key::returnKey},
     {"LSGT", 86, 10},
     {"AB01", 44, 6},
     {"AB02", 45, 7},
@@ -88,16 +89,16 @@ constexpr std::array<PhysicalKey, 114> physicalKeys{{
     {"LWIN", 125, 55},
     {"RWIN", 126, 54},
     // The keys around them.
-    {"ESC", 1, 53},
-    {"UP", 103, 126},
-    {"DOWN", 108, 125},
-    {"LEFT", 105, 123},
-    {"RGHT", 106, 124},
-    {"HOME", 102, 115},
-    {"END", 107, 119},
-    {"PGUP", 104, 116},
-    {"PGDN", 109, 121},
-    {"DELE", 111, 117},
+    {"ESC", 1, virtual_key::escape},
+    {"UP", 103, virtual_key::upArrow},
+    {"DOWN", 108, virtual_key::downArrow},
+    {"LEFT", 105, virtual_key::leftArrow},
+    {"RGHT", 106, virtual_key::rightArrow},
+    {"HOME", 102, virtual_key::home},
+    {"END", 107, virtual_key::end},
+    {"PGUP", 104, virtual_key::pageUp},
+    {"PGDN", 109, virtual_key::pageDown},
+    {"DELE", 111, virtual_key::forwardDelete},
     {"INS", 110, 114},
     {"FK01", 59, 122},
     {"FK02", 60, 120},
@@ -125,7 +126,7 @@ constexpr std::array<PhysicalKey, 114> physicalKeys{{
     {"KPMU", 55, 67},
     {"KPSU", 74, 78},
     {"KPAD", 78, 69},
-    {"KPEN", 96, 76},
+    {"KPEN", 96, virtual_key::keypadEnter},
     {"KPDL", 83, 65},
     {"KPEQ", 117, 81},
     {"KP0", 82, 82},
@@ -151,31 +152,31 @@ struct SymbolKey {
 };
 
 constexpr std::array<SymbolKey, 25> symbolKeys{{
-    {XKB_KEY_Escape, 53},
-    {XKB_KEY_Return, 36},
-    {XKB_KEY_KP_Enter, 76},
+    {XKB_KEY_Escape, virtual_key::escape},
+    {XKB_KEY_Return, virtual_key::returnKey},
+    {XKB_KEY_KP_Enter, virtual_key::keypadEnter},
     {XKB_KEY_Tab, virtual_key::tab},
     {XKB_KEY_ISO_Left_Tab, virtual_key::tab},
     {XKB_KEY_KP_Tab, virtual_key::tab},
-    {XKB_KEY_BackSpace, 51},
-    {XKB_KEY_Delete, 117},
-    {XKB_KEY_KP_Delete, 117},
-    {XKB_KEY_Home, 115},
-    {XKB_KEY_KP_Home, 115},
-    {XKB_KEY_End, 119},
-    {XKB_KEY_KP_End, 119},
-    {XKB_KEY_Page_Up, 116},
-    {XKB_KEY_KP_Page_Up, 116},
-    {XKB_KEY_Page_Down, 121},
-    {XKB_KEY_KP_Page_Down, 121},
-    {XKB_KEY_Left, 123},
-    {XKB_KEY_KP_Left, 123},
-    {XKB_KEY_Right, 124},
-    {XKB_KEY_KP_Right, 124},
-    {XKB_KEY_Down, 125},
-    {XKB_KEY_KP_Down, 125},
-    {XKB_KEY_Up, 126},
-    {XKB_KEY_KP_Up, 126},
+    {XKB_KEY_BackSpace, virtual_key::backspace},
+    {XKB_KEY_Delete, virtual_key::forwardDelete},
+    {XKB_KEY_KP_Delete, virtual_key::forwardDelete},
+    {XKB_KEY_Home, virtual_key::home},
+    {XKB_KEY_KP_Home, virtual_key::home},
+    {XKB_KEY_End, virtual_key::end},
+    {XKB_KEY_KP_End, virtual_key::end},
+    {XKB_KEY_Page_Up, virtual_key::pageUp},
+    {XKB_KEY_KP_Page_Up, virtual_key::pageUp},
+    {XKB_KEY_Page_Down, virtual_key::pageDown},
+    {XKB_KEY_KP_Page_Down, virtual_key::pageDown},
+    {XKB_KEY_Left, virtual_key::leftArrow},
+    {XKB_KEY_KP_Left, virtual_key::leftArrow},
+    {XKB_KEY_Right, virtual_key::rightArrow},
+    {XKB_KEY_KP_Right, virtual_key::rightArrow},
+    {XKB_KEY_Down, virtual_key::downArrow},
+    {XKB_KEY_KP_Down, virtual_key::downArrow},
+    {XKB_KEY_Up, virtual_key::upArrow},
+    {XKB_KEY_KP_Up, virtual_key::upArrow},
 }};
 
 }  // namespace
@@ -322,7 +323,7 @@ std::uint16_t X11KeyboardLayout::virtualKeyCodeOf(xkb_keycode_t keyCode, const K
     if (const auto code = virtualKeyCodeOfSymbol(symbols.symbol)) {
         return *code;
     }
-    for (const auto triggerKey : {virtual_key::tab, virtual_key::grave}) {
+    for (const auto triggerKey : virtual_key::triggers) {
         if (std::ranges::count(keyCodesOf(triggerKey), keyCode) > 0) {
             return triggerKey;
         }

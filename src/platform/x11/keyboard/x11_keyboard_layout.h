@@ -18,10 +18,6 @@ class X11Connection;
 /// A key without an ANSI virtual key code gets its X key code plus this number, so that all codes differ.
 inline constexpr std::uint16_t firstUnknownVirtualKeyCode = 128;
 
-namespace virtual_key {
-inline constexpr std::uint16_t tab = 48, grave = 50;
-}  // namespace virtual_key
-
 /// The ANSI virtual key code of a physical key, independent of the layout. It is found by the XKB name ("TAB", "AD01"),
 /// which is the same for all sets of key codes, or by the evdev code when the keymap has no name.
 [[nodiscard]] std::uint16_t virtualKeyCode(std::string_view xkbName, xkb_keycode_t keyCode);

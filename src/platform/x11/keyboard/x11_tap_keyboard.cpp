@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/keyboard_tap.h"
 #include "platform/log.h"
 #include "platform/x11/keyboard/x11_keyboard_layout.h"
 #include "platform/x11/x11_connection.h"
@@ -53,11 +54,9 @@ bool X11TapKeyboard::readLayout() {
 
 void X11TapKeyboard::applyGrabs(bool isEnabled, bool isKeyboardHeld) {
     triggerKeyCodes_.clear();
-    for (const auto key : {virtual_key::tab, virtual_key::grave}) {
-        if (key == virtual_key::tab || trigger_ == SwitcherModifier::command) {
-            const auto& keyCodes = layout_->keyCodesOf(key);
-            triggerKeyCodes_.insert(triggerKeyCodes_.end(), keyCodes.begin(), keyCodes.end());
-        }
+    for (const auto key : triggerKeys(flagMask(trigger_))) {
+        const auto& keyCodes = layout_->keyCodesOf(key);
+        triggerKeyCodes_.insert(triggerKeyCodes_.end(), keyCodes.begin(), keyCodes.end());
     }
     const auto mask = triggerMask();
     if (mask == 0) {
