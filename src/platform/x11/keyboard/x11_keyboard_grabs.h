@@ -129,7 +129,6 @@ public:
     };
 
     [[nodiscard]] bool isHeld() const { return master_.has_value(); }
-    [[nodiscard]] bool isHeldOf(xcb_input_device_id_t master) const { return master_ == master; }
 
     /// Grabs the master of this slave, frees the slave and those that were noted as grabbed, removes the passive
     /// grabs (they would float the slave again at each further trigger), and repeats the releases that the master
