@@ -16,8 +16,6 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::string_view category = "activation";
-/// An unresponsive application must not hold up the main thread for long.
-constexpr Seconds messagingTimeout{0.5};
 constexpr Seconds lookPause{0.12};
 constexpr int maximumLooks = 5;
 constexpr double delayGrowth = 1.8;
@@ -60,18 +58,17 @@ void WindowActivator::begin(const AppWindow& window) {
                                    .applicationName = application->localizedName.value_or(window.appName),
                                    .pid = pid,
                                    .element = dialog ? std::optional(dialog->element) : window.axElement});
-    control_.setMessagingTimeout(pid, messagingTimeout);
     if (activation_->element) {
         raiseFirst();
     } else {
-        control_.activate(pid);
+        control_.activateApplication(pid);
         lookUpElement();
     }
 }
 
 void WindowActivator::lookUpElement() {
     ++activation_->looks;
-    activation_->element = findElement();
+    activation_->element = control_.findWindow(activation_->pid, activation_->window.id);
     if (activation_->element) {
         raiseFirst();
     } else if (activation_->looks < maximumLooks) {
@@ -83,45 +80,21 @@ void WindowActivator::lookUpElement() {
     }
 }
 
-std::optional<AXElementRef> WindowActivator::findElement() const {
-    for (const auto& element : control_.windowElements(activation_->pid)) {
-        if (control_.windowNumber(element) == activation_->window.id) {
-            return element;
-        }
-    }
-    return std::nullopt;
-}
-
 void WindowActivator::raiseFirst() {
-    const auto& window = activation_->window;
-    control_.setMessagingTimeout(*activation_->element, messagingTimeout);
-    activation_->wasActive =
-        control_.isActive(activation_->pid) && control_.isFocused(*activation_->element).value_or(false);
-    if (control_.isHidden(activation_->pid)) {
-        control_.unhide(activation_->pid);
-    }
-    if (window.isMinimized) {
-        control_.unminimize(window.blockedBy && window.axElement ? *window.axElement : *activation_->element);
-    }
+    // Asked only where it can be so: an application that does not answer would delay the request.
+    activation_->wasActive = workspace_.frontmostPid() == activation_->pid &&
+                             control_.stateOf(activation_->pid, *activation_->element) == ActivationState::active;
     raise();
     scheduleVerification();
 }
 
-/// Raised, main and focused inside its application first, so that activating the application brings this window
-/// forward and not the application's own idea of its front window; frontmost last.
 void WindowActivator::raise() {
-    const Pid pid = activation_->pid;
-    const auto& element = *activation_->element;
-    if (const auto& window = activation_->window; window.blockedBy && window.axElement) {
-        // Below its dialog, and where the dialog has just been closed the window gets the keyboard itself.
-        control_.raise(*window.axElement);
-    }
-    control_.raise(element);
-    control_.setMain(element);
-    control_.setFocused(element);
-    control_.setFocusedWindow(pid, element);
-    control_.activate(pid);
-    control_.setFrontmost(pid);
+    const auto& window = activation_->window;
+    control_.raiseAndFocus({.pid = activation_->pid,
+                            .window = *activation_->element,
+                            .blockedWindow = window.blockedBy ? window.axElement : std::nullopt,
+                            .isMinimized = window.isMinimized,
+                            .isRetry = activation_->checks > 0});
 }
 
 void WindowActivator::scheduleVerification() {
@@ -130,14 +103,15 @@ void WindowActivator::scheduleVerification() {
 
 void WindowActivator::verify() {
     ++activation_->checks;
-    if (isConfirmed()) {
+    const auto state = this->state();
+    if (state == ActivationState::active) {
         log_.write(LogLevel::debug, category,
                    fmt::format("Window {} active after {} check(s)", activation_->window.id, activation_->checks));
         reportVerification(true);
         finish();
         return;
     }
-    if (control_.wasOvertaken(*activation_->element)) {
+    if (state == ActivationState::overtaken) {
         // Raising it again would take the user away from what was chosen later, which leads the order by now.
         log_.write(LogLevel::debug, category,
                    fmt::format("Another window was chosen after window {}", activation_->window.id));
@@ -149,26 +123,27 @@ void WindowActivator::verify() {
                    fmt::format("Could not confirm activation of window {} in {}", activation_->window.id,
                                activation_->applicationName));
         // A window that is gone by now, or whose application does not answer, says nothing about the desktop.
-        if (control_.isFocused(*activation_->element)) {
+        if (state != ActivationState::unreadable) {
             reportVerification(false);
         }
         finish();
         return;
     }
+    // An application that does not answer is worth another try as well.
     raise();
     activation_->delay *= delayGrowth;
     scheduleVerification();
 }
 
-/// What cannot be read does not confirm anything: an application that does not answer is worth another try.
-bool WindowActivator::isConfirmed() const {
-    const auto hasKeyboard = [this](Pid pid, const std::optional<AXElementRef>& element) {
-        return element && control_.isActive(pid) && control_.isMain(*element).value_or(false) &&
-               control_.isFocused(*element).value_or(false);
-    };
+ActivationState WindowActivator::state() const {
+    const auto state = control_.stateOf(activation_->pid, *activation_->element);
     const auto& window = activation_->window;
-    return hasKeyboard(activation_->pid, activation_->element) ||
-           (window.blockedBy && hasKeyboard(window.pid, window.axElement));
+    if (state == ActivationState::active || !window.blockedBy || !window.axElement) {
+        return state;
+    }
+    // Once its dialog has been closed, the window gets the keyboard itself.
+    const auto own = control_.stateOf(window.pid, *window.axElement);
+    return own == ActivationState::active || state == ActivationState::unreadable ? own : state;
 }
 
 void WindowActivator::reportVerification(bool isConfirmed) const {

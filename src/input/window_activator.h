@@ -11,6 +11,7 @@
 
 namespace ferrowyn {
 
+enum class ActivationState;
 struct Platform;
 class Log;
 class WindowControl;
@@ -61,8 +62,8 @@ private:
     void raise();
     void scheduleVerification();
     void verify();
-    [[nodiscard]] std::optional<AXElementRef> findElement() const;
-    [[nodiscard]] bool isConfirmed() const;
+    /// Whether the chosen window, or the dialog that blocks it, has the keyboard.
+    [[nodiscard]] ActivationState state() const;
     void reportVerification(bool isConfirmed) const;
     void finish();
 

@@ -1,49 +1,60 @@
 #pragma once
 
 #include <optional>
-#include <vector>
 
 #include "core/app_window.h"
-#include "platform/main_loop.h"
 
 namespace ferrowyn {
 
-/// Controls other applications and their windows. Main thread. Every call may be refused or time out; the adapter logs
-/// that and the caller goes on. The calls are the steps of an activation on macOS. Another desktop carries out each
-/// step as far as it exists there, so that the whole sequence ends with the window raised and focused.
+/// One try to bring a window to the front and give it the keyboard.
+struct RaiseRequest {
+    /// The application that gets the keyboard.
+    Pid pid = 0;
+    /// The window of that application that gets the keyboard: the chosen window, or the modal dialog that blocks it.
+    AXElementRef window;
+    /// The chosen window when a dialog blocks it. It is raised below the dialog, and gets the keyboard itself if the
+    /// dialog has just been closed.
+    std::optional<AXElementRef> blockedWindow = std::nullopt;
+    /// The chosen window is minimised.
+    bool isMinimized = false;
+    /// The same was requested before and did not succeed. The first try also shows what is hidden or minimised; a retry
+    /// does not ask for that again, except where the desktop has a second way to restore a window that is still
+    /// minimised.
+    bool isRetry = false;
+
+    /// The window that the user has chosen.
+    [[nodiscard]] const AXElementRef& chosenWindow() const { return blockedWindow ? *blockedWindow : window; }
+};
+
+/// What the desktop says about a window and the keyboard.
+enum class ActivationState {
+    /// It has the keyboard: it is the main and focused window of the active application.
+    active,
+    notActive,
+    /// It is not active, because the user chose another window after this one was last raised: it got the focus and
+    /// lost it again, or the user has clicked on another window. A focus that the application or the window manager
+    /// sets before this window gets it does not count. Only some desktops report it.
+    overtaken,
+    /// The window is gone, or its application does not answer.
+    unreadable,
+};
+
+/// Controls other applications and their windows. Main thread. Every request may be refused or time out: the adapter
+/// logs that and carries out the rest of the request, and no request holds up the main thread for long. How many steps
+/// a request takes is the adapter's matter; when it is repeated or given up is the caller's.
 class WindowControl {
 public:
     virtual ~WindowControl() = default;
 
-    [[nodiscard]] virtual bool isHidden(Pid pid) const = 0;
-    virtual void unhide(Pid pid) = 0;
-    /// Activates the application with no options.
-    virtual void activate(Pid pid) = 0;
-    [[nodiscard]] virtual bool isActive(Pid pid) const = 0;
+    /// Makes the application the active one. Which of its windows comes to the front is its own choice.
+    virtual void activateApplication(Pid pid) = 0;
+    virtual void raiseAndFocus(const RaiseRequest& request) = 0;
+    /// The state of one of the application's windows.
+    [[nodiscard]] virtual ActivationState stateOf(Pid pid, const AXElementRef& window) const = 0;
 
-    /// Sets how long a request to the application, or to one window, may take.
-    virtual void setMessagingTimeout(Pid pid, Seconds timeout) = 0;
-    virtual void setMessagingTimeout(const AXElementRef& window, Seconds timeout) = 0;
-
-    virtual void unminimize(const AXElementRef& window) = 0;
-    virtual void raise(const AXElementRef& window) = 0;
-    virtual void setMain(const AXElementRef& window) = 0;
-    virtual void setFocused(const AXElementRef& window) = 0;
-    virtual void setFocusedWindow(Pid pid, const AXElementRef& window) = 0;
-    virtual void setFrontmost(Pid pid) = 0;
-
-    /// Whether the window is its application's main, or focused, window; nothing when that cannot be read.
-    [[nodiscard]] virtual std::optional<bool> isMain(const AXElementRef& window) const = 0;
-    [[nodiscard]] virtual std::optional<bool> isFocused(const AXElementRef& window) const = 0;
-
-    /// Whether the user chose another window after this one was last raised: it got the focus and lost it again, or the
-    /// user has clicked on another window. A focus that the application or the window manager sets before this window
-    /// gets it does not count. False where the system does not report it.
-    [[nodiscard]] virtual bool wasOvertaken(const AXElementRef& window) const = 0;
-
-    /// The elements of the application's windows; empty when it does not answer.
-    [[nodiscard]] virtual std::vector<AXElementRef> windowElements(Pid pid) const = 0;
-    [[nodiscard]] virtual std::optional<WindowId> windowNumber(const AXElementRef& window) const = 0;
+    /// The element of the application's window with this number; nothing when there is none, or the application does
+    /// not answer.
+    [[nodiscard]] virtual std::optional<AXElementRef> findWindow(Pid pid, WindowId window) const = 0;
 };
 
 }  // namespace ferrowyn

@@ -26,6 +26,11 @@ public:
         desktop_.changeWindow(window, [](auto& state) { state.isMinimized = true; });
     }
     void focus(WindowId window) override { desktop_.focusWindow(window); }
+    void focusAnotherApplication() override {
+        desktop_.launch({.pid = 200, .localizedName = "Other"});
+        desktop_.openWindow({.id = 1000, .pid = 200});
+        desktop_.focusWindow(1000);
+    }
 
     bool runUntil(const std::function<bool()>& predicate) override {
         desktop_.settle();

@@ -138,43 +138,37 @@ TEST_F(SimulatedDesktopTest, WindowControlIsWrittenDownAndCarriedOut) {
     const auto observer = observe(100);
     desktop.changeWindow(1, [](auto& state) { state.isMinimized = true; });
     const auto element = desktop.elementOf(1);
-    control.setMessagingTimeout(element, Seconds(0.5));
-    control.unminimize(element);
-    control.raise(element);
-    control.setMain(element);
-    control.setFocused(element);
-    control.setFocusedWindow(100, element);
-    control.activate(100);
-    control.setFrontmost(100);
-    EXPECT_TRUE(platform.workspace.open("scheme:page"));
-    EXPECT_THAT(desktop.takeControlCalls(),
-                ElementsAre("timeout 1 0.5", "unminimize 1", "raise 1", "main 1", "focused 1", "focusedWindow 100 1",
-                            "activate 100", "frontmost 100", "open scheme:page"));
-    EXPECT_EQ(control.isMain(element), true);
-    EXPECT_EQ(control.isFocused(desktop.elementOf(3)), false);
-    EXPECT_TRUE(control.isActive(100));
+    control.raiseAndFocus({.pid = 100, .window = element, .isMinimized = true});
+    EXPECT_EQ(control.stateOf(100, element), ActivationState::active);
+    EXPECT_EQ(control.stateOf(100, desktop.elementOf(3)), ActivationState::notActive);
     EXPECT_FALSE(desktop.window(1)->isMinimized);
     EXPECT_THAT(order(), ElementsAre(1, 3, 2));
     EXPECT_THAT(notifications, IsEmpty()) << "no notification overtakes the request";
     desktop.settle();
     EXPECT_THAT(notifications, ElementsAre(AccessibilityNotification::focusedWindowChanged,
                                            AccessibilityNotification::applicationActivated));
+    control.raiseAndFocus({.pid = 200, .window = desktop.elementOf(2), .blockedWindow = element, .isRetry = true});
+    EXPECT_THAT(order(), ElementsAre(2, 1, 3));
+    control.activateApplication(100);
+    EXPECT_THAT(order(), ElementsAre(1, 2, 3));
+    EXPECT_TRUE(platform.workspace.open("scheme:page"));
+    EXPECT_THAT(desktop.takeControlCalls(),
+                ElementsAre("raise 1 restoring it", "raise 2 above 1 again", "activate 100", "open scheme:page"));
 }
 
 TEST_F(SimulatedDesktopTest, AnApplicationThatPlaysDeadOrIsHungDoesNothing) {
     auto& control = platform.windowControl;
     const auto element = desktop.elementOf(1);
     desktop.setIgnoresActivation(100, true);
-    control.raise(element);
-    control.setFocused(element);
-    control.activate(100);
-    EXPECT_EQ(control.isFocused(element), false);
-    EXPECT_FALSE(control.isActive(100));
+    control.raiseAndFocus({.pid = 100, .window = element});
+    control.activateApplication(100);
+    EXPECT_EQ(control.stateOf(100, element), ActivationState::notActive);
+    EXPECT_EQ(desktop.frontmostPid(), std::nullopt);
     EXPECT_THAT(order(), ElementsAre(3, 2, 1));
     desktop.setHung(100, true);
-    EXPECT_EQ(control.isFocused(element), std::nullopt);
-    EXPECT_THAT(control.windowElements(100), IsEmpty());
-    EXPECT_EQ(desktop.takeControlCalls().size(), 3U);
+    EXPECT_EQ(control.stateOf(100, element), ActivationState::unreadable);
+    EXPECT_FALSE(control.findWindow(100, 1));
+    EXPECT_EQ(desktop.takeControlCalls().size(), 2U);
 }
 
 TEST_F(SimulatedDesktopTest, TerminatingTakesTheWindowsAlong) {

@@ -1,97 +1,89 @@
 #include "platform/macos/mac_window_control.h"
 
 #include "platform/log.h"
-#include "platform/macos/cf_values.h"
-#include "platform/macos/mac_element.h"
 
 namespace ferrowyn {
 
 namespace {
 
-std::optional<bool> booleanAttribute(const AXElementRef& window, CFStringRef attribute) {
+/// A new handle each time: an old one may belong to an earlier process with the same number.
+Owned<AXUIElementRef> applicationHandle(Pid pid) {
+    auto element = accessibility::applicationElement(pid);
+    accessibility::setMessagingTimeout(element.get(), MacWindowControl::messagingTimeout);
+    return element;
+}
+
+/// Null for an element of another desktop. The timeout belongs to the handle, which may be one that has none yet.
+AXUIElementRef windowHandle(const AXElementRef& window) {
     const AXUIElementRef element = MacElement::elementOf(window);
-    return element != nullptr ? cf::boolean(accessibility::copyAttribute(element, attribute).value.get())
-                              : std::nullopt;
+    accessibility::setMessagingTimeout(element, MacWindowControl::messagingTimeout);
+    return element;
+}
+
+std::optional<bool> booleanAttribute(AXUIElementRef element, CFStringRef attribute) {
+    return cf::boolean(accessibility::copyAttribute(element, attribute).value.get());
 }
 
 }  // namespace
 
-void MacWindowControl::setMessagingTimeout(Pid pid, Seconds timeout) {
-    // Always a new handle: an old one may belong to an earlier process with the same number.
-    application_ = {pid, accessibility::applicationElement(pid), timeout};
-    accessibility::setMessagingTimeout(application_.element.get(), timeout);
-}
-
-void MacWindowControl::setMessagingTimeout(const AXElementRef& window, Seconds timeout) {
-    if (const AXUIElementRef element = MacElement::elementOf(window)) {
-        accessibility::setMessagingTimeout(element, timeout);
+/// The window is raised, and made main and focused inside its application, before the application is activated:
+/// activating it then brings this window forward, and not the application's own idea of its front window. The
+/// application is made frontmost last.
+void MacWindowControl::raiseAndFocus(const RaiseRequest& request) {
+    const auto application = applicationHandle(request.pid);
+    const AXUIElementRef window = windowHandle(request.window);
+    if (!request.isRetry) {
+        if (applications_.isHidden(request.pid)) {
+            applications_.unhide(request.pid);
+        }
+        if (request.isMinimized) {
+            set(windowHandle(request.chosenWindow()), kAXMinimizedAttribute, kCFBooleanFalse);
+        }
     }
-}
-
-void MacWindowControl::unminimize(const AXElementRef& window) {
-    set(MacElement::elementOf(window), kAXMinimizedAttribute, kCFBooleanFalse);
-}
-
-void MacWindowControl::raise(const AXElementRef& window) {
-    if (const AXUIElementRef element = MacElement::elementOf(window)) {
-        logRefusal(kAXRaiseAction, AXUIElementPerformAction(element, kAXRaiseAction));
+    if (request.blockedWindow) {
+        raise(windowHandle(*request.blockedWindow));
     }
-}
-
-void MacWindowControl::setMain(const AXElementRef& window) {
-    set(MacElement::elementOf(window), kAXMainAttribute, kCFBooleanTrue);
-}
-
-void MacWindowControl::setFocused(const AXElementRef& window) {
-    set(MacElement::elementOf(window), kAXFocusedAttribute, kCFBooleanTrue);
-}
-
-void MacWindowControl::setFocusedWindow(Pid pid, const AXElementRef& window) {
-    if (const AXUIElementRef element = MacElement::elementOf(window)) {
-        set(application(pid).element.get(), kAXFocusedWindowAttribute, element);
+    raise(window);
+    set(window, kAXMainAttribute, kCFBooleanTrue);
+    set(window, kAXFocusedAttribute, kCFBooleanTrue);
+    if (window != nullptr) {
+        set(application.get(), kAXFocusedWindowAttribute, window);
     }
+    applications_.activate(request.pid);
+    set(application.get(), kAXFrontmostAttribute, kCFBooleanTrue);
 }
 
-void MacWindowControl::setFrontmost(Pid pid) {
-    set(application(pid).element.get(), kAXFrontmostAttribute, kCFBooleanTrue);
+ActivationState MacWindowControl::stateOf(Pid pid, const AXElementRef& window) const {
+    const AXUIElementRef element = windowHandle(window);
+    // One answer at a time: an application that hangs is waited for once.
+    const auto isMain = booleanAttribute(element, kAXMainAttribute);
+    const auto isFocused = isMain == true ? booleanAttribute(element, kAXFocusedAttribute) : isMain;
+    if (!isFocused) {
+        return ActivationState::unreadable;
+    }
+    return *isFocused && applications_.isActive(pid) ? ActivationState::active : ActivationState::notActive;
 }
 
-std::optional<bool> MacWindowControl::isMain(const AXElementRef& window) const {
-    return booleanAttribute(window, kAXMainAttribute);
-}
-
-std::optional<bool> MacWindowControl::isFocused(const AXElementRef& window) const {
-    return booleanAttribute(window, kAXFocusedAttribute);
-}
-
-std::vector<AXElementRef> MacWindowControl::windowElements(Pid pid) const {
-    const Application& owner = application(pid);
-    const auto answer = accessibility::copyAttribute(owner.element.get(), kAXWindowsAttribute);
-    std::vector<AXElementRef> elements;
+std::optional<AXElementRef> MacWindowControl::findWindow(Pid pid, WindowId window) const {
+    const auto application = applicationHandle(pid);
+    const auto answer = accessibility::copyAttribute(application.get(), kAXWindowsAttribute);
     if (const auto windows = castTo<CFArrayRef>(answer.value.get())) {
         for (const CFTypeRef each : cf::valuesOf(windows)) {
             if (const auto element = castTo<AXUIElementRef>(each)) {
-                // New handles, which need the timeout too: their numbers are asked for next.
-                if (owner.timeout) {
-                    accessibility::setMessagingTimeout(element, *owner.timeout);
+                accessibility::setMessagingTimeout(element, messagingTimeout);
+                if (windowNumbers_.numberOf(element) == window) {
+                    return MacElement::make(element);
                 }
-                elements.push_back(MacElement::make(element));
             }
         }
     }
-    return elements;
+    return std::nullopt;
 }
 
-std::optional<WindowId> MacWindowControl::windowNumber(const AXElementRef& window) const {
-    const AXUIElementRef element = MacElement::elementOf(window);
-    return element != nullptr ? windowNumbers_.numberOf(element) : std::nullopt;
-}
-
-const MacWindowControl::Application& MacWindowControl::application(Pid pid) const {
-    if (!application_.element || application_.pid != pid) {
-        application_ = {pid, accessibility::applicationElement(pid), std::nullopt};
+void MacWindowControl::raise(AXUIElementRef window) {
+    if (window != nullptr) {
+        logRefusal(kAXRaiseAction, AXUIElementPerformAction(window, kAXRaiseAction));
     }
-    return application_;
 }
 
 void MacWindowControl::set(AXUIElementRef element, CFStringRef attribute, CFTypeRef value) {

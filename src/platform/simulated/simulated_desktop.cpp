@@ -143,7 +143,8 @@ void SimulatedDesktop::setHidden(Pid pid, bool isHidden) {
 }
 
 bool SimulatedDesktop::isHidden(Pid pid) const {
-    return implementation_->windowControl.isHidden(pid);
+    const auto* app = implementation_->model.app(pid);
+    return app != nullptr && app->isHidden;
 }
 
 std::optional<Pid> SimulatedDesktop::frontmostPid() const {

@@ -103,8 +103,8 @@ public:
     [[nodiscard]] std::size_t liveObserverCount() const;
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
 
-    /// Every call of `WindowControl` and `Workspace::open`, in order, as "raise 7", "activate 100", "open <url>",
-    /// "timeout 7 0.5", "focusedWindow 100 7", "unhide 100", "unminimize 7", "main 7", "focused 7", "frontmost 100".
+    /// Every request of `WindowControl` and `Workspace::open`, in order, as "activate 100", "open <url>", "raise 7",
+    /// "raise 7 again" for a retry, "raise 7 restoring it" for a minimised window, "raise 8 above 7" for a dialog.
     std::vector<std::string> takeControlCalls();
 
     // --- trust and secure input

@@ -14,120 +14,67 @@ WindowId idOf(const AXElementRef& window) {
     return SimulatedElement::idOf(window);
 }
 
+std::string describe(const RaiseRequest& request) {
+    const auto above = request.blockedWindow ? fmt::format(" above {}", idOf(*request.blockedWindow)) : std::string();
+    return fmt::format("raise {}{}{}{}", idOf(request.window), above, request.isMinimized ? " restoring it" : "",
+                       request.isRetry ? " again" : "");
+}
+
 }  // namespace
 
-bool SimulatedWindowControl::isHidden(Pid pid) const {
-    const auto* app = model_.app(pid);
-    return app != nullptr && app->isHidden;
-}
-
-void SimulatedWindowControl::unhide(Pid pid) {
-    calls_.push_back(fmt::format("unhide {}", pid));
-    if (obeys(pid)) {
-        windows_.setHidden(pid, false, fromTheLoop);
-    }
-}
-
-void SimulatedWindowControl::activate(Pid pid) {
+void SimulatedWindowControl::activateApplication(Pid pid) {
     calls_.push_back(fmt::format("activate {}", pid));
-    if (obeys(pid)) {
-        windows_.activate(pid, fromTheLoop);
-    }
+    activate(pid);
 }
 
-bool SimulatedWindowControl::isActive(Pid pid) const {
-    return model_.frontmost == pid;
-}
-
-void SimulatedWindowControl::setMessagingTimeout(Pid pid, Seconds timeout) {
-    calls_.push_back(fmt::format("timeout {} {}", pid, timeout.count()));
-}
-
-void SimulatedWindowControl::setMessagingTimeout(const AXElementRef& window, Seconds timeout) {
-    calls_.push_back(fmt::format("timeout {} {}", idOf(window), timeout.count()));
-}
-
-void SimulatedWindowControl::unminimize(const AXElementRef& window) {
-    calls_.push_back(fmt::format("unminimize {}", idOf(window)));
-    if (obedientWindow(window) != nullptr) {
-        windows_.unminimize(idOf(window), fromTheLoop);
-    }
-}
-
-void SimulatedWindowControl::raise(const AXElementRef& window) {
-    calls_.push_back(fmt::format("raise {}", idOf(window)));
-    model_.raisedWindow = idOf(window);
+void SimulatedWindowControl::raiseAndFocus(const RaiseRequest& request) {
+    calls_.push_back(describe(request));
+    // A dialog that has been closed meanwhile leaves the keyboard to the window that it blocked.
+    const auto& top = model_.window(idOf(request.window)) != nullptr ? request.window : request.chosenWindow();
+    model_.raisedWindow = idOf(top);
     model_.isRaiseAnswered = false;
     model_.noteFocus();
-    if (obedientWindow(window) != nullptr) {
-        windows_.raise(idOf(window));
+    if (!request.isRetry) {
+        if (obeys(request.pid)) {
+            windows_.setHidden(request.pid, false, fromTheLoop);
+        }
+        if (request.isMinimized && obedientWindow(request.chosenWindow()) != nullptr) {
+            windows_.unminimize(idOf(request.chosenWindow()), fromTheLoop);
+        }
     }
-}
-
-void SimulatedWindowControl::setMain(const AXElementRef& window) {
-    calls_.push_back(fmt::format("main {}", idOf(window)));
-    focus(window);
-}
-
-void SimulatedWindowControl::setFocused(const AXElementRef& window) {
-    calls_.push_back(fmt::format("focused {}", idOf(window)));
-    focus(window);
-}
-
-void SimulatedWindowControl::setFocusedWindow(Pid pid, const AXElementRef& window) {
-    calls_.push_back(fmt::format("focusedWindow {} {}", pid, idOf(window)));
-    focus(window);
-}
-
-void SimulatedWindowControl::setFrontmost(Pid pid) {
-    calls_.push_back(fmt::format("frontmost {}", pid));
-    if (obeys(pid)) {
-        windows_.activate(pid, fromTheLoop);
+    if (request.blockedWindow) {
+        raise(*request.blockedWindow);
     }
+    raise(request.window);
+    if (const auto* window = obedientWindow(top)) {
+        windows_.setFocusedWindow(window->pid, window->id, fromTheLoop);
+    }
+    activate(request.pid);
 }
 
-std::optional<bool> SimulatedWindowControl::isMain(const AXElementRef& window) const {
-    const auto* state = model_.window(idOf(window));
-    const auto hasFocus = this->hasFocus(window);
-    return hasFocus ? std::optional(*hasFocus && !state->deniesBeingMain) : std::nullopt;
+ActivationState SimulatedWindowControl::stateOf(Pid pid, const AXElementRef& window) const {
+    const WindowId id = idOf(window);
+    if (model_.raisedWindow == id && model_.isRaiseAnswered && model_.focusedWindow() != id) {
+        return ActivationState::overtaken;
+    }
+    const auto* app = model_.app(pid);
+    if (model_.window(id) == nullptr || app == nullptr || app->isHung) {
+        return ActivationState::unreadable;
+    }
+    return model_.frontmost == pid && app->focusedWindow == id ? ActivationState::active : ActivationState::notActive;
 }
 
-std::optional<bool> SimulatedWindowControl::isFocused(const AXElementRef& window) const {
-    const auto* state = model_.window(idOf(window));
-    const auto hasFocus = this->hasFocus(window);
-    return hasFocus ? std::optional(*hasFocus && !state->deniesBeingFocused) : std::nullopt;
-}
-
-std::optional<bool> SimulatedWindowControl::hasFocus(const AXElementRef& window) const {
-    const auto* state = model_.window(idOf(window));
-    const auto* app = state != nullptr ? model_.app(state->pid) : nullptr;
+std::optional<AXElementRef> SimulatedWindowControl::findWindow(Pid pid, WindowId window) const {
+    const auto* app = model_.app(pid);
     if (app == nullptr || app->isHung) {
         return std::nullopt;
     }
-    return app->focusedWindow == state->id;
-}
-
-bool SimulatedWindowControl::wasOvertaken(const AXElementRef& window) const {
-    return model_.raisedWindow == idOf(window) && model_.isRaiseAnswered && model_.focusedWindow() != idOf(window);
-}
-
-std::vector<AXElementRef> SimulatedWindowControl::windowElements(Pid pid) const {
-    std::vector<AXElementRef> elements;
-    const auto* app = model_.app(pid);
-    if (app == nullptr || app->isHung) {
-        return elements;
-    }
-    for (const auto& window : model_.windows) {
-        if (window.pid == pid && window.isListedByAccessibility) {
-            elements.push_back(SimulatedElement::reference(window.id));
+    for (const auto& each : model_.windows) {
+        if (each.pid == pid && each.isListedByAccessibility && model_.lookUpNumber(each) == window) {
+            return SimulatedElement::reference(each.id);
         }
     }
-    return elements;
-}
-
-std::optional<WindowId> SimulatedWindowControl::windowNumber(const AXElementRef& window) const {
-    const auto* state = model_.window(idOf(window));
-    return state != nullptr ? model_.lookUpNumber(*state) : std::nullopt;
+    return std::nullopt;
 }
 
 bool SimulatedWindowControl::obeys(Pid pid) const {
@@ -135,14 +82,20 @@ bool SimulatedWindowControl::obeys(Pid pid) const {
     return app != nullptr && app->obeys();
 }
 
-SimulatedWindowState* SimulatedWindowControl::obedientWindow(const AXElementRef& element) {
-    auto* window = model_.window(idOf(element));
+const SimulatedWindowState* SimulatedWindowControl::obedientWindow(const AXElementRef& element) const {
+    const auto* window = model_.window(idOf(element));
     return window != nullptr && obeys(window->pid) ? window : nullptr;
 }
 
-void SimulatedWindowControl::focus(const AXElementRef& element) {
+void SimulatedWindowControl::activate(Pid pid) {
+    if (obeys(pid)) {
+        windows_.activate(pid, fromTheLoop);
+    }
+}
+
+void SimulatedWindowControl::raise(const AXElementRef& element) {
     if (const auto* window = obedientWindow(element)) {
-        windows_.setFocusedWindow(window->pid, window->id, fromTheLoop);
+        windows_.raise(window->id);
     }
 }
 

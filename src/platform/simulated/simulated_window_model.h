@@ -45,10 +45,6 @@ struct SimulatedWindowState {
     bool hasAccessibilityFrame = true;
     /// The number that the lookup returns instead of the id, for an application that reports a wrong one.
     std::optional<WindowId> reportedWindowNumber = std::nullopt;
-    /// For an application whose main and focused window differ: the answer is false, also when the window has the
-    /// focus.
-    bool deniesBeingMain = false;
-    bool deniesBeingFocused = false;
     /// The modal dialog that takes its input. Only a description: requests for the window still act on the window
     /// itself.
     std::optional<WindowId> blockedBy = std::nullopt;

@@ -131,7 +131,7 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
       reader(std::move(connections.snapshots), atoms),
       inventory(reader, monitor.model(), directory, history, scale),
       observers(monitor.model()),
-      control(mainLoop, monitor, atoms, inputContext, log),
+      control(monitor, atoms, inputContext, log),
       workspace(monitor,
                 {.installedApplicationName = [this](std::string_view identifier) -> std::optional<std::string> {
                      const auto entry = entries.byId(identifier);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_desktop_model.h"
@@ -13,8 +12,6 @@ namespace {
 
 /// The source indication of EWMH for pagers. Managers obey it, because a pager acts for the user.
 constexpr std::uint32_t sourcePager = 2;
-/// Longer than the pause after which an unconfirmed activation is requested again.
-constexpr Seconds requestLifetime{1.0};
 
 /// The actions of a `_NET_WM_STATE` message.
 constexpr std::uint32_t stateRemove = 0, stateAdd = 1;
@@ -62,32 +59,7 @@ bool intersect(const Rect& a, const Rect& b) {
 
 }  // namespace
 
-void X11WindowControl::raise(const AXElementRef& window) {
-    const auto id = X11Element::windowOf(window);
-    if (!id) {
-        return;
-    }
-    const auto* const facts = monitor_.model().find(*id);
-    if ((requested_ == id || requestedBefore_ == id) && facts != nullptr && facts->isHidden) {
-        // The first request did not restore it. This manager follows ICCCM, where mapping a window restores it.
-        xcb_map_window(monitor_.connection().get(), *id);
-    }
-    requestActivation(*id);
-}
-
-void X11WindowControl::bringToFront(xcb_window_t window) {
-    // The user's last input may be a click that only Qt has received yet, or a command typed into another program. A
-    // manager that knows of a later input than the request's time would only highlight the window.
-    if (const auto now = serverTimeNow(monitor_.connection().get())) {
-        context_.noteUserTime(*now);
-    }
-    raise(X11Element::make(window));
-}
-
-void X11WindowControl::activate(Pid pid) {
-    if (isOwnedBy(requested_, pid)) {
-        return;  // a request for the application's last active window would replace the one for the chosen window
-    }
+void X11WindowControl::activateApplication(Pid pid) {
     auto window = monitor_.model().lastActiveOf(pid);
     if (!window) {
         const auto windows = monitor_.model().windowsOf(pid);
@@ -98,16 +70,48 @@ void X11WindowControl::activate(Pid pid) {
         window = windows.front();
     }
     requestActivation(*window);
+    monitor_.connection().flush();
+}
+
+void X11WindowControl::raiseAndFocus(const RaiseRequest& request) {
+    xcb_window_t top = XCB_WINDOW_NONE;
+    // The dialog last: a later request replaces an earlier one.
+    for (const auto& element : {request.blockedWindow, std::optional(request.window)}) {
+        const auto* const facts = element ? listed(*element) : nullptr;
+        if (facts == nullptr) {
+            continue;
+        }
+        top = facts->id;
+        if (request.isRetry && facts->isHidden) {
+            // The first request did not restore it. This manager follows ICCCM, where mapping a window restores it.
+            xcb_map_window(monitor_.connection().get(), top);
+        }
+        requestActivation(top);
+    }
+    raised_ = top;
+    if (top == XCB_WINDOW_NONE) {
+        // Closed meanwhile. Once, because nobody would notice that the user has chosen something else since.
+        if (!request.isRetry) {
+            activateApplication(request.pid);
+        }
+        return;
+    }
+    stackAbove(top);
+    monitor_.connection().flush();
+}
+
+void X11WindowControl::bringToFront(xcb_window_t window) {
+    // The user's last input may be a click that only Qt has received yet, or a command typed into another program. A
+    // manager that knows of a later input than the request's time would only highlight the window.
+    if (const auto now = serverTimeNow(monitor_.connection().get())) {
+        context_.noteUserTime(*now);
+    }
+    requestActivation(window);
+    monitor_.connection().flush();
 }
 
 void X11WindowControl::requestActivation(xcb_window_t window) {
-    if (requested_ != window) {
-        requestedBefore_ = std::exchange(requested_, window);
-    }
-    requestEnd_ = mainLoop_.after(requestLifetime, [this] {
-        requested_.reset();
-        requestedBefore_.reset();
-    });
+    requested_ = window;
     requestTime_ = userTime();
     const auto& model = monitor_.model();
     activeAtRequest_ = model.activeWindow();
@@ -122,7 +126,6 @@ void X11WindowControl::requestActivation(xcb_window_t window) {
     }
     sendActivation(window, requestTime_);
     uncover(window);
-    monitor_.connection().flush();
 }
 
 void X11WindowControl::takeFocusBackFor(xcb_window_t window) {
@@ -139,13 +142,6 @@ void X11WindowControl::takeFocusBackFor(xcb_window_t window) {
 
 void X11WindowControl::sendActivation(xcb_window_t window, xcb_timestamp_t time) {
     sendToManager(window, atoms_.netActiveWindow, {sourcePager, time, monitor_.model().activeWindow(), 0, 0});
-}
-
-void X11WindowControl::setFrontmost(Pid pid) {
-    if (isOwnedBy(requested_, pid)) {
-        stackAbove(*requested_);
-        monitor_.connection().flush();
-    }
 }
 
 void X11WindowControl::stackAbove(xcb_window_t window) {
@@ -198,57 +194,42 @@ xcb_timestamp_t X11WindowControl::userTime() const {
     return time != 0 ? time : monitor_.latestServerTime();
 }
 
-bool X11WindowControl::isOwnedBy(std::optional<xcb_window_t> window, Pid pid) const {
-    const auto* const facts = window ? monitor_.model().find(*window) : nullptr;
-    return facts != nullptr && facts->pid == pid;
-}
-
-bool X11WindowControl::isActive(Pid pid) const {
-    return isOwnedBy(monitor_.model().activeWindow(), pid);
-}
-
-std::optional<bool> X11WindowControl::isMain(const AXElementRef& window) const {
-    const auto id = X11Element::windowOf(window);
-    const auto* const facts = id ? monitor_.model().find(*id) : nullptr;
+ActivationState X11WindowControl::stateOf(Pid /*pid*/, const AXElementRef& window) const {
+    // Also when the window is gone by now.
+    if (const auto id = X11Element::windowOf(window); id && isOvertaken(*id)) {
+        return ActivationState::overtaken;
+    }
+    const auto* const facts = listed(window);
     if (facts == nullptr) {
-        return std::nullopt;
+        return ActivationState::unreadable;
     }
-    return monitor_.model().activeWindow() == *id || monitor_.model().lastActiveOf(facts->pid) == *id;
+    return monitor_.model().activeWindow() == facts->id ? ActivationState::active : ActivationState::notActive;
 }
 
-std::optional<bool> X11WindowControl::isFocused(const AXElementRef& window) const {
-    const auto id = X11Element::windowOf(window);
-    if (!id || monitor_.model().find(*id) == nullptr) {
-        return std::nullopt;
+bool X11WindowControl::isOvertaken(xcb_window_t window) const {
+    const auto active = monitor_.model().activeWindow();
+    if (raised_ != window || active == window) {
+        return false;
     }
-    return monitor_.model().activeWindow() == *id;
-}
-
-bool X11WindowControl::wasOvertaken(const AXElementRef& window) const {
-    const auto id = X11Element::windowOf(window);
-    if (id && requested_ && requested_ != id) {
+    if (requested_ != window) {
         return true;  // a window of this program was brought to the front since
     }
-    const auto active = monitor_.model().activeWindow();
-    // Managers set None for a moment; the user did not choose that.
-    if (!id || requested_ != id || active == *id || active == XCB_WINDOW_NONE) {
-        return false;
+    if (active == XCB_WINDOW_NONE) {
+        return false;  // managers set None for a moment; the user did not choose that
     }
     const auto click = context_.lastClickTime.load();
     const bool hasClicked = click != 0 && click > requestTime_;
     return isReached_ || (hasClicked && active != activeAtRequest_);
 }
 
-std::vector<AXElementRef> X11WindowControl::windowElements(Pid pid) const {
-    std::vector<AXElementRef> elements;
-    for (const auto window : monitor_.model().windowsOf(pid)) {
-        elements.push_back(X11Element::make(window));
-    }
-    return elements;
+std::optional<AXElementRef> X11WindowControl::findWindow(Pid pid, WindowId window) const {
+    const auto* const facts = monitor_.model().find(window);
+    return facts != nullptr && facts->pid == pid ? std::optional(X11Element::make(window)) : std::nullopt;
 }
 
-std::optional<WindowId> X11WindowControl::windowNumber(const AXElementRef& window) const {
-    return X11Element::windowOf(window);
+const X11WindowFacts* X11WindowControl::listed(const AXElementRef& element) const {
+    const auto window = X11Element::windowOf(element);
+    return window ? monitor_.model().find(*window) : nullptr;
 }
 
 }  // namespace ferrowyn

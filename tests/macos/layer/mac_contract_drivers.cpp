@@ -27,12 +27,14 @@ private:
 };
 
 /// What AppKit answers is the other half's.
-class NoApplications final : public MacApplicationControl {
+class ScriptedApplications final : public MacApplicationControl {
 public:
     [[nodiscard]] bool isHidden(Pid /*pid*/) const override { return false; }
     void unhide(Pid /*pid*/) override {}
-    void activate(Pid /*pid*/) override {}
-    [[nodiscard]] bool isActive(Pid /*pid*/) const override { return true; }
+    void activate(Pid pid) override { active = pid; }
+    [[nodiscard]] bool isActive(Pid pid) const override { return pid == active; }
+
+    Pid active = 0;
 };
 
 /// Plays an application as the Accessibility interface and the window server tell of it.
@@ -83,9 +85,16 @@ public:
         auto& windows = mac_.windowServer.windows;
         const auto place = listed(window);
         std::rotate(windows.begin(), place, place + 1);
+        for (const auto& [each, element] : elements_) {
+            for (const auto* const attribute : {"AXMain", "AXFocused"}) {
+                mac_.accessibility.element(element).attributes[attribute] = each == window;
+            }
+        }
+        applications_.active = pid;
         mac_.accessibility.element(app_).attributes["AXFocusedWindow"] = elements_.at(window);
         mac_.accessibility.post(app_, "AXFocusedWindowChanged");
     }
+    void focusAnotherApplication() override { applications_.active = pid + 1; }
 
     bool runUntil(const std::function<bool()>& predicate) override {
         // An observer made in this turn has its source in the next.
@@ -111,7 +120,7 @@ private:
     fake::ElementId app_ = mac_.accessibility.addApplication(pid);
     std::map<WindowId, fake::ElementId> elements_;
     WindowId lastWindow_ = 0;
-    NoApplications applications_;
+    ScriptedApplications applications_;
     MacWindowNumberLookup lookup_;
     MacWindowInventory inventory_{[] { return std::vector<RunningApplication>{{.pid = pid}}; }, lookup_};
     MacWindowControl control_{applications_, lookup_, mac_.log};

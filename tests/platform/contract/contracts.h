@@ -58,6 +58,8 @@ public:
     virtual void minimize(WindowId window) = 0;
     /// The user clicks the window.
     virtual void focus(WindowId window) = 0;
+    /// The user clicks a window of another application.
+    virtual void focusAnotherApplication() = 0;
 
     /// Runs the main loop until the predicate holds; false when it never does.
     [[nodiscard]] virtual bool runUntil(const std::function<bool()>& predicate) = 0;

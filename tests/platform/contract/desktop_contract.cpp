@@ -107,7 +107,7 @@ TEST_P(WindowInventoryContract, AClosedWindowIsNowhere) {
     EXPECT_THAT(driver->inventory().windowOrder().value(), ElementsAre(kept));
     EXPECT_THAT(driver->inventory().beginReading()->onScreenWindowIds(), ElementsAre(kept));
     EXPECT_FALSE(described("Closed"));
-    EXPECT_EQ(driver->control().windowElements(driver->application()).size(), 1U);
+    EXPECT_FALSE(driver->control().findWindow(driver->application(), window));
 }
 
 TEST_P(WindowInventoryContract, TheFocusedWindowIsOneOfTheWindows) {
@@ -125,10 +125,10 @@ TEST_P(WindowInventoryContract, TheFocusedWindowIsOneOfTheWindows) {
 }
 
 TEST_P(WindowInventoryContract, AProcessThatIsNotThereHasNoWindows) {
-    driver->open("Someone's");
+    const auto window = driver->open("Someone's");
     EXPECT_FALSE(driver->inventory().beginReading()->windowsOf(nobody, timeout));
     EXPECT_FALSE(driver->inventory().focusedWindowNumber(nobody, timeout));
-    EXPECT_THAT(driver->control().windowElements(nobody), IsEmpty());
+    EXPECT_FALSE(driver->control().findWindow(nobody, window)) << "which is another application's";
 }
 
 TEST_P(WindowInventoryContract, ElementsAreEqualAcrossReadingsAndDifferBetweenWindows) {
@@ -140,10 +140,6 @@ TEST_P(WindowInventoryContract, ElementsAreEqualAcrossReadingsAndDifferBetweenWi
     EXPECT_TRUE(first == again);
     EXPECT_EQ(first.hash(), again.hash());
     EXPECT_FALSE(first == second);
-    const auto elements = driver->control().windowElements(driver->application());
-    EXPECT_EQ(elements.size(), 2U);
-    EXPECT_EQ(std::ranges::count(elements, first), 1) << "the activation finds the window that the reading found";
-    EXPECT_EQ(std::ranges::count(elements, second), 1);
 }
 
 TEST_P(WindowInventoryContract, AnElementOutlivesItsWindowAndAnswersNothing) {
@@ -153,11 +149,9 @@ TEST_P(WindowInventoryContract, AnElementOutlivesItsWindowAndAnswersNothing) {
     driver->close(window);
     EXPECT_EQ(element.hash(), hash);
     EXPECT_TRUE(element == AXElementRef(element));
-    EXPECT_NE(driver->control().isMain(element), true);
-    EXPECT_NE(driver->control().isFocused(element), true);
-    // The window is gone: the requests reach nothing and do no harm.
-    driver->control().raise(element);
-    driver->control().setFocused(element);
+    EXPECT_EQ(driver->control().stateOf(driver->application(), element), ActivationState::unreadable);
+    // The window is gone: the request reaches nothing and does no harm.
+    driver->control().raiseAndFocus({.pid = driver->application(), .window = element});
 }
 
 TEST_P(WindowInventoryContract, ElementsLeadToWindowNumbersWhereThereIsALookup) {
@@ -166,7 +160,9 @@ TEST_P(WindowInventoryContract, ElementsLeadToWindowNumbersWhereThereIsALookup) 
     const auto expected =
         driver->inventory().beginReading()->hasWindowNumberLookup() ? std::optional(window) : std::nullopt;
     EXPECT_EQ(described.windowNumber, expected);
-    EXPECT_EQ(driver->control().windowNumber(described.element), expected);
+    const auto found = driver->control().findWindow(driver->application(), window);
+    ASSERT_EQ(found.has_value(), expected.has_value());
+    EXPECT_TRUE(!found || *found == described.element) << "the activation finds the window that the reading found";
 }
 
 TEST_P(WindowInventoryContract, AReadingIsAskedByManyThreadsAtOnce) {
@@ -186,27 +182,61 @@ TEST_P(WindowInventoryContract, AReadingIsAskedByManyThreadsAtOnce) {
     }
 }
 
-TEST_P(WindowInventoryContract, TheStepsOfAnActivationEndWithTheWindowShownAndFocused) {
+TEST_P(WindowInventoryContract, ARaisedWindowIsShownAndHasTheKeyboard) {
     const auto window = driver->open("Wanted");
     driver->open("Other");
     driver->minimize(window);
     const auto element = described("Wanted").value().element;
     const Pid application = driver->application();
     auto& control = driver->control();
-    control.setMessagingTimeout(application, timeout);
-    control.setMessagingTimeout(element, timeout);
-    control.unminimize(element);
-    control.raise(element);
-    control.setMain(element);
-    control.setFocused(element);
-    control.setFocusedWindow(application, element);
-    control.activate(application);
-    control.setFrontmost(application);
-    EXPECT_TRUE(driver->runUntil([&] { return control.isFocused(element) == true; }));
-    EXPECT_EQ(control.isMain(element), true);
+    EXPECT_EQ(control.stateOf(application, element), ActivationState::notActive);
+    control.raiseAndFocus({.pid = application, .window = element, .isMinimized = true});
+    EXPECT_TRUE(driver->runUntil([&] { return control.stateOf(application, element) == ActivationState::active; }));
     EXPECT_TRUE(driver->runUntil([&] { return described("Wanted").value().isMinimized == false; }));
     const auto windows = driver->inventory().beginReading()->windowsOf(application, timeout).value();
     EXPECT_TRUE(windows.focusedWindow == element);
+}
+
+TEST_P(WindowInventoryContract, OneWindowIsTheActiveOneAndAnotherIsNot) {
+    const auto first = driver->open("First");
+    driver->open("Second");
+    const auto firstElement = described("First").value().element;
+    const auto secondElement = described("Second").value().element;
+    const auto stateOf = [&](const AXElementRef& element) {
+        return driver->control().stateOf(driver->application(), element);
+    };
+    driver->focus(first);
+    EXPECT_EQ(stateOf(firstElement), ActivationState::active);
+    EXPECT_EQ(stateOf(secondElement), ActivationState::notActive);
+}
+
+TEST_P(WindowInventoryContract, AWindowThatTheUserLeavesIsNotActiveAnyMore) {
+    driver->open("Wanted");
+    const auto other = driver->open("Other");
+    const auto element = described("Wanted").value().element;
+    const Pid application = driver->application();
+    auto& control = driver->control();
+    control.raiseAndFocus({.pid = application, .window = element});
+    ASSERT_TRUE(driver->runUntil([&] { return control.stateOf(application, element) == ActivationState::active; }));
+    driver->focus(other);
+    EXPECT_THAT(control.stateOf(application, element),
+                testing::AnyOf(ActivationState::notActive, ActivationState::overtaken));
+    control.raiseAndFocus({.pid = application, .window = element});
+    EXPECT_NE(control.stateOf(application, element), ActivationState::overtaken) << "asked for again";
+    EXPECT_TRUE(driver->runUntil([&] { return control.stateOf(application, element) == ActivationState::active; }));
+}
+
+TEST_P(WindowInventoryContract, AnActivatedApplicationChoosesTheWindowThatItLastHadInFront) {
+    const auto first = driver->open("First");
+    driver->open("Second");
+    driver->focus(first);
+    const auto element = described("First").value().element;
+    const Pid application = driver->application();
+    auto& control = driver->control();
+    driver->focusAnotherApplication();
+    EXPECT_EQ(control.stateOf(application, element), ActivationState::notActive);
+    control.activateApplication(application);
+    EXPECT_TRUE(driver->runUntil([&] { return control.stateOf(application, element) == ActivationState::active; }));
 }
 
 namespace {
@@ -218,10 +248,8 @@ constexpr auto destroyed = AccessibilityNotification::uiElementDestroyed;
 }  // namespace
 
 AXElementRef AccessibilityObserverContract::element(WindowId window) {
-    for (const auto& each : driver->control().windowElements(driver->application())) {
-        if (driver->control().windowNumber(each) == window) {
-            return each;
-        }
+    if (const auto found = driver->control().findWindow(driver->application(), window)) {
+        return *found;
     }
     throw std::runtime_error("the application does not list the window");
 }

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <stdexcept>
 
 #include "platform/linux/ini_user_defaults.h"
@@ -74,6 +75,12 @@ public:
                 "the window to be the active one, in front of all others");
     }
 
+    void focusAnotherApplication() override {
+        other_.emplace(server_, "Other", std::vector<std::string>{"Other's window"});
+        require(parts_.runUntilKnown(other_->windows().front()), "the other application's window to be known");
+        focus(other_->windows().front());
+    }
+
     bool runUntil(const std::function<bool()>& predicate) override { return parts_.runUntil(predicate); }
 
 private:
@@ -87,6 +94,7 @@ private:
     WindowManagerProcess manager_{server_, "openbox"};
     TestDesktop desktop_{server_.display()};
     std::map<WindowId, std::unique_ptr<TestWindow>> windows_;
+    std::optional<ApplicationProcess> other_;
     AdapterParts parts_{server_.display()};
 };
 

@@ -29,14 +29,12 @@ protected:
 
     /// As the logic asks.
     void activate(xcb_window_t window) {
-        const auto element = X11Element::make(window);
-        const auto pid = parts.monitor.model().find(window)->pid;
-        parts.control.raise(element);
-        parts.control.setMain(element);
-        parts.control.setFocused(element);
-        parts.control.setFocusedWindow(pid, element);
-        parts.control.activate(pid);
-        parts.control.setFrontmost(pid);
+        parts.control.raiseAndFocus({.pid = pidOf(window), .window = X11Element::make(window)});
+    }
+
+    Pid pidOf(xcb_window_t window) { return parts.monitor.model().find(window)->pid; }
+    ActivationState stateOf(xcb_window_t window) {
+        return parts.control.stateOf(pidOf(window), X11Element::make(window));
     }
 
     /// The first window and the other one are on a desktop that is not shown; the first has just been reached
@@ -73,9 +71,8 @@ protected:
 TEST_P(ActivationTest, FocusesAndRaisesAWindow) {
     activate(first.id());
     EXPECT_TRUE(desktop.waitForActiveWindow(first.id()));
-    const auto element = X11Element::make(first.id());
-    EXPECT_TRUE(parts.runUntil([&] { return parts.control.isFocused(element) == true; }));
-    EXPECT_EQ(parts.control.isMain(element), true);
+    EXPECT_TRUE(parts.runUntil([&] { return stateOf(first.id()) == ActivationState::active; }));
+    EXPECT_EQ(stateOf(second.id()), ActivationState::notActive);
     EXPECT_TRUE(parts.runUntil([&] { return parts.inventory.windowOrder()->front() == first.id(); }));
 }
 
@@ -128,11 +125,10 @@ TEST_P(ActivationTest, LeavesTheFocusWithAWindowThatTheUserClickedOnTheNewDeskto
 }
 
 TEST_P(ActivationTest, IsOvertakenByWhatBecomesActiveAfterItsWindow) {
-    const auto element = X11Element::make(first.id());
     activate(first.id());
-    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "not active yet";
+    EXPECT_NE(stateOf(first.id()), ActivationState::overtaken) << "not active yet";
     ASSERT_TRUE(isSeenActive(first.id()));
-    EXPECT_FALSE(parts.control.wasOvertaken(element));
+    EXPECT_EQ(stateOf(first.id()), ActivationState::active);
     // Again, if need be: managers drop a request that comes while they still focus the window before.
     bool isSeen = false;
     for (int attempt = 0; !isSeen && attempt < 10; ++attempt) {
@@ -140,9 +136,9 @@ TEST_P(ActivationTest, IsOvertakenByWhatBecomesActiveAfterItsWindow) {
         isSeen = parts.runUntil([&] { return parts.monitor.model().activeWindow() == other.id(); }, milliseconds{1000});
     }
     ASSERT_TRUE(isSeen);
-    EXPECT_TRUE(parts.control.wasOvertaken(element));
+    EXPECT_EQ(stateOf(first.id()), ActivationState::overtaken);
     activate(first.id());
-    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "asked for again";
+    EXPECT_EQ(stateOf(first.id()), ActivationState::notActive) << "asked for again";
 }
 
 /// What is listed when the last window has gone, which some managers say by deleting their list.

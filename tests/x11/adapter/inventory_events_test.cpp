@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/simulated/simulated_main_loop.h"
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/xcb_reply.h"
 #include "tests/x11/adapter/inventory_fixture.h"
@@ -17,6 +16,8 @@ namespace ferrowyn::x11test {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::Not;
 
 class InventoryEventsTest : public testing::Test {
@@ -46,6 +47,26 @@ protected:
             listed.push_back(entry.id.value_or(0));
         }
         EXPECT_EQ(listed, windows);
+    }
+    struct RaiseOptions {
+        std::optional<xcb_window_t> blockedWindow = std::nullopt;
+        bool isRetry = false;
+    };
+    void raise(xcb_window_t window, const RaiseOptions& options = {std::nullopt, false}) {
+        parts.control.raiseAndFocus({.pid = getpid(),
+                                     .window = X11Element::make(window),
+                                     .blockedWindow = options.blockedWindow
+                                                          ? std::optional(X11Element::make(*options.blockedWindow))
+                                                          : std::nullopt,
+                                     .isRetry = options.isRetry});
+    }
+    [[nodiscard]] ActivationState stateOf(xcb_window_t window) const {
+        return parts.control.stateOf(getpid(), X11Element::make(window));
+    }
+    /// What the adapter has sent to the manager by now.
+    std::vector<std::string> takeMessages() {
+        settle();
+        return manager.takeMessages();
     }
     /// Returns when everything that the server has told by now has been handled.
     void settle() {
@@ -167,31 +188,81 @@ TEST_F(InventoryEventsTest, TellsOfAnIconThatComesAfterTheWindow) {
     EXPECT_THAT(changed, testing::ElementsAre(window));
 }
 
-TEST_F(InventoryEventsTest, ARequestIsForgottenAfterAWhile) {
+TEST_F(InventoryEventsTest, OneRaiseIsOneSequenceOfMessages) {
     const auto window = manager.createWindow();
-    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
-    manager.publishStacking({window});
-    ASSERT_TRUE(parts.runUntil([&] {
-        const auto* const facts = parts.monitor.model().find(window);
-        return facts != nullptr && facts->isHidden;
-    }));
-    const auto isMapped = [&] {
-        parts.monitor.connection().flush();
-        const XcbReply<xcb_get_input_focus_reply_t> served(xcb_get_input_focus_reply(
-            parts.monitor.connection().get(), xcb_get_input_focus(parts.monitor.connection().get()), nullptr));
-        const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-            manager.connection(), xcb_get_window_attributes(manager.connection(), window), nullptr));
-        return attributes && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
+    const auto dialog = manager.createWindow();
+    manager.publishStacking({window, dialog});
+    ASSERT_TRUE(parts.runUntilKnown(dialog));
+    manager.receiveMessages();
+    const auto named = [](const char* message, xcb_window_t each) {
+        return std::string(message) + " " + std::to_string(each);
     };
-    SimulatedMainLoop clock;
-    X11WindowControl control(clock, parts.monitor, parts.atoms, parts.context, parts.log);
-    const auto element = X11Element::make(window);
-    control.raise(element);
-    clock.advance(Seconds(1.2));
-    control.raise(element);
-    EXPECT_FALSE(isMapped()) << "taken for the second request of an activation that ended long ago";
-    control.raise(element);
-    EXPECT_TRUE(isMapped()) << "the manager did not restore it at the first";
+    raise(window);
+    EXPECT_THAT(takeMessages(), ElementsAre(named("_NET_ACTIVE_WINDOW", window), named("_NET_RESTACK_WINDOW", window)));
+    raise(dialog, {.blockedWindow = window});
+    EXPECT_THAT(takeMessages(), ElementsAre(named("_NET_ACTIVE_WINDOW", window), named("_NET_ACTIVE_WINDOW", dialog),
+                                            named("_NET_RESTACK_WINDOW", dialog)));
+}
+
+TEST_F(InventoryEventsTest, AWindowThatIsRaisedBelowADialogWhichIsGoneGetsTheKeyboard) {
+    const auto window = manager.createWindow();
+    const auto other = manager.createWindow();
+    const auto dialog = manager.createWindow();
+    manager.publishStacking({window, other, dialog});
+    manager.publishActive(other);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == other; }));
+    manager.destroyWindow(dialog);
+    manager.publishStacking({window, other});
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(dialog) == nullptr; }));
+    manager.receiveMessages();
+    raise(dialog, {.blockedWindow = window});
+    EXPECT_THAT(takeMessages(), ElementsAre("_NET_ACTIVE_WINDOW " + std::to_string(window),
+                                            "_NET_RESTACK_WINDOW " + std::to_string(window)));
+}
+
+TEST_F(InventoryEventsTest, ForAWindowThatIsClosedItsApplicationIsActivatedOnce) {
+    const auto gone = manager.createWindow();
+    const auto window = manager.createWindow();
+    manager.publishStacking({gone, window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    manager.destroyWindow(gone);
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(gone) == nullptr; }));
+    manager.receiveMessages();
+    raise(gone);
+    EXPECT_THAT(takeMessages(), ElementsAre("_NET_ACTIVE_WINDOW " + std::to_string(window)));
+    raise(gone, {.isRetry = true});
+    EXPECT_THAT(takeMessages(), IsEmpty());
+    EXPECT_EQ(stateOf(gone), ActivationState::unreadable);
+}
+
+TEST_F(InventoryEventsTest, AWindowOfThisProgramThatIsBroughtToTheFrontIsALaterChoice) {
+    const auto window = manager.createWindow();
+    const auto own = manager.createWindow();
+    manager.publishStacking({own, window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    raise(window);
+    EXPECT_EQ(stateOf(window), ActivationState::notActive);
+    parts.control.bringToFront(own);
+    EXPECT_EQ(stateOf(window), ActivationState::overtaken);
+    raise(window);
+    EXPECT_EQ(stateOf(window), ActivationState::notActive) << "asked for again";
+}
+
+TEST_F(InventoryEventsTest, AWindowThatIsOvertakenStaysSoWhenItIsClosed) {
+    const auto window = manager.createWindow();
+    const auto other = manager.createWindow();
+    manager.publishStacking({other, window});
+    ASSERT_TRUE(parts.runUntilKnown(other));
+    raise(window);
+    manager.publishActive(window);
+    ASSERT_TRUE(parts.runUntil([&] { return stateOf(window) == ActivationState::active; }));
+    manager.publishActive(other);
+    ASSERT_TRUE(parts.runUntil([&] { return stateOf(window) == ActivationState::overtaken; }));
+    manager.destroyWindow(window);
+    manager.publishStacking({other});
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window) == nullptr; }));
+    EXPECT_EQ(stateOf(window), ActivationState::overtaken) << "nothing to raise again";
 }
 
 TEST_F(InventoryEventsTest, AClickOnAnotherWindowOvertakesARequestThatNobodyHasAnswered) {
@@ -202,15 +273,14 @@ TEST_F(InventoryEventsTest, AClickOnAnotherWindowOvertakesARequestThatNobodyHasA
     manager.publishActive(front);
     ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == front; }));
     parts.context.noteUserTime(1000);
-    const auto element = X11Element::make(asked);
-    parts.control.raise(element);
+    raise(asked);
     parts.context.lastClickTime = 1001;
-    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "a click on the window that was in front anyway";
+    EXPECT_EQ(stateOf(asked), ActivationState::notActive) << "a click on the window that was in front anyway";
     manager.publishActive(other);
     ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == other; }));
-    EXPECT_TRUE(parts.control.wasOvertaken(element));
+    EXPECT_EQ(stateOf(asked), ActivationState::overtaken);
     parts.context.lastClickTime = 999;
-    EXPECT_FALSE(parts.control.wasOvertaken(element)) << "perhaps the manager's choice, on the way";
+    EXPECT_EQ(stateOf(asked), ActivationState::notActive) << "perhaps the manager's choice, on the way";
 }
 
 TEST_F(InventoryEventsTest, LosesTrustWithTheManagerAndFindsItWithTheNext) {
@@ -281,28 +351,44 @@ TEST_F(InventoryEventsTest, AWindowThatJoinsAGroupIsReadAgain) {
     EXPECT_THAT(seen, Contains("activeSpaceDidChange")) << "which of its group's dialogs blocks it";
 }
 
-TEST_F(InventoryEventsTest, ABlockedWindowIsRestoredByMappingItWhenItsActivationDidNot) {
-    manager.publishSupported({"_NET_WM_STATE", "_NET_WM_STATE_HIDDEN"});
+TEST_F(InventoryEventsTest, AMinimisedWindowIsMappedWhenTheFirstTryHasNotRestoredIt) {
     const auto window = manager.createWindow();
     const auto dialog = manager.createWindow();
     manager.publishStacking({window, dialog});
     manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
-    ASSERT_TRUE(parts.runUntilKnown(window));
-    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window)->isHidden; }));
+    ASSERT_TRUE(parts.runUntil([&] {
+        const auto* const facts = parts.monitor.model().find(window);
+        return facts != nullptr && facts->isHidden;
+    }));
     const auto isMapped = [&] {
         settle();
         const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
             manager.connection(), xcb_get_window_attributes(manager.connection(), window), nullptr));
         return attributes != nullptr && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
     };
-    const auto raiseBoth = [&] {
-        parts.control.raise(X11Element::make(window));
-        parts.control.raise(X11Element::make(dialog));
-    };
-    raiseBoth();
-    EXPECT_FALSE(isMapped()) << "the manager may do it";
-    raiseBoth();
+    raise(window);
+    raise(window);
+    raise(dialog, {.blockedWindow = window});
+    EXPECT_FALSE(isMapped()) << "each was the first try of an activation, and the manager may do it";
+    raise(window, {.isRetry = true});
     EXPECT_TRUE(isMapped());
+}
+
+TEST_F(InventoryEventsTest, ABlockedWindowIsMappedWhenTheFirstTryHasNotRestoredIt) {
+    const auto window = manager.createWindow();
+    const auto dialog = manager.createWindow();
+    manager.publishStacking({window, dialog});
+    manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
+    ASSERT_TRUE(parts.runUntil([&] {
+        const auto* const facts = parts.monitor.model().find(window);
+        return facts != nullptr && facts->isHidden;
+    }));
+    raise(dialog, {.blockedWindow = window, .isRetry = true});
+    settle();
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        manager.connection(), xcb_get_window_attributes(manager.connection(), window), nullptr));
+    ASSERT_TRUE(attributes);
+    EXPECT_NE(attributes->map_state, XCB_MAP_STATE_UNMAPPED);
 }
 
 TEST_F(InventoryEventsTest, AWindowWithTheNumberOfAnotherOneIsReadAnew) {

@@ -28,7 +28,7 @@ AdapterParts::AdapterParts(const std::string& display)
       reader(X11Connection::open(display.c_str()), atoms),
       inventory(reader, monitor.model(), directory, history, scale),
       observers(monitor.model()),
-      control(mainLoop, monitor, atoms, context, log),
+      control(monitor, atoms, context, log),
       workspace(monitor, {}) {}
 
 bool AdapterParts::runUntil(const std::function<bool()>& predicate, milliseconds budget) {
@@ -178,6 +178,32 @@ void ScriptedManager::destroyWindow(xcb_window_t window) {
 void ScriptedManager::mapWindow(xcb_window_t window) {
     xcb_map_window(connection_, window);
     synchronize();
+}
+
+void ScriptedManager::receiveMessages() {
+    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &events);
+    synchronize();
+}
+
+std::vector<std::string> ScriptedManager::takeMessages() {
+    synchronize();
+    std::vector<std::string> messages;
+    while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)}) {
+        if ((event->response_type & 0x7FU) == XCB_CLIENT_MESSAGE) {
+            const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(*event);
+            messages.push_back(nameOf(message.type) + " " + std::to_string(message.window));
+        }
+    }
+    return messages;
+}
+
+std::string ScriptedManager::nameOf(xcb_atom_t atom) const {
+    const XcbReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(connection_, xcb_get_atom_name(connection_, atom), nullptr));
+    return reply ? std::string(xcb_get_atom_name_name(reply.get()),
+                               static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get())))
+                 : std::string("?");
 }
 
 xcb_atom_t ScriptedManager::atom(const std::string& name) const {

@@ -93,12 +93,17 @@ public:
     [[nodiscard]] xcb_window_t createWindow(int x = 0, int y = 0, int width = 200, int height = 100);
     void destroyWindow(xcb_window_t window);
     void mapWindow(xcb_window_t window);
+    /// From now on the requests of other clients to the manager come here.
+    void receiveMessages();
+    /// What has come since, as "_NET_ACTIVE_WINDOW 7" with the window's XID.
+    [[nodiscard]] std::vector<std::string> takeMessages();
     [[nodiscard]] xcb_window_t root() const { return root_; }
     [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
 
 private:
     void synchronize() const;
+    [[nodiscard]] std::string nameOf(xcb_atom_t atom) const;
 
     xcb_connection_t* connection_;
     xcb_window_t root_;

@@ -390,7 +390,7 @@ TEST_F(InventorySnapshotTest, TellsWhichWindowOfAnApplicationHasTheFocus) {
     manager.publishActive(first);
     const auto focused = parts.read()->windowsOf(getpid(), Seconds(1))->focusedWindow;
     ASSERT_TRUE(focused.has_value());
-    EXPECT_EQ(parts.control.windowNumber(*focused), first);
+    EXPECT_EQ(X11Element::windowOf(*focused), first);
 }
 
 TEST_F(InventorySnapshotTest, AnswersNothingForAProcessWithoutWindows) {
