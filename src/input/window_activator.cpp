@@ -32,13 +32,10 @@ void WindowActivator::activate(const AppWindow& window) {
     assert(mainLoop_.isMainThread());
     pause_.reset();
     activation_.reset();
-    posted_ = std::make_shared<const AppWindow>(window);
-    mainLoop_.post([this, posted = std::weak_ptr(posted_)] {
-        if (const auto chosen = posted.lock()) {
-            posted_.reset();
-            begin(*chosen);
-        }
-    });
+    mainLoop_.post(posted_.emplace().guard([this, window] {
+        posted_.reset();
+        begin(window);
+    }));
 }
 
 void WindowActivator::begin(const AppWindow& window) {

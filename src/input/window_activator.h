@@ -1,11 +1,11 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
 #include "core/app_window.h"
+#include "core/posted_work.h"
 #include "core/published.h"
 #include "platform/main_loop.h"
 
@@ -71,8 +71,8 @@ private:
     Log& log_;
     Workspace& workspace_;
     WindowControl& control_;
-    /// The window whose activation has been posted and not begun; held weakly by that task.
-    std::shared_ptr<const AppWindow> posted_;
+    /// Present while an activation has been posted and not begun; dropping it cancels that.
+    std::optional<LifeToken> posted_;
     /// The running activation; absent when idle.
     std::optional<Activation> activation_;
     /// The pause that the running activation is in; dropping it is what cancels an activation.

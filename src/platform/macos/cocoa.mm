@@ -3,23 +3,23 @@
 #include <memory>
 #include <utility>
 
+#include "core/posted_work.h"
+
 namespace ferrowyn {
 
 Subscription observeNotification(NSNotificationCenter* center, NSNotificationName name,
                                  std::function<void(NSNotification*)> handler) {
     // The queue still delivers what it holds when the observer is removed.
-    const auto alive = std::make_shared<const bool>(true);
-    const std::weak_ptr<const bool> weakAlive = alive;
+    auto life = std::make_shared<LifeToken>();
+    const auto guarded = life->guard(std::move(handler));
     const id<NSObject> token = [center addObserverForName:name
                                                    object:nil
                                                     queue:NSOperationQueue.mainQueue
                                                usingBlock:^(NSNotification* notification) {
-                                                 if (!weakAlive.expired()) {
-                                                     handler(notification);
-                                                 }
+                                                 guarded(notification);
                                                }];
-    return Subscription([center, token, keptAlive = alive]() mutable {
-        keptAlive.reset();
+    return Subscription([center, token, life = std::move(life)]() mutable {
+        life.reset();
         [center removeObserver:token];
     });
 }
