@@ -13,9 +13,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace ferrowyn {
-
-namespace text {
+namespace ferrowyn::text {
 
 namespace {
 
@@ -349,6 +347,4 @@ void removeLastCharacter(std::string& text) {
     text.resize(ends.size() < 2 ? 0 : ends[ends.size() - 2]);
 }
 
-}  // namespace text
-
-}  // namespace ferrowyn
+}  // namespace ferrowyn::text

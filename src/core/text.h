@@ -7,12 +7,10 @@
 #include <string_view>
 #include <vector>
 
-namespace ferrowyn {
-
 /// Functions on UTF-8 text that need Unicode's tables. Pure; any thread. Invalid UTF-8 counts as characters that belong
 /// to no set; text from outside is repaired when it comes in (`text_encoding.h`). Positions and lengths are bytes
-/// unless a name says characters.
-namespace text {
+/// unless a name says characters: those are user-perceived characters (extended grapheme clusters).
+namespace ferrowyn::text {
 
 [[nodiscard]] bool isAscii(std::string_view text);
 
@@ -41,11 +39,6 @@ namespace text {
 /// "Window 10"), letters follow the user's language.
 [[nodiscard]] std::weak_ordering localizedStandardCompare(std::string_view a, std::string_view b);
 
-}  // namespace text
-
-/// User-perceived characters (extended grapheme clusters) of UTF-8 text. Pure functions; any thread.
-namespace text {
-
 /// Replaces `ends` by the byte offset after each character, ascending; the caller can reuse the vector for many texts.
 /// The text must be shorter than 4 GiB.
 void findCharacterEnds(std::string_view text, std::vector<std::uint32_t>& ends);
@@ -57,6 +50,4 @@ void findCharacterEnds(std::string_view text, std::vector<std::uint32_t>& ends);
 /// Removes the whole last character. Does nothing when the text is empty.
 void removeLastCharacter(std::string& text);
 
-}  // namespace text
-
-}  // namespace ferrowyn
+}  // namespace ferrowyn::text
