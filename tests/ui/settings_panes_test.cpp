@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/windows/buttons.h"
 #include "ui/windows/favourites_pane.h"
 
 namespace ferrowyn {

@@ -14,7 +14,6 @@
 
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/interface_models.h"
-#include "ui/windows/buttons.h"
 #include "ui/windows/labels.h"
 #include "ui/windows/settings_view.h"
 
@@ -24,7 +23,7 @@ namespace ferrowyn::test {
 inline std::vector<std::string> visibleTexts(const QWidget& widget) {
     std::vector<std::string> texts;
     for (const auto* const label : widget.findChildren<QLabel*>()) {
-        if (label->isVisibleTo(&widget) && dynamic_cast<const KeyCapLabel*>(label) == nullptr) {
+        if (label->isVisibleTo(&widget) && label->frameShape() == QFrame::NoFrame) {
             texts.push_back(label->text().toStdString());
         }
     }
@@ -33,8 +32,8 @@ inline std::vector<std::string> visibleTexts(const QWidget& widget) {
 
 inline std::vector<std::string> visibleKeyCaps(const QWidget& widget) {
     std::vector<std::string> caps;
-    for (const auto* const cap : widget.findChildren<KeyCapLabel*>()) {
-        if (cap->isVisibleTo(&widget)) {
+    for (const auto* const cap : widget.findChildren<QLabel*>()) {
+        if (cap->isVisibleTo(&widget) && cap->frameShape() != QFrame::NoFrame) {
             caps.push_back(cap->text().toStdString());
         }
     }

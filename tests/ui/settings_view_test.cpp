@@ -5,10 +5,9 @@
 
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/windows/buttons.h"
-#include "ui/windows/choice_box.h"
+#include "ui/windows/control_style.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
-#include "ui/windows/stepper.h"
 
 namespace ferrowyn {
 namespace {
@@ -251,7 +250,8 @@ TEST_F(TriggerTest, CommandAloneShowsTheReplacementNote) {
 }
 
 TEST_F(TriggerTest, TheWheelScrollsPastTheControls) {
-    for (QWidget* const control : {static_cast<QWidget*>(&choice), static_cast<QWidget*>(view.findChild<Stepper*>())}) {
+    for (QWidget* const control :
+         {static_cast<QWidget*>(&choice), static_cast<QWidget*>(view.findChild<QSpinBox*>())}) {
         control->setFocus();
         QWheelEvent turn(QPointF(5, 5), QPointF(5, 5), {}, QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
                          Qt::NoScrollPhase, false);
@@ -315,9 +315,8 @@ TEST_F(SettingsViewTest, TheLayoutIsChosenAndDescribed) {
         {"List", SwitcherLayout::list, "list.bullet", macWindowTexts().settings.listDescription},
     };
     for (const auto& [title, layout, symbol, description] : layouts) {
-        auto* const button = dynamic_cast<SegmentButton*>(buttonNamed(pane, title));
-        ASSERT_NE(button, nullptr);
-        EXPECT_EQ(button->symbol(), symbol);
+        auto* const button = buttonNamed(pane, title);
+        EXPECT_EQ(ControlStyle::symbol(*button), symbol);
         EXPECT_FALSE(button->isChecked());
         button->click();
         EXPECT_EQ(model.preferences.layout.get(), layout);
@@ -350,7 +349,7 @@ TEST_F(SettingsViewTest, TheArrowKeysChooseTheNeighbouringLayout) {
 class StepperTest : public SettingsViewTest {
 protected:
     QWidget& pane = open(SettingsPane::appearance);
-    Stepper& stepper = *pane.findChild<Stepper*>();
+    QSpinBox& stepper = *pane.findChild<QSpinBox*>();
 };
 
 TEST_F(StepperTest, IsBoundBothWaysAndSaysItsNumber) {

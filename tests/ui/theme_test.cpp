@@ -15,7 +15,7 @@
 #include "ui/common/images.h"
 #include "ui/common/paint_context.h"
 #include "ui/panel/visual_effect_background.h"
-#include "ui/windows/choice_box.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
 #include "ui/windows/window_theme.h"
 

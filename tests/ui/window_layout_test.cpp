@@ -3,8 +3,6 @@
 #include <QTranslator>
 
 #include "tests/ui/settings_view_fixture.h"
-#include "ui/windows/buttons.h"
-#include "ui/windows/choice_box.h"
 #include "ui/windows/favourites_pane.h"
 #include "ui/windows/flow_layout.h"
 #include "ui/windows/labels.h"
@@ -185,6 +183,12 @@ TEST_F(WindowLayoutTest, InARightToLeftLanguageEverythingStandsTheOtherWayRound)
     const QImage control = const_cast<QAbstractButton&>(first).grab().toImage();
     EXPECT_EQ(control.pixelColor(14 + 26, first.height() / 2), WindowTheme::current().accent)
         << "the switch stands at the left, its knob at the left end while it is on";
+    const QImage words = control.copy(first.width() - 14 - 30, 0, 30, first.height());
+    int inked = 0;
+    for (int x = 0; x < words.width(); ++x) {
+        inked += words.pixelColor(x, words.height() / 2) == control.pixelColor(4, 4) ? 0 : 1;
+    }
+    EXPECT_GT(inked, 3) << "its text begins at the right";
 }
 
 TEST_F(WindowLayoutTest, ASymbolStandsBesideTheFirstLine) {

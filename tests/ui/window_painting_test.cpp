@@ -7,8 +7,8 @@
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/common/images.h"
 #include "ui/menu/menu_row_views.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/settings_form.h"
-#include "ui/windows/stepper.h"
 #include "ui/windows/window_theme.h"
 
 // What the menu and the windows beside the panel paint.
@@ -72,16 +72,16 @@ TEST_P(WindowHairlineTest, OneLiesBetweenTheRowsOfAGroup) {
 }
 
 TEST_P(WindowHairlineTest, TheStepperHasOneOnEitherSideOfItsNumber) {
-    Stepper stepper(4, 16);
-    stepper.resize(stepper.sizeHint());
-    const auto rects = hairlinesOf(stepper, scale);
+    const std::unique_ptr<QSpinBox> stepper(makeStepper(4, 16));
+    stepper->resize(stepper->sizeHint());
+    const auto rects = hairlinesOf(*stepper, scale);
     ASSERT_THAT(rects, SizeIs(2));
     for (const QRectF& rect : rects) {
         EXPECT_NEAR(rect.width(), width, 0.001);
         EXPECT_GT(rect.height(), 20);
-        EXPECT_LT(rect.bottom(), stepper.height());
+        EXPECT_LT(rect.bottom(), stepper->height());
     }
-    EXPECT_NEAR(rects[0].left(), stepper.width() - rects[1].right(), 0.001) << "alike from both edges";
+    EXPECT_NEAR(rects[0].left(), stepper->width() - rects[1].right(), 0.001) << "alike from both edges";
 }
 
 INSTANTIATE_TEST_SUITE_P(Scales, WindowHairlineTest, testing::Values(1.0, 2.0, 3.0));

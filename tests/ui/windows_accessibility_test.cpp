@@ -5,7 +5,7 @@
 #include "platform/main_loop.h"
 #include "tests/ui/settings_view_fixture.h"
 #include "ui/windows/about_view.h"
-#include "ui/windows/choice_box.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/onboarding_view.h"
 #include "ui/windows/settings_view.h"
 #include "ui/windows/utility_window.h"

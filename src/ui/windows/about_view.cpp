@@ -14,7 +14,7 @@
 #include "ui/common/accessibility.h"
 #include "ui/common/images.h"
 #include "ui/common/translation.h"
-#include "ui/windows/buttons.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
 #include "ui/windows/window_theme.h"
 
@@ -110,7 +110,7 @@ QWidget* makeSiteLink(const Platform& platform) {
         text->setWordWrap(false);
         return text;
     }
-    auto* const site = new WindowButton(Phrase::verbatim(about_lines::siteName(*homePage)), WindowButton::Look::link);
+    auto* const site = makeLink(Phrase::verbatim(about_lines::siteName(*homePage)));
     QObject::connect(site, &QAbstractButton::clicked, site,
                      [&workspace = platform.workspace, page = *homePage] { workspace.open(page); });
     return site;
@@ -155,7 +155,7 @@ AboutView::AboutView(const Platform& platform, std::function<void()> onClose) {
     auto* const content = new AboutContent(platform, iconSize);
     column->addWidget(content);
     column->addSpacing(aboveButton);
-    auto* const close = new WindowButton({platform.texts.windows.about.close, {}});
+    auto* const close = makeButton({platform.texts.windows.about.close, {}});
     column->addWidget(close, 0, Qt::AlignHCenter);
     connect(close, &QAbstractButton::clicked, this, [told = std::move(onClose)] { told(); });
     setFixedWidth(windowWidth);

@@ -20,7 +20,7 @@
 #include "ui/common/display_text.h"
 #include "ui/common/text_line.h"
 #include "ui/common/translation.h"
-#include "ui/windows/buttons.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
 #include "ui/windows/window_theme.h"
 
@@ -39,7 +39,7 @@ constexpr int buttonOverhang = 5;
 
 FavouriteRow::FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts)
     : name_(display_text::singleLine(name)), loadIcon_(std::move(loadIcon)) {
-    remove_ = new WindowButton(translated(settings_lines::removeHelp(name_.toStdString(), texts)), "minus.circle.fill");
+    remove_ = makeSymbolButton(translated(settings_lines::removeHelp(name_.toStdString(), texts)), "minus.circle.fill");
     auto* const line = new QHBoxLayout(this);
     // The symbol in the button stands as far from the edge as the switches do.
     constexpr int behindButton = group_metrics::rowInset - buttonOverhang;
@@ -117,7 +117,7 @@ void FavouritesPane::addPinnedApps() {
     const WindowTexts::Settings& words = platform_.texts.windows.settings;
     pinned_ = &addGroup({words.pinnedSection, {}});
     nothingPinned_ = pinned_->addInsetRow(new TextLabel({words.nothingPinned, {}}, TextStyle::body, Tone::secondary));
-    removeAll_ = new WindowButton({words.removeAll, {}});
+    removeAll_ = makeButton({words.removeAll, {}});
     addWidget(removeAll_, Qt::AlignRight);
     connect(removeAll_, &QAbstractButton::clicked, this, [this] { services_.favourites.removeAll(); });
     keep(services_.favourites.bundleIdentifiers().subscribe(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPushButton>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -15,7 +16,6 @@ namespace ferrowyn {
 
 struct WindowTexts;
 class IconImage;
-class WindowButton;
 
 /// A pinned application: its icon, name and star, and a button that removes it. Main thread.
 class FavouriteRow final : public QWidget {
@@ -27,7 +27,7 @@ public:
 
     FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts);
 
-    [[nodiscard]] WindowButton& removeButton() { return *remove_; }
+    [[nodiscard]] QPushButton& removeButton() { return *remove_; }
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
@@ -42,7 +42,7 @@ private:
     QString name_;
     IconLoader loadIcon_;
     std::shared_ptr<const IconImage> icon_;
-    WindowButton* remove_ = nullptr;
+    QPushButton* remove_ = nullptr;
     IconImages icons_;
     SymbolImages symbols_;
 };
@@ -64,7 +64,7 @@ private:
     SettingsServices services_;
     SettingsGroup* pinned_ = nullptr;
     QWidget* nothingPinned_ = nullptr;
-    WindowButton* removeAll_ = nullptr;
+    QPushButton* removeAll_ = nullptr;
     std::vector<FavouriteRow*> rows_;
 };
 

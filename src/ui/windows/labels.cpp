@@ -2,10 +2,10 @@
 
 #include <QEvent>
 #include <QPainter>
-#include <algorithm>
 #include <cmath>
 
 #include "ui/common/translation.h"
+#include "ui/windows/control_style.h"
 #include "ui/windows/window_theme.h"
 
 namespace ferrowyn {
@@ -32,6 +32,19 @@ TextLabel::TextLabel(const Phrase& text, TextStyle style, Tone tone) : TextLabel
 TextLabel* TextLabel::centred(const Phrase& text, TextStyle style, Tone tone) {
     auto* const label = new TextLabel(text, style, tone);
     label->setAlignment(Qt::AlignHCenter);
+    return label;
+}
+
+TextLabel* TextLabel::keyCap() {
+    constexpr QSize smallest(22, 22);
+    auto* const label = new TextLabel(TextStyle::button, Tone::secondary);
+    ControlStyle::applyTo(*label);
+    label->setFrameShape(QFrame::StyledPanel);
+    label->setIndent(0);
+    label->setWordWrap(false);
+    label->setAlignment(Qt::AlignCenter);
+    label->setMinimumSize(smallest);
+    label->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     return label;
 }
 
@@ -84,45 +97,6 @@ void TextLabel::paintEvent(QPaintEvent* event) {
     const QRectF place = control_painting::mirrored(*this, QRectF(0, middle - side / 2, side, side));
     symbols_.paint(painter, symbol_, place.center().x(), place.center().y(), symbolPoints_,
                    WindowTheme::current().color(symbolTone_));
-}
-
-namespace {
-
-constexpr int capHeight = 22;
-constexpr int capPadding = 8;
-constexpr int aroundKeys = 4;
-constexpr double capRadius = 5;
-
-}  // namespace
-
-KeyCapLabel::KeyCapLabel() {
-    setTextFormat(Qt::PlainText);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setFont(fontFor(TextStyle::button));
-}
-
-QSize KeyCapLabel::sizeHint() const {
-    const int high = std::max(capHeight, fontMetrics().height() + aroundKeys);
-    return {std::max(fontMetrics().horizontalAdvance(text()) + 2 * capPadding, high), high};
-}
-
-bool KeyCapLabel::event(QEvent* event) {
-    const bool isHandled = QLabel::event(event);
-    if (event->type() == QEvent::ApplicationFontChange) {
-        setFont(fontFor(TextStyle::button));
-        updateGeometry();
-    }
-    return isHandled;
-}
-
-void KeyCapLabel::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const WindowTheme theme = WindowTheme::current();
-    control_painting::paintBox(painter, rect(), capRadius, theme.keyCapFill, theme.keyCapEdge);
-    painter.setFont(font());
-    painter.setPen(theme.textSecondary);
-    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
 }
 
 }  // namespace ferrowyn

@@ -21,12 +21,13 @@ public:
     TextLabel(const Phrase& text, TextStyle style, Tone tone = Tone::primary);
     /// The layout to which the caller adds it takes ownership.
     [[nodiscard]] static TextLabel* centred(const Phrase& text, TextStyle style, Tone tone);
+    /// A key cap, which names keys. It has a frame, as no other label has. Ownership is as above.
+    [[nodiscard]] static TextLabel* keyCap();
 
     void setPhrase(const Phrase& text);
     /// An empty name removes the symbol.
     void setSymbol(std::string_view name, Tone tone, double points = 13);
     [[nodiscard]] const std::string& symbol() const { return symbol_; }
-    [[nodiscard]] Tone symbolTone() const { return symbolTone_; }
 
 protected:
     bool event(QEvent* event) override;
@@ -41,21 +42,6 @@ private:
     Tone symbolTone_ = Tone::primary;
     double symbolPoints_ = 0;
     SymbolImages symbols_;
-};
-
-/// A key cap with the names of keys. Main thread.
-class KeyCapLabel final : public QLabel {
-    Q_OBJECT
-
-public:
-    KeyCapLabel();
-
-    [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
-
-protected:
-    bool event(QEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 };
 
 }  // namespace ferrowyn

@@ -19,7 +19,7 @@
 #include "services/accessibility_authorizer.h"
 #include "services/preferences.h"
 #include "ui/windows/about_view.h"
-#include "ui/windows/buttons.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/flow_layout.h"
 #include "ui/windows/labels.h"
 #include "ui/windows/settings_form.h"
@@ -137,8 +137,7 @@ QWidget* RequiredState::makeButtons(const Platform& platform, AccessibilityAutho
     auto* const line = new FlowLayout(betweenButtons);
     buttons->setLayout(line);
     const auto add = [this, line](std::string_view text, std::function<void()> action) {
-        const auto look = line->count() == 0 ? WindowButton::Look::primary : WindowButton::Look::standard;
-        auto* const button = new WindowButton({text, {}}, look);
+        auto* const button = line->count() == 0 ? makePrimaryButton({text, {}}) : makeButton({text, {}});
         line->addWidget(button);
         if (action) {
             connect(button, &QAbstractButton::clicked, this, std::move(action));
@@ -196,10 +195,10 @@ GrantedState::GrantedState(const TextTable& texts, const Preferences& preference
     grid->setVerticalSpacing(betweenKeys);
     grid->setHorizontalSpacing(betweenColumns);
     grid->setColumnStretch(1, 1);
-    std::vector<KeyCapLabel*> caps;
+    std::vector<TextLabel*> caps;
     for (const auto& line : key_lines::forSetup(preferences.modifier.get(), texts)) {
         const int row = static_cast<int>(caps.size());
-        caps.push_back(new KeyCapLabel);
+        caps.push_back(TextLabel::keyCap());
         grid->addWidget(caps.back(), row, 0, Qt::AlignRight);
         grid->addWidget(new TextLabel({line.description, {}}, TextStyle::body), row, 1);
     }
@@ -219,7 +218,7 @@ GrantedState::GrantedState(const TextTable& texts, const Preferences& preference
     }
     group->addInsetRow(typing);
 
-    auto* const done = new WindowButton({words.done, {}}, WindowButton::Look::primary);
+    auto* const done = makePrimaryButton({words.done, {}});
     column->addSpacing(aboveButton);
     column->addWidget(done, 0, Qt::AlignHCenter);
     connect(done, &QAbstractButton::clicked, this, [told = std::move(onDone)] { told(); });
@@ -282,7 +281,7 @@ QWidget* OnboardingView::makeFooter(const Platform& platform) {
     auto* const footer = new QWidget;
     auto* const line = new QHBoxLayout(footer);
     line->setContentsMargins(0, 0, 0, 0);
-    auto* const close = new WindowButton({platform.texts.windows.onboarding.close, {}});
+    auto* const close = makeButton({platform.texts.windows.onboarding.close, {}});
     line->addWidget(makeSiteLink(platform));
     line->addStretch();
     line->addWidget(close);

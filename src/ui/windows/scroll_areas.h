@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QScrollArea>
-#include <QScrollBar>
 #include <memory>
 
 namespace ferrowyn {
@@ -12,29 +11,6 @@ namespace window_metrics {
 inline constexpr int titleBarHeight = 32;
 
 }  // namespace window_metrics
-
-/// A thin vertical scroll bar without arrows. Main thread.
-class ThinScrollBar final : public QScrollBar {
-    Q_OBJECT
-
-public:
-    explicit ThinScrollBar(QWidget* parent);
-
-    [[nodiscard]] QSize sizeHint() const override;
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-
-private:
-    [[nodiscard]] QRectF thumb() const;
-    /// The value for a thumb whose upper edge is at `top`.
-    [[nodiscard]] int valueAt(double top) const;
-
-    double grabbedAt_ = 0;
-};
 
 /// A vertical scroll area without a frame or a background. It asks for a new size when its content does. Main thread.
 class PlainScrollArea : public QScrollArea {

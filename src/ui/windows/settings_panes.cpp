@@ -17,10 +17,8 @@
 #include "ui/common/accessibility.h"
 #include "ui/common/translation.h"
 #include "ui/windows/about_view.h"
-#include "ui/windows/buttons.h"
-#include "ui/windows/choice_box.h"
+#include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
-#include "ui/windows/stepper.h"
 
 namespace ferrowyn {
 
@@ -58,7 +56,7 @@ void GeneralPane::addLaunchAtLogin(const WindowTexts& texts, LaunchAtLoginServic
     auto* const launch = new SwitchRow({texts.settings.launchAtLogin, {}});
     group.addRow(launch);
     auto* const message = new TextLabel(TextStyle::note, Tone::secondary);
-    auto* const open = new WindowButton({texts.settings.openLoginItems, {}});
+    auto* const open = makeButton({texts.settings.openLoginItems, {}});
     QWidget* const explanation = group.addRow(message, open);
 
     const auto follow = [launch, message, open, explanation, &service] {
@@ -91,7 +89,7 @@ void GeneralPane::addUpdates(const WindowTexts& texts, const SettingsServices& s
     keep(bindSwitch(*automatic, services.preferences.automaticUpdateChecks));
 
     auto* const status = new TextLabel(TextStyle::body);
-    auto* const check = new WindowButton({texts.settings.checkNow, {}});
+    auto* const check = makeButton({texts.settings.checkNow, {}});
     auto* const checking = new TextLabel({texts.settings.checking, {}}, TextStyle::body, Tone::secondary);
     checking->setWordWrap(false);
     auto* const action = new QWidget;
@@ -119,7 +117,7 @@ void GeneralPane::addUpdates(const WindowTexts& texts, const SettingsServices& s
 void GeneralPane::addPermissions(const WindowTexts& texts, AccessibilityAuthorizer& authorizer) {
     SettingsGroup& group = addGroup({texts.settings.permissionsSection, {}});
     auto* const status = new TextLabel(TextStyle::body);
-    auto* const open = new WindowButton({texts.settings.openSettings, {}});
+    auto* const open = makeButton({texts.settings.openSettings, {}});
     group.addRow(status, open);
     connect(open, &QAbstractButton::clicked, this, [&authorizer] { authorizer.openAccessibilitySettings(); });
     keep(authorizer.status().subscribe([status, open, &texts, &authorizer](AccessibilityStatus trust) {
@@ -175,9 +173,9 @@ void ShortcutPane::addTrigger(const TextTable& texts, Preferences& preferences) 
 
 void ShortcutPane::addKeys(const TextTable& texts, Preferences& preferences) {
     SettingsGroup& group = addGroup({texts.windows.settings.keysSection, {}});
-    std::vector<KeyCapLabel*> caps;
+    std::vector<TextLabel*> caps;
     for (const auto& line : key_lines::whileOpen(preferences.modifier.get(), texts)) {
-        caps.push_back(new KeyCapLabel);
+        caps.push_back(TextLabel::keyCap());
         group.addRow(new TextLabel({line.description, {}}, TextStyle::body), caps.back());
     }
     keep(preferences.modifier.published().subscribe([caps, &texts](SwitcherModifier modifier) {
@@ -201,9 +199,9 @@ void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferenc
     auto* const line = new QHBoxLayout(choices);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(betweenButtons);
-    std::vector<SegmentButton*> buttons;
+    std::vector<QRadioButton*> buttons;
     for (const auto layout : allSwitcherLayouts) {
-        auto* const button = new SegmentButton(WindowPresentation::layoutSymbol(layout), {title(layout, texts), {}});
+        auto* const button = makeSegment(WindowPresentation::layoutSymbol(layout), {title(layout, texts), {}});
         line->addWidget(button);
         buttons.push_back(button);
         // `toggled` and not `clicked`, because the arrow keys emit only the former.
@@ -219,7 +217,7 @@ void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferenc
     keep(preferences.layout.published().subscribe([buttons, description, &texts](SwitcherLayout chosen) {
         description->setPhrase({settings_lines::layoutDescription(chosen, texts), {}});
         for (std::size_t index = 0; index < buttons.size(); ++index) {
-            SegmentButton& button = *buttons[index];
+            QRadioButton& button = *buttons[index];
             const SwitcherLayout layout = allSwitcherLayouts.at(index);
             button.setAccessibleDescription(translated(settings_lines::layoutDescription(layout, texts)));
             button.setChecked(layout == chosen);
@@ -230,7 +228,7 @@ void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferenc
 void AppearancePane::addRows(const WindowTexts& texts, Preferences& preferences) {
     SettingsGroup& group = addGroup();
     auto* const label = new TextLabel(TextStyle::body);
-    auto* const stepper = new Stepper(Preferences::fewestVisibleRows, Preferences::mostVisibleRows);
+    auto* const stepper = makeStepper(Preferences::fewestVisibleRows, Preferences::mostVisibleRows);
     label->setBuddy(stepper);
     group.addRow(label, stepper);
     connect(stepper, &QSpinBox::valueChanged, this, [&preferences](int rows) {

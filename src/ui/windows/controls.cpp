@@ -1,39 +1,104 @@
-#include "ui/windows/choice_box.h"
+#include "ui/windows/controls.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QAccessibleWidget>
-#include <QPainter>
-#include <QPolygonF>
-#include <QWheelEvent>
+#include <QEvent>
+#include <QLineEdit>
+#include <QStyleOption>
 #include <algorithm>
 
-#include "ui/common/text_line.h"
+#include "ui/common/translation.h"
+#include "ui/windows/control_style.h"
+#include "ui/windows/settings_form.h"
 #include "ui/windows/window_theme.h"
 
 namespace ferrowyn {
 
 namespace {
 
-constexpr int padding = 10;
-constexpr int arrowsWidth = 22;
-constexpr double arrowsSide = 8;
-constexpr double cornerRadius = 6;
-
-void paintArrows(QPainter& painter, const QPointF& middle, const QColor& color) {
-    constexpr double halfWidth = 3;
-    constexpr double tip = 5.5;
-    constexpr double foot = 2.5;
-    painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    for (const double direction : {-1.0, 1.0}) {
-        painter.drawPolyline(QPolygonF{{middle.x() - halfWidth, middle.y() + direction * foot},
-                                       {middle.x(), middle.y() + direction * tip},
-                                       {middle.x() + halfWidth, middle.y() + direction * foot}});
-    }
+QPushButton* finished(QPushButton* button) {
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    // Return presses the focused button, as Space does.
+    button->setAutoDefault(true);
+    ControlStyle::applyTo(*button);
+    return button;
 }
 
-/// Keeps the name of the control and gives the chosen text as its value; the toolkit would make the text its name. The
-/// value is a readable text as well, because screen readers on Linux get it no other way.
+}  // namespace
+
+QPushButton* makeButton(const Phrase& text) {
+    return finished(new QPushButton(translated(text)));
+}
+
+QPushButton* makePrimaryButton(const Phrase& text) {
+    QPushButton* const button = makeButton(text);
+    ControlStyle::setPrimary(*button);
+    return button;
+}
+
+QPushButton* makeLink(const Phrase& text) {
+    auto* const button = new QPushButton(translated(text));
+    button->setFlat(true);
+    button->setCursor(Qt::PointingHandCursor);
+    return finished(button);
+}
+
+QPushButton* makeSymbolButton(const QString& name, std::string_view symbol) {
+    auto* const button = new QPushButton;
+    button->setAccessibleName(name);
+    button->setToolTip(name);
+    ControlStyle::setSymbol(*button, symbol);
+    return finished(button);
+}
+
+QRadioButton* makeSegment(std::string_view symbol, const Phrase& title) {
+    auto* const button = new QRadioButton(translated(title));
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    ControlStyle::setSymbol(*button, symbol);
+    ControlStyle::applyTo(*button);
+    return button;
+}
+
+QSpinBox* makeStepper(int minimum, int maximum) {
+    auto* const box = new QSpinBox;
+    box->setRange(minimum, maximum);
+    box->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    box->setContextMenuPolicy(Qt::NoContextMenu);
+    ControlStyle::applyTo(*box);
+    // The style paints the number, because the text field would accept incomplete numbers.
+    auto* const field = box->findChild<QLineEdit*>();
+    field->setReadOnly(true);
+    field->hide();
+    return box;
+}
+
+SwitchRow::SwitchRow(const Phrase& text) : QCheckBox(translated(text)) {
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    ControlStyle::applyTo(*this);
+}
+
+QSize SwitchRow::minimumSizeHint() const {
+    constexpr int narrowestText = 120;
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    return style()->sizeFromContents(QStyle::CT_CheckBox, &option, QSize(narrowestText, 0), this);
+}
+
+int SwitchRow::heightForWidth(int width) const {
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.rect = QRect(0, 0, width, group_metrics::rowHeight);
+    const int textWidth = style()->subElementRect(QStyle::SE_CheckBoxContents, &option, this).width();
+    const int textHeight = fontMetrics().boundingRect(QRect(0, 0, textWidth, 1), Qt::TextWordWrap, text()).height();
+    return std::max(group_metrics::rowHeight, textHeight + 2 * group_metrics::rowPadding);
+}
+
+namespace {
+
+/// The value is a readable text as well, because screen readers on Linux get it no other way.
 class AccessibleChoiceBox final : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     explicit AccessibleChoiceBox(ChoiceBox& box) : QAccessibleWidget(&box, QAccessible::ComboBox), box_(box) {}
@@ -107,7 +172,7 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
 
 ChoiceBox::ChoiceBox() {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setAttribute(Qt::WA_Hover);
+    setSizeAdjustPolicy(AdjustToContents);
     // Qt itself ignores a factory that is installed already.
     QAccessible::installFactory(makeInterface);
     // Announce the new value: the toolkit announces only a new name.
@@ -115,11 +180,11 @@ ChoiceBox::ChoiceBox() {
         QAccessibleValueChangeEvent event(this, currentText());
         QAccessible::updateAccessibility(&event);
     });
+    ControlStyle::applyTo(*this);
     adopt();
 }
 
 void ChoiceBox::adopt() {
-    setFont(fontFor(TextStyle::body));
     const WindowTheme theme = WindowTheme::current();
     QPalette own;
     own.setColor(QPalette::Base, theme.groupFill);
@@ -134,45 +199,13 @@ void ChoiceBox::adopt() {
     view()->window()->setPalette(own);
 }
 
-QSize ChoiceBox::sizeHint() const {
-    int widest = 0;
-    for (int index = 0; index < count(); ++index) {
-        widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(index)) + 1);
-    }
-    return {widest + 2 * padding + arrowsWidth, control_painting::controlHeight(fontMetrics())};
-}
-
 bool ChoiceBox::event(QEvent* event) {
     const bool isHandled = QComboBox::event(event);
     if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::ApplicationPaletteChange ||
         event->type() == QEvent::PaletteChange) {
         adopt();
-        updateGeometry();
     }
     return isHandled;
-}
-
-void ChoiceBox::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const WindowTheme theme = WindowTheme::current();
-    control_painting::paintBox(painter, rect(), cornerRadius,
-                               underMouse() ? theme.controlFillHovered : theme.controlFill, theme.controlEdge);
-    const QRectF arrows(width() - padding - arrowsSide, (height() - arrowsSide) / 2, arrowsSide, arrowsSide);
-    const QRectF textRect(padding, 0, width() - 2 * padding - arrowsWidth + 6, height());
-    control_painting::paintText(painter, *this, control_painting::mirrored(*this, textRect), currentText(), font(),
-                                theme.textPrimary);
-    paintArrows(painter, control_painting::mirrored(*this, arrows).center(), theme.textSecondary);
-    if (control_painting::showsFocus(*this)) {
-        constexpr double inset = 3;
-        control_painting::paintFocusRing(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
-                                         cornerRadius - 2, theme.focusRing);
-    }
-}
-
-/// The wheel scrolls the pane and must not change a choice on the way.
-void ChoiceBox::wheelEvent(QWheelEvent* event) {
-    event->ignore();
 }
 
 }  // namespace ferrowyn
