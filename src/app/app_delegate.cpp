@@ -33,7 +33,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::makeWindows() {
-    const auto& texts = platform_.texts.windows;
+    const auto& texts = platform_.texts.utility;
     const auto name = platform_.application.bundleInfo().name.value_or("Ferrowyn");
     onboarding_ = userInterface_.makeOnboardingWindow({.title = {texts.setupWindowTitle, {}}}, *services_,
                                                       weakly(&AppDelegate::closeOnboarding));
@@ -142,7 +142,7 @@ void AppDelegate::showSettings() {
         return;
     }
     if (!progress_) {
-        progress_ = userInterface_.makeProgressWindow({.title = {platform_.texts.windows.settingsWindowTitle, {}}});
+        progress_ = userInterface_.makeProgressWindow({.title = {platform_.texts.utility.settingsWindowTitle, {}}});
     }
     progress_->show();
 }

@@ -15,8 +15,8 @@ struct Platform;
 class AppServices;
 class StatusItemController;
 
-/// Handles the program's launch, its reopening, its end and the requests from outside. Owns the services, the windows
-/// and the status item. Main thread. The platform and the user interface outlive it.
+/// Handles the program's launch, its reopening, its end and the requests from outside. Owns the services, the utility
+/// windows and the status item. Main thread. The platform and the user interface outlive it.
 class AppDelegate {
 public:
     AppDelegate(const Platform& platform, UserInterface& userInterface);

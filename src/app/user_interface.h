@@ -12,7 +12,8 @@ namespace ferrowyn {
 
 class AppServices;
 
-/// An ordinary window of the program. It is created when it is first shown, and kept after that. Main thread.
+/// A utility window: one of the program's own, such as the settings. It is created when it is first shown, and kept
+/// after that. Main thread.
 class OnDemandWindow {
 public:
     virtual ~OnDemandWindow() = default;

@@ -37,7 +37,7 @@ std::optional<SwitcherLayout> switcherLayoutFromRawValue(std::string_view raw) {
     return std::nullopt;
 }
 
-std::string_view title(SwitcherLayout layout, const WindowTexts& texts) {
+std::string_view title(SwitcherLayout layout, const UtilityTexts& texts) {
     switch (layout) {
         case SwitcherLayout::list:
             return texts.settings.listTitle;
@@ -155,7 +155,7 @@ std::optional<SettingsPane> settingsPaneFromRawValue(std::string_view raw) {
     return std::nullopt;
 }
 
-std::string_view title(SettingsPane pane, const WindowTexts& texts) {
+std::string_view title(SettingsPane pane, const UtilityTexts& texts) {
     switch (pane) {
         case SettingsPane::general:
             return texts.settings.generalTitle;

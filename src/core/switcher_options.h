@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "core/published.h"
-#include "core/window_texts.h"
+#include "core/utility_texts.h"
 
 namespace ferrowyn {
 
@@ -20,7 +20,7 @@ inline constexpr std::array allSwitcherLayouts{SwitcherLayout::list, SwitcherLay
 [[nodiscard]] std::string_view rawValue(SwitcherLayout layout);
 [[nodiscard]] std::optional<SwitcherLayout> switcherLayoutFromRawValue(std::string_view raw);
 /// Untranslated.
-[[nodiscard]] std::string_view title(SwitcherLayout layout, const WindowTexts& texts);
+[[nodiscard]] std::string_view title(SwitcherLayout layout, const UtilityTexts& texts);
 /// Items on one line: 5 in the grid, 1 otherwise.
 [[nodiscard]] int columns(SwitcherLayout layout);
 /// Lines needed for this many items; 0 for none.
@@ -66,7 +66,7 @@ inline constexpr std::array allSettingsPanes{SettingsPane::general, SettingsPane
 [[nodiscard]] std::string_view rawValue(SettingsPane pane);
 [[nodiscard]] std::optional<SettingsPane> settingsPaneFromRawValue(std::string_view raw);
 /// Untranslated.
-[[nodiscard]] std::string_view title(SettingsPane pane, const WindowTexts& texts);
+[[nodiscard]] std::string_view title(SettingsPane pane, const UtilityTexts& texts);
 /// The name of its symbol.
 [[nodiscard]] std::string_view symbol(SettingsPane pane);
 

@@ -138,7 +138,7 @@ const TextTable& macTexts() {
         .loginItemApproval = translatable("Ferrowyn", "Approve Ferrowyn in System Settings → General → Login Items."),
 
         .statusItem = macStatusItemTexts(),
-        .windows = macWindowTexts(),
+        .utility = macUtilityTexts(),
     };
     return table;
 }
@@ -173,7 +173,7 @@ const TextTable& linuxTexts() {
                                           "settings, or turn this off and on again."),
 
         .statusItem = linuxStatusItemTexts(),
-        .windows = linuxWindowTexts(),
+        .utility = linuxUtilityTexts(),
     };
     return table;
 }

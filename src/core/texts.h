@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/switcher_options.h"
-#include "core/window_texts.h"
+#include "core/utility_texts.h"
 
 namespace ferrowyn {
 
@@ -112,8 +112,8 @@ struct TextTable {
 
     /// The status item and its menu.
     const StatusItemTexts& statusItem;
-    /// The settings, setup and about windows.
-    const WindowTexts& windows;
+    /// The utility windows.
+    const UtilityTexts& utility;
 
     [[nodiscard]] std::string_view modifierKey(SwitcherModifier modifier) const;
     [[nodiscard]] std::string_view commandKeyDuringSession(SwitcherModifier trigger) const;

@@ -63,7 +63,7 @@ int runAlone(const CommandLine& line, SingleInstance& instance, int& argumentCou
     QApplication::setQuitOnLastWindowClosed(false);
     stayOutOfRestoredSessions(application);
     installTranslations(application, QLocale());
-    QApplication::setWindowIcon(windowIcon());
+    QApplication::setWindowIcon(programIcon());
     QApplication::setDesktopFileName(QString::fromUtf8(applicationId.data(), applicationId.size()));
 
     const auto desktop = X11Platform::create(

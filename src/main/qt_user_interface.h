@@ -11,8 +11,8 @@ namespace ferrowyn {
 
 struct Platform;
 
-/// Makes the windows and the panel's content with Qt. Main thread. The platform outlives it and everything that it
-/// makes.
+/// Makes the utility windows and the panel's content with Qt. Main thread. The platform outlives it and everything that
+/// it makes.
 class QtUserInterface final : public UserInterface {
 public:
     using StatusItemFactory = std::function<std::unique_ptr<StatusItem>()>;

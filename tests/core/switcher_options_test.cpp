@@ -87,7 +87,7 @@ TEST(SwitcherLayout, HasItsRawValuesTitlesAndColumns) {
         EXPECT_EQ(allSwitcherLayouts[i], layout);
         EXPECT_EQ(rawValue(layout), expected[i].raw);
         EXPECT_EQ(switcherLayoutFromRawValue(expected[i].raw), layout);
-        EXPECT_EQ(title(layout, macWindowTexts()), expected[i].title);
+        EXPECT_EQ(title(layout, macUtilityTexts()), expected[i].title);
         EXPECT_EQ(columns(layout), expected[i].columns);
     }
     EXPECT_EQ(switcherLayoutFromRawValue("List"), std::nullopt);
@@ -127,7 +127,7 @@ TEST(SwitcherLayout, CyclesThroughAllLayouts) {
 TEST(SettingsPaneTest, PanesHaveTheirOrderNamesAndSymbols) {
     std::vector<std::tuple<std::string_view, std::string_view, std::string_view>> panes;
     for (const auto pane : allSettingsPanes) {
-        panes.emplace_back(rawValue(pane), title(pane, macWindowTexts()), symbol(pane));
+        panes.emplace_back(rawValue(pane), title(pane, macUtilityTexts()), symbol(pane));
     }
     EXPECT_THAT(
         panes,

@@ -23,21 +23,21 @@ using testing::ElementsAre;
 TEST(AboutLinesTest, TheInstallationsOwnCopyrightComesFirst) {
     BundleInfo bundle;
     bundle.copyright = "© 2020 Larkmoor %1";
-    EXPECT_EQ(about_lines::copyrightLine(bundle, 2026, macWindowTexts()).untranslated(), "© 2020 Larkmoor %1");
+    EXPECT_EQ(about_lines::copyrightLine(bundle, 2026, macUtilityTexts()).untranslated(), "© 2020 Larkmoor %1");
 }
 
 TEST(AboutLinesTest, ABundleWithoutACopyrightShowsTheYear) {
-    EXPECT_EQ(about_lines::copyrightLine({}, 2026, macWindowTexts()).untranslated(), "© 2026 Ferrowyn");
-    EXPECT_EQ(about_lines::copyrightLine({}, 2031, macWindowTexts()).untranslated(), "© 2031 Ferrowyn");
+    EXPECT_EQ(about_lines::copyrightLine({}, 2026, macUtilityTexts()).untranslated(), "© 2026 Ferrowyn");
+    EXPECT_EQ(about_lines::copyrightLine({}, 2031, macUtilityTexts()).untranslated(), "© 2031 Ferrowyn");
 }
 
 TEST(AboutLinesTest, NameAndVersionHaveFallbacks) {
     EXPECT_EQ(about_lines::productName({}), "Ferrowyn");
-    EXPECT_EQ(about_lines::versionLine({}, macWindowTexts()).untranslated(), "Version 1.0");
+    EXPECT_EQ(about_lines::versionLine({}, macUtilityTexts()).untranslated(), "Version 1.0");
     const BundleInfo bundle{"Ferrowyn Nightly", "2.1", std::nullopt, ""};
     EXPECT_EQ(about_lines::productName(bundle), "Ferrowyn Nightly");
-    EXPECT_EQ(about_lines::versionLine(bundle, macWindowTexts()).untranslated(), "Version 2.1");
-    EXPECT_EQ(about_lines::accessibilitySummary(bundle, macWindowTexts()).untranslated(),
+    EXPECT_EQ(about_lines::versionLine(bundle, macUtilityTexts()).untranslated(), "Version 2.1");
+    EXPECT_EQ(about_lines::accessibilitySummary(bundle, macUtilityTexts()).untranslated(),
               "About Ferrowyn Nightly, version 2.1");
 }
 
@@ -47,7 +47,7 @@ TEST(AboutLinesTest, TheSiteIsShownWithoutItsScheme) {
 }
 
 TEST(AboutViewTest, ShowsNameVersionTaglineAndCopyright) {
-    test::WindowsModel model;
+    test::UtilityModel model;
     model.desktop.application().bundle.shortVersion = "1.4";
     model.desktop.application().bundle.copyright = "© Larkmoor";
     AboutView view(model.platform, [] {});
@@ -56,7 +56,7 @@ TEST(AboutViewTest, ShowsNameVersionTaglineAndCopyright) {
 }
 
 TEST(AboutViewTest, TheYearIsThatOfTheClock) {
-    test::WindowsModel model;
+    test::UtilityModel model;
     const AboutView view(model.platform, [] {});
     const auto seconds = static_cast<qint64>(model.platform.mainLoop.wallTime().time_since_epoch().count());
     const int year = QDateTime::fromSecsSinceEpoch(seconds).date().year();
@@ -64,14 +64,14 @@ TEST(AboutViewTest, TheYearIsThatOfTheClock) {
 }
 
 TEST(AboutViewTest, TheYearIsThatOfTheUsersCalendar) {
-    test::WindowsModel model;
+    test::UtilityModel model;
     model.desktop.application().year = 2569;
     const AboutView view(model.platform, [] {});
     EXPECT_THAT(visibleTexts(view), Contains("© 2569 Ferrowyn"));
 }
 
 TEST(AboutViewTest, ItsSummaryIsReadOut) {
-    test::WindowsModel model;
+    test::UtilityModel model;
     AboutView view(model.platform, [] {});
     auto* const content = view.findChild<AboutContent*>();
     ASSERT_NE(content, nullptr);
@@ -81,7 +81,7 @@ TEST(AboutViewTest, ItsSummaryIsReadOut) {
 }
 
 TEST(AboutViewTest, TheLinkOpensTheSiteAndCloseCloses) {
-    test::WindowsModel model;
+    test::UtilityModel model;
     int closings = 0;
     AboutView view(model.platform, [&closings] { ++closings; });
     model.desktop.takeControlCalls();
@@ -93,7 +93,7 @@ TEST(AboutViewTest, TheLinkOpensTheSiteAndCloseCloses) {
 }
 
 TEST(AboutViewTest, WithoutAHomePageItSaysSoInPlaceOfTheLink) {
-    test::WindowsModel model(macTexts(),
+    test::UtilityModel model(macTexts(),
                              [](SimulatedDesktop& desktop) { desktop.application().bundle.homePage.reset(); });
     AboutView view(model.platform, [] {});
     EXPECT_THAT(visibleTexts(view), Contains("This build has no home page."));

@@ -73,7 +73,7 @@ const Platform& arranged(SimulatedDesktop& desktop, const std::function<void(Sim
 
 }  // namespace
 
-WindowsModel::WindowsModel(const TextTable& texts, const std::function<void(SimulatedDesktop&)>& arrange)
+UtilityModel::UtilityModel(const TextTable& texts, const std::function<void(SimulatedDesktop&)>& arrange)
     : platform(replacedIn(arranged(desktop, arrange), {.icons = &tiles, .texts = &texts})),
       preferences(platform.userDefaults),
       authorizer(platform),
@@ -82,11 +82,11 @@ WindowsModel::WindowsModel(const TextTable& texts, const std::function<void(Simu
       updates(platform, AppVersion("1.0")),
       icons(platform.icons, platform.workspace) {}
 
-Platform WindowsModel::platformWithRecordedIcons() {
+Platform UtilityModel::platformWithRecordedIcons() {
     return replacedIn(desktop.platform(), {.texts = &platform.texts});
 }
 
-void WindowsModel::pin(const std::vector<std::string>& identifiers) {
+void UtilityModel::pin(const std::vector<std::string>& identifiers) {
     for (const auto& identifier : identifiers) {
         AppWindow window;
         window.bundleIdentifier = identifier;

@@ -104,9 +104,9 @@ public:
 
 /// The services of the settings, setup and about windows on a simulated desktop, with the texts of one of the systems
 /// and lettered tiles for icons.
-class WindowsModel {
+class UtilityModel {
 public:
-    explicit WindowsModel(
+    explicit UtilityModel(
         const TextTable& texts = macTexts(),
         const std::function<void(SimulatedDesktop&)>& arrange = [](SimulatedDesktop&) {});
 

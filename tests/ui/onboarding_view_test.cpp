@@ -27,7 +27,7 @@ void settle() {
 
 class OnboardingViewTest : public testing::Test {
 protected:
-    std::unique_ptr<OnboardingView> makeView(test::WindowsModel& from) {
+    std::unique_ptr<OnboardingView> makeView(test::UtilityModel& from) {
         return std::make_unique<OnboardingView>(
             from.platform, from.authorizer, from.preferences, [this] { ++closings; },
             [] { return std::string("all is well"); });
@@ -39,7 +39,7 @@ protected:
     }
 
     int closings = 0;
-    test::WindowsModel model;
+    test::UtilityModel model;
     std::unique_ptr<OnboardingView> view = makeView(model);
     const std::string site = "ferrowyn.example";
 };
@@ -63,7 +63,7 @@ TEST_F(OnboardingViewTest, TheKeysFollowTheTrigger) {
 
 TEST_F(OnboardingViewTest, NotTrustedItSaysWhatIsMissingAndHowToRepairIt) {
     setTrusted(false);
-    const WindowTexts::Onboarding& words = macWindowTexts().onboarding;
+    const UtilityTexts::Onboarding& words = macUtilityTexts().onboarding;
     EXPECT_THAT(visibleTexts(*view),
                 ElementsAre("Ferrowyn", "Switch between every open window, not just apps.", "Version 1.0",
                             "Accessibility access required", std::string(words.requiredExplanation), "1.",
@@ -75,7 +75,7 @@ TEST_F(OnboardingViewTest, NotTrustedItSaysWhatIsMissingAndHowToRepairIt) {
 }
 
 TEST_F(OnboardingViewTest, ItChangesByItselfWhenTrustComesAndGoes) {
-    test::WindowsModel linux(linuxTexts());
+    test::UtilityModel linux(linuxTexts());
     UtilityWindow window(makeView(linux), false);
     window.show();
     settle();
@@ -124,10 +124,10 @@ TEST_F(OnboardingViewTest, DoneClosesIt) {
 }
 
 TEST_F(OnboardingViewTest, OnALinuxDesktopItExplainsTheWindowManager) {
-    test::WindowsModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.setTrusted(false); });
+    test::UtilityModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.setTrusted(false); });
     const auto setup = makeView(desktop);
-    EXPECT_THAT(visibleTexts(*setup), Contains(std::string(linuxWindowTexts().onboarding.requiredExplanation)));
-    EXPECT_THAT(visibleTexts(*setup), Contains(std::string(linuxWindowTexts().onboarding.firstStep)));
+    EXPECT_THAT(visibleTexts(*setup), Contains(std::string(linuxUtilityTexts().onboarding.requiredExplanation)));
+    EXPECT_THAT(visibleTexts(*setup), Contains(std::string(linuxUtilityTexts().onboarding.firstStep)));
     EXPECT_THAT(visibleButtons(*setup), ElementsAre("Check Again", "Copy Report", "Reveal App", site, "Close"));
     desktop.desktop.setTrusted(true);
     buttonNamed(*setup, "Check Again")->click();
@@ -136,14 +136,14 @@ TEST_F(OnboardingViewTest, OnALinuxDesktopItExplainsTheWindowManager) {
 }
 
 TEST_F(OnboardingViewTest, AServerThatCannotBeUsedIsCalledThatAndNotAMissingWindowManager) {
-    test::WindowsModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.makeServerUnusable(); });
+    test::UtilityModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.makeServerUnusable(); });
     const auto texts = visibleTexts(*makeView(desktop));
     EXPECT_THAT(texts, Contains("This X server cannot be used"));
     EXPECT_THAT(texts, Not(Contains("A window manager is required")));
 }
 
 TEST_F(OnboardingViewTest, TheReportIsMadeInTheBackgroundAndCopied) {
-    test::WindowsModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.setTrusted(false); });
+    test::UtilityModel desktop(linuxTexts(), [](SimulatedDesktop& simulated) { simulated.setTrusted(false); });
     const auto setup = makeView(desktop);
     QGuiApplication::clipboard()->clear();
     auto* const button = buttonNamed(*setup, "Copy Report");

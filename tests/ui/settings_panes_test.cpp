@@ -18,8 +18,8 @@ using testing::Not;
 
 using Tint = StatusLine::Tint;
 
-const WindowTexts& mac() {
-    return macWindowTexts();
+const UtilityTexts& mac() {
+    return macUtilityTexts();
 }
 
 TEST(SettingsLinesTest, TheUpdateLineSaysHowTheLastCheckEnded) {
@@ -52,15 +52,15 @@ TEST(SettingsLinesTest, ThePermissionLineFollowsTrust) {
 }
 
 TEST(SettingsLinesTest, TheTriggersAreNamedAsTheirKeyboardNamesThem) {
-    const auto choice = [](SwitcherModifier modifier, const WindowTexts& texts) {
+    const auto choice = [](SwitcherModifier modifier, const UtilityTexts& texts) {
         return settings_lines::summonChoice(modifier, texts).untranslated();
     };
     EXPECT_EQ(choice(SwitcherModifier::option, mac()), "Option + Tab");
     EXPECT_EQ(choice(SwitcherModifier::command, mac()), "Command + Tab");
     EXPECT_EQ(choice(SwitcherModifier::control, mac()), "Control + Tab");
-    EXPECT_EQ(choice(SwitcherModifier::option, linuxWindowTexts()), "Alt + Tab");
-    EXPECT_EQ(choice(SwitcherModifier::command, linuxWindowTexts()), "Super + Tab");
-    EXPECT_EQ(choice(SwitcherModifier::control, linuxWindowTexts()), "Ctrl + Tab");
+    EXPECT_EQ(choice(SwitcherModifier::option, linuxUtilityTexts()), "Alt + Tab");
+    EXPECT_EQ(choice(SwitcherModifier::command, linuxUtilityTexts()), "Super + Tab");
+    EXPECT_EQ(choice(SwitcherModifier::control, linuxUtilityTexts()), "Ctrl + Tab");
 }
 
 TEST(SettingsLinesTest, OnlyCommandReplacesTheSystemsSwitcher) {
@@ -180,7 +180,7 @@ TEST_F(FavouritesPaneTest, RemovesAll) {
 }
 
 TEST_F(FavouritesPaneTest, AnIdentifierThatIsThereTwiceLosesItsFirst) {
-    test::WindowsModel twice(macTexts(), [](SimulatedDesktop& desktop) {
+    test::UtilityModel twice(macTexts(), [](SimulatedDesktop& desktop) {
         desktop.userDefaults().set("switcher.favouriteBundleIdentifiers",
                                    std::vector<std::string>{"a.same", "a.other", "a.same"});
     });

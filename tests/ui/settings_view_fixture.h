@@ -96,7 +96,7 @@ protected:
         QApplication::sendEvent(&widget, &up);
     }
 
-    WindowsModel model;
+    UtilityModel model;
     SettingsView view{model.platform, model.services};
 };
 

@@ -172,7 +172,7 @@ TEST_F(SettingsViewTest, TheUpdateLineFollowsTheCheck) {
 }
 
 TEST(SettingsWithoutUpdateServerTest, TheUpdateLineSaysSoAndNothingCanBeAsked) {
-    test::WindowsModel model(macTexts(),
+    test::UtilityModel model(macTexts(),
                              [](SimulatedDesktop& desktop) { desktop.application().bundle.updateHost.reset(); });
     SettingsView view(model.platform, model.services);
     view.select(SettingsPane::general);
@@ -310,9 +310,9 @@ TEST_F(LinuxSettingsViewTest, AServerThatCannotBeUsedIsCalledThat) {
 TEST_F(SettingsViewTest, TheLayoutIsChosenAndDescribed) {
     QWidget& pane = open(SettingsPane::appearance);
     const std::vector<std::tuple<std::string, SwitcherLayout, std::string, std::string_view>> layouts{
-        {"Grouped", SwitcherLayout::grouped, "list.bullet.indent", macWindowTexts().settings.groupedDescription},
-        {"Grid", SwitcherLayout::grid, "square.grid.3x2", macWindowTexts().settings.gridDescription},
-        {"List", SwitcherLayout::list, "list.bullet", macWindowTexts().settings.listDescription},
+        {"Grouped", SwitcherLayout::grouped, "list.bullet.indent", macUtilityTexts().settings.groupedDescription},
+        {"Grid", SwitcherLayout::grid, "square.grid.3x2", macUtilityTexts().settings.gridDescription},
+        {"List", SwitcherLayout::list, "list.bullet", macUtilityTexts().settings.listDescription},
     };
     for (const auto& [title, layout, symbol, description] : layouts) {
         auto* const button = buttonNamed(pane, title);
@@ -400,8 +400,8 @@ TEST_F(StepperTest, ItsButtonsStepOnce) {
 
 TEST_F(SettingsViewTest, TheNoteOnTheOrderFollowsItsSwitch) {
     QWidget& pane = open(SettingsPane::windows);
-    const std::string on(macWindowTexts().settings.activeAppFirstOnNote);
-    const std::string off(macWindowTexts().settings.activeAppFirstOffNote);
+    const std::string on(macUtilityTexts().settings.activeAppFirstOnNote);
+    const std::string off(macUtilityTexts().settings.activeAppFirstOffNote);
     EXPECT_THAT(visibleTexts(pane), Contains(on));
     buttonNamed(pane, "Show the active app's windows first")->click();
     EXPECT_THAT(visibleTexts(pane), Contains(off));

@@ -17,7 +17,7 @@
 #include "ui/panel/visual_effect_background.h"
 #include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 namespace {
@@ -135,7 +135,7 @@ TEST(SystemLooksTest, ThePanelAndTheWindowsTakeTheDesktopsColours) {
         EXPECT_EQ(theme.badgeText(WindowPresentation::Tint::purple), QColor(2, 100, 0));
         EXPECT_EQ(theme.favourite, QColor(3, 100, 0));
         EXPECT_EQ(theme.selectionFavourite, QColor(3, 200, 0)) << "the accent is dark";
-        const WindowTheme windows = WindowTheme::fromPalette(palette);
+        const UtilityTheme windows = UtilityTheme::fromPalette(palette);
         EXPECT_EQ(windows.warning, QColor(0, 100, 0));
         EXPECT_EQ(windows.favourite, QColor(3, 100, 0));
         palette.setColor(QPalette::Window, Qt::black);
@@ -188,13 +188,13 @@ protected:
 
 TEST_F(DesktopPaletteTest, FollowsTheDesktopThereAndBack) {
     const QPalette own = QApplication::palette();
-    ASSERT_FALSE(WindowTheme::current().isDark);
+    ASSERT_FALSE(UtilityTheme::current().isDark);
     palette.apply({});
     EXPECT_EQ(QApplication::palette(), own);
     palette.apply({.scheme = ColorScheme::light});
     EXPECT_EQ(QApplication::palette(), own) << "the toolkit's own is light already";
     palette.apply({.scheme = ColorScheme::dark});
-    EXPECT_TRUE(WindowTheme::current().isDark);
+    EXPECT_TRUE(UtilityTheme::current().isDark);
     palette.apply({.scheme = ColorScheme::light});
     EXPECT_EQ(QApplication::palette(), own);
     palette.apply({.scheme = ColorScheme::dark});
@@ -206,10 +206,10 @@ TEST_F(DesktopPaletteTest, TakesTheAccent) {
     const QPalette own = QApplication::palette();
     palette.apply({.accent = RgbColor{0xE9, 0x54, 0x20}});
     EXPECT_EQ(Theme::fromPalette(QApplication::palette(), false).accent, QColor(0xE9, 0x54, 0x20));
-    EXPECT_FALSE(WindowTheme::current().isDark);
+    EXPECT_FALSE(UtilityTheme::current().isDark);
     palette.apply({.scheme = ColorScheme::dark, .accent = RgbColor{0x3D, 0xAE, 0xE9}});
     EXPECT_EQ(Theme::fromPalette(QApplication::palette(), false).accent, QColor(0x3D, 0xAE, 0xE9));
-    EXPECT_TRUE(WindowTheme::current().isDark);
+    EXPECT_TRUE(UtilityTheme::current().isDark);
     palette.apply({});
     EXPECT_EQ(QApplication::palette(), own);
 }
@@ -238,10 +238,10 @@ QPalette palette(bool isDark, const QColor& accent) {
 const std::vector<QColor> accents{QColor(0x2F, 0x6F, 0xED), QColor(0xE9, 0x54, 0x20), QColor(0xFF, 0xD7, 0x00),
                                   QColor(0x12, 0x12, 0x30), QColor(0x3D, 0xAE, 0xE9)};
 
-TEST(WindowThemeTest, EveryTextCanBeReadOnItsGround) {
+TEST(UtilityThemeTest, EveryTextCanBeReadOnItsGround) {
     for (const bool isDark : {false, true}) {
         for (const auto& accent : accents) {
-            const auto theme = WindowTheme::fromPalette(palette(isDark, accent));
+            const auto theme = UtilityTheme::fromPalette(palette(isDark, accent));
             const auto contrastOf = [&](const QColor& text, const QColor& ground) {
                 return contrast::ratio(contrast::blended(text, ground), ground);
             };
@@ -266,22 +266,22 @@ TEST(WindowThemeTest, EveryTextCanBeReadOnItsGround) {
     }
 }
 
-TEST(WindowThemeTest, LabelsFollowThePaletteWhileTheyAreShown) {
+TEST(UtilityThemeTest, LabelsFollowThePaletteWhileTheyAreShown) {
     const QPalette before = QApplication::palette();
     QApplication::setPalette(palette(false, accents.front()));
     TextLabel label(Phrase{"Updates", {}}, TextStyle::note, Tone::secondary);
     label.show();
     const QColor light = label.palette().color(QPalette::WindowText);
-    EXPECT_EQ(light, WindowTheme::fromPalette(palette(false, accents.front())).textSecondary);
+    EXPECT_EQ(light, UtilityTheme::fromPalette(palette(false, accents.front())).textSecondary);
     QApplication::setPalette(palette(true, accents.front()));
     QCoreApplication::processEvents();
     const QColor dark = label.palette().color(QPalette::WindowText);
-    EXPECT_EQ(dark, WindowTheme::fromPalette(palette(true, accents.front())).textSecondary);
+    EXPECT_EQ(dark, UtilityTheme::fromPalette(palette(true, accents.front())).textSecondary);
     EXPECT_NE(light, dark);
     QApplication::setPalette(before);
 }
 
-TEST(WindowThemeTest, WhatStandsInAWindowFollowsThePaletteWhileItIsShown) {
+TEST(UtilityThemeTest, WhatStandsInAWindowFollowsThePaletteWhileItIsShown) {
     const QPalette before = QApplication::palette();
     QApplication::setPalette(palette(false, accents.front()));
     QWidget window;
@@ -296,7 +296,7 @@ TEST(WindowThemeTest, WhatStandsInAWindowFollowsThePaletteWhileItIsShown) {
     for (const bool isDark : {true, false, true}) {
         QApplication::setPalette(palette(isDark, accents.front()));
         QCoreApplication::processEvents();
-        const auto theme = WindowTheme::fromPalette(palette(isDark, accents.front()));
+        const auto theme = UtilityTheme::fromPalette(palette(isDark, accents.front()));
         EXPECT_EQ(label->palette().color(QPalette::WindowText), theme.textPrimary) << isDark;
         EXPECT_EQ(box->view()->palette().color(QPalette::Base), theme.groupFill) << isDark;
         EXPECT_EQ(box->view()->palette().color(QPalette::Text), theme.textPrimary) << isDark;

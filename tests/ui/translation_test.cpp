@@ -54,7 +54,7 @@ std::vector<std::string> words(const QWidget& widget) {
 }
 
 TEST_F(TranslationTest, EveryTextOfEveryWindowCanBeTranslated) {
-    test::WindowsModel model(macTexts(), [](SimulatedDesktop& desktop) { desktop.setSecureInput(true); });
+    test::UtilityModel model(macTexts(), [](SimulatedDesktop& desktop) { desktop.setSecureInput(true); });
     model.pin({"org.example.mail"});
     SettingsView settings(model.platform, model.services);
     for (const auto pane : allSettingsPanes) {
@@ -72,7 +72,7 @@ TEST_F(TranslationTest, EveryTextOfEveryWindowCanBeTranslated) {
 }
 
 TEST_F(TranslationTest, WhatTheServicesSayCanBeTranslated) {
-    test::WindowsModel model(
+    test::UtilityModel model(
         linuxTexts(), [](SimulatedDesktop& desktop) { desktop.loginItem().current = LoginItem::Status::notFound; });
     SettingsView settings(model.platform, model.services);
     settings.select(SettingsPane::general);

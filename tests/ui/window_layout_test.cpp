@@ -88,7 +88,7 @@ protected:
     }
 
     WordyTranslator wordy;
-    test::WindowsModel model{linuxTexts(), [](SimulatedDesktop& desktop) {
+    test::UtilityModel model{linuxTexts(), [](SimulatedDesktop& desktop) {
                                  desktop.setTrusted(false);
                                  desktop.setSecureInput(true);
                                  desktop.loginItem().current = LoginItem::Status::requiresApproval;
@@ -168,20 +168,20 @@ TEST_F(WindowLayoutTest, InARightToLeftLanguageEverythingStandsTheOtherWayRound)
     SettingsView& view = openSettings();
     const auto& sidebar = *view.findChild<SettingsSidebar*>();
     EXPECT_EQ(sidebar.geometry().right(), view.rect().right());
-    EXPECT_EQ(view.grab().toImage().pixelColor(view.width() - 4, view.height() - 4), WindowTheme::current().sidebar);
-    EXPECT_EQ(view.grab().toImage().pixelColor(4, view.height() - 4), WindowTheme::current().ground);
+    EXPECT_EQ(view.grab().toImage().pixelColor(view.width() - 4, view.height() - 4), UtilityTheme::current().sidebar);
+    EXPECT_EQ(view.grab().toImage().pixelColor(4, view.height() - 4), UtilityTheme::current().ground);
 
     view.select(SettingsPane::favourites);
     QCoreApplication::processEvents();
     auto& row = *view.findChild<FavouriteRow*>();
     const QImage picture = row.grab().toImage();
     EXPECT_LT(row.removeButton().geometry().center().x(), 30);
-    EXPECT_NE(picture.pixelColor(row.width() - 26, row.height() / 2), WindowTheme::current().groupFill)
+    EXPECT_NE(picture.pixelColor(row.width() - 26, row.height() / 2), UtilityTheme::current().groupFill)
         << "the icon stands at the right";
 
     const QAbstractButton& first = *test::buttonNamed(form(view), "Show favourite apps first");
     const QImage control = const_cast<QAbstractButton&>(first).grab().toImage();
-    EXPECT_EQ(control.pixelColor(14 + 26, first.height() / 2), WindowTheme::current().accent)
+    EXPECT_EQ(control.pixelColor(14 + 26, first.height() / 2), UtilityTheme::current().accent)
         << "the switch stands at the left, its knob at the left end while it is on";
     const QImage words = control.copy(first.width() - 14 - 30, 0, 30, first.height());
     int inked = 0;

@@ -9,7 +9,7 @@
 #include "ui/menu/menu_row_views.h"
 #include "ui/windows/controls.h"
 #include "ui/windows/settings_form.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 // What the menu and the windows beside the panel paint.
 namespace ferrowyn {
@@ -36,7 +36,7 @@ std::vector<QRectF> hairlinesOf(QWidget& widget, double scale) {
     test::PaintRecord painted(widget.size(), scale);
     widget.render(&painted, {}, {}, QWidget::DrawChildren);
     std::vector<QRectF> rects;
-    for (const PaintedShape& shape : painted.filledWith(hairlineColor(WindowTheme::current().isDark))) {
+    for (const PaintedShape& shape : painted.filledWith(hairlineColor(UtilityTheme::current().isDark))) {
         rects.push_back(shape.rect);
     }
     return rects;

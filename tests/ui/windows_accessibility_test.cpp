@@ -115,7 +115,7 @@ TEST_F(WindowsAccessibilityTest, TheGeneralPaneIsRead) {
                     {Role::StaticText, "Updates"},
                     {Role::Grouping, "Updates"},
                     {Role::CheckBox, "Check for updates automatically"},
-                    {Role::StaticText, std::string(macWindowTexts().settings.automaticUpdatesNote)},
+                    {Role::StaticText, std::string(macUtilityTexts().settings.automaticUpdatesNote)},
                     {Role::StaticText, "Not checked yet."},
                     {Role::Button, "Check Now"},
                     {Role::StaticText, "Permissions"},
@@ -225,11 +225,11 @@ TEST_F(WindowsAccessibilityTest, NotesDescribeTheirControls) {
     };
     QWidget& pane = open(SettingsPane::windows);
     EXPECT_EQ(description(*test::buttonNamed(pane, "Windows on other Spaces")),
-              macWindowTexts().settings.otherSpacesNote);
+              macUtilityTexts().settings.otherSpacesNote);
     QAbstractButton& order = *test::buttonNamed(pane, "Show the active app's windows first");
-    EXPECT_EQ(description(order), macWindowTexts().settings.activeAppFirstOnNote);
+    EXPECT_EQ(description(order), macUtilityTexts().settings.activeAppFirstOnNote);
     order.click();
-    EXPECT_EQ(description(order), macWindowTexts().settings.activeAppFirstOffNote);
+    EXPECT_EQ(description(order), macUtilityTexts().settings.activeAppFirstOffNote);
 }
 
 TEST_F(WindowsAccessibilityTest, ChoicesHaveTheirRoles) {

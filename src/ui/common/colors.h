@@ -23,7 +23,7 @@ inline constexpr double readableRatio = 4.5;
 
 }  // namespace contrast
 
-/// The fine lines between the parts of the panel, the menu and the windows. Pure functions; any thread.
+/// The fine lines between the parts of the panel, the menu and the utility windows. Pure functions; any thread.
 namespace hairline {
 
 /// The width in points: half a point, but at least one device pixel. `scale` is device pixels per point.

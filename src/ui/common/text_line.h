@@ -35,7 +35,7 @@ enum class TextStyle {
     menuHeaderSubtitle,
     menuSectionTitle,
     button,
-    // Windows.
+    // Utility windows.
     paneTitle,
     sectionTitle,
     body,

@@ -17,7 +17,7 @@ namespace ferrowyn {
 
 /// Loads the translation for the locale from the first data folder that has one, as
 /// "ferrowyn/translations/ferrowyn_<language>.qm", and sets the direction of its language. Returns false when there is
-/// none; texts then stay as they were written. Main thread, before the first window is made.
+/// none; texts then stay as they were written. Main thread, before the first widget is made.
 bool installTranslations(QCoreApplication& application, const QLocale& locale);
 
 }  // namespace ferrowyn

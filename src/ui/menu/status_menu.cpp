@@ -129,7 +129,7 @@ public:
     void addLayouts() {
         menu.push_back({.kind = MenuRow::Kind::sectionTitle, .title = say(texts_.layoutSection), .isEnabled = false});
         for (const auto layout : allSwitcherLayouts) {
-            auto row = item(say(title(layout, table_.windows)), WindowPresentation::layoutSymbol(layout),
+            auto row = item(say(title(layout, table_.utility)), WindowPresentation::layoutSymbol(layout),
                             Action::selectLayout);
             row.representedValue = rawValue(layout);
             row.isChecked = layout == services_.preferences().layout.get();

@@ -16,7 +16,7 @@
 #include "ui/common/translation.h"
 #include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -30,16 +30,16 @@ std::string version(const BundleInfo& bundle) {
     return bundle.shortVersion.value_or("1.0");
 }
 
-Phrase versionLine(const BundleInfo& bundle, const WindowTexts& texts) {
+Phrase versionLine(const BundleInfo& bundle, const UtilityTexts& texts) {
     return {texts.about.version, {version(bundle)}};
 }
 
-Phrase copyrightLine(const BundleInfo& bundle, int year, const WindowTexts& texts) {
+Phrase copyrightLine(const BundleInfo& bundle, int year, const UtilityTexts& texts) {
     return bundle.copyright ? Phrase::verbatim(*bundle.copyright)
                             : Phrase{texts.about.copyright, {std::to_string(year)}};
 }
 
-Phrase accessibilitySummary(const BundleInfo& bundle, const WindowTexts& texts) {
+Phrase accessibilitySummary(const BundleInfo& bundle, const UtilityTexts& texts) {
     return {texts.about.summary, {productName(bundle), version(bundle)}};
 }
 
@@ -67,7 +67,7 @@ void ProductIcon::paintEvent(QPaintEvent* /*event*/) {
     QSvgRenderer(productIconFile()).render(&painter, rect());
 }
 
-QIcon windowIcon() {
+QIcon programIcon() {
     QSvgRenderer drawing(productIconFile());
     QIcon icon;
     for (const int side : {16, 24, 32, 48, 64, 128}) {
@@ -106,7 +106,7 @@ QWidget* makeSiteLink(const Platform& platform) {
     const auto homePage = platform.application.bundleInfo().homePage;
     if (!homePage) {
         auto* const text =
-            new TextLabel({platform.texts.windows.about.noHomePage, {}}, TextStyle::note, Tone::secondary);
+            new TextLabel({platform.texts.utility.about.noHomePage, {}}, TextStyle::note, Tone::secondary);
         text->setWordWrap(false);
         return text;
     }
@@ -117,7 +117,7 @@ QWidget* makeSiteLink(const Platform& platform) {
 }
 
 AboutContent::AboutContent(const Platform& platform, int iconSize) {
-    const WindowTexts& texts = platform.texts.windows;
+    const UtilityTexts& texts = platform.texts.utility;
     const BundleInfo bundle = platform.application.bundleInfo();
     const QString name = QString::fromStdString(about_lines::productName(bundle));
     auto* const column = new QVBoxLayout(this);
@@ -155,7 +155,7 @@ AboutView::AboutView(const Platform& platform, std::function<void()> onClose) {
     auto* const content = new AboutContent(platform, iconSize);
     column->addWidget(content);
     column->addSpacing(aboveButton);
-    auto* const close = makeButton({platform.texts.windows.about.close, {}});
+    auto* const close = makeButton({platform.texts.utility.about.close, {}});
     column->addWidget(close, 0, Qt::AlignHCenter);
     connect(close, &QAbstractButton::clicked, this, [told = std::move(onClose)] { told(); });
     setFixedWidth(windowWidth);
@@ -163,7 +163,7 @@ AboutView::AboutView(const Platform& platform, std::function<void()> onClose) {
 }
 
 void AboutView::paintEvent(QPaintEvent* /*event*/) {
-    QPainter(this).fillRect(rect(), WindowTheme::current().ground);
+    QPainter(this).fillRect(rect(), UtilityTheme::current().ground);
 }
 
 }  // namespace ferrowyn

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "core/texts.h"
-#include "core/window_texts.h"
+#include "core/utility_texts.h"
 #include "platform/application.h"
 
 namespace ferrowyn {
@@ -22,11 +22,11 @@ namespace about_lines {
 /// "1.0" where the installation gives no version.
 [[nodiscard]] std::string version(const BundleInfo& bundle);
 /// "Version 1.0".
-[[nodiscard]] Phrase versionLine(const BundleInfo& bundle, const WindowTexts& texts);
+[[nodiscard]] Phrase versionLine(const BundleInfo& bundle, const UtilityTexts& texts);
 /// What the installation says, else "© 2026 Ferrowyn" in the year 2026.
-[[nodiscard]] Phrase copyrightLine(const BundleInfo& bundle, int year, const WindowTexts& texts);
+[[nodiscard]] Phrase copyrightLine(const BundleInfo& bundle, int year, const UtilityTexts& texts);
 /// Name and version, for screen readers.
-[[nodiscard]] Phrase accessibilitySummary(const BundleInfo& bundle, const WindowTexts& texts);
+[[nodiscard]] Phrase accessibilitySummary(const BundleInfo& bundle, const UtilityTexts& texts);
 /// The address without the scheme and without slashes at its end.
 [[nodiscard]] std::string siteName(std::string_view address);
 
@@ -45,7 +45,7 @@ protected:
 };
 
 /// The program's icon in the sizes of task bars and window frames. Needs a QGuiApplication.
-[[nodiscard]] QIcon windowIcon();
+[[nodiscard]] QIcon programIcon();
 
 /// The link to the home page, or a text that says that there is none. The layout to which the caller adds it takes
 /// ownership.

@@ -18,7 +18,7 @@
 #include "ui/common/colors.h"
 #include "ui/common/text_line.h"
 #include "ui/windows/settings_form.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -43,7 +43,7 @@ TextStyle textStyleOf(const QWidget& control) {
 }
 
 /// The fill of a button with round corners. A chosen segment does not answer to the pointer: a click changes nothing.
-QColor fillOf(const QStyleOption& option, const WindowTheme& theme, bool isAccented) {
+QColor fillOf(const QStyleOption& option, const UtilityTheme& theme, bool isAccented) {
     if (has(option, QStyle::State_Sunken)) {
         return isAccented ? theme.accentPressed : theme.controlFillPressed;
     }
@@ -75,7 +75,7 @@ void drawSymbolButton(QPainter& painter, const QStyleOptionButton& option, const
     constexpr double symbolPoints = 13;
     constexpr double ringInset = 4;
     const double ringRadius = option.rect.width() / 2.0 - ringInset + 1;
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     const bool isStressed = has(option, QStyle::State_MouseOver) || has(option, QStyle::State_Sunken);
     const QPointF middle = QRectF(option.rect).center();
     symbols.paint(painter, symbol, middle.x(), middle.y(), symbolPoints,
@@ -84,7 +84,7 @@ void drawSymbolButton(QPainter& painter, const QStyleOptionButton& option, const
 }
 
 void drawLink(QPainter& painter, const QStyleOptionButton& option) {
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     const bool showsFocus = has(option, QStyle::State_HasFocus) && has(option, QStyle::State_KeyboardFocusChange);
     QFont font = painter.font();
     font.setUnderline(has(option, QStyle::State_MouseOver) || showsFocus);
@@ -94,7 +94,7 @@ void drawLink(QPainter& painter, const QStyleOptionButton& option) {
 }
 
 void drawBoxedButton(QPainter& painter, const QStyleOptionButton& option, bool isPrimary) {
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     const QColor fill = fillOf(option, theme, isPrimary);
     control_painting::paintBox(painter, option.rect, boxRadius, fill, isPrimary ? fill : theme.controlEdge);
     // On the accent colour only white is visible.
@@ -125,7 +125,7 @@ void drawSegment(QPainter& painter, const QStyleOptionButton& option, const std:
     constexpr double symbolPoints = 17;
     constexpr double symbolCentre = 21;
     constexpr int titleTop = 33;
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     const bool isChecked = has(option, QStyle::State_On);
     const QColor fill = fillOf(option, theme, isChecked);
     control_painting::paintBox(painter, option.rect, radius, fill, isChecked ? fill : theme.controlEdge);
@@ -158,7 +158,7 @@ QRect switchTextRect(const QStyleOption& option) {
 
 void drawSwitchRow(QPainter& painter, const QStyleOptionButton& option) {
     constexpr double knobInset = 2;
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     painter.setPen(theme.textPrimary);
     const Qt::Alignment leading = QStyle::visualAlignment(option.direction, Qt::AlignLeft);
     painter.drawText(switchTextRect(option),
@@ -193,7 +193,7 @@ void drawComboBox(QPainter& painter, const QStyleOption& option) {
     constexpr double halfWidth = 3;
     constexpr double tip = 5.5;
     constexpr double foot = 2.5;
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     control_painting::paintBox(painter, option.rect, boxRadius,
                                has(option, QStyle::State_MouseOver) ? theme.controlFillHovered : theme.controlFill,
                                theme.controlEdge);
@@ -212,7 +212,7 @@ void drawComboBoxText(QPainter& painter, const QStyleOptionComboBox& option, con
     constexpr int towardsArrows = 6;
     const QRect text = option.rect.adjusted(comboPadding, 0, towardsArrows - comboPadding - arrowsWidth, 0);
     control_painting::paintText(painter, widget, QStyle::visualRect(option.direction, option.rect, text),
-                                option.currentText, painter.font(), WindowTheme::current().textPrimary);
+                                option.currentText, painter.font(), UtilityTheme::current().textPrimary);
 }
 
 // Spin boxes
@@ -240,7 +240,7 @@ void drawStep(QPainter& painter, const QStyleOptionSpinBox& option, QStyle::SubC
     constexpr double strokeWidth = 1.6;
     constexpr double impossibleOpacity = 0.35;
     constexpr int inset = 3;
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     const bool isUp = part == QStyle::SC_SpinBoxUp;
     const QRect button = spinBoxRect(option.rect, part);
     const bool isPossible =
@@ -262,7 +262,7 @@ void drawStep(QPainter& painter, const QStyleOptionSpinBox& option, QStyle::SubC
 }
 
 void drawSpinBox(QPainter& painter, const QStyleOptionSpinBox& option, const QSpinBox& box) {
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     control_painting::paintBox(painter, option.rect, boxRadius, theme.controlFill, theme.controlEdge);
     drawStep(painter, option, QStyle::SC_SpinBoxDown);
     drawStep(painter, option, QStyle::SC_SpinBoxUp);
@@ -323,7 +323,7 @@ QRect scrollBarRect(const QStyleOptionSlider& option, QStyle::SubControl part) {
 void drawScrollBar(QPainter& painter, const QStyleOptionSlider& option) {
     const bool isStressed =
         has(option, QStyle::State_MouseOver) || option.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider);
-    QColor color = WindowTheme::current().textSecondary;
+    QColor color = UtilityTheme::current().textSecondary;
     color.setAlphaF(isStressed ? 0.75F : 0.45F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
@@ -393,7 +393,7 @@ void ControlStyle::drawControl(ControlElement element, const QStyleOption* optio
     const auto* const box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
     const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(option);
     if (element == CE_ShapedFrame) {
-        const WindowTheme theme = WindowTheme::current();
+        const UtilityTheme theme = UtilityTheme::current();
         control_painting::paintBox(*painter, option->rect, capRadius, theme.keyCapFill, theme.keyCapEdge);
     } else if (element == CE_ComboBoxLabel) {
         drawComboBoxText(*painter, *box, *widget);

@@ -11,9 +11,9 @@ class QPushButton;
 
 namespace ferrowyn {
 
-/// Draws the toolkit's own controls in the windows: push buttons, radio buttons as segments, check boxes as rows with a
-/// switch, combo boxes, spin boxes, scroll bars and the frames of key caps. The sizes do not depend on the desktop's
-/// style, the colours are those of `WindowTheme`. Main thread.
+/// Draws the toolkit's own controls in the utility windows: push buttons, radio buttons as segments, check boxes as
+/// rows with a switch, combo boxes, spin boxes, scroll bars and the frames of key caps. The sizes do not depend on the
+/// desktop's style, the colours are those of `UtilityTheme`. Main thread.
 class ControlStyle final : public QProxyStyle {
     Q_OBJECT
 

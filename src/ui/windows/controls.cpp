@@ -11,7 +11,7 @@
 #include "ui/common/translation.h"
 #include "ui/windows/control_style.h"
 #include "ui/windows/settings_form.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -185,7 +185,7 @@ ChoiceBox::ChoiceBox() {
 }
 
 void ChoiceBox::adopt() {
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     QPalette own;
     own.setColor(QPalette::Base, theme.groupFill);
     own.setColor(QPalette::Window, theme.groupFill);

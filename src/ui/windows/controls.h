@@ -11,8 +11,8 @@
 
 namespace ferrowyn {
 
-// The controls of the windows, all drawn by `ControlStyle`. The layout to which the caller adds one takes ownership.
-// Main thread.
+// The controls of the utility windows, all drawn by `ControlStyle`. The layout to which the caller adds one takes
+// ownership. Main thread.
 
 [[nodiscard]] QPushButton* makeButton(const Phrase& text);
 /// What the user most likely wants.

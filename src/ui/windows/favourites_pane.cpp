@@ -22,7 +22,7 @@
 #include "ui/common/translation.h"
 #include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -37,7 +37,7 @@ constexpr int buttonOverhang = 5;
 
 }  // namespace
 
-FavouriteRow::FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts)
+FavouriteRow::FavouriteRow(const std::string& name, IconLoader loadIcon, const UtilityTexts& texts)
     : name_(display_text::singleLine(name)), loadIcon_(std::move(loadIcon)) {
     remove_ = makeSymbolButton(translated(settings_lines::removeHelp(name_.toStdString(), texts)), "minus.circle.fill");
     auto* const line = new QHBoxLayout(this);
@@ -77,7 +77,7 @@ void FavouriteRow::resizeEvent(QResizeEvent* event) {
 void FavouriteRow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     const double scale = painter.deviceTransform().m11();
     if (loadIcon_) {
         icon_ = std::exchange(loadIcon_, nullptr)();
@@ -92,7 +92,7 @@ void FavouriteRow::paintEvent(QPaintEvent* /*event*/) {
 }
 
 FavouritesPane::FavouritesPane(const Platform& platform, const SettingsServices& services)
-    : SettingsPaneView({platform.texts.windows.settings.favouritesTitle, {}}),
+    : SettingsPaneView({platform.texts.utility.settings.favouritesTitle, {}}),
       platform_(platform),
       services_(services) {
     addOrdering();
@@ -101,7 +101,7 @@ FavouritesPane::FavouritesPane(const Platform& platform, const SettingsServices&
 
 void FavouritesPane::addOrdering() {
     SettingsGroup& group = addGroup();
-    auto* const first = new SwitchRow({platform_.texts.windows.settings.favouritesFirst, {}});
+    auto* const first = new SwitchRow({platform_.texts.utility.settings.favouritesFirst, {}});
     group.addRow(first);
     auto* const note = new TextLabel(TextStyle::note, Tone::secondary);
     group.addNote(note);
@@ -114,7 +114,7 @@ void FavouritesPane::addOrdering() {
 }
 
 void FavouritesPane::addPinnedApps() {
-    const WindowTexts::Settings& words = platform_.texts.windows.settings;
+    const UtilityTexts::Settings& words = platform_.texts.utility.settings;
     pinned_ = &addGroup({words.pinnedSection, {}});
     nothingPinned_ = pinned_->addInsetRow(new TextLabel({words.nothingPinned, {}}, TextStyle::body, Tone::secondary));
     removeAll_ = makeButton({words.removeAll, {}});
@@ -136,7 +136,7 @@ void FavouritesPane::showFavourites(const std::vector<std::string>& identifiers)
     for (const auto& identifier : identifiers) {
         const std::string name = services_.favourites.displayName(identifier);
         auto* const row = new FavouriteRow(
-            name, [this, identifier, name] { return icon(identifier, name); }, platform_.texts.windows);
+            name, [this, identifier, name] { return icon(identifier, name); }, platform_.texts.utility);
         connect(&row->removeButton(), &QAbstractButton::clicked, this,
                 [this, identifier] { services_.favourites.remove(identifier); });
         pinned_->addRow(row);

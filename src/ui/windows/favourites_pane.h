@@ -14,7 +14,7 @@
 
 namespace ferrowyn {
 
-struct WindowTexts;
+struct UtilityTexts;
 class IconImage;
 
 /// A pinned application: its icon, name and star, and a button that removes it. Main thread.
@@ -25,7 +25,7 @@ public:
     /// Called once, when the row is first painted, because loading may be slow.
     using IconLoader = std::function<std::shared_ptr<const IconImage>()>;
 
-    FavouriteRow(const std::string& name, IconLoader loadIcon, const WindowTexts& texts);
+    FavouriteRow(const std::string& name, IconLoader loadIcon, const UtilityTexts& texts);
 
     [[nodiscard]] QPushButton& removeButton() { return *remove_; }
     [[nodiscard]] QSize sizeHint() const override;

@@ -6,7 +6,7 @@
 
 #include "ui/common/translation.h"
 #include "ui/windows/control_style.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -78,7 +78,7 @@ bool TextLabel::event(QEvent* event) {
 void TextLabel::adopt() {
     setFont(fontFor(style_));
     QPalette own;
-    own.setColor(QPalette::WindowText, WindowTheme::current().color(tone_));
+    own.setColor(QPalette::WindowText, UtilityTheme::current().color(tone_));
     setPalette(own);
 }
 
@@ -96,7 +96,7 @@ void TextLabel::paintEvent(QPaintEvent* event) {
     const double side = SymbolImages::boxSide(symbolPoints_);
     const QRectF place = control_painting::mirrored(*this, QRectF(0, middle - side / 2, side, side));
     symbols_.paint(painter, symbol_, place.center().x(), place.center().y(), symbolPoints_,
-                   WindowTheme::current().color(symbolTone_));
+                   UtilityTheme::current().color(symbolTone_));
 }
 
 }  // namespace ferrowyn

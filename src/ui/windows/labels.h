@@ -7,12 +7,12 @@
 #include "core/texts.h"
 #include "ui/common/images.h"
 #include "ui/common/text_line.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
-/// A text of the windows. It wraps into as many lines as it needs and may have a symbol before it. It follows the
-/// desktop's colours and fonts. Main thread.
+/// A text of the utility windows. It wraps into as many lines as it needs and may have a symbol before it. It follows
+/// the desktop's colours and fonts. Main thread.
 class TextLabel final : public QLabel {
     Q_OBJECT
 

@@ -24,7 +24,7 @@
 #include "ui/windows/labels.h"
 #include "ui/windows/settings_form.h"
 #include "ui/windows/settings_model.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -38,8 +38,8 @@ public:
                   std::function<std::string()> makeReport);
 
 private:
-    void addExplanation(SettingsGroup& group, std::string_view titleText, const WindowTexts& texts, QWidget* buttons);
-    void addTroubleshooting(SettingsGroup& group, const WindowTexts& texts);
+    void addExplanation(SettingsGroup& group, std::string_view titleText, const UtilityTexts& texts, QWidget* buttons);
+    void addTroubleshooting(SettingsGroup& group, const UtilityTexts& texts);
     [[nodiscard]] QWidget* makeButtons(const Platform& platform, AccessibilityAuthorizer& authorizer,
                                        std::function<std::string()> makeReport);
 };
@@ -69,7 +69,7 @@ void copyReport(const Platform& platform, QAbstractButton& button, const std::fu
         });
 }
 
-QWidget* makeSteps(const WindowTexts::Onboarding& words) {
+QWidget* makeSteps(const UtilityTexts::Onboarding& words) {
     auto* const steps = new QWidget;
     auto* const grid = new QGridLayout(steps);
     grid->setContentsMargins(0, 0, 0, 0);
@@ -95,15 +95,15 @@ RequiredState::RequiredState(const Platform& platform, AccessibilityAuthorizer& 
     column->setContentsMargins(0, 0, 0, 0);
     auto* const group = new SettingsGroup;
     column->addWidget(group);
-    const WindowTexts& texts = platform.texts.windows;
+    const UtilityTexts& texts = platform.texts.utility;
     const auto title = authorizer.canBecomeTrusted() ? texts.onboarding.requiredTitle : texts.serverUnusable;
     addExplanation(*group, title, texts, makeButtons(platform, authorizer, std::move(makeReport)));
     addTroubleshooting(*group, texts);
 }
 
-void RequiredState::addExplanation(SettingsGroup& group, std::string_view titleText, const WindowTexts& texts,
+void RequiredState::addExplanation(SettingsGroup& group, std::string_view titleText, const UtilityTexts& texts,
                                    QWidget* buttons) {
-    const WindowTexts::Onboarding& words = texts.onboarding;
+    const UtilityTexts::Onboarding& words = texts.onboarding;
     auto* const block = new QWidget;
     auto* const column = new QVBoxLayout(block);
     column->setContentsMargins(0, 0, 0, 0);
@@ -118,7 +118,7 @@ void RequiredState::addExplanation(SettingsGroup& group, std::string_view titleT
     group.addInsetRow(block);
 }
 
-void RequiredState::addTroubleshooting(SettingsGroup& group, const WindowTexts& texts) {
+void RequiredState::addTroubleshooting(SettingsGroup& group, const UtilityTexts& texts) {
     auto* const block = new QWidget;
     auto* const column = new QVBoxLayout(block);
     column->setContentsMargins(0, 0, 0, 0);
@@ -132,7 +132,7 @@ void RequiredState::addTroubleshooting(SettingsGroup& group, const WindowTexts& 
 
 QWidget* RequiredState::makeButtons(const Platform& platform, AccessibilityAuthorizer& authorizer,
                                     std::function<std::string()> makeReport) {
-    const WindowTexts::Onboarding& words = platform.texts.windows.onboarding;
+    const UtilityTexts::Onboarding& words = platform.texts.utility.onboarding;
     auto* const buttons = new QWidget;
     auto* const line = new FlowLayout(betweenButtons);
     buttons->setLayout(line);
@@ -172,7 +172,7 @@ constexpr int betweenColumns = 14;
 constexpr int aboveButton = 16;
 
 GrantedState::GrantedState(const TextTable& texts, const Preferences& preferences, std::function<void()> onDone) {
-    const WindowTexts::Onboarding& words = texts.windows.onboarding;
+    const UtilityTexts::Onboarding& words = texts.utility.onboarding;
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -233,7 +233,7 @@ constexpr int belowTagline = 2;
 constexpr int aboveState = 20;
 constexpr int aboveFooter = 18;
 
-QWidget* makeHeader(const BundleInfo& bundle, const WindowTexts& texts) {
+QWidget* makeHeader(const BundleInfo& bundle, const UtilityTexts& texts) {
     const std::string name = about_lines::productName(bundle);
     auto* const header = new QWidget;
     auto* const column = new QVBoxLayout(header);
@@ -258,7 +258,7 @@ OnboardingView::OnboardingView(const Platform& platform, AccessibilityAuthorizer
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(margins);
     column->setSpacing(0);
-    column->addWidget(makeHeader(platform.application.bundleInfo(), platform.texts.windows));
+    column->addWidget(makeHeader(platform.application.bundleInfo(), platform.texts.utility));
     column->addSpacing(aboveState);
     auto* const granted = new GrantedState(platform.texts, preferences, [this] { onDone_(); });
     auto* const required = new RequiredState(platform, authorizer, std::move(makeReport));
@@ -281,7 +281,7 @@ QWidget* OnboardingView::makeFooter(const Platform& platform) {
     auto* const footer = new QWidget;
     auto* const line = new QHBoxLayout(footer);
     line->setContentsMargins(0, 0, 0, 0);
-    auto* const close = makeButton({platform.texts.windows.onboarding.close, {}});
+    auto* const close = makeButton({platform.texts.utility.onboarding.close, {}});
     line->addWidget(makeSiteLink(platform));
     line->addStretch();
     line->addWidget(close);
@@ -290,7 +290,7 @@ QWidget* OnboardingView::makeFooter(const Platform& platform) {
 }
 
 void OnboardingView::paintEvent(QPaintEvent* /*event*/) {
-    QPainter(this).fillRect(rect(), WindowTheme::current().ground);
+    QPainter(this).fillRect(rect(), UtilityTheme::current().ground);
 }
 
 }  // namespace ferrowyn

@@ -49,7 +49,7 @@ QSize FittingScrollArea::contentSize() const {
 
 QSize FittingScrollArea::sizeHint() const {
     const QSize needed = contentSize();
-    const int room = screen()->availableGeometry().height() - window_metrics::titleBarHeight;
+    const int room = screen()->availableGeometry().height() - titleBarHeight;
     if (needed.height() <= room) {
         return needed;
     }

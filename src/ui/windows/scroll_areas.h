@@ -5,13 +5,6 @@
 
 namespace ferrowyn {
 
-namespace window_metrics {
-
-/// An estimate of the height of a window's frame in points. It is known only when the window is on the screen.
-inline constexpr int titleBarHeight = 32;
-
-}  // namespace window_metrics
-
 /// A vertical scroll area without a frame or a background. It asks for a new size when its content does. Main thread.
 class PlainScrollArea : public QScrollArea {
     Q_OBJECT
@@ -31,6 +24,10 @@ class FittingScrollArea final : public PlainScrollArea {
     Q_OBJECT
 
 public:
+    /// An estimate of the height of a utility window's frame in points. It is known only when the window is on the
+    /// screen.
+    static constexpr int titleBarHeight = 32;
+
     explicit FittingScrollArea(std::unique_ptr<QWidget> content);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -12,7 +12,7 @@
 #include "ui/common/colors.h"
 #include "ui/common/translation.h"
 #include "ui/windows/labels.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -83,7 +83,7 @@ void SettingsGroup::removeRow(QWidget* row) {
 void SettingsGroup::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     control_painting::paintBox(painter, rect(), cornerRadius, theme.groupFill, theme.groupEdge);
     const double lineWidth = hairline::width(painter.deviceTransform().m11());
     bool isFirst = true;

@@ -15,7 +15,7 @@ namespace ferrowyn {
 
 class TextLabel;
 
-/// Distances inside the grouped boxes of the windows, in points.
+/// Distances inside the grouped boxes of the utility windows, in points.
 namespace group_metrics {
 
 /// From the box's edge to its content.

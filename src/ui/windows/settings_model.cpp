@@ -13,7 +13,7 @@ constexpr std::string_view attentionSymbol = "exclamationmark.triangle.fill";
 
 }  // namespace
 
-std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts) {
+std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const UtilityTexts& texts) {
     using Tint = StatusLine::Tint;
     if (std::holds_alternative<UpdateChecker::Checking>(state)) {
         return std::nullopt;
@@ -32,11 +32,11 @@ std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const 
     return StatusLine{"", Tint::none, {texts.settings.notChecked, {}}};
 }
 
-StatusLine noUpdateServer(const WindowTexts& texts) {
+StatusLine noUpdateServer(const UtilityTexts& texts) {
     return {"", StatusLine::Tint::none, {texts.settings.noUpdateServer, {}}};
 }
 
-StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const WindowTexts& texts) {
+StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const UtilityTexts& texts) {
     if (status == AccessibilityStatus::trusted) {
         return {goodSymbol, StatusLine::Tint::good, {texts.settings.permissionGranted, {}}};
     }
@@ -44,7 +44,7 @@ StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, c
     return {attentionSymbol, StatusLine::Tint::attention, {text, {}}};
 }
 
-StatusLine secureInputStatus(const WindowTexts& texts) {
+StatusLine secureInputStatus(const UtilityTexts& texts) {
     return {"keyboard.badge.ellipsis", StatusLine::Tint::attention, {texts.settings.secureInput, {}}};
 }
 
@@ -52,7 +52,7 @@ StatusLine loginItemMessage(std::string_view message) {
     return {attentionSymbol, StatusLine::Tint::attention, {message, {}}};
 }
 
-std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts) {
+std::string_view modifierName(SwitcherModifier modifier, const UtilityTexts& texts) {
     switch (modifier) {
         case SwitcherModifier::option:
             return texts.settings.optionName;
@@ -64,7 +64,7 @@ std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& text
     return texts.settings.optionName;
 }
 
-Phrase summonChoice(SwitcherModifier modifier, const WindowTexts& texts) {
+Phrase summonChoice(SwitcherModifier modifier, const UtilityTexts& texts) {
     return {texts.settings.summonChoice, {std::string(modifierName(modifier, texts))}};
 }
 
@@ -72,7 +72,7 @@ bool showsReplacementNote(SwitcherModifier modifier) {
     return modifier == SwitcherModifier::command;
 }
 
-std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts) {
+std::string_view layoutDescription(SwitcherLayout layout, const UtilityTexts& texts) {
     switch (layout) {
         case SwitcherLayout::list:
             return texts.settings.listDescription;
@@ -84,19 +84,19 @@ std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& tex
     return texts.settings.listDescription;
 }
 
-Phrase maximumRows(int rows, const WindowTexts& texts) {
+Phrase maximumRows(int rows, const UtilityTexts& texts) {
     return {texts.settings.maximumRows, {std::to_string(rows)}};
 }
 
-std::string_view activeAppFirstNote(bool isOn, const WindowTexts& texts) {
+std::string_view activeAppFirstNote(bool isOn, const UtilityTexts& texts) {
     return isOn ? texts.settings.activeAppFirstOnNote : texts.settings.activeAppFirstOffNote;
 }
 
 Phrase favouritesFirstNote(SwitcherModifier trigger, const TextTable& texts) {
-    return {texts.windows.settings.favouritesFirstNote, {key_lines::commandKeys(trigger, "D", texts)}};
+    return {texts.utility.settings.favouritesFirstNote, {key_lines::commandKeys(trigger, "D", texts)}};
 }
 
-Phrase removeHelp(std::string applicationName, const WindowTexts& texts) {
+Phrase removeHelp(std::string applicationName, const UtilityTexts& texts) {
     return {texts.settings.removeHelp, {std::move(applicationName)}};
 }
 
@@ -123,7 +123,7 @@ std::string triggerKeys(SwitcherModifier trigger, const TextTable& texts) {
 }
 
 std::vector<KeyLine> whileOpen(SwitcherModifier trigger, const TextTable& texts) {
-    const WindowTexts::Settings& words = texts.windows.settings;
+    const UtilityTexts::Settings& words = texts.utility.settings;
     return {
         {commandKeys(trigger, "L", texts), words.keyCycle},      {commandKeys(trigger, "D", texts), words.keyPin},
         {commandKeys(trigger, rowDigits, texts), words.keyJump}, {"↑ ↓", words.keyMove},
@@ -132,9 +132,9 @@ std::vector<KeyLine> whileOpen(SwitcherModifier trigger, const TextTable& texts)
 }
 
 std::vector<KeyLine> forSetup(SwitcherModifier trigger, const TextTable& texts) {
-    const WindowTexts::Onboarding& words = texts.windows.onboarding;
+    const UtilityTexts::Onboarding& words = texts.utility.onboarding;
     const std::string_view modifier = texts.modifierKey(trigger);
-    const std::string shifted = combination(texts.windows.shiftKey, texts.tabKey, texts);
+    const std::string shifted = combination(texts.utility.shiftKey, texts.tabKey, texts);
     return {
         {triggerKeys(trigger, texts), words.keyOpen},
         {combination(modifier, shifted, texts), words.keyPrevious},

@@ -44,28 +44,28 @@ struct StatusLine {
 };
 
 /// Absent while a check runs.
-[[nodiscard]] std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const WindowTexts& texts);
+[[nodiscard]] std::optional<StatusLine> updateStatus(const UpdateChecker::State& state, const UtilityTexts& texts);
 /// In place of `updateStatus` where there is no server to ask.
-[[nodiscard]] StatusLine noUpdateServer(const WindowTexts& texts);
-[[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const WindowTexts& texts);
-[[nodiscard]] StatusLine secureInputStatus(const WindowTexts& texts);
+[[nodiscard]] StatusLine noUpdateServer(const UtilityTexts& texts);
+[[nodiscard]] StatusLine permissionStatus(AccessibilityStatus status, bool canBecomeTrusted, const UtilityTexts& texts);
+[[nodiscard]] StatusLine secureInputStatus(const UtilityTexts& texts);
 /// The line refers to the message, which outlives it. The message is translated like any other text.
 [[nodiscard]] StatusLine loginItemMessage(std::string_view message);
 
-[[nodiscard]] std::string_view modifierName(SwitcherModifier modifier, const WindowTexts& texts);
+[[nodiscard]] std::string_view modifierName(SwitcherModifier modifier, const UtilityTexts& texts);
 /// The modifier's name followed by " + Tab".
-[[nodiscard]] Phrase summonChoice(SwitcherModifier modifier, const WindowTexts& texts);
+[[nodiscard]] Phrase summonChoice(SwitcherModifier modifier, const UtilityTexts& texts);
 /// True for command, which takes keys that the system uses itself.
 [[nodiscard]] bool showsReplacementNote(SwitcherModifier modifier);
 
-[[nodiscard]] std::string_view layoutDescription(SwitcherLayout layout, const WindowTexts& texts);
+[[nodiscard]] std::string_view layoutDescription(SwitcherLayout layout, const UtilityTexts& texts);
 /// "Show up to 9 rows before scrolling".
-[[nodiscard]] Phrase maximumRows(int rows, const WindowTexts& texts);
+[[nodiscard]] Phrase maximumRows(int rows, const UtilityTexts& texts);
 
-[[nodiscard]] std::string_view activeAppFirstNote(bool isOn, const WindowTexts& texts);
+[[nodiscard]] std::string_view activeAppFirstNote(bool isOn, const UtilityTexts& texts);
 /// Names the keys that pin an application.
 [[nodiscard]] Phrase favouritesFirstNote(SwitcherModifier trigger, const TextTable& texts);
-[[nodiscard]] Phrase removeHelp(std::string applicationName, const WindowTexts& texts);
+[[nodiscard]] Phrase removeHelp(std::string applicationName, const UtilityTexts& texts);
 
 }  // namespace settings_lines
 

@@ -44,14 +44,14 @@ void showStatus(TextLabel& label, const settings_lines::StatusLine& line) {
 
 }  // namespace
 
-GeneralPane::GeneralPane(const WindowTexts& texts, const SettingsServices& services)
+GeneralPane::GeneralPane(const UtilityTexts& texts, const SettingsServices& services)
     : SettingsPaneView({texts.settings.generalTitle, {}}) {
     addLaunchAtLogin(texts, services.launchAtLogin);
     addUpdates(texts, services);
     addPermissions(texts, services.authorizer);
 }
 
-void GeneralPane::addLaunchAtLogin(const WindowTexts& texts, LaunchAtLoginService& service) {
+void GeneralPane::addLaunchAtLogin(const UtilityTexts& texts, LaunchAtLoginService& service) {
     SettingsGroup& group = addGroup();
     auto* const launch = new SwitchRow({texts.settings.launchAtLogin, {}});
     group.addRow(launch);
@@ -79,7 +79,7 @@ void GeneralPane::addLaunchAtLogin(const WindowTexts& texts, LaunchAtLoginServic
     keep(service.lastError().subscribe([follow](const auto&) { follow(); }));
 }
 
-void GeneralPane::addUpdates(const WindowTexts& texts, const SettingsServices& services) {
+void GeneralPane::addUpdates(const UtilityTexts& texts, const SettingsServices& services) {
     SettingsGroup& group = addGroup({texts.settings.updatesSection, {}});
     auto* const automatic = new SwitchRow({texts.settings.automaticUpdates, {}});
     group.addRow(automatic);
@@ -114,7 +114,7 @@ void GeneralPane::addUpdates(const WindowTexts& texts, const SettingsServices& s
     }));
 }
 
-void GeneralPane::addPermissions(const WindowTexts& texts, AccessibilityAuthorizer& authorizer) {
+void GeneralPane::addPermissions(const UtilityTexts& texts, AccessibilityAuthorizer& authorizer) {
     SettingsGroup& group = addGroup({texts.settings.permissionsSection, {}});
     auto* const status = new TextLabel(TextStyle::body);
     auto* const open = makeButton({texts.settings.openSettings, {}});
@@ -132,13 +132,13 @@ void GeneralPane::addPermissions(const WindowTexts& texts, AccessibilityAuthoriz
 }
 
 ShortcutPane::ShortcutPane(const TextTable& texts, Preferences& preferences)
-    : SettingsPaneView({texts.windows.settings.shortcutTitle, {}}) {
+    : SettingsPaneView({texts.utility.settings.shortcutTitle, {}}) {
     addTrigger(texts, preferences);
     addKeys(texts, preferences);
 }
 
 void ShortcutPane::addTrigger(const TextTable& texts, Preferences& preferences) {
-    const WindowTexts& words = texts.windows;
+    const UtilityTexts& words = texts.utility;
     SettingsGroup& group = addGroup();
     auto* const label = new TextLabel({words.settings.summonWith, {}}, TextStyle::body);
     auto* const choice = new ChoiceBox;
@@ -172,7 +172,7 @@ void ShortcutPane::addTrigger(const TextTable& texts, Preferences& preferences) 
 }
 
 void ShortcutPane::addKeys(const TextTable& texts, Preferences& preferences) {
-    SettingsGroup& group = addGroup({texts.windows.settings.keysSection, {}});
+    SettingsGroup& group = addGroup({texts.utility.settings.keysSection, {}});
     std::vector<TextLabel*> caps;
     for (const auto& line : key_lines::whileOpen(preferences.modifier.get(), texts)) {
         caps.push_back(TextLabel::keyCap());
@@ -186,13 +186,13 @@ void ShortcutPane::addKeys(const TextTable& texts, Preferences& preferences) {
     }));
 }
 
-AppearancePane::AppearancePane(const WindowTexts& texts, Preferences& preferences)
+AppearancePane::AppearancePane(const UtilityTexts& texts, Preferences& preferences)
     : SettingsPaneView({texts.settings.appearanceTitle, {}}) {
     addLayouts(texts, preferences);
     addRows(texts, preferences);
 }
 
-void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferences) {
+void AppearancePane::addLayouts(const UtilityTexts& texts, Preferences& preferences) {
     constexpr int betweenButtons = 8;
     SettingsGroup& group = addGroup({texts.settings.layoutSection, {}});
     auto* const choices = new QWidget;
@@ -225,7 +225,7 @@ void AppearancePane::addLayouts(const WindowTexts& texts, Preferences& preferenc
     }));
 }
 
-void AppearancePane::addRows(const WindowTexts& texts, Preferences& preferences) {
+void AppearancePane::addRows(const UtilityTexts& texts, Preferences& preferences) {
     SettingsGroup& group = addGroup();
     auto* const label = new TextLabel(TextStyle::body);
     auto* const stepper = makeStepper(Preferences::fewestVisibleRows, Preferences::mostVisibleRows);
@@ -247,7 +247,7 @@ void AppearancePane::addRows(const WindowTexts& texts, Preferences& preferences)
     keep(bindSwitch(*hints, preferences.showShortcutHints));
 }
 
-WindowsPane::WindowsPane(const WindowTexts& texts, Preferences& preferences)
+WindowsPane::WindowsPane(const UtilityTexts& texts, Preferences& preferences)
     : SettingsPaneView({texts.settings.windowsTitle, {}}) {
     SettingsGroup& ordering = addGroup({texts.settings.orderingSection, {}});
     auto* const activeFirst = new SwitchRow({texts.settings.activeAppFirst, {}});
@@ -272,7 +272,7 @@ WindowsPane::WindowsPane(const WindowTexts& texts, Preferences& preferences)
     keep(bindSwitch(*otherSpaces, preferences.includeOtherSpaces));
 }
 
-AboutPane::AboutPane(const Platform& platform) : SettingsPaneView({platform.texts.windows.settings.aboutTitle, {}}) {
+AboutPane::AboutPane(const Platform& platform) : SettingsPaneView({platform.texts.utility.settings.aboutTitle, {}}) {
     constexpr int iconSize = 96;
     addWidget(new AboutContent(platform, iconSize));
 }

@@ -10,7 +10,7 @@ namespace ferrowyn {
 
 struct Platform;
 struct TextTable;
-struct WindowTexts;
+struct UtilityTexts;
 class Preferences;
 
 /// Launch at login, updates, permissions. Main thread.
@@ -18,12 +18,12 @@ class GeneralPane final : public SettingsPaneView {
     Q_OBJECT
 
 public:
-    GeneralPane(const WindowTexts& texts, const SettingsServices& services);
+    GeneralPane(const UtilityTexts& texts, const SettingsServices& services);
 
 private:
-    void addLaunchAtLogin(const WindowTexts& texts, LaunchAtLoginService& service);
-    void addUpdates(const WindowTexts& texts, const SettingsServices& services);
-    void addPermissions(const WindowTexts& texts, AccessibilityAuthorizer& authorizer);
+    void addLaunchAtLogin(const UtilityTexts& texts, LaunchAtLoginService& service);
+    void addUpdates(const UtilityTexts& texts, const SettingsServices& services);
+    void addPermissions(const UtilityTexts& texts, AccessibilityAuthorizer& authorizer);
 };
 
 /// What opens the switcher, and which keys work in it. Main thread.
@@ -43,11 +43,11 @@ class AppearancePane final : public SettingsPaneView {
     Q_OBJECT
 
 public:
-    AppearancePane(const WindowTexts& texts, Preferences& preferences);
+    AppearancePane(const UtilityTexts& texts, Preferences& preferences);
 
 private:
-    void addLayouts(const WindowTexts& texts, Preferences& preferences);
-    void addRows(const WindowTexts& texts, Preferences& preferences);
+    void addLayouts(const UtilityTexts& texts, Preferences& preferences);
+    void addRows(const UtilityTexts& texts, Preferences& preferences);
 };
 
 /// Which windows the switcher lists, and in which order. Main thread.
@@ -55,7 +55,7 @@ class WindowsPane final : public SettingsPaneView {
     Q_OBJECT
 
 public:
-    WindowsPane(const WindowTexts& texts, Preferences& preferences);
+    WindowsPane(const UtilityTexts& texts, Preferences& preferences);
 };
 
 /// The about window's content, as a page of the settings. Main thread. The platform outlives it.

@@ -18,7 +18,7 @@
 #include "ui/common/translation.h"
 #include "ui/windows/favourites_pane.h"
 #include "ui/windows/settings_panes.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -51,7 +51,7 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
-        const WindowTheme theme = WindowTheme::current();
+        const UtilityTheme theme = UtilityTheme::current();
         const auto& list = *static_cast<const QWidget*>(option.widget);
         const QRectF row = QRectF(option.rect).adjusted(0, rowGap, 0, -rowGap);
         const bool isSelected = option.state.testFlag(QStyle::State_Selected);
@@ -86,7 +86,7 @@ private:
 
 }  // namespace
 
-SettingsSidebar::SettingsSidebar(const WindowTexts& texts) {
+SettingsSidebar::SettingsSidebar(const UtilityTexts& texts) {
     for (const auto pane : allSettingsPanes) {
         addItem(translated(title(pane, texts)));
     }
@@ -162,7 +162,7 @@ constexpr QSize leastSize(560, 340);
 }  // namespace
 
 SettingsView::SettingsView(const Platform& platform, const SettingsServices& services) {
-    const WindowTexts& texts = platform.texts.windows;
+    const UtilityTexts& texts = platform.texts.utility;
     sidebar_ = new SettingsSidebar(texts);
     panes_ = new QStackedWidget;
     // In the order of the sidebar.
@@ -203,7 +203,7 @@ QSize SettingsView::minimumSizeHint() const {
 
 void SettingsView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const WindowTheme theme = WindowTheme::current();
+    const UtilityTheme theme = UtilityTheme::current();
     painter.fillRect(rect(), theme.ground);
     const QRectF sidebar(sidebar_->x(), 0, sidebar_->width(), height());
     painter.fillRect(sidebar, theme.sidebar);

@@ -21,7 +21,7 @@ public:
     static constexpr int barWidth = 190;
     static constexpr int widestBar = 280;
 
-    explicit SettingsSidebar(const WindowTexts& texts);
+    explicit SettingsSidebar(const UtilityTexts& texts);
 
     [[nodiscard]] SettingsPane selection() const;
     void select(SettingsPane pane);

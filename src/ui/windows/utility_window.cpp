@@ -17,7 +17,7 @@
 #include "ui/common/accessibility.h"
 #include "ui/common/translation.h"
 #include "ui/windows/scroll_areas.h"
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -54,7 +54,7 @@ void UtilityWindow::centre() {
     layout()->activate();
     const QRect area = screen->availableGeometry();
     // A window that is not resizable already fits the screen.
-    resize(size().boundedTo(area.size() - QSize(0, window_metrics::titleBarHeight)));
+    resize(size().boundedTo(area.size() - QSize(0, FittingScrollArea::titleBarHeight)));
     QRect place(QPoint(), size());
     place.moveCenter(area.center());
     // Of a window that is larger than the screen the upper left part is shown.
@@ -69,7 +69,7 @@ void UtilityWindow::leaveRoomAtTheTop(int height) {
 }
 
 void UtilityWindow::paintEvent(QPaintEvent* /*event*/) {
-    QPainter(this).fillRect(rect(), WindowTheme::current().ground);
+    QPainter(this).fillRect(rect(), UtilityTheme::current().ground);
 }
 
 void UtilityWindow::closeEvent(QCloseEvent* event) {

@@ -12,8 +12,9 @@ namespace ferrowyn {
 
 class Application;
 
-/// A top-level window around one content widget. Where it is not resizable it is as large as its content, as far as the
-/// screen has room. It closes on Escape and on the desktop's shortcut for closing. Main thread.
+/// One of the program's own windows around one content widget; without this word, a window is one that the switcher
+/// lists. Where it is not resizable it is as large as its content, as far as the screen has room. It closes on Escape
+/// and on the desktop's shortcut for closing. Main thread.
 class UtilityWindow final : public QWidget {
     Q_OBJECT
 
@@ -44,7 +45,7 @@ private:
     bool wasExposed_ = false;
 };
 
-/// One of the windows beside the switcher. It is made when it is first shown, and then kept. While any of them is open,
+/// Shows a utility window. It is made when it is first shown, and then kept. While any of them is open,
 /// the program is listed among the running applications. Main thread. The application outlives it.
 class UtilityWindowController {
 public:
@@ -83,7 +84,7 @@ private:
     WindowConfiguration configure_;
 };
 
-/// What a window shows while the program is still starting: a bar without an end. Main thread.
+/// What a utility window shows while the program is still starting: a bar without an end. Main thread.
 class ProgressView final : public QWidget {
     Q_OBJECT
 

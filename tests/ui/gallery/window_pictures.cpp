@@ -60,13 +60,13 @@ QPalette palette(Scheme scheme) {
     return palette;
 }
 
-using Builder = std::function<std::unique_ptr<QWidget>(WindowsModel&)>;
+using Builder = std::function<std::unique_ptr<QWidget>(UtilityModel&)>;
 
 struct Shot {
     std::string name;
     Builder build;
     std::function<void(SimulatedDesktop&)> arrange = [](SimulatedDesktop&) {};
-    std::function<void(WindowsModel&)> change = [](WindowsModel&) {};
+    std::function<void(UtilityModel&)> change = [](UtilityModel&) {};
     const TextTable& texts = linuxTexts();
     bool isResizable = false;
     QSize size;
@@ -98,7 +98,7 @@ private:
 bool photograph(const Shot& shot, Scheme scheme, double scale, const QDir& folder) {
     const InLanguage language(shot.language);
     QApplication::setPalette(palette(scheme));
-    WindowsModel model(shot.texts, shot.arrange);
+    UtilityModel model(shot.texts, shot.arrange);
     UtilityWindow window(shot.build(model), shot.isResizable);
     shot.change(model);
     if (shot.size.isValid()) {
@@ -120,23 +120,23 @@ bool photograph(const Shot& shot, Scheme scheme, double scale, const QDir& folde
 }
 
 Builder settings(SettingsPane pane) {
-    return [pane](WindowsModel& model) {
+    return [pane](UtilityModel& model) {
         auto view = std::make_unique<SettingsView>(model.platform, model.services);
         view->select(pane);
         return view;
     };
 }
 
-std::unique_ptr<QWidget> setup(WindowsModel& model) {
+std::unique_ptr<QWidget> setup(UtilityModel& model) {
     return std::make_unique<OnboardingView>(
         model.platform, model.authorizer, model.preferences, [] {}, [] { return std::string(); });
 }
 
-std::unique_ptr<QWidget> about(WindowsModel& model) {
+std::unique_ptr<QWidget> about(UtilityModel& model) {
     return std::make_unique<AboutView>(model.platform, [] {});
 }
 
-void pinMany(WindowsModel& model) {
+void pinMany(UtilityModel& model) {
     std::vector<std::string> identifiers;
     for (const char* const name :
          {"Firefox", "Thunderbird", "発表資料エディタ — 第三四半期の見通しと今後の計画を書くための応用プログラム",
@@ -200,7 +200,7 @@ std::vector<Shot> shots() {
                     .build = settings(SettingsPane::general),
                     .arrange = distrust,
                     .change =
-                        [](WindowsModel& model) {
+                        [](UtilityModel& model) {
                             model.updates.check();
                             model.desktop.httpClient().answer(0,
                                                               HttpFailure{"The host ferrowyn.example was not found."});
@@ -210,11 +210,11 @@ std::vector<Shot> shots() {
         {.name = "settings-general-checking",
          .build = settings(SettingsPane::general),
          .arrange = [](SimulatedDesktop& desktop) { desktop.loginItem().current = LoginItem::Status::notFound; },
-         .change = [](WindowsModel& model) { model.updates.check(); },
+         .change = [](UtilityModel& model) { model.updates.check(); },
          .isResizable = true});
     list.push_back({.name = "settings-shortcut-command",
                     .build = settings(SettingsPane::shortcut),
-                    .change = [](WindowsModel& model) { model.preferences.modifier.set(SwitcherModifier::command); },
+                    .change = [](UtilityModel& model) { model.preferences.modifier.set(SwitcherModifier::command); },
                     .isResizable = true});
     list.push_back({.name = "settings-favourites-crowded",
                     .build = settings(SettingsPane::favourites),

@@ -4,9 +4,9 @@
 
 namespace ferrowyn {
 
-/// The texts of the settings, setup and about windows, in English. "%1" and "%2" stand for arguments. Only those that
-/// name a system, its settings or its keys differ between desktops.
-struct WindowTexts {
+/// The texts of the utility windows (settings, setup and about), in English. "%1" and "%2" stand for arguments. Only
+/// those that name a system, its settings or its keys differ between desktops.
+struct UtilityTexts {
     struct Settings {
         std::string_view generalTitle;
         std::string_view shortcutTitle;
@@ -127,8 +127,8 @@ struct WindowTexts {
     std::string_view shiftKey;
 };
 
-[[nodiscard]] const WindowTexts& macWindowTexts();
+[[nodiscard]] const UtilityTexts& macUtilityTexts();
 /// The same windows on an X11 desktop with a PC keyboard.
-[[nodiscard]] const WindowTexts& linuxWindowTexts();
+[[nodiscard]] const UtilityTexts& linuxUtilityTexts();
 
 }  // namespace ferrowyn

@@ -1,4 +1,4 @@
-#include "ui/windows/window_theme.h"
+#include "ui/windows/utility_theme.h"
 
 #include <QApplication>
 #include <QFontMetricsF>
@@ -25,7 +25,7 @@ QColor lightenedFor(const QColor& color, const QColor& ground, double minimumRat
     return result;
 }
 
-void setLightColors(WindowTheme& theme) {
+void setLightColors(UtilityTheme& theme) {
     theme.ground = QColor(0xF5, 0xF5, 0xF7);
     theme.sidebar = QColor(0xE9, 0xEA, 0xEE);
     theme.groupFill = Qt::white;
@@ -43,7 +43,7 @@ void setLightColors(WindowTheme& theme) {
     theme.link = contrast::darkenedFor(theme.accent, theme.sidebar, readableRatio);
 }
 
-void setDarkColors(WindowTheme& theme) {
+void setDarkColors(UtilityTheme& theme) {
     theme.ground = QColor(0x22, 0x23, 0x28);
     theme.sidebar = QColor(0x2A, 0x2B, 0x31);
     theme.groupFill = QColor(0x2D, 0x2E, 0x34);
@@ -64,7 +64,7 @@ void setDarkColors(WindowTheme& theme) {
 
 }  // namespace
 
-QColor WindowTheme::color(Tone tone) const {
+QColor UtilityTheme::color(Tone tone) const {
     switch (tone) {
         case Tone::primary:
             return textPrimary;
@@ -84,9 +84,9 @@ QColor WindowTheme::color(Tone tone) const {
     return textPrimary;
 }
 
-WindowTheme WindowTheme::fromPalette(const QPalette& palette) {
+UtilityTheme UtilityTheme::fromPalette(const QPalette& palette) {
     const Theme panel = Theme::fromPalette(palette, false);
-    WindowTheme theme;
+    UtilityTheme theme;
     theme.isDark = panel.isDark;
     theme.textPrimary = panel.textPrimary;
     theme.hairline = panel.hairline;
@@ -111,7 +111,7 @@ WindowTheme WindowTheme::fromPalette(const QPalette& palette) {
     return theme;
 }
 
-WindowTheme WindowTheme::current() {
+UtilityTheme UtilityTheme::current() {
     return fromPalette(QApplication::palette());
 }
 

@@ -1,4 +1,4 @@
-#include "core/window_texts.h"
+#include "core/utility_texts.h"
 
 #include "core/texts.h"
 
@@ -6,7 +6,7 @@ namespace ferrowyn {
 
 namespace {
 
-void setTitles(WindowTexts& texts) {
+void setTitles(UtilityTexts& texts) {
     texts.setupWindowTitle = translatable("Ferrowyn", "Ferrowyn Setup");
     texts.settingsWindowTitle = translatable("Ferrowyn", "Ferrowyn Settings");
     texts.aboutWindowTitle = translatable("Ferrowyn", "About %1");
@@ -20,7 +20,7 @@ void setTitles(WindowTexts& texts) {
     texts.settings.sidebarName = translatable("Ferrowyn", "Settings");
 }
 
-void setGeneralPane(WindowTexts& texts) {
+void setGeneralPane(UtilityTexts& texts) {
     texts.settings.launchAtLogin = translatable("Ferrowyn", "Launch Ferrowyn at login");
     texts.settings.openLoginItems = translatable("Ferrowyn", "Open Login Items");
     texts.settings.updatesSection = translatable("Ferrowyn", "Updates");
@@ -42,7 +42,7 @@ void setGeneralPane(WindowTexts& texts) {
         translatable("Ferrowyn", "Secure input is active — another app is blocking global shortcuts.");
 }
 
-void setShortcutPane(WindowTexts& texts) {
+void setShortcutPane(UtilityTexts& texts) {
     texts.settings.summonWith = translatable("Ferrowyn", "Summon with");
     texts.settings.summonChoice = translatable("Ferrowyn", "%1 + Tab");
     texts.settings.optionName = translatable("Ferrowyn", "Option");
@@ -61,7 +61,7 @@ void setShortcutPane(WindowTexts& texts) {
     texts.settings.keyClose = translatable("Ferrowyn", "Close without switching");
 }
 
-void setAppearancePane(WindowTexts& texts) {
+void setAppearancePane(UtilityTexts& texts) {
     texts.settings.layoutSection = translatable("Ferrowyn", "Layout");
     texts.settings.listTitle = translatable("Ferrowyn", "List");
     texts.settings.groupedTitle = translatable("Ferrowyn", "Grouped");
@@ -75,7 +75,7 @@ void setAppearancePane(WindowTexts& texts) {
     texts.settings.showHints = translatable("Ferrowyn", "Show shortcut hints");
 }
 
-void setWindowsPane(WindowTexts& texts) {
+void setWindowsPane(UtilityTexts& texts) {
     texts.settings.orderingSection = translatable("Ferrowyn", "Ordering");
     texts.settings.activeAppFirst = translatable("Ferrowyn", "Show the active app's windows first");
     texts.settings.activeAppFirstOnNote = translatable(
@@ -92,7 +92,7 @@ void setWindowsPane(WindowTexts& texts) {
                      "list only what is on the Desktop in front of you.");
 }
 
-void setFavouritesPane(WindowTexts& texts) {
+void setFavouritesPane(UtilityTexts& texts) {
     texts.settings.favouritesFirst = translatable("Ferrowyn", "Show favourite apps first");
     texts.settings.favouritesFirstNote =
         translatable("Ferrowyn",
@@ -104,7 +104,7 @@ void setFavouritesPane(WindowTexts& texts) {
     texts.settings.removeAll = translatable("Ferrowyn", "Remove All");
 }
 
-void setSetup(WindowTexts& texts) {
+void setSetup(UtilityTexts& texts) {
     texts.onboarding.grantedTitle = translatable("Ferrowyn", "Accessibility access granted");
     texts.onboarding.grantedDetail = translatable("Ferrowyn", "The switcher is running in the menu bar.");
     texts.onboarding.keyOpen = translatable("Ferrowyn", "open / next");
@@ -138,7 +138,7 @@ void setSetup(WindowTexts& texts) {
     texts.onboarding.close = translatable("Ferrowyn", "Close");
 }
 
-void setAbout(WindowTexts& texts) {
+void setAbout(UtilityTexts& texts) {
     texts.about.tagline = translatable("Ferrowyn", "Switch between every open window, not just apps.");
     texts.about.version = translatable("Ferrowyn", "Version %1");
     texts.about.copyright = translatable("Ferrowyn", "© %1 Ferrowyn");
@@ -147,8 +147,8 @@ void setAbout(WindowTexts& texts) {
     texts.about.close = translatable("Ferrowyn", "Close");
 }
 
-WindowTexts makeMacTexts() {
-    WindowTexts texts;
+UtilityTexts makeMacTexts() {
+    UtilityTexts texts;
     setTitles(texts);
     setGeneralPane(texts);
     setShortcutPane(texts);
@@ -161,8 +161,8 @@ WindowTexts makeMacTexts() {
 }
 
 /// Replaces only the texts that name macOS, its settings or its keys.
-WindowTexts makeLinuxTexts() {
-    WindowTexts texts = makeMacTexts();
+UtilityTexts makeLinuxTexts() {
+    UtilityTexts texts = makeMacTexts();
     texts.settings.automaticUpdatesNote = translatable("Ferrowyn",
                                                        "The check sends only the app version and your system version. "
                                                        "No account, no identifier, and nothing about your windows.");
@@ -216,13 +216,13 @@ WindowTexts makeLinuxTexts() {
 
 }  // namespace
 
-const WindowTexts& macWindowTexts() {
-    static const WindowTexts texts = makeMacTexts();
+const UtilityTexts& macUtilityTexts() {
+    static const UtilityTexts texts = makeMacTexts();
     return texts;
 }
 
-const WindowTexts& linuxWindowTexts() {
-    static const WindowTexts texts = makeLinuxTexts();
+const UtilityTexts& linuxUtilityTexts() {
+    static const UtilityTexts texts = makeLinuxTexts();
     return texts;
 }
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/window_texts.h"
+#include "core/utility_texts.h"
 
 namespace ferrowyn {
 namespace {
@@ -36,16 +36,16 @@ TEST(PhraseTest, MarkingATextForTranslationLeavesItAlone) {
     EXPECT_EQ((Phrase{translatable("Ferrowyn", "Close"), {}}.untranslated()), "Close");
 }
 
-TEST(WindowTextsTest, OnAMacTitlesAndKeys) {
-    const WindowTexts& texts = macWindowTexts();
+TEST(UtilityTextsTest, OnAMacTitlesAndKeys) {
+    const UtilityTexts& texts = macUtilityTexts();
     EXPECT_EQ(texts.setupWindowTitle, "Ferrowyn Setup");
     EXPECT_EQ(texts.settingsWindowTitle, "Ferrowyn Settings");
     EXPECT_EQ(texts.aboutWindowTitle, "About %1");
     EXPECT_EQ(texts.shiftKey, "⇧");
 }
 
-TEST(WindowTextsTest, OnAMacSettingsWindow) {
-    const WindowTexts& texts = macWindowTexts();
+TEST(UtilityTextsTest, OnAMacSettingsWindow) {
+    const UtilityTexts& texts = macUtilityTexts();
     EXPECT_EQ(texts.settings.generalTitle, "General");
     EXPECT_EQ(texts.settings.shortcutTitle, "Shortcut");
     EXPECT_EQ(texts.settings.appearanceTitle, "Appearance");
@@ -119,8 +119,8 @@ TEST(WindowTextsTest, OnAMacSettingsWindow) {
     EXPECT_EQ(texts.settings.removeAll, "Remove All");
 }
 
-TEST(WindowTextsTest, OnAMacSetupWindow) {
-    const WindowTexts& texts = macWindowTexts();
+TEST(UtilityTextsTest, OnAMacSetupWindow) {
+    const UtilityTexts& texts = macUtilityTexts();
     EXPECT_EQ(texts.onboarding.grantedTitle, "Accessibility access granted");
     EXPECT_EQ(texts.onboarding.grantedDetail, "The switcher is running in the menu bar.");
     EXPECT_EQ(texts.onboarding.keyOpen, "open / next");
@@ -152,8 +152,8 @@ TEST(WindowTextsTest, OnAMacSetupWindow) {
     EXPECT_EQ(texts.onboarding.close, "Close");
 }
 
-TEST(WindowTextsTest, OnAMacAboutWindow) {
-    const WindowTexts& texts = macWindowTexts();
+TEST(UtilityTextsTest, OnAMacAboutWindow) {
+    const UtilityTexts& texts = macUtilityTexts();
     EXPECT_EQ(texts.about.tagline, "Switch between every open window, not just apps.");
     EXPECT_EQ(texts.about.version, "Version %1");
     EXPECT_EQ(texts.about.copyright, "© %1 Ferrowyn");
@@ -162,16 +162,16 @@ TEST(WindowTextsTest, OnAMacAboutWindow) {
     EXPECT_EQ(texts.about.close, "Close");
 }
 
-TEST(WindowTextsTest, OnALinuxDesktopTitlesAndKeys) {
-    const WindowTexts& texts = linuxWindowTexts();
+TEST(UtilityTextsTest, OnALinuxDesktopTitlesAndKeys) {
+    const UtilityTexts& texts = linuxUtilityTexts();
     EXPECT_EQ(texts.setupWindowTitle, "Ferrowyn Setup");
     EXPECT_EQ(texts.settingsWindowTitle, "Ferrowyn Settings");
     EXPECT_EQ(texts.aboutWindowTitle, "About %1");
     EXPECT_EQ(texts.shiftKey, "Shift");
 }
 
-TEST(WindowTextsTest, OnALinuxDesktopSettingsWindow) {
-    const WindowTexts& texts = linuxWindowTexts();
+TEST(UtilityTextsTest, OnALinuxDesktopSettingsWindow) {
+    const UtilityTexts& texts = linuxUtilityTexts();
     EXPECT_EQ(texts.settings.generalTitle, "General");
     EXPECT_EQ(texts.settings.shortcutTitle, "Shortcut");
     EXPECT_EQ(texts.settings.appearanceTitle, "Appearance");
@@ -245,8 +245,8 @@ TEST(WindowTextsTest, OnALinuxDesktopSettingsWindow) {
     EXPECT_EQ(texts.settings.removeAll, "Remove All");
 }
 
-TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
-    const WindowTexts& texts = linuxWindowTexts();
+TEST(UtilityTextsTest, OnALinuxDesktopSetupWindow) {
+    const UtilityTexts& texts = linuxUtilityTexts();
     EXPECT_EQ(texts.onboarding.grantedTitle, "A window manager is running");
     EXPECT_EQ(texts.onboarding.grantedDetail, "The switcher is running in the background.");
     EXPECT_EQ(texts.onboarding.keyOpen, "open / next");
@@ -280,8 +280,8 @@ TEST(WindowTextsTest, OnALinuxDesktopSetupWindow) {
     EXPECT_EQ(texts.onboarding.close, "Close");
 }
 
-TEST(WindowTextsTest, OnALinuxDesktopAboutWindow) {
-    const WindowTexts& texts = linuxWindowTexts();
+TEST(UtilityTextsTest, OnALinuxDesktopAboutWindow) {
+    const UtilityTexts& texts = linuxUtilityTexts();
     EXPECT_EQ(texts.about.tagline, "Switch between every open window, not just apps.");
     EXPECT_EQ(texts.about.version, "Version %1");
     EXPECT_EQ(texts.about.copyright, "© %1 Ferrowyn");
@@ -306,21 +306,21 @@ std::vector<std::string_view> allTexts(const TextTable& table) {
     };
     const auto parts = std::bit_cast<Parts>(table);
     EXPECT_EQ(parts.others[0], &table.statusItem);
-    EXPECT_EQ(parts.others[1], &table.windows);
+    EXPECT_EQ(parts.others[1], &table.utility);
     std::vector<std::string_view> all(parts.own.begin(), parts.own.end());
     for (const std::string_view text : textsIn(table.statusItem)) {
         all.push_back(text);
     }
-    for (const std::string_view text : textsIn(table.windows)) {
+    for (const std::string_view text : textsIn(table.utility)) {
         all.push_back(text);
     }
     return all;
 }
 
-TEST(WindowTextsTest, NothingOnALinuxDesktopNamesAnotherSystem) {
+TEST(UtilityTextsTest, NothingOnALinuxDesktopNamesAnotherSystem) {
     const std::vector<std::string_view> all = allTexts(linuxTexts());
     // The first, one from between, and the last of each table are among what was found.
-    const WindowTexts& windows = linuxWindowTexts();
+    const UtilityTexts& windows = linuxUtilityTexts();
     for (const std::string_view known :
          {linuxTexts().optionKey, linuxTexts().permissionExplanation, linuxTexts().loginItemApproval,
           linuxStatusItemTexts().programName, linuxStatusItemTexts().quit, windows.setupWindowTitle,
@@ -336,7 +336,7 @@ TEST(WindowTextsTest, NothingOnALinuxDesktopNamesAnotherSystem) {
     }
 }
 
-TEST(WindowTextsTest, AKeyHasOneNameOnALinuxDesktop) {
+TEST(UtilityTextsTest, AKeyHasOneNameOnALinuxDesktop) {
     EXPECT_EQ(linuxTexts().returnKey, "Return");
     EXPECT_EQ(linuxTexts().escapeKey, "Esc");
     for (const std::string_view text : allTexts(linuxTexts())) {
@@ -353,20 +353,20 @@ TEST(WindowTextsTest, AKeyHasOneNameOnALinuxDesktop) {
     }
 }
 
-TEST(WindowTextsTest, WhatIsMissingIsSaidInTheSameWordsEverywhere) {
+TEST(UtilityTextsTest, WhatIsMissingIsSaidInTheSameWordsEverywhere) {
     const TextTable& linux = linuxTexts();
     const std::string_view windowManager = "A window manager is required";
     EXPECT_EQ(linux.permissionTitle, windowManager);
     EXPECT_EQ(linux.statusItem.accessRequired.subtitle, windowManager);
-    EXPECT_EQ(linux.windows.settings.permissionRequired, windowManager);
-    EXPECT_EQ(linux.windows.onboarding.requiredTitle, windowManager);
+    EXPECT_EQ(linux.utility.settings.permissionRequired, windowManager);
+    EXPECT_EQ(linux.utility.onboarding.requiredTitle, windowManager);
     const std::string_view server = "This X server cannot be used";
     EXPECT_EQ(linux.statusItem.serverUnusable.subtitle, server);
-    EXPECT_EQ(linux.windows.serverUnusable, server);
-    EXPECT_EQ(linux.windows.settings.permissionGranted, linux.windows.onboarding.grantedTitle);
-    EXPECT_EQ(linux.permissionButton, linux.windows.settings.openSettings);
+    EXPECT_EQ(linux.utility.serverUnusable, server);
+    EXPECT_EQ(linux.utility.settings.permissionGranted, linux.utility.onboarding.grantedTitle);
+    EXPECT_EQ(linux.permissionButton, linux.utility.settings.openSettings);
     EXPECT_EQ(linux.otherSpaceBadge, "Other Workspace");
-    EXPECT_EQ(linux.windows.settings.otherSpaces, "Windows on other workspaces");
+    EXPECT_EQ(linux.utility.settings.otherSpaces, "Windows on other workspaces");
 }
 
 }  // namespace

@@ -13,8 +13,8 @@ namespace ferrowyn {
 /// The role of a symbol or text, which decides its colour.
 enum class Tone { primary, secondary, onAccent, success, warning, accent, favourite };
 
-/// The colours of the settings, setup and about windows, light or dark. A plain value.
-struct WindowTheme {
+/// The colours of the utility windows, light or dark. A plain value.
+struct UtilityTheme {
     bool isDark = false;
 
     QColor ground;
@@ -55,14 +55,14 @@ struct WindowTheme {
     [[nodiscard]] QColor color(Tone tone) const;
 
     /// Light or dark as the desktop's windows are, in the desktop's accent colour where it has one.
-    [[nodiscard]] static WindowTheme fromPalette(const QPalette& palette);
+    [[nodiscard]] static UtilityTheme fromPalette(const QPalette& palette);
     /// From the application's current palette. Main thread.
-    [[nodiscard]] static WindowTheme current();
+    [[nodiscard]] static UtilityTheme current();
 
-    friend bool operator==(const WindowTheme&, const WindowTheme&) = default;
+    friend bool operator==(const UtilityTheme&, const UtilityTheme&) = default;
 };
 
-/// What the controls of the windows have in common. Main thread.
+/// What the controls of the utility windows have in common. Main thread.
 namespace control_painting {
 
 /// The height of a control with one line of text. Only uncommonly tall fonts change it.
