@@ -2,7 +2,7 @@
 #include <QScrollBar>
 #include <QTranslator>
 
-#include "tests/ui/settings_view_fixture.h"
+#include "tests/ui/windows/settings_view_fixture.h"
 #include "ui/windows/favourites_pane.h"
 #include "ui/windows/flow_layout.h"
 #include "ui/windows/labels.h"

@@ -2,21 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractItemView>
 #include <QApplication>
+#include <QDir>
 #include <QImage>
 #include <QPainter>
 #include <QToolTip>
-#include <QVBoxLayout>
 #include <vector>
 
 #include "ui/common/colors.h"
 #include "ui/common/desktop_looks.h"
 #include "ui/common/images.h"
-#include "ui/common/paint_context.h"
-#include "ui/panel/visual_effect_background.h"
-#include "ui/windows/controls.h"
-#include "ui/windows/labels.h"
 #include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
@@ -229,104 +224,34 @@ TEST_F(DesktopPaletteTest, WhatTheToolkitDrawsItselfCanBeReadInEither) {
     }
 }
 
-QPalette palette(bool isDark, const QColor& accent) {
-    QPalette palette(isDark ? QColor(0x2A, 0x2A, 0x2E) : QColor(0xF0, 0xF0, 0xF0));
-    palette.setColor(QPalette::Highlight, accent);
-    return palette;
-}
-
-const std::vector<QColor> accents{QColor(0x2F, 0x6F, 0xED), QColor(0xE9, 0x54, 0x20), QColor(0xFF, 0xD7, 0x00),
-                                  QColor(0x12, 0x12, 0x30), QColor(0x3D, 0xAE, 0xE9)};
-
-TEST(UtilityThemeTest, EveryTextCanBeReadOnItsGround) {
-    for (const bool isDark : {false, true}) {
-        for (const auto& accent : accents) {
-            const auto theme = UtilityTheme::fromPalette(palette(isDark, accent));
-            const auto contrastOf = [&](const QColor& text, const QColor& ground) {
-                return contrast::ratio(contrast::blended(text, ground), ground);
-            };
-            for (const auto& ground : {theme.ground, theme.groupFill}) {
-                EXPECT_GE(contrastOf(theme.textPrimary, ground), 4.5) << isDark;
-                EXPECT_GE(contrastOf(theme.textSecondary, ground), 4.5) << isDark;
-                EXPECT_GE(contrastOf(theme.link, ground), 4.5) << isDark << accent.name().toStdString();
-                EXPECT_GE(contrastOf(theme.success, ground), 3) << isDark;
-                EXPECT_GE(contrastOf(theme.warning, ground), 3) << isDark;
-            }
-            EXPECT_GE(contrastOf(theme.textPrimary, theme.sidebar), 4.5);
-            EXPECT_GE(contrastOf(theme.textPrimary, theme.selectionInactive), 4.5);
-            for (const auto& fill : {theme.controlFill, theme.controlFillHovered, theme.controlFillPressed}) {
-                EXPECT_GE(contrastOf(theme.textPrimary, fill), 4.5);
-            }
-            for (const auto& fill : {theme.accent, theme.accentHovered, theme.accentPressed}) {
-                EXPECT_GE(contrastOf(theme.accentText, fill), 4.5) << accent.name().toStdString();
-            }
-            const QColor cap = contrast::blended(theme.keyCapFill, theme.groupFill);
-            EXPECT_GE(contrastOf(theme.textSecondary, cap), 4.5);
-        }
-    }
-}
-
-TEST(UtilityThemeTest, LabelsFollowThePaletteWhileTheyAreShown) {
-    const QPalette before = QApplication::palette();
-    QApplication::setPalette(palette(false, accents.front()));
-    TextLabel label(Phrase{"Updates", {}}, TextStyle::note, Tone::secondary);
-    label.show();
-    const QColor light = label.palette().color(QPalette::WindowText);
-    EXPECT_EQ(light, UtilityTheme::fromPalette(palette(false, accents.front())).textSecondary);
-    QApplication::setPalette(palette(true, accents.front()));
-    QCoreApplication::processEvents();
-    const QColor dark = label.palette().color(QPalette::WindowText);
-    EXPECT_EQ(dark, UtilityTheme::fromPalette(palette(true, accents.front())).textSecondary);
-    EXPECT_NE(light, dark);
-    QApplication::setPalette(before);
-}
-
-TEST(UtilityThemeTest, WhatStandsInAWindowFollowsThePaletteWhileItIsShown) {
-    const QPalette before = QApplication::palette();
-    QApplication::setPalette(palette(false, accents.front()));
-    QWidget window;
-    auto* const column = new QVBoxLayout(&window);
-    auto* const label = new TextLabel(Phrase{"General", {}}, TextStyle::paneTitle);
-    auto* const box = new ChoiceBox;
-    box->addItem("List");
-    column->addWidget(label);
-    column->addWidget(box);
-    window.show();
-    // There and back, and there again: the toolkit tells the first change to more than the later ones.
-    for (const bool isDark : {true, false, true}) {
-        QApplication::setPalette(palette(isDark, accents.front()));
-        QCoreApplication::processEvents();
-        const auto theme = UtilityTheme::fromPalette(palette(isDark, accents.front()));
-        EXPECT_EQ(label->palette().color(QPalette::WindowText), theme.textPrimary) << isDark;
-        EXPECT_EQ(box->view()->palette().color(QPalette::Base), theme.groupFill) << isDark;
-        EXPECT_EQ(box->view()->palette().color(QPalette::Text), theme.textPrimary) << isDark;
-    }
-    QApplication::setPalette(before);
-}
-
-TEST(VisualEffectBackgroundTest, IsOfOneColourFromEdgeToEdgeAtEveryScale) {
-    const Theme theme = Theme::make(false, Qt::blue, true);
-    TextLines lines;
+/// The longer side of each drawing differs by a fifth at most from the points that were asked for.
+TEST(SymbolImagesTest, EverySymbolIsDrawnAsLargeAsItsPointsSay) {
+    loadResources();
     SymbolImages symbols;
-    IconImages icons;
-    for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0}) {
-        for (int height = 588; height <= 592; ++height) {
-            QImage image(20, static_cast<int>(height * scale), QImage::Format_ARGB32_Premultiplied);
-            image.setDevicePixelRatio(scale);
-            image.fill(Qt::red);
-            {
-                QPainter painter(&image);
-                painter.setRenderHint(QPainter::Antialiasing);
-                // Wide enough that the corners lie outside the picture.
-                VisualEffectBackground{.blendingMode = VisualEffectBackground::BlendingMode::behindWindow}.paint(
-                    painter, {-100, 0, 300, static_cast<double>(height)},
-                    PaintContext{theme, macTexts(), lines, symbols, icons, scale});
-            }
-            const QRgb middle = image.pixel(10, image.height() / 2);
-            for (int y = 1; y < image.height() - 1; ++y) {
-                ASSERT_EQ(image.pixel(10, y), middle) << "row " << y << " of " << height << " points at " << scale;
+    const QStringList files = QDir(QStringLiteral(":/ferrowyn/symbols")).entryList();
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString& file : files) {
+        const std::string name = file.chopped(4).toStdString();
+        QImage image(200, 200, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        {
+            QPainter painter(&image);
+            symbols.paint(painter, name, 100, 100, 100, Qt::black);
+        }
+        int left = 200, right = 0, top = 200, bottom = 0;
+        for (int y = 0; y < 200; ++y) {
+            for (int x = 0; x < 200; ++x) {
+                if (qAlpha(image.pixel(x, y)) > 128) {
+                    left = std::min(left, x);
+                    right = std::max(right, x + 1);
+                    top = std::min(top, y);
+                    bottom = std::max(bottom, y + 1);
+                }
             }
         }
+        const int larger = std::max(right - left, bottom - top);
+        EXPECT_GE(larger, 80) << name;
+        EXPECT_LE(larger, 120) << name;
     }
 }
 

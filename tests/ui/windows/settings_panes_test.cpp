@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/ui/settings_view_fixture.h"
+#include "tests/ui/windows/settings_view_fixture.h"
 #include "ui/windows/favourites_pane.h"
 
 namespace ferrowyn {

@@ -4,14 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <cmath>
 
-#include "tests/ui/status_menu_fixture.h"
+#include "tests/ui/common/paint_record.h"
+#include "tests/ui/menu/status_menu_fixture.h"
 #include "ui/menu/menu_row_views.h"
 
 namespace ferrowyn {
 namespace {
 
 using testing::ElementsAre;
+using testing::SizeIs;
 
 constexpr Rect screen{0, 0, 1280, 800};
 constexpr Size menu{268, 400};
@@ -203,6 +206,52 @@ TEST_F(StatusMenuAccessibilityTest, RowsThatAreGoneAreInvalid) {
     popup->setMenu({popup->menu().front()});
     EXPECT_FALSE(last->isValid());
     EXPECT_EQ(menu()->childCount(), 1);
+}
+
+/// The primary text's colour at 14 %.
+QColor hairlineColor(bool isDark) {
+    QColor color = isDark ? QColor(0xF3, 0xF4, 0xF6) : QColor(0x1C, 0x1D, 0x21);
+    color.setAlpha(static_cast<int>(std::lround(0.14 * 255)));
+    return color;
+}
+
+double hairlineWidth(double scale) {
+    return scale == 1 ? 1 : 0.5;
+}
+
+class MenuPaintingTest : public test::PanelPartsFixture {};
+
+TEST_F(MenuPaintingTest, ASeparatorIsAHairline) {
+    const MenuRow separator{.kind = MenuRow::Kind::separator};
+    for (const double scale : {1.0, 2.0, 3.0}) {
+        const auto painted = record(
+            [&](QPainter& painter, const PaintContext& with) {
+                MenuRowView{separator}.paint(painter, {0, 100, 268, 11}, MenuColors::fromTheme(theme), with);
+            },
+            scale);
+        ASSERT_THAT(painted->shapes, SizeIs(1));
+        EXPECT_EQ(painted->shapes[0].fill.rgba(), hairlineColor(true).rgba());
+        EXPECT_NEAR(painted->shapes[0].rect.height(), hairlineWidth(scale), 0.001);
+        EXPECT_EQ(painted->shapes[0].rect.left(), 14);
+        EXPECT_EQ(painted->shapes[0].rect.right(), 268 - 14);
+    }
+}
+
+TEST_F(MenuPaintingTest, ARowIsASymbolAndATitleOfThirteenPoints) {
+    const MenuRow item{.kind = MenuRow::Kind::item, .title = "Open Switcher", .symbol = "rectangle.stack"};
+    const Rect rect{0, 100, 268, 25};
+    const auto painted = record(
+        [&](QPainter& painter, const PaintContext& with) {
+            MenuRowView{item}.paint(painter, rect, MenuColors::fromTheme(theme), with);
+        },
+        4);
+    expectFont(painted->text("Open Switcher"), 13, 400);
+    expectCentredOnLine(painted->text("Open Switcher"), rect);
+    EXPECT_EQ(painted->text("Open Switcher").left, 54);
+    const auto& symbol = painted->symbol("rectangle.stack", "1.8");
+    expectSymbolSize(symbol, 13, 4);
+    EXPECT_NEAR(symbol.rect.center().y(), rect.midY(), 0.2);
+    EXPECT_LT(symbol.rect.right(), 54 - 5);
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <numeric>
 
+#include "tests/ui/common/paint_record.h"
 #include "tests/ui/interface_models.h"
-#include "tests/ui/paint_record.h"
 #include "ui/panel/row_views.h"
 
 namespace ferrowyn {

@@ -5,7 +5,7 @@
 
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/interface_models.h"
-#include "tests/ui/settings_view_fixture.h"
+#include "tests/ui/windows/settings_view_fixture.h"
 #include "ui/windows/utility_window.h"
 
 namespace ferrowyn {

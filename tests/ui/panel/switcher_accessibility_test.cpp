@@ -2,7 +2,7 @@
 
 #include <QAccessible>
 
-#include "tests/ui/switcher_view_fixture.h"
+#include "tests/ui/panel/switcher_view_fixture.h"
 
 namespace ferrowyn {
 namespace {

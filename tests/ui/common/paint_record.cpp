@@ -1,4 +1,4 @@
-#include "tests/ui/paint_record.h"
+#include "tests/ui/common/paint_record.h"
 
 #include <QFile>
 #include <QFontMetricsF>

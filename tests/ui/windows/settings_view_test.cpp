@@ -4,7 +4,7 @@
 #include <QWheelEvent>
 
 #include "platform/simulated/simulated_system.h"
-#include "tests/ui/settings_view_fixture.h"
+#include "tests/ui/windows/settings_view_fixture.h"
 #include "ui/windows/control_style.h"
 #include "ui/windows/controls.h"
 #include "ui/windows/labels.h"

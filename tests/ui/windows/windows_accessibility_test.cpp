@@ -3,7 +3,7 @@
 #include <QDateTime>
 
 #include "platform/main_loop.h"
-#include "tests/ui/settings_view_fixture.h"
+#include "tests/ui/windows/settings_view_fixture.h"
 #include "ui/windows/about_view.h"
 #include "ui/windows/controls.h"
 #include "ui/windows/onboarding_view.h"

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "tests/ui/interface_models.h"
-#include "tests/ui/settings_view_fixture.h"
+#include "tests/ui/windows/settings_view_fixture.h"
 #include "ui/common/translation.h"
 #include "ui/windows/about_view.h"
 #include "ui/windows/onboarding_view.h"

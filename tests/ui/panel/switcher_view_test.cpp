@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <string>
 
-#include "tests/ui/switcher_view_fixture.h"
+#include "tests/ui/panel/switcher_view_fixture.h"
 
 namespace ferrowyn {
 namespace {

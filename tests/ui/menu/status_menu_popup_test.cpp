@@ -5,7 +5,7 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
-#include "tests/ui/status_menu_fixture.h"
+#include "tests/ui/menu/status_menu_fixture.h"
 #include "ui/common/colors.h"
 #include "ui/menu/menu_row_views.h"
 

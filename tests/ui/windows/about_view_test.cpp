@@ -9,7 +9,7 @@
 #include "platform/main_loop.h"
 #include "platform/simulated/simulated_system.h"
 #include "tests/ui/interface_models.h"
-#include "tests/ui/settings_view_fixture.h"
+#include "tests/ui/windows/settings_view_fixture.h"
 
 namespace ferrowyn {
 namespace {
