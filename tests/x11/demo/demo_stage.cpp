@@ -96,10 +96,15 @@ std::string DemoDesktop::ask(const std::string& argument) const {
 void DemoDesktop::arrange() {
     const std::string documents = server.home().path() + "/Documents";
     desktop.setDesktopCount(2);
-    files = launch({"pcmanfm", "--no-desktop", documents}, {60, 80, 560, 380});
+    // So far to the right that the panel covers its address, which is a folder of this machine.
+    files = launch({"pcmanfm", "--no-desktop", documents}, {100, 80, 560, 380});
     notes = launch({"xedit", "-title", "Notes for Berlin.txt"}, {860, 60, 380, 260});
     calculator = launch({"xcalc", "-title", "Calculator"}, {980, 320, 220, 300});
-    editor = launch({"mousepad", "--disable-server", documents + "/Minutes.txt"}, {420, 60, 520, 360});
+    // The title names the file without its folder, also one of this machine.
+    server.home().write(".config/glib-2.0/settings/keyfile",
+                        "[org/xfce/mousepad/preferences/window]\npath-in-title=false\n");
+    editor = launch({"env", "GSETTINGS_BACKEND=keyfile", "mousepad", "--disable-server", documents + "/Minutes.txt"},
+                    {420, 60, 520, 360});
     // A made-up prompt: a shell's would show this machine's folders in the pictures.
     const std::vector<std::string> prompt{"-e", "sh", "-c", "printf '~/src/ferrowyn $ '; exec cat"};
     const auto terminal = [&](const std::string& title, const TestDesktop::Place& place) {
