@@ -8,12 +8,6 @@ namespace ferrowyn {
 
 namespace {
 
-/// Whether the colour looks dark. The weights are those of perceived brightness, in which green counts most.
-bool isDark(const RgbColor& ground) {
-    constexpr int middle = 128;
-    return (ground.red * 299 + ground.green * 587 + ground.blue * 114) / 1000 < middle;
-}
-
 std::optional<ColorScheme> schemeOfGtk(const AppearanceSources& sources) {
     const auto& name = sources.xsettingsTheme ? sources.xsettingsTheme : sources.gtkFileTheme;
     const bool isDark = sources.gtkFilePrefersDark || (name && isNameOfDarkTheme(*name));
@@ -21,6 +15,12 @@ std::optional<ColorScheme> schemeOfGtk(const AppearanceSources& sources) {
 }
 
 }  // namespace
+
+bool isDark(const RgbColor& ground) {
+    constexpr int middle = 128;
+    // The weights are those of perceived brightness, in which green counts most.
+    return (ground.red * 299 + ground.green * 587 + ground.blue * 114) / 1000 < middle;
+}
 
 DesktopAppearance desktopAppearance(const AppearanceSources& sources) {
     DesktopAppearance appearance{.scheme = sources.portalScheme, .accent = sources.portalAccent};

@@ -16,6 +16,9 @@ struct RgbColor {
 
 enum class ColorScheme { light, dark };
 
+/// Whether the colour, as the ground of windows, is dark.
+[[nodiscard]] bool isDark(const RgbColor& ground);
+
 /// What each part of the desktop reports about its appearance. A field is absent when that part is missing or reports
 /// nothing.
 struct AppearanceSources {

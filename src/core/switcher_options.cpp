@@ -14,6 +14,12 @@ int dividedRoundingUp(int dividend, int divisor) {
     return dividend / divisor + (dividend % divisor > 0 ? 1 : 0);
 }
 
+template <typename Value, std::size_t count>
+std::optional<Value> withRawValue(const std::array<Value, count>& all, std::string_view raw) {
+    const auto found = std::ranges::find(all, raw, [](Value value) { return rawValue(value); });
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
 }  // namespace
 
 std::string_view rawValue(SwitcherLayout layout) {
@@ -29,12 +35,7 @@ std::string_view rawValue(SwitcherLayout layout) {
 }
 
 std::optional<SwitcherLayout> switcherLayoutFromRawValue(std::string_view raw) {
-    for (const auto layout : allSwitcherLayouts) {
-        if (rawValue(layout) == raw) {
-            return layout;
-        }
-    }
-    return std::nullopt;
+    return withRawValue(allSwitcherLayouts, raw);
 }
 
 std::string_view title(SwitcherLayout layout, const UtilityTexts& texts) {
@@ -84,12 +85,7 @@ std::string_view rawValue(SwitcherModifier modifier) {
 }
 
 std::optional<SwitcherModifier> switcherModifierFromRawValue(std::string_view raw) {
-    for (const auto modifier : allSwitcherModifiers) {
-        if (rawValue(modifier) == raw) {
-            return modifier;
-        }
-    }
-    return std::nullopt;
+    return withRawValue(allSwitcherModifiers, raw);
 }
 
 std::uint64_t flagMask(SwitcherModifier modifier) {
@@ -147,12 +143,7 @@ std::string_view rawValue(SettingsPane pane) {
 }
 
 std::optional<SettingsPane> settingsPaneFromRawValue(std::string_view raw) {
-    for (const auto pane : allSettingsPanes) {
-        if (rawValue(pane) == raw) {
-            return pane;
-        }
-    }
-    return std::nullopt;
+    return withRawValue(allSettingsPanes, raw);
 }
 
 std::string_view title(SettingsPane pane, const UtilityTexts& texts) {

@@ -9,8 +9,9 @@
 namespace ferrowyn {
 
 bool isDark(const QPalette& palette) {
-    constexpr int middleLightness = 128;
-    return palette.color(QPalette::Window).lightness() < middleLightness;
+    const QColor ground = palette.color(QPalette::Window).toRgb();
+    return isDark(RgbColor{static_cast<std::uint8_t>(ground.red()), static_cast<std::uint8_t>(ground.green()),
+                           static_cast<std::uint8_t>(ground.blue())});
 }
 
 namespace {

@@ -108,7 +108,6 @@ TextLine::TextLine(const QString& text, TextStyle style, double maximumWidth, Te
     layout_.setCacheEnabled(true);
     shape(text, unlimitedWidth);
     if (width_ > maximumWidth) {
-        isElided_ = true;
         shape(elided(text, maximumWidth), unlimitedWidth);
     }
 }

@@ -66,7 +66,6 @@ public:
     TextLine(const QString& text, TextStyle style, double maximumWidth, TextEmphasis emphasis = {});
 
     [[nodiscard]] double width() const { return width_; }
-    [[nodiscard]] bool isElided() const { return isElided_; }
     /// The text that is painted, with the ellipsis if it is elided.
     [[nodiscard]] QString shownText() const { return layout_.text(); }
 
@@ -89,7 +88,6 @@ private:
     QTextLayout layout_;
     double width_ = 0;
     double ascent_ = 0;
-    bool isElided_ = false;
 };
 
 /// Keeps the lines that were painted lately, so that a frame with the same texts shapes nothing. Main thread.

@@ -341,8 +341,7 @@ void StatusMenuPopup::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void StatusMenuPopup::wheelEvent(QWheelEvent* event) {
-    constexpr double stepsPerNotch = 120;
-    scrollTo(scroll_ - event->angleDelta().y() / stepsPerNotch * MenuGeometry::rowHeight);
+    scrollTo(scroll_ - event->angleDelta().y() / double{QWheelEvent::DefaultDeltasPerStep} * MenuGeometry::rowHeight);
     pointTo(event->position());
     event->accept();
 }

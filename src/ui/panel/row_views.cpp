@@ -69,7 +69,12 @@ constexpr double rowStarPoints = 12.5;
 constexpr double rowStarSide = SymbolImages::boxSide(rowStarPoints);
 /// The ordinals form a column, so that badges and stars of all rows line up.
 constexpr double ordinalColumn = KeyCapView::height;
-constexpr int ordinalsWithAKey = 9;
+
+/// Whether a key jumps to this row.
+bool hasKey(int ordinal) {
+    constexpr int lastWithAKey = 9;
+    return ordinal >= 1 && ordinal <= lastWithAKey;
+}
 
 /// The left edge of the ordinals' column.
 double ordinalLeft(const Rect& rect) {
@@ -79,7 +84,7 @@ double ordinalLeft(const Rect& rect) {
 }  // namespace
 
 bool WindowRowView::showsOrdinal() const {
-    return ordinal >= 1 && ordinal <= ordinalsWithAKey;
+    return hasKey(ordinal);
 }
 
 std::optional<Rect> WindowRowView::favouriteButton(const Rect& rect) const {
@@ -176,7 +181,7 @@ void WindowCardView::paint(QPainter& painter, const Rect& rect, const PaintConte
 }
 
 void WindowCardView::paintCorners(QPainter& painter, const Rect& rect, const PaintContext& context) const {
-    if (ordinal >= 1 && ordinal <= ordinalsWithAKey) {
+    if (hasKey(ordinal)) {
         const double baseline = context.lines.centredBaseline(TextStyle::cardOrdinal, rect.y + cardInset, cardStarSide,
                                                               context.devicePixelRatio);
         context.lines.line(QString::number(ordinal), TextStyle::cardOrdinal, rect.width)

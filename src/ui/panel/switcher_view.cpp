@@ -371,10 +371,11 @@ void SwitcherView::leaveEvent(QEvent* /*event*/) {
 }
 
 void SwitcherView::wheelEvent(QWheelEvent* event) {
-    constexpr double unitsPerNotch = 120;
     applyModel();
-    const double distance = event->pixelDelta().isNull() ? event->angleDelta().y() / unitsPerNotch * (rowRect(0).height)
-                                                         : event->pixelDelta().y();
+    const double distance =
+        event->pixelDelta().isNull()
+            ? event->angleDelta().y() / double{QWheelEvent::DefaultDeltasPerStep} * rowRect(0).height
+            : event->pixelDelta().y();
     scrollAnimation_.stop();
     setScroll(scroll_ - distance);
     event->accept();

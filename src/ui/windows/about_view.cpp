@@ -16,7 +16,6 @@
 #include "ui/common/translation.h"
 #include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
-#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -160,10 +159,6 @@ AboutView::AboutView(const Platform& platform, std::function<void()> onClose) {
     connect(close, &QAbstractButton::clicked, this, [told = std::move(onClose)] { told(); });
     setFixedWidth(windowWidth);
     setAccessibleName(content->accessibleName());
-}
-
-void AboutView::paintEvent(QPaintEvent* /*event*/) {
-    QPainter(this).fillRect(rect(), UtilityTheme::current().ground);
 }
 
 }  // namespace ferrowyn

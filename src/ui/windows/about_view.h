@@ -68,9 +68,6 @@ class AboutView final : public QWidget {
 public:
     /// `onClose` closes the about window.
     AboutView(const Platform& platform, std::function<void()> onClose);
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
 };
 
 }  // namespace ferrowyn

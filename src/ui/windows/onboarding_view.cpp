@@ -4,7 +4,6 @@
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QPainter>
 #include <QPointer>
 #include <QVBoxLayout>
 #include <string_view>
@@ -24,7 +23,6 @@
 #include "ui/windows/labels.h"
 #include "ui/windows/settings_form.h"
 #include "ui/windows/settings_model.h"
-#include "ui/windows/utility_theme.h"
 
 namespace ferrowyn {
 
@@ -203,11 +201,8 @@ GrantedState::GrantedState(const TextTable& texts, const Preferences& preference
         grid->addWidget(new TextLabel({line.description, {}}, TextStyle::body), row, 1);
     }
     group->addInsetRow(keys);
-    modifierSubscription_ = preferences.modifier.published().subscribe([caps, &texts](SwitcherModifier trigger) {
-        const auto lines = key_lines::forSetup(trigger, texts);
-        for (std::size_t index = 0; index < lines.size(); ++index) {
-            caps.at(index)->setText(QString::fromStdString(lines.at(index).keys));
-        }
+    modifierSubscription_ = bindKeyCaps(caps, preferences.modifier.published(), [&texts](SwitcherModifier trigger) {
+        return key_lines::forSetup(trigger, texts);
     });
     auto* const typing = new QWidget;
     auto* const typingColumn = new QVBoxLayout(typing);
@@ -287,10 +282,6 @@ QWidget* OnboardingView::makeFooter(const Platform& platform) {
     line->addWidget(close);
     connect(close, &QAbstractButton::clicked, this, [this] { onDone_(); });
     return footer;
-}
-
-void OnboardingView::paintEvent(QPaintEvent* /*event*/) {
-    QPainter(this).fillRect(rect(), UtilityTheme::current().ground);
 }
 
 }  // namespace ferrowyn

@@ -24,9 +24,6 @@ public:
                    std::function<void()> onDone, std::function<std::string()> makeReport = nullptr);
     ~OnboardingView() override;
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
-
 private:
     [[nodiscard]] QWidget* makeFooter(const Platform& platform);
 

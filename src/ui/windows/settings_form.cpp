@@ -163,6 +163,16 @@ void SettingsPaneView::keep(Subscription subscription) {
     subscriptions_.push_back(std::move(subscription));
 }
 
+Subscription bindKeyCaps(const std::vector<TextLabel*>& caps, const Published<SwitcherModifier>& trigger,
+                         std::function<std::vector<key_lines::KeyLine>(SwitcherModifier trigger)> linesFor) {
+    return trigger.subscribe([caps, make = std::move(linesFor)](SwitcherModifier chosen) {
+        const auto lines = make(chosen);
+        for (std::size_t index = 0; index < lines.size(); ++index) {
+            caps.at(index)->setText(QString::fromStdString(lines.at(index).keys));
+        }
+    });
+}
+
 Subscription bindSwitch(QAbstractButton& button, Preferences::Setting<bool>& setting) {
     // `clicked` comes only from the user. `setChecked` below does not emit it, so it does not set the setting again.
     QObject::connect(&button, &QAbstractButton::clicked, &button, [&setting](bool isOn) { setting.set(isOn); });

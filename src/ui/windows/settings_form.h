@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
 #include <vector>
 
 #include "core/published.h"
 #include "core/texts.h"
 #include "services/preferences.h"
 #include "ui/windows/scroll_areas.h"
+#include "ui/windows/settings_model.h"
 
 class QAbstractButton;
 class QVBoxLayout;
@@ -79,6 +81,12 @@ private:
     QVBoxLayout* column_ = nullptr;
     std::vector<Subscription> subscriptions_;
 };
+
+/// The caps show the keys of the lines, which depend on the trigger. As many caps as lines; all of them outlive the
+/// token.
+[[nodiscard]] Subscription bindKeyCaps(
+    const std::vector<TextLabel*>& caps, const Published<SwitcherModifier>& trigger,
+    std::function<std::vector<key_lines::KeyLine>(SwitcherModifier trigger)> linesFor);
 
 /// The button shows the setting, and the user's click sets it. Dropping the token ends only the former. The setting
 /// outlives the button.

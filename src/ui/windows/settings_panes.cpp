@@ -178,12 +178,8 @@ void ShortcutPane::addKeys(const TextTable& texts, Preferences& preferences) {
         caps.push_back(TextLabel::keyCap());
         group.addRow(new TextLabel({line.description, {}}, TextStyle::body), caps.back());
     }
-    keep(preferences.modifier.published().subscribe([caps, &texts](SwitcherModifier modifier) {
-        const auto lines = key_lines::whileOpen(modifier, texts);
-        for (std::size_t index = 0; index < lines.size(); ++index) {
-            caps.at(index)->setText(QString::fromStdString(lines.at(index).keys));
-        }
-    }));
+    keep(bindKeyCaps(caps, preferences.modifier.published(),
+                     [&texts](SwitcherModifier trigger) { return key_lines::whileOpen(trigger, texts); }));
 }
 
 AppearancePane::AppearancePane(const UtilityTexts& texts, Preferences& preferences)

@@ -70,16 +70,10 @@ QColor UtilityTheme::color(Tone tone) const {
             return textPrimary;
         case Tone::secondary:
             return textSecondary;
-        case Tone::onAccent:
-            return accentText;
         case Tone::success:
             return success;
         case Tone::warning:
             return warning;
-        case Tone::accent:
-            return link;
-        case Tone::favourite:
-            return favourite;
     }
     return textPrimary;
 }

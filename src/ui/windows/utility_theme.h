@@ -11,7 +11,7 @@ class QPainter;
 namespace ferrowyn {
 
 /// The role of a symbol or text, which decides its colour.
-enum class Tone { primary, secondary, onAccent, success, warning, accent, favourite };
+enum class Tone { primary, secondary, success, warning };
 
 /// The colours of the utility windows, light or dark. A plain value.
 struct UtilityTheme {
