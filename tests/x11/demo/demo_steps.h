@@ -18,9 +18,9 @@ public:
 private:
     void quickSwitch();
     void heldSession();
+    void gridLayout();
     void typedFilter();
     void digitJump();
-    void gridLayout();
     void pin();
     void restoreMinimised();
 
