@@ -17,7 +17,8 @@ namespace ferrowyn {
 struct UtilityTexts;
 class IconImage;
 
-/// A pinned application: its icon, name and star, and a button that removes it. Main thread.
+/// A pinned application: its icon, name and star, and a button that removes it. Icon and name are painted here, because
+/// a label of the toolkit neither elides its text nor waits with its picture until it is seen. Main thread.
 class FavouriteRow final : public QWidget {
     Q_OBJECT
 

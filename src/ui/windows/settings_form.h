@@ -30,7 +30,8 @@ inline constexpr int belowNote = 12;
 
 }  // namespace group_metrics
 
-/// A box of rows with hairlines between them. It owns what is added. Main thread.
+/// A box of rows with hairlines between them, which the toolkit's group box has not. It owns what is added. Main
+/// thread.
 class SettingsGroup final : public QWidget {
     Q_OBJECT
 

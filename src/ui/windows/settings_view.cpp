@@ -38,6 +38,7 @@ SettingsPane paneAt(int row) {
     return allSettingsPanes[static_cast<std::size_t>(std::max(row, 0))];
 }
 
+/// Paints a row of the toolkit's list. No other control looks like it, so it is not in `ControlStyle`.
 class RowDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
