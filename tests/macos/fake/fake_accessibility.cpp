@@ -1,22 +1,12 @@
 #include "tests/macos/fake/fake_accessibility.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <sstream>
 #include <utility>
 
 #include "tests/macos/fake/fake_system.h"
 
 namespace ferrowyn::fake {
-
-namespace {
-
-std::string shortNumber(float number) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", static_cast<double>(number));
-    return text;
-}
-
-}  // namespace
 
 Accessibility& Accessibility::shared() {
     static auto* const accessibility = new Accessibility;
@@ -24,29 +14,29 @@ Accessibility& Accessibility::shared() {
 }
 
 void Accessibility::reset() {
-    const std::scoped_lock lock(lock_);
+    const std::scoped_lock guard(lock);
     refusesHandles = false;
-    applications_.clear();
-    elements_.clear();
+    applications.clear();
+    elements.clear();
     requests_.clear();
     secondsWaited_ = 0;
     lastElement_ = 0;
 }
 
 ElementId Accessibility::addApplication(Pid pid) {
-    const std::scoped_lock lock(lock_);
+    const std::scoped_lock guard(lock);
     const ElementId id{++lastElement_};
-    elements_[id] = Element{.pid = pid};
-    applications_[pid] = Application{.element = id};
+    elements[id] = Element{.pid = pid};
+    applications[pid] = Application{.element = id};
     return id;
 }
 
 ElementId Accessibility::addWindow(Pid pid, Element window) {
-    const std::scoped_lock lock(lock_);
+    const std::scoped_lock guard(lock);
     const ElementId id{++lastElement_};
     window.pid = pid;
-    elements_[id] = std::move(window);
-    auto& windows = elements_.at(applications_.at(pid).element).attributes["AXWindows"];
+    elements[id] = std::move(window);
+    auto& windows = elements.at(applications.at(pid).element).attributes["AXWindows"];
     if (!std::holds_alternative<std::vector<Value>>(windows)) {
         windows = std::vector<Value>();
     }
@@ -56,33 +46,35 @@ ElementId Accessibility::addWindow(Pid pid, Element window) {
 
 void Accessibility::post(ElementId element, const std::string& notification) {
     {
-        const std::scoped_lock lock(lock_);
-        for (auto* const observer : observers_) {
-            observer->enqueue(element, notification);
+        const std::scoped_lock guard(lock);
+        for (auto* const observer : observers) {
+            std::ranges::copy_if(observer->registrations, std::back_inserter(observer->waiting),
+                                 [&](const auto& each) { return each.isFor(element, notification); });
         }
     }
     RunLoop::wakeAll();
 }
 
 std::vector<std::string> Accessibility::takeRequests() {
-    const std::scoped_lock lock(lock_);
+    const std::scoped_lock guard(lock);
     return std::exchange(requests_, {});
 }
 
 double Accessibility::secondsWaited() const {
-    const std::scoped_lock lock(lock_);
+    const std::scoped_lock guard(lock);
     return secondsWaited_;
 }
 
-AXError Accessibility::ask(const std::string& request, ElementId id, float timeout) {
-    const std::scoped_lock lock(lock_);
-    requests_.push_back(request + " of " + std::to_string(id.number) + " within " + shortNumber(timeout));
+AXError Accessibility::ask(const std::string& request, const ElementHandle& handle) {
+    std::ostringstream line;
+    line << request << " of " << handle.id.number << " within " << handle.timeout;
+    requests_.push_back(line.str());
     if (!System::shared().isTrusted) {
         return kAXErrorAPIDisabled;
     }
-    const auto element = elements_.find(id);
-    const auto application = element != elements_.end() ? applications_.find(element->second.pid) : applications_.end();
-    if (application == applications_.end()) {
+    const auto element = elements.find(handle.id);
+    const auto application = element != elements.end() ? applications.find(element->second.pid) : applications.end();
+    if (application == applications.end()) {
         return kAXErrorInvalidUIElement;
     }
     auto& left = application->second.requestsUntilItHangs;
@@ -90,117 +82,31 @@ AXError Accessibility::ask(const std::string& request, ElementId id, float timeo
         application->second.hangs = true;
     }
     if (application->second.hangs) {
-        secondsWaited_ += static_cast<double>(timeout);
+        secondsWaited_ += static_cast<double>(handle.timeout);
         return kAXErrorCannotComplete;
     }
     return element->second.isGone ? kAXErrorInvalidUIElement : kAXErrorSuccess;
 }
 
-AXError Accessibility::copyValue(ElementId id, const std::string& attribute, CFTypeRef& value) const {
-    const std::scoped_lock lock(lock_);
-    const auto& attributes = elements_.at(id).attributes;
-    const auto found = attributes.find(attribute);
-    if (found == attributes.end()) {
-        return kAXErrorAttributeUnsupported;
-    }
-    if (const auto* const error = std::get_if<AXError>(&found->second)) {
-        return *error;
-    }
-    value = copy(found->second);
-    return kAXErrorSuccess;
-}
-
-AXError Accessibility::refusalOf(ElementId id, const std::string& name) const {
-    const std::scoped_lock lock(lock_);
-    const auto& refusals = elements_.at(id).refusals;
-    const auto found = refusals.find(name);
-    return found != refusals.end() ? found->second : kAXErrorSuccess;
-}
-
-void Accessibility::setValue(ElementId id, const std::string& attribute, Value value) {
-    const std::scoped_lock lock(lock_);
-    elements_.at(id).attributes[attribute] = std::move(value);
-}
-
-ElementId Accessibility::elementOfApplication(Pid pid) {
-    const std::scoped_lock lock(lock_);
-    const auto found = applications_.find(pid);
-    // Anybody may make an element of any number; what is asked of it is refused.
-    return found != applications_.end() ? found->second.element : ElementId{-pid};
-}
-
-bool Accessibility::canObserve(Pid pid) const {
-    const std::scoped_lock lock(lock_);
-    const auto found = applications_.find(pid);
-    return found != applications_.end() && found->second.canBeObserved;
-}
-
-AXError Accessibility::bulkError(ElementId id) const {
-    const std::scoped_lock lock(lock_);
-    return applications_.at(elements_.at(id).pid).bulkError;
-}
-
-std::optional<std::size_t> Accessibility::mostValuesInBulk(ElementId id) const {
-    const std::scoped_lock lock(lock_);
-    return applications_.at(elements_.at(id).pid).mostValuesInBulk;
-}
-
-std::optional<CGWindowID> Accessibility::windowNumber(ElementId id) const {
-    const std::scoped_lock lock(lock_);
-    const auto found = elements_.find(id);
-    return found != elements_.end() ? found->second.windowNumber : std::nullopt;
-}
-
-void Accessibility::addObserver(Observer& observer) {
-    const std::scoped_lock lock(lock_);
-    observers_.push_back(&observer);
-}
-
-void Accessibility::removeObserver(const Observer& observer) {
-    const std::scoped_lock lock(lock_);
-    std::erase(observers_, &observer);
-}
-
 Observer::Observer(Pid pid, AXObserverCallback callback)
     : Object("AXObserver"),
-      pid_(pid),
-      callback_(callback),
-      source_(new RunLoopSource("the observer of " + std::to_string(pid), [this] { return deliver(); })) {
-    Accessibility::shared().addObserver(*this);
+      source(new RunLoopSource("the observer of " + std::to_string(pid), [this] { return deliver(); })),
+      callback_(callback) {
+    auto& accessibility = Accessibility::shared();
+    const std::scoped_lock guard(accessibility.lock);
+    accessibility.observers.push_back(this);
 }
 
 Observer::~Observer() {
-    Accessibility::shared().removeObserver(*this);
+    auto& accessibility = Accessibility::shared();
+    const std::scoped_lock guard(accessibility.lock);
+    std::erase(accessibility.observers, this);
     // A source that is still on a loop must not come back here.
-    source_->isValid = [] { return false; };
-}
-
-bool Observer::add(ElementId element, const std::string& notification, void* refcon) {
-    const bool isRegistered = std::any_of(registrations_.begin(), registrations_.end(), [&](const auto& each) {
-        return each.element == element && each.notification == notification;
-    });
-    if (!isRegistered) {
-        registrations_.push_back({element, notification, refcon});
-    }
-    return !isRegistered;
-}
-
-bool Observer::remove(ElementId element, const std::string& notification) {
-    return std::erase_if(registrations_, [&](const auto& each) {
-               return each.element == element && each.notification == notification;
-           }) > 0;
-}
-
-void Observer::enqueue(ElementId element, const std::string& notification) {
-    for (const auto& each : registrations_) {
-        if (each.element == element && each.notification == notification) {
-            waiting_.push_back(each);
-        }
-    }
+    source->isValid = [] { return false; };
 }
 
 bool Observer::deliver() {
-    const auto batch = std::exchange(waiting_, {});
+    const auto batch = std::exchange(waiting, {});
     const auto callback = callback_;
     const auto observer = as<AXObserverRef>();
     for (const auto& each : batch) {
@@ -221,113 +127,106 @@ using namespace ferrowyn::fake;
 
 namespace {
 
-ElementHandle* handleOf(AXUIElementRef element, const char* user) {
-    return Objects::shared().find<ElementHandle>(element, user);
-}
-
-/// The value that "AXMain" and the others are set to, as a script would say it.
-Value valueOf(CFTypeRef value) {
-    auto* const object = Objects::shared().findAny(value, "AXUIElementSetAttributeValue");
-    if (const auto* const truth = dynamic_cast<const Truth*>(object)) {
-        return truth->value();
-    }
-    if (const auto* const element = dynamic_cast<const ElementHandle*>(object)) {
-        return element->id();
-    }
-    Objects::shared().fault("AXUIElementSetAttributeValue to a value that no window takes");
-    return {};
-}
-
-std::string describe(const Value& value) {
-    if (const auto* const truth = std::get_if<bool>(&value)) {
-        return *truth ? "true" : "false";
-    }
-    const auto* const element = std::get_if<ElementId>(&value);
-    return element != nullptr ? std::to_string(element->number) : "?";
-}
-
+/// A request that has been sent to an element, with the lock held while it is answered.
 struct Request {
-    Observer* observer;
-    ElementHandle* element;
-    std::string notification;
+    Request(AXUIElementRef element, const std::string& words, const char* user)
+        : handle(Objects::shared().get<ElementHandle>(element, user)),
+          error(accessibility.ask(words, handle)),
+          known(error == kAXErrorSuccess ? &accessibility.element(handle.id) : nullptr) {}
+
+    /// What the element answers to an attribute, an action or a notification of this name.
+    [[nodiscard]] AXError answer(const std::string& name) const {
+        if (error != kAXErrorSuccess) {
+            return error;
+        }
+        const auto refusal = known->refusals.find(name);
+        return refusal != known->refusals.end() ? refusal->second : kAXErrorSuccess;
+    }
+    /// The error in the place of the value, if there is one.
+    [[nodiscard]] AXError copyValue(const std::string& attribute, CFTypeRef& value) const {
+        const auto found = known->attributes.find(attribute);
+        if (found == known->attributes.end()) {
+            return kAXErrorAttributeUnsupported;
+        }
+        if (const auto* const refused = std::get_if<AXError>(&found->second)) {
+            return *refused;
+        }
+        value = copy(found->second);
+        return kAXErrorSuccess;
+    }
+
+    Accessibility& accessibility = Accessibility::shared();
+    std::unique_lock<std::recursive_mutex> guard{accessibility.lock};
+    const ElementHandle& handle;
+    const AXError error;
+    Accessibility::Element* const known;
 };
 
-Request requestOf(AXObserverRef observer, AXUIElementRef element, CFStringRef notification, const char* user) {
-    return {Objects::shared().find<Observer>(observer, user), handleOf(element, user),
-            String::textOf(notification, user)};
-}
-
-AXError ask(const char* verb, const Request& request) {
-    auto& accessibility = Accessibility::shared();
-    const auto id = request.element->id();
-    const AXError error =
-        accessibility.ask(std::string(verb) + " " + request.notification, id, request.element->timeout);
-    return error != kAXErrorSuccess ? error : accessibility.refusalOf(id, request.notification);
+/// The value that "AXMain" and the others are set to, as a script would say it, and in words.
+std::pair<Value, std::string> valueOf(CFTypeRef value) {
+    auto* const object = Objects::shared().findAny(value, "AXUIElementSetAttributeValue");
+    if (const auto* const truth = dynamic_cast<const Truth*>(object)) {
+        return {truth->content, truth->content ? "true" : "false"};
+    }
+    if (const auto* const element = dynamic_cast<const ElementHandle*>(object)) {
+        return {element->id, std::to_string(element->id.number)};
+    }
+    Objects::shared().fault("AXUIElementSetAttributeValue to a value that no window takes");
+    return {{}, "?"};
 }
 
 }  // namespace
 
-CFTypeID AXUIElementGetTypeID() {
-    return std::hash<std::string>{}("AXUIElement");
-}
-
 AXUIElementRef AXUIElementCreateApplication(pid_t pid) {
-    if (Accessibility::shared().refusesHandles) {
+    auto& accessibility = Accessibility::shared();
+    const std::scoped_lock guard(accessibility.lock);
+    if (accessibility.refusesHandles) {
         return nullptr;
     }
-    return (new ElementHandle(Accessibility::shared().elementOfApplication(pid)))->as<AXUIElementRef>();
+    const auto found = accessibility.applications.find(pid);
+    // Anybody may make an element of any number; what is asked of it is refused.
+    const ElementId id = found != accessibility.applications.end() ? found->second.element : ElementId{-pid};
+    return (new ElementHandle(id))->as<AXUIElementRef>();
 }
 
 AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds) {
-    auto* const handle = handleOf(element, "AXUIElementSetMessagingTimeout");
-    if (handle == nullptr || timeoutInSeconds < 0) {
-        return kAXErrorIllegalArgument;
-    }
-    handle->timeout = timeoutInSeconds;
-    return kAXErrorSuccess;
+    Objects::shared().get<ElementHandle>(element, "AXUIElementSetMessagingTimeout").timeout = timeoutInSeconds;
+    return timeoutInSeconds < 0 ? kAXErrorIllegalArgument : kAXErrorSuccess;
 }
 
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef* value) {
-    const auto* const handle = handleOf(element, "AXUIElementCopyAttributeValue");
-    if (handle == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    auto& accessibility = Accessibility::shared();
-    const std::string name = String::textOf(attribute, "AXUIElementCopyAttributeValue");
-    const AXError error = accessibility.ask("copy " + name, handle->id(), handle->timeout);
-    return error != kAXErrorSuccess ? error : accessibility.copyValue(handle->id(), name, *value);
+    const std::string name = textOf(attribute, "AXUIElementCopyAttributeValue");
+    const Request request(element, "copy " + name, "AXUIElementCopyAttributeValue");
+    return request.error != kAXErrorSuccess ? request.error : request.copyValue(name, *value);
 }
 
 AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRef attributes,
                                                AXCopyMultipleAttributeOptions options, CFArrayRef* values) {
-    const auto* const handle = handleOf(element, "AXUIElementCopyMultipleAttributeValues");
-    const auto* const names = Objects::shared().find<Array>(attributes, "AXUIElementCopyMultipleAttributeValues");
-    if (handle == nullptr || names == nullptr) {
-        return kAXErrorIllegalArgument;
+    std::string words = "copy";
+    std::vector<std::string> names;
+    for (const auto& each :
+         Objects::shared().get<Array>(attributes, "AXUIElementCopyMultipleAttributeValues").content) {
+        names.push_back(textOf(each.get(), "an attribute's name"));
+        words += " " + names.back();
     }
-    auto& accessibility = Accessibility::shared();
-    std::string request = "copy";
-    for (const auto& name : names->values()) {
-        request += " " + String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name");
+    const Request request(element, words, "AXUIElementCopyMultipleAttributeValues");
+    if (request.error != kAXErrorSuccess) {
+        return request.error;
     }
-    if (const AXError error = accessibility.ask(request, handle->id(), handle->timeout); error != kAXErrorSuccess) {
-        return error;
-    }
-    if (const AXError error = accessibility.bulkError(handle->id()); error != kAXErrorSuccess) {
-        return error;
+    const auto& application = request.accessibility.application(request.known->pid);
+    if (application.bulkError != kAXErrorSuccess) {
+        return application.bulkError;
     }
     std::vector<Held<const Object>> answers;
-    for (const auto& name : names->values()) {
+    for (const auto& name : names) {
         CFTypeRef value = nullptr;
-        const AXError error = accessibility.copyValue(
-            handle->id(), String::textOf(reinterpret_cast<CFStringRef>(name.get()), "an attribute's name"), value);
+        const AXError error = request.copyValue(name, value);
         if (error != kAXErrorSuccess && (options & kAXCopyMultipleAttributeOptionStopOnError) != 0) {
             return error;
         }
-        answers.push_back(error == kAXErrorSuccess ? Held<const Object>(static_cast<const Object*>(value))
-                                                   : Held<const Object>(new AccessibilityValue(error)));
+        answers.push_back(Held<const Object>(static_cast<const Object*>(value != nullptr ? value : copy(error))));
     }
-    while (answers.size() > accessibility.mostValuesInBulk(handle->id()).value_or(answers.size())) {
+    while (answers.size() > application.mostValuesInBulk.value_or(answers.size())) {
         answers.pop_back();
     }
     *values = (new Array(std::move(answers)))->as<CFArrayRef>();
@@ -335,36 +234,26 @@ AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRe
 }
 
 AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef value) {
-    const auto* const handle = handleOf(element, "AXUIElementSetAttributeValue");
-    if (handle == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    auto& accessibility = Accessibility::shared();
-    const std::string name = String::textOf(attribute, "AXUIElementSetAttributeValue");
-    const Value script = valueOf(value);
-    AXError error = accessibility.ask("set " + name + " to " + describe(script), handle->id(), handle->timeout);
+    const std::string name = textOf(attribute, "AXUIElementSetAttributeValue");
+    const auto [script, words] = valueOf(value);
+    const Request request(element, "set " + name + " to " + words, "AXUIElementSetAttributeValue");
+    const AXError error = request.answer(name);
     if (error == kAXErrorSuccess) {
-        error = accessibility.refusalOf(handle->id(), name);
-    }
-    if (error == kAXErrorSuccess) {
-        accessibility.setValue(handle->id(), name, script);
+        request.known->attributes[name] = script;
     }
     return error;
 }
 
 AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action) {
-    const auto* const handle = handleOf(element, "AXUIElementPerformAction");
-    if (handle == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    auto& accessibility = Accessibility::shared();
-    const std::string name = String::textOf(action, "AXUIElementPerformAction");
-    const AXError error = accessibility.ask("perform " + name, handle->id(), handle->timeout);
-    return error != kAXErrorSuccess ? error : accessibility.refusalOf(handle->id(), name);
+    const std::string name = textOf(action, "AXUIElementPerformAction");
+    return Request(element, "perform " + name, "AXUIElementPerformAction").answer(name);
 }
 
 AXError AXObserverCreate(pid_t application, AXObserverCallback callback, AXObserverRef* observer) {
-    if (!Accessibility::shared().canObserve(application)) {
+    auto& accessibility = Accessibility::shared();
+    const std::scoped_lock guard(accessibility.lock);
+    const auto found = accessibility.applications.find(application);
+    if (found == accessibility.applications.end() || !found->second.canBeObserved) {
         return kAXErrorCannotComplete;
     }
     *observer = (new Observer(application, callback))->as<AXObserverRef>();
@@ -373,31 +262,31 @@ AXError AXObserverCreate(pid_t application, AXObserverCallback callback, AXObser
 
 AXError AXObserverAddNotification(AXObserverRef observer, AXUIElementRef element, CFStringRef notification,
                                   void* refcon) {
-    const auto request = requestOf(observer, element, notification, "AXObserverAddNotification");
-    if (request.observer == nullptr || request.element == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    if (const AXError error = ask("add", request); error != kAXErrorSuccess) {
+    auto& registrations = Objects::shared().get<Observer>(observer, "AXObserverAddNotification").registrations;
+    const std::string name = textOf(notification, "AXObserverAddNotification");
+    const Request request(element, "add " + name, "AXObserverAddNotification");
+    if (const AXError error = request.answer(name); error != kAXErrorSuccess) {
         return error;
     }
-    return request.observer->add(request.element->id(), request.notification, refcon)
-               ? kAXErrorSuccess
-               : kAXErrorNotificationAlreadyRegistered;
+    if (std::ranges::any_of(registrations, [&](const auto& each) { return each.isFor(request.handle.id, name); })) {
+        return kAXErrorNotificationAlreadyRegistered;
+    }
+    registrations.push_back({request.handle.id, name, refcon});
+    return kAXErrorSuccess;
 }
 
 AXError AXObserverRemoveNotification(AXObserverRef observer, AXUIElementRef element, CFStringRef notification) {
-    const auto request = requestOf(observer, element, notification, "AXObserverRemoveNotification");
-    if (request.observer == nullptr || request.element == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    if (const AXError error = ask("remove", request); error != kAXErrorSuccess) {
+    auto& registrations = Objects::shared().get<Observer>(observer, "AXObserverRemoveNotification").registrations;
+    const std::string name = textOf(notification, "AXObserverRemoveNotification");
+    const Request request(element, "remove " + name, "AXObserverRemoveNotification");
+    if (const AXError error = request.answer(name); error != kAXErrorSuccess) {
         return error;
     }
-    return request.observer->remove(request.element->id(), request.notification) ? kAXErrorSuccess
-                                                                                 : kAXErrorNotificationNotRegistered;
+    const auto removed =
+        std::erase_if(registrations, [&](const auto& each) { return each.isFor(request.handle.id, name); });
+    return removed > 0 ? kAXErrorSuccess : kAXErrorNotificationNotRegistered;
 }
 
 CFRunLoopSourceRef AXObserverGetRunLoopSource(AXObserverRef observer) {
-    auto* const found = Objects::shared().find<Observer>(observer, "AXObserverGetRunLoopSource");
-    return found != nullptr ? found->source().as<CFRunLoopSourceRef>() : nullptr;
+    return Objects::shared().get<Observer>(observer, "AXObserverGetRunLoopSource").source->as<CFRunLoopSourceRef>();
 }

@@ -2,11 +2,11 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <mutex>
+#include <type_traits>
 #include <utility>
 
 #include "core/text_encoding.h"
@@ -16,58 +16,50 @@ namespace ferrowyn::fake {
 
 namespace {
 
-Held<const Object> numberObject(double number) {
-    return Held<const Object>(new Number(number));
+Held<const Object> held(CFTypeRef owned) {
+    return Held<const Object>(static_cast<const Object*>(owned));
 }
 
-struct Copier {
-    CFTypeRef operator()(std::monostate) const { return (new Object("CFNull"))->as<CFTypeRef>(); }
-    CFTypeRef operator()(const std::string& text) const {
-        return (new String(text::utf16FromUtf8(text)))->as<CFTypeRef>();
-    }
-    CFTypeRef operator()(const std::u16string& units) const { return (new String(units))->as<CFTypeRef>(); }
-    CFTypeRef operator()(bool value) const { return CFRetain(value ? kCFBooleanTrue : kCFBooleanFalse); }
-    CFTypeRef operator()(std::int64_t number) const { return (new Number(number))->as<CFTypeRef>(); }
-    CFTypeRef operator()(double number) const { return (new Number(number))->as<CFTypeRef>(); }
-    CFTypeRef operator()(const Point& point) const { return (new AccessibilityValue(point))->as<CFTypeRef>(); }
-    CFTypeRef operator()(const Size& size) const { return (new AccessibilityValue(size))->as<CFTypeRef>(); }
-    CFTypeRef operator()(const AccessibilityRect& value) const {
-        return (new AccessibilityValue(value.rect))->as<CFTypeRef>();
-    }
-    CFTypeRef operator()(AXError error) const { return (new AccessibilityValue(error))->as<CFTypeRef>(); }
-    CFTypeRef operator()(ElementId id) const { return (new ElementHandle(id))->as<CFTypeRef>(); }
-    CFTypeRef operator()(const Rect& rect) const {
-        Dictionary::Entries entries;
-        entries.emplace("X", numberObject(rect.x));
-        entries.emplace("Y", numberObject(rect.y));
-        entries.emplace("Width", numberObject(rect.width));
-        entries.emplace("Height", numberObject(rect.height));
-        return (new Dictionary(std::move(entries)))->as<CFTypeRef>();
-    }
-    CFTypeRef operator()(const std::vector<Value>& values) const {
-        std::vector<Held<const Object>> held;
-        for (const auto& value : values) {
-            held.push_back(Held<const Object>(static_cast<const Object*>(copy(value))));
-        }
-        return (new Array(std::move(held)))->as<CFTypeRef>();
-    }
-};
-
-}  // namespace
-
-CFTypeRef copy(const Value& value) {
-    return std::visit(Copier{}, static_cast<const Value::variant&>(value));
-}
-
-namespace {
-
-CFTypeID typeIdOf(const std::string& kind) {
-    return std::hash<std::string>{}(kind);
+Object* newObject(const Value& value) {
+    return std::visit(
+        [](const auto& content) -> Object* {
+            using Content = std::decay_t<decltype(content)>;
+            if constexpr (std::is_same_v<Content, std::monostate>) {
+                return new Object("CFNull");
+            } else if constexpr (std::is_same_v<Content, std::string>) {
+                return new String(text::utf16FromUtf8(content));
+            } else if constexpr (std::is_same_v<Content, std::u16string>) {
+                return new String(content);
+            } else if constexpr (std::is_same_v<Content, bool>) {
+                return new Truth(content);
+            } else if constexpr (std::is_arithmetic_v<Content>) {
+                return new Number(content);
+            } else if constexpr (std::is_same_v<Content, ElementId>) {
+                return new ElementHandle(content);
+            } else if constexpr (std::is_same_v<Content, std::vector<Value>>) {
+                std::vector<Held<const Object>> objects;
+                std::transform(content.begin(), content.end(), std::back_inserter(objects),
+                               [](const Value& each) { return held(copy(each)); });
+                return new Array(std::move(objects));
+            } else if constexpr (std::is_same_v<Content, Rect>) {
+                std::map<std::string, Held<const Object>> sides;
+                sides.emplace("X", held(copy(content.x)));
+                sides.emplace("Y", held(copy(content.y)));
+                sides.emplace("Width", held(copy(content.width)));
+                sides.emplace("Height", held(copy(content.height)));
+                return new Dictionary(std::move(sides));
+            } else if constexpr (std::is_same_v<Content, AccessibilityRect>) {
+                return new AccessibilityValue(content.rect);
+            } else {
+                return new AccessibilityValue(content);
+            }
+        },
+        static_cast<const Value::variant&>(value));
 }
 
 template <typename Kind>
-Kind* find(const void* reference, const char* user) {
-    return Objects::shared().find<Kind>(reference, user);
+Kind& get(const void* reference, const char* user) {
+    return Objects::shared().get<Kind>(reference, user);
 }
 
 /// The text with the loss byte for each unit that is half of a pair.
@@ -88,26 +80,46 @@ std::string bytesOf(const std::u16string& units, char lossByte) {
 }
 
 double realOf(const Number& number) {
-    return std::visit([](auto content) { return static_cast<double>(content); }, number.value());
+    return std::visit([](auto content) { return static_cast<double>(content); }, number.content);
 }
 
+/// False when the number does not fit.
 template <typename Result>
-bool storeWhole(const Number::Content& content, void* result) {
-    if (const auto* const whole = std::get_if<std::int64_t>(&content)) {
-        if (*whole < std::numeric_limits<Result>::min() || *whole > std::numeric_limits<Result>::max()) {
-            return false;
-        }
-        *static_cast<Result*>(result) = static_cast<Result>(*whole);
-        return true;
+bool storeWhole(const Number& number, void* result) {
+    const double real = realOf(number);
+    const bool fits = std::trunc(real) == real && real >= static_cast<double>(std::numeric_limits<Result>::min()) &&
+                      real <= static_cast<double>(std::numeric_limits<Result>::max());
+    if (fits) {
+        *static_cast<Result*>(result) =
+            std::visit([](auto content) { return static_cast<Result>(content); }, number.content);
     }
-    const double real = std::get<double>(content);
-    *static_cast<Result*>(result) = static_cast<Result>(real);
-    return std::trunc(real) == real;
+    return fits;
+}
+
+std::vector<Held<const Object>> retained(const void** values, CFIndex count, const char* user) {
+    std::vector<Held<const Object>> objects;
+    for (CFIndex i = 0; i < count; ++i) {
+        objects.push_back(Held<const Object>::retaining(&get<const Object>(values[i], user)));
+    }
+    return objects;
+}
+
+CFBooleanRef constantBoolean(bool value) {
+    auto* const truth = new Truth(value);
+    Objects::shared().giveToSystem(*truth, true);
+    return truth->as<CFBooleanRef>();
 }
 
 }  // namespace
 
-CFStringRef String::constant(std::string_view text) {
+CFTypeRef copy(const Value& value) {
+    if (const auto* const truth = std::get_if<bool>(&value)) {
+        return CFRetain(*truth ? kCFBooleanTrue : kCFBooleanFalse);
+    }
+    return newObject(value)->as<CFTypeRef>();
+}
+
+CFStringRef constantString(std::string_view text) {
     static std::mutex lock;
     static auto* const constants = new std::map<std::string, String*, std::less<>>;
     const std::scoped_lock guard(lock);
@@ -120,108 +132,66 @@ CFStringRef String::constant(std::string_view text) {
     return found->second->as<CFStringRef>();
 }
 
-std::string String::textOf(CFStringRef reference, const char* user) {
-    const auto* const string = find<String>(reference, user);
-    return string != nullptr ? text::utf8FromUtf16(string->units()) : std::string();
+std::string textOf(const void* string, const char* user) {
+    return text::utf8FromUtf16(get<const String>(string, user).content);
 }
 
-bool String::equals(const Object& other) const {
-    return units_ == dynamic_cast<const String&>(other).units_;
+const Object* valueIn(const Dictionary& dictionary, const std::string& key) {
+    const auto found = dictionary.content.find(key);
+    return found != dictionary.content.end() ? found->second.get() : nullptr;
 }
-
-std::size_t String::hash() const {
-    return std::hash<std::u16string>{}(units_);
-}
-
-const Object* Dictionary::find(const std::string& key) const {
-    const auto found = entries_.find(key);
-    return found != entries_.end() ? found->second.get() : nullptr;
-}
-
-namespace {
-
-CFBooleanRef makeConstant(bool value) {
-    auto* const truth = new Truth(value);
-    Objects::shared().giveToSystem(*truth, true);
-    return truth->as<CFBooleanRef>();
-}
-
-std::vector<Held<const Object>> retained(const void** values, CFIndex count, const char* user) {
-    std::vector<Held<const Object>> held;
-    for (CFIndex i = 0; i < count; ++i) {
-        if (const auto* const object = Objects::shared().findAny(values[i], user)) {
-            held.push_back(Held<const Object>::retaining(object));
-        }
-    }
-    return held;
-}
-
-}  // namespace
 
 }  // namespace ferrowyn::fake
 
 using namespace ferrowyn::fake;
+using ferrowyn::fake::get;
 
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
-const CFBooleanRef kCFBooleanTrue = makeConstant(true);
-const CFBooleanRef kCFBooleanFalse = makeConstant(false);
+const CFBooleanRef kCFBooleanTrue = constantBoolean(true);
+const CFBooleanRef kCFBooleanFalse = constantBoolean(false);
 const CFArrayCallBacks kCFTypeArrayCallBacks{};
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks{};
 const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks{};
 
-CFTypeID CFStringGetTypeID() {
-    return typeIdOf("CFString");
-}
-CFTypeID CFBooleanGetTypeID() {
-    return typeIdOf("CFBoolean");
-}
-CFTypeID CFNumberGetTypeID() {
-    return typeIdOf("CFNumber");
-}
-CFTypeID CFArrayGetTypeID() {
-    return typeIdOf("CFArray");
-}
-CFTypeID CFDictionaryGetTypeID() {
-    return typeIdOf("CFDictionary");
-}
-CFTypeID AXValueGetTypeID() {
-    return typeIdOf("AXValue");
-}
+#define TYPE_ID(_kind)                           \
+    CFTypeID _kind##GetTypeID() {                \
+        return std::hash<std::string>{}(#_kind); \
+    }
+TYPE_ID(CFString)
+TYPE_ID(CFBoolean)
+TYPE_ID(CFNumber)
+TYPE_ID(CFArray)
+TYPE_ID(CFDictionary)
+TYPE_ID(AXValue)
+TYPE_ID(AXUIElement)
 
 CFStringRef __CFStringMakeConstantString(const char* text) {
-    return String::constant(text);
+    return constantString(text);
 }
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex count, CFStringEncoding encoding,
                                     Boolean) {
-    const std::string_view text(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count));
-    if (encoding != kCFStringEncodingUTF8 || !ferrowyn::text::isValidUtf8(text)) {
-        return nullptr;
-    }
-    return (new String(ferrowyn::text::utf16FromUtf8(text)))->as<CFStringRef>();
+    const std::string text(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count));
+    const bool isText = encoding == kCFStringEncodingUTF8 && ferrowyn::text::isValidUtf8(text);
+    return isText ? static_cast<CFStringRef>(copy(text)) : nullptr;
 }
 
 CFIndex CFStringGetLength(CFStringRef string) {
-    const auto* const found = find<String>(string, "CFStringGetLength");
-    return found != nullptr ? static_cast<CFIndex>(found->units().size()) : 0;
+    return static_cast<CFIndex>(get<String>(string, "CFStringGetLength").content.size());
 }
 
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding, UInt8 lossByte, Boolean,
                          UInt8* buffer, CFIndex bufferSize, CFIndex* usedSize) {
-    const auto* const found = find<String>(string, "CFStringGetBytes");
-    if (found == nullptr || encoding != kCFStringEncodingUTF8 ||
-        range.location + range.length > static_cast<CFIndex>(found->units().size())) {
-        Objects::shared().fault("CFStringGetBytes was asked for what the string does not have");
+    const auto& units = get<String>(string, "CFStringGetBytes").content;
+    const std::string bytes =
+        bytesOf(units.substr(static_cast<std::size_t>(range.location), static_cast<std::size_t>(range.length)),
+                static_cast<char>(lossByte));
+    if (encoding != kCFStringEncodingUTF8 || range.location + range.length > static_cast<CFIndex>(units.size()) ||
+        (buffer != nullptr && bufferSize < static_cast<CFIndex>(bytes.size()))) {
+        Objects::shared().fault("CFStringGetBytes was asked for what there is not, or given too little room");
         return 0;
     }
-    const auto units =
-        found->units().substr(static_cast<std::size_t>(range.location), static_cast<std::size_t>(range.length));
-    const std::string bytes = bytesOf(units, static_cast<char>(lossByte));
     if (buffer != nullptr) {
-        if (bufferSize < static_cast<CFIndex>(bytes.size())) {
-            Objects::shared().fault("CFStringGetBytes was given too little room");
-            return 0;
-        }
         bytes.copy(reinterpret_cast<char*>(buffer), bytes.size());
     }
     if (usedSize != nullptr) {
@@ -231,27 +201,22 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding enc
 }
 
 Boolean CFBooleanGetValue(CFBooleanRef boolean) {
-    const auto* const found = find<Truth>(boolean, "CFBooleanGetValue");
-    return found != nullptr && found->value();
+    return get<Truth>(boolean, "CFBooleanGetValue").content;
 }
 
 Boolean CFNumberIsFloatType(CFNumberRef number) {
-    const auto* const found = find<Number>(number, "CFNumberIsFloatType");
-    return found != nullptr && std::holds_alternative<double>(found->value());
+    return std::holds_alternative<double>(get<Number>(number, "CFNumberIsFloatType").content);
 }
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
-    const auto* const found = find<Number>(number, "CFNumberGetValue");
-    if (found == nullptr) {
-        return false;
-    }
+    const auto& found = get<Number>(number, "CFNumberGetValue");
     switch (type) {
         case kCFNumberSInt32Type:
-            return storeWhole<std::int32_t>(found->value(), value);
+            return storeWhole<std::int32_t>(found, value);
         case kCFNumberSInt64Type:
-            return storeWhole<std::int64_t>(found->value(), value);
+            return storeWhole<std::int64_t>(found, value);
         case kCFNumberDoubleType:
-            *static_cast<double*>(value) = realOf(*found);
+            *static_cast<double*>(value) = realOf(found);
             return true;
     }
     return false;
@@ -265,17 +230,16 @@ CFArrayRef CFArrayCreate(CFAllocatorRef, const void** values, CFIndex count, con
 }
 
 CFIndex CFArrayGetCount(CFArrayRef array) {
-    const auto* const found = find<Array>(array, "CFArrayGetCount");
-    return found != nullptr ? static_cast<CFIndex>(found->values().size()) : 0;
+    return static_cast<CFIndex>(get<Array>(array, "CFArrayGetCount").content.size());
 }
 
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
-    const auto* const found = find<Array>(array, "CFArrayGetValueAtIndex");
-    if (found == nullptr || index < 0 || static_cast<std::size_t>(index) >= found->values().size()) {
+    const auto& values = get<Array>(array, "CFArrayGetValueAtIndex").content;
+    if (index < 0 || static_cast<std::size_t>(index) >= values.size()) {
         Objects::shared().fault("CFArrayGetValueAtIndex beyond the end");
         return nullptr;
     }
-    return found->values()[static_cast<std::size_t>(index)].get();
+    return values[static_cast<std::size_t>(index)].get();
 }
 
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex count,
@@ -284,45 +248,36 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
     if (keyCallBacks != &kCFTypeDictionaryKeyCallBacks || valueCallBacks != &kCFTypeDictionaryValueCallBacks) {
         Objects::shared().fault("CFDictionaryCreate without the callbacks that retain its keys and values");
     }
-    Dictionary::Entries entries;
-    auto held = retained(values, count, "CFDictionaryCreate");
-    for (std::size_t i = 0; i < held.size(); ++i) {
-        entries.insert_or_assign(String::textOf(static_cast<CFStringRef>(keys[i]), "CFDictionaryCreate"),
-                                 std::move(held[i]));
+    std::map<std::string, Held<const Object>> entries;
+    auto objects = retained(values, count, "CFDictionaryCreate");
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        entries.insert_or_assign(textOf(keys[i], "CFDictionaryCreate"), std::move(objects[i]));
     }
     return (new Dictionary(std::move(entries)))->as<CFDictionaryRef>();
 }
 
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
-    const auto* const found = find<Dictionary>(dictionary, "CFDictionaryGetValue");
-    return found != nullptr ? found->find(String::textOf(static_cast<CFStringRef>(key), "CFDictionaryGetValue"))
-                            : nullptr;
+    return valueIn(get<Dictionary>(dictionary, "CFDictionaryGetValue"), textOf(key, "CFDictionaryGetValue"));
 }
 
 bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* rectangle) {
-    const auto* const found = find<Dictionary>(dictionary, "CGRectMakeWithDictionaryRepresentation");
-    if (found == nullptr) {
-        return false;
-    }
-    std::array<double, 4> sides{};
-    const std::array<const char*, 4> names{"X", "Y", "Width", "Height"};
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const auto* const side = dynamic_cast<const Number*>(found->find(names.at(i)));
+    const auto& found = get<Dictionary>(dictionary, "CGRectMakeWithDictionaryRepresentation");
+    CGRect result{};
+    const std::pair<const char*, CGFloat&> sides[]{
+        {"X", result.origin.x}, {"Y", result.origin.y}, {"Width", result.size.width}, {"Height", result.size.height}};
+    for (const auto& [name, value] : sides) {
+        const auto* const side = dynamic_cast<const Number*>(valueIn(found, name));
         if (side == nullptr) {
             return false;
         }
-        sides.at(i) = realOf(*side);
+        value = realOf(*side);
     }
-    *rectangle = CGRect{{sides[0], sides[1]}, {sides[2], sides[3]}};
+    *rectangle = result;
     return true;
 }
 
 Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* result) {
-    const auto* const found = find<AccessibilityValue>(value, "AXValueGetValue");
-    if (found == nullptr) {
-        return false;
-    }
-    const auto& content = found->value();
+    const auto& content = get<AccessibilityValue>(value, "AXValueGetValue").content;
     if (const auto* const point = std::get_if<ferrowyn::Point>(&content);
         point != nullptr && type == kAXValueTypeCGPoint) {
         *static_cast<CGPoint*>(result) = CGPoint{point->x, point->y};

@@ -37,75 +37,45 @@ struct Value : std::variant<std::monostate, std::string, std::u16string, bool, s
 /// An object that the caller owns. Elements have the default messaging timeout.
 [[nodiscard]] CFTypeRef copy(const Value& value);
 
-}  // namespace ferrowyn::fake
-
-namespace ferrowyn::fake {
-
-/// A string; its units need not be well-formed UTF-16.
-class String final : public Object {
+/// An object that holds a value of the system.
+template <typename Content>
+class Box final : public Object {
 public:
-    explicit String(std::u16string units) : Object("CFString"), units_(std::move(units)) {}
-    /// A constant string, which is never destroyed.
-    [[nodiscard]] static CFStringRef constant(std::string_view text);
-    /// As UTF-8; empty, and a fault, when the reference is not to a string.
-    [[nodiscard]] static std::string textOf(CFStringRef reference, const char* user);
+    explicit Box(Content held) : Object(kind), content(std::move(held)) {}
 
-    [[nodiscard]] const std::u16string& units() const { return units_; }
-    [[nodiscard]] bool equals(const Object& other) const override;
-    [[nodiscard]] std::size_t hash() const override;
+    const Content content;
 
 private:
-    std::u16string units_;
+    static const char* const kind;
 };
 
-class Truth final : public Object {
-public:
-    explicit Truth(bool value) : Object("CFBoolean"), value_(value) {}
-    [[nodiscard]] bool value() const { return value_; }
-
-private:
-    bool value_;
-};
-
-class Number final : public Object {
-public:
-    using Content = std::variant<std::int64_t, double>;
-    explicit Number(Content value) : Object("CFNumber"), value_(value) {}
-    [[nodiscard]] Content value() const { return value_; }
-
-private:
-    Content value_;
-};
-
-class Array final : public Object {
-public:
-    explicit Array(std::vector<Held<const Object>> values) : Object("CFArray"), values_(std::move(values)) {}
-    [[nodiscard]] const std::vector<Held<const Object>>& values() const { return values_; }
-
-private:
-    std::vector<Held<const Object>> values_;
-};
-
-class Dictionary final : public Object {
-public:
-    using Entries = std::map<std::string, Held<const Object>>;
-    explicit Dictionary(Entries entries) : Object("CFDictionary"), entries_(std::move(entries)) {}
-    /// Null when there is none.
-    [[nodiscard]] const Object* find(const std::string& key) const;
-
-private:
-    Entries entries_;
-};
-
+/// The units need not be well-formed UTF-16.
+using String = Box<std::u16string>;
+using Truth = Box<bool>;
+using Number = Box<std::variant<std::int64_t, double>>;
+using Array = Box<std::vector<Held<const Object>>>;
+using Dictionary = Box<std::map<std::string, Held<const Object>>>;
 /// A value of the Accessibility interface.
-class AccessibilityValue final : public Object {
-public:
-    using Content = std::variant<Point, Size, Rect, AXError>;
-    explicit AccessibilityValue(Content value) : Object("AXValue"), value_(value) {}
-    [[nodiscard]] const Content& value() const { return value_; }
+using AccessibilityValue = Box<std::variant<Point, Size, Rect, AXError>>;
 
-private:
-    Content value_;
-};
+template <>
+inline const char* const String::kind = "CFString";
+template <>
+inline const char* const Truth::kind = "CFBoolean";
+template <>
+inline const char* const Number::kind = "CFNumber";
+template <>
+inline const char* const Array::kind = "CFArray";
+template <>
+inline const char* const Dictionary::kind = "CFDictionary";
+template <>
+inline const char* const AccessibilityValue::kind = "AXValue";
+
+/// A constant string, which is never destroyed.
+[[nodiscard]] CFStringRef constantString(std::string_view text);
+/// As UTF-8.
+[[nodiscard]] std::string textOf(const void* string, const char* user);
+/// Null when the dictionary has no such key.
+[[nodiscard]] const Object* valueIn(const Dictionary& dictionary, const std::string& key);
 
 }  // namespace ferrowyn::fake

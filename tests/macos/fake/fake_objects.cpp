@@ -1,6 +1,7 @@
 #include "tests/macos/fake/fake_objects.h"
 
-#include <functional>
+#include <cstdio>
+#include <cstdlib>
 
 namespace ferrowyn::fake {
 
@@ -10,10 +11,6 @@ Object::Object(std::string kind) : kind_(std::move(kind)) {
 
 Object::~Object() {
     Objects::shared().remove(*this);
-}
-
-std::size_t Object::hash() const {
-    return std::hash<const Object*>{}(this);
 }
 
 Objects& Objects::shared() {
@@ -106,6 +103,13 @@ void Objects::fault(std::string what) {
     faults_.push_back(std::move(what));
 }
 
+void Objects::endWithFaults() {
+    for (const auto& fault : takeFaults()) {
+        std::fprintf(stderr, "%s\n", fault.c_str());
+    }
+    std::abort();
+}
+
 std::vector<std::string> Objects::takeFaults() {
     const std::scoped_lock lock(lock_);
     return std::exchange(faults_, {});
@@ -113,6 +117,7 @@ std::vector<std::string> Objects::takeFaults() {
 
 }  // namespace ferrowyn::fake
 
+using ferrowyn::fake::Object;
 using ferrowyn::fake::Objects;
 
 CFTypeRef CFRetain(CFTypeRef object) {
@@ -125,17 +130,15 @@ void CFRelease(CFTypeRef object) {
 }
 
 CFTypeID CFGetTypeID(CFTypeRef object) {
-    const auto* const found = Objects::shared().findAny(object, "CFGetTypeID");
-    return found != nullptr ? std::hash<std::string>{}(found->kind()) : 0;
+    return std::hash<std::string>{}(Objects::shared().get<Object>(object, "CFGetTypeID").kind());
 }
 
 Boolean CFEqual(CFTypeRef first, CFTypeRef second) {
-    const auto* const a = Objects::shared().findAny(first, "CFEqual");
-    const auto* const b = Objects::shared().findAny(second, "CFEqual");
-    return a != nullptr && b != nullptr && a->kind() == b->kind() && a->equals(*b);
+    const auto& a = Objects::shared().get<Object>(first, "CFEqual");
+    const auto& b = Objects::shared().get<Object>(second, "CFEqual");
+    return a.kind() == b.kind() && a.equals(b);
 }
 
 CFHashCode CFHash(CFTypeRef object) {
-    const auto* const found = Objects::shared().findAny(object, "CFHash");
-    return found != nullptr ? found->hash() : 0;
+    return Objects::shared().get<Object>(object, "CFHash").hash();
 }

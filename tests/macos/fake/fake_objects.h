@@ -3,6 +3,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstddef>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -22,7 +23,7 @@ public:
 
     [[nodiscard]] const std::string& kind() const { return kind_; }
     [[nodiscard]] virtual bool equals(const Object& other) const { return this == &other; }
-    [[nodiscard]] virtual std::size_t hash() const;
+    [[nodiscard]] virtual std::size_t hash() const { return std::hash<const Object*>{}(this); }
 
     /// The object as the system's type, with the one reference it was made with.
     template <typename Ref>
@@ -67,10 +68,6 @@ private:
     Kind* object_ = nullptr;
 };
 
-}  // namespace ferrowyn::fake
-
-namespace ferrowyn::fake {
-
 /// All objects of the fake with their reference counts, and the faults in their use. Any thread.
 class Objects {
 public:
@@ -93,16 +90,27 @@ public:
         return object;
     }
     [[nodiscard]] Object* findAny(const void* reference, const char* user);
+    /// The same; ends the program instead of returning null.
+    template <typename Kind>
+    [[nodiscard]] Kind& get(const void* reference, const char* user) {
+        auto* const object = find<Kind>(reference, user);
+        if (object == nullptr) {
+            endWithFaults();
+        }
+        return *object;
+    }
 
     /// References that the program holds.
     [[nodiscard]] std::size_t liveCount() const;
-    /// Their kinds, for a message.
+    /// Their kinds, for a message; empty when there are none.
     [[nodiscard]] std::string describeLive() const;
 
     void fault(std::string what);
     [[nodiscard]] std::vector<std::string> takeFaults();
 
 private:
+    [[noreturn]] void endWithFaults();
+
     struct Entry {
         Object* object;
         std::size_t references = 1;

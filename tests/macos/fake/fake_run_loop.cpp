@@ -13,7 +13,6 @@ namespace ferrowyn::fake {
 namespace {
 
 constexpr const char* commonModes = "kCFRunLoopCommonModes";
-constexpr const char* defaultMode = "kCFRunLoopDefaultMode";
 
 /// One lock for all loops: they are few, and every wait is for all of them.
 std::mutex lock;
@@ -181,8 +180,8 @@ std::string RunLoop::name() const {
 
 using namespace ferrowyn::fake;
 
-const CFRunLoopMode kCFRunLoopDefaultMode = String::constant(defaultMode);
-const CFRunLoopMode kCFRunLoopCommonModes = String::constant(commonModes);
+const CFRunLoopMode kCFRunLoopDefaultMode = constantString("kCFRunLoopDefaultMode");
+const CFRunLoopMode kCFRunLoopCommonModes = constantString(commonModes);
 
 CFRunLoopRef CFRunLoopGetCurrent() {
     return RunLoop::current().as<CFRunLoopRef>();
@@ -196,7 +195,7 @@ CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds
     if (returnAfterSourceHandled) {
         Objects::shared().fault("CFRunLoopRunInMode that returns after each source");
     }
-    const std::string name = String::textOf(mode, "CFRunLoopRunInMode");
+    const std::string name = textOf(mode, "CFRunLoopRunInMode");
     if (name == commonModes) {
         // A loop cannot run in it: the call returns at once.
         Objects::shared().fault("CFRunLoopRunInMode in the common modes");
@@ -206,23 +205,17 @@ CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds
 }
 
 void CFRunLoopStop(CFRunLoopRef loop) {
-    if (auto* const found = Objects::shared().find<RunLoop>(loop, "CFRunLoopStop")) {
-        found->stop();
-    }
+    Objects::shared().get<RunLoop>(loop, "CFRunLoopStop").stop();
 }
 
 void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode) {
-    auto* const found = Objects::shared().find<RunLoop>(loop, "CFRunLoopAddSource");
-    auto* const added = Objects::shared().find<RunLoopSource>(source, "CFRunLoopAddSource");
-    if (found != nullptr && added != nullptr) {
-        found->add(*added, String::textOf(mode, "CFRunLoopAddSource"));
-    }
+    auto& added = Objects::shared().get<RunLoopSource>(source, "CFRunLoopAddSource");
+    Objects::shared().get<RunLoop>(loop, "CFRunLoopAddSource").add(added, textOf(mode, "CFRunLoopAddSource"));
 }
 
 void CFRunLoopRemoveSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode) {
-    auto* const found = Objects::shared().find<RunLoop>(loop, "CFRunLoopRemoveSource");
-    auto* const removed = Objects::shared().find<RunLoopSource>(source, "CFRunLoopRemoveSource");
-    if (found != nullptr && removed != nullptr) {
-        found->remove(*removed, String::textOf(mode, "CFRunLoopRemoveSource"));
-    }
+    auto& removed = Objects::shared().get<RunLoopSource>(source, "CFRunLoopRemoveSource");
+    Objects::shared()
+        .get<RunLoop>(loop, "CFRunLoopRemoveSource")
+        .remove(removed, textOf(mode, "CFRunLoopRemoveSource"));
 }

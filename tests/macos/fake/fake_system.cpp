@@ -4,8 +4,10 @@
 #include <HIServices/HIServices.h>
 #include <pthread.h>
 
-#include "tests/macos/fake/fake_core_foundation.h"
-#include "tests/macos/fake/fake_objects.h"
+#include "tests/macos/fake/fake_accessibility.h"
+#include "tests/macos/fake/fake_keyboard.h"
+#include "tests/macos/fake/fake_run_loop.h"
+#include "tests/macos/fake/fake_window_server.h"
 
 namespace ferrowyn::fake {
 
@@ -50,11 +52,91 @@ void System::setQualityOfService(unsigned qualityOfService) {
     threads_.back().qualityOfService = qualityOfService;
 }
 
+WindowServer& WindowServer::shared() {
+    static WindowServer server;
+    return server;
+}
+
+void resetSystem() {
+    Accessibility::shared().reset();
+    WindowServer::shared().reset();
+    Keyboard::shared().reset();
+    System::shared().reset();
+    static_cast<void>(Objects::shared().takeFaults());
+    static_cast<void>(RunLoop::main().takeJournal());
+    static_cast<void>(RunLoop::main().takeRuns());
+}
+
+std::vector<std::string> takeComplaints() {
+    auto complaints = Objects::shared().takeFaults();
+    if (Objects::shared().liveCount() > 0) {
+        complaints.push_back(Objects::shared().describeLive());
+    }
+    if (RunLoop::main().hasSources()) {
+        complaints.emplace_back("the main loop has a source");
+    }
+    return complaints;
+}
+
+ElementId addWindow(Pid pid, WindowId number, const std::string& title, const Rect& frame) {
+    WindowServer::shared().windows.push_back({.keys = {{"kCGWindowNumber", std::int64_t{number}},
+                                                       {"kCGWindowOwnerPID", std::int64_t{pid}},
+                                                       {"kCGWindowOwnerName", title},
+                                                       {"kCGWindowLayer", std::int64_t{0}},
+                                                       {"kCGWindowAlpha", 1.0},
+                                                       {"kCGWindowIsOnscreen", true},
+                                                       {"kCGWindowBounds", frame}}});
+    return Accessibility::shared().addWindow(pid, {.attributes = {{"AXSubrole", std::string("AXStandardWindow")},
+                                                                  {"AXTitle", title},
+                                                                  {"AXMinimized", false},
+                                                                  {"AXMain", false},
+                                                                  {"AXFocused", false},
+                                                                  {"AXPosition", Point{frame.x, frame.y}},
+                                                                  {"AXSize", Size{frame.width, frame.height}}},
+                                                   .windowNumber = number});
+}
+
 }  // namespace ferrowyn::fake
 
 using namespace ferrowyn::fake;
 
-const CFStringRef kAXTrustedCheckOptionPrompt = String::constant("AXTrustedCheckOptionPrompt");
+#define CONSTANT(_name) const CFStringRef _name = constantString(#_name)
+CONSTANT(kCGWindowAlpha);
+CONSTANT(kCGWindowBounds);
+CONSTANT(kCGWindowIsOnscreen);
+CONSTANT(kCGWindowLayer);
+CONSTANT(kCGWindowNumber);
+CONSTANT(kCGWindowOwnerName);
+CONSTANT(kCGWindowOwnerPID);
+CONSTANT(kAXTrustedCheckOptionPrompt);
+
+CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption option, CGWindowID relativeToWindow) {
+    auto& server = WindowServer::shared();
+    server.options.push_back(option);
+    if (relativeToWindow != kCGNullWindowID) {
+        Objects::shared().fault("CGWindowListCopyWindowInfo relative to a window");
+    }
+    if (server.isSilent || server.answersWithText) {
+        return server.isSilent ? nullptr : static_cast<CFArrayRef>(copy(std::string("no list")));
+    }
+    const auto held = [](CFTypeRef owned) { return Held<const Object>(static_cast<const Object*>(owned)); };
+    std::vector<Held<const Object>> list;
+    for (const auto& window : server.windows) {
+        const bool isExcluded = ((option & kCGWindowListExcludeDesktopElements) != 0 && window.isDesktopElement) ||
+                                ((option & kCGWindowListOptionOnScreenOnly) != 0 && !window.isOnActiveSpace);
+        if (const auto found = server.intruders.find(list.size()); found != server.intruders.end()) {
+            list.push_back(held(copy(found->second)));
+        }
+        if (!isExcluded) {
+            std::map<std::string, Held<const Object>> entries;
+            for (const auto& [key, value] : window.keys) {
+                entries.emplace(key, held(copy(value)));
+            }
+            list.push_back(Held<const Object>(new Dictionary(std::move(entries))));
+        }
+    }
+    return (new Array(std::move(list)))->as<CFArrayRef>();
+}
 
 Boolean AXIsProcessTrusted() {
     return System::shared().isTrusted;
@@ -62,10 +144,9 @@ Boolean AXIsProcessTrusted() {
 
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
     if (options != nullptr) {
-        const auto* const found = Objects::shared().find<Dictionary>(options, "AXIsProcessTrustedWithOptions");
-        const auto* const prompt =
-            found != nullptr ? dynamic_cast<const Truth*>(found->find("AXTrustedCheckOptionPrompt")) : nullptr;
-        if (prompt != nullptr && prompt->value() && !System::shared().isTrusted) {
+        const auto& found = Objects::shared().get<Dictionary>(options, "AXIsProcessTrustedWithOptions");
+        const auto* const prompt = dynamic_cast<const Truth*>(valueIn(found, "kAXTrustedCheckOptionPrompt"));
+        if (prompt != nullptr && prompt->content && !System::shared().isTrusted) {
             ++System::shared().promptCount;
         }
     }

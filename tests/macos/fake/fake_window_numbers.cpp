@@ -1,9 +1,5 @@
 // A separate file: a program that is linked without it runs on a system that has no such function.
-#include <CoreGraphics/CoreGraphics.h>
-#include <HIServices/HIServices.h>
-
 #include "tests/macos/fake/fake_accessibility.h"
-#include "tests/macos/fake/fake_objects.h"
 
 using namespace ferrowyn::fake;
 
@@ -11,17 +7,12 @@ using namespace ferrowyn::fake;
 CF_EXPORT AXError _AXUIElementGetWindow(AXUIElementRef element, CGWindowID* number);
 
 AXError _AXUIElementGetWindow(AXUIElementRef element, CGWindowID* number) {
-    const auto* const handle = Objects::shared().find<ElementHandle>(element, "_AXUIElementGetWindow");
-    if (handle == nullptr) {
-        return kAXErrorIllegalArgument;
-    }
-    const AXError error = Accessibility::shared().ask("number", handle->id(), handle->timeout);
-    const auto found = Accessibility::shared().windowNumber(handle->id());
-    if (error != kAXErrorSuccess || !found) {
-        // A failure may change the number.
-        *number = 4242;
-        return error != kAXErrorSuccess ? error : kAXErrorFailure;
-    }
-    *number = *found;
-    return kAXErrorSuccess;
+    auto& accessibility = Accessibility::shared();
+    const std::scoped_lock guard(accessibility.lock);
+    const auto& handle = Objects::shared().get<ElementHandle>(element, "_AXUIElementGetWindow");
+    const AXError error = accessibility.ask("number", handle);
+    const auto found = error == kAXErrorSuccess ? accessibility.element(handle.id).windowNumber : std::nullopt;
+    // A failure may change the number.
+    *number = found.value_or(4242);
+    return error == kAXErrorSuccess && !found ? kAXErrorFailure : error;
 }

@@ -7,21 +7,13 @@
 namespace ferrowyn {
 
 MacFixture::MacFixture() {
-    accessibility.reset();
-    windowServer.reset();
-    keyboard.reset();
-    system.reset();
-    static_cast<void>(fake::Objects::shared().takeFaults());
-    static_cast<void>(fake::RunLoop::main().takeJournal());
-    static_cast<void>(fake::RunLoop::main().takeRuns());
+    fake::resetSystem();
 }
 
 MacFixture::~MacFixture() {
     // What waits on the main loop goes with it.
     desktop_.reset();
-    EXPECT_EQ(fake::Objects::shared().liveCount(), 0U) << fake::Objects::shared().describeLive();
-    EXPECT_THAT(fake::Objects::shared().takeFaults(), testing::IsEmpty());
-    EXPECT_FALSE(fake::RunLoop::main().hasSources());
+    EXPECT_THAT(fake::takeComplaints(), testing::IsEmpty());
 }
 
 void MacFixture::runMainLoop(const std::string& mode) {

@@ -31,18 +31,15 @@ protected:
     static void start(NSRunningApplication* first, NSRunningApplication* second) {
         NSWorkspace.sharedWorkspace.runningApplications = @[ first, second ];
     }
-    static NSBundle* bundle(NSString* name, NSDictionary* info) {
-        return [[NSBundle alloc]
-            initWithPath:[[@"/Applications/" stringByAppendingString:name] stringByAppendingString:@".app"]
-              identifier:nil
-                    info:info];
-    }
-    Subscription observe() {
-        return workspace.observe([this](const WorkspaceEvent& event) { events.push_back(event); });
+    static void install(const std::string& name, NSDictionary* info) {
+        const std::string path = "/Applications/" + name + ".app";
+        fake_mac::foundation().bundlesByPath[path] = [[NSBundle alloc] initWithPath:fake_mac::string(path)
+                                                                         identifier:nil
+                                                                               info:info];
     }
 
     MacWorkspace workspace;
-    std::vector<WorkspaceEvent> events;
+    [[nodiscard]] static NSWorkspace* shared() { return NSWorkspace.sharedWorkspace; }
 };
 
 TEST_F(MacDesktopTest, RunningApplicationsAreDescribedWhole) {
@@ -58,12 +55,10 @@ TEST_F(MacDesktopTest, RunningApplicationsAreDescribedWhole) {
     EXPECT_EQ(all[1].pid, 513);
     EXPECT_TRUE(all[1].isTerminated);
     EXPECT_EQ(all[1].activationPolicy, ActivationPolicy::prohibited);
-    EXPECT_FALSE(all[1].bundleIdentifier);
-    EXPECT_FALSE(all[1].localizedName);
-    EXPECT_FALSE(all[1].bundleURL);
+    EXPECT_FALSE(all[1].bundleIdentifier || all[1].localizedName || all[1].bundleURL);
 }
 
-TEST_F(MacDesktopTest, OneApplicationIsFoundByItsProcess) {
+TEST_F(MacDesktopTest, OneApplicationIsFoundByItsProcessAndTheFrontmostMayBeNone) {
     NSRunningApplication* const accessory = mail();
     accessory.activationPolicy = NSApplicationActivationPolicyAccessory;
     start(accessory, helper());
@@ -71,90 +66,75 @@ TEST_F(MacDesktopTest, OneApplicationIsFoundByItsProcess) {
     ASSERT_TRUE(found);
     EXPECT_EQ(found->activationPolicy, ActivationPolicy::accessory);
     EXPECT_FALSE(workspace.runningApplication(99));
-}
-
-TEST_F(MacDesktopTest, TheFrontmostApplicationMayBeNone) {
     EXPECT_FALSE(workspace.frontmostPid());
-    NSWorkspace.sharedWorkspace.frontmostApplication = mail();
+    shared().frontmostApplication = accessory;
     EXPECT_EQ(workspace.frontmostPid(), 512);
 }
 
 TEST_F(MacDesktopTest, EachNotificationOfTheWorkspaceIsAnEventWithItsApplication) {
-    const auto subscription = observe();
-    const std::vector<std::pair<NSNotificationName, Kind>> table{
-        {NSWorkspaceDidLaunchApplicationNotification, Kind::didLaunch},
-        {NSWorkspaceDidTerminateApplicationNotification, Kind::didTerminate},
-        {NSWorkspaceDidActivateApplicationNotification, Kind::didActivate},
-        {NSWorkspaceDidHideApplicationNotification, Kind::didHide},
-        {NSWorkspaceDidUnhideApplicationNotification, Kind::didUnhide},
+    struct Row {
+        NSNotificationName name;
+        Kind kind;
+        NSNotificationCenter* center;
+        NSDictionary* userInfo;
+        std::optional<Pid> pid;
     };
-    for (const auto& [name, kind] : table) {
+    NSNotificationCenter* const center = shared().notificationCenter;
+    NSDictionary* const aboutMail = @{NSWorkspaceApplicationKey : mail()};
+    std::vector<WorkspaceEvent> events;
+    const auto subscription = workspace.observe([&](const WorkspaceEvent& event) { events.push_back(event); });
+    for (const auto& row : std::vector<Row>{
+             {NSWorkspaceDidLaunchApplicationNotification, Kind::didLaunch, center, aboutMail, 512},
+             {NSWorkspaceDidTerminateApplicationNotification, Kind::didTerminate, center, aboutMail, 512},
+             {NSWorkspaceDidActivateApplicationNotification, Kind::didActivate, center, aboutMail, 512},
+             {NSWorkspaceDidHideApplicationNotification, Kind::didHide, center, aboutMail, 512},
+             {NSWorkspaceDidUnhideApplicationNotification, Kind::didUnhide, center, aboutMail, 512},
+             // What is no application names none.
+             {NSWorkspaceDidLaunchApplicationNotification, Kind::didLaunch, center,
+              @{NSWorkspaceApplicationKey : @"Mail"}, std::nullopt},
+             {NSWorkspaceActiveSpaceDidChangeNotification, Kind::activeSpaceDidChange, center,
+              [NSDictionary dictionary], std::nullopt},
+             {NSApplicationDidChangeScreenParametersNotification, Kind::screenParametersDidChange,
+              NSNotificationCenter.defaultCenter, nil, std::nullopt},
+         }) {
+        SCOPED_TRACE(text(row.name));
         events.clear();
-        [NSWorkspace.sharedWorkspace post:name application:mail()];
-        ASSERT_EQ(events.size(), 1U) << text(name);
-        EXPECT_EQ(events[0].kind, kind) << text(name);
-        ASSERT_TRUE(events[0].application) << text(name);
-        EXPECT_EQ(events[0].application->pid, 512);
+        [row.center post:row.name userInfo:row.userInfo];
+        ASSERT_EQ(events.size(), 1U);
+        EXPECT_EQ(events[0].kind, row.kind);
+        EXPECT_EQ(events[0].application ? std::optional(events[0].application->pid) : std::nullopt, row.pid);
     }
 }
 
-TEST_F(MacDesktopTest, SpacesAndScreensChangeWithoutAnApplication) {
-    const auto subscription = observe();
-    [NSWorkspace.sharedWorkspace post:NSWorkspaceActiveSpaceDidChangeNotification application:nil];
-    [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
-    ASSERT_EQ(events.size(), 2U);
-    EXPECT_EQ(events[0].kind, Kind::activeSpaceDidChange);
-    EXPECT_FALSE(events[0].application);
-    EXPECT_EQ(events[1].kind, Kind::screenParametersDidChange);
-    EXPECT_FALSE(events[1].application);
-}
-
-TEST_F(MacDesktopTest, ANotificationAboutSomethingElseThanAnApplicationNamesNone) {
-    const auto subscription = observe();
-    [NSWorkspace.sharedWorkspace.notificationCenter post:NSWorkspaceDidLaunchApplicationNotification
-                                                userInfo:@{NSWorkspaceApplicationKey : @"Mail"}];
-    ASSERT_EQ(events.size(), 1U);
-    EXPECT_FALSE(events[0].application);
-}
-
 TEST_F(MacDesktopTest, AnInstalledApplicationIsNamedByItsBundle) {
-    fake_mac::installBundle(bundle(@"Mail", @{@"CFBundleDisplayName" : @"Post", @"CFBundleName" : @"Mail"}));
-    EXPECT_EQ(workspace.installedApplicationName("com.example.Mail"), "Post");
+    const std::vector<std::pair<NSDictionary*, std::optional<std::string>>> table{
+        {@{@"CFBundleDisplayName" : @"Post", @"CFBundleName" : @"Mail"}, "Post"},
+        {@{@"CFBundleDisplayName" : @1, @"CFBundleName" : @"Mail"}, "Mail"},
+        {@{@"CFBundleDisplayName" : @"", @"CFBundleName" : @"Mail"}, ""},
+        {[NSDictionary dictionary], std::nullopt},
+    };
+    for (const auto& [info, name] : table) {
+        install("Mail", info);
+        EXPECT_EQ(workspace.installedApplicationName("com.example.Mail"), name);
+    }
     EXPECT_EQ(workspace.installedApplicationPath("com.example.Mail"), "/Applications/Mail.app");
-    fake_mac::installBundle(bundle(
-        @"Mail",
-        @{@"CFBundleDisplayName" : @1,
-          @"CFBundleName" : @"Mail"}));
-    EXPECT_EQ(workspace.installedApplicationName("com.example.Mail"), "Mail");
-    fake_mac::installBundle(bundle(@"Mail", @{@"CFBundleDisplayName" : @"", @"CFBundleName" : @"Mail"}));
-    EXPECT_EQ(workspace.installedApplicationName("com.example.Mail"), "") << "an empty name is one";
-}
-
-TEST_F(MacDesktopTest, AnApplicationThatIsNotInstalledOrHasNoNameIsNotNamed) {
     EXPECT_FALSE(workspace.installedApplicationName("com.example.Gone"));
     EXPECT_FALSE(workspace.installedApplicationPath("com.example.Gone"));
-    fake_mac::installBundle(bundle(@"Unnamed", [NSDictionary dictionary]));
-    EXPECT_FALSE(workspace.installedApplicationName("com.example.Unnamed"));
     EXPECT_FALSE(workspace.installedApplicationName("com.example.Broken")) << "there is no bundle at its place";
 }
 
-TEST_F(MacDesktopTest, AddressesAreOpenedByTheWorkspace) {
+TEST_F(MacDesktopTest, AddressesAndPagesOfTheSettingsAreOpenedByTheWorkspace) {
     EXPECT_TRUE(workspace.open("https://ferrowyn.example/"));
     EXPECT_FALSE(workspace.open("")) << "no address";
     EXPECT_FALSE(workspace.open("no address at all"));
-    NSWorkspace.sharedWorkspace.refusesToOpen = YES;
-    EXPECT_FALSE(workspace.open("https://example.org/"));
-    EXPECT_THAT(NSWorkspace.sharedWorkspace.openedAddresses,
-                ElementsAre("https://ferrowyn.example/", "https://example.org/"));
-}
-
-TEST_F(MacDesktopTest, APageOfTheSettingsIsOpenedByItsAddress) {
     EXPECT_TRUE(workspace.openSettings(SettingsPage::accessibility));
     EXPECT_TRUE(workspace.openSettings(SettingsPage::loginItems));
-    EXPECT_THAT(NSWorkspace.sharedWorkspace.openedAddresses,
-                ElementsAre("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility",
+    EXPECT_THAT(shared().openedAddresses,
+                ElementsAre("https://ferrowyn.example/",
+                            "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility",
                             "x-apple.systempreferences:com.apple.LoginItems-Settings.extension"));
-    NSWorkspace.sharedWorkspace.refusesToOpen = YES;
+    shared().refusesToOpen = YES;
+    EXPECT_FALSE(workspace.open("https://example.org/"));
     EXPECT_FALSE(workspace.openSettings(SettingsPage::loginItems));
 }
 
@@ -182,20 +162,21 @@ TEST_F(MacDesktopTest, ScreensKeepTheCoordinatesThatGrowUpward) {
                                          visibleFrame:NSMakeRect(0, 70, 1440, 805)];
     NSScreen* const second = [NSScreen screenWithFrame:NSMakeRect(-1920, -180, 1920, 1080)
                                           visibleFrame:NSMakeRect(-1920, -180, 1920, 1055)];
-    [NSScreen setScreens:@[ first, second ] main:second];
+    fake_mac::appKit().screens = @[ first, second ];
+    fake_mac::appKit().mainScreen = second;
     const MacScreens screens;
     EXPECT_THAT(screens.all(), ElementsAre(Screen{{0, 0, 1440, 900}, {0, 70, 1440, 805}},
                                            Screen{{-1920, -180, 1920, 1080}, {-1920, -180, 1920, 1055}}));
     EXPECT_EQ(screens.main()->frame, (Rect{-1920, -180, 1920, 1080}));
-    [NSScreen setScreens:@[ first, second ] main:nil];
+    fake_mac::appKit().mainScreen = nil;
     EXPECT_EQ(screens.main()->frame, (Rect{0, 0, 1440, 900}));
-    [NSScreen setScreens:[NSArray array] main:nil];
+    fake_mac::appKit().screens = nil;
     EXPECT_TRUE(screens.all().empty());
     EXPECT_FALSE(screens.main());
 }
 
 TEST_F(MacDesktopTest, ThePointersPlaceIsTheSystems) {
-    [NSEvent setMouseLocation:NSMakePoint(-12.5, 640)];
+    fake_mac::appKit().mouseLocation = NSMakePoint(-12.5, 640);
     EXPECT_EQ(MacPointer().location(), (Point{-12.5, 640}));
 }
 
@@ -203,28 +184,22 @@ TEST_F(MacDesktopTest, PressesOfEveryButtonElsewhereAreToldUntilTheTokenIsDroppe
     MacPointer pointer;
     int count = 0;
     auto subscription = pointer.observeClicksElsewhere([&] { ++count; });
-    EXPECT_EQ([NSEvent lastMonitorMask], 0x200000AULL);
-    [NSEvent pressElsewhere:NSEventTypeLeftMouseDown];
-    [NSEvent pressElsewhere:NSEventTypeRightMouseDown];
-    [NSEvent pressElsewhere:NSEventTypeOtherMouseDown];
-    EXPECT_EQ(count, 3);
-    [NSEvent pressElsewhere:NSEventTypeMouseMoved];
+    EXPECT_EQ(fake_mac::appKit().lastMonitorMask, 0x200000AULL);
+    for (const auto type :
+         {NSEventTypeLeftMouseDown, NSEventTypeRightMouseDown, NSEventTypeOtherMouseDown, NSEventTypeMouseMoved}) {
+        [NSEvent pressElsewhere:type];
+    }
     EXPECT_EQ(count, 3);
     subscription.reset();
-    EXPECT_EQ([NSEvent monitorCount], 0U);
     [NSEvent pressElsewhere:NSEventTypeLeftMouseDown];
     EXPECT_EQ(count, 3);
-}
-
-TEST_F(MacDesktopTest, AMonitorThatTheSystemRefusesIsNotTakenAwayAgain) {
-    [NSEvent setRefusesMonitors:YES];
-    MacPointer pointer;
-    auto subscription = pointer.observeClicksElsewhere([] {});
-    EXPECT_FALSE(subscription);
+    fake_mac::appKit().refusesMonitors = true;
+    EXPECT_FALSE(pointer.observeClicksElsewhere([] {})) << "what was not made is not taken away";
 }
 
 TEST_F(MacDesktopTest, IconsAreDrawnInTheSizeThatIsAskedFor) {
-    start(mail(), helper());
+    NSRunningApplication* const application = mail();
+    start(application, helper());
     MacIconSource icons;
     for (const auto& icon : {icons.iconForFile("/Applications/Mail.app"), icons.iconForProcess(512),
                              icons.genericApplicationIcon("Mail")}) {
@@ -239,25 +214,20 @@ TEST_F(MacDesktopTest, IconsAreDrawnInTheSizeThatIsAskedFor) {
         EXPECT_EQ(drawn.pixels[48 * 48 - 1], 0xFF002F2FU);
     }
     EXPECT_EQ(NSGraphicsContext.currentContext, nil) << "what was drawn into before is again";
-    EXPECT_THAT(NSWorkspace.sharedWorkspace.iconPaths, ElementsAre("/Applications/Mail.app"));
-    ASSERT_EQ(fake_mac::drawnIconSizes().size(), 3U);
-    for (const NSSize& size : fake_mac::drawnIconSizes()) {
+    EXPECT_THAT(shared().iconPaths, ElementsAre("/Applications/Mail.app"));
+    ASSERT_EQ(fake_mac::appKit().drawnIconSizes.size(), 3U);
+    for (const NSSize& size : fake_mac::appKit().drawnIconSizes) {
         EXPECT_EQ(size.width, 32);
         EXPECT_EQ(size.height, 32);
     }
-}
-
-TEST_F(MacDesktopTest, AnIconThatOthersShareKeepsItsSize) {
-    NSRunningApplication* const application = mail();
-    start(application, helper());
-    const auto size = application.icon.size;
-    EXPECT_TRUE(MacIconSource().iconForProcess(512));
-    EXPECT_EQ(application.icon.size.width, size.width);
-    EXPECT_EQ(application.icon.size.height, size.height);
+    EXPECT_EQ(application.icon.size.width, 512) << "others share the icon";
+    EXPECT_EQ(application.icon.size.height, 512);
+    EXPECT_FALSE(icons.iconForProcess(513)) << "gives no icon";
+    EXPECT_FALSE(icons.iconForProcess(99)) << "has exited";
 }
 
 TEST_F(MacDesktopTest, TheSystemsColoursAreThoseOfTheAppearance) {
-    auto& colors = fake_mac::systemColors();
+    auto& colors = fake_mac::appKit().systemColors;
     colors["NSAppearanceNameAqua systemOrange"] = {1, 0.5, 0};
     colors["NSAppearanceNameDarkAqua systemOrange"] = {1, 0.6, 0.2};
     colors["NSAppearanceNameAqua systemBlue"] = {0, 0, 1};
@@ -285,21 +255,13 @@ TEST_F(MacDesktopTest, SymbolsOfTheSystemAreDrawnInTheirOwnProportions) {
                                                                {SymbolWeight::medium, 0.23},
                                                                {SymbolWeight::semibold, 0.3}};
     for (const auto& [weight, number] : weights) {
-        fake_mac::drawnSymbols().clear();
         EXPECT_TRUE(looks.symbol("star", 9, weight, 1));
-        ASSERT_EQ(fake_mac::drawnSymbols().size(), 1U);
-        EXPECT_EQ(fake_mac::drawnSymbols()[0].name, "star");
-        EXPECT_EQ(fake_mac::drawnSymbols()[0].pointSize, 9);
-        EXPECT_EQ(fake_mac::drawnSymbols()[0].weight, number);
+        const auto& drawn = fake_mac::appKit().drawnSymbols.back();
+        EXPECT_EQ(drawn.name, "star");
+        EXPECT_EQ(drawn.pointSize, 9);
+        EXPECT_EQ(drawn.weight, number);
     }
     EXPECT_FALSE(looks.symbol("no.such.symbol", 14, SymbolWeight::medium, 1));
-}
-
-TEST_F(MacDesktopTest, AProcessThatGivesNoIconOrHasExitedHasNone) {
-    start(mail(), helper());
-    MacIconSource icons;
-    EXPECT_FALSE(icons.iconForProcess(513));
-    EXPECT_FALSE(icons.iconForProcess(99));
 }
 
 }  // namespace

@@ -32,15 +32,22 @@ public:
     Pid launch(const std::string& name) override {
         NSRunningApplication* const application = [[NSRunningApplication alloc] initWithPid:++lastPid_];
         application.localizedName = nsString(name);
-        replaceRunning(application, nil);
+        [NSWorkspace.sharedWorkspace start:application];
         [NSWorkspace.sharedWorkspace post:NSWorkspaceDidLaunchApplicationNotification application:application];
         return lastPid_;
     }
     void quit(Pid pid) override {
+        NSWorkspace* const workspace = NSWorkspace.sharedWorkspace;
         NSRunningApplication* const application = running(pid);
         application.terminated = YES;
-        replaceRunning(nil, application);
-        [NSWorkspace.sharedWorkspace post:NSWorkspaceDidTerminateApplicationNotification application:application];
+        NSArray<NSRunningApplication*>* const before = workspace.runningApplications;
+        workspace.runningApplications = nil;
+        for (NSRunningApplication* each in before) {
+            if (each != application) {
+                [workspace start:each];
+            }
+        }
+        [workspace post:NSWorkspaceDidTerminateApplicationNotification application:application];
     }
     void activate(Pid pid) override {
         NSWorkspace.sharedWorkspace.frontmostApplication = running(pid);
@@ -55,19 +62,6 @@ private:
     static NSRunningApplication* running(Pid pid) {
         return [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
     }
-    static void replaceRunning(NSRunningApplication* added, NSRunningApplication* removed) {
-        NSMutableArray<NSRunningApplication*>* const all = [NSMutableArray arrayWithCapacity:0];
-        for (NSRunningApplication* each in NSWorkspace.sharedWorkspace.runningApplications) {
-            if (each != removed) {
-                [all addObject:each];
-            }
-        }
-        if (added != nil) {
-            [all addObject:added];
-        }
-        NSWorkspace.sharedWorkspace.runningApplications = all;
-    }
-
     FakeMac mac_;
     MacWorkspace workspace_;
     Pid lastPid_ = 500;
@@ -80,7 +74,8 @@ public:
     void showDock(double height) override {
         NSScreen* const screen = [NSScreen screenWithFrame:NSMakeRect(0, 0, 1440, 900)
                                               visibleFrame:NSMakeRect(0, 0, 1440, 900 - height)];
-        [NSScreen setScreens:@[ screen ] main:screen];
+        fake_mac::appKit().screens = @[ screen ];
+        fake_mac::appKit().mainScreen = screen;
         [NSNotificationCenter.defaultCenter post:NSApplicationDidChangeScreenParametersNotification userInfo:nil];
     }
     void removeDock() override { showDock(0); }

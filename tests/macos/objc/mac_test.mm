@@ -10,13 +10,13 @@ void MacTest::TearDown() {
         EXPECT_EQ(NSNotificationCenter.defaultCenter.observerCount, 0U);
         EXPECT_EQ([NSDistributedNotificationCenter defaultCenter].observerCount, 0U);
         EXPECT_EQ(NSWorkspace.sharedWorkspace.notificationCenter.observerCount, 0U);
-        EXPECT_EQ([NSEvent monitorCount], 0U);
-        EXPECT_EQ([NSStatusBar itemCount], 0U);
+        EXPECT_TRUE(fake_mac::appKit().monitors.empty());
+        EXPECT_TRUE(fake_mac::appKit().statusItems.empty());
     }
     pool_.reset();
     fake_mac::forgetServices();
-    fake_mac::forgetAppKit();
-    fake_mac::forgetFoundation();
+    fake_mac::appKit() = {};
+    fake_mac::foundation() = {};
     EXPECT_EQ(objc_runtime::liveObjectCount(), 0) << objc_runtime::liveObjects();
 }
 

@@ -160,10 +160,11 @@ TEST_F(MacPanelTest, TheMaterialBehindTheContentIsAlwaysActiveAndRound) {
     EXPECT_EQ(mask.capInsets.bottom, cornerRadius);
     EXPECT_EQ(mask.resizingMode, NSImageResizingModeStretch);
     EXPECT_TRUE(mask.drawingHandler(NSMakeRect(0, 0, 29, 29)));
-    ASSERT_EQ(fake_mac::fills().size(), 1U);
-    EXPECT_EQ(fake_mac::fills()[0].radius, cornerRadius);
-    EXPECT_EQ(fake_mac::fills()[0].color, "black");
-    EXPECT_EQ(fake_mac::fills()[0].rect.size.width, 29);
+    const auto& fills = fake_mac::appKit().fills;
+    ASSERT_EQ(fills.size(), 1U);
+    EXPECT_EQ(fills[0].radius, cornerRadius);
+    EXPECT_EQ(fills[0].color, "black");
+    EXPECT_EQ(fills[0].rect.size.width, 29);
 }
 
 TEST_F(MacPanelTest, TheContentLetsTheMaterialShowAndFillsThePanel) {
@@ -177,60 +178,46 @@ TEST_F(MacPanelTest, TheWidgetHearsOfThePointerWhileAnotherApplicationIsActive) 
     panel->setFrame({-300, 120, 640, 300});
     calls.clear();
     NSView* const content = window().contentView;
-    [content pointerMovedTo:NSMakePoint(30, 290)];
-    [content pointerMovedTo:NSMakePoint(31, 200)];
-    EXPECT_THAT(calls, ElementsAre("pointer at 30 10", "pointer at 31 100"));
-    calls.clear();
-    [content pointerMovedTo:NSMakePoint(31, 301)];
-    EXPECT_THAT(calls, ElementsAre("pointer goes"));
+    for (const auto& [x, y] : {std::pair{30, 290}, {31, 200}, {31, 301}}) {
+        [content pointerMovedTo:NSMakePoint(x, y)];
+    }
+    EXPECT_THAT(calls, ElementsAre("pointer at 30 10", "pointer at 31 100", "pointer goes"));
     EXPECT_TRUE(window().acceptsMouseMovedEvents);
-}
-
-TEST_F(MacPanelTest, TheToolkitFollowsThePointerByItselfWhileTheProgramIsActive) {
-    setContent(someWidget());
-    NSApplication.sharedApplication.active = YES;
-    [window().contentView pointerMovedTo:NSMakePoint(30, 90)];
-    [window().contentView pointerMovedTo:NSMakePoint(31, 90)];
-    EXPECT_THAT(calls, ElementsAre("the toolkit follows", "the toolkit follows"));
-}
-
-TEST_F(MacPanelTest, AWidgetThatHasGoneHearsNothingOfThePointer) {
-    setContent(someWidget());
-    NSView* const content = window().contentView;
-    panel.reset();
     calls.clear();
+    NSApplication.sharedApplication.active = YES;
+    [content pointerMovedTo:NSMakePoint(30, 90)];
+    [content pointerMovedTo:NSMakePoint(31, 90)];
+    EXPECT_THAT(calls, ElementsAre("the toolkit follows", "the toolkit follows")) << "by itself";
+}
+
+TEST_F(MacPanelTest, TheWidgetLeavesTheWindowBeforeTheWindowGoesAndHearsNothingMore) {
+    setContent(someWidget());
+    panel->orderFrontRegardless();
+    NSPanel* const kept = window();
+    NSView* const content = kept.contentView;
+    calls.clear();
+    panel.reset();
+    EXPECT_EQ(kept.calls.back(), "close");
     [content pointerMovedTo:NSMakePoint(30, 90)];
     EXPECT_EQ(content.trackingAreas.count, 0U);
-    EXPECT_THAT(calls, IsEmpty());
-}
-
-TEST_F(MacPanelTest, ItTakesAFrameWithoutDrawingAtOnce) {
-    setContent(someWidget());
-    panel->setFrame({-300, 120, 760, 412});
-    EXPECT_EQ(fromNSRect(window().frame), (Rect{-300, 120, 760, 412}));
-    EXPECT_THAT(calls, ElementsAre("fill 760 412"));
-    EXPECT_THAT(window().calls, ElementsAre("setFrame"));
+    EXPECT_THAT(calls, ElementsAre("hide", "widget goes"));
 }
 
 TEST_F(MacPanelTest, ItIsShownWithWhatTheModelHoldsAndWithoutActivating) {
     setContent(someWidget());
+    panel->setFrame({-300, 120, 760, 412});
+    EXPECT_EQ(fromNSRect(window().frame), (Rect{-300, 120, 760, 412}));
     panel->orderFrontRegardless();
-    EXPECT_THAT(calls, ElementsAre("synchronize", "show"));
-    EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless"));
     EXPECT_TRUE(window().visible);
-    EXPECT_THAT([NSApplication.sharedApplication calls], IsEmpty());
-    panel->orderOut();
-    EXPECT_FALSE(window().visible);
-    EXPECT_EQ(calls.back(), "hide");
-}
-
-TEST_F(MacPanelTest, AFrameWhileItIsShownBringsTheContentUpToDate) {
-    setContent(someWidget());
-    panel->orderFrontRegardless();
+    EXPECT_THAT(NSApplication.sharedApplication.calls, IsEmpty());
+    EXPECT_THAT(calls, ElementsAre("fill 760 412", "synchronize", "show"));
     calls.clear();
     panel->setFrame({0, 0, 640, 300});
-    EXPECT_THAT(calls, ElementsAre("synchronize", "fill 640 300"));
-    EXPECT_THAT(window().calls, ElementsAre("orderFrontRegardless", "setFrame", "invalidateShadow"));
+    panel->orderOut();
+    EXPECT_FALSE(window().visible);
+    EXPECT_THAT(calls, ElementsAre("synchronize", "fill 640 300", "hide")) << "brought up to date while it is shown";
+    EXPECT_THAT(window().calls,
+                ElementsAre("setFrame", "orderFrontRegardless", "setFrame", "invalidateShadow", "orderOut"));
 }
 
 TEST_F(MacPanelTest, ItWarmsUpWhereNobodySeesIt) {
@@ -264,16 +251,6 @@ TEST_F(MacPanelTest, ContentThatDrawsNothingIsNotHosted) {
     EXPECT_EQ(window().contentView.subviews.count, 0U);
 }
 
-TEST_F(MacPanelTest, TheWidgetLeavesTheWindowBeforeTheWindowGoes) {
-    setContent(someWidget());
-    panel->orderFrontRegardless();
-    NSPanel* const kept = window();
-    calls.clear();
-    panel.reset();
-    EXPECT_THAT(calls, ElementsAre("hide", "widget goes"));
-    EXPECT_EQ(kept.calls.back(), "close");
-}
-
 /// What reaches a widget of the toolkit.
 class PointedWidget final : public QWidget {
 public:
@@ -289,17 +266,14 @@ protected:
     void leaveEvent(QEvent* /*event*/) override { calls.emplace_back("leave"); }
 };
 
-class MacToolkitTest : public MacTest {
-protected:
-    int argumentCount = 1;
-    char name[5] = "test";
-    char* arguments[2] = {name, nullptr};
-};
-
-TEST_F(MacToolkitTest, AWidgetInTheHostTakesItsSizeAndIsGivenBack) {
+TEST_F(MacTest, AWidgetInTheHostTakesItsSizeAndThePointerAndIsGivenBack) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    int argumentCount = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
     const QApplication application(argumentCount, arguments);
-    QWidget widget;
+    PointedWidget widget;
+    widget.setMouseTracking(true);
     {
         // Without a view of the system, everything else can still be checked.
         const auto hosted = hostQtWidget(widget, 0);
@@ -311,22 +285,12 @@ TEST_F(MacToolkitTest, AWidgetInTheHostTakesItsSizeAndIsGivenBack) {
         EXPECT_TRUE(widget.testAttribute(Qt::WA_TranslucentBackground));
         EXPECT_TRUE(widget.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
         EXPECT_TRUE(widget.windowFlags().testFlag(Qt::FramelessWindowHint));
+        widget.calls.clear();
+        hosted->movePointer({.x = 12.5, .y = 40});
+        hosted->removePointer();
+        EXPECT_THAT(widget.calls, ElementsAre("move 12.5 40.0", "leave"));
     }
     EXPECT_FALSE(widget.isVisible());
-}
-
-TEST_F(MacToolkitTest, ThePointerReachesTheHostedWidget) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argumentCount, arguments);
-    PointedWidget widget;
-    widget.setMouseTracking(true);
-    const auto hosted = hostQtWidget(widget, 0);
-    hosted->fill({.width = 640, .height = 188});
-    hosted->setVisible(true);
-    widget.calls.clear();
-    hosted->movePointer({.x = 12.5, .y = 40});
-    hosted->removePointer();
-    EXPECT_THAT(widget.calls, ElementsAre("move 12.5 40.0", "leave"));
 }
 
 class MacWindowsTest : public MacTest {

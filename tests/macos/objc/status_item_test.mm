@@ -29,11 +29,12 @@ protected:
     [[nodiscard]] static FerrowynMenuHeaderView* header() {
         return static_cast<FerrowynMenuHeaderView*>(shownItem().menu.itemArray.firstObject.view);
     }
-    [[nodiscard]] static std::string colorOf(NSAttributedString* string) {
-        return static_cast<NSColor*>([string.attributes objectForKey:NSForegroundColorAttributeName]).name;
-    }
-    [[nodiscard]] static NSFont* fontOf(NSAttributedString* string) {
-        return [string.attributes objectForKey:NSFontAttributeName];
+    /// "label, menu font 13" and so on.
+    [[nodiscard]] static std::string looksOf(NSAttributedString* string) {
+        NSColor* const color = [string.attributes objectForKey:NSForegroundColorAttributeName];
+        NSFont* const font = [string.attributes objectForKey:NSFontAttributeName];
+        return color.name + (font.isMenuFont ? ", menu font " : ", font ") +
+               std::to_string(static_cast<int>(font.pointSize));
     }
 
     void TearDown() override {
@@ -52,22 +53,21 @@ TEST_F(MacStatusItemTest, TheItemHasVariableLengthAndLeavesTheBarWithItsOwner) {
     ASSERT_NE(shownItem(), nil);
     EXPECT_EQ(shownItem().length, NSVariableStatusItemLength);
     item.reset();
-    EXPECT_EQ([NSStatusBar itemCount], 0U);
+    EXPECT_TRUE(fake_mac::appKit().statusItems.empty());
 }
 
 TEST_F(MacStatusItemTest, TheButtonShowsATemplateSymbolWithItsWords) {
-    item->setButton({.symbol = "exclamationmark.triangle",
-                     .tooltip = "Ferrowyn — Accessibility access required",
-                     .accessibilityLabel = "Ferrowyn"});
-    NSStatusBarButton* const button = shownItem().button;
-    EXPECT_EQ(text(button.image.symbolName), "exclamationmark.triangle");
-    EXPECT_EQ(text(button.image.symbolDescription), "Ferrowyn");
-    EXPECT_TRUE([button.image isTemplate]);
-    EXPECT_EQ(text(button.toolTip), "Ferrowyn — Accessibility access required");
-    EXPECT_EQ(text(button.accessibilityLabel), "Ferrowyn");
-    item->setButton({.symbol = "macwindow.on.rectangle", .tooltip = "Ferrowyn", .accessibilityLabel = "Ferrowyn"});
-    EXPECT_EQ(text(button.image.symbolName), "macwindow.on.rectangle");
-    EXPECT_EQ(text(button.toolTip), "Ferrowyn");
+    for (const StatusButton& shown :
+         {StatusButton{.symbol = "exclamationmark.triangle", .tooltip = "Access required", .accessibilityLabel = "One"},
+          StatusButton{.symbol = "macwindow.on.rectangle", .tooltip = "Ferrowyn", .accessibilityLabel = "Two"}}) {
+        item->setButton(shown);
+        NSStatusBarButton* const button = shownItem().button;
+        EXPECT_EQ(text(button.image.symbolName), shown.symbol);
+        EXPECT_EQ(text(button.image.symbolDescription), shown.accessibilityLabel);
+        EXPECT_TRUE([button.image isTemplate]);
+        EXPECT_EQ(text(button.toolTip), shown.tooltip);
+        EXPECT_EQ(text(button.accessibilityLabel), shown.accessibilityLabel);
+    }
 }
 
 TEST_F(MacStatusItemTest, EveryRowOfEveryStateIsShownAsItIsSaid) {
@@ -81,49 +81,49 @@ TEST_F(MacStatusItemTest, EveryRowOfEveryStateIsShownAsItIsSaid) {
         for (std::size_t index = 0; index < menu.size(); ++index) {
             const MenuRow& row = menu[index];
             NSMenuItem* const drawn = [shown.itemArray objectAtIndex:index];
-            const auto where = std::string(nameOf(health)) + ": " + row.title;
-            EXPECT_EQ(drawn.separatorItem != NO, row.kind == MenuRow::Kind::separator) << where;
-            EXPECT_EQ(drawn.view != nil, row.kind == MenuRow::Kind::header) << where;
+            SCOPED_TRACE(std::string(nameOf(health)) + ": " + row.title);
+            EXPECT_EQ(drawn.separatorItem != NO, row.kind == MenuRow::Kind::separator);
+            EXPECT_EQ(drawn.view != nil, row.kind == MenuRow::Kind::header);
             if (row.kind != MenuRow::Kind::item) {
                 continue;
             }
-            EXPECT_EQ(text(drawn.title), row.title) << where;
-            EXPECT_EQ(drawn.enabled != NO, row.isEnabled) << where;
-            EXPECT_EQ(drawn.state, row.isChecked ? NSControlStateValueOn : NSControlStateValueOff) << where;
-            EXPECT_EQ(text(drawn.keyEquivalent), row.keyEquivalent) << where;
-            EXPECT_EQ(drawn.toolTip == nil ? "" : text(drawn.toolTip), row.tooltip) << where;
-            EXPECT_EQ(drawn.representedObject == nil ? "" : text(drawn.representedObject), row.representedValue)
-                << where;
-            EXPECT_EQ(text(drawn.image.symbolName), row.symbol) << where;
-            EXPECT_EQ(drawn.target != nil, row.action != MenuRow::Action::none) << where;
-            EXPECT_EQ(drawn.action != nullptr, row.action != MenuRow::Action::none) << where;
+            EXPECT_EQ(text(drawn.title), row.title);
+            EXPECT_EQ(drawn.enabled != NO, row.isEnabled);
+            EXPECT_EQ(drawn.state, row.isChecked ? NSControlStateValueOn : NSControlStateValueOff);
+            EXPECT_EQ(text(drawn.keyEquivalent), row.keyEquivalent);
+            EXPECT_EQ(drawn.toolTip == nil ? "" : text(drawn.toolTip), row.tooltip);
+            EXPECT_EQ(drawn.representedObject == nil ? "" : text(drawn.representedObject), row.representedValue);
+            EXPECT_EQ(text(drawn.image.symbolName), row.symbol);
+            EXPECT_EQ(drawn.target != nil, row.action != MenuRow::Action::none);
+            EXPECT_EQ(drawn.action != nullptr, row.action != MenuRow::Action::none);
         }
     }
 }
 
-TEST_F(MacStatusItemTest, TheRowsStandInTheirOrder) {
-    show(statusMenu(Health::secureInput));
-    EXPECT_THAT(shownRows(),
-                ElementsAre("header", "-", "Waiting for the other app to release it", "-", "Open Switcher",
-                            "9 windows tracked", "-", "LAYOUT", "List", "Grouped", "Grid", "-", "Launch at Login",
-                            "Settings…", "Setup Guide…", "Update to 1.4.0…", "About Ferrowyn", "-", "Quit Ferrowyn"));
-    EXPECT_FALSE(rowTitled("Waiting for the other app to release it").enabled);
-}
-
-TEST_F(MacStatusItemTest, SymbolsAreTemplatesOfThirteenPointsUnlessTheyAreTinted) {
-    show(statusMenu(Health::accessRequired));
-    NSImage* const plain = rowTitled("Quit Ferrowyn").image;
-    EXPECT_TRUE([plain isTemplate]);
-    EXPECT_EQ(plain.configuration.pointSize, 13);
-    EXPECT_EQ(plain.configuration.weight, NSFontWeightRegular);
-    EXPECT_EQ(plain.configuration.paletteColors, nil);
-    NSImage* const repair = rowTitled("Grant Accessibility Access…").image;
-    EXPECT_FALSE([repair isTemplate]);
-    EXPECT_EQ(repair.configuration.pointSize, 13);
-    EXPECT_EQ(repair.configuration.paletteColors.firstObject.name, "systemOrange");
-    NSImage* const update = rowTitled("Update to 1.4.0…").image;
-    EXPECT_FALSE([update isTemplate]);
-    EXPECT_EQ(update.configuration.paletteColors.firstObject.name, "controlAccent");
+TEST_F(MacStatusItemTest, SymbolsAreTemplatesOfThirteenPointsUnlessTheyAreTintedOrMissing) {
+    const auto row = [](const char* title, const char* symbol, MenuTint tint) {
+        MenuRow made;
+        made.title = title;
+        made.symbol = symbol;
+        made.symbolTint = tint;
+        return made;
+    };
+    show({row("Plain", "power", MenuTint::label), row("Orange", "lock", MenuTint::orange),
+          row("Accent", "lock", MenuTint::accent), row("None", "no.such.symbol", MenuTint::label),
+          row("None, tinted", "no.such.symbol", MenuTint::orange)});
+    const std::vector<std::pair<std::string, std::string>> table{
+        {"Plain", ""}, {"Orange", "systemOrange"}, {"Accent", "controlAccent"}};
+    for (const auto& [title, color] : table) {
+        SCOPED_TRACE(title);
+        NSImage* const image = rowTitled(title).image;
+        EXPECT_EQ([image isTemplate] != NO, color.empty());
+        EXPECT_EQ(image.configuration.pointSize, 13);
+        EXPECT_EQ(image.configuration.weight, NSFontWeightRegular);
+        NSColor* const first = image.configuration.paletteColors.firstObject;
+        EXPECT_EQ(first == nil ? "" : first.name, color);
+    }
+    EXPECT_EQ(rowTitled("None").image, nil);
+    EXPECT_EQ(rowTitled("None, tinted").image, nil);
 }
 
 TEST_F(MacStatusItemTest, TheShortcutStandsBehindItsTitleInTheTertiaryColour) {
@@ -134,12 +134,10 @@ TEST_F(MacStatusItemTest, TheShortcutStandsBehindItsTitleInTheTertiaryColour) {
     show({row});
     NSAttributedString* const title = rowTitled("Open Switcher").attributedTitle;
     EXPECT_EQ(text(title.string), "Open Switcher   ⌥⇥");
-    EXPECT_EQ(colorOf(title), "label");
-    EXPECT_TRUE(fontOf(title).isMenuFont);
+    EXPECT_EQ(looksOf(title), "label, menu font 0");
     ASSERT_EQ(title.runs.count, 1U);
     EXPECT_EQ(text(title.runs.firstObject.string), "   ⌥⇥");
-    EXPECT_EQ(colorOf(title.runs.firstObject), "tertiaryLabel");
-    EXPECT_TRUE(fontOf(title.runs.firstObject).isMenuFont);
+    EXPECT_EQ(looksOf(title.runs.firstObject), "tertiaryLabel, menu font 0");
 }
 
 TEST_F(MacStatusItemTest, ASectionsTitleIsSmallPaleAndDisabled) {
@@ -148,8 +146,7 @@ TEST_F(MacStatusItemTest, ASectionsTitleIsSmallPaleAndDisabled) {
     EXPECT_FALSE(title.enabled);
     EXPECT_EQ(title.action, nullptr);
     EXPECT_EQ(text(title.attributedTitle.string), "LAYOUT");
-    EXPECT_EQ(fontOf(title.attributedTitle).pointSize, 10);
-    EXPECT_EQ(colorOf(title.attributedTitle), "tertiaryLabel");
+    EXPECT_EQ(looksOf(title.attributedTitle), "tertiaryLabel, font 10");
 }
 
 TEST_F(MacStatusItemTest, ChoosingARowHandsThatRowOver) {
@@ -193,37 +190,19 @@ TEST_F(MacStatusItemTest, WhatARowDoesMayReplaceTheMenuAndTheHandler) {
 }
 
 TEST_F(MacStatusItemTest, AMenuThatOutlivesItsOwnerDoesNothing) {
-    show(statusMenu(Health::ready));
-    NSMenu* const open = shownItem().menu;
-    NSMenuItem* const quit = rowTitled("Quit Ferrowyn");
-    FerrowynMenuHeaderView* const view = header();
-    item.reset();
-    EXPECT_FALSE([open choose:quit]);
-    EXPECT_TRUE([view accessibilityPerformPress]);
-    EXPECT_THAT(chosen, IsEmpty());
-}
-
-TEST_F(MacStatusItemTest, ATargetThatTheSystemStillHoldsForAChoiceCallsNobodyThatHasGone) {
-    show(statusMenu(Health::ready));
-    NSMenuItem* const row = rowTitled("Quit Ferrowyn");
-    NSMenu* const menu = shownItem().menu;
-    const id target = row.target;
-    ASSERT_NE(target, nil);
-    item.reset();
-    [menu choose:row];
-    EXPECT_THAT(chosen, IsEmpty());
-}
-
-TEST_F(MacStatusItemTest, ASymbolThatTheSystemDoesNotHaveLeavesTheRowWithoutOne) {
-    MenuRow row;
-    row.title = "Row";
-    row.symbol = "no.such.symbol";
-    MenuRow tinted = row;
-    tinted.title = "Tinted";
-    tinted.symbolTint = MenuTint::orange;
-    show({row, tinted});
-    EXPECT_EQ(rowTitled("Row").image, nil);
-    EXPECT_EQ(rowTitled("Tinted").image, nil);
+    for (const bool isTargetHeld : {true, false}) {
+        item = std::make_unique<MacStatusItem>();
+        show(statusMenu(Health::ready));
+        NSMenu* const open = shownItem().menu;
+        NSMenuItem* const quit = rowTitled("Quit Ferrowyn");
+        FerrowynMenuHeaderView* const view = header();
+        // The system may still hold the target for a choice.
+        const id target = isTargetHeld ? quit.target : nil;
+        item.reset();
+        EXPECT_EQ([open choose:quit] != NO, target != nil);
+        EXPECT_TRUE([view accessibilityPerformPress]);
+        EXPECT_THAT(chosen, IsEmpty());
+    }
 }
 
 class MacMenuHeaderTest : public MacStatusItemTest {
@@ -233,45 +212,42 @@ protected:
             show(statusMenu(Health::accessRequired));
         }
     }
-    [[nodiscard]] static NSControl* part(NSUInteger index) {
-        return static_cast<NSControl*>([header().subviews objectAtIndex:index]);
+    template <typename Kind>
+    [[nodiscard]] static Kind* part(NSUInteger index) {
+        return static_cast<Kind*>([header().subviews objectAtIndex:index]);
     }
     [[nodiscard]] static Rect frame(NSView* view) { return fromNSRect(view.frame); }
-    static void expectHover(BOOL expected) { EXPECT_EQ(header().isHoveringGear, expected); }
+    static NSEvent* pointerAt(double x, double y) { return [NSEvent eventAt:NSMakePoint(x, y)]; }
 };
 
-TEST_F(MacMenuHeaderTest, ThePartsStandInTheirPlaces) {
+TEST_F(MacMenuHeaderTest, ThePartsStandInTheirPlacesAndGiveWayInANarrowMenu) {
     EXPECT_EQ(frame(header()), (Rect{0, 0, 268, 58}));
     EXPECT_EQ(header().autoresizingMask, NSViewWidthSizable);
     ASSERT_EQ(header().subviews.count, 3U);
-    EXPECT_EQ(frame(part(0)), (Rect{14, 13, 32, 32}));
-    // The gear begins at 228; the texts end 8 before it.
-    EXPECT_EQ(frame(part(1)), (Rect{54, 26, 166, 17}));
-    EXPECT_EQ(frame(part(2)), (Rect{54, 10, 166, 15}));
-    auto* const icon = static_cast<NSImageView*>(part(0));
+    auto* const icon = part<NSImageView>(0);
+    EXPECT_EQ(frame(icon), (Rect{14, 13, 32, 32}));
     EXPECT_EQ(icon.image, NSApplication.sharedApplication.applicationIconImage);
     EXPECT_EQ(icon.imageScaling, NSImageScaleProportionallyUpOrDown);
+    // In the first, the gear begins at 228; the texts end 8 before it.
+    for (const auto& [width, textWidth] : {std::pair{268, 166}, {300, 198}, {80, 0}}) {
+        header().frame = NSMakeRect(0, 0, width, 58);
+        EXPECT_EQ(frame(part<NSView>(1)), (Rect{54, 26, static_cast<double>(textWidth), 17}));
+        EXPECT_EQ(frame(part<NSView>(2)), (Rect{54, 10, static_cast<double>(textWidth), 15}));
+    }
 }
 
 TEST_F(MacMenuHeaderTest, TheTextsSayHowTheProgramIsDoing) {
-    auto* const title = static_cast<NSTextField*>(part(1));
+    auto* const title = part<NSTextField>(1);
     EXPECT_EQ(text(title.stringValue), "Ferrowyn");
     EXPECT_EQ(title.font.pointSize, 13);
     EXPECT_EQ(title.textColor.name, "label");
-    auto* const subtitle = static_cast<NSTextField*>(part(2));
+    auto* const subtitle = part<NSTextField>(2);
     EXPECT_EQ(text(subtitle.stringValue), "Accessibility access required");
     EXPECT_EQ(subtitle.font.pointSize, 11);
     EXPECT_EQ(subtitle.textColor.name, "systemOrange");
     EXPECT_EQ(subtitle.lineBreakMode, NSLineBreakByTruncatingTail);
     item->setMenu(statusMenu(Health::ready));
-    EXPECT_EQ(static_cast<NSTextField*>(part(2)).textColor.name, "secondaryLabel");
-}
-
-TEST_F(MacMenuHeaderTest, TheTextsGiveWayWhenTheMenuIsNarrowAndGrowWithIt) {
-    header().frame = NSMakeRect(0, 0, 300, 58);
-    EXPECT_EQ(frame(part(1)), (Rect{54, 26, 198, 17}));
-    header().frame = NSMakeRect(0, 0, 80, 58);
-    EXPECT_EQ(frame(part(2)), (Rect{54, 10, 0, 15}));
+    EXPECT_EQ(part<NSTextField>(2).textColor.name, "secondaryLabel");
 }
 
 TEST_F(MacMenuHeaderTest, OneTrackingAreaCoversTheViewWheneverTheyAreRefreshed) {
@@ -286,55 +262,56 @@ TEST_F(MacMenuHeaderTest, OneTrackingAreaCoversTheViewWheneverTheyAreRefreshed) 
 }
 
 TEST_F(MacMenuHeaderTest, TheGearLightsUpUnderThePointer) {
-    const auto draw = [] {
-        fake_mac::fills().clear();
+    auto& fills = fake_mac::appKit().fills;
+    const auto draw = [&] {
+        fills.clear();
         [header() drawRect:header().bounds];
     };
     draw();
-    ASSERT_EQ(fake_mac::fills().size(), 1U) << "the symbol alone";
-    EXPECT_EQ(fake_mac::fills()[0].color, "gearshape");
-    EXPECT_EQ(fake_mac::fills()[0].tint, "label") << "the menu may be dark";
+    ASSERT_EQ(fills.size(), 1U) << "the symbol alone";
+    EXPECT_EQ(fills[0].color, "gearshape");
+    EXPECT_EQ(fills[0].tint, "label") << "the menu may be dark";
     header().needsDisplay = NO;
-    [header() mouseMoved:[NSEvent eventAt:NSMakePoint(241, 29)]];
-    expectHover(YES);
+    [header() mouseMoved:pointerAt(241, 29)];
+    EXPECT_TRUE(header().isHoveringGear);
     EXPECT_TRUE(header().needsDisplay);
     draw();
-    ASSERT_EQ(fake_mac::fills().size(), 2U);
-    const auto& glow = fake_mac::fills()[0];
-    EXPECT_EQ(glow.color, "label");
-    EXPECT_DOUBLE_EQ(glow.alpha, 0.1);
-    EXPECT_EQ(glow.radius, 5);
-    EXPECT_EQ(fromNSRect(glow.rect), (Rect{229, 17, 24, 24}));
+    ASSERT_EQ(fills.size(), 2U);
+    EXPECT_EQ(fills[0].color, "label");
+    EXPECT_DOUBLE_EQ(fills[0].alpha, 0.1);
+    EXPECT_EQ(fills[0].radius, 5);
+    EXPECT_EQ(fromNSRect(fills[0].rect), (Rect{229, 17, 24, 24}));
     // The symbol is 16 × 14 here, in the middle of the gear's 26 × 26.
-    EXPECT_EQ(fromNSRect(fake_mac::fills()[1].rect), (Rect{233, 22, 16, 14}));
-    [header() mouseMoved:[NSEvent eventAt:NSMakePoint(227, 29)]];
-    expectHover(NO);
-    [header() mouseMoved:[NSEvent eventAt:NSMakePoint(229, 17)]];
-    expectHover(YES);
+    EXPECT_EQ(fromNSRect(fills[1].rect), (Rect{233, 22, 16, 14}));
+    [header() mouseMoved:pointerAt(227, 29)];
+    EXPECT_FALSE(header().isHoveringGear);
+    [header() mouseMoved:pointerAt(229, 17)];
+    EXPECT_TRUE(header().isHoveringGear);
     header().needsDisplay = NO;
-    [header() mouseExited:[NSEvent eventAt:NSMakePoint(0, 0)]];
-    expectHover(NO);
+    [header() mouseExited:pointerAt(0, 0)];
+    EXPECT_FALSE(header().isHoveringGear);
     EXPECT_TRUE(header().needsDisplay);
 }
 
-TEST_F(MacMenuHeaderTest, AClickOnTheGearClosesTheMenuAndOpensTheSettings) {
-    [header() mouseUp:[NSEvent eventAt:NSMakePoint(100, 29)]];
+TEST_F(MacMenuHeaderTest, AClickOnTheGearOrAnAssistiveProgramOpensTheSettings) {
+    [header() mouseUp:pointerAt(100, 29)];
     EXPECT_THAT(chosen, IsEmpty());
     EXPECT_FALSE(shownItem().menu.wasCancelled);
-    [header() mouseUp:[NSEvent eventAt:NSMakePoint(241, 29)]];
-    EXPECT_TRUE(shownItem().menu.wasCancelled);
-    ASSERT_EQ(chosen.size(), 1U);
-    EXPECT_EQ(chosen[0].action, MenuRow::Action::openSettings);
-}
-
-TEST_F(MacMenuHeaderTest, AssistiveProgramsPressItAsAButton) {
     EXPECT_TRUE([header() isAccessibilityElement]);
     EXPECT_EQ(text([header() accessibilityRole]), text(NSAccessibilityButtonRole));
     EXPECT_EQ(text([header() accessibilityLabel]), "Settings");
-    EXPECT_TRUE([header() accessibilityPerformPress]);
-    EXPECT_TRUE(shownItem().menu.wasCancelled);
-    ASSERT_EQ(chosen.size(), 1U);
-    EXPECT_EQ(chosen[0].action, MenuRow::Action::openSettings);
+    for (const bool isClick : {true, false}) {
+        show(statusMenu(Health::accessRequired));
+        chosen.clear();
+        if (isClick) {
+            [header() mouseUp:pointerAt(241, 29)];
+        } else {
+            EXPECT_TRUE([header() accessibilityPerformPress]);
+        }
+        EXPECT_TRUE(shownItem().menu.wasCancelled);
+        ASSERT_EQ(chosen.size(), 1U);
+        EXPECT_EQ(chosen[0].action, MenuRow::Action::openSettings);
+    }
 }
 
 TEST_F(MacMenuHeaderTest, ItIsMadeInCodeOnly) {

@@ -17,9 +17,19 @@ using testing::IsEmpty;
 class MacSystemTest : public MacTest {
 protected:
     static void startFrom(NSString* path, NSString* identifier, NSDictionary* info) {
-        fake_mac::setMainBundle([[NSBundle alloc] initWithPath:path identifier:identifier info:info]);
+        fake_mac::foundation().mainBundle = [[NSBundle alloc] initWithPath:path identifier:identifier info:info];
     }
     static void post(NSNotificationName name) { [NSNotificationCenter.defaultCenter post:name userInfo:nil]; }
+    /// Fails when the work leaves an object behind.
+    static void expectNothingLeftBy(const std::function<void()>& work) {
+        const auto before = objc_runtime::liveObjectCount();
+        work();
+        EXPECT_EQ(objc_runtime::liveObjectCount(), before);
+    }
+    static void leaveAnObject() {
+        NSObject* __autoreleasing const left = [[NSObject alloc] init];
+        EXPECT_NE(left, nil);
+    }
 };
 
 /// Workers whose work is done when it is handed over.
@@ -40,17 +50,16 @@ TEST_F(MacSystemTest, TheApplicationsMenuHasTheSettingsAndTheEnd) {
         const MacApplicationMenu menu({.settings = "Einstellungen …", .quit = "Ferrowyn beenden"}, [&] { ++opened; });
         ASSERT_EQ(application.mainMenu.itemArray.count, 1U);
         NSMenu* const rows = application.mainMenu.itemArray.firstObject.submenu;
-        ASSERT_EQ(rows.itemArray.count, 3U);
-        NSMenuItem* const settings = rows.itemArray.firstObject;
-        EXPECT_EQ(text(settings.title), "Einstellungen …");
-        EXPECT_EQ(text(settings.keyEquivalent), ",");
-        EXPECT_TRUE([rows choose:settings]);
+        const std::vector<std::pair<std::string, std::string>> titlesAndKeys{
+            {"Einstellungen …", ","}, {"", ""}, {"Ferrowyn beenden", "q"}};
+        ASSERT_EQ(rows.itemArray.count, titlesAndKeys.size());
+        for (std::size_t index = 0; index < titlesAndKeys.size(); ++index) {
+            NSMenuItem* const row = [rows.itemArray objectAtIndex:index];
+            EXPECT_EQ(std::pair(text(row.title), text(row.keyEquivalent)), titlesAndKeys[index]);
+            EXPECT_EQ(row.separatorItem, index == 1);
+            EXPECT_EQ([rows choose:row], index != 1);
+        }
         EXPECT_EQ(opened, 1);
-        EXPECT_TRUE([rows.itemArray objectAtIndex:1].separatorItem);
-        NSMenuItem* const quit = [rows.itemArray objectAtIndex:2];
-        EXPECT_EQ(text(quit.title), "Ferrowyn beenden");
-        EXPECT_EQ(text(quit.keyEquivalent), "q");
-        EXPECT_TRUE([rows choose:quit]);
         EXPECT_THAT(application.calls, ElementsAre("terminate"));
     }
     EXPECT_EQ(application.mainMenu, nil);
@@ -62,38 +71,27 @@ TEST_F(MacSystemTest, TheApplicationsMenuHasTheSettingsAndTheEnd) {
     EXPECT_EQ(application.mainMenu, another) << "which is not this one's to take away";
 }
 
-TEST_F(MacSystemTest, AWorkersTaskLeavesNothingBehind) {
+TEST_F(MacSystemTest, ATaskOfAWorkerOrOfTheTapsThreadLeavesNothingBehind) {
     PromptWorkers workers;
     MacBackgroundWork work(workers);
-    const auto before = objc_runtime::liveObjectCount();
     std::vector<std::size_t> iterations;
-    work.run([] {
-        NSObject* __autoreleasing const left = [[NSObject alloc] init];
-        EXPECT_NE(left, nil);
+    expectNothingLeftBy([&] { work.run(leaveAnObject); });
+    expectNothingLeftBy([&] { inAutoreleasePool(leaveAnObject); });
+    expectNothingLeftBy([&] {
+        const auto before = objc_runtime::liveObjectCount();
+        work.concurrentPerform(2, [&](std::size_t index) {
+            EXPECT_EQ(objc_runtime::liveObjectCount(), before) << "nor does one iteration to the next";
+            leaveAnObject();
+            iterations.push_back(index);
+        });
     });
-    EXPECT_EQ(objc_runtime::liveObjectCount(), before);
-    work.concurrentPerform(2, [&](std::size_t index) {
-        EXPECT_EQ(objc_runtime::liveObjectCount(), before) << "nor does one iteration to the next";
-        NSObject* __autoreleasing const left = [[NSObject alloc] init];
-        EXPECT_NE(left, nil);
-        iterations.push_back(index);
-    });
-    EXPECT_EQ(objc_runtime::liveObjectCount(), before);
     EXPECT_THAT(iterations, ElementsAre(0U, 1U));
 }
 
-TEST_F(MacSystemTest, AProgramOutsideABundleSaysNothingOfItself) {
-    const MacApplication application;
-    const auto info = application.bundleInfo();
-    EXPECT_FALSE(info.name);
-    EXPECT_FALSE(info.shortVersion);
-    EXPECT_FALSE(info.copyright);
-    EXPECT_EQ(info.path, "/usr/local/bin");
-    EXPECT_FALSE(info.updateHost);
-    EXPECT_FALSE(info.homePage);
-}
-
 TEST_F(MacSystemTest, TheBundleSaysWhatTheProgramIs) {
+    const auto outside = MacApplication().bundleInfo();
+    EXPECT_FALSE(outside.name || outside.shortVersion || outside.copyright || outside.updateHost || outside.homePage);
+    EXPECT_EQ(outside.path, "/usr/local/bin");
     startFrom(@"/Applications/Ferrowyn.app", @"com.larkmoor.Ferrowyn", @{
         @"CFBundleName" : @"Ferrowyn",
         @"CFBundleShortVersionString" : @"1.4.0",
@@ -108,55 +106,41 @@ TEST_F(MacSystemTest, TheBundleSaysWhatTheProgramIs) {
     EXPECT_EQ(info.path, "/Applications/Ferrowyn.app");
     EXPECT_EQ(info.updateHost, "updates.ferrowyn.example");
     EXPECT_FALSE(info.homePage) << "nobody has set it";
-}
-
-TEST_F(MacSystemTest, AValueOfAnotherTypeInTheBundleCountsAsAbsent) {
     startFrom(
         @"/Applications/Ferrowyn.app", nil,
         @{@"CFBundleShortVersionString" : @2});
-    EXPECT_FALSE(MacApplication().bundleInfo().shortVersion);
+    EXPECT_FALSE(MacApplication().bundleInfo().shortVersion) << "of another type";
 }
 
-TEST_F(MacSystemTest, TheSystemsVersionIsMajorAndMinor) {
-    fake_mac::setSystemVersion(14, 5, 1);
+TEST_F(MacSystemTest, TheSystemSaysItsVersionTheProcessAndTheYearOfTheUsersCalendar) {
+    fake_mac::foundation().systemVersion = {14, 5, 1};
     EXPECT_EQ(MacApplication().systemVersion(), "14.5");
     EXPECT_EQ(MacApplication().ownPid(), fake_mac::ownPid);
-}
-
-TEST_F(MacSystemTest, TheYearIsThatOfTheUsersCalendar) {
     const WallTime summer{Seconds(1'782'900'000)};
     EXPECT_EQ(MacApplication().calendarYear(summer), 2026);
-    fake_mac::setCalendarAhead(543);
+    fake_mac::foundation().calendarYearsAhead = 543;
     EXPECT_EQ(MacApplication().calendarYear(summer), 2569);
 }
 
 TEST_F(MacSystemTest, TheProgramIsNotPutToSleepWhileItHasNoWindow) {
     {
         const MacActivity activity;
-        EXPECT_THAT(fake_mac::activities(), ElementsAre(0xEFFFFFULL)) << "the Mac itself may sleep";
+        EXPECT_THAT(fake_mac::foundation().activities, ElementsAre(0xEFFFFFULL)) << "the Mac itself may sleep";
     }
-    EXPECT_THAT(fake_mac::activities(), IsEmpty());
-}
-
-TEST_F(MacSystemTest, WhatIsDoneInAPoolLeavesNothingBehind) {
-    const auto before = objc_runtime::liveObjectCount();
-    bool wasDone = false;
-    inAutoreleasePool([&] {
-        NSObject* __autoreleasing const left = [[NSObject alloc] init];
-        wasDone = left != nil;
-    });
-    EXPECT_TRUE(wasDone);
-    EXPECT_EQ(objc_runtime::liveObjectCount(), before);
+    EXPECT_THAT(fake_mac::foundation().activities, IsEmpty());
 }
 
 TEST_F(MacSystemTest, ThePolicyAndTheRestAreAskedOfTheApplicationObject) {
     MacApplication application;
-    application.setActivationPolicy(ActivationPolicy::accessory);
-    EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyAccessory);
-    application.setActivationPolicy(ActivationPolicy::prohibited);
-    EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyProhibited);
-    application.setActivationPolicy(ActivationPolicy::regular);
-    EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, NSApplicationActivationPolicyRegular);
+    const std::vector<std::pair<ActivationPolicy, NSApplicationActivationPolicy>> policies{
+        {ActivationPolicy::accessory, NSApplicationActivationPolicyAccessory},
+        {ActivationPolicy::prohibited, NSApplicationActivationPolicyProhibited},
+        {ActivationPolicy::regular, NSApplicationActivationPolicyRegular},
+    };
+    for (const auto& [policy, expected] : policies) {
+        application.setActivationPolicy(policy);
+        EXPECT_EQ(NSApplication.sharedApplication.activationPolicy, expected);
+    }
     application.activate();
     application.terminate();
     application.revealInFileManager();
@@ -197,40 +181,31 @@ TEST_F(MacSystemTest, TheAccessibilityDatabaseIsHeardOfFromAllProcesses) {
     });
 }
 
-TEST_F(MacSystemTest, TheDelegateHearsOfTheLaunchOfReopeningAndOfTheEnd) {
+TEST_F(MacSystemTest, TheDelegateHearsOfTheLaunchOfReopeningAndOfTheEndWhileItsOwnerLives) {
     std::vector<std::string> heard;
-    bool answer = true;
     NSApplication* const application = NSApplication.sharedApplication;
+    id<NSApplicationDelegate> kept = nil;
     {
         const MacApplicationDelegate delegate({.onDidFinishLaunching = [&] { heard.emplace_back("launched"); },
                                                .onShouldHandleReopen =
                                                    [&](bool hasVisibleWindows) {
                                                        heard.emplace_back(hasVisibleWindows ? "reopened with windows"
                                                                                             : "reopened");
-                                                       return answer;
+                                                       return hasVisibleWindows;
                                                    },
                                                .onWillTerminate = [&] { heard.emplace_back("ends"); }});
+        kept = application.delegate;
         [application finishLaunching];
         EXPECT_TRUE([application reopenWithVisibleWindows:YES]);
-        answer = false;
         EXPECT_FALSE([application reopenWithVisibleWindows:NO]);
         [application willTerminate];
     }
-    EXPECT_THAT(heard, ElementsAre("launched", "reopened with windows", "reopened", "ends"));
     EXPECT_EQ(application.delegate, nil);
-}
-
-TEST_F(MacSystemTest, ADelegateThatTheToolkitKeepsIsSilentOnceItsOwnerIsGone) {
-    int count = 0;
-    id<NSApplicationDelegate> kept = nil;
-    {
-        const MacApplicationDelegate delegate({.onDidFinishLaunching = [&] { ++count; }});
-        kept = NSApplication.sharedApplication.delegate;
-    }
-    NSApplication.sharedApplication.delegate = kept;
-    [NSApplication.sharedApplication finishLaunching];
-    EXPECT_TRUE([NSApplication.sharedApplication reopenWithVisibleWindows:NO]);
-    EXPECT_EQ(count, 0);
+    // The toolkit may keep it.
+    application.delegate = kept;
+    [application finishLaunching];
+    EXPECT_TRUE([application reopenWithVisibleWindows:NO]);
+    EXPECT_THAT(heard, ElementsAre("launched", "reopened with windows", "reopened", "ends"));
 }
 
 TEST_F(MacSystemTest, EveryStateOfTheLoginItemIsToldApart) {
@@ -250,22 +225,19 @@ TEST_F(MacSystemTest, EveryStateOfTheLoginItemIsToldApart) {
 
 TEST_F(MacSystemTest, ARefusalOfTheLoginItemComesWithDomainCodeAndWords) {
     MacLoginItem item;
-    SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"SMAppServiceErrorDomain"
-                                                                       code:1
-                                                                       text:@"Operation not permitted"];
-    const auto refused = item.registerProgram();
-    ASSERT_TRUE(refused);
-    EXPECT_EQ(refused->domain, "SMAppServiceErrorDomain");
-    EXPECT_EQ(refused->code, 1);
-    EXPECT_EQ(refused->localizedDescription, "Operation not permitted");
-    SMAppService.mainAppService.nextError = [[NSError alloc] initWithDomain:@"NSPOSIXErrorDomain"
-                                                                       code:-5
-                                                                       text:@"Input/output error"];
-    const auto failed = item.unregisterProgram();
-    ASSERT_TRUE(failed);
-    EXPECT_EQ(failed->domain, "NSPOSIXErrorDomain");
-    EXPECT_EQ(failed->code, -5);
-    EXPECT_EQ(failed->localizedDescription, "Input/output error");
+    const std::vector<LoginItem::Error> errors{{"SMAppServiceErrorDomain", 1, "Operation not permitted"},
+                                               {"NSPOSIXErrorDomain", -5, "Input/output error"}};
+    for (const auto& error : errors) {
+        SMAppService.mainAppService.nextError =
+            [[NSError alloc] initWithDomain:fake_mac::string(error.domain)
+                                       code:error.code
+                                       text:fake_mac::string(error.localizedDescription)];
+        const auto refused = error.code == 1 ? item.registerProgram() : item.unregisterProgram();
+        ASSERT_TRUE(refused);
+        EXPECT_EQ(refused->domain, error.domain);
+        EXPECT_EQ(refused->code, error.code);
+        EXPECT_EQ(refused->localizedDescription, error.localizedDescription);
+    }
 }
 
 TEST_F(MacSystemTest, WhatOthersWroteIntoTheDefaultsIsReadAsFarAsItCanBe) {
@@ -284,24 +256,17 @@ TEST_F(MacSystemTest, LinesGoToTheLogOfTheirCategoryAndCanBeReadByAll) {
     log.write(LogLevel::standard, "permissions", "Services active");
     log.write(LogLevel::error, "input", "100 % of the taps failed: %s");
     log.write(LogLevel::debug, "permissions", "");
-    const auto& lines = fake_mac::logLines();
-    ASSERT_EQ(lines.size(), 3U);
-    EXPECT_EQ(lines[0].subsystem, "com.larkmoor.Ferrowyn");
-    EXPECT_EQ(lines[0].category, "permissions");
-    EXPECT_EQ(lines[0].type, OS_LOG_TYPE_DEFAULT);
-    EXPECT_EQ(lines[0].text, "Services active");
-    EXPECT_EQ(lines[1].category, "input");
-    EXPECT_EQ(lines[1].type, OS_LOG_TYPE_ERROR);
-    EXPECT_EQ(lines[1].text, "100 % of the taps failed: %s");
-    EXPECT_EQ(lines[2].type, OS_LOG_TYPE_DEBUG);
-    EXPECT_EQ(fake_mac::logCount(), 2) << "one a category";
-}
-
-TEST_F(MacSystemTest, TheLogsSubsystemIsTheBundlesIdentifier) {
     startFrom(@"/Applications/Other.app", @"com.example.Other", [NSDictionary dictionary]);
-    MacLog log;
-    log.write(LogLevel::standard, "ui", "line");
-    EXPECT_EQ(fake_mac::logLines().at(0).subsystem, "com.example.Other");
+    MacLog().write(LogLevel::standard, "ui", "line");
+    std::vector<std::string> lines;
+    for (const auto& line : fake_mac::logLines()) {
+        lines.push_back(line.subsystem + " " + line.category + " " + std::to_string(line.type) + ": " + line.text);
+    }
+    EXPECT_THAT(lines, ElementsAre("com.larkmoor.Ferrowyn permissions 0: Services active",
+                                   "com.larkmoor.Ferrowyn input 16: 100 % of the taps failed: %s",
+                                   "com.larkmoor.Ferrowyn permissions 2: ", "com.example.Other ui 0: line"))
+        << "the subsystem is the bundle's identifier";
+    EXPECT_EQ(fake_mac::logCount(), 3) << "one a category";
 }
 
 }  // namespace

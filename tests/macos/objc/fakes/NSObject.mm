@@ -2,7 +2,7 @@
 #import <Foundation/Foundation.h>
 
 extern "C" {
-id class_createInstance(Class type);
+id objc_retain(id object);
 void object_dispose(id object);
 Class objc_opt_class(id object);
 bool objc_opt_isKindOfClass(id object, Class type);
@@ -11,13 +11,6 @@ void* _Block_copy(const void* block);
 }
 
 @implementation NSObject
-
-+ (instancetype)alloc {
-    return class_createInstance(self);
-}
-+ (instancetype)new {
-    return [[self alloc] init];
-}
 - (instancetype)init {
     return self;
 }
@@ -27,23 +20,15 @@ void* _Block_copy(const void* block);
 - (id)copy {
     return [static_cast<id<NSCopying>>(self) copyWithZone:nullptr];
 }
+/// Most classes of the frameworks that can be copied never change.
+- (id)copyWithZone:(void*)zone {
+    return objc_retain(self);
+}
 + (Class)class {
     return self;
 }
 - (Class)class {
     return objc_opt_class(self);
-}
-+ (Class)superclass {
-    return Nil;
-}
-- (Class)superclass {
-    return Nil;
-}
-- (BOOL)isEqual:(id)object {
-    return self == object;
-}
-- (NSUInteger)hash {
-    return reinterpret_cast<NSUInteger>(self);
 }
 - (BOOL)isKindOfClass:(Class)aClass {
     return objc_opt_isKindOfClass(self, aClass);
@@ -51,13 +36,6 @@ void* _Block_copy(const void* block);
 - (BOOL)respondsToSelector:(SEL)aSelector {
     return objc_opt_respondsToSelector(self, aSelector);
 }
-+ (BOOL)instancesRespondToSelector:(SEL)aSelector {
-    return NO;
-}
-- (NSString*)description {
-    return @"";
-}
-
 @end
 
 @implementation NSCoder
@@ -66,21 +44,17 @@ void* _Block_copy(const void* block);
 /// The classes of blocks: on the stack, without captures, and copied to the heap.
 @interface FakeBlock : NSObject <NSCopying>
 @end
-@interface FakeStackBlock : FakeBlock
-@end
-@interface FakeGlobalBlock : FakeBlock
-@end
-@interface FakeMallocBlock : FakeBlock
-@end
-
 @implementation FakeBlock
 - (id)copyWithZone:(void*)zone {
     return static_cast<id>(_Block_copy(self));
 }
 @end
-@implementation FakeStackBlock
-@end
-@implementation FakeGlobalBlock
-@end
-@implementation FakeMallocBlock
-@end
+
+#define FAKE_BLOCK(_name)        \
+    @interface _name : FakeBlock \
+    @end                         \
+    @implementation _name        \
+    @end
+FAKE_BLOCK(FakeStackBlock)
+FAKE_BLOCK(FakeGlobalBlock)
+FAKE_BLOCK(FakeMallocBlock)

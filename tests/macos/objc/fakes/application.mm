@@ -1,80 +1,35 @@
+// The application and its menus, the workspace, screens, events and the menu bar.
 #include <algorithm>
-#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #import "tests/macos/objc/fakes/appkit.h"
 
-namespace {
+using fake_mac::appKit;
+using fake_mac::utf8;
 
-/// What the system keeps for the life of a process.
-struct AppKitState {
-    NSApplication* application;
-    NSWorkspace* workspace;
-    NSArray<NSScreen*>* screens;
-    NSScreen* mainScreen;
-    NSPoint mouseLocation{};
-    bool refusesMonitors = false;
-};
-
-AppKitState state;
-
-struct Monitor {
-    id token;
-    NSEventMask mask;
-    void (^handler)(NSEvent*);
-};
-
-/// A monitor lives until it is removed, whatever its owner does.
-std::vector<Monitor>& monitors() {
-    static std::vector<Monitor> all;
-    return all;
-}
-
-NSEventMask lastMonitorMask = 0;
-
-std::vector<NSWindow * __weak>& windows() {
-    static std::vector<NSWindow * __weak> all;
-    return all;
-}
-
-std::string text(NSString* string) {
-    return string.UTF8String == nullptr ? "" : string.UTF8String;
-}
-
-}  // namespace
+extern "C" void objc_msgSend();
 
 namespace fake_mac {
 
-void registerWindow(NSWindow* window) {
-    windows().push_back(window);
-}
-
-void forgetAppKit() {
-    state = {};
-    lastMonitorMask = 0;
-    fills().clear();
-    drawnIconSizes().clear();
-    drawnSymbols().clear();
-    systemColors().clear();
-    windows().clear();
+AppKit& appKit() {
+    static AppKit state;
+    return state;
 }
 
 }  // namespace fake_mac
 
-NSNotificationName const NSApplicationDidBecomeActiveNotification = @"NSApplicationDidBecomeActiveNotification";
-NSNotificationName const NSApplicationDidChangeScreenParametersNotification =
-    @"NSApplicationDidChangeScreenParametersNotification";
-NSString* const NSWorkspaceApplicationKey = @"NSWorkspaceApplicationKey";
-NSNotificationName const NSWorkspaceDidLaunchApplicationNotification = @"NSWorkspaceDidLaunchApplicationNotification";
-NSNotificationName const NSWorkspaceDidTerminateApplicationNotification =
-    @"NSWorkspaceDidTerminateApplicationNotification";
-NSNotificationName const NSWorkspaceDidActivateApplicationNotification =
-    @"NSWorkspaceDidActivateApplicationNotification";
-NSNotificationName const NSWorkspaceDidHideApplicationNotification = @"NSWorkspaceDidHideApplicationNotification";
-NSNotificationName const NSWorkspaceDidUnhideApplicationNotification = @"NSWorkspaceDidUnhideApplicationNotification";
-NSNotificationName const NSWorkspaceActiveSpaceDidChangeNotification = @"NSWorkspaceActiveSpaceDidChangeNotification";
+#define CONSTANT(_name) NSString* const _name = @ #_name
+
+CONSTANT(NSApplicationDidBecomeActiveNotification);
+CONSTANT(NSApplicationDidChangeScreenParametersNotification);
+CONSTANT(NSWorkspaceApplicationKey);
+CONSTANT(NSWorkspaceDidLaunchApplicationNotification);
+CONSTANT(NSWorkspaceDidTerminateApplicationNotification);
+CONSTANT(NSWorkspaceDidActivateApplicationNotification);
+CONSTANT(NSWorkspaceDidHideApplicationNotification);
+CONSTANT(NSWorkspaceDidUnhideApplicationNotification);
+CONSTANT(NSWorkspaceActiveSpaceDidChangeNotification);
 
 @implementation UTType
 @end
@@ -109,57 +64,44 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
 
 @implementation NSWorkspace {
     NSNotificationCenter* _notificationCenter;
-    std::vector<std::string> _openedAddresses;
-    std::vector<std::string> _revealedPaths;
-    std::vector<std::string> _iconPaths;
 }
 + (NSWorkspace*)sharedWorkspace {
-    if (state.workspace == nil) {
-        state.workspace = [[NSWorkspace alloc] init];
-    }
-    return state.workspace;
+    return fake_mac::shared(appKit().workspace);
 }
 - (NSNotificationCenter*)notificationCenter {
-    if (_notificationCenter == nil) {
-        _notificationCenter = [[NSNotificationCenter alloc] init];
-    }
-    return _notificationCenter;
+    return fake_mac::shared(_notificationCenter);
 }
 - (BOOL)openURL:(NSURL*)url {
-    _openedAddresses.push_back(text(url.absoluteString));
+    _openedAddresses.push_back(utf8(url.absoluteString));
     return !_refusesToOpen;
 }
 - (NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)bundleIdentifier {
     for (const std::string name : {"Mail", "Unnamed", "Broken"}) {
-        if (text(bundleIdentifier) == "com.example." + name) {
-            const std::string place = "file:///Applications/" + name + ".app";
-            return [NSURL URLWithString:[[NSString alloc] initWithBytes:place.data()
-                                                                 length:place.size()
-                                                               encoding:NSUTF8StringEncoding]];
+        if (utf8(bundleIdentifier) == "com.example." + name) {
+            return [NSURL URLWithString:fake_mac::string("file:///Applications/" + name + ".app")];
         }
     }
     return nil;
 }
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)fileURLs {
     for (NSURL* url in fileURLs) {
-        _revealedPaths.push_back(text(url.path));
+        _revealedPaths.push_back(utf8(url.path));
     }
 }
 - (NSImage*)iconForFile:(NSString*)fullPath {
-    _iconPaths.emplace_back(fullPath.UTF8String);
+    _iconPaths.push_back(utf8(fullPath));
     return [NSImage icon];
 }
 - (NSImage*)iconForContentType:(UTType*)contentType {
     return contentType == UTTypeApplicationBundle ? [NSImage icon] : [[NSImage alloc] init];
 }
-- (std::vector<std::string>)openedAddresses {
-    return _openedAddresses;
-}
-- (std::vector<std::string>)revealedPaths {
-    return _revealedPaths;
-}
-- (std::vector<std::string>)iconPaths {
-    return _iconPaths;
+- (void)start:(NSRunningApplication*)application {
+    NSMutableArray<NSRunningApplication*>* const all = [NSMutableArray array];
+    for (NSRunningApplication* other in _runningApplications) {
+        [all addObject:other];
+    }
+    [all addObject:application];
+    self.runningApplications = all;
 }
 - (void)post:(NSNotificationName)name application:(NSRunningApplication*)application {
     [self.notificationCenter
@@ -175,15 +117,11 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     screen->_visibleFrame = visibleFrame;
     return screen;
 }
-+ (void)setScreens:(NSArray<NSScreen*>*)screens main:(NSScreen*)main {
-    state.screens = screens;
-    state.mainScreen = main;
-}
 + (NSArray<NSScreen*>*)screens {
-    return state.screens ?: [NSArray array];
+    return appKit().screens ?: [NSArray array];
 }
 + (NSScreen*)mainScreen {
-    return state.mainScreen;
+    return appKit().mainScreen;
 }
 @end
 
@@ -194,38 +132,25 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     return event;
 }
 + (NSPoint)mouseLocation {
-    return state.mouseLocation;
-}
-+ (void)setMouseLocation:(NSPoint)place {
-    state.mouseLocation = place;
-}
-+ (void)setRefusesMonitors:(BOOL)refuses {
-    state.refusesMonitors = refuses;
+    return appKit().mouseLocation;
 }
 + (id)addGlobalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(void (^)(NSEvent*))block {
-    if (state.refusesMonitors) {
+    if (appKit().refusesMonitors) {
         return nil;
     }
-    lastMonitorMask = mask;
-    const id token = [[NSObject alloc] init];
-    monitors().push_back({token, mask, [block copy]});
-    return token;
+    appKit().lastMonitorMask = mask;
+    appKit().monitors.push_back({[[NSObject alloc] init], mask, [block copy]});
+    return appKit().monitors.back().token;
 }
 + (void)removeMonitor:(id)eventMonitor {
-    std::erase_if(monitors(), [eventMonitor](const Monitor& monitor) { return monitor.token == eventMonitor; });
-}
-+ (NSUInteger)monitorCount {
-    return monitors().size();
-}
-+ (NSEventMask)lastMonitorMask {
-    return lastMonitorMask;
+    std::erase_if(appKit().monitors, [eventMonitor](const auto& monitor) { return monitor.token == eventMonitor; });
 }
 + (void)pressElsewhere:(NSEventType)type {
     @autoreleasepool {
         NSEvent* const event = [[NSEvent alloc] init];
         event->_type = type;
-        const auto current = monitors();
-        for (const Monitor& monitor : current) {
+        const auto current = appKit().monitors;
+        for (const auto& monitor : current) {
             if ((monitor.mask & (1ULL << type)) != 0) {
                 monitor.handler(event);
             }
@@ -234,20 +159,13 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
 }
 @end
 
-@implementation NSApplication {
-    std::vector<std::string> _calls;
-    NSApplicationActivationPolicy _policy;
-    NSImage* _applicationIconImage;
-}
+@implementation NSApplication
 + (NSApplication*)sharedApplication {
-    if (state.application == nil) {
-        state.application = [[NSApplication alloc] init];
-    }
-    return state.application;
+    return fake_mac::shared(appKit().application);
 }
 - (NSArray<NSWindow*>*)windows {
     NSMutableArray* const all = [NSMutableArray array];
-    for (NSWindow* window : windows()) {
+    for (NSWindow* window : appKit().windows) {
         if (window != nil) {
             [all addObject:window];
         }
@@ -260,17 +178,8 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
     }
     return _applicationIconImage;
 }
-- (void)setApplicationIconImage:(NSImage*)image {
-    _applicationIconImage = image;
-}
-- (NSApplicationActivationPolicy)policy {
-    return _policy;
-}
-- (NSApplicationActivationPolicy)activationPolicy {
-    return _policy;
-}
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy {
-    _policy = activationPolicy;
+    _activationPolicy = activationPolicy;
     _calls.emplace_back("setActivationPolicy");
     return YES;
 }
@@ -279,9 +188,6 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
 }
 - (void)terminate:(id)sender {
     _calls.emplace_back("terminate");
-}
-- (std::vector<std::string>)calls {
-    return _calls;
 }
 - (void)finishLaunching {
     const id<NSApplicationDelegate> told = self.delegate;
@@ -304,5 +210,86 @@ UTType* const UTTypeApplicationBundle = static_cast<UTType*>(static_cast<id>(@"c
             [told applicationWillTerminate:[[NSNotification alloc] init]];
         }
     }
+}
+@end
+
+@implementation NSMenuItem
++ (NSMenuItem*)separatorItem {
+    NSMenuItem* const item = [[self alloc] initWithTitle:@"" action:nil keyEquivalent:@""];
+    item.separatorItem = YES;
+    return item;
+}
+- (instancetype)initWithTitle:(NSString*)string action:(SEL)selector keyEquivalent:(NSString*)charCode {
+    self = [super init];
+    _title = [string copy];
+    _action = selector;
+    _keyEquivalent = [charCode copy];
+    _enabled = YES;
+    return self;
+}
+- (void)setView:(NSView*)view {
+    _view = view;
+    view.enclosingMenuItem = self;
+}
+@end
+
+@implementation NSMenu {
+    NSMutableArray<NSMenuItem*>* _items;
+}
+- (instancetype)initWithTitle:(NSString*)title {
+    self = [super init];
+    _title = [title copy];
+    _autoenablesItems = YES;
+    _items = [NSMutableArray array];
+    return self;
+}
+- (void)addItem:(NSMenuItem*)newItem {
+    newItem.menu = self;
+    [_items addObject:newItem];
+}
+- (NSArray*)itemArray {
+    return [_items copy];
+}
+- (void)cancelTracking {
+    _wasCancelled = YES;
+}
+- (BOOL)choose:(NSMenuItem*)item {
+    const id target = item.target;
+    const bool isEnabled =
+        _autoenablesItems ? target != nil && [target respondsToSelector:item.action] : item.enabled != NO;
+    if (!isEnabled || target == nil || item.action == nullptr) {
+        return NO;
+    }
+    @autoreleasepool {
+        using Send = void (*)(id, SEL, id);
+        reinterpret_cast<Send>(objc_msgSend)(target, item.action, item);
+    }
+    return YES;
+}
+@end
+
+@implementation NSStatusItem {
+    NSStatusBarButton* _button;
+}
+- (NSStatusBarButton*)button {
+    return fake_mac::shared(_button);
+}
+@end
+
+@implementation NSStatusBar
++ (NSStatusBar*)systemStatusBar {
+    return [[NSStatusBar alloc] init];
+}
+- (NSStatusItem*)statusItemWithLength:(CGFloat)length {
+    NSStatusItem* const item = [[NSStatusItem alloc] init];
+    item.length = length;
+    appKit().statusItems.push_back(item);
+    return item;
+}
+- (void)removeStatusItem:(NSStatusItem*)item {
+    std::erase_if(appKit().statusItems, [item](NSStatusItem* other) { return other == item; });
+}
++ (NSStatusItem*)onlyItem {
+    return appKit().statusItems.size() == 1 ? appKit().statusItems.front() : nil;
 }
 @end

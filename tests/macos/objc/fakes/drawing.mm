@@ -1,11 +1,12 @@
-#include <array>
-#include <map>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #import "tests/macos/objc/fakes/appkit.h"
+
+using fake_mac::appKit;
+using fake_mac::utf8;
 
 @interface NSGraphicsContext ()
 @property(strong) NSBitmapImageRep* bitmap;
@@ -22,30 +23,6 @@ NSGraphicsContext* __weak currentContext;
 std::vector<NSGraphicsContext*> savedContexts;
 
 }  // namespace
-
-namespace fake_mac {
-
-std::vector<Fill>& fills() {
-    static std::vector<Fill> all;
-    return all;
-}
-
-std::map<std::string, std::array<CGFloat, 3>>& systemColors() {
-    static std::map<std::string, std::array<CGFloat, 3>> all;
-    return all;
-}
-
-std::vector<DrawnSymbol>& drawnSymbols() {
-    static std::vector<DrawnSymbol> all;
-    return all;
-}
-
-std::vector<NSSize>& drawnIconSizes() {
-    static std::vector<NSSize> all;
-    return all;
-}
-
-}  // namespace fake_mac
 
 @implementation NSAppearance {
     std::string _name;
@@ -71,61 +48,37 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
 }
 @end
 
-@implementation NSColor {
-    std::array<CGFloat, 3> _components;
-}
+@implementation NSColor
 + (NSColor*)named:(const char*)name {
     NSColor* const color = [[NSColor alloc] init];
     color->_name = name;
     color->_alpha = 1;
     return color;
 }
-+ (NSColor*)clearColor {
-    return [self named:"clear"];
-}
-+ (NSColor*)blackColor {
-    return [self named:"black"];
-}
-+ (NSColor*)labelColor {
-    return [self named:"label"];
-}
-+ (NSColor*)secondaryLabelColor {
-    return [self named:"secondaryLabel"];
-}
-+ (NSColor*)tertiaryLabelColor {
-    return [self named:"tertiaryLabel"];
-}
-+ (NSColor*)controlAccentColor {
-    return [self named:"controlAccent"];
-}
-+ (NSColor*)systemOrangeColor {
-    return [self named:"systemOrange"];
-}
-+ (NSColor*)systemBlueColor {
-    return [self named:"systemBlue"];
-}
-+ (NSColor*)systemPurpleColor {
-    return [self named:"systemPurple"];
-}
-+ (NSColor*)systemYellowColor {
-    return [self named:"systemYellow"];
-}
+#define NAMED_COLOR(_name)          \
+    +(NSColor*)_name##Color {       \
+        return [self named:#_name]; \
+    }
+NAMED_COLOR(clear)
+NAMED_COLOR(black)
+NAMED_COLOR(label)
+NAMED_COLOR(secondaryLabel)
+NAMED_COLOR(tertiaryLabel)
+NAMED_COLOR(controlAccent)
+NAMED_COLOR(systemOrange)
+NAMED_COLOR(systemBlue)
+NAMED_COLOR(systemPurple)
+NAMED_COLOR(systemYellow)
 - (NSColor*)colorUsingColorSpace:(NSColorSpace*)space {
     if (space == nil || !currentAppearance) {
         return nil;
     }
     NSColor* const color = [NSColor named:_name.c_str()];
-    color->_components = fake_mac::systemColors()[*currentAppearance + " " + _name];
+    const auto& components = appKit().systemColors[*currentAppearance + " " + _name];
+    color->_redComponent = components[0];
+    color->_greenComponent = components[1];
+    color->_blueComponent = components[2];
     return color;
-}
-- (CGFloat)redComponent {
-    return _components[0];
-}
-- (CGFloat)greenComponent {
-    return _components[1];
-}
-- (CGFloat)blueComponent {
-    return _components[2];
 }
 - (NSColor*)colorWithAlphaComponent:(CGFloat)alpha {
     NSColor* const color = [NSColor named:_name.c_str()];
@@ -135,9 +88,6 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
 - (void)setFill {
     currentColor = _name;
     currentAlpha = _alpha;
-}
-- (id)copyWithZone:(void*)zone {
-    return self;
 }
 @end
 
@@ -158,9 +108,6 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     NSFont* const font = [self systemFontOfSize:fontSize];
     font->_isMenuFont = YES;
     return font;
-}
-- (id)copyWithZone:(void*)zone {
-    return self;
 }
 @end
 
@@ -183,13 +130,9 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     sum->_paletteColors = configuration->_paletteColors ?: _paletteColors;
     return sum;
 }
-- (id)copyWithZone:(void*)zone {
-    return self;
-}
 @end
 
 @implementation NSImage {
-    BOOL _isTemplate;
     BOOL _isIcon;
 }
 + (NSImage*)icon {
@@ -203,11 +146,11 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
         return nil;
     }
     NSImage* const image = [[self alloc] init];
-    image->_symbolName = [symbolName copy];
-    image->_symbolDescription = [description copy];
+    image->_symbolName = symbolName;
+    image->_symbolDescription = description;
     image->_size = NSMakeSize(16, 14);
     // As symbols of the system are.
-    image->_isTemplate = YES;
+    image->_isTemplateImage = YES;
     return image;
 }
 + (NSImage*)imageWithSize:(NSSize)size flipped:(BOOL)flipped drawingHandler:(BOOL (^)(NSRect))drawingHandler {
@@ -221,16 +164,10 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     image->_configuration = configuration;
     return image;
 }
-- (BOOL)isTemplate {
-    return _isTemplate;
-}
-- (void)setTemplate:(BOOL)isTemplate {
-    _isTemplate = isTemplate;
-}
 - (id)copyWithZone:(void*)zone {
     NSImage* const image = [[NSImage alloc] init];
     image->_isIcon = _isIcon;
-    image->_isTemplate = _isTemplate;
+    image->_isTemplateImage = _isTemplateImage;
     image->_size = _size;
     image->_symbolName = _symbolName;
     image->_symbolDescription = _symbolDescription;
@@ -239,10 +176,8 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     return image;
 }
 - (void)drawInRect:(NSRect)rect {
-    _lastDrawnRect = rect;
-    NSColor* const color = _isTemplate ? nil : _configuration.paletteColors.firstObject;
-    fake_mac::fills().push_back({_symbolName.UTF8String == nullptr ? "image" : _symbolName.UTF8String, 1, rect, 0,
-                                 color == nil ? "black" : color.name});
+    NSColor* const color = _isTemplateImage ? nil : _configuration.paletteColors.firstObject;
+    appKit().fills.push_back({utf8(_symbolName), 1, rect, 0, color == nil ? "black" : color.name});
 }
 - (void)drawInRect:(NSRect)target
           fromRect:(NSRect)source
@@ -250,8 +185,8 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
           fraction:(CGFloat)fraction {
     NSBitmapImageRep* const bitmap = [NSGraphicsContext.currentContext bitmap];
     if (_symbolName != nil) {
-        fake_mac::drawnSymbols().push_back(
-            {_symbolName.UTF8String, _configuration.pointSize, _configuration.weight, target.size});
+        appKit().drawnSymbols.push_back(
+            {utf8(_symbolName), _configuration.pointSize, _configuration.weight, target.size});
         auto* const pixels = reinterpret_cast<std::uint32_t*>(bitmap.bitmapData);
         std::fill_n(pixels, static_cast<std::size_t>(target.size.width * target.size.height), 0x80000000U);
         return;
@@ -259,7 +194,7 @@ NSAttributedStringKey const NSForegroundColorAttributeName = @"NSColor";
     if (!_isIcon || source.size.width > 0 || operation != NSCompositingOperationCopy || fraction < 1) {
         return;
     }
-    fake_mac::drawnIconSizes().push_back(_size);
+    appKit().drawnIconSizes.push_back(_size);
     for (NSInteger row = 0; row < static_cast<NSInteger>(target.size.height); ++row) {
         auto* const line = reinterpret_cast<std::uint32_t*>(bitmap.bitmapData + row * bitmap.bytesPerRow);
         for (NSInteger column = 0; column < static_cast<NSInteger>(target.size.width); ++column) {
@@ -333,6 +268,6 @@ NSColorSpaceName const NSDeviceRGBColorSpace = @"NSDeviceRGBColorSpace";
     return path;
 }
 - (void)fill {
-    fake_mac::fills().push_back({currentColor, currentAlpha, _rect, _radius, {}});
+    appKit().fills.push_back({currentColor, currentAlpha, _rect, _radius, {}});
 }
 @end

@@ -41,17 +41,37 @@
 
 namespace fake_mac {
 
-/// The objects that the system keeps for the life of a process, made when they are first asked for.
-void forgetFoundation();
-void forgetNotificationCentres();
-void setMainBundle(NSBundle* bundle);
-/// Makes the bundle the one at its path.
-void installBundle(NSBundle* bundle);
-/// The user's calendar is so many years ahead of the Gregorian one.
-void setCalendarAhead(int years);
-/// The activities that have begun and not ended.
-[[nodiscard]] std::vector<NSActivityOptions> activities();
-void setSystemVersion(NSInteger major, NSInteger minor, NSInteger patch);
+/// Empty for nil.
+[[nodiscard]] std::string utf8(NSString* string);
+[[nodiscard]] NSString* string(const std::string& utf8);
+
 constexpr int ownPid = 4711;
+
+/// The objects that the system keeps for the life of a process, made when they are first asked for, and what a test
+/// says of the system.
+struct Foundation {
+    NSBundle* mainBundle;
+    std::map<std::string, NSBundle*> bundlesByPath;
+    NSProcessInfo* processInfo;
+    NSUserDefaults* defaults;
+    NSNotificationCenter* localCenter;
+    NSDistributedNotificationCenter* distributedCenter;
+    NSOperationQueue* mainQueue;
+    NSOperatingSystemVersion systemVersion{};
+    /// The user's calendar is so many years ahead of the Gregorian one.
+    int calendarYearsAhead = 0;
+    /// Those that have begun and not ended.
+    std::vector<NSActivityOptions> activities;
+};
+[[nodiscard]] Foundation& foundation();
+
+/// The one object that the system keeps at this place.
+template <typename Kind>
+[[nodiscard]] Kind* shared(Kind* __strong& place) {
+    if (place == nil) {
+        place = [[Kind alloc] init];
+    }
+    return place;
+}
 
 }  // namespace fake_mac

@@ -1,53 +1,45 @@
 #import "tests/macos/objc/fakes/foundation.h"
 
 #include <stdexcept>
-#include <vector>
+#include <utility>
+
+#include "core/text_encoding.h"
+
+using fake_mac::foundation;
+using fake_mac::string;
+using fake_mac::utf8;
+
+extern "C" void objc_msgSend();
+
+namespace fake_mac {
+
+Foundation& foundation() {
+    static Foundation state;
+    return state;
+}
+
+std::string utf8(NSString* string) {
+    const char* const bytes = string.UTF8String;
+    return bytes == nullptr ? "" : bytes;
+}
+
+NSString* string(const std::string& utf8) {
+    return [[NSString alloc] initWithBytes:utf8.data() length:utf8.size() encoding:NSUTF8StringEncoding];
+}
+
+}  // namespace fake_mac
 
 namespace {
 
-struct FoundationState {
-    NSBundle* mainBundle;
-    std::map<std::string, NSBundle*> installed;
-    NSProcessInfo* processInfo;
-    NSOperatingSystemVersion systemVersion{};
-    NSUserDefaults* defaults;
-    int yearsAhead = 0;
-    std::vector<NSActivityOptions> activities;
-};
-
-FoundationState state;
-
-std::string text(NSString* string) {
-    return string.UTF8String == nullptr ? "" : string.UTF8String;
-}
-
 /// What the compiler makes of a literal.
 struct ConstantString {
+    static constexpr std::uint64_t isUtf16 = 0x10;
+
     void* isa;
     std::uint64_t flags;
     const void* characters;
     long length;
 };
-
-constexpr std::uint32_t utf16Flag = 0x10;
-
-std::string utf8FromUtf16(const char16_t* units, long count) {
-    std::string result;
-    for (long index = 0; index < count; ++index) {
-        const char16_t unit = units[index];
-        if (unit < 0x80) {
-            result += static_cast<char>(unit);
-        } else if (unit < 0x800) {
-            result += static_cast<char>(0xC0 | (unit >> 6));
-            result += static_cast<char>(0x80 | (unit & 0x3F));
-        } else {
-            result += static_cast<char>(0xE0 | (unit >> 12));
-            result += static_cast<char>(0x80 | ((unit >> 6) & 0x3F));
-            result += static_cast<char>(0x80 | (unit & 0x3F));
-        }
-    }
-    return result;
-}
 
 }  // namespace
 
@@ -56,31 +48,17 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
 }
 - (instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSStringEncoding)encoding {
     self = [super init];
-    if (encoding != NSUTF8StringEncoding) {
-        return nil;
-    }
     _text.assign(static_cast<const char*>(bytes), length);
-    // Continuation bytes without a beginning are enough to tell what is no UTF-8 in these tests.
-    return !_text.empty() && (static_cast<unsigned char>(_text.front()) & 0xC0U) == 0x80U ? nil : self;
+    return encoding == NSUTF8StringEncoding && ferrowyn::text::isValidUtf8(_text) ? self : nil;
 }
 - (const char*)UTF8String {
     return _text.c_str();
 }
-- (NSUInteger)length {
-    return text(self).size();
+- (BOOL)isEqualToString:(NSString*)other {
+    return utf8(self) == utf8(other);
 }
-- (BOOL)isEqualToString:(NSString*)string {
-    return text(self) == text(string);
-}
-- (BOOL)isEqual:(id)object {
-    return [object isKindOfClass:[NSString class]] && [self isEqualToString:object];
-}
-- (NSString*)stringByAppendingString:(NSString*)string {
-    const std::string sum = text(self) + text(string);
-    return [[NSString alloc] initWithBytes:sum.data() length:sum.size() encoding:NSUTF8StringEncoding];
-}
-- (id)copyWithZone:(void*)zone {
-    return self;
+- (NSString*)stringByAppendingString:(NSString*)end {
+    return string(utf8(self) + utf8(end));
 }
 @end
 
@@ -92,14 +70,12 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     static std::map<const void*, std::string> converted;
     NSConstantString* __unsafe_unretained unowned = self;
     const auto* const literal = __builtin_bit_cast(const ConstantString*, unowned);
-    if ((literal->flags & utf16Flag) == 0) {
+    if ((literal->flags & ConstantString::isUtf16) == 0) {
         return static_cast<const char*>(literal->characters);
     }
-    auto& result = converted[literal];
-    if (result.empty()) {
-        result = utf8FromUtf16(static_cast<const char16_t*>(literal->characters), literal->length);
-    }
-    return result.c_str();
+    const std::u16string_view units(static_cast<const char16_t*>(literal->characters),
+                                    static_cast<std::size_t>(literal->length));
+    return converted.try_emplace(literal, ferrowyn::text::utf8FromUtf16(units)).first->second.c_str();
 }
 @end
 
@@ -107,57 +83,26 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
 @interface FakeBoolean : NSNumber
 @end
 
-@implementation NSNumber {
-@public
-    const char* _type;
-    long long _integer;
-    double _real;
+@implementation NSNumber
++ (NSNumber*)numberOfType:(const char*)type whole:(long long)whole real:(double)real {
+    NSNumber* const number = [[self alloc] init];
+    number->_objCType = type;
+    number->_boolValue = whole != 0;
+    number->_longLongValue = whole;
+    number->_doubleValue = real;
+    return number;
 }
 + (NSNumber*)numberWithBool:(BOOL)value {
-    FakeBoolean* const number = [[FakeBoolean alloc] init];
-    number->_type = "c";
-    number->_integer = value ? 1 : 0;
-    return number;
+    return [FakeBoolean numberOfType:"c" whole:value ? 1 : 0 real:0];
 }
 + (NSNumber*)numberWithInt:(int)value {
-    NSNumber* const number = [self numberWithLongLong:value];
-    number->_type = "i";
-    return number;
-}
-+ (NSNumber*)numberWithLong:(long)value {
-    return [self numberWithLongLong:value];
+    return [self numberOfType:"i" whole:value real:value];
 }
 + (NSNumber*)numberWithLongLong:(long long)value {
-    NSNumber* const number = [[NSNumber alloc] init];
-    number->_type = "q";
-    number->_integer = value;
-    number->_real = static_cast<double>(value);
-    return number;
+    return [self numberOfType:"q" whole:value real:static_cast<double>(value)];
 }
 + (NSNumber*)numberWithDouble:(double)value {
-    NSNumber* const number = [[NSNumber alloc] init];
-    number->_type = "d";
-    number->_integer = static_cast<long long>(value);
-    number->_real = value;
-    return number;
-}
-- (const char*)objCType {
-    return _type;
-}
-- (BOOL)boolValue {
-    return _integer != 0;
-}
-- (int)intValue {
-    return static_cast<int>(_integer);
-}
-- (long long)longLongValue {
-    return _integer;
-}
-- (double)doubleValue {
-    return _real;
-}
-- (id)copyWithZone:(void*)zone {
-    return self;
+    return [self numberOfType:"d" whole:static_cast<long long>(value) real:value];
 }
 @end
 
@@ -180,9 +125,6 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     return _objects.size();
 }
 - (id)objectAtIndex:(NSUInteger)index {
-    return _objects.at(index);
-}
-- (id)objectAtIndexedSubscript:(NSUInteger)index {
     return _objects.at(index);
 }
 - (id)firstObject {
@@ -226,26 +168,13 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
 + (instancetype)dictionaryWithObjects:(const id[])objects forKeys:(const id<NSCopying>[])keys count:(NSUInteger)count {
     NSDictionary* const dictionary = [[self alloc] init];
     for (NSUInteger index = 0; index < count; ++index) {
-        dictionary->_objects[text(static_cast<NSString*>(keys[index]))] = objects[index];
+        dictionary->_objects[utf8(static_cast<NSString*>(keys[index]))] = objects[index];
     }
     return dictionary;
 }
-- (NSUInteger)count {
-    return _objects.size();
-}
-- (NSArray*)allKeys {
-    NSMutableArray* const keys = [NSMutableArray arrayWithCapacity:_objects.size()];
-    for (const auto& [key, object] : _objects) {
-        [keys addObject:[[NSString alloc] initWithBytes:key.data() length:key.size() encoding:NSUTF8StringEncoding]];
-    }
-    return keys;
-}
 - (id)objectForKey:(id)key {
-    const auto found = _objects.find(text(key));
+    const auto found = _objects.find(utf8(key));
     return found == _objects.end() ? nil : found->second;
-}
-- (id)objectForKeyedSubscript:(id)key {
-    return [self objectForKey:key];
 }
 - (id)copyWithZone:(void*)zone {
     NSDictionary* const copy = [[NSDictionary alloc] init];
@@ -259,32 +188,22 @@ std::string utf8FromUtf16(const char16_t* units, long count) {
     return [[self alloc] init];
 }
 - (void)setObject:(id)object forKey:(id)key {
-    _objects[text(key)] = object;
+    _objects[utf8(key)] = object;
 }
 @end
 
-@implementation NSURL {
-    NSString* _address;
-}
-+ (instancetype)URLWithString:(NSString*)string {
-    const std::string address = text(string);
-    if (address.empty() || address.find(' ') != std::string::npos) {
+@implementation NSURL
++ (instancetype)URLWithString:(NSString*)address {
+    if (utf8(address).empty() || utf8(address).find(' ') != std::string::npos) {
         return nil;
     }
     NSURL* const url = [[self alloc] init];
-    url->_address = string;
+    url->_absoluteString = address;
     return url;
 }
-- (NSString*)absoluteString {
-    return _address;
-}
 - (NSString*)path {
-    const std::string address = text(_address);
-    const std::string path = address.substr(address.find("://") + 3);
-    return [[NSString alloc] initWithBytes:path.data() length:path.size() encoding:NSUTF8StringEncoding];
-}
-- (id)copyWithZone:(void*)zone {
-    return self;
+    const std::string address = utf8(_absoluteString);
+    return string(address.substr(address.find("://") + 3));
 }
 @end
 
@@ -302,7 +221,7 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
 
 @implementation NSException
 + (void)raise:(NSExceptionName)name format:(NSString*)format, ... {
-    throw std::runtime_error(text(name) + ": " + text(format));
+    throw std::runtime_error(utf8(name) + ": " + utf8(format));
 }
 @end
 
@@ -310,16 +229,16 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
     NSDictionary* _info;
 }
 + (NSBundle*)mainBundle {
-    if (state.mainBundle == nil) {
-        state.mainBundle = [[NSBundle alloc] initWithPath:@"/usr/local/bin"
-                                               identifier:nil
-                                                     info:[NSDictionary dictionary]];
+    if (foundation().mainBundle == nil) {
+        foundation().mainBundle = [[NSBundle alloc] initWithPath:@"/usr/local/bin"
+                                                      identifier:nil
+                                                            info:[NSDictionary dictionary]];
     }
-    return state.mainBundle;
+    return foundation().mainBundle;
 }
 + (instancetype)bundleWithURL:(NSURL*)url {
-    const auto found = state.installed.find(text(url.path));
-    return found == state.installed.end() ? nil : found->second;
+    const auto found = foundation().bundlesByPath.find(utf8(url.path));
+    return found == foundation().bundlesByPath.end() ? nil : found->second;
 }
 - (instancetype)initWithPath:(NSString*)path identifier:(NSString*)identifier info:(NSDictionary*)info {
     self = [super init];
@@ -338,26 +257,23 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
 
 @implementation NSProcessInfo
 + (NSProcessInfo*)processInfo {
-    if (state.processInfo == nil) {
-        state.processInfo = [[NSProcessInfo alloc] init];
-    }
-    return state.processInfo;
+    return fake_mac::shared(foundation().processInfo);
 }
 - (int)processIdentifier {
     return fake_mac::ownPid;
 }
 - (NSOperatingSystemVersion)operatingSystemVersion {
-    return state.systemVersion;
+    return foundation().systemVersion;
 }
 - (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason {
-    state.activities.push_back(options);
+    foundation().activities.push_back(options);
     return [[NSObject alloc] init];
 }
 - (void)endActivity:(id<NSObject>)activity {
-    if (activity == nil || state.activities.empty()) {
+    if (activity == nil || foundation().activities.empty()) {
         throw std::logic_error("an activity ends that never began");
     }
-    state.activities.pop_back();
+    foundation().activities.pop_back();
 }
 @end
 
@@ -375,109 +291,182 @@ NSExceptionName const NSInternalInconsistencyException = @"NSInternalInconsisten
 }
 - (NSInteger)component:(NSCalendarUnit)unit fromDate:(NSDate*)date {
     constexpr double secondsPerYear = 365.2425 * 86400;
-    if (unit != NSCalendarUnitYear) {
-        return 0;
-    }
-    return 1970 + static_cast<NSInteger>(date.timeIntervalSince1970 / secondsPerYear) + state.yearsAhead;
+    const auto year = 1970 + static_cast<NSInteger>(date.timeIntervalSince1970 / secondsPerYear);
+    return unit == NSCalendarUnitYear ? year + foundation().calendarYearsAhead : 0;
 }
 @end
 
 @implementation NSUserDefaults {
-    std::map<std::string, id> _stored;
-    std::map<std::string, id> _registered;
+    NSMutableDictionary* _stored;
+    NSDictionary* _registered;
 }
 + (NSUserDefaults*)standardUserDefaults {
-    if (state.defaults == nil) {
-        state.defaults = [[NSUserDefaults alloc] init];
-    }
-    return state.defaults;
+    return fake_mac::shared(foundation().defaults);
 }
 - (id)objectForKey:(NSString*)key {
-    const id stored = [self storedObjectForKey:key];
-    const auto registered = _registered.find(text(key));
-    return stored != nil ? stored : registered == _registered.end() ? nil : registered->second;
+    return [self storedObjectForKey:key] ?: [_registered objectForKey:key];
 }
 - (id)storedObjectForKey:(NSString*)key {
-    const auto stored = _stored.find(text(key));
-    return stored == _stored.end() ? nil : stored->second;
+    return [_stored objectForKey:key];
 }
 - (void)setObject:(id)value forKey:(NSString*)key {
+    if (_stored == nil) {
+        _stored = [[NSMutableDictionary alloc] init];
+    }
     // A property list is a copy of what it is given.
-    _stored[text(key)] = [value copy];
+    [_stored setObject:[value copy] forKey:key];
 }
 - (void)registerDefaults:(NSDictionary<NSString*, id>*)defaults {
-    for (NSString* key in defaults.allKeys) {
-        _registered[text(key)] = [defaults objectForKey:key];
-    }
+    _registered = [defaults copy];
 }
 @end
 
 @implementation NSAttributedString {
 @public
-    NSMutableArray<NSAttributedString*>* _runs;
     NSString* _string;
-    NSDictionary* _attributes;
+    NSMutableArray<NSAttributedString*>* _appended;
 }
 - (instancetype)initWithString:(NSString*)string attributes:(NSDictionary*)attributes {
     self = [super init];
     _string = string;
     _attributes = attributes;
-    _runs = [NSMutableArray array];
+    _appended = [NSMutableArray array];
     return self;
 }
 - (NSString*)string {
     NSString* all = _string;
-    for (NSAttributedString* run in _runs) {
+    for (NSAttributedString* run in _appended) {
         all = [all stringByAppendingString:run.string];
     }
     return all;
 }
-- (NSDictionary*)attributes {
-    return _attributes;
-}
 - (NSArray*)runs {
-    return _runs;
-}
-- (id)copyWithZone:(void*)zone {
-    NSAttributedString* const copy = [[NSAttributedString alloc] initWithString:_string attributes:_attributes];
-    for (NSAttributedString* run in _runs) {
-        [copy->_runs addObject:run];
-    }
-    return copy;
+    return _appended;
 }
 @end
 
 @implementation NSMutableAttributedString
 - (void)appendAttributedString:(NSAttributedString*)string {
-    [_runs addObject:string];
+    [_appended addObject:string];
+}
+- (id)copyWithZone:(void*)zone {
+    NSAttributedString* const copy = [[NSAttributedString alloc] initWithString:_string attributes:self.attributes];
+    for (NSAttributedString* run in _appended) {
+        [copy->_appended addObject:run];
+    }
+    return copy;
 }
 @end
 
-namespace fake_mac {
+/// An observer with a selector, or a block and its queue.
+@interface FakeObservation : NSObject
+@property(copy) NSNotificationName name;
+@property(weak) id observer;
+@property SEL selector;
+@property(strong) NSOperationQueue* queue;
+@property(copy) void (^block)(NSNotification*);
+@end
 
-void forgetFoundation() {
-    state = {};
-    forgetNotificationCentres();
+@implementation FakeObservation
+- (void)deliver:(NSNotification*)notification {
+    if (self.block == nil) {
+        using Send = void (*)(id, SEL, NSNotification*);
+        reinterpret_cast<Send>(objc_msgSend)(self.observer, self.selector, notification);
+        return;
+    }
+    const auto block = self.block;
+    if (self.queue == nil) {
+        block(notification);
+    } else {
+        [self.queue add:^{
+          block(notification);
+        }];
+    }
 }
+@end
 
-void setMainBundle(NSBundle* bundle) {
-    state.mainBundle = bundle;
+@implementation NSNotification {
+@public
+    NSNotificationName _name;
+    NSDictionary* _userInfo;
 }
+@synthesize name = _name, userInfo = _userInfo;
+@end
 
-void installBundle(NSBundle* bundle) {
-    state.installed[text(bundle.bundlePath)] = bundle;
+@implementation NSNotificationCenter {
+    std::vector<FakeObservation*> _observations;
 }
-
-void setCalendarAhead(int years) {
-    state.yearsAhead = years;
++ (NSNotificationCenter*)defaultCenter {
+    return fake_mac::shared(foundation().localCenter);
 }
-
-std::vector<NSActivityOptions> activities() {
-    return state.activities;
+- (FakeObservation*)observationOf:(NSNotificationName)name {
+    FakeObservation* const observation = [[FakeObservation alloc] init];
+    observation.name = name;
+    _observations.push_back(observation);
+    return observation;
 }
-
-void setSystemVersion(NSInteger major, NSInteger minor, NSInteger patch) {
-    state.systemVersion = {major, minor, patch};
+- (void)addObserver:(id)observer selector:(SEL)selector name:(NSNotificationName)name object:(id)object {
+    FakeObservation* const observation = [self observationOf:name];
+    observation.observer = observer;
+    observation.selector = selector;
 }
+- (id<NSObject>)addObserverForName:(NSNotificationName)name
+                            object:(id)object
+                             queue:(NSOperationQueue*)queue
+                        usingBlock:(void (^)(NSNotification*))block {
+    FakeObservation* const observation = [self observationOf:name];
+    observation.queue = queue;
+    observation.block = block;
+    return observation;
+}
+- (void)removeObserver:(id)observer {
+    std::erase_if(_observations, [observer](FakeObservation* observation) {
+        return observation == observer || (observation.block == nil && observation.observer == observer);
+    });
+}
+- (void)post:(NSNotificationName)name userInfo:(NSDictionary*)userInfo {
+    @autoreleasepool {
+        NSNotification* const notification = [[NSNotification alloc] init];
+        notification->_name = name;
+        notification->_userInfo = userInfo;
+        const auto observations = _observations;
+        for (FakeObservation* observation : observations) {
+            if ([observation.name isEqualToString:name]) {
+                [observation deliver:notification];
+            }
+        }
+    }
+}
+- (NSUInteger)observerCount {
+    return _observations.size();
+}
+@end
 
-}  // namespace fake_mac
+@implementation NSDistributedNotificationCenter
++ (NSDistributedNotificationCenter*)defaultCenter {
+    return fake_mac::shared(foundation().distributedCenter);
+}
+@end
+
+@implementation NSOperationQueue {
+    std::vector<void (^)(void)> _waiting;
+}
++ (NSOperationQueue*)mainQueue {
+    return fake_mac::shared(foundation().mainQueue);
+}
+- (void)add:(void (^)(void))operation {
+    if (_isDeferring) {
+        _waiting.push_back([operation copy]);
+    } else {
+        operation();
+    }
+}
+- (void)drain {
+    const auto operations = std::exchange(_waiting, {});
+    for (const auto& operation : operations) {
+        @autoreleasepool {
+            operation();
+        }
+    }
+}
+@end

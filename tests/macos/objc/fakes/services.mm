@@ -2,6 +2,8 @@
 
 #include <cstdarg>
 
+#import "tests/macos/objc/fakes/foundation.h"
+
 namespace {
 
 SMAppService* mainService;
@@ -9,14 +11,9 @@ int madeLogs = 0;
 
 }  // namespace
 
-@implementation SMAppService {
-    std::vector<std::string> _calls;
-}
+@implementation SMAppService
 + (SMAppService*)mainAppService {
-    if (mainService == nil) {
-        mainService = [[SMAppService alloc] init];
-    }
-    return mainService;
+    return fake_mac::shared(mainService);
 }
 - (BOOL)answer:(NSError* __autoreleasing*)error becoming:(SMAppServiceStatus)status {
     if (_nextError == nil) {
@@ -34,9 +31,6 @@ int madeLogs = 0;
 - (BOOL)unregisterAndReturnError:(NSError* __autoreleasing*)error {
     _calls.emplace_back("unregister");
     return [self answer:error becoming:SMAppServiceStatusNotRegistered];
-}
-- (std::vector<std::string>)calls {
-    return _calls;
 }
 @end
 

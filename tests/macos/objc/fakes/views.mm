@@ -1,23 +1,15 @@
-#include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 #import "tests/macos/objc/fakes/appkit.h"
+
+extern "C" void objc_release(id object);
 
 NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 
 @implementation NSResponder
 - (instancetype)init {
     return [super init];
-}
-- (void)mouseUp:(NSEvent*)event {
-}
-- (void)mouseEntered:(NSEvent*)event {
-}
-- (void)mouseMoved:(NSEvent*)event {
-}
-- (void)mouseExited:(NSEvent*)event {
 }
 @end
 
@@ -32,23 +24,12 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
     _owner = owner;
     return self;
 }
-- (id)copyWithZone:(void*)zone {
-    return self;
-}
-@end
-
-@interface NSView ()
-@property(readwrite, weak) NSWindow* window;
-@property(readwrite, weak) NSView* superview;
-@property(readwrite, weak) NSMenuItem* enclosingMenuItem;
 @end
 
 @implementation NSView {
-    std::vector<NSView*> _subviews;
-    std::vector<NSTrackingArea*> _trackingAreas;
+    std::vector<NSView*> _children;
+    std::vector<NSTrackingArea*> _areas;
     std::vector<NSTrackingArea*> _areasWithPointer;
-    NSRect _frame;
-    NSString* _accessibilityLabel;
 }
 - (instancetype)initWithFrame:(NSRect)frameRect {
     self = [super init];
@@ -59,20 +40,11 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
     return [self initWithFrame:NSZeroRect];
 }
 - (void)addSubview:(NSView*)view {
-    _subviews.push_back(view);
+    _children.push_back(view);
     view.superview = self;
 }
 - (NSArray*)subviews {
-    return [NSArray arrayWithObjects:_subviews.data() count:_subviews.size()];
-}
-- (void)setSubviews:(NSArray*)subviews {
-    _subviews.clear();
-    for (NSView* view in subviews) {
-        [self addSubview:view];
-    }
-}
-- (NSRect)frame {
-    return _frame;
+    return [NSArray arrayWithObjects:_children.data() count:_children.size()];
 }
 - (void)setFrame:(NSRect)frame {
     _frame.origin = frame.origin;
@@ -83,9 +55,6 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 }
 - (NSRect)bounds {
     return NSMakeRect(0, 0, _frame.size.width, _frame.size.height);
-}
-- (void)setBounds:(NSRect)bounds {
-    _frame.size = bounds.size;
 }
 - (NSPoint)convertPoint:(NSPoint)point fromView:(NSView*)view {
     return NSMakePoint(point.x - _frame.origin.x, point.y - _frame.origin.y);
@@ -98,17 +67,17 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 - (void)updateTrackingAreas {
 }
 - (void)addTrackingArea:(NSTrackingArea*)trackingArea {
-    _trackingAreas.push_back(trackingArea);
+    _areas.push_back(trackingArea);
 }
 - (void)removeTrackingArea:(NSTrackingArea*)trackingArea {
-    std::erase(_trackingAreas, trackingArea);
+    std::erase(_areas, trackingArea);
 }
 - (NSArray*)trackingAreas {
-    return [NSArray arrayWithObjects:_trackingAreas.data() count:_trackingAreas.size()];
+    return [NSArray arrayWithObjects:_areas.data() count:_areas.size()];
 }
 - (void)pointerMovedTo:(NSPoint)place {
     NSEvent* const event = [NSEvent eventAt:place];
-    const auto areas = _trackingAreas;
+    const auto areas = _areas;
     for (NSTrackingArea* area : areas) {
         const bool isHeard = (area.options & NSTrackingActiveAlways) != 0 || NSApplication.sharedApplication.active;
         const NSRect rect = (area.options & NSTrackingInVisibleRect) != 0 ? self.bounds : area.rect;
@@ -117,35 +86,17 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
         if (isInside) {
             _areasWithPointer.push_back(area);
         }
-        if (!isHeard) {
-            continue;
-        }
         const bool wantsCrossings = (area.options & NSTrackingMouseEnteredAndExited) != 0;
-        if (isInside != wasInside && wantsCrossings) {
+        if (isHeard && isInside != wasInside && wantsCrossings) {
             isInside ? [area.owner mouseEntered:event] : [area.owner mouseExited:event];
-        } else if (isInside && (area.options & NSTrackingMouseMoved) != 0) {
+        } else if (isHeard && isInside && (area.options & NSTrackingMouseMoved) != 0) {
             [area.owner mouseMoved:event];
         }
     }
-    const auto subviews = _subviews;
-    for (NSView* view : subviews) {
+    const auto children = _children;
+    for (NSView* view : children) {
         [view pointerMovedTo:place];
     }
-}
-- (BOOL)isAccessibilityElement {
-    return NO;
-}
-- (NSAccessibilityRole)accessibilityRole {
-    return nil;
-}
-- (NSString*)accessibilityLabel {
-    return _accessibilityLabel;
-}
-- (void)setAccessibilityLabel:(NSString*)accessibilityLabel {
-    _accessibilityLabel = [accessibilityLabel copy];
-}
-- (BOOL)accessibilityPerformPress {
-    return NO;
 }
 @end
 
@@ -177,19 +128,7 @@ NSAccessibilityRole const NSAccessibilityButtonRole = @"AXButton";
 @implementation NSVisualEffectView
 @end
 
-namespace fake_mac {
-void registerWindow(NSWindow* window);
-}
-
-@interface NSWindow ()
-@property(readwrite, getter=isVisible) BOOL visible;
-@end
-
-@implementation NSWindow {
-    NSRect _frame;
-    NSView* _contentView;
-    std::vector<std::string> _calls;
-}
+@implementation NSWindow
 - (instancetype)initWithContentRect:(NSRect)contentRect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backingStoreType
@@ -203,19 +142,13 @@ void registerWindow(NSWindow* window);
     _opaque = YES;
     _movable = YES;
     _releasedWhenClosed = YES;
-    fake_mac::registerWindow(self);
+    fake_mac::appKit().windows.push_back(self);
     return self;
-}
-- (NSView*)contentView {
-    return _contentView;
 }
 - (void)setContentView:(NSView*)contentView {
     _contentView = contentView;
     contentView.window = self;
     contentView.frame = NSMakeRect(0, 0, _frame.size.width, _frame.size.height);
-}
-- (NSRect)frame {
-    return _frame;
 }
 - (NSRect)contentLayoutRect {
     constexpr CGFloat titleBarHeight = 28;
@@ -227,59 +160,41 @@ void registerWindow(NSWindow* window);
     [_contentView setFrame:NSMakeRect(0, 0, frameRect.size.width, frameRect.size.height)];
     _calls.emplace_back(flag ? "setFrame and display" : "setFrame");
 }
-- (std::vector<std::string>)calls {
-    return _calls;
-}
-- (BOOL)canBecomeKeyWindow {
-    return (_styleMask & NSWindowStyleMaskTitled) != 0;
-}
-- (BOOL)canBecomeMainWindow {
-    return (_styleMask & NSWindowStyleMaskTitled) != 0;
-}
-- (NSInteger)windowNumber {
-    return 1;
+- (void)note:(const char*)call visible:(BOOL)visible {
+    _calls.emplace_back(call);
+    _visible = visible;
 }
 - (void)invalidateShadow {
-    _calls.emplace_back("invalidateShadow");
+    [self note:"invalidateShadow" visible:_visible];
 }
 - (void)displayIfNeeded {
-    _calls.emplace_back("displayIfNeeded");
+    [self note:"displayIfNeeded" visible:_visible];
 }
 - (void)orderFront:(id)sender {
-    self.visible = YES;
-    _calls.emplace_back("orderFront");
+    [self note:"orderFront" visible:YES];
 }
 - (void)orderFrontRegardless {
-    self.visible = YES;
-    _calls.emplace_back("orderFrontRegardless");
+    [self note:"orderFrontRegardless" visible:YES];
 }
 - (void)orderOut:(id)sender {
-    self.visible = NO;
-    _calls.emplace_back("orderOut");
+    [self note:"orderOut" visible:NO];
 }
 - (void)makeKeyAndOrderFront:(id)sender {
-    self.visible = YES;
-    _calls.emplace_back("makeKeyAndOrderFront");
+    [self note:"makeKeyAndOrderFront" visible:YES];
 }
 - (void)close {
-    self.visible = NO;
-    _calls.emplace_back("close");
+    [self note:"close" visible:NO];
     if (_releasedWhenClosed) {
         // One reference too few from now on, as in the real one.
-        extern void objc_release(id) asm("objc_release");
         objc_release(self);
     }
 }
 @end
 
 @implementation NSPanel
-@synthesize floatingPanel = _floatingPanel;
 - (void)setFloatingPanel:(BOOL)floatingPanel {
     _floatingPanel = floatingPanel;
     // The level of floating windows.
     self.level = floatingPanel ? 3 : NSNormalWindowLevel;
-}
-- (BOOL)isFloatingPanel {
-    return _floatingPanel;
 }
 @end

@@ -1,9 +1,7 @@
-// Written for Ferrowyn, and used only for its checks on Linux; not Apple's headers. They declare what the macOS layer
-// calls and nothing else, from public knowledge of the API; see README.md here.
+// Written for Ferrowyn, and used only for its checks on Linux; not Apple's headers (see README.md here).
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>
-#include <Foundation/NSObjCRuntime.h>
 #include <objc/NSObject.h>
 
 NS_ASSUME_NONNULL_BEGIN
@@ -24,7 +22,6 @@ typedef struct {
 @interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
 @property(readonly) NSUInteger count;
 - (ObjectType)objectAtIndex:(NSUInteger)index;
-- (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
 @property(nullable, nonatomic, readonly) ObjectType firstObject;
 + (instancetype)array;
 + (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nullable])objects count:(NSUInteger)count;
@@ -36,10 +33,8 @@ typedef struct {
 @end
 
 @interface NSDictionary<__covariant KeyType, __covariant ObjectType> : NSObject <NSCopying>
-@property(readonly) NSUInteger count;
 @property(readonly, copy) NSArray<KeyType>* allKeys;
 - (nullable ObjectType)objectForKey:(KeyType)key;
-- (nullable ObjectType)objectForKeyedSubscript:(KeyType)key;
 + (instancetype)dictionary;
 + (instancetype)dictionaryWithObjects:(const ObjectType _Nonnull[_Nullable])objects
                               forKeys:(const KeyType<NSCopying> _Nonnull[_Nullable])keys
@@ -55,7 +50,6 @@ typedef NSUInteger NSStringEncoding;
 enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSString : NSObject <NSCopying>
-@property(readonly) NSUInteger length;
 @property(nullable, readonly) const char* UTF8String NS_RETURNS_INNER_POINTER;
 - (BOOL)isEqualToString:(NSString*)string;
 - (NSString*)stringByAppendingString:(NSString*)string;
@@ -76,8 +70,7 @@ typedef NSString* NSAttributedStringKey NS_TYPED_EXTENSIBLE_ENUM;
 
 @interface NSURL : NSObject <NSCopying>
 + (nullable instancetype)URLWithString:(NSString*)string;
-@property(nullable, readonly, copy) NSString* absoluteString;
-@property(nullable, readonly, copy) NSString* path;
+@property(nullable, readonly, copy) NSString *absoluteString, *path;
 @end
 
 @interface NSBundle : NSObject
@@ -96,9 +89,7 @@ typedef double NSTimeInterval;
 @property(readonly) NSTimeInterval timeIntervalSince1970;
 @end
 
-typedef NS_OPTIONS(NSUInteger, NSCalendarUnit) {
-    NSCalendarUnitYear = 1UL << 2,
-};
+typedef NS_OPTIONS(NSUInteger, NSCalendarUnit) { NSCalendarUnitYear = 1UL << 2 };
 
 @interface NSCalendar : NSObject
 @property(class, readonly, copy) NSCalendar* currentCalendar;
@@ -109,8 +100,8 @@ typedef NSString* NSErrorDomain;
 
 @interface NSError : NSObject
 @property(readonly, copy) NSErrorDomain domain;
-@property(readonly) NSInteger code;
 @property(readonly, copy) NSString* localizedDescription;
+@property(readonly) NSInteger code;
 @end
 
 typedef NSString* NSExceptionName;
@@ -120,17 +111,12 @@ FOUNDATION_EXPORT NSExceptionName const NSInternalInconsistencyException;
 + (void)raise:(NSExceptionName)name format:(NSString*)format, ... NS_FORMAT_FUNCTION(2, 3)__attribute__((noreturn));
 @end
 
-NS_ASSUME_NONNULL_END
-
 typedef CGPoint NSPoint;
 typedef CGSize NSSize;
 typedef CGRect NSRect;
 
 typedef struct NSEdgeInsets {
-    CGFloat top;
-    CGFloat left;
-    CGFloat bottom;
-    CGFloat right;
+    CGFloat top, left, bottom, right;
 } NSEdgeInsets;
 
 static inline NSPoint NSMakePoint(CGFloat x, CGFloat y) {
@@ -158,8 +144,6 @@ static inline BOOL NSPointInRect(NSPoint point, NSRect rect) {
            point.y < rect.origin.y + rect.size.height;
 }
 
-NS_ASSUME_NONNULL_BEGIN
-
 typedef NSString* NSNotificationName NS_TYPED_EXTENSIBLE_ENUM;
 @class NSOperationQueue;
 
@@ -176,7 +160,6 @@ typedef NSString* NSNotificationName NS_TYPED_EXTENSIBLE_ENUM;
                name:(nullable NSNotificationName)name
              object:(nullable id)object;
 - (void)removeObserver:(id)observer;
-- (void)removeObserver:(id)observer name:(nullable NSNotificationName)name object:(nullable id)object;
 - (id<NSObject>)addObserverForName:(nullable NSNotificationName)name
                             object:(nullable id)object
                              queue:(nullable NSOperationQueue*)queue
@@ -197,9 +180,7 @@ typedef NSString* NSNotificationName NS_TYPED_EXTENSIBLE_ENUM;
 @end
 
 typedef struct {
-    NSInteger majorVersion;
-    NSInteger minorVersion;
-    NSInteger patchVersion;
+    NSInteger majorVersion, minorVersion, patchVersion;
 } NSOperatingSystemVersion;
 
 typedef NS_OPTIONS(unsigned long long, NSActivityOptions) {
@@ -226,12 +207,10 @@ typedef NS_OPTIONS(unsigned long long, NSActivityOptions) {
 @interface NSNumber : NSObject <NSCopying>
 + (NSNumber*)numberWithBool:(BOOL)value;
 + (NSNumber*)numberWithInt:(int)value;
-+ (NSNumber*)numberWithLong:(long)value;
 + (NSNumber*)numberWithLongLong:(long long)value;
 + (NSNumber*)numberWithDouble:(double)value;
 @property(readonly) const char* objCType NS_RETURNS_INNER_POINTER;
 @property(readonly) BOOL boolValue;
-@property(readonly) int intValue;
 @property(readonly) long long longLongValue;
 @property(readonly) double doubleValue;
 @end

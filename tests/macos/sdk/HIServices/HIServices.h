@@ -1,5 +1,4 @@
-// Written for Ferrowyn, and used only for its checks on Linux; not Apple's headers. They declare what the macOS layer
-// calls and nothing else, from public knowledge of the API; see README.md here.
+// Written for Ferrowyn, and used only for its checks on Linux; not Apple's headers (see README.md here).
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -17,12 +16,13 @@
 #define kAXTitleAttribute CFSTR("AXTitle")
 #define kAXWindowsAttribute CFSTR("AXWindows")
 
+CF_STRICT_BEGIN
+
 CF_ENUM(int32_t, AXError){
     kAXErrorSuccess = 0,
     kAXErrorFailure = -25200,
     kAXErrorIllegalArgument = -25201,
     kAXErrorInvalidUIElement = -25202,
-    kAXErrorInvalidUIElementObserver = -25203,
     kAXErrorCannotComplete = -25204,
     kAXErrorAttributeUnsupported = -25205,
     kAXErrorActionUnsupported = -25206,
@@ -35,55 +35,42 @@ CF_ENUM(int32_t, AXError){
 };
 
 typedef const struct __AXUIElement* AXUIElementRef;
+typedef const struct __AXValue* AXValueRef;
 typedef struct __AXObserver* AXObserverRef;
 
-CF_OPTIONS(UInt32, AXCopyMultipleAttributeOptions){
-    kAXCopyMultipleAttributeOptionStopOnError = 0x1,
-};
+CF_OPTIONS(UInt32, AXCopyMultipleAttributeOptions){kAXCopyMultipleAttributeOptionStopOnError = 0x1};
 
-typedef void (*AXObserverCallback)(AXObserverRef _Nonnull observer, AXUIElementRef _Nonnull element,
-                                   CFStringRef _Nonnull notification, void* _Nullable refcon);
+typedef void (*AXObserverCallback)(AXObserverRef observer, AXUIElementRef element, CFStringRef notification,
+                                   void* _Nullable refcon);
 
-CF_EXPORT const CFStringRef _Nonnull kAXTrustedCheckOptionPrompt;
+extern const CFStringRef kAXTrustedCheckOptionPrompt;
 
-CF_EXPORT Boolean AXIsProcessTrusted(void) CF_WARN_UNUSED_RESULT;
-CF_EXPORT Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef _Nullable options) CF_WARN_UNUSED_RESULT;
+Boolean AXIsProcessTrusted(void);
+Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef _Nullable options);
 
-CF_EXPORT CFTypeID AXUIElementGetTypeID(void) CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXUIElementRef _Nullable AXUIElementCreateApplication(pid_t pid) CF_RETURNS_RETAINED CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXError AXUIElementSetMessagingTimeout(AXUIElementRef _Nonnull element,
-                                                 float timeoutInSeconds) CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXError AXUIElementCopyAttributeValue(AXUIElementRef _Nonnull element, CFStringRef _Nonnull attribute,
-                                                CFTypeRef _Nullable* _Nonnull CF_RETURNS_RETAINED value)
-    CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXError AXUIElementCopyMultipleAttributeValues(
-    AXUIElementRef _Nonnull element, CFArrayRef _Nonnull attributes, AXCopyMultipleAttributeOptions options,
-    CFArrayRef _Nullable* _Nonnull CF_RETURNS_RETAINED values) CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXError AXUIElementSetAttributeValue(AXUIElementRef _Nonnull element, CFStringRef _Nonnull attribute,
-                                               CFTypeRef _Nonnull value) CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXError AXUIElementPerformAction(AXUIElementRef _Nonnull element,
-                                           CFStringRef _Nonnull action) CF_WARN_UNUSED_RESULT;
+CFTypeID AXUIElementGetTypeID(void);
+AXUIElementRef _Nullable AXUIElementCreateApplication(pid_t pid) CF_RETURNS_RETAINED;
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds);
+AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                      CFTypeRef _Nullable* _Nonnull CF_RETURNS_RETAINED value);
+AXError AXUIElementCopyMultipleAttributeValues(AXUIElementRef element, CFArrayRef attributes,
+                                               AXCopyMultipleAttributeOptions options,
+                                               CFArrayRef _Nullable* _Nonnull CF_RETURNS_RETAINED values);
+AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef value);
+AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action);
 
-CF_EXPORT AXError AXObserverCreate(pid_t application, AXObserverCallback _Nonnull callback,
-                                   AXObserverRef _Nullable* _Nonnull CF_RETURNS_RETAINED observer)
-    CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXError AXObserverAddNotification(AXObserverRef _Nonnull observer, AXUIElementRef _Nonnull element,
-                                            CFStringRef _Nonnull notification,
-                                            void* _Nullable refcon) CF_WARN_UNUSED_RESULT;
-CF_EXPORT AXError AXObserverRemoveNotification(AXObserverRef _Nonnull observer, AXUIElementRef _Nonnull element,
-                                               CFStringRef _Nonnull notification) CF_WARN_UNUSED_RESULT;
+AXError AXObserverCreate(pid_t application, AXObserverCallback callback,
+                         AXObserverRef _Nullable* _Nonnull CF_RETURNS_RETAINED observer);
+AXError AXObserverAddNotification(AXObserverRef observer, AXUIElementRef element, CFStringRef notification,
+                                  void* _Nullable refcon);
+AXError AXObserverRemoveNotification(AXObserverRef observer, AXUIElementRef element, CFStringRef notification);
 /// The observer's own: it lives as long as the observer does.
-CF_EXPORT CFRunLoopSourceRef _Nonnull AXObserverGetRunLoopSource(AXObserverRef _Nonnull observer)
-    CF_RETURNS_NOT_RETAINED CF_WARN_UNUSED_RESULT;
+CFRunLoopSourceRef AXObserverGetRunLoopSource(AXObserverRef observer) CF_RETURNS_NOT_RETAINED;
 
-typedef const struct __AXValue* AXValueRef;
+CF_ENUM(UInt32, AXValueType){kAXValueTypeCGPoint = 1, kAXValueTypeCGSize = 2};
 
-CF_ENUM(UInt32, AXValueType){
-    kAXValueTypeIllegal = 0, kAXValueTypeCGPoint = 1, kAXValueTypeCGSize = 2,
-    kAXValueTypeCGRect = 3,  kAXValueTypeCFRange = 4, kAXValueTypeAXError = 5,
-};
-
-CF_EXPORT CFTypeID AXValueGetTypeID(void) CF_WARN_UNUSED_RESULT;
+CFTypeID AXValueGetTypeID(void);
 /// False when the value is of another type.
-CF_EXPORT Boolean AXValueGetValue(AXValueRef _Nonnull value, AXValueType type,
-                                  void* _Nonnull result) CF_WARN_UNUSED_RESULT;
+Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* result);
+
+CF_STRICT_END
