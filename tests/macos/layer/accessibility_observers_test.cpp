@@ -31,7 +31,7 @@ protected:
     MacAccessibilityObservers observers{mainLoop, log};
 };
 
-TEST_F(AccessibilityObserversTest, RegisteredNotificationsAreHeardByName) {
+TEST_F(AccessibilityObserversTest, OnlyWhatIsRegisteredIsHeardOfTheApplicationAndItsWindows) {
     const auto observer = observe();
     ASSERT_NE(observer, nullptr);
     observer->addApplicationNotification(AccessibilityNotification::windowCreated);
@@ -41,13 +41,12 @@ TEST_F(AccessibilityObserversTest, RegisteredNotificationsAreHeardByName) {
     accessibility.post(app, "AXApplicationHidden");
     accessibility.post(window, "AXUIElementDestroyed");
     runMainLoop();
-    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::windowCreated, AccessibilityNotification::titleChanged))
-        << "and nothing that was not asked for";
+    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::windowCreated, AccessibilityNotification::titleChanged));
     EXPECT_THAT(accessibility.takeRequests(),
                 ElementsAre("add AXWindowCreated of 1 within 0.5", "add AXTitleChanged of 2 within 0.5"));
 }
 
-TEST_F(AccessibilityObserversTest, EachNotificationIsRegisteredAndHeardByTheSystemsName) {
+TEST_F(AccessibilityObserversTest, EachNotificationIsRegisteredAndHeardByTheSystemsNameEvenWhileAMenuIsTracked) {
     const auto observer = observe();
     const std::vector<std::pair<AccessibilityNotification, std::string>> names{
         {AccessibilityNotification::windowCreated, "AXWindowCreated"},
@@ -66,33 +65,35 @@ TEST_F(AccessibilityObserversTest, EachNotificationIsRegisteredAndHeardByTheSyst
         observer->addApplicationNotification(notification);
         EXPECT_THAT(accessibility.takeRequests(), ElementsAre("add " + name + " of 1 within 0.5"));
         accessibility.post(app, name);
-        runMainLoop();
+        runMainLoop("NSEventTrackingRunLoopMode");
         EXPECT_THAT(heard, ElementsAre(notification)) << name;
     }
 }
 
-TEST_F(AccessibilityObserversTest, AnApplicationThatTheSystemGivesNoHandleOfIsNotObserved) {
+TEST_F(AccessibilityObserversTest, AProcessThatCannotBeObservedHasNoObserver) {
+    EXPECT_EQ(create(9999), nullptr);
+    accessibility.application(notes).canBeObserved = false;
+    EXPECT_EQ(create(), nullptr);
+    accessibility.application(notes).canBeObserved = true;
     accessibility.refusesHandles = true;
-    EXPECT_EQ(observe(), nullptr);
-}
-
-TEST_F(AccessibilityObserversTest, TheyAreHeardWhileAMenuIsTracked) {
-    const auto observer = observe();
-    observer->addApplicationNotification(AccessibilityNotification::focusedWindowChanged);
-    accessibility.post(app, "AXFocusedWindowChanged");
-    runMainLoop("NSEventTrackingRunLoopMode");
-    EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::focusedWindowChanged));
+    EXPECT_EQ(create(), nullptr);
+    desktop.settle();
+    EXPECT_THAT(fake::RunLoop::takeJournal(), IsEmpty());
 }
 
 TEST_F(AccessibilityObserversTest, TheSourceIsOnTheMainLoopInTheCommonModesUntilTheObserverDetaches) {
     const auto observer = observe();
     EXPECT_THAT(fake::RunLoop::takeJournal(),
                 ElementsAre("add the observer of 501 to the main loop in kCFRunLoopCommonModes"));
+    observer->addApplicationNotification(AccessibilityNotification::windowCreated);
+    accessibility.post(app, "AXWindowCreated");
     observer->detachFromMainLoop();
     EXPECT_THAT(fake::RunLoop::takeJournal(),
                 ElementsAre("remove the observer of 501 from the main loop in kCFRunLoopCommonModes"));
     observer->detachFromMainLoop();
     EXPECT_THAT(fake::RunLoop::takeJournal(), IsEmpty()) << "once is enough";
+    runMainLoop();
+    EXPECT_THAT(heard, IsEmpty());
 }
 
 TEST_F(AccessibilityObserversTest, TheSourceFollowsWhatIsRegisteredFirstAndNothingIsLostInBetween) {
@@ -113,15 +114,6 @@ TEST_F(AccessibilityObserversTest, AnObserverThatDetachesInItsFirstTurnNeverGets
     static_cast<void>(create());
     desktop.settle();
     EXPECT_THAT(fake::RunLoop::takeJournal(), IsEmpty());
-}
-
-TEST_F(AccessibilityObserversTest, ADetachedObserverHearsNothing) {
-    const auto observer = observe();
-    observer->addApplicationNotification(AccessibilityNotification::windowCreated);
-    accessibility.post(app, "AXWindowCreated");
-    observer->detachFromMainLoop();
-    runMainLoop();
-    EXPECT_THAT(heard, IsEmpty());
 }
 
 TEST_F(AccessibilityObserversTest, DestroyingAnObserverTakesItsSourceAlong) {
@@ -151,14 +143,6 @@ TEST_F(AccessibilityObserversTest, AHandlerMayDestroyItsObserverWithMoreOnTheWay
     EXPECT_THAT(heard, ElementsAre(AccessibilityNotification::windowCreated))
         << "the second came in the same delivery, too late";
     EXPECT_EQ(observer, nullptr);
-}
-
-TEST_F(AccessibilityObserversTest, AProcessThatCannotBeObservedHasNoObserver) {
-    accessibility.application(notes).canBeObserved = false;
-    EXPECT_EQ(create(), nullptr);
-    EXPECT_EQ(create(9999), nullptr);
-    desktop.settle();
-    EXPECT_THAT(fake::RunLoop::takeJournal(), IsEmpty());
 }
 
 TEST_F(AccessibilityObserversTest, ARefusedNotificationIsLoggedAndTheOthersGoOn) {
@@ -192,10 +176,8 @@ TEST_F(AccessibilityObserversTest, ElementsOfAnotherDesktopAreLeftAlone) {
 }
 
 /// An observer of an application that sometimes does not answer.
-class NotificationRegistrationsTest : public MacFixture {
+class NotificationRegistrationsTest : public AccessibilityObserversTest {
 protected:
-    NotificationRegistrationsTest() { desktop.settle(); }
-
     /// Registers what the program does for an application.
     void registerApplication() {
         for (const auto notification : ApplicationObserver::applicationNotifications) {
@@ -213,12 +195,11 @@ protected:
         }
     }
     void setHangs(bool hangs) { accessibility.application(notes).hangs = hangs; }
-    /// How long the main thread waited for the application while the test did this.
-    template <typename Work>
-    double secondsWaitedIn(const Work& work) {
+    /// Expects that the main thread waits so long for the application while the test does this.
+    void expectWait(double seconds, const std::function<void()>& work) {
         const double before = accessibility.secondsWaited();
         work();
-        return accessibility.secondsWaited() - before;
+        EXPECT_NEAR(accessibility.secondsWaited() - before, seconds, 1e-6);
     }
     /// Heard exactly once, and nothing else with it.
     bool isHeard(fake::ElementId from, AccessibilityNotification notification) {
@@ -227,22 +208,21 @@ protected:
         runMainLoop();
         return heard == std::vector{notification};
     }
+    void expectApplicationIsHeard() {
+        for (const auto notification : ApplicationObserver::applicationNotifications) {
+            EXPECT_TRUE(isHeard(app, notification)) << systemName(notification);
+        }
+    }
 
-    fake::ElementId app = accessibility.addApplication(notes);
-    fake::ElementId window = accessibility.addWindow(notes, {});
-    std::vector<AccessibilityNotification> heard;
-    MacAccessibilityObservers observers{mainLoop, log};
-    std::unique_ptr<AccessibilityObserver> observer =
-        observers.create(notes, [this](AccessibilityNotification notification) { heard.push_back(notification); });
+    std::unique_ptr<AccessibilityObserver> observer = observe();
 };
 
 TEST_F(NotificationRegistrationsTest, AnApplicationThatHangsIsWaitedForOnceHoweverMuchIsRegistered) {
     setHangs(true);
-    EXPECT_NEAR(secondsWaitedIn([&] {
-                    registerApplication();
-                    addWindow(window);
-                }),
-                0.5, 1e-6);
+    expectWait(0.5, [&] {
+        registerApplication();
+        addWindow(window);
+    });
     EXPECT_THAT(accessibility.takeRequests(), ElementsAre("add AXWindowCreated of 1 within 0.5"));
     EXPECT_THAT(takeLog(), ElementsAre("AXWindowCreated: error -25204 for pid 501"));
 }
@@ -257,9 +237,7 @@ TEST_F(NotificationRegistrationsTest, WhatAnApplicationWasNotToldItIsToldWhenItA
     EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
     desktop.advance(Seconds(0.2));
     EXPECT_THAT(accessibility.takeRequests(), SizeIs(10));
-    for (const auto notification : ApplicationObserver::applicationNotifications) {
-        EXPECT_TRUE(isHeard(app, notification)) << systemName(notification);
-    }
+    expectApplicationIsHeard();
     for (const auto notification : ApplicationObserver::windowNotifications) {
         EXPECT_TRUE(isHeard(window, notification)) << systemName(notification);
     }
@@ -276,19 +254,18 @@ TEST_F(NotificationRegistrationsTest, AnApplicationThatHangsMidwayIsToldTheRest)
     accessibility.application(notes).requestsUntilItHangs.reset();
     setHangs(false);
     desktop.advance(Seconds(1.1));
-    for (const auto notification : ApplicationObserver::applicationNotifications) {
-        EXPECT_TRUE(isHeard(app, notification)) << systemName(notification);
-    }
+    expectApplicationIsHeard();
 }
 
 TEST_F(NotificationRegistrationsTest, ThePausesGrowAndComeToAnEnd) {
     setHangs(true);
-    EXPECT_NEAR(secondsWaitedIn([&] { registerApplication(); }), 0.5, 1e-6);
+    expectWait(0.5, [&] { registerApplication(); });
     for (const double pause : {1.0, 2.0, 4.0, 8.0, 16.0, 32.0, 64.0, 128.0}) {
-        EXPECT_NEAR(secondsWaitedIn([&] { desktop.advance(Seconds(pause - 0.01)); }), 0, 1e-6) << pause;
-        EXPECT_NEAR(secondsWaitedIn([&] { desktop.advance(Seconds(0.01)); }), 0.5, 1e-6) << pause;
+        SCOPED_TRACE(pause);
+        expectWait(0, [&] { desktop.advance(Seconds(pause - 0.01)); });
+        expectWait(0.5, [&] { desktop.advance(Seconds(0.01)); });
     }
-    EXPECT_NEAR(secondsWaitedIn([&] { desktop.advance(Seconds(100000)); }), 0, 1e-6);
+    expectWait(0, [&] { desktop.advance(Seconds(100000)); });
 }
 
 TEST_F(NotificationRegistrationsTest, ANewWindowShowsThatAnApplicationThatWasGivenUpAnswersAgain) {
@@ -296,7 +273,7 @@ TEST_F(NotificationRegistrationsTest, ANewWindowShowsThatAnApplicationThatWasGiv
     registerApplication();
     desktop.advance(Seconds(1000));
     setHangs(false);
-    EXPECT_NEAR(secondsWaitedIn([&] { addWindow(window); }), 0, 1e-6);
+    expectWait(0, [&] { addWindow(window); });
     desktop.advance(Seconds(1));
     EXPECT_TRUE(isHeard(app, AccessibilityNotification::windowCreated));
     EXPECT_TRUE(isHeard(window, AccessibilityNotification::titleChanged));
@@ -336,11 +313,10 @@ TEST_F(NotificationRegistrationsTest, RemovalsAreHeldBackAsRegistrationsAre) {
     addWindow(window);
     addWindow(second);
     setHangs(true);
-    EXPECT_NEAR(secondsWaitedIn([&] {
-                    removeWindow(window);
-                    removeWindow(second);
-                }),
-                0.5, 1e-6);
+    expectWait(0.5, [&] {
+        removeWindow(window);
+        removeWindow(second);
+    });
     // It is listed again before the application answers.
     addWindow(second);
     setHangs(false);
@@ -352,14 +328,14 @@ TEST_F(NotificationRegistrationsTest, RemovalsAreHeldBackAsRegistrationsAre) {
 TEST_F(NotificationRegistrationsTest, EndingTheObserverOfAnApplicationThatHangsSendsNothing) {
     addWindow(window);
     setHangs(true);
-    addWindow(accessibility.addWindow(notes, {}));
-    EXPECT_NEAR(secondsWaitedIn([&] {
-                    removeWindow(window);
-                    observer->detachFromMainLoop();
-                    observer.reset();
-                    desktop.advance(Seconds(600));
-                }),
-                0, 1e-6);
+    registerApplication();
+    static_cast<void>(accessibility.takeRequests());
+    removeWindow(window);
+    observer->detachFromMainLoop();
+    observer.reset();
+    desktop.advance(Seconds(600));
+    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+    EXPECT_FALSE(fake::RunLoop::main().hasSources());
 }
 
 TEST_F(NotificationRegistrationsTest, QuittingWhileAnApplicationHangsWaitsForItOnce) {
@@ -369,22 +345,11 @@ TEST_F(NotificationRegistrationsTest, QuittingWhileAnApplicationHangsWaitsForItO
     desktop.settle();
     static_cast<void>(accessibility.takeRequests());
     setHangs(true);
-    EXPECT_NEAR(secondsWaitedIn([&] {
-                    application.reset();
-                    desktop.advance(Seconds(600));
-                }),
-                0.5, 1e-6);
+    expectWait(0.5, [&] {
+        application.reset();
+        desktop.advance(Seconds(600));
+    });
     EXPECT_THAT(accessibility.takeRequests(), SizeIs(1));
-}
-
-TEST_F(NotificationRegistrationsTest, AnObserverThatIsDestroyedTriesNoMore) {
-    setHangs(true);
-    registerApplication();
-    observer.reset();
-    static_cast<void>(accessibility.takeRequests());
-    desktop.advance(Seconds(600));
-    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
-    EXPECT_FALSE(fake::RunLoop::main().hasSources());
 }
 
 }  // namespace

@@ -47,21 +47,9 @@ public:
     Pid application() override { return pid; }
     WindowId open(const std::string& title) override {
         const WindowId window = ++lastWindow_;
-        const Rect frame{10.0 * window, 20.0 * window, 300, 200};
-        elements_[window] =
-            mac_.accessibility.addWindow(pid, {.attributes = {{"AXTitle", title},
-                                                              {"AXSubrole", std::string("AXStandardWindow")},
-                                                              {"AXMinimized", false},
-                                                              {"AXMain", false},
-                                                              {"AXFocused", false},
-                                                              {"AXPosition", Point{frame.x, frame.y}},
-                                                              {"AXSize", Size{frame.width, frame.height}}},
-                                               .windowNumber = window});
+        elements_[window] = fake::addWindow(pid, window, title, {10.0 * window, 20.0 * window, 300, 200});
         auto& windows = mac_.windowServer.windows;
-        windows.insert(windows.begin(), {.keys = {{"kCGWindowNumber", std::int64_t{window}},
-                                                  {"kCGWindowOwnerPID", std::int64_t{pid}},
-                                                  {"kCGWindowIsOnscreen", true},
-                                                  {"kCGWindowBounds", frame}}});
+        std::rotate(windows.begin(), windows.end() - 1, windows.end());
         mac_.accessibility.post(app_, "AXWindowCreated");
         return window;
     }

@@ -12,6 +12,7 @@
 #include "platform/simulated/simulated_desktop.h"
 #include "tests/macos/fake/fake_accessibility.h"
 #include "tests/macos/fake/fake_keyboard.h"
+#include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/fake/fake_system.h"
 #include "tests/macos/fake/fake_window_server.h"
 
@@ -21,14 +22,27 @@ namespace ferrowyn {
 /// gone, no object of the system may be held any more, and none may have been misused.
 class MacFixture : public testing::Test {
 protected:
-    MacFixture();
-    ~MacFixture() override;
+    MacFixture() { fake::resetSystem(); }
+    ~MacFixture() override {
+        // What waits on the main loop goes with it.
+        desktop_.reset();
+        EXPECT_THAT(fake::takeComplaints(), testing::IsEmpty());
+    }
 
     /// Delivers what waits on the main run loop, as in this mode.
-    static void runMainLoop(const std::string& mode = "kCFRunLoopDefaultMode");
+    static void runMainLoop(const std::string& mode = "kCFRunLoopDefaultMode") { fake::RunLoop::main().drain(mode); }
     /// The messages of the log, without their categories.
-    [[nodiscard]] std::vector<std::string> takeLog();
-    [[nodiscard]] static AXElementRef handleOf(fake::ElementId id);
+    [[nodiscard]] std::vector<std::string> takeLog() {
+        std::vector<std::string> messages;
+        for (const auto& line : desktop.takeLog()) {
+            messages.push_back(line.message);
+        }
+        return messages;
+    }
+    [[nodiscard]] static AXElementRef handleOf(fake::ElementId id) {
+        Owned<AXUIElementRef> handle((new fake::ElementHandle(id))->as<AXUIElementRef>());
+        return AXElementRef(std::make_shared<const MacElement>(std::move(handle)));
+    }
 
     fake::Accessibility& accessibility = fake::Accessibility::shared();
     fake::WindowServer& windowServer = fake::WindowServer::shared();

@@ -14,25 +14,18 @@ protected:
     }};
 };
 
-TEST_F(MacTrustTest, TrustIsWhatTheSystemSaysAtThatMoment) {
+TEST_F(MacTrustTest, TrustAndSecureInputAreWhatTheSystemSaysAtThatMoment) {
     EXPECT_TRUE(trust.isTrusted());
+    EXPECT_FALSE(trust.isSecureInputActive());
+    system.isSecureInputEnabled = true;
+    EXPECT_TRUE(trust.isSecureInputActive());
     system.isTrusted = false;
     EXPECT_FALSE(trust.isTrusted());
     EXPECT_EQ(system.promptCount, 0) << "asking alone never prompts";
-}
-
-TEST_F(MacTrustTest, RequestingShowsTheSystemsPromptAndAnswers) {
-    system.isTrusted = false;
     EXPECT_FALSE(trust.requestWithPrompt());
     EXPECT_EQ(system.promptCount, 1);
     system.isTrusted = true;
     EXPECT_TRUE(trust.requestWithPrompt());
-}
-
-TEST_F(MacTrustTest, SecureInputIsWhatTheSystemSaysAtThatMoment) {
-    EXPECT_FALSE(trust.isSecureInputActive());
-    system.isSecureInputEnabled = true;
-    EXPECT_TRUE(trust.isSecureInputActive());
 }
 
 TEST_F(MacTrustTest, ChangesOfTheDatabaseAreHintsUntilTheTokenIsDropped) {

@@ -2,7 +2,6 @@
 #include "platform/macos/mac_screens.h"
 #include "platform/macos/mac_system_services.h"
 #include "platform/macos/mac_workspace.h"
-#include "tests/macos/objc/fakes/services.h"
 #include "tests/macos/objc/mac_test.h"
 #include "tests/platform/contract/contracts.h"
 

@@ -4,7 +4,6 @@
 #include "platform/macos/mac_application.h"
 #include "platform/macos/mac_background_work.h"
 #include "platform/macos/mac_system_services.h"
-#include "tests/macos/objc/fakes/services.h"
 #include "tests/macos/objc/mac_test.h"
 
 namespace ferrowyn::test {
@@ -259,14 +258,14 @@ TEST_F(MacSystemTest, LinesGoToTheLogOfTheirCategoryAndCanBeReadByAll) {
     startFrom(@"/Applications/Other.app", @"com.example.Other", [NSDictionary dictionary]);
     MacLog().write(LogLevel::standard, "ui", "line");
     std::vector<std::string> lines;
-    for (const auto& line : fake_mac::logLines()) {
+    for (const auto& line : fake_mac::services().logLines) {
         lines.push_back(line.subsystem + " " + line.category + " " + std::to_string(line.type) + ": " + line.text);
     }
     EXPECT_THAT(lines, ElementsAre("com.larkmoor.Ferrowyn permissions 0: Services active",
                                    "com.larkmoor.Ferrowyn input 16: 100 % of the taps failed: %s",
                                    "com.larkmoor.Ferrowyn permissions 2: ", "com.example.Other ui 0: line"))
         << "the subsystem is the bundle's identifier";
-    EXPECT_EQ(fake_mac::logCount(), 3) << "one a category";
+    EXPECT_EQ(fake_mac::services().madeLogs, 3) << "one a category";
 }
 
 }  // namespace

@@ -23,7 +23,6 @@
 #include "tests/macos/fake/fake_accessibility.h"
 #include "tests/macos/fake/fake_keyboard.h"
 #include "tests/macos/fake/fake_system.h"
-#include "tests/macos/objc/fakes/services.h"
 #include "tests/macos/objc/mac_test.h"
 
 namespace ferrowyn::test {
@@ -179,7 +178,7 @@ protected:
     /// The messages of the unified log since it was last asked for, without the debug ones.
     [[nodiscard]] static Strings takeLog() {
         Strings messages;
-        for (const auto& line : std::exchange(fake_mac::logLines(), {})) {
+        for (const auto& line : std::exchange(fake_mac::services().logLines, {})) {
             if (line.type != OS_LOG_TYPE_DEBUG) {
                 messages.push_back(line.category + ": " + line.text);
             }

@@ -17,18 +17,19 @@
 
 namespace fake_mac {
 
-void forgetServices();
-
 struct LogLine {
     std::string subsystem;
     std::string category;
     os_log_type_t type;
-    std::string format;
     /// As shown to a reader who may not see private arguments.
     std::string text;
 };
-[[nodiscard]] std::vector<LogLine>& logLines();
-/// How many logs have been made.
-[[nodiscard]] int logCount();
+
+struct Services {
+    SMAppService* mainService;
+    std::vector<LogLine> logLines;
+    int madeLogs = 0;
+};
+[[nodiscard]] Services& services();
 
 }  // namespace fake_mac

@@ -4,16 +4,18 @@
 
 #import "tests/macos/objc/fakes/foundation.h"
 
-namespace {
+namespace fake_mac {
 
-SMAppService* mainService;
-int madeLogs = 0;
+Services& services() {
+    static Services state;
+    return state;
+}
 
-}  // namespace
+}  // namespace fake_mac
 
 @implementation SMAppService
 + (SMAppService*)mainAppService {
-    return fake_mac::shared(mainService);
+    return fake_mac::shared(fake_mac::services().mainService);
 }
 - (BOOL)answer:(NSError* __autoreleasing*)error becoming:(SMAppServiceStatus)status {
     if (_nextError == nil) {
@@ -50,7 +52,7 @@ os_log_t os_log_create(const char* subsystem, const char* category) {
     FakeLog* const log = [[FakeLog alloc] init];
     log->_subsystem = subsystem;
     log->_category = category;
-    ++madeLogs;
+    ++fake_mac::services().madeLogs;
     return log;
 }
 
@@ -62,25 +64,6 @@ void os_log_with_type(os_log_t log, os_log_type_t type, const char* format, ...)
     va_end(arguments);
     const std::string form = format;
     const std::string text = form == "%{public}s" ? argument : form == "%s" ? "<private>" : "?";
-    fake_mac::logLines().push_back({known->_subsystem, known->_category, type, form, text});
+    fake_mac::services().logLines.push_back({known->_subsystem, known->_category, type, text});
 }
 }
-
-namespace fake_mac {
-
-std::vector<LogLine>& logLines() {
-    static std::vector<LogLine> all;
-    return all;
-}
-
-int logCount() {
-    return madeLogs;
-}
-
-void forgetServices() {
-    mainService = nil;
-    madeLogs = 0;
-    logLines().clear();
-}
-
-}  // namespace fake_mac
