@@ -126,8 +126,12 @@ void WindowActivator::verify() {
         finish();
         return;
     }
-    // An application that does not answer is worth another try as well.
-    raise();
+    // What comes next may be a later choice. If nothing has come by the next check, the window is raised again. So is
+    // one whose application does not answer.
+    activation_->isLost = state == ActivationState::lost && !activation_->isLost;
+    if (!activation_->isLost) {
+        raise();
+    }
     activation_->delay *= delayGrowth;
     scheduleVerification();
 }

@@ -51,6 +51,8 @@ private:
         std::optional<AXElementRef> element;
         /// It was the active one before anything was asked.
         bool wasActive = false;
+        /// At the last check the keyboard had gone to nobody, and nothing was asked for that reason.
+        bool isLost = false;
         int looks = 0;
         int checks = 0;
         Seconds delay = initialVerificationDelay;

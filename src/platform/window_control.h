@@ -35,6 +35,9 @@ enum class ActivationState {
     /// lost it again, or the user has clicked on another window. A focus that the application or the window manager
     /// sets before this window gets it does not count. Only some desktops report it.
     overtaken,
+    /// It had the keyboard after it was last raised, and no window has it now. Managers report that between two active
+    /// windows, so the next one may be the user's choice. Only some desktops report it.
+    lost,
     /// The window is gone, or its application does not answer.
     unreadable,
 };

@@ -185,6 +185,29 @@ TEST_F(WindowActivatorTest, AWindowWhoseDialogHasJustBeenClosedCanBeOvertakenToo
     EXPECT_THAT(activated, IsEmpty());
 }
 
+TEST_F(WindowActivatorTest, AWindowThatLostTheKeyboardToNobodyIsNotRaisedIntoTheNextChoice) {
+    activate(window(7, editor));
+    forgetCalls();
+    desktop.setFrontmost(std::nullopt);
+    desktop.advance(initialDelay);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+    desktop.focusWindow(8);
+    desktop.advance(5s);
+    EXPECT_EQ(desktop.frontmostPid(), browser);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty());
+}
+
+TEST_F(WindowActivatorTest, AWindowThatNobodyTookTheKeyboardFromIsRaisedAgain) {
+    activate(window(7, editor));
+    forgetCalls();
+    desktop.setFrontmost(std::nullopt);
+    desktop.advance(initialDelay * 2.79);
+    EXPECT_THAT(desktop.takeControlCalls(), IsEmpty()) << "it is looked at once more first";
+    desktop.advance(initialDelay * 0.02);
+    EXPECT_THAT(desktop.takeControlCalls(), ElementsAre("raise 7 again"));
+    EXPECT_EQ(desktop.frontmostPid(), editor);
+}
+
 TEST_F(WindowActivatorTest, AWindowIsActivatedItselfWhenTheApplicationOfItsDialogIsGone) {
     auto blocked = window(7, editor);
     blocked.blockedBy = ModalDialog{99, desktop.elementOf(99), 300};

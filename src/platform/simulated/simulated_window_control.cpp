@@ -55,7 +55,7 @@ void SimulatedWindowControl::raiseAndFocus(const RaiseRequest& request) {
 ActivationState SimulatedWindowControl::stateOf(Pid pid, const AXElementRef& window) const {
     const WindowId id = idOf(window);
     if (model_.raisedWindow == id && model_.isRaiseAnswered && model_.focusedWindow() != id) {
-        return ActivationState::overtaken;
+        return model_.focusedWindow() ? ActivationState::overtaken : ActivationState::lost;
     }
     const auto* app = model_.app(pid);
     if (model_.window(id) == nullptr || app == nullptr || app->isHung) {

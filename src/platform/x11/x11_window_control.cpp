@@ -203,7 +203,12 @@ ActivationState X11WindowControl::stateOf(Pid /*pid*/, const AXElementRef& windo
     if (facts == nullptr) {
         return ActivationState::unreadable;
     }
-    return monitor_.model().activeWindow() == facts->id ? ActivationState::active : ActivationState::notActive;
+    const auto active = monitor_.model().activeWindow();
+    if (active == facts->id) {
+        return ActivationState::active;
+    }
+    const bool isLost = active == XCB_WINDOW_NONE && requested_ == facts->id && isReached_;
+    return isLost ? ActivationState::lost : ActivationState::notActive;
 }
 
 bool X11WindowControl::isOvertaken(xcb_window_t window) const {
@@ -215,7 +220,7 @@ bool X11WindowControl::isOvertaken(xcb_window_t window) const {
         return true;  // a window of this program was brought to the front since
     }
     if (active == XCB_WINDOW_NONE) {
-        return false;  // managers set None for a moment; the user did not choose that
+        return false;  // the user did not choose that
     }
     const auto click = context_.lastClickTime.load();
     const bool hasClicked = click != 0 && click > requestTime_;

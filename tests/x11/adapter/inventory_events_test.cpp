@@ -249,6 +249,24 @@ TEST_F(InventoryEventsTest, AWindowOfThisProgramThatIsBroughtToTheFrontIsALaterC
     EXPECT_EQ(stateOf(window), ActivationState::notActive) << "asked for again";
 }
 
+TEST_F(InventoryEventsTest, AWindowHasLostTheKeyboardToNobodyOnlyAfterItHadIt) {
+    const auto window = manager.createWindow();
+    const auto other = manager.createWindow();
+    manager.publishStacking({other, window});
+    manager.publishActive(other);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == other; }));
+    raise(window);
+    manager.publishActive(XCB_WINDOW_NONE);
+    ASSERT_TRUE(parts.runUntil([&] { return parts.monitor.model().activeWindow() == XCB_WINDOW_NONE; }));
+    EXPECT_EQ(stateOf(window), ActivationState::notActive) << "the manager is on the way to it";
+    manager.publishActive(window);
+    ASSERT_TRUE(parts.runUntil([&] { return stateOf(window) == ActivationState::active; }));
+    manager.publishActive(XCB_WINDOW_NONE);
+    EXPECT_TRUE(parts.runUntil([&] { return stateOf(window) == ActivationState::lost; }));
+    manager.publishActive(other);
+    EXPECT_TRUE(parts.runUntil([&] { return stateOf(window) == ActivationState::overtaken; }));
+}
+
 TEST_F(InventoryEventsTest, AWindowThatIsOvertakenStaysSoWhenItIsClosed) {
     const auto window = manager.createWindow();
     const auto other = manager.createWindow();
