@@ -55,55 +55,42 @@ void RunLoop::add(RunLoopSource& source, const std::string& mode) {
 }
 
 void RunLoop::remove(RunLoopSource& source, const std::string& mode) {
-    std::vector<Held<RunLoopSource>> removed;
+    Held<RunLoopSource> removed;
     const std::scoped_lock guard(lock);
     journal.push_back("remove " + source.name() + " from " + name() + " in " + mode);
     auto& held = sources_[mode];
-    const auto found = std::find_if(held.begin(), held.end(), [&](const auto& each) { return each.get() == &source; });
+    const auto found = std::ranges::find(held, &source, &Held<RunLoopSource>::get);
     if (found == held.end()) {
         Objects::shared().fault("CFRunLoopRemoveSource of a source that is not on this loop in this mode");
         return;
     }
-    removed.push_back(std::move(*found));
+    removed = std::move(*found);
     held.erase(found);
 }
 
 CFRunLoopRunResult RunLoop::run(const std::string& mode, double seconds) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    {
-        const std::scoped_lock guard(lock);
-        std::ostringstream run;
-        run << mode << " for " << seconds << " s";
-        runs.push_back(run.str());
-        changed.notify_all();
-        isRunning_ = true;
-        // A stop from before is forgotten, as the system forgets it.
-        isStopped_ = false;
-    }
+    std::unique_lock guard(lock);
+    std::ostringstream run;
+    run << mode << " for " << seconds << " s";
+    runs.push_back(run.str());
+    changed.notify_all();
+    isRunning_ = true;
+    // A stop from before is forgotten, as the system forgets it.
+    isStopped_ = false;
     auto result = kCFRunLoopRunTimedOut;
-    for (;;) {
-        std::uint64_t seen = 0;
-        {
-            const std::scoped_lock guard(lock);
-            seen = wakeUps;
-        }
-        const auto sources = sourcesIn(mode);
-        if (sources.empty()) {
-            result = kCFRunLoopRunFinished;
+    for (bool isWaiting = true; isWaiting;) {
+        const auto seen = wakeUps;
+        guard.unlock();
+        const bool hasSources = !sourcesIn(mode).empty();
+        const bool didSomething = performNext(mode);
+        guard.lock();
+        if (isStopped_ || !hasSources) {
+            result = hasSources ? kCFRunLoopRunStopped : kCFRunLoopRunFinished;
             break;
         }
-        const bool didSomething =
-            std::any_of(sources.begin(), sources.end(), [](const auto& each) { return each->performNext(); });
-        std::unique_lock guard(lock);
-        if (isStopped_) {
-            result = kCFRunLoopRunStopped;
-            break;
-        }
-        if (!didSomething && !changed.wait_until(guard, end, [&] { return isStopped_ || wakeUps != seen; })) {
-            break;
-        }
+        isWaiting = didSomething || changed.wait_until(guard, end, [&] { return isStopped_ || wakeUps != seen; });
     }
-    const std::scoped_lock guard(lock);
     isRunning_ = false;
     return result;
 }
@@ -118,11 +105,12 @@ void RunLoop::stop() {
 }
 
 void RunLoop::drain(const std::string& mode) {
-    for (bool didSomething = true; didSomething;) {
-        const auto sources = sourcesIn(mode);
-        didSomething =
-            std::any_of(sources.begin(), sources.end(), [](const auto& each) { return each->performNext(); });
+    while (performNext(mode)) {
     }
+}
+
+bool RunLoop::performNext(const std::string& mode) const {
+    return std::ranges::any_of(sourcesIn(mode), [](const auto& source) { return source->performNext(); });
 }
 
 void RunLoop::wakeAll() {

@@ -63,6 +63,8 @@ public:
 
 private:
     [[nodiscard]] std::vector<Held<RunLoopSource>> sourcesIn(const std::string& mode) const;
+    /// Lets the first source that has something waiting handle it.
+    bool performNext(const std::string& mode) const;
     [[nodiscard]] std::string name() const;
 
     std::map<std::string, std::vector<Held<RunLoopSource>>> sources_;

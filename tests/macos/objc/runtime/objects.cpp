@@ -8,6 +8,7 @@
 #include <mutex>
 #include <new>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "tests/macos/objc/runtime/classes.h"
@@ -71,14 +72,10 @@ Object* allocate(Class* type, std::size_t size) {
 
 void clearWeakPlaces(Object* object) {
     const std::scoped_lock lock(world().mutex);
-    const auto found = world().weakPlaces.find(object);
-    if (found == world().weakPlaces.end()) {
-        return;
-    }
-    for (Object** const place : found->second) {
+    for (Object** const place : std::exchange(world().weakPlaces[object], {})) {
         *place = nullptr;
     }
-    world().weakPlaces.erase(found);
+    world().weakPlaces.erase(object);
 }
 
 void freeMemory(Object* object) {
@@ -205,13 +202,10 @@ void objc_storeStrong(Object** place, Object* object) {
 
 Object* objc_storeWeak(Object** place, Object* object) {
     const std::scoped_lock lock(world().mutex);
-    if (*place != nullptr) {
-        const auto found = world().weakPlaces.find(*place);
-        if (found != world().weakPlaces.end()) {
-            found->second.erase(place);
-            if (found->second.empty()) {
-                world().weakPlaces.erase(found);
-            }
+    if (const auto found = world().weakPlaces.find(*place); found != world().weakPlaces.end()) {
+        found->second.erase(place);
+        if (found->second.empty()) {
+            world().weakPlaces.erase(found);
         }
     }
     // An object that is being deallocated cannot be retained any more.
@@ -339,33 +333,26 @@ Object** propertyAt(Object* self, std::ptrdiff_t offset) {
     return reinterpret_cast<Object**>(reinterpret_cast<char*>(self) + offset);
 }
 
-void setCopy(Object* self, Object* value, std::ptrdiff_t offset) {
+void storeCopy(Object** place, Object* value) {
     const char* const selector = uniqueSelector("copyWithZone:");
     using Copier = Object* (*)(Object*, const char*, void*);
     Object* const copy =
         value == nullptr ? nullptr : reinterpret_cast<Copier>(methodOf(value->isa, selector))(value, selector, nullptr);
-    Object** const place = propertyAt(self, offset);
-    Object* const previous = *place;
-    *place = copy;
-    objc_release(previous);
+    objc_release(std::exchange(*place, copy));
 }
 }  // namespace
 
 Object* objc_getProperty(Object* self, const char* /*selector*/, std::ptrdiff_t offset, bool /*isAtomic*/) {
     return objc_autorelease(objc_retain(*propertyAt(self, offset)));
 }
-void objc_setProperty_nonatomic(Object* self, const char* /*selector*/, Object* value, std::ptrdiff_t offset) {
-    objc_storeStrong(propertyAt(self, offset), value);
-}
-void objc_setProperty_atomic(Object* self, const char* /*selector*/, Object* value, std::ptrdiff_t offset) {
-    objc_storeStrong(propertyAt(self, offset), value);
-}
-void objc_setProperty_nonatomic_copy(Object* self, const char* /*selector*/, Object* value, std::ptrdiff_t offset) {
-    setCopy(self, value, offset);
-}
-void objc_setProperty_atomic_copy(Object* self, const char* /*selector*/, Object* value, std::ptrdiff_t offset) {
-    setCopy(self, value, offset);
-}
+#define SETTER(_name, _set)                                                                    \
+    void _name(Object* self, const char* /*selector*/, Object* value, std::ptrdiff_t offset) { \
+        _set(propertyAt(self, offset), value);                                                 \
+    }
+SETTER(objc_setProperty_nonatomic, objc_storeStrong)
+SETTER(objc_setProperty_atomic, objc_storeStrong)
+SETTER(objc_setProperty_nonatomic_copy, storeCopy)
+SETTER(objc_setProperty_atomic_copy, storeCopy)
 void objc_copyStruct(void* to, const void* from, std::ptrdiff_t size, bool /*isAtomic*/, bool /*hasStrong*/) {
     std::memmove(to, from, static_cast<std::size_t>(size));
 }

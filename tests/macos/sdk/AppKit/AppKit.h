@@ -6,6 +6,19 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
+typedef NS_ENUM(NSUInteger, NSCompositingOperation) { NSCompositingOperationCopy = 1 };
+typedef NS_ENUM(NSInteger, NSImageResizingMode) { NSImageResizingModeTile, NSImageResizingModeStretch };
+typedef NS_ENUM(NSUInteger, NSImageInterpolation) { NSImageInterpolationHigh = 3 };
+typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) { NSViewWidthSizable = 2, NSViewHeightSizable = 16 };
+typedef NS_ENUM(NSInteger, NSVisualEffectMaterial) { NSVisualEffectMaterialPopover = 6 };
+typedef NS_ENUM(NSInteger, NSVisualEffectState) { NSVisualEffectStateActive = 1 };
+typedef NS_ENUM(NSUInteger, NSLineBreakMode) { NSLineBreakByTruncatingTail = 4 };
+typedef NS_ENUM(NSUInteger, NSImageScaling) { NSImageScaleProportionallyUpOrDown = 3 };
+typedef NS_ENUM(NSUInteger, NSBackingStoreType) { NSBackingStoreBuffered = 2 };
+typedef NS_ENUM(NSInteger, NSWindowAnimationBehavior) { NSWindowAnimationBehaviorNone = 2 };
+typedef NS_ENUM(NSInteger, NSWindowTabbingMode) { NSWindowTabbingModeDisallowed = 2 };
+typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) { NSApplicationActivateAllWindows = 1 << 0 };
+
 @interface NSColorSpace : NSObject
 @property(class, readonly, strong) NSColorSpace* sRGBColorSpace;
 @end
@@ -31,10 +44,6 @@ APPKIT_EXTERN const NSFontWeight NSFontWeightLight, NSFontWeightRegular, NSFontW
 @end
 
 APPKIT_EXTERN NSAttributedStringKey const NSFontAttributeName, NSForegroundColorAttributeName;
-
-typedef NS_ENUM(NSUInteger, NSCompositingOperation) { NSCompositingOperationCopy = 1 };
-
-typedef NS_ENUM(NSInteger, NSImageResizingMode) { NSImageResizingModeTile, NSImageResizingModeStretch };
 
 API_AVAILABLE(macos(11.0))
 @interface NSImageSymbolConfiguration : NSObject <NSCopying>
@@ -86,8 +95,6 @@ typedef NS_OPTIONS(NSUInteger, NSBitmapFormat) {
 @property(nullable, readonly) unsigned char* bitmapData NS_RETURNS_INNER_POINTER;
 @property(readonly) NSInteger bytesPerRow;
 @end
-
-typedef NS_ENUM(NSUInteger, NSImageInterpolation) { NSImageInterpolationHigh = 3 };
 
 @interface NSGraphicsContext : NSObject
 + (nullable NSGraphicsContext*)graphicsContextWithBitmapImageRep:(NSBitmapImageRep*)bitmapRep;
@@ -163,8 +170,6 @@ typedef NS_OPTIONS(NSUInteger, NSTrackingAreaOptions) {
 
 @class NSMenu, NSMenuItem, NSWindow;
 
-typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) { NSViewWidthSizable = 2, NSViewHeightSizable = 16 };
-
 @interface NSView : NSResponder <NSCoding>
 - (instancetype)initWithFrame:(NSRect)frameRect NS_DESIGNATED_INITIALIZER;
 - (nullable instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
@@ -191,14 +196,10 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) { NSViewWidthSizable =
 - (BOOL)accessibilityPerformPress;
 @end
 
-typedef NS_ENUM(NSInteger, NSVisualEffectMaterial) { NSVisualEffectMaterialPopover = 6 };
-
 typedef NS_ENUM(NSInteger, NSVisualEffectBlendingMode) {
     NSVisualEffectBlendingModeBehindWindow,
     NSVisualEffectBlendingModeWithinWindow,
 };
-
-typedef NS_ENUM(NSInteger, NSVisualEffectState) { NSVisualEffectStateActive = 1 };
 
 @interface NSVisualEffectView : NSView
 @property NSVisualEffectMaterial material;
@@ -206,10 +207,6 @@ typedef NS_ENUM(NSInteger, NSVisualEffectState) { NSVisualEffectStateActive = 1 
 @property NSVisualEffectState state;
 @property(nullable, retain) NSImage* maskImage;
 @end
-
-typedef NS_ENUM(NSUInteger, NSLineBreakMode) { NSLineBreakByTruncatingTail = 4 };
-
-typedef NS_ENUM(NSUInteger, NSImageScaling) { NSImageScaleProportionallyUpOrDown = 3 };
 
 @interface NSControl : NSView
 @property(copy) NSString* stringValue;
@@ -290,12 +287,6 @@ typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
 
-typedef NS_ENUM(NSUInteger, NSBackingStoreType) { NSBackingStoreBuffered = 2 };
-
-typedef NS_ENUM(NSInteger, NSWindowAnimationBehavior) { NSWindowAnimationBehaviorNone = 2 };
-
-typedef NS_ENUM(NSInteger, NSWindowTabbingMode) { NSWindowTabbingModeDisallowed = 2 };
-
 typedef NSInteger NSWindowLevel NS_TYPED_EXTENSIBLE_ENUM;
 static const NSWindowLevel NSNormalWindowLevel = 0, NSScreenSaverWindowLevel = 1000;
 
@@ -345,8 +336,6 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
     NSApplicationActivationPolicyAccessory,
     NSApplicationActivationPolicyProhibited,
 };
-
-typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) { NSApplicationActivateAllWindows = 1 << 0 };
 
 @interface NSRunningApplication : NSObject
 + (nullable instancetype)runningApplicationWithProcessIdentifier:(int)pid;
