@@ -1,6 +1,9 @@
 #pragma once
 
+#include <CoreGraphics/CoreGraphics.h>
+
 #include <condition_variable>
+#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -40,6 +43,28 @@ private:
     std::condition_variable letGo_;
     bool holdsThreads_ = false;
     std::vector<Thread> threads_;
+};
+
+/// The scripted window server: its windows front to back, by the keys of the window list. Any thread may ask while no
+/// test changes it.
+class WindowServer {
+public:
+    struct Window {
+        std::map<std::string, Value> keys;
+        bool isOnActiveSpace = true;
+        bool isDesktopElement = false;
+    };
+
+    [[nodiscard]] static WindowServer& shared();
+    void reset() { *this = WindowServer(); }
+
+    std::vector<Window> windows;
+    /// What takes the place of a window's dictionary at this position of the list, such as a string.
+    std::map<std::size_t, Value> intruders;
+    bool isSilent = false;
+    /// It answers with a text instead of a list.
+    bool answersWithText = false;
+    std::vector<CGWindowListOption> options;
 };
 
 /// A system on which nothing has happened yet.

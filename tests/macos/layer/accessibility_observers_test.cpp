@@ -326,16 +326,22 @@ TEST_F(NotificationRegistrationsTest, RemovalsAreHeldBackAsRegistrationsAre) {
 }
 
 TEST_F(NotificationRegistrationsTest, EndingTheObserverOfAnApplicationThatHangsSendsNothing) {
-    addWindow(window);
-    setHangs(true);
-    registerApplication();
-    static_cast<void>(accessibility.takeRequests());
-    removeWindow(window);
-    observer->detachFromMainLoop();
-    observer.reset();
-    desktop.advance(Seconds(600));
-    EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
-    EXPECT_FALSE(fake::RunLoop::main().hasSources());
+    for (const bool isDetachedBefore : {true, false}) {
+        setHangs(false);
+        observer = observe();
+        addWindow(window);
+        setHangs(true);
+        registerApplication();
+        static_cast<void>(accessibility.takeRequests());
+        removeWindow(window);
+        if (isDetachedBefore) {
+            observer->detachFromMainLoop();
+        }
+        observer.reset();
+        desktop.advance(Seconds(600));
+        EXPECT_THAT(accessibility.takeRequests(), IsEmpty());
+        EXPECT_FALSE(fake::RunLoop::main().hasSources());
+    }
 }
 
 TEST_F(NotificationRegistrationsTest, QuittingWhileAnApplicationHangsWaitsForItOnce) {

@@ -14,7 +14,6 @@
 #include "tests/macos/fake/fake_keyboard.h"
 #include "tests/macos/fake/fake_run_loop.h"
 #include "tests/macos/fake/fake_system.h"
-#include "tests/macos/fake/fake_window_server.h"
 
 namespace ferrowyn {
 

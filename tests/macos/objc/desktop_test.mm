@@ -110,6 +110,7 @@ TEST_F(MacDesktopTest, AnInstalledApplicationIsNamedByItsBundle) {
     const std::vector<std::pair<NSDictionary*, std::optional<std::string>>> table{
         {@{@"CFBundleDisplayName" : @"Post", @"CFBundleName" : @"Mail"}, "Post"},
         {@{@"CFBundleDisplayName" : @1, @"CFBundleName" : @"Mail"}, "Mail"},
+        // An empty name is one.
         {@{@"CFBundleDisplayName" : @"", @"CFBundleName" : @"Mail"}, ""},
         {[NSDictionary dictionary], std::nullopt},
     };
