@@ -8,18 +8,15 @@
 
 #include "app/app_delegate.h"
 #include "app/app_services.h"
-#include "app/user_interface.h"
 #include "core/texts.h"
 #include "input/switcher_controller.h"
 #include "main/mac_application_events.h"
-#include "platform/macos/mac_menu.h"
 #include "platform/macos/mac_platform.h"
 #include "platform/macos/mac_status_item.h"
 #include "platform/macos/mac_system_services.h"
 #include "platform/main_loop.h"
 #include "platform/simulated/simulated_desktop.h"
-#include "services/launch_at_login_service.h"
-#include "tests/input/panel_doubles.h"
+#include "tests/app/recorded_interface.h"
 #include "tests/macos/fake/fake_accessibility.h"
 #include "tests/macos/fake/fake_keyboard.h"
 #include "tests/macos/fake/fake_system.h"
@@ -37,45 +34,10 @@ using testing::Not;
 using testing::StartsWith;
 using Strings = std::vector<std::string>;
 
-/// The system's status item, and windows that only note what is done to them: "show setup" and so on.
-class StubUserInterface final : public UserInterface {
+/// Windows that only note what is done to them, and the system's status item.
+class MacInterface final : public RecordedInterface {
 public:
-    [[nodiscard]] std::string translated(const Phrase& phrase) override { return phrase.untranslated(); }
-    [[nodiscard]] SwitcherContentFactory switcherContentFactory() override { return stubContentFactory(content_); }
-    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeOnboardingWindow(const WindowOptions& /*options*/,
-                                                                       AppServices& /*services*/,
-                                                                       std::function<void()> /*onDone*/) override {
-        return std::make_unique<Window>(steps_, "setup");
-    }
-    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeSettingsWindow(const WindowOptions& /*options*/,
-                                                                     AppServices& /*services*/) override {
-        return std::make_unique<Window>(steps_, "settings");
-    }
-    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeProgressWindow(const WindowOptions& /*options*/) override {
-        return std::make_unique<Window>(steps_, "progress");
-    }
-    [[nodiscard]] std::unique_ptr<OnDemandWindow> makeAboutWindow(const WindowOptions& options,
-                                                                  std::function<void()> /*onClose*/) override {
-        return std::make_unique<Window>(steps_, options.title.untranslated());
-    }
     [[nodiscard]] std::unique_ptr<StatusItem> makeStatusItem() override { return std::make_unique<MacStatusItem>(); }
-
-    [[nodiscard]] Strings takeSteps() { return std::exchange(steps_, {}); }
-
-private:
-    class Window final : public OnDemandWindow {
-    public:
-        Window(Strings& steps, std::string name) : steps_(steps), name_(std::move(name)) {}
-        void show() override { steps_.push_back("show " + name_); }
-        void close() override { steps_.push_back("close " + name_); }
-
-    private:
-        Strings& steps_;
-        std::string name_;
-    };
-
-    Strings steps_;
-    SwitcherContentCallbacks content_;
 };
 
 /// The whole program on a Mac with two applications: Notes, in front with window 77, and behind it Mail with window 88.
@@ -166,7 +128,12 @@ protected:
     }
 
     [[nodiscard]] AppServices& services() { return *program->delegate.services(); }
-    [[nodiscard]] Strings takeSteps() { return program->interface.takeSteps(); }
+    /// "show setup" and so on.
+    [[nodiscard]] Strings takeSteps() {
+        auto steps = program->interface.takeSteps();
+        std::erase_if(steps, [](const std::string& step) { return step.starts_with("make "); });
+        return steps;
+    }
     [[nodiscard]] static NSRunningApplication* running(Pid pid) {
         return [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
     }
@@ -250,7 +217,7 @@ protected:
         MacApplicationDelegate systemDelegate;
         MacLog log;
         MacPlatform adapter;
-        StubUserInterface interface;
+        MacInterface interface;
         AppDelegate delegate;
         std::unique_ptr<MacApplicationMenu> applicationMenu;
     };
@@ -431,7 +398,7 @@ TEST_F(MacProgramTest, EachRowOfTheMenuDoesWhatItSays) {
     EXPECT_TRUE(choose("Settings…"));
     EXPECT_TRUE(choose("Setup Guide…"));
     EXPECT_TRUE(choose("About Ferrowyn"));
-    EXPECT_THAT(takeSteps(), ElementsAre("show settings", "show setup", "show About Ferrowyn"));
+    EXPECT_THAT(takeSteps(), ElementsAre("show settings", "show setup", "show about"));
     EXPECT_TRUE(choose("Open Switcher"));
     EXPECT_THAT(panel().calls, Contains("orderFrontRegardless"));
     EXPECT_TRUE(choose("Quit Ferrowyn"));
