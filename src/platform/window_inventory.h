@@ -75,7 +75,8 @@ class WindowInventory {
 public:
     virtual ~WindowInventory() = default;
 
-    /// Begins a reading. On a worker thread; may wait for the system. Never null.
+    /// Begins a reading. On a worker thread; may wait for the system, and for the main loop, which must be running.
+    /// Never null.
     [[nodiscard]] virtual std::unique_ptr<InventoryReading> beginReading() const = 0;
 
     /// The numbers of the window list, front-most first; an entry without a number is empty. Nothing when the server

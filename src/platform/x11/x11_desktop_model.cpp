@@ -11,6 +11,7 @@ void X11DesktopModel::apply(const X11RootFacts& root, bool isWindowManagerRunnin
     const auto known = knownApplications();
     const bool managerChanged =
         std::exchange(isWindowManagerRunning_, isWindowManagerRunning) != isWindowManagerRunning;
+    root_ = root.root;
     supportsRestacking_ = root.supportsRestacking;
     keepsFullScreenOnTop_ = root.keepsFullScreenOnTop;
 
@@ -124,7 +125,7 @@ std::vector<xcb_window_t> X11DesktopModel::numberApplications(const Windows& ren
         if (previous == 0) {
             continue;  // a new window
         }
-        history_.forget(id);
+        forgetFocusOf(id);
         const auto before = std::ranges::find(renamed, id, &X11WindowFacts::id);
         left[previous].push_back(before != renamed.end() ? *before : window);
     }
@@ -181,7 +182,7 @@ void X11DesktopModel::announceRemoved(const Windows& windows, Announcements& ann
     std::unordered_map<Pid, Windows> removed;
     for (const auto& window : windows) {
         announcements.notifications.push_back({window.pid, window.id, AccessibilityNotification::uiElementDestroyed});
-        history_.forget(window.id);
+        forgetFocusOf(window.id);
         if (reportedActive_ == window.id) {
             reportedActive_ = XCB_WINDOW_NONE;
         }
@@ -224,7 +225,7 @@ void X11DesktopModel::report(const X11WindowFacts& active, Announcements& announ
     if (active.id == std::exchange(reportedActive_, active.id) && active.pid == reportedPid_) {
         return;
     }
-    history_.note(active.pid, active.id);
+    lastActive_[active.pid] = active.id;
     if (std::exchange(reportedPid_, active.pid) != active.pid) {
         announcements.workspaceEvents.push_back({WorkspaceEvent::Kind::didActivate, runningApplication(active.pid)});
         announcements.notifications.push_back(
@@ -253,6 +254,52 @@ void X11DesktopModel::startSessionFrom(xcb_window_t active) {
         report(*window, announcements);
         send(announcements);
     }
+}
+
+void X11DesktopModel::forgetFocusOf(xcb_window_t window) {
+    std::erase_if(lastActive_, [&](const auto& entry) { return entry.second == window; });
+}
+
+std::optional<xcb_window_t> X11DesktopModel::lastActiveOf(Pid pid) const {
+    const auto found = lastActive_.find(pid);
+    return found == lastActive_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void X11DesktopModel::refresh(xcb_window_t window, const X11PassingFacts& facts) {
+    const auto found = windows_.find(window);
+    if (found == windows_.end()) {
+        return;
+    }
+    auto& known = found->second;
+    if (facts.title) {
+        known.title = *facts.title;
+    }
+    if (facts.isMapped) {
+        known.isMapped = *facts.isMapped;
+    }
+    if (known.frame && facts.position) {
+        known.frame->x = facts.position->x;
+        known.frame->y = facts.position->y;
+    }
+    if (known.frame && facts.size) {
+        known.frame->width = facts.size->width;
+        known.frame->height = facts.size->height;
+    }
+}
+
+X11DesktopSnapshot X11DesktopModel::snapshot() const {
+    X11DesktopSnapshot snapshot{.isValid = true,
+                                .root = root_,
+                                .currentDesktop = currentDesktop_,
+                                .activeWindow = activeWindow_,
+                                .lastActive = lastActive_};
+    snapshot.windows.reserve(windows_.size());
+    for (const auto window : order_) {
+        if (const auto* const facts = find(window)) {
+            snapshot.windows.push_back(*facts);
+        }
+    }
+    return snapshot;
 }
 
 void X11DesktopModel::noteTitleChanged(xcb_window_t window) {

@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -26,29 +25,6 @@ struct X11AccessibilityNotification {
     /// nullopt when the notification is about the application.
     std::optional<xcb_window_t> window;
     AccessibilityNotification kind{};
-};
-
-/// Remembers the last active window of each application. Any thread: the desktop model writes it on the main thread,
-/// snapshot workers read it.
-class X11FocusHistory {
-public:
-    void note(Pid pid, xcb_window_t window) {
-        const std::scoped_lock lock(mutex_);
-        lastActive_[pid] = window;
-    }
-    void forget(xcb_window_t window) {
-        const std::scoped_lock lock(mutex_);
-        std::erase_if(lastActive_, [&](const auto& entry) { return entry.second == window; });
-    }
-    [[nodiscard]] std::optional<xcb_window_t> lastActiveOf(Pid pid) const {
-        const std::scoped_lock lock(mutex_);
-        const auto found = lastActive_.find(pid);
-        return found == lastActive_.end() ? std::nullopt : std::optional(found->second);
-    }
-
-private:
-    mutable std::mutex mutex_;
-    std::unordered_map<Pid, xcb_window_t> lastActive_;
 };
 
 /// The logic's handle of a window; holds the XID.
@@ -75,19 +51,37 @@ private:
     xcb_window_t window_;
 };
 
-/// The main thread's picture of the desktop. The monitor updates it; queries take no round trip. Each update is
-/// compared with the previous state, and the differences are announced in the logic's terms. Main thread; sends no
-/// requests; owned by `X11DesktopMonitor`.
+/// The last active window of each application.
+using X11FocusHistory = std::unordered_map<Pid, xcb_window_t>;
+
+/// A copy of the whole desktop at one moment, for any thread.
+struct X11DesktopSnapshot {
+    /// False when the connection was lost.
+    bool isValid = false;
+    xcb_window_t root = XCB_WINDOW_NONE;
+    std::optional<std::uint32_t> currentDesktop;
+    xcb_window_t activeWindow = XCB_WINDOW_NONE;
+    X11FocusHistory lastActive;
+    /// Front-most first, desktop elements included.
+    std::vector<X11WindowFacts> windows;
+    /// How many round trips passed until the copy was current.
+    int roundTrips = 0;
+};
+
+/// The one picture of the desktop. The monitor updates it; queries take no round trip, and other threads get copies
+/// (`snapshot`). Each update is compared with the previous state, and the differences are announced in the logic's
+/// terms. Main thread; sends no requests; owned by `X11DesktopMonitor`.
 class X11DesktopModel {
 public:
-    /// Both outlive the model.
-    X11DesktopModel(const X11ApplicationDirectory& directory, X11FocusHistory& history)
-        : directory_(directory), history_(history) {}
+    /// The directory outlives the model.
+    explicit X11DesktopModel(const X11ApplicationDirectory& directory) : directory_(directory) {}
 
     /// Updates the state: `root` replaces the root's facts, and `changedWindows` are the windows that are new or have
     /// changed.
     void apply(const X11RootFacts& root, bool isWindowManagerRunning, std::vector<X11WindowFacts> changedWindows);
     void noteTitleChanged(xcb_window_t window);
+    /// Updates the facts that change often and that nothing but a snapshot asks for. Announces nothing.
+    void refresh(xcb_window_t window, const X11PassingFacts& facts);
     /// Removes a destroyed window, even when the manager still lists it: its XID may be used again.
     void forget(xcb_window_t window);
     /// Applications were installed or removed, so windows may now belong to other applications.
@@ -115,6 +109,8 @@ public:
     [[nodiscard]] std::optional<std::uint32_t> currentDesktop() const { return currentDesktop_; }
     /// None while no window is active.
     [[nodiscard]] xcb_window_t activeWindow() const { return activeWindow_; }
+    /// Valid; the round trips are for the caller to fill in.
+    [[nodiscard]] X11DesktopSnapshot snapshot() const;
     /// Front-most first, without desktop elements.
     [[nodiscard]] std::vector<xcb_window_t> order() const;
     [[nodiscard]] const X11WindowFacts* find(xcb_window_t window) const;
@@ -126,7 +122,7 @@ public:
     /// active, the application of the last active one, as long as that window is visible on this desktop: managers set
     /// None for a moment.
     [[nodiscard]] std::optional<Pid> frontmostPid() const;
-    [[nodiscard]] std::optional<xcb_window_t> lastActiveOf(Pid pid) const { return history_.lastActiveOf(pid); }
+    [[nodiscard]] std::optional<xcb_window_t> lastActiveOf(Pid pid) const;
 
     [[nodiscard]] const Subject<WorkspaceEvent>& workspaceEvents() const { return workspaceEvents_; }
     [[nodiscard]] const Subject<X11AccessibilityNotification>& notifications() const { return notifications_; }
@@ -158,6 +154,7 @@ private:
     bool removeUnlisted(Announcements& announcements);
     void announceRemoved(const Windows& windows, Announcements& announcements);
     void update(X11WindowFacts window, Windows& renamed, Announcements& announcements);
+    void forgetFocusOf(xcb_window_t window);
     [[nodiscard]] std::unordered_set<Pid> knownApplications() const;
     /// Gives each window the number of its application. `renamed` are the earlier facts of the windows whose identity
     /// has changed. Returns the windows that are new in their application.
@@ -173,8 +170,9 @@ private:
     [[nodiscard]] std::vector<const X11WindowFacts*> factsOf(Pid pid) const;
 
     const X11ApplicationDirectory& directory_;
-    X11FocusHistory& history_;
+    X11FocusHistory lastActive_;
 
+    xcb_window_t root_ = XCB_WINDOW_NONE;
     bool isWindowManagerRunning_ = false;
     bool supportsRestacking_ = false;
     bool keepsFullScreenOnTop_ = false;

@@ -1,7 +1,5 @@
 #include "platform/x11/x11_desktop_monitor.h"
 
-#include <xcb/randr.h>
-
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -39,69 +37,74 @@ namespace {
 /// Longer than a manager needs for an activation, shorter than the time until the user's next one.
 constexpr Seconds activationGrace = std::chrono::milliseconds(300);
 
-/// The event mask for the root, the listed windows and the manager's check window. It is one mask, because selecting
-/// again replaces the earlier mask and the check window may also be a listed window or the root.
-constexpr std::uint32_t windowEventMask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-
-/// The monitor reads a window because it has changed, so no earlier facts are reused.
-const X11WindowBatch::KnownWindows nothingKnown;
+/// First the root's properties, then those of the windows.
+constexpr int roundTripsOfReading = 2;
 
 }  // namespace
 
-X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Connection> connection,
-                                     const X11Atoms& atoms, const X11ApplicationDirectory& directory,
-                                     X11FocusHistory& history, std::function<void()> onConnectionLost)
+X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, X11EventConnection& events, const X11Atoms& atoms,
+                                     const X11ApplicationDirectory& directory)
     : mainLoop_(mainLoop),
+      events_(events),
       atoms_(atoms),
-      model_(directory, history),
-      connection_(
-          std::move(connection), [this](const xcb_generic_event_t& event) { handleEvent(event); },
-          std::move(onConnectionLost)),
-      owners_(connection_.connection()),
+      model_(directory),
+      owners_(events.connection()),
       titleChanges_(mainLoop, [this](xcb_window_t window) { model_.noteTitleChanged(window); }) {
-    subscribeToRoot();
+    eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { handleEvent(event); });
+    makeClock();
     readFirstTime();
 }
 
-void X11DesktopMonitor::subscribeToRoot() {
-    auto* const xcb = connection_.get();
-    selectEvents(connection_.root());
-
+void X11DesktopMonitor::makeClock() {
+    auto* const xcb = events_.get();
     clockWindow_ = xcb_generate_id(xcb);
     const std::array<std::uint32_t, 2> values{1, XCB_EVENT_MASK_PROPERTY_CHANGE};
-    xcb_create_window(xcb, 0, clockWindow_, connection_.root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+    xcb_create_window(xcb, 0, clockWindow_, events_.root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                       XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values.data());
     xcb_change_property(xcb, XCB_PROP_MODE_APPEND, clockWindow_, atoms_.netWmName, atoms_.utf8String, 8, 0, nullptr);
-
-    const auto* const randr = xcb_get_extension_data(xcb, &xcb_randr_id);
-    hasRandr_ = randr != nullptr && randr->present != 0;
-    if (hasRandr_) {
-        randrFirstEvent_ = randr->first_event;
-        xcb_randr_select_input(xcb, connection_.root(),
-                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE);
-    }
 }
 
 void X11DesktopMonitor::readFirstTime() {
-    const auto root = X11RootRequests(connection_.get(), connection_.root(), atoms_).collect(connection_.get(), atoms_);
+    const auto root = X11RootRequests(events_.get(), events_.root(), atoms_).collect(events_.get(), atoms_);
     const auto check = requestManagerCheck(root);
-    auto answer = X11WindowBatch(connection_.get(), root, atoms_, owners_, windowsToRead(root),
-                                 X11WindowBatch::Fallbacks::atOnceWithoutTitles, nothingKnown)
-                      .collect();
-    applyReading(root, check, std::move(answer.windows));
+    auto windows = X11WindowBatch(events_.get(), root, atoms_, owners_, windowsToRead(root)).collect();
+    applyReading(root, check, std::move(windows));
 }
 
 void X11DesktopMonitor::handleEvent(const xcb_generic_event_t& event) {
-    const auto type = event.response_type;
-    if (type == XCB_PROPERTY_NOTIFY) {
-        handleProperty(reinterpret_cast<const xcb_property_notify_event_t&>(event));
-    } else if (type == XCB_DESTROY_NOTIFY) {
-        handleDestroyed(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
-    } else if (hasRandr_ && (type == randrFirstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                             type == randrFirstEvent_ + XCB_RANDR_NOTIFY)) {
+    const auto mark = [this](xcb_window_t window, X11PassingRequests::Part part) { changedParts_[window] |= part; };
+    if (events_.isScreenChange(event)) {
         screenChanges_.send(true);
+        return;
     }
-    // Errors concern windows that were destroyed before a request reached the server; they are ignored.
+    switch (event.response_type) {
+        case XCB_PROPERTY_NOTIFY:
+            handleProperty(reinterpret_cast<const xcb_property_notify_event_t&>(event));
+            break;
+        // While the panel is shown, the root reports these events about its child windows as well.
+        case XCB_DESTROY_NOTIFY:
+            if (const auto& end = reinterpret_cast<const xcb_destroy_notify_event_t&>(event); end.event == end.window) {
+                handleDestroyed(end.window);
+            }
+            break;
+        case XCB_CONFIGURE_NOTIFY:
+            if (const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+                change.event == change.window && change.window != events_.root()) {
+                mark(change.window, X11PassingRequests::size);
+            }
+            break;
+        case XCB_MAP_NOTIFY:
+        case XCB_UNMAP_NOTIFY:
+            // Both events begin with the same fields.
+            if (const auto& change = reinterpret_cast<const xcb_map_notify_event_t&>(event);
+                change.event == change.window) {
+                mark(change.window, X11PassingRequests::mapping);
+            }
+            break;
+        default:
+            // Errors concern windows that were destroyed before a request reached the server; they are ignored.
+            break;
+    }
 }
 
 void X11DesktopMonitor::handleDestroyed(xcb_window_t window) {
@@ -109,9 +112,9 @@ void X11DesktopMonitor::handleDestroyed(xcb_window_t window) {
         destroyedMeanwhile_.insert(window);
     }
     changedWindows_.erase(window);
+    changedParts_.erase(window);
     if (model_.find(window) != nullptr) {
         // Removed at once: the manager's list follows later, and by then a new window may have the same XID.
-        windowReadings_.send({window});
         model_.forget(window);
         return;
     }
@@ -122,7 +125,7 @@ void X11DesktopMonitor::handleDestroyed(xcb_window_t window) {
 
 void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event) {
     latestServerTime_ = std::max(event.time, xcb_timestamp_t{1});
-    if (event.window == connection_.root()) {
+    if (event.window == events_.root()) {
         const std::array relevant{atoms_.netClientListStacking, atoms_.netClientList,        atoms_.netActiveWindow,
                                   atoms_.netCurrentDesktop,     atoms_.netSupportingWmCheck, atoms_.netSupported};
         if (std::ranges::find(relevant, event.atom) != relevant.end()) {
@@ -131,7 +134,11 @@ void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event)
         }
         return;
     }
+    if (event.window == clockWindow_) {
+        return;
+    }
     if (event.atom == atoms_.netWmName || event.atom == XCB_ATOM_WM_NAME) {
+        changedParts_[event.window] |= X11PassingRequests::title;
         titleChanges_.note(event.window);
         return;
     }
@@ -148,46 +155,45 @@ void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event)
                               atoms_.gtkApplicationId,
                               atoms_.kdeDesktopFile,
                               xcb_atom_t{XCB_ATOM_WM_CLASS},
+                              xcb_atom_t{XCB_ATOM_WM_CLIENT_MACHINE},
                               xcb_atom_t{XCB_ATOM_WM_HINTS},
                               xcb_atom_t{XCB_ATOM_WM_TRANSIENT_FOR}};
-    if (event.window != clockWindow_ && std::ranges::find(relevant, event.atom) != relevant.end()) {
+    if (std::ranges::find(relevant, event.atom) != relevant.end()) {
         changedWindows_.insert(event.window);
         readAgain();
     }
 }
 
 void X11DesktopMonitor::readAgain() {
-    if (isReading_ || !(isRootChanged_ || !changedWindows_.empty())) {
+    if (isReading_ || !isAnythingChanged()) {
         return;
     }
     isReading_ = true;
     isRootChanged_ = false;
-    const X11RootRequests requests(connection_.get(), connection_.root(), atoms_);
-    connection_.whenAnswered([this, requests] { readWindows(requests.collect(connection_.get(), atoms_)); });
+    const X11RootRequests requests(events_.get(), events_.root(), atoms_);
+    events_.whenAnswered([this, requests] { readWindows(requests.collect(events_.get(), atoms_)); });
 }
 
 void X11DesktopMonitor::readWindows(const X11RootFacts& root) {
     const auto check = requestManagerCheck(root);
-    const auto windows = windowsToRead(root);
-    auto batch = std::make_shared<X11WindowBatch>(connection_.get(), root, atoms_, owners_, windows,
-                                                  X11WindowBatch::Fallbacks::atOnceWithoutTitles, nothingKnown);
-    connection_.whenAnswered([this, root, check, batch, windows] {
-        auto answer = batch->collect();
+    // Shared only because a std::function must be copyable.
+    const auto batch = std::make_shared<X11WindowBatch>(events_.get(), root, atoms_, owners_, windowsToRead(root));
+    events_.whenAnswered([this, root, check, batch] {
+        auto windows = batch->collect();
         isReading_ = false;
         const auto destroyed = std::exchange(destroyedMeanwhile_, {});
-        std::erase_if(answer.windows, [&](const auto& window) { return destroyed.contains(window.id); });
+        std::erase_if(windows, [&](const auto& window) { return destroyed.contains(window.id); });
         // A new window may have the XID of a destroyed one and be listed but not known.
         isRootChanged_ = isRootChanged_ || !destroyed.empty();
-        // Sent before the change is announced: its observers start a reading of the whole desktop.
-        windowReadings_.send(windows);
-        applyReading(root, check, std::move(answer.windows));
+        applyReading(root, check, std::move(windows));
         readAgain();
+        finishPendingSnapshots();
     });
 }
 
 void X11DesktopMonitor::applyReading(X11RootFacts root, const X11ManagerCheck::Requests& check,
                                      std::vector<X11WindowFacts> windows) {
-    const auto manager = managerCheck_.collect(connection_.get(), check);
+    const auto manager = managerCheck_.collect(events_.get(), check);
     publisher_.settle(root, manager);
     model_.apply(root, manager != XCB_WINDOW_NONE, std::move(windows));
 }
@@ -201,24 +207,103 @@ std::vector<xcb_window_t> X11DesktopMonitor::windowsToRead(const X11RootFacts& r
         std::ranges::copy_if(changed, std::back_inserter(windows),
                              [&](xcb_window_t window) { return model_.find(window) != nullptr; });
     } else {
+        // Which property says that a window is minimised depends on this.
+        const bool readsAll = std::exchange(supportsHiddenState_, root.supportsHiddenState) != root.supportsHiddenState;
         std::ranges::copy_if(*root.stacking, std::back_inserter(windows), [&](xcb_window_t window) {
-            return changed.contains(window) || model_.find(window) == nullptr;
+            return readsAll || changed.contains(window) || model_.find(window) == nullptr;
         });
     }
-    // Known windows are selected again, because an XID may belong to a new window by now.
-    std::ranges::for_each(windows, [this](xcb_window_t window) { selectEvents(window); });
+    for (const auto window : windows) {
+        // Known windows are selected again, because an XID may belong to a new window by now.
+        events_.watch(window);
+        changedParts_.erase(window);
+    }
     return windows;
 }
 
-void X11DesktopMonitor::selectEvents(xcb_window_t window) {
-    xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &windowEventMask);
+X11ManagerCheck::Requests X11DesktopMonitor::requestManagerCheck(const X11RootFacts& root) {
+    events_.watch(root.supportingWmCheck);
+    return managerCheck_.request(events_.get(), root, atoms_);
 }
 
-X11ManagerCheck::Requests X11DesktopMonitor::requestManagerCheck(const X11RootFacts& root) {
-    if (root.supportingWmCheck != XCB_WINDOW_NONE) {
-        selectEvents(root.supportingWmCheck);
+void X11DesktopMonitor::takeSnapshot(std::function<void(X11DesktopSnapshot)> handler) {
+    const auto asked = requestPassingFacts(true);
+    events_.whenAnswered([this, asked, handler = std::move(handler)]() mutable {
+        collect(asked);
+        // All events from before the call have been handled by now. The present reading may have begun before one of
+        // them; then the next one covers it.
+        const int readings = (isReading_ ? 1 : 0) + (isAnythingChanged() ? 1 : 0);
+        PendingSnapshot snapshot{std::move(handler), readings, 1};
+        if (readings == 0) {
+            finish(std::move(snapshot));
+        } else {
+            pendingSnapshots_.push_back(std::move(snapshot));
+            readAgain();
+        }
+    });
+}
+
+/// Called when a reading has ended, after the next one has begun if there is one.
+void X11DesktopMonitor::finishPendingSnapshots() {
+    std::vector<PendingSnapshot> ready;
+    for (auto& snapshot : std::exchange(pendingSnapshots_, {})) {
+        --snapshot.readingsLeft;
+        snapshot.roundTrips += roundTripsOfReading;
+        // The reading that has ended may have covered what the next one was to read.
+        const bool isReady = snapshot.readingsLeft == 0 || !isReading_;
+        (isReady ? ready : pendingSnapshots_).push_back(std::move(snapshot));
     }
-    return managerCheck_.request(connection_.get(), root, atoms_);
+    for (auto& snapshot : ready) {
+        finish(std::move(snapshot));
+    }
+}
+
+void X11DesktopMonitor::finish(PendingSnapshot snapshot) {
+    const auto hand = [this](const PendingSnapshot& finished) {
+        auto copy = model_.snapshot();
+        copy.roundTrips = finished.roundTrips;
+        finished.handler(std::move(copy));
+    };
+    const auto asked = requestPassingFacts(false);
+    if (asked.empty()) {
+        hand(snapshot);
+        return;
+    }
+    ++snapshot.roundTrips;
+    events_.whenAnswered([this, asked, hand, snapshot = std::move(snapshot)] {
+        collect(asked);
+        hand(snapshot);
+    });
+}
+
+std::vector<X11PassingRequests> X11DesktopMonitor::requestPassingFacts(bool asksPositions) {
+    const auto changed = std::exchange(changedParts_, {});
+    std::vector<X11PassingRequests> requests;
+    const auto request = [&](xcb_window_t window, std::uint8_t parts) {
+        requests.emplace_back(events_.get(), window, events_.root(), atoms_, parts, asksPositions);
+    };
+    for (const auto& [window, parts] : changed) {
+        if (model_.find(window) != nullptr) {
+            request(window, parts);
+        } else if (isReading_) {
+            // It may be a window that is being read for the first time.
+            changedParts_.emplace(window, parts);
+        }
+    }
+    if (asksPositions) {
+        for (const auto window : model_.order()) {
+            if (!changed.contains(window)) {
+                request(window, 0);
+            }
+        }
+    }
+    return requests;
+}
+
+void X11DesktopMonitor::collect(const std::vector<X11PassingRequests>& requests) {
+    for (const auto& request : requests) {
+        model_.refresh(request.window(), request.collect(events_.get(), atoms_));
+    }
 }
 
 void X11DesktopMonitor::expectActive(xcb_window_t window, X11DesktopModel::Path path) {

@@ -2,9 +2,10 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -43,20 +44,26 @@ private:
 };
 
 /// Follows the events of the root window and the listed windows, and keeps the model up to date. Only the constructor
-/// waits for the server. Each event marks what has to be read again; one reading runs at a time, and changes during it
-/// start the next one. Main thread; owned by `X11Platform`.
+/// waits for the server. Each event marks what has to be read again: most facts at once, in one reading at a time,
+/// where changes during it start the next one; titles, sizes and the mapping only for the next snapshot. Main thread;
+/// owned by `X11Platform`.
 class X11DesktopMonitor {
 public:
     /// The references outlive the monitor. The first reading is done when this returns.
-    X11DesktopMonitor(MainLoop& mainLoop, std::unique_ptr<X11Connection> connection, const X11Atoms& atoms,
-                      const X11ApplicationDirectory& directory, X11FocusHistory& history,
-                      std::function<void()> onConnectionLost);
+    X11DesktopMonitor(MainLoop& mainLoop, X11EventConnection& events, const X11Atoms& atoms,
+                      const X11ApplicationDirectory& directory);
     X11DesktopMonitor(const X11DesktopMonitor&) = delete;
     X11DesktopMonitor& operator=(const X11DesktopMonitor&) = delete;
 
     [[nodiscard]] const X11DesktopModel& model() const { return model_; }
     /// For requests without a reply, and for the few places that may wait for one.
-    [[nodiscard]] X11EventConnection& connection() { return connection_; }
+    [[nodiscard]] X11EventConnection& connection() { return events_; }
+
+    /// Calls the handler with a copy of the model that has every change that the server had made when this was called.
+    /// It asks for the windows' positions and for what has changed, usually in one round trip, and never for more than
+    /// is known to have changed when the first answer is there: a window that changes all the time delays nothing. Not
+    /// called when the connection is lost first.
+    void takeSnapshot(std::function<void(X11DesktopSnapshot)> handler);
 
     /// See `X11DesktopModel::expectActive`. The expectation ends by itself after a short time.
     void expectActive(xcb_window_t window, X11DesktopModel::Path path);
@@ -67,9 +74,6 @@ public:
     /// The server's time of the latest property event on this connection; never 0.
     [[nodiscard]] xcb_timestamp_t latestServerTime() const { return latestServerTime_; }
 
-    /// Sends the windows that are new, have changed or are gone. Facts about them that are kept elsewhere may be old.
-    [[nodiscard]] const Subject<std::vector<xcb_window_t>>& windowReadings() const { return windowReadings_; }
-
     /// Sends a window whose icon has changed.
     [[nodiscard]] const Subject<xcb_window_t>& iconChanges() const { return iconChanges_; }
 
@@ -77,41 +81,55 @@ public:
     [[nodiscard]] const Subject<bool>& screenChanges() const { return screenChanges_; }
 
 private:
-    void subscribeToRoot();
+    /// A snapshot that waits for readings of the changes from before it.
+    struct PendingSnapshot {
+        std::function<void(X11DesktopSnapshot)> handler;
+        int readingsLeft = 0;
+        int roundTrips = 0;
+    };
+
+    void makeClock();
     void readFirstTime();
     void handleEvent(const xcb_generic_event_t& event);
     void handleProperty(const xcb_property_notify_event_t& event);
     void handleDestroyed(xcb_window_t window);
+    [[nodiscard]] bool isAnythingChanged() const { return isRootChanged_ || !changedWindows_.empty(); }
     void readAgain();
     void readWindows(const X11RootFacts& root);
-    void selectEvents(xcb_window_t window);
     [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
     [[nodiscard]] X11ManagerCheck::Requests requestManagerCheck(const X11RootFacts& root);
     void applyReading(X11RootFacts root, const X11ManagerCheck::Requests& check, std::vector<X11WindowFacts> windows);
+    /// Asks for the marked facts, and for all positions too where `asksPositions`.
+    [[nodiscard]] std::vector<X11PassingRequests> requestPassingFacts(bool asksPositions);
+    void collect(const std::vector<X11PassingRequests>& requests);
+    void finishPendingSnapshots();
+    void finish(PendingSnapshot snapshot);
 
     MainLoop& mainLoop_;
+    X11EventConnection& events_;
     const X11Atoms& atoms_;
     X11DesktopModel model_;
-    X11EventConnection connection_;
     X11Owners owners_;
     /// Never shown. Changing its property causes an event with the server's time.
     xcb_window_t clockWindow_ = XCB_WINDOW_NONE;
     xcb_timestamp_t latestServerTime_ = 1;
-    std::uint8_t randrFirstEvent_ = 0;
-    bool hasRandr_ = false;
 
     X11ManagerCheck managerCheck_;
     X11ListPublisher publisher_;
+    bool supportsHiddenState_ = false;
     std::unordered_set<xcb_window_t> changedWindows_;
+    /// The facts to ask for again, as flags of `X11PassingRequests::Part`.
+    std::unordered_map<xcb_window_t, std::uint8_t> changedParts_;
     /// The windows destroyed during the present reading, whose facts may be from before that.
     std::unordered_set<xcb_window_t> destroyedMeanwhile_;
     bool isRootChanged_ = false;
     bool isReading_ = false;
+    std::vector<PendingSnapshot> pendingSnapshots_;
     Subscription expectation_;
     X11TitleChanges titleChanges_;
-    Subject<std::vector<xcb_window_t>> windowReadings_;
     Subject<xcb_window_t> iconChanges_;
     Subject<bool> screenChanges_;
+    Subscription eventSubscription_;
 };
 
 }  // namespace ferrowyn

@@ -1,5 +1,6 @@
 #include "platform/x11/x11_event_connection.h"
 
+#include <xcb/randr.h>
 #include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
 
@@ -9,11 +10,15 @@
 #include "platform/x11/xcb_reply.h"
 
 namespace ferrowyn {
+namespace {
 
-X11EventConnection::X11EventConnection(std::unique_ptr<X11Connection> connection, EventHandler onEvent,
+constexpr std::uint32_t watchMask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+
+}  // namespace
+
+X11EventConnection::X11EventConnection(std::unique_ptr<X11Connection> connection,
                                        std::function<void()> onConnectionLost)
     : connection_(std::move(connection)),
-      onEvent_(std::move(onEvent)),
       onConnectionLost_(std::move(onConnectionLost)),
       notifier_(connection_->fileDescriptor(), QSocketNotifier::Read) {
     QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { drain(); });
@@ -21,10 +26,58 @@ X11EventConnection::X11EventConnection(std::unique_ptr<X11Connection> connection
     // read before the loop waits.
     beforeWaiting_ = QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
                                       &notifier_, [this] { drain(); });
+    selectOnRoot(false);
+    const auto* const randr = xcb_get_extension_data(get(), &xcb_randr_id);
+    if (randr != nullptr && randr->present != 0) {
+        randrFirstEvent_ = randr->first_event;
+        xcb_randr_select_input(get(), root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    }
 }
 
 X11EventConnection::~X11EventConnection() {
     QObject::disconnect(beforeWaiting_);
+}
+
+void X11EventConnection::watch(xcb_window_t window) {
+    const auto* const setup = xcb_get_setup(get());
+    // Any client can name any window in a property, also one of ours, which has a mask of its own.
+    const bool isOurs = (window & ~setup->resource_id_mask) == setup->resource_id_base;
+    if (!isOurs && window != root() && window != XCB_WINDOW_NONE) {
+        xcb_change_window_attributes(get(), window, XCB_CW_EVENT_MASK, &watchMask);
+    }
+}
+
+void X11EventConnection::setSelectsStacking(bool selectsStacking) {
+    selectOnRoot(selectsStacking);
+    flush();
+}
+
+void X11EventConnection::selectOnRoot(bool selectsStacking) {
+    const std::uint32_t mask = watchMask | (selectsStacking ? std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY} : 0U);
+    xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &mask);
+}
+
+bool X11EventConnection::isScreenChange(const xcb_generic_event_t& event) const {
+    const auto type = typeOf(event);
+    return randrFirstEvent_ &&
+           (type == *randrFirstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == *randrFirstEvent_ + XCB_RANDR_NOTIFY);
+}
+
+std::optional<std::uint8_t> X11EventConnection::listenToSelection(xcb_atom_t selection) {
+    const auto* const extension = xcb_get_extension_data(get(), &xcb_xfixes_id);
+    if (extension == nullptr || extension->present == 0) {
+        return std::nullopt;
+    }
+    // The server refuses other requests of the extension until the client has sent its version.
+    const auto version = xcb_xfixes_query_version(get(), XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
+    xcb_discard_reply(get(), version.sequence);
+    xcb_xfixes_select_selection_input(get(), root(), selection,
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    return extension->first_event;
 }
 
 void X11EventConnection::whenAnswered(std::function<void()> callback) {
@@ -45,13 +98,7 @@ void X11EventConnection::drain() {
     bool hasProgress = true;
     bool hasDelivered = false;
     while (hasProgress) {
-        hasProgress = false;
-        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(get())}) {
-            hasProgress = true;
-            if (!isSentByClient(*event) || typeOf(*event) == XCB_CLIENT_MESSAGE) {
-                onEvent_(*event);
-            }
-        }
+        hasProgress = deliverEvents(xcb_poll_for_event);
         hasProgress = deliverAnswered() || hasProgress;
         hasDelivered = hasDelivered || hasProgress;
     }
@@ -63,6 +110,17 @@ void X11EventConnection::drain() {
     if (!connection_->isAlive()) {
         noticeLoss();
     }
+}
+
+bool X11EventConnection::deliverEvents(xcb_generic_event_t* (*next)(xcb_connection_t*)) {
+    bool hasDelivered = false;
+    while (const XcbReply<xcb_generic_event_t> event{next(get())}) {
+        hasDelivered = true;
+        if (!isSentByClient(*event) || typeOf(*event) == XCB_CLIENT_MESSAGE) {
+            received_.send(*event);
+        }
+    }
+    return hasDelivered;
 }
 
 bool X11EventConnection::deliverAnswered() {
@@ -82,6 +140,8 @@ bool X11EventConnection::deliverAnswered() {
         const auto callback = std::move(fences_.front().callback);
         fences_.pop_front();
         hasDelivered = true;
+        // Looking for the reply may have read events from before it.
+        deliverEvents(xcb_poll_for_queued_event);
         callback();
     }
     return hasDelivered;
@@ -94,34 +154,6 @@ void X11EventConnection::noticeLoss() {
     if (const auto handler = std::exchange(onConnectionLost_, nullptr)) {
         handler();
     }
-}
-
-X11PanelEvents::X11PanelEvents(std::unique_ptr<X11Connection> connection)
-    : events_(
-          std::move(connection), [this](const xcb_generic_event_t& event) { received_.send(event); }, [] {}) {
-    setSelectsStacking(false);
-}
-
-std::optional<std::uint8_t> X11PanelEvents::listenToSelection(xcb_atom_t selection) {
-    const auto* const extension = xcb_get_extension_data(get(), &xcb_xfixes_id);
-    if (extension == nullptr || extension->present == 0) {
-        return std::nullopt;
-    }
-    // The server refuses other requests of the extension until the client has sent its version.
-    const auto version = xcb_xfixes_query_version(get(), XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
-    xcb_discard_reply(get(), version.sequence);
-    xcb_xfixes_select_selection_input(get(), root(), selection,
-                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    return extension->first_event;
-}
-
-void X11PanelEvents::setSelectsStacking(bool selectsStacking) {
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                               (selectsStacking ? std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY} : 0U);
-    xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &mask);
-    events_.flush();
 }
 
 }  // namespace ferrowyn

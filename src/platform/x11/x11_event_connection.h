@@ -12,15 +12,21 @@
 
 namespace ferrowyn {
 
-/// A connection whose events are delivered on the main loop. It never waits for the server: a caller sends requests and
-/// gets a callback when the replies have arrived. Events sent by other clients are dropped, except client messages.
-/// Main thread.
+/// The main thread's connection, which all parts of the adapter on this thread share. Delivers its events on the main
+/// loop. It never waits for the server: a caller sends requests and gets a callback when the replies have arrived.
+/// Events sent by other clients are dropped, except client messages. Main thread.
+///
+/// A client has one event mask for each window, so no part selects events by itself: `watch` selects the same events on
+/// every window, and whoever gets an event looks at the window that it is about. Only the windows that this program has
+/// made on this connection have masks of their own.
 class X11EventConnection {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
 
-    X11EventConnection(std::unique_ptr<X11Connection> connection, EventHandler onEvent,
-                       std::function<void()> onConnectionLost);
+    /// Follows the root window's properties and structure, and the arrangement of the screens. `connection` is not
+    /// null. `onConnectionLost` is called once.
+    explicit X11EventConnection(std::unique_ptr<X11Connection> connection,
+                                std::function<void()> onConnectionLost = nullptr);
     ~X11EventConnection();
     X11EventConnection(const X11EventConnection&) = delete;
     X11EventConnection& operator=(const X11EventConnection&) = delete;
@@ -29,8 +35,23 @@ public:
     [[nodiscard]] xcb_connection_t* get() const { return connection_->get(); }
     [[nodiscard]] xcb_window_t root() const { return connection_->root(); }
 
+    /// Calls the handler with every event of the connection. The event may be longer than its type says.
+    [[nodiscard]] Subscription observe(EventHandler handler) const { return received_.subscribe(std::move(handler)); }
+
+    /// Selects events for changes of the window's properties, size and mapping, and for its end. Sent with the next
+    /// flush.
+    void watch(xcb_window_t window);
+    /// Whether events about the root's child windows are selected too. They are many, so only while the panel is shown.
+    void setSelectsStacking(bool selectsStacking);
+    /// Whether the event says that the arrangement of the screens has changed.
+    [[nodiscard]] bool isScreenChange(const xcb_generic_event_t& event) const;
+    /// Selects events for changes of the selection's owner. Returns the first event number of the XFIXES extension;
+    /// nullopt when the server lacks it. Does not wait.
+    [[nodiscard]] std::optional<std::uint8_t> listenToSelection(xcb_atom_t selection);
+
     /// Flushes, and calls `callback` when the replies to all requests sent so far have arrived: collecting them does
-    /// not wait then. Not called when the connection is lost first.
+    /// not wait then. Events that the server has sent before these replies are delivered before the call. Not called
+    /// when the connection is lost first.
     void whenAnswered(std::function<void()> callback);
 
     void flush();
@@ -42,48 +63,20 @@ private:
     };
 
     void drain();
+    bool deliverEvents(xcb_generic_event_t* (*next)(xcb_connection_t*));
     bool deliverAnswered();
     void noticeLoss();
+    void selectOnRoot(bool selectsStacking);
 
     std::unique_ptr<X11Connection> connection_;
-    EventHandler onEvent_;
     std::function<void()> onConnectionLost_;
+    Subject<xcb_generic_event_t> received_;
+    std::optional<std::uint8_t> randrFirstEvent_;
     std::deque<Fence> fences_;
     bool isDraining_ = false;
     /// Declared last, so that it is destroyed before the connection that it watches.
     QSocketNotifier notifier_;
     QMetaObject::Connection beforeWaiting_;
-};
-
-/// The connection shared by the panel, the screens, the compositor, XSETTINGS and the pointer. It is separate from the
-/// desktop monitor's, so that neither replaces the other's event mask on the root window. Main thread.
-class X11PanelEvents {
-public:
-    /// `connection` is not null.
-    explicit X11PanelEvents(std::unique_ptr<X11Connection> connection);
-
-    [[nodiscard]] X11Connection& connection() { return events_.connection(); }
-    [[nodiscard]] xcb_connection_t* get() const { return events_.get(); }
-    [[nodiscard]] xcb_window_t root() const { return events_.root(); }
-    void flush() { events_.flush(); }
-
-    [[nodiscard]] Subscription observe(std::function<void(const xcb_generic_event_t&)> handler) const {
-        return received_.subscribe(std::move(handler));
-    }
-
-    /// See `X11EventConnection::whenAnswered`.
-    void whenAnswered(std::function<void()> callback) { events_.whenAnswered(std::move(callback)); }
-
-    /// Selects events for changes of the selection's owner. Returns the first event number of the XFIXES extension;
-    /// nullopt when the server lacks it. Does not wait.
-    [[nodiscard]] std::optional<std::uint8_t> listenToSelection(xcb_atom_t selection);
-
-    /// Whether events about the root's child windows are selected too. They are many, so only while the panel is shown.
-    void setSelectsStacking(bool selectsStacking);
-
-private:
-    Subject<xcb_generic_event_t> received_;
-    X11EventConnection events_;
 };
 
 }  // namespace ferrowyn

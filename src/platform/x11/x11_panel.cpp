@@ -9,7 +9,7 @@
 
 namespace ferrowyn {
 
-X11Compositor::X11Compositor(X11PanelEvents& events) {
+X11Compositor::X11Compositor(X11EventConnection& events) {
     xcb_connection_t* const connection = events.get();
     const std::string selection = "_NET_WM_CM_S" + std::to_string(events.connection().screenNumber());
     selection_ = events.connection().internAtoms({selection}).front();
@@ -51,7 +51,7 @@ constexpr int mostRaisesPerSession = 32;
 
 }  // namespace
 
-X11Panel::X11Panel(X11PanelEvents& events, const X11Screens& screens, const X11Compositor& compositor,
+X11Panel::X11Panel(X11EventConnection& events, const X11Screens& screens, const X11Compositor& compositor,
                    X11Pointer& pointer)
     : events_(events), screens_(screens), compositor_(compositor), pointer_(pointer) {
     compositorSubscription_ = compositor_.observe([this](bool) { makeWindow(); });
@@ -199,16 +199,18 @@ void X11Panel::stayOnTop(const xcb_generic_event_t& event) {
     if (!isShown_ || raisesLeft_ == 0) {
         return;
     }
-    const auto type = event.response_type & 0x7FU;
+    // Only child windows of the root can be above the panel. Override-redirect windows, such as menus and lockers, are
+    // left where their clients put them.
+    const auto type = typeOf(event);
     bool concernsOther = false;
     if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        // Override-redirect windows, such as menus and lockers, are left where their clients put them.
-        concernsOther =
-            change.window != window_->id() && change.window != events_.root() && change.override_redirect == 0;
+        concernsOther = change.event == events_.root() && change.window != window_->id() &&
+                        change.window != events_.root() && change.override_redirect == 0;
     } else if (type == XCB_MAP_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_map_notify_event_t&>(event);
-        concernsOther = change.window != window_->id() && change.override_redirect == 0;
+        concernsOther =
+            change.event == events_.root() && change.window != window_->id() && change.override_redirect == 0;
     }
     if (concernsOther) {
         --raisesLeft_;

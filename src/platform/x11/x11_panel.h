@@ -17,7 +17,7 @@ namespace ferrowyn {
 class X11Compositor {
 public:
     /// `events` outlives this.
-    explicit X11Compositor(X11PanelEvents& events);
+    explicit X11Compositor(X11EventConnection& events);
 
     [[nodiscard]] bool isRunning() const { return owner_ != XCB_WINDOW_NONE; }
     /// `onChange` is called each time a compositing manager starts or stops.
@@ -37,7 +37,8 @@ private:
 class X11Panel final : public Panel {
 public:
     /// All of them outlive this.
-    X11Panel(X11PanelEvents& events, const X11Screens& screens, const X11Compositor& compositor, X11Pointer& pointer);
+    X11Panel(X11EventConnection& events, const X11Screens& screens, const X11Compositor& compositor,
+             X11Pointer& pointer);
     ~X11Panel() override;
     X11Panel(const X11Panel&) = delete;
     X11Panel& operator=(const X11Panel&) = delete;
@@ -57,7 +58,7 @@ private:
     void redraw();
     void stayOnTop(const xcb_generic_event_t& event);
 
-    X11PanelEvents& events_;
+    X11EventConnection& events_;
     const X11Screens& screens_;
     const X11Compositor& compositor_;
     X11Pointer& pointer_;

@@ -40,22 +40,6 @@
 namespace ferrowyn {
 namespace {
 
-/// Three parts of the adapter have separate connections, so that none waits for replies to another.
-struct Connections {
-    std::unique_ptr<X11Connection> events;
-    std::unique_ptr<X11Connection> snapshots;
-    std::unique_ptr<X11Connection> panel;
-};
-
-std::optional<Connections> openConnections(const std::string& display) {
-    const char* const name = display.empty() ? nullptr : display.c_str();
-    Connections connections{X11Connection::open(name), X11Connection::open(name), X11Connection::open(name)};
-    if (!connections.events || !connections.snapshots || !connections.panel) {
-        return std::nullopt;
-    }
-    return connections;
-}
-
 void endProgram(Log& log) {
     log.write(LogLevel::error, "permissions", "The connection to the X server is lost; ending");
     QCoreApplication::exit(EXIT_FAILURE);
@@ -70,7 +54,10 @@ bool openAddress(std::string_view url) {
 
 /// The parts of the adapter. Each comes after those that it uses.
 struct X11Platform::Parts {
-    Parts(Connections connections, const X11PlatformOptions& options);
+    Parts(std::unique_ptr<X11Connection> connection, const X11PlatformOptions& options);
+    ~Parts();
+    Parts(const Parts&) = delete;
+    Parts& operator=(const Parts&) = delete;
 
     std::string display;
     QtMainLoop mainLoop;
@@ -82,12 +69,12 @@ struct X11Platform::Parts {
     std::atomic<double> scale{1.0};
     std::function<bool(SettingsPage)> openOwnSettingsPage;
 
+    X11EventConnection events;
     X11Atoms atoms;
-    X11FocusHistory history;
     X11ApplicationDirectory directory;
     std::string inputObstacle;
     X11DesktopMonitor monitor;
-    X11DesktopReader reader;
+    X11DesktopSnapshots snapshots;
     X11WindowInventory inventory;
     X11AccessibilityObservers observers;
     X11WindowControl control;
@@ -101,7 +88,6 @@ struct X11Platform::Parts {
     X11Trust trust;
 
     X11SentEventFilter sentEventFilter;
-    X11PanelEvents panelEvents;
     X11Screens screens;
     X11Compositor compositor;
     X11Pointer pointer;
@@ -111,25 +97,28 @@ struct X11Platform::Parts {
 
     Subscription installedChanges;
     Subscription screenChanges;
-    Subscription windowReadings;
     /// Nearly last, so that its destructor waits for running work before the parts above are destroyed.
     QtBackgroundWork backgroundWork;
     Platform platform;
 };
 
-X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& options)
+X11Platform::Parts::Parts(std::unique_ptr<X11Connection> connection, const X11PlatformOptions& options)
     : display(options.display),
       log(options.minimumLogLevel, options.mirrorsLog ? JournalLog::Mirror::always : JournalLog::Mirror::whenTerminal),
       folders(XdgFolders::fromEnvironment()),
       userDefaults(folders.configHome / "Ferrowyn" / "Ferrowyn.ini", log),
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
-      atoms(*connections.events),
+      events(std::move(connection),
+             [this, onLost = options.onConnectionLost] {
+                 snapshots.close();
+                 onLost ? onLost() : endProgram(log);
+             }),
+      atoms(events.connection()),
       directory([this](const auto& identity) { return findInstalledApplication(entries, identity); }, getpid()),
-      inputObstacle(ferrowyn::inputObstacle(connections.events->get())),
-      monitor(mainLoop, std::move(connections.events), atoms, directory, history,
-              [this, onLost = options.onConnectionLost] { onLost ? onLost() : endProgram(log); }),
-      reader(std::move(connections.snapshots), atoms),
-      inventory(reader, monitor.model(), directory, history, scale),
+      inputObstacle(ferrowyn::inputObstacle(events.get())),
+      monitor(mainLoop, events, atoms, directory),
+      snapshots(mainLoop, monitor),
+      inventory(snapshots, monitor.model(), directory, scale),
       observers(monitor.model()),
       control(monitor, atoms, inputContext, log),
       workspace(monitor,
@@ -166,14 +155,12 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
                      return sessionLock.observe([handler = std::move(handler)](bool) { handler(); });
                  }},
             inputObstacle, log),
-      panelEvents(std::move(connections.panel)),
-      screens(panelEvents),
-      compositor(panelEvents),
-      pointer(panelEvents, screens, inputContext),
-      panel(panelEvents, screens, compositor, pointer),
+      screens(events),
+      compositor(events),
+      pointer(events, screens, inputContext),
+      panel(events, screens, compositor, pointer),
       appearance(mainLoop),
-      xsettings(panelEvents,
-                [this](std::optional<std::string> theme) { appearance.setXsettingsTheme(std::move(theme)); }),
+      xsettings(events, [this](std::optional<std::string> theme) { appearance.setXsettingsTheme(std::move(theme)); }),
       platform{mainLoop,  backgroundWork, log,     userDefaults, application,  workspace,
                inventory, observers,      control, trust,        keyboardTaps, screens,
                pointer,   panel,          icons,   httpClient,   loginItem,    linuxTexts()} {
@@ -197,16 +184,19 @@ X11Platform::Parts::Parts(Connections connections, const X11PlatformOptions& opt
             });
         });
     });
-    reader.keepLastingFacts();
-    windowReadings = monitor.windowReadings().subscribe([this](const auto& windows) { reader.forget(windows); });
+}
+
+/// A worker may be waiting for a snapshot, and the workers are joined when their pool is destroyed.
+X11Platform::Parts::~Parts() {
+    snapshots.close();
 }
 
 std::unique_ptr<X11Platform> X11Platform::create(const X11PlatformOptions& options) {
-    auto connections = openConnections(options.display);
-    if (!connections) {
+    auto connection = X11Connection::open(options.display.empty() ? nullptr : options.display.c_str());
+    if (!connection) {
         return nullptr;
     }
-    return std::unique_ptr<X11Platform>(new X11Platform(std::make_unique<Parts>(std::move(*connections), options)));
+    return std::unique_ptr<X11Platform>(new X11Platform(std::make_unique<Parts>(std::move(connection), options)));
 }
 
 X11Platform::X11Platform(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
@@ -221,12 +211,8 @@ void X11Platform::setSettingsPageHandler(std::function<bool(SettingsPage)> handl
 }
 
 std::unique_ptr<LinuxTrayIcon> X11Platform::makeTrayIcon(const TraySymbolPainter& painter) {
-    const auto makeEmbedded = [this, painter]() -> std::unique_ptr<TrayIcon> {
-        auto connection = X11Connection::open(parts_->display.empty() ? nullptr : parts_->display.c_str());
-        if (connection == nullptr) {
-            return nullptr;
-        }
-        return std::make_unique<X11TrayIcon>(std::move(connection), parts_->mainLoop, painter);
+    const auto makeEmbedded = [this, painter] {
+        return std::make_unique<X11TrayIcon>(parts_->events, parts_->mainLoop, painter);
     };
     return std::make_unique<LinuxTrayIcon>(parts_->mainLoop, parts_->backgroundWork,
                                            SessionLock::Buses::fromEnvironment().session, painter, makeEmbedded);

@@ -17,7 +17,7 @@ bool isWheel(std::uint32_t button) {
 
 }  // namespace
 
-X11Pointer::X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11InputContext& context)
+X11Pointer::X11Pointer(X11EventConnection& events, const X11Screens& screens, X11InputContext& context)
     : events_(events), screens_(screens), context_(context) {
     const auto* const extension = xcb_get_extension_data(events_.get(), &xcb_input_id);
     if (extension != nullptr && extension->present != 0) {

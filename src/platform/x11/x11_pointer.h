@@ -16,7 +16,7 @@ namespace ferrowyn {
 class X11Pointer final : public Pointer {
 public:
     /// All three outlive this.
-    X11Pointer(X11PanelEvents& events, const X11Screens& screens, X11InputContext& context);
+    X11Pointer(X11EventConnection& events, const X11Screens& screens, X11InputContext& context);
 
     [[nodiscard]] Point location() const override;
     void refresh() override;
@@ -36,7 +36,7 @@ private:
     void selectPresses();
     void handle(const xcb_generic_event_t& event);
 
-    X11PanelEvents& events_;
+    X11EventConnection& events_;
     const X11Screens& screens_;
     X11InputContext& context_;
     std::uint8_t inputExtension_ = 0;

@@ -92,7 +92,7 @@ std::optional<X11Strut> strutOf(const X11Property& partial, const X11Property& w
 
 }  // namespace
 
-X11Screens::X11Screens(X11PanelEvents& events) : events_(events) {
+X11Screens::X11Screens(X11EventConnection& events) : events_(events) {
     atoms_ = events_.connection().internAtoms({"_NET_WORKAREA", "_NET_CURRENT_DESKTOP", "_NET_CLIENT_LIST",
                                                "_NET_ACTIVE_WINDOW", "_NET_WM_STRUT_PARTIAL", "_NET_WM_STRUT"});
     startListening();
@@ -149,14 +149,10 @@ Subscription X11Screens::observe(std::function<void()> handler) const {
 void X11Screens::startListening() {
     const auto* const extension = xcb_get_extension_data(events_.get(), &xcb_randr_id);
     if (extension != nullptr && extension->present != 0) {
-        randrFirstEvent_ = extension->first_event;
         const XcbReply<xcb_randr_query_version_reply_t> version(
             xcb_randr_query_version_reply(events_.get(), xcb_randr_query_version(events_.get(), 1, 5), nullptr));
         // Older versions have no monitors; then the root window counts as one.
         hasRandr_ = version && (version->major_version > 1 || version->minor_version >= 5);
-        xcb_randr_select_input(events_.get(), events_.root(),
-                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     }
     const auto* const xinerama = xcb_get_extension_data(events_.get(), &xcb_xinerama_id);
     if (xinerama != nullptr && xinerama->present != 0) {
@@ -168,9 +164,12 @@ void X11Screens::startListening() {
 }
 
 void X11Screens::handle(const xcb_generic_event_t& event) {
-    const auto type = static_cast<std::uint8_t>(event.response_type & 0x7FU);
+    const auto type = typeOf(event);
     if (type == XCB_PROPERTY_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (change.window != events_.root()) {
+            return;
+        }
         if (change.atom == atoms_[activeWindow]) {
             readFocus();
         } else if (change.atom == atoms_[workArea]) {
@@ -184,8 +183,7 @@ void X11Screens::handle(const xcb_generic_event_t& event) {
         if (change.window == events_.root()) {
             readAgain();
         }
-    } else if (randrFirstEvent_ != 0 && (type == randrFirstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                                         type == randrFirstEvent_ + XCB_RANDR_NOTIFY)) {
+    } else if (events_.isScreenChange(event)) {
         readAgain();
     }
 }

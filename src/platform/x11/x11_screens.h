@@ -75,7 +75,7 @@ struct X11Strut {
 class X11Screens final : public Screens {
 public:
     /// `events` outlives this.
-    explicit X11Screens(X11PanelEvents& events);
+    explicit X11Screens(X11EventConnection& events);
 
     [[nodiscard]] std::vector<Screen> all() const override;
     [[nodiscard]] std::optional<Screen> main() const override;
@@ -120,12 +120,11 @@ private:
     [[nodiscard]] xcb_get_property_cookie_t requestProperty(xcb_window_t window, Atom name, std::uint32_t length) const;
     [[nodiscard]] Screen screenOf(const Monitor& monitor) const;
 
-    X11PanelEvents& events_;
+    X11EventConnection& events_;
     std::vector<xcb_atom_t> atoms_;
     bool hasRandr_ = false;
     /// Some servers join several screens with Xinerama only; RandR then reports one.
     bool hasXinerama_ = false;
-    std::uint8_t randrFirstEvent_ = 0;
 
     int rootWidth_ = 0;
     int rootHeight_ = 0;

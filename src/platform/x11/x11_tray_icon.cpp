@@ -177,23 +177,16 @@ constexpr int largestSide = 64;
 /// The tray has four colours (text, error, warning, success) of three channels each.
 constexpr std::size_t colorChannels = 12;
 
-void selectEvents(xcb_connection_t* connection, xcb_window_t window, std::uint32_t mask) {
-    xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &mask);
-}
-
 }  // namespace
 
-X11TrayIcon::X11TrayIcon(std::unique_ptr<X11Connection> connection, MainLoop& mainLoop, TraySymbolPainter painter)
-    : mainLoop_(mainLoop),
-      painter_(std::move(painter)),
-      events_(
-          std::move(connection), [this](const xcb_generic_event_t& event) { handle(event); },
-          [this] { isMapped_ = false; }) {
+X11TrayIcon::X11TrayIcon(X11EventConnection& events, MainLoop& mainLoop, TraySymbolPainter painter)
+    : mainLoop_(mainLoop), painter_(std::move(painter)), events_(events) {
     const std::string selection = "_NET_SYSTEM_TRAY_S" + std::to_string(events_.connection().screenNumber());
     const auto atoms = events_.connection().internAtoms(
         {selection, "MANAGER", "_NET_SYSTEM_TRAY_OPCODE", "_NET_SYSTEM_TRAY_VISUAL", "_NET_SYSTEM_TRAY_COLORS"});
     atoms_ = {atoms[0], atoms[1], atoms[2], atoms[3], atoms[4]};
-    selectEvents(events_.get(), events_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    // The client messages of new trays are sent to those who follow the root's structure, as this connection does.
+    eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { handle(event); });
     lookForTray();
 }
 
@@ -218,13 +211,14 @@ void X11TrayIcon::setToolTip(const std::string& title) {
 
 void X11TrayIcon::lookForTray() {
     const auto cookie = xcb_get_selection_owner(events_.get(), atoms_.selection);
-    events_.whenAnswered(life_.guard([this, cookie] {
+    // The replies are collected in any case, because xcb keeps uncollected replies in memory.
+    events_.whenAnswered([this, life = life_.watch(), &events = events_, cookie] {
         const XcbReply<xcb_get_selection_owner_reply_t> reply(
-            xcb_get_selection_owner_reply(events_.get(), cookie, nullptr));
-        if (reply && reply->owner != XCB_WINDOW_NONE) {
+            xcb_get_selection_owner_reply(events.get(), cookie, nullptr));
+        if (life.isAlive() && reply && reply->owner != XCB_WINDOW_NONE) {
             readTray(reply->owner);
         }
-    }));
+    });
 }
 
 void X11TrayIcon::readTray(xcb_window_t tray) {
@@ -234,17 +228,17 @@ void X11TrayIcon::readTray(xcb_window_t tray) {
     undock();
     tray_ = tray;
     // Selected before the properties are read, so that the end of the tray is not missed.
-    selectEvents(events_.get(), tray_, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    events_.watch(tray_);
     const auto visual = xcb_get_property(events_.get(), 0, tray_, atoms_.visual, XCB_ATOM_VISUALID, 0, 1);
     const auto colors = xcb_get_property(events_.get(), 0, tray_, atoms_.colors, XCB_ATOM_CARDINAL, 0, colorChannels);
-    events_.whenAnswered(life_.guard([this, tray, visual, colors] {
-        const auto offered = X11Property::collect(events_.get(), visual);
-        const auto named = X11Property::collect(events_.get(), colors);
-        if (tray == tray_) {
+    events_.whenAnswered([this, life = life_.watch(), &events = events_, tray, visual, colors] {
+        const auto offered = X11Property::collect(events.get(), visual);
+        const auto named = X11Property::collect(events.get(), colors);
+        if (life.isAlive() && tray == tray_) {
             setColors(named);
             dock(offered.item(XCB_ATOM_VISUALID));
         }
-    }));
+    });
 }
 
 void X11TrayIcon::dock(std::optional<xcb_visualid_t> visual) {
@@ -282,7 +276,7 @@ void X11TrayIcon::setColors(const X11Property& colors) {
 }
 
 void X11TrayIcon::handle(const xcb_generic_event_t& event) {
-    const auto type = event.response_type & 0x7FU;
+    const auto type = typeOf(event);
     if (type == XCB_CLIENT_MESSAGE) {
         const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
         // A new tray announces itself with this message. Its window is asked from the server, because any client can
@@ -295,10 +289,13 @@ void X11TrayIcon::handle(const xcb_generic_event_t& event) {
         if (change.window == tray_ && change.atom == atoms_.colors) {
             const auto cookie =
                 xcb_get_property(events_.get(), 0, tray_, atoms_.colors, XCB_ATOM_CARDINAL, 0, colorChannels);
-            events_.whenAnswered(life_.guard([this, cookie] {
-                setColors(X11Property::collect(events_.get(), cookie));
-                redraw();
-            }));
+            events_.whenAnswered([this, life = life_.watch(), &events = events_, cookie] {
+                const auto named = X11Property::collect(events.get(), cookie);
+                if (life.isAlive()) {
+                    setColors(named);
+                    redraw();
+                }
+            });
         }
     } else if (type == XCB_DESTROY_NOTIFY &&
                reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window == tray_) {
@@ -310,7 +307,7 @@ void X11TrayIcon::handle(const xcb_generic_event_t& event) {
 }
 
 void X11TrayIcon::handleWindow(const xcb_generic_event_t& event) {
-    switch (event.response_type & 0x7FU) {
+    switch (typeOf(event)) {
         case XCB_EXPOSE:
             redraw();
             break;
@@ -324,8 +321,10 @@ void X11TrayIcon::handleWindow(const xcb_generic_event_t& event) {
             break;
         }
         case XCB_MAP_NOTIFY:
-            isMapped_ = isMapped_ || reinterpret_cast<const xcb_map_notify_event_t&>(event).window == window_->id();
-            redraw();
+            if (reinterpret_cast<const xcb_map_notify_event_t&>(event).window == window_->id()) {
+                isMapped_ = true;
+                redraw();
+            }
             break;
         case XCB_UNMAP_NOTIFY:
             isMapped_ = isMapped_ && reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window != window_->id();

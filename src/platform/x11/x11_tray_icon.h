@@ -55,12 +55,11 @@ private:
 };
 
 /// The icon in a tray that embeds windows (XEmbed). The tray is the owner of the tray selection; when the owner
-/// changes, the icon moves to the new tray. Main thread; has a separate connection, so that its event masks do not
-/// replace those of other parts of the adapter.
+/// changes, the icon moves to the new tray. Main thread.
 class X11TrayIcon final : public TrayIcon {
 public:
-    /// `connection` is not null; `mainLoop` outlives this.
-    X11TrayIcon(std::unique_ptr<X11Connection> connection, MainLoop& mainLoop, TraySymbolPainter painter);
+    /// Both references outlive this.
+    X11TrayIcon(X11EventConnection& events, MainLoop& mainLoop, TraySymbolPainter painter);
     ~X11TrayIcon() override;
     X11TrayIcon(const X11TrayIcon&) = delete;
     X11TrayIcon& operator=(const X11TrayIcon&) = delete;
@@ -92,7 +91,7 @@ private:
 
     MainLoop& mainLoop_;
     TraySymbolPainter painter_;
-    X11EventConnection events_;
+    X11EventConnection& events_;
     Atoms atoms_;
     xcb_window_t tray_ = XCB_WINDOW_NONE;
     std::unique_ptr<X11TrayWindow> window_;
@@ -103,6 +102,7 @@ private:
     std::string toolTip_;
     std::function<void(const Rect&)> onPress_;
     Subscription toolTipTimer_;
+    Subscription eventSubscription_;
     /// Replies may arrive after this object is destroyed.
     LifeToken life_;
 };

@@ -1,81 +1,39 @@
 #include "platform/x11/x11_window_inventory.h"
 
+#include <cassert>
 #include <utility>
 
 namespace ferrowyn {
 
-X11DesktopReader::X11DesktopReader(std::unique_ptr<X11Connection> connection, const X11Atoms& atoms)
-    : connection_(std::move(connection)), atoms_(atoms), owners_(*connection_) {}
+X11DesktopSnapshot X11DesktopSnapshots::take() {
+    assert(!mainLoop_.isMainThread());
+    const auto request = std::make_shared<Request>();
+    mainLoop_.post(life_.guard([this, request] {
+        monitor_.takeSnapshot(life_.guard([this, request](X11DesktopSnapshot snapshot) {
+            const std::scoped_lock lock(mutex_);
+            request->answer = std::move(snapshot);
+            answered_.notify_all();
+        }));
+    }));
+    std::unique_lock lock(mutex_);
+    answered_.wait(lock, [&] { return isClosed_ || request->answer; });
+    return isClosed_ ? X11DesktopSnapshot{} : std::move(*request->answer);
+}
 
-X11DesktopSnapshot X11DesktopReader::read() {
+void X11DesktopSnapshots::close() {
     const std::scoped_lock lock(mutex_);
-    auto* const connection = connection_->get();
-    dropForgotten();
-    X11DesktopSnapshot snapshot;
-    snapshot.root = X11RootRequests(connection, connection_->root(), atoms_).collect(connection, atoms_);
-    ++snapshot.roundTrips;
-    settleList(snapshot);
-    if (snapshot.root.stacking) {
-        latestStacking_.assign(snapshot.root.stacking->rbegin(), snapshot.root.stacking->rend());
-    }
-    auto answer = X11WindowBatch(connection, snapshot.root, atoms_, owners_, latestStacking_,
-                                 X11WindowBatch::Fallbacks::whenNeeded, known_)
-                      .collect();
-    snapshot.windows = std::move(answer.windows);
-    snapshot.roundTrips += answer.roundTrips;
-    snapshot.isValid = connection_->isAlive();
-    keep(snapshot.windows);
-    return snapshot;
-}
-
-void X11DesktopReader::settleList(X11DesktopSnapshot& snapshot) {
-    auto& root = snapshot.root;
-    auto manager = root.supportingWmCheck;
-    if (!root.stacking) {
-        // Only a missing list makes it necessary to know whether the manager still runs; it costs a round trip.
-        auto* const connection = connection_->get();
-        manager = managerCheck_.collect(connection, managerCheck_.request(connection, root, atoms_));
-        ++snapshot.roundTrips;
-    }
-    publisher_.settle(root, manager);
-}
-
-void X11DesktopReader::keepLastingFacts() {
-    const std::scoped_lock lock(mutex_);
-    keepsLastingFacts_ = true;
-}
-
-void X11DesktopReader::forget(const std::vector<xcb_window_t>& windows) {
-    const std::scoped_lock lock(forgottenMutex_);
-    forgotten_.insert(forgotten_.end(), windows.begin(), windows.end());
-}
-
-void X11DesktopReader::dropForgotten() {
-    const std::scoped_lock lock(forgottenMutex_);
-    for (const auto window : forgotten_) {
-        known_.erase(window);
-    }
-    forgotten_.clear();
-}
-
-void X11DesktopReader::keep(const std::vector<X11WindowFacts>& windows) {
-    known_.clear();
-    if (keepsLastingFacts_) {
-        for (const auto& window : windows) {
-            known_.emplace(window.id, window);
-        }
-    }
+    isClosed_ = true;
+    answered_.notify_all();
 }
 
 X11InventoryReading::X11InventoryReading(X11DesktopSnapshot snapshot, double scale,
-                                         const X11ApplicationDirectory& directory, const X11FocusHistory& history)
-    : snapshot_(std::move(snapshot)), scale_(scale), history_(history) {
+                                         const X11ApplicationDirectory& directory)
+    : snapshot_(std::move(snapshot)), scale_(scale) {
     for (const auto& window : snapshot_.windows) {
         windowsById_.emplace(window.id, &window);
     }
     std::vector<Pid> order;
-    for (auto& window : snapshot_.windows) {
-        window.pid = directory.numberFor(window, [this](xcb_window_t other) { return find(other); });
+    for (const auto& window : snapshot_.windows) {
         auto& windows = windowsByPid_[window.pid];
         if (windows.empty()) {
             order.push_back(window.pid);
@@ -96,7 +54,7 @@ void X11InventoryReading::findBlockedWindows() {
             continue;
         }
         // A dialog for the root window, or for none, blocks all windows of its group.
-        const bool isForGroup = window.transientFor == XCB_WINDOW_NONE || window.transientFor == snapshot_.root.root;
+        const bool isForGroup = window.transientFor == XCB_WINDOW_NONE || window.transientFor == snapshot_.root;
         if (!isForGroup) {
             dialogs_.emplace(window.transientFor, &window);
         } else if (window.group != XCB_WINDOW_NONE) {
@@ -158,7 +116,7 @@ std::optional<std::vector<WindowServerEntry>> X11InventoryReading::windowList() 
         }
         entries.push_back({.id = window.id,
                            .ownerName = applications.at(window.pid)->localizedName,
-                           .isOnScreen = isOnScreen(window, snapshot_.root.currentDesktop),
+                           .isOnScreen = isOnScreen(window, snapshot_.currentDesktop),
                            .bounds = frameInPoints(window),
                            .alpha = window.opacity,
                            .layer = layerOf(window),
@@ -173,7 +131,7 @@ std::unordered_set<WindowId> X11InventoryReading::onScreenWindowIds() const {
         return ids;
     }
     for (const auto& window : snapshot_.windows) {
-        if (!window.isDesktopElement() && isOnScreen(window, snapshot_.root.currentDesktop)) {
+        if (!window.isDesktopElement() && isOnScreen(window, snapshot_.currentDesktop)) {
             ids.insert(window.id);
         }
     }
@@ -190,13 +148,14 @@ std::optional<AccessibleApplication> X11InventoryReading::windowsOf(Pid pid, Sec
         return std::nullopt;
     }
     AccessibleApplication application;
-    // The reading is newer than the history, so its active window wins.
-    auto focused = history_.lastActiveOf(pid);
+    // While an activation is under way, the active window is newer than what has been announced, so it wins.
+    const auto lastActive = snapshot_.lastActive.find(pid);
+    auto focused = lastActive == snapshot_.lastActive.end() ? std::nullopt : std::optional(lastActive->second);
     for (const auto* const window : found->second) {
         if (window->isDesktopElement()) {
             continue;
         }
-        if (window->id == snapshot_.root.activeWindow) {
+        if (window->id == snapshot_.activeWindow) {
             focused = window->id;
         }
         const auto frame = frameInPoints(*window);
@@ -217,7 +176,7 @@ std::optional<AccessibleApplication> X11InventoryReading::windowsOf(Pid pid, Sec
 }
 
 std::unique_ptr<InventoryReading> X11WindowInventory::beginReading() const {
-    return std::make_unique<X11InventoryReading>(reader_.read(), scale_.load(), directory_, history_);
+    return std::make_unique<X11InventoryReading>(snapshots_.take(), scale_.load(), directory_);
 }
 
 std::optional<std::vector<std::optional<WindowId>>> X11WindowInventory::windowOrder() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -8,72 +9,49 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/posted_work.h"
+#include "platform/main_loop.h"
 #include "platform/window_inventory.h"
 #include "platform/x11/x11_applications.h"
-#include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_desktop_model.h"
-#include "platform/x11/x11_owners.h"
-#include "platform/x11/x11_root_properties.h"
+#include "platform/x11/x11_desktop_monitor.h"
 #include "platform/x11/x11_window_properties.h"
 
 namespace ferrowyn {
 
-/// The whole desktop at one moment.
-struct X11DesktopSnapshot {
-    /// False when the connection was lost.
-    bool isValid = false;
-    X11RootFacts root;
-    /// Front-most first, desktop elements included.
-    std::vector<X11WindowFacts> windows;
-    /// How many round trips the reading took.
-    int roundTrips = 0;
-};
-
-/// Reads the whole desktop in at most three round trips, however many windows there are: the root's properties, then
-/// all windows, then the old forms of title and process for the few windows that have only those. Any thread; a second
-/// caller waits for the first. Owned by `X11Platform`.
-class X11DesktopReader {
+/// Gets copies of the model for other threads. Owned by `X11Platform`.
+class X11DesktopSnapshots {
 public:
-    /// Nothing else uses the connection. The atoms outlive this.
-    X11DesktopReader(std::unique_ptr<X11Connection> connection, const X11Atoms& atoms);
+    /// Both outlive this.
+    X11DesktopSnapshots(MainLoop& mainLoop, X11DesktopMonitor& monitor) : mainLoop_(mainLoop), monitor_(monitor) {}
 
-    [[nodiscard]] X11DesktopSnapshot read();
+    /// The desktop as it is now. Any thread but the main one: waits for the main loop, which asks the server.
+    [[nodiscard]] X11DesktopSnapshot take();
 
-    /// From now on keeps the facts that rarely change (owner, kind, application) from one reading to the next, which
-    /// halves the requests. The caller must then call `forget` for windows whose facts may have changed.
-    void keepLastingFacts();
-    /// Reads everything about these windows again next time. Does not wait for a reading that is under way.
-    void forget(const std::vector<xcb_window_t>& windows);
+    /// Ends every wait of `take`, now and later, with an invalid snapshot: the connection is lost, or the main loop has
+    /// ended. Main thread. Call it before the threads that may wait are joined.
+    void close();
 
 private:
-    void settleList(X11DesktopSnapshot& snapshot);
-    void dropForgotten();
-    void keep(const std::vector<X11WindowFacts>& windows);
+    /// What one caller waits for. Shared by that caller and the main loop's task, which may come too late.
+    struct Request {
+        std::optional<X11DesktopSnapshot> answer;
+    };
 
+    MainLoop& mainLoop_;
+    X11DesktopMonitor& monitor_;
+    /// Guards `isClosed_` and the answers.
     std::mutex mutex_;
-    std::unique_ptr<X11Connection> connection_;
-    const X11Atoms& atoms_;
-    X11Owners owners_;
-    X11ManagerCheck managerCheck_;
-    X11ListPublisher publisher_;
-    /// The latest list, front-most first. It is used while a manager is being replaced and there is no list for a
-    /// moment.
-    std::vector<xcb_window_t> latestStacking_;
-    bool keepsLastingFacts_ = false;
-    X11WindowBatch::KnownWindows known_;
-
-    /// Guards `forgotten_`. A window added during a reading stays in it for the next reading, because the current one
-    /// may have read the old values.
-    std::mutex forgottenMutex_;
-    std::vector<xcb_window_t> forgotten_;
+    std::condition_variable answered_;
+    bool isClosed_ = false;
+    LifeToken life_;
 };
 
 /// Answers the questions of one inventory snapshot from one reading of the desktop. Any thread; sends no requests.
 class X11InventoryReading final : public InventoryReading {
 public:
-    /// `scale` is in device pixels per point. The directory and the history outlive this.
-    X11InventoryReading(X11DesktopSnapshot snapshot, double scale, const X11ApplicationDirectory& directory,
-                        const X11FocusHistory& history);
+    /// `scale` is in device pixels per point. The directory outlives this.
+    X11InventoryReading(X11DesktopSnapshot snapshot, double scale, const X11ApplicationDirectory& directory);
 
     [[nodiscard]] std::optional<std::vector<WindowServerEntry>> windowList() const override;
     [[nodiscard]] std::unordered_set<WindowId> onScreenWindowIds() const override;
@@ -94,7 +72,6 @@ private:
 
     X11DesktopSnapshot snapshot_;
     double scale_;
-    const X11FocusHistory& history_;
     std::vector<RunningApplication> applications_;
     std::unordered_map<Pid, std::vector<const X11WindowFacts*>> windowsByPid_;
     std::unordered_map<xcb_window_t, const X11WindowFacts*> windowsById_;
@@ -102,24 +79,23 @@ private:
     std::unordered_map<xcb_window_t, const X11WindowFacts*> dialogs_;
 };
 
-/// Lists the windows. Workers call `beginReading`, which uses the reader's connection; the main thread calls the rest,
+/// Lists the windows. Workers call `beginReading`, which waits for a copy of the model; the main thread calls the rest,
 /// which the model answers without a round trip.
 class X11WindowInventory final : public WindowInventory {
 public:
     /// `scale` is in device pixels per point. All references outlive this.
-    X11WindowInventory(X11DesktopReader& reader, const X11DesktopModel& model, const X11ApplicationDirectory& directory,
-                       const X11FocusHistory& history, const std::atomic<double>& scale)
-        : reader_(reader), model_(model), directory_(directory), history_(history), scale_(scale) {}
+    X11WindowInventory(X11DesktopSnapshots& snapshots, const X11DesktopModel& model,
+                       const X11ApplicationDirectory& directory, const std::atomic<double>& scale)
+        : snapshots_(snapshots), model_(model), directory_(directory), scale_(scale) {}
 
     [[nodiscard]] std::unique_ptr<InventoryReading> beginReading() const override;
     [[nodiscard]] std::optional<std::vector<std::optional<WindowId>>> windowOrder() const override;
     [[nodiscard]] std::optional<WindowId> focusedWindowNumber(Pid pid, Seconds messagingTimeout) const override;
 
 private:
-    X11DesktopReader& reader_;
+    X11DesktopSnapshots& snapshots_;
     const X11DesktopModel& model_;
     const X11ApplicationDirectory& directory_;
-    const X11FocusHistory& history_;
     const std::atomic<double>& scale_;
 };
 

@@ -141,6 +141,26 @@ void readState(const X11Property& property, const X11Atoms& atoms, X11WindowFact
     facts.isAlwaysOnTop = has(atoms.stateAbove);
 }
 
+/// `_NET_WM_NAME`, otherwise WM_NAME.
+std::string titleFrom(const X11Property& name, const X11Property& legacyName, const X11Atoms& atoms) {
+    if (auto title = text(name, atoms)) {
+        return std::move(*title);
+    }
+    return text(legacyName, atoms).value_or(std::string());
+}
+
+bool isMapped(const xcb_get_window_attributes_reply_t& attributes) {
+    return attributes.map_state != XCB_MAP_STATE_UNMAPPED;
+}
+
+Size sizeOf(const xcb_get_geometry_reply_t& geometry) {
+    return {static_cast<double>(geometry.width), static_cast<double>(geometry.height)};
+}
+
+Point positionOf(const xcb_translate_coordinates_reply_t& corner) {
+    return {static_cast<double>(corner.dst_x), static_cast<double>(corner.dst_y)};
+}
+
 /// In WM_HINTS the flags come first and the window group last.
 xcb_window_t readGroup(const X11Property& hints) {
     constexpr std::uint32_t windowGroupHint = 1U << 6U;
@@ -152,7 +172,7 @@ xcb_window_t readGroup(const X11Property& hints) {
 }  // namespace
 
 X11WindowRequests::X11WindowRequests(xcb_connection_t* connection, xcb_window_t window, const X11RootFacts& root,
-                                     const X11Atoms& atoms, const X11WindowFacts* known)
+                                     const X11Atoms& atoms)
     : window_(window),
       attributes_(xcb_get_window_attributes(connection, window)),
       geometry_(xcb_get_geometry(connection, window)),
@@ -160,46 +180,61 @@ X11WindowRequests::X11WindowRequests(xcb_connection_t* connection, xcb_window_t 
       state_(request(connection, window, atoms.netWmState, maximumAtomCount)),
       desktop_(request(connection, window, atoms.netWmDesktop, 1)),
       name_(request(connection, window, atoms.netWmName, maximumTitleLength)),
-      known_(known) {
-    if (known_ == nullptr) {
-        lasting_ = Lasting{.type = request(connection, window, atoms.netWmWindowType, maximumAtomCount),
-                           .transientFor = request(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, 1),
-                           .hints = request(connection, window, XCB_ATOM_WM_HINTS, hintsLength),
-                           .opacity = request(connection, window, atoms.netWmWindowOpacity, 1),
-                           .wmClass = request(connection, window, XCB_ATOM_WM_CLASS, maximumNameLength),
-                           .gtkApplicationId = request(connection, window, atoms.gtkApplicationId, maximumNameLength),
-                           .kdeDesktopFile = request(connection, window, atoms.kdeDesktopFile, maximumNameLength)};
-    }
+      legacyName_(request(connection, window, XCB_ATOM_WM_NAME, maximumTitleLength)),
+      type_(request(connection, window, atoms.netWmWindowType, maximumAtomCount)),
+      transientFor_(request(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, 1)),
+      hints_(request(connection, window, XCB_ATOM_WM_HINTS, hintsLength)),
+      opacity_(request(connection, window, atoms.netWmWindowOpacity, 1)),
+      wmClass_(request(connection, window, XCB_ATOM_WM_CLASS, maximumNameLength)),
+      gtkApplicationId_(request(connection, window, atoms.gtkApplicationId, maximumNameLength)),
+      kdeDesktopFile_(request(connection, window, atoms.kdeDesktopFile, maximumNameLength)) {
     if (!root.supportsHiddenState) {
         wmState_ = request(connection, window, atoms.wmState, 2);
     }
 }
 
-std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connection_t* connection,
-                                                                    const X11Atoms& atoms) const {
+std::optional<X11WindowFacts> X11WindowRequests::collect(xcb_connection_t* connection, const X11Atoms& atoms) const {
     // All replies are collected, also those of a destroyed window, because xcb keeps uncollected replies in memory.
     const XcbReply<xcb_get_window_attributes_reply_t> attributes(
         xcb_get_window_attributes_reply(connection, attributes_, nullptr));
     const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(connection, geometry_, nullptr));
     const XcbReply<xcb_translate_coordinates_reply_t> position(
         xcb_translate_coordinates_reply(connection, position_, nullptr));
-    const auto state = X11Property::collect(connection, state_);
-    const auto desktop = X11Property::collect(connection, desktop_);
-    const auto name = X11Property::collect(connection, name_);
-    Answer answer;
-    auto& facts = answer.facts;
-    collectLasting(connection, atoms, facts);
-    const auto wmState = wmState_ ? X11Property::collect(connection, *wmState_) : X11Property();
+    const auto property = [&](xcb_get_property_cookie_t cookie) { return X11Property::collect(connection, cookie); };
+    const auto state = property(state_);
+    const auto desktop = property(desktop_);
+    const auto name = property(name_);
+    const auto legacyName = property(legacyName_);
+    const auto type = property(type_);
+    const auto transientFor = property(transientFor_);
+    const auto hints = property(hints_);
+    const auto opacity = property(opacity_);
+    const auto wmClass = property(wmClass_);
+    const auto gtkApplicationId = property(gtkApplicationId_);
+    const auto kdeDesktopFile = property(kdeDesktopFile_);
+    const auto wmState = wmState_ ? property(*wmState_) : X11Property();
     if (attributes == nullptr) {
         return std::nullopt;
     }
 
+    X11WindowFacts facts;
     facts.id = window_;
-    facts.isMapped = attributes->map_state != XCB_MAP_STATE_UNMAPPED;
+    facts.isMapped = isMapped(*attributes);
     if (geometry != nullptr && position != nullptr) {
-        facts.frame = Rect{static_cast<double>(position->dst_x), static_cast<double>(position->dst_y),
-                           static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
+        const auto corner = positionOf(*position);
+        const auto size = sizeOf(*geometry);
+        facts.frame = Rect{corner.x, corner.y, size.width, size.height};
     }
+    facts.transientFor = transientFor.item(XCB_ATOM_WINDOW).value_or(XCB_WINDOW_NONE);
+    facts.isTransient = facts.transientFor != XCB_WINDOW_NONE;
+    facts.kind = windowKind(type.items(XCB_ATOM_ATOM), facts.isTransient, atoms);
+    facts.group = readGroup(hints);
+    if (const auto value = opacity.item(XCB_ATOM_CARDINAL)) {
+        facts.opacity = static_cast<double>(*value) / std::numeric_limits<std::uint32_t>::max();
+    }
+    readWmClass(wmClass, facts.identity);
+    facts.identity.gtkApplicationId = text(gtkApplicationId, atoms).value_or(std::string());
+    facts.identity.kdeDesktopFile = text(kdeDesktopFile, atoms).value_or(std::string());
     readState(state, atoms, facts);
     if (facts.isTransient && facts.kind == X11WindowKind::dialog) {
         // xfwm4, metacity and mutter set "skip taskbar" on every dialog with a parent window, although users switch to
@@ -210,131 +245,83 @@ std::optional<X11WindowRequests::Answer> X11WindowRequests::collect(xcb_connecti
         facts.isHidden = true;
     }
     facts.desktop = desktop.item(XCB_ATOM_CARDINAL);
-    if (auto title = text(name, atoms)) {
-        facts.title = std::move(*title);
-    } else {
-        answer.lacksTitle = true;
-    }
-    return answer;
-}
-
-void X11WindowRequests::collectLasting(xcb_connection_t* connection, const X11Atoms& atoms,
-                                       X11WindowFacts& facts) const {
-    if (known_ != nullptr) {
-        facts.process = known_->process;
-        facts.kind = known_->kind;
-        facts.isTransient = known_->isTransient;
-        facts.transientFor = known_->transientFor;
-        facts.group = known_->group;
-        facts.opacity = known_->opacity;
-        facts.identity = known_->identity;
-        return;
-    }
-    const auto type = X11Property::collect(connection, lasting_->type);
-    const auto transientFor = X11Property::collect(connection, lasting_->transientFor);
-    facts.transientFor = transientFor.item(XCB_ATOM_WINDOW).value_or(XCB_WINDOW_NONE);
-    facts.isTransient = facts.transientFor != XCB_WINDOW_NONE;
-    facts.kind = windowKind(type.items(XCB_ATOM_ATOM), facts.isTransient, atoms);
-    facts.group = readGroup(X11Property::collect(connection, lasting_->hints));
-    if (const auto value = X11Property::collect(connection, lasting_->opacity).item(XCB_ATOM_CARDINAL)) {
-        facts.opacity = static_cast<double>(*value) / std::numeric_limits<std::uint32_t>::max();
-    }
-    readWmClass(X11Property::collect(connection, lasting_->wmClass), facts.identity);
-    const auto textOf = [&](xcb_get_property_cookie_t cookie) {
-        return text(X11Property::collect(connection, cookie), atoms).value_or(std::string());
-    };
-    facts.identity.gtkApplicationId = textOf(lasting_->gtkApplicationId);
-    facts.identity.kdeDesktopFile = textOf(lasting_->kdeDesktopFile);
-}
-
-xcb_get_property_cookie_t requestLegacyTitle(xcb_connection_t* connection, xcb_window_t window) {
-    return request(connection, window, XCB_ATOM_WM_NAME, maximumTitleLength);
-}
-
-std::string collectLegacyTitle(xcb_connection_t* connection, xcb_get_property_cookie_t cookie, const X11Atoms& atoms) {
-    return text(X11Property::collect(connection, cookie), atoms).value_or(std::string());
+    facts.title = titleFrom(name, legacyName, atoms);
+    return facts;
 }
 
 X11WindowBatch::X11WindowBatch(xcb_connection_t* connection, const X11RootFacts& root, const X11Atoms& atoms,
-                               const X11Owners& owners, const std::vector<xcb_window_t>& windows, Fallbacks fallbacks,
-                               const KnownWindows& known)
+                               const X11Owners& owners, const std::vector<xcb_window_t>& windows)
     : connection_(connection), atoms_(atoms), owners_(owners) {
     requests_.reserve(windows.size());
-    std::vector<xcb_window_t> newWindows;
+    claims_.reserve(windows.size());
     for (const auto window : windows) {
-        const auto found = known.find(window);
-        requests_.emplace_back(connection, window, root, atoms, found == known.end() ? nullptr : &found->second);
-        if (found == known.end()) {
-            newWindows.push_back(window);
-        }
-        if (fallbacks == Fallbacks::atOnceWithoutTitles) {
-            claims_.push_back(owners.requestClaim(window, atoms));
-        }
+        requests_.emplace_back(connection, window, root, atoms);
+        claims_.push_back(owners.requestClaim(window, atoms));
     }
-    ownerRequest_ = owners.request(newWindows);
+    ownerRequest_ = owners.request(windows);
 }
 
-X11WindowBatch::Answer X11WindowBatch::collect() {
-    Answer answer;
-    if (requests_.empty()) {
-        return answer;
-    }
-    ++answer.roundTrips;
-    struct Needs {
-        bool lacksTitle = false;
-        bool isKnown = false;
-        std::optional<Pid> claim;
-    };
-    std::vector<Needs> needs;
+std::vector<X11WindowFacts> X11WindowBatch::collect() {
+    std::vector<X11WindowFacts> windows;
+    std::vector<std::optional<Pid>> claims;
     for (std::size_t index = 0; index < requests_.size(); ++index) {
         auto window = requests_[index].collect(connection_, atoms_);
-        const auto claim = claims_.empty() ? std::nullopt : owners_.collectClaim(claims_[index]);
+        const auto claim = owners_.collectClaim(claims_[index]);
         if (window) {
-            answer.windows.push_back(std::move(window->facts));
-            needs.push_back({window->lacksTitle && claims_.empty(), requests_[index].isKnown(), claim});
+            windows.push_back(std::move(*window));
+            claims.push_back(claim);
         }
     }
     const auto processes = owners_.collect(ownerRequest_);
-
-    std::vector<Fallback> fallbacks;
-    for (std::size_t index = 0; index < answer.windows.size(); ++index) {
-        auto& window = answer.windows[index];
+    for (std::size_t index = 0; index < windows.size(); ++index) {
+        auto& window = windows[index];
         const auto process = processes.find(owners_.clientOf(window.id));
-        const auto& [lacksTitle, isKnown, claim] = needs[index];
-        if (!isKnown) {
-            window.process =
-                process != processes.end() ? process->second : claim.value_or(owners_.standInFor(window.id));
-        }
-        Fallback fallback;
-        fallback.index = index;
-        if (lacksTitle) {
-            fallback.title = requestLegacyTitle(connection_, window.id);
-        }
-        if (!isKnown && process == processes.end() && claims_.empty()) {
-            fallback.claim = owners_.requestClaim(window.id, atoms_);
-        }
-        if (fallback.title || fallback.claim) {
-            fallbacks.push_back(fallback);
-        }
+        window.process =
+            process != processes.end() ? process->second : claims[index].value_or(owners_.standInFor(window.id));
     }
-    if (!fallbacks.empty()) {
-        ++answer.roundTrips;
-        collectFallbacks(fallbacks, answer.windows);
-    }
-    return answer;
+    return windows;
 }
 
-void X11WindowBatch::collectFallbacks(const std::vector<Fallback>& fallbacks,
-                                      std::vector<X11WindowFacts>& windows) const {
-    for (const auto& fallback : fallbacks) {
-        auto& window = windows[fallback.index];
-        if (fallback.title) {
-            window.title = collectLegacyTitle(connection_, *fallback.title, atoms_);
-        }
-        if (fallback.claim) {
-            window.process = owners_.collectClaim(*fallback.claim).value_or(window.process);
-        }
+X11PassingRequests::X11PassingRequests(xcb_connection_t* connection, xcb_window_t window, xcb_window_t root,
+                                       const X11Atoms& atoms, std::uint8_t parts, bool asksPosition)
+    : window_(window) {
+    if ((parts & Part::title) != 0) {
+        name_ = request(connection, window, atoms.netWmName, maximumTitleLength);
+        legacyName_ = request(connection, window, XCB_ATOM_WM_NAME, maximumTitleLength);
     }
+    if ((parts & Part::mapping) != 0) {
+        attributes_ = xcb_get_window_attributes(connection, window);
+    }
+    if ((parts & Part::size) != 0) {
+        geometry_ = xcb_get_geometry(connection, window);
+    }
+    if (asksPosition) {
+        position_ = xcb_translate_coordinates(connection, window, root, 0, 0);
+    }
+}
+
+X11PassingFacts X11PassingRequests::collect(xcb_connection_t* connection, const X11Atoms& atoms) const {
+    X11PassingFacts facts;
+    if (name_) {
+        const auto name = X11Property::collect(connection, *name_);
+        const auto legacyName = X11Property::collect(connection, *legacyName_);
+        facts.title = titleFrom(name, legacyName, atoms);
+    }
+    if (attributes_) {
+        const XcbReply<xcb_get_window_attributes_reply_t> attributes(
+            xcb_get_window_attributes_reply(connection, *attributes_, nullptr));
+        facts.isMapped = attributes ? std::optional(isMapped(*attributes)) : std::nullopt;
+    }
+    if (geometry_) {
+        const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(connection, *geometry_, nullptr));
+        facts.size = geometry ? std::optional(sizeOf(*geometry)) : std::nullopt;
+    }
+    if (position_) {
+        const XcbReply<xcb_translate_coordinates_reply_t> position(
+            xcb_translate_coordinates_reply(connection, *position_, nullptr));
+        facts.position = position ? std::optional(positionOf(*position)) : std::nullopt;
+    }
+    return facts;
 }
 
 }  // namespace ferrowyn

@@ -6,7 +6,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "core/app_window.h"
@@ -103,33 +102,13 @@ inline constexpr int deepestDialogNesting = 16;
 /// The owners are requested separately, for all windows together (`X11Owners`).
 class X11WindowRequests {
 public:
-    /// `known` are the window's facts from an earlier reading, or null. Facts that rarely change are taken from it
-    /// instead of being requested. It lives until `collect` returns.
     X11WindowRequests(xcb_connection_t* connection, xcb_window_t window, const X11RootFacts& root,
-                      const X11Atoms& atoms, const X11WindowFacts* known);
+                      const X11Atoms& atoms);
 
-    struct Answer {
-        X11WindowFacts facts;
-        /// There is no `_NET_WM_NAME`, and the title is empty.
-        bool lacksTitle = false;
-    };
     /// nullopt when the window was destroyed.
-    [[nodiscard]] std::optional<Answer> collect(xcb_connection_t* connection, const X11Atoms& atoms) const;
-    [[nodiscard]] bool isKnown() const { return known_ != nullptr; }
+    [[nodiscard]] std::optional<X11WindowFacts> collect(xcb_connection_t* connection, const X11Atoms& atoms) const;
 
 private:
-    /// Properties that rarely change; most clients set them before the window is shown.
-    struct Lasting {
-        xcb_get_property_cookie_t type;
-        xcb_get_property_cookie_t transientFor;
-        xcb_get_property_cookie_t hints;
-        xcb_get_property_cookie_t opacity;
-        xcb_get_property_cookie_t wmClass;
-        xcb_get_property_cookie_t gtkApplicationId;
-        xcb_get_property_cookie_t kdeDesktopFile;
-    };
-    void collectLasting(xcb_connection_t* connection, const X11Atoms& atoms, X11WindowFacts& facts) const;
-
     xcb_window_t window_;
     xcb_get_window_attributes_cookie_t attributes_;
     xcb_get_geometry_cookie_t geometry_;
@@ -137,58 +116,68 @@ private:
     xcb_get_property_cookie_t state_;
     xcb_get_property_cookie_t desktop_;
     xcb_get_property_cookie_t name_;
-    const X11WindowFacts* known_;
-    std::optional<Lasting> lasting_;
+    xcb_get_property_cookie_t legacyName_;
+    xcb_get_property_cookie_t type_;
+    xcb_get_property_cookie_t transientFor_;
+    xcb_get_property_cookie_t hints_;
+    xcb_get_property_cookie_t opacity_;
+    xcb_get_property_cookie_t wmClass_;
+    xcb_get_property_cookie_t gtkApplicationId_;
+    xcb_get_property_cookie_t kdeDesktopFile_;
     /// Only when the manager does not support `_NET_WM_STATE_HIDDEN`.
     std::optional<xcb_get_property_cookie_t> wmState_;
 };
 
-/// Requests WM_NAME, the title of clients that do not set `_NET_WM_NAME`.
-[[nodiscard]] xcb_get_property_cookie_t requestLegacyTitle(xcb_connection_t* connection, xcb_window_t window);
-[[nodiscard]] std::string collectLegacyTitle(xcb_connection_t* connection, xcb_get_property_cookie_t cookie,
-                                             const X11Atoms& atoms);
-
-/// Reads the facts of many windows together. The constructor sends all requests; `collect` waits for the replies.
+/// Reads the facts of many windows together, in one round trip. The constructor sends all requests; `collect` waits for
+/// the replies.
 class X11WindowBatch {
 public:
-    /// When to request WM_NAME and `_NET_WM_PID`, which only few windows need.
-    enum class Fallbacks {
-        /// After the replies that show which windows need them: one more round trip, but far fewer requests.
-        whenNeeded,
-        /// Requests `_NET_WM_PID` of all windows with the rest and never WM_NAME, so `collect` waits only once.
-        atOnceWithoutTitles,
-    };
-
-    using KnownWindows = std::unordered_map<xcb_window_t, X11WindowFacts>;
-
-    /// `known` is as in `X11WindowRequests` and outlives this, as do the other references.
+    /// The references outlive this.
     X11WindowBatch(xcb_connection_t* connection, const X11RootFacts& root, const X11Atoms& atoms,
-                   const X11Owners& owners, const std::vector<xcb_window_t>& windows, Fallbacks fallbacks,
-                   const KnownWindows& known);
+                   const X11Owners& owners, const std::vector<xcb_window_t>& windows);
 
-    struct Answer {
-        /// In the order of the requested windows, without those that were destroyed.
-        std::vector<X11WindowFacts> windows;
-        int roundTrips = 0;
-    };
-    /// Call it once.
-    [[nodiscard]] Answer collect();
+    /// In the order of the requested windows, without those that were destroyed. Call it once.
+    [[nodiscard]] std::vector<X11WindowFacts> collect();
 
 private:
-    /// The further requests for one window, and its index in the answer.
-    struct Fallback {
-        std::size_t index = 0;
-        std::optional<xcb_get_property_cookie_t> title;
-        std::optional<X11Owners::Claim> claim;
-    };
-    void collectFallbacks(const std::vector<Fallback>& fallbacks, std::vector<X11WindowFacts>& windows) const;
-
     xcb_connection_t* connection_;
     const X11Atoms& atoms_;
     const X11Owners& owners_;
     std::vector<X11WindowRequests> requests_;
     std::optional<xcb_res_query_client_ids_cookie_t> ownerRequest_;
     std::vector<X11Owners::Claim> claims_;
+};
+
+/// Facts that may change many times a second and that nothing but a snapshot needs. An absent one has not been asked
+/// for, or the window was destroyed.
+struct X11PassingFacts {
+    std::optional<std::string> title;
+    std::optional<bool> isMapped;
+    std::optional<Size> size;
+    /// In root coordinates.
+    std::optional<Point> position;
+};
+
+/// The requests for some of one window's passing facts. The constructor sends them; `collect` waits for the replies.
+class X11PassingRequests {
+public:
+    /// The facts that an event has reported as changed. The position has no flag: a window that is moved with its frame
+    /// gets no event that can be trusted.
+    enum Part : std::uint8_t { title = 1, mapping = 2, size = 4 };
+
+    /// `parts` are flags of `Part`.
+    X11PassingRequests(xcb_connection_t* connection, xcb_window_t window, xcb_window_t root, const X11Atoms& atoms,
+                       std::uint8_t parts, bool asksPosition);
+    [[nodiscard]] xcb_window_t window() const { return window_; }
+    [[nodiscard]] X11PassingFacts collect(xcb_connection_t* connection, const X11Atoms& atoms) const;
+
+private:
+    xcb_window_t window_;
+    std::optional<xcb_get_property_cookie_t> name_;
+    std::optional<xcb_get_property_cookie_t> legacyName_;
+    std::optional<xcb_get_window_attributes_cookie_t> attributes_;
+    std::optional<xcb_get_geometry_cookie_t> geometry_;
+    std::optional<xcb_translate_coordinates_cookie_t> position_;
 };
 
 }  // namespace ferrowyn

@@ -94,7 +94,7 @@ std::optional<std::string> xsettingsText(std::span<const std::uint8_t> property,
     return std::nullopt;
 }
 
-X11Xsettings::X11Xsettings(X11PanelEvents& events, ThemeHandler onTheme)
+X11Xsettings::X11Xsettings(X11EventConnection& events, ThemeHandler onTheme)
     : events_(events), onTheme_(std::move(onTheme)) {
     const std::string selection = "_XSETTINGS_S" + std::to_string(events.connection().screenNumber());
     const auto atoms = events.connection().internAtoms({selection, "_XSETTINGS_SETTINGS"});
@@ -125,17 +125,13 @@ void X11Xsettings::findManager() {
         const XcbReply<xcb_get_selection_owner_reply_t> owner(
             xcb_get_selection_owner_reply(events_.get(), cookie, nullptr));
         manager_ = owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
-        // A client can make any window the owner. Selecting events on the root here would replace this connection's
-        // event mask on it.
-        if (manager_ == XCB_WINDOW_NONE || manager_ == events_.root()) {
-            manager_ = XCB_WINDOW_NONE;
+        if (manager_ == XCB_WINDOW_NONE) {
             onTheme_(std::nullopt);
             return;
         }
         // Selected before the settings are read, so that no change is missed. When the window is gone by now, the event
         // for the selection follows.
-        const std::uint32_t wanted = XCB_EVENT_MASK_PROPERTY_CHANGE;
-        xcb_change_window_attributes(events_.get(), manager_, XCB_CW_EVENT_MASK, &wanted);
+        events_.watch(manager_);
         readSettings();
     }));
 }

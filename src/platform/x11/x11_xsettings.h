@@ -21,7 +21,7 @@ public:
 
     /// `onTheme` is called with the name when it is known, and after each change of the settings; with nullopt when no
     /// manager runs or it names no theme. `events` outlives this.
-    X11Xsettings(X11PanelEvents& events, ThemeHandler onTheme);
+    X11Xsettings(X11EventConnection& events, ThemeHandler onTheme);
     X11Xsettings(const X11Xsettings&) = delete;
     X11Xsettings& operator=(const X11Xsettings&) = delete;
 
@@ -31,7 +31,7 @@ private:
     void findManager();
     void readSettings();
 
-    X11PanelEvents& events_;
+    X11EventConnection& events_;
     ThemeHandler onTheme_;
     xcb_atom_t selection_ = XCB_ATOM_NONE;
     xcb_atom_t settings_ = XCB_ATOM_NONE;

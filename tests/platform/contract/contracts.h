@@ -47,6 +47,8 @@ public:
     virtual ~DesktopDriver() = default;
 
     virtual WindowInventory& inventory() = 0;
+    /// A reading, as a worker makes one.
+    virtual std::unique_ptr<InventoryReading> read() { return inventory().beginReading(); }
     virtual WindowControl& control() = 0;
     virtual AccessibilityObservers& observers() = 0;
 

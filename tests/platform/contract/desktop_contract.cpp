@@ -23,7 +23,7 @@ constexpr Seconds timeout{1};
 
 std::vector<WindowId> WindowInventoryContract::listed() {
     std::vector<WindowId> ids;
-    const auto list = driver->inventory().beginReading()->windowList().value();
+    const auto list = driver->read()->windowList().value();
     for (const auto& each : list) {
         ids.push_back(each.id.value());
     }
@@ -31,13 +31,13 @@ std::vector<WindowId> WindowInventoryContract::listed() {
 }
 
 std::optional<WindowServerEntry> WindowInventoryContract::entry(WindowId window) {
-    const auto list = driver->inventory().beginReading()->windowList().value();
+    const auto list = driver->read()->windowList().value();
     const auto found = std::ranges::find(list, std::optional(window), &WindowServerEntry::id);
     return found == list.end() ? std::nullopt : std::optional(*found);
 }
 
 std::optional<AccessibleWindow> WindowInventoryContract::described(const std::string& title) {
-    const auto windows = driver->inventory().beginReading()->windowsOf(driver->application(), timeout);
+    const auto windows = driver->read()->windowsOf(driver->application(), timeout);
     if (!windows) {
         return std::nullopt;
     }
@@ -60,7 +60,7 @@ TEST_P(WindowInventoryContract, WhatIsAbsentHasItsDefault) {
     const auto plain = entry(window).value();
     // Without an owner a window belongs to no application.
     EXPECT_EQ(plain.ownerPid, driver->application());
-    const auto onScreen = driver->inventory().beginReading()->onScreenWindowIds();
+    const auto onScreen = driver->read()->onScreenWindowIds();
     EXPECT_TRUE(plain.isOnScreen.value_or(onScreen.contains(window)));
     EXPECT_EQ(plain.alpha.value_or(1), 1);
     EXPECT_EQ(plain.layer.value_or(0), 0);
@@ -101,11 +101,11 @@ TEST_P(WindowInventoryContract, AMinimizedWindowIsStillItsApplications) {
 TEST_P(WindowInventoryContract, AClosedWindowIsNowhere) {
     const auto kept = driver->open("Kept");
     const auto window = driver->open("Closed");
-    EXPECT_THAT(driver->inventory().beginReading()->onScreenWindowIds(), Contains(window));
+    EXPECT_THAT(driver->read()->onScreenWindowIds(), Contains(window));
     driver->close(window);
     EXPECT_THAT(listed(), ElementsAre(kept));
     EXPECT_THAT(driver->inventory().windowOrder().value(), ElementsAre(kept));
-    EXPECT_THAT(driver->inventory().beginReading()->onScreenWindowIds(), ElementsAre(kept));
+    EXPECT_THAT(driver->read()->onScreenWindowIds(), ElementsAre(kept));
     EXPECT_FALSE(described("Closed"));
     EXPECT_FALSE(driver->control().findWindow(driver->application(), window));
 }
@@ -114,7 +114,7 @@ TEST_P(WindowInventoryContract, TheFocusedWindowIsOneOfTheWindows) {
     const auto first = driver->open("First");
     driver->open("Second");
     driver->focus(first);
-    const auto reading = driver->inventory().beginReading();
+    const auto reading = driver->read();
     const auto windows = reading->windowsOf(driver->application(), timeout).value();
     ASSERT_TRUE(windows.focusedWindow);
     const auto focused = std::ranges::find(windows.windows, *windows.focusedWindow, &AccessibleWindow::element);
@@ -126,7 +126,7 @@ TEST_P(WindowInventoryContract, TheFocusedWindowIsOneOfTheWindows) {
 
 TEST_P(WindowInventoryContract, AProcessThatIsNotThereHasNoWindows) {
     const auto window = driver->open("Someone's");
-    EXPECT_FALSE(driver->inventory().beginReading()->windowsOf(nobody, timeout));
+    EXPECT_FALSE(driver->read()->windowsOf(nobody, timeout));
     EXPECT_FALSE(driver->inventory().focusedWindowNumber(nobody, timeout));
     EXPECT_FALSE(driver->control().findWindow(nobody, window)) << "which is another application's";
 }
@@ -157,8 +157,7 @@ TEST_P(WindowInventoryContract, AnElementOutlivesItsWindowAndAnswersNothing) {
 TEST_P(WindowInventoryContract, ElementsLeadToWindowNumbersWhereThereIsALookup) {
     const auto window = driver->open("Numbered");
     const auto described = this->described("Numbered").value();
-    const auto expected =
-        driver->inventory().beginReading()->hasWindowNumberLookup() ? std::optional(window) : std::nullopt;
+    const auto expected = driver->read()->hasWindowNumberLookup() ? std::optional(window) : std::nullopt;
     EXPECT_EQ(described.windowNumber, expected);
     const auto found = driver->control().findWindow(driver->application(), window);
     ASSERT_EQ(found.has_value(), expected.has_value());
@@ -169,7 +168,7 @@ TEST_P(WindowInventoryContract, AReadingIsAskedByManyThreadsAtOnce) {
     driver->open("First");
     driver->open("Second");
     const auto application = driver->application();
-    const auto reading = driver->inventory().beginReading();
+    const auto reading = driver->read();
     std::vector<std::future<std::size_t>> counts;
     for (int thread = 0; thread < 4; ++thread) {
         counts.push_back(std::async(std::launch::async, [&] {
@@ -193,7 +192,7 @@ TEST_P(WindowInventoryContract, ARaisedWindowIsShownAndHasTheKeyboard) {
     control.raiseAndFocus({.pid = application, .window = element, .isMinimized = true});
     EXPECT_TRUE(driver->runUntil([&] { return control.stateOf(application, element) == ActivationState::active; }));
     EXPECT_TRUE(driver->runUntil([&] { return described("Wanted").value().isMinimized == false; }));
-    const auto windows = driver->inventory().beginReading()->windowsOf(application, timeout).value();
+    const auto windows = driver->read()->windowsOf(application, timeout).value();
     EXPECT_TRUE(windows.focusedWindow == element);
 }
 

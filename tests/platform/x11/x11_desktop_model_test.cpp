@@ -45,8 +45,7 @@ protected:
     void becomesActive(xcb_window_t window) { model.apply(root(window), true, {}); }
 
     X11ApplicationDirectory directory{[](const auto&) { return std::nullopt; }};
-    X11FocusHistory history;
-    X11DesktopModel model{directory, history};
+    X11DesktopModel model{directory};
     std::vector<xcb_window_t> focused;
     std::vector<xcb_window_t> stolenFrom;
     Subscription notifications;
@@ -170,8 +169,7 @@ protected:
                    : std::nullopt;
     }};
     bool isInstalled = false;
-    X11FocusHistory history;
-    X11DesktopModel model{directory, history};
+    X11DesktopModel model{directory};
     std::vector<std::pair<Kind, std::string>> seen;
     Pid lastTold = 0;
     Subscription events;

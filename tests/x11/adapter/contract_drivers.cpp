@@ -38,6 +38,7 @@ using x11test::WindowManagerProcess;
 class X11DesktopDriver final : public DesktopDriver {
 public:
     WindowInventory& inventory() override { return parts_.inventory; }
+    std::unique_ptr<InventoryReading> read() override { return parts_.read(); }
     WindowControl& control() override { return parts_.control; }
     AccessibilityObservers& observers() override { return parts_.observers; }
 
@@ -211,8 +212,7 @@ private:
     WindowManagerProcess manager_{server_, "openbox"};
     /// For its main loop, which the screens' events come through.
     AdapterParts parts_{server_.display()};
-    X11PanelEvents events_{X11Connection::open(server_.display().c_str())};
-    X11Screens screens_{events_};
+    X11Screens screens_{parts_.events};
     std::unique_ptr<TestWindow> dock_;
 };
 

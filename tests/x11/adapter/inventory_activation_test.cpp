@@ -148,9 +148,6 @@ TEST_P(LastWindowTest, LeavesNoGhostAndItsNumberToTheNextOne) {
     const PrivateXServer server;
     const WindowManagerProcess manager(server, GetParam());
     AdapterParts parts(server.display());
-    parts.reader.keepLastingFacts();
-    const auto forgetting =
-        parts.monitor.windowReadings().subscribe([&](const auto& windows) { parts.reader.forget(windows); });
     std::optional<ApplicationProcess> first(std::in_place, server, "First", std::vector<std::string>{"Old"});
     const auto window = first->windows().front();
     ASSERT_TRUE(parts.runUntil([&] { return parts.listedWindow(window).has_value(); }));

@@ -410,9 +410,6 @@ TEST_F(InventoryEventsTest, ABlockedWindowIsMappedWhenTheFirstTryHasNotRestoredI
 }
 
 TEST_F(InventoryEventsTest, AWindowWithTheNumberOfAnotherOneIsReadAnew) {
-    parts.reader.keepLastingFacts();
-    const auto forgetting =
-        parts.monitor.windowReadings().subscribe([this](const auto& windows) { parts.reader.forget(windows); });
     std::optional<ApplicationProcess> first(std::in_place, server, "First", std::vector<std::string>{"Old"});
     const auto window = first->windows().front();
     manager.publishStacking({window});

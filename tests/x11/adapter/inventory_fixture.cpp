@@ -2,7 +2,9 @@
 
 #include <QEventLoop>
 #include <algorithm>
+#include <array>
 #include <stdexcept>
+#include <thread>
 
 #include "platform/x11/xcb_reply.h"
 
@@ -22,11 +24,15 @@ QCoreApplication& sharedApplication() {
 AdapterParts::AdapterParts(const std::string& display)
     : qtApplication(sharedApplication()),
       directory(nullptr),
-      eventConnection_(X11Connection::open(display.c_str())),
-      atoms(*eventConnection_),
-      monitor(mainLoop, std::move(eventConnection_), atoms, directory, history, [this] { isConnectionLost = true; }),
-      reader(X11Connection::open(display.c_str()), atoms),
-      inventory(reader, monitor.model(), directory, history, scale),
+      events(X11Connection::open(display.c_str()),
+             [this] {
+                 snapshots.close();
+                 isConnectionLost = true;
+             }),
+      atoms(events.connection()),
+      monitor(mainLoop, events, atoms, directory),
+      snapshots(mainLoop, monitor),
+      inventory(snapshots, monitor.model(), directory, scale),
       observers(monitor.model()),
       control(monitor, atoms, context, log),
       workspace(monitor, {}) {}
@@ -50,7 +56,20 @@ bool AdapterParts::runUntilKnown(xcb_window_t window) {
 }
 
 std::unique_ptr<X11InventoryReading> AdapterParts::read() {
-    auto reading = inventory.beginReading();
+    std::unique_ptr<InventoryReading> reading;
+    bool isDone = false;
+    std::thread worker([&] {
+        reading = inventory.beginReading();
+        mainLoop.post([&isDone] { isDone = true; });
+    });
+    const bool isInTime = runUntil([&] { return isDone; });
+    if (!isInTime) {
+        snapshots.close();  // or the worker would wait for ever
+    }
+    worker.join();
+    if (!isInTime) {
+        throw std::runtime_error("waited for a snapshot of the desktop");
+    }
     return std::unique_ptr<X11InventoryReading>(dynamic_cast<X11InventoryReading*>(reading.release()));
 }
 
@@ -204,6 +223,26 @@ std::string ScriptedManager::nameOf(xcb_atom_t atom) const {
     return reply ? std::string(xcb_get_atom_name_name(reply.get()),
                                static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get())))
                  : std::string("?");
+}
+
+void ScriptedManager::unmapWindow(xcb_window_t window) {
+    xcb_unmap_window(connection_, window);
+    synchronize();
+}
+
+void ScriptedManager::reparentWindow(xcb_window_t window, xcb_window_t parent, int x, int y) {
+    xcb_reparent_window(connection_, window, parent, static_cast<std::int16_t>(x), static_cast<std::int16_t>(y));
+    synchronize();
+}
+
+void ScriptedManager::moveAndResize(xcb_window_t window, const Rect& frame) {
+    const std::array<std::int32_t, 4> values{static_cast<std::int32_t>(frame.x), static_cast<std::int32_t>(frame.y),
+                                             static_cast<std::int32_t>(frame.width),
+                                             static_cast<std::int32_t>(frame.height)};
+    xcb_configure_window(connection_, window,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         values.data());
+    synchronize();
 }
 
 xcb_atom_t ScriptedManager::atom(const std::string& name) const {

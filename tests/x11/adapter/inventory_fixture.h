@@ -30,11 +30,14 @@ namespace ferrowyn::x11test {
 class AdapterParts {
 public:
     explicit AdapterParts(const std::string& display);
+    ~AdapterParts() { snapshots.close(); }
+    AdapterParts(const AdapterParts&) = delete;
+    AdapterParts& operator=(const AdapterParts&) = delete;
 
     /// Runs the main loop until the predicate holds; false when it does not within the harness's patience.
     [[nodiscard]] bool runUntil(const std::function<bool()>& predicate, milliseconds budget = patience);
     [[nodiscard]] bool runUntilKnown(xcb_window_t window);
-    /// A fresh reading, as a snapshot worker takes one.
+    /// A fresh reading, as a snapshot worker takes one, while the main loop runs here.
     [[nodiscard]] std::unique_ptr<X11InventoryReading> read();
     /// The window as its application's part of a fresh reading describes it.
     [[nodiscard]] std::optional<AccessibleWindow> accessibleWindow(xcb_window_t window);
@@ -47,16 +50,11 @@ public:
     X11InputContext context;
     std::atomic<double> scale{1.0};
     bool isConnectionLost = false;
-    X11FocusHistory history;
     X11ApplicationDirectory directory;
-
-private:
-    std::unique_ptr<X11Connection> eventConnection_;
-
-public:
+    X11EventConnection events;
     X11Atoms atoms;
     X11DesktopMonitor monitor;
-    X11DesktopReader reader;
+    X11DesktopSnapshots snapshots;
     X11WindowInventory inventory;
     X11AccessibilityObservers observers;
     X11WindowControl control;
@@ -97,6 +95,10 @@ public:
     void receiveMessages();
     /// What has come since, as "_NET_ACTIVE_WINDOW 7" with the window's XID.
     [[nodiscard]] std::vector<std::string> takeMessages();
+    void unmapWindow(xcb_window_t window);
+    void reparentWindow(xcb_window_t window, xcb_window_t parent, int x, int y);
+    /// In the parent's coordinates.
+    void moveAndResize(xcb_window_t window, const Rect& frame);
     [[nodiscard]] xcb_window_t root() const { return root_; }
     [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;

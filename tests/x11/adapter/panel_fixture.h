@@ -92,7 +92,7 @@ public:
     PanelRig() : PanelRig(Options{}) {}
     explicit PanelRig(const Options& options)
         : ToolkitSession(options.manager, {.screens = options.screens, .monitors = {}}, options.scale) {
-        events = std::make_unique<X11PanelEvents>(X11Connection::open(server.display().c_str()));
+        events = std::make_unique<X11EventConnection>(X11Connection::open(server.display().c_str()));
         screens = std::make_unique<X11Screens>(*events);
         compositor = std::make_unique<X11Compositor>(*events);
         pointer = std::make_unique<X11Pointer>(*events, *screens, context);
@@ -103,7 +103,7 @@ public:
     }
 
     X11InputContext context;
-    std::unique_ptr<X11PanelEvents> events;
+    std::unique_ptr<X11EventConnection> events;
     std::unique_ptr<X11Screens> screens;
     std::unique_ptr<X11Compositor> compositor;
     std::unique_ptr<X11Pointer> pointer;

@@ -43,6 +43,17 @@ TEST_F(TrayEmbeddingTest, TheIconHasTheTraysColourOnTheTraysGround) {
     EXPECT_TRUE(TrayRig::runUntil([&] { return shows(0x00FF00); })) << "also when the tray's theme changes";
 }
 
+TEST_F(TrayEmbeddingTest, TheIconStillHearsClicksWhenItIsTakenForAWindowOfTheDesktop) {
+    ScriptedTray tray(rig.server.display(), {});
+    const auto window = docked(tray);
+    ASSERT_TRUE(window);
+    // As when a client names the icon as the window manager's window.
+    rig.events->watch(*window);
+    rig.events->flush();
+    rig.input.click(34, 16, 1);
+    EXPECT_TRUE(TrayRig::runUntil([&] { return rig.item->openPopup() != nullptr; }));
+}
+
 TEST_F(TrayEmbeddingTest, ATrayThatNamesNoColourGetsOneThatDoesOnAnyGround) {
     ScriptedTray tray(rig.server.display(), {});
     const auto window = docked(tray);

@@ -21,12 +21,11 @@ QImage plainIcon(const std::string& /*symbol*/, int side, const std::optional<QC
 TrayRig::TrayRig(const Options& options)
     : ToolkitSession("openbox", {.screens = {options.screen}, .monitors = {}}, options.scale) {
     QApplication::setQuitOnLastWindowClosed(false);
+    events = std::make_unique<X11EventConnection>(X11Connection::open(server.display().c_str()));
     mainLoop = std::make_unique<QtMainLoop>();
     backgroundWork = std::make_unique<QtBackgroundWork>();
     const TraySymbolPainter painter = options.draws ? options.draws : plainIcon;
-    const auto makeEmbedded = [this, painter] {
-        return std::make_unique<X11TrayIcon>(X11Connection::open(server.display().c_str()), *mainLoop, painter);
-    };
+    const auto makeEmbedded = [this, painter] { return std::make_unique<X11TrayIcon>(*events, *mainLoop, painter); };
     icon = std::make_unique<LinuxTrayIcon>(*mainLoop, *backgroundWork,
                                            options.hasBus ? std::optional(bus.address()) : std::nullopt, painter,
                                            options.hasFallback ? LinuxTrayIcon::MakeFallback(makeEmbedded) : nullptr);

@@ -14,6 +14,7 @@
 
 #include "platform/linux/linux_tray_icon.h"
 #include "platform/qt/qt_main_loop.h"
+#include "platform/x11/x11_event_connection.h"
 #include "tests/ui/status_menu_model.h"
 #include "tests/x11/adapter/toolkit_session.h"
 #include "tests/x11/harness/desktop_processes.h"
@@ -41,6 +42,7 @@ public:
     explicit TrayRig(const Options& options);
 
     PrivateBus bus{server};
+    std::unique_ptr<X11EventConnection> events;
     std::unique_ptr<QtMainLoop> mainLoop;
     std::unique_ptr<QtBackgroundWork> backgroundWork;
     std::unique_ptr<LinuxTrayIcon> icon;

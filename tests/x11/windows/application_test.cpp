@@ -1,5 +1,7 @@
 #include <unistd.h>
+#include <xcb/res.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -25,6 +27,34 @@ protected:
         return reply ? reply->owner : xcb_window_t{XCB_NONE};
     }
 };
+
+TEST_F(ApplicationTest, HasThreeConnectionsBesideTheToolkits) {
+    const auto count = [this] {
+        const xcb_res_client_id_spec_t everyClient{XCB_NONE, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        const auto cookie = xcb_res_query_client_ids(desktop.connection(), 1, &everyClient);
+        const XcbReply<xcb_res_query_client_ids_reply_t> reply(
+            xcb_res_query_client_ids_reply(desktop.connection(), cookie, nullptr));
+        int connections = 0;
+        for (auto ids = reply ? xcb_res_query_client_ids_ids_iterator(reply.get())
+                              : xcb_res_client_id_value_iterator_t{};
+             ids.rem > 0; xcb_res_client_id_value_next(&ids)) {
+            const bool isOfProgram =
+                xcb_res_client_id_value_value_length(ids.data) == 1 &&
+                *xcb_res_client_id_value_value(ids.data) == static_cast<std::uint32_t>(program->process().pid());
+            connections += isOfProgram ? 1 : 0;
+        }
+        return connections;
+    };
+    startProgram();
+    // For the desktop, for the keyboard, for the claim to be the only program, and the toolkit's.
+    EXPECT_EQ(count(), 4);
+    // What is made only when it is needed.
+    ASSERT_EQ(ask({"--settings"}).status, 0);
+    ASSERT_TRUE(waitForWindow("Ferrowyn Settings"));
+    EXPECT_EQ(ask({"--show"}).status, 0);
+    waitForSwitcher();
+    EXPECT_EQ(count(), 4);
+}
 
 TEST_F(ApplicationTest, ASecondStartOpensTheSetupWindowOfTheFirstAndEndsWell) {
     startProgram();
