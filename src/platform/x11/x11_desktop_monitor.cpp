@@ -32,6 +32,22 @@ void X11TitleChanges::reportAll() {
     }
 }
 
+Seconds X11ReadingLimit::begin() {
+    const auto now = mainLoop_.now();
+    while (left_ < burst && now - refilled_ >= interval) {
+        refilled_ += std::chrono::duration_cast<TimePoint::duration>(interval);
+        ++left_;
+    }
+    if (left_ == burst) {
+        refilled_ = now;
+    }
+    if (left_ == 0) {
+        return interval - (now - refilled_);
+    }
+    --left_;
+    return Seconds::zero();
+}
+
 namespace {
 
 /// Longer than a manager needs for an activation, shorter than the time until the user's next one.
@@ -49,6 +65,7 @@ X11DesktopMonitor::X11DesktopMonitor(MainLoop& mainLoop, X11EventConnection& eve
       atoms_(atoms),
       model_(directory),
       owners_(events.connection()),
+      limit_(mainLoop),
       titleChanges_(mainLoop, [this](xcb_window_t window) { model_.noteTitleChanged(window); }) {
     eventSubscription_ = events_.observe([this](const xcb_generic_event_t& event) { handleEvent(event); });
     makeClock();
@@ -167,6 +184,12 @@ void X11DesktopMonitor::handleProperty(const xcb_property_notify_event_t& event)
 void X11DesktopMonitor::readAgain() {
     if (isReading_ || !isAnythingChanged()) {
         return;
+    }
+    if (!isRootChanged_ && pendingSnapshots_.empty()) {
+        if (const auto rest = limit_.begin(); rest > Seconds::zero()) {
+            limitEnd_ = mainLoop_.after(rest, [this] { readAgain(); });
+            return;
+        }
     }
     isReading_ = true;
     isRootChanged_ = false;

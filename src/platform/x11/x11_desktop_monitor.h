@@ -43,6 +43,29 @@ private:
     Subscription timer_;
 };
 
+/// Allows a burst of readings, and after that only a few a second. Each reading may announce a change, and a refresh of
+/// the window list waits until changes pause: a window that changes its properties all the time would otherwise delay
+/// the listing of new windows. Main thread; owned by `X11DesktopMonitor`.
+class X11ReadingLimit {
+public:
+    /// More than a window manager needs when it changes many windows one after the other.
+    static constexpr int burst = 16;
+    /// Longer than the pause that a refresh waits for.
+    static constexpr Seconds interval{0.25};
+
+    /// The loop outlives this.
+    explicit X11ReadingLimit(const MainLoop& mainLoop) : mainLoop_(mainLoop), refilled_(mainLoop.now()) {}
+
+    /// How long the next reading has to wait. When it need not, the reading counts as begun.
+    [[nodiscard]] Seconds begin();
+
+private:
+    const MainLoop& mainLoop_;
+    int left_ = burst;
+    /// Until here the passed intervals have been added to `left_`.
+    TimePoint refilled_;
+};
+
 /// Follows the events of the root window and the listed windows, and keeps the model up to date. Only the constructor
 /// waits for the server. Each event marks what has to be read again: most facts at once, in one reading at a time,
 /// where changes during it start the next one; titles, sizes and the mapping only for the next snapshot. Main thread;
@@ -124,6 +147,8 @@ private:
     std::unordered_set<xcb_window_t> destroyedMeanwhile_;
     bool isRootChanged_ = false;
     bool isReading_ = false;
+    X11ReadingLimit limit_;
+    Subscription limitEnd_;
     std::vector<PendingSnapshot> pendingSnapshots_;
     Subscription expectation_;
     X11TitleChanges titleChanges_;

@@ -90,5 +90,26 @@ TEST_F(X11TitleChangesTest, NothingIsToldOfOnceItIsGone) {
     EXPECT_THAT(told, IsEmpty());
 }
 
+TEST(X11ReadingLimitTest, ABurstIsReadAtOnceAndAStreamFourTimesASecond) {
+    SimulatedMainLoop loop;
+    X11ReadingLimit limit(loop);
+    int readings = 0;
+    const auto streamFor = [&](Seconds duration) {
+        const auto end = loop.now() + duration;
+        for (readings = 0; loop.now() < end; loop.advance(Seconds(0.01))) {
+            readings += limit.begin() == Seconds::zero() ? 1 : 0;
+        }
+    };
+    for (int reading = 0; reading < X11ReadingLimit::burst; ++reading) {
+        EXPECT_EQ(limit.begin(), Seconds::zero());
+    }
+    EXPECT_EQ(limit.begin(), X11ReadingLimit::interval);
+    streamFor(Seconds(2));
+    EXPECT_THAT(readings, testing::AllOf(testing::Ge(7), testing::Le(8)));
+    loop.advance(Seconds(60));
+    streamFor(Seconds(0.2));
+    EXPECT_EQ(readings, X11ReadingLimit::burst) << "as many as at first after a long rest, and no more";
+}
+
 }  // namespace
 }  // namespace ferrowyn

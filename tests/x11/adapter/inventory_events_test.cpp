@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -427,6 +428,25 @@ TEST_F(InventoryEventsTest, AWindowWithTheNumberOfAnotherOneIsReadAnew) {
     EXPECT_EQ(parts.listedWindow(window)->ownerPid, second.pid());
     manager.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_HIDDEN"});
     EXPECT_TRUE(parts.runUntil([&] { return parts.monitor.model().find(window)->isHidden; })) << "not listened to";
+}
+
+TEST_F(InventoryEventsTest, AWindowThatNeverRestsLeavesPausesForARefresh) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    int announcements = 0;
+    const auto counting = parts.workspace.observe([&](const WorkspaceEvent&) { ++announcements; });
+    const auto begin = parts.mainLoop.now();
+    std::uint32_t opacity = 0;
+    const auto restless = parts.mainLoop.every(
+        Seconds(0.02), [&] { manager.setCardinal(window, "_NET_WM_WINDOW_OPACITY", ++opacity << 24U); });
+    ASSERT_TRUE(parts.runUntil([&] { return opacity >= 60; }));
+    const auto mostReadings = X11ReadingLimit::burst + (parts.mainLoop.now() - begin) / X11ReadingLimit::interval;
+    EXPECT_GE(announcements, X11ReadingLimit::burst) << "none is late as long as they are few";
+    EXPECT_LE(announcements, mostReadings + 1);
+    EXPECT_EQ(parts.listedWindow(window)->alpha.value(),
+              static_cast<double>(opacity << 24U) / std::numeric_limits<std::uint32_t>::max())
+        << "a snapshot has the latest change in any case";
 }
 
 TEST_F(InventoryEventsTest, AListMayNameTheRootAndAWindowTwice) {
