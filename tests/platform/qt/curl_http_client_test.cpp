@@ -311,7 +311,7 @@ protected:
                                 simulated.accessibilityObservers,
                                 simulated.windowControl,
                                 simulated.trust,
-                                simulated.eventTaps,
+                                simulated.keyboardTaps,
                                 simulated.screens,
                                 simulated.pointer,
                                 simulated.panel,
