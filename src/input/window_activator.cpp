@@ -16,8 +16,8 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::string_view category = "activation";
-constexpr Seconds lookPause{0.12};
-constexpr int maximumLooks = 5;
+constexpr Seconds lookupPause{0.12};
+constexpr int maximumLookups = 5;
 constexpr double delayGrowth = 1.8;
 
 }  // namespace
@@ -64,12 +64,12 @@ void WindowActivator::begin(const AppWindow& window) {
 }
 
 void WindowActivator::lookUpElement() {
-    ++activation_->looks;
+    ++activation_->lookups;
     activation_->element = control_.findWindow(activation_->pid, activation_->window.id);
     if (activation_->element) {
         raiseFirst();
-    } else if (activation_->looks < maximumLooks) {
-        pause_ = mainLoop_.after(lookPause, [this] { lookUpElement(); });
+    } else if (activation_->lookups < maximumLookups) {
+        pause_ = mainLoop_.after(lookupPause, [this] { lookUpElement(); });
     } else {
         log_.write(LogLevel::standard, category,
                    fmt::format("No AX element for window {}; activated its app only", activation_->window.id));

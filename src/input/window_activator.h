@@ -53,7 +53,7 @@ private:
         bool wasActive = false;
         /// At the last check the keyboard had gone to nobody, and nothing was asked for that reason.
         bool isLost = false;
-        int looks = 0;
+        int lookups = 0;
         int checks = 0;
         Seconds delay = initialVerificationDelay;
     };
