@@ -100,7 +100,8 @@ void SwitchingDesk::startProgram(std::optional<std::size_t> listed) {
 
 void SwitchingDesk::use(xcb_window_t window) {
     makeActive(window);
-    ASSERT_TRUE(program->waitForFirst(window)) << "waited for window " << window << " to lead the list";
+    ASSERT_TRUE(program->waitForFirst(window))
+        << "waited for window " << window << " to lead the list; it said: " << program->process().output();
 }
 
 void SwitchingDesk::hold(int times) {
@@ -133,7 +134,7 @@ void SwitchingDesk::expectSwitchTo(xcb_window_t window) {
     EXPECT_TRUE(desktop.waitForActiveWindow(window))
         << "waited for window " << window << ", but " << desktop.activeWindow()
         << " is active; it said: " << program->process().output();
-    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go";
+    EXPECT_TRUE(desktop.waitForPanel(false)) << "waited for the panel to go; it said: " << program->process().output();
     EXPECT_TRUE(program->waitForFirst(window)) << "waited for window " << window << " to lead the list";
 }
 
