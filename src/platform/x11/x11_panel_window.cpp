@@ -131,6 +131,7 @@ void X11PanelWindow::prime(const QImage& image) {
 }
 
 void X11PanelWindow::reveal(const X11PixelRect& frame) {
+    isRevealed_ = true;
     place(frame);
     xcb_map_window(connection_, window_);
     // The picture is painted now. As a background it would be tiled over the area that a larger panel uncovers.
@@ -139,6 +140,7 @@ void X11PanelWindow::reveal(const X11PixelRect& frame) {
 }
 
 void X11PanelWindow::conceal() {
+    isRevealed_ = false;
     xcb_unmap_window(connection_, window_);
     xcb_flush(connection_);
 }
@@ -173,6 +175,16 @@ void X11PanelWindow::raiseToTop() {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     xcb_flush(connection_);
+}
+
+/// Metacity, where it hears of the panel only after the panel has gone again, takes it for a window to be shown and
+/// maps it. The event may also be that of the panel's own appearance; then unmapping it once more changes nothing.
+bool X11PanelWindow::nativeEvent(const QByteArray& type, void* message, qintptr* result) {
+    if (type == "xcb_generic_event_t" && !isRevealed_ &&
+        typeOf(*static_cast<const xcb_generic_event_t*>(message)) == XCB_MAP_NOTIFY) {
+        conceal();
+    }
+    return QWidget::nativeEvent(type, message, result);
 }
 
 void X11PanelWindow::resizeEvent(QResizeEvent* event) {

@@ -70,7 +70,8 @@ public:
 
     /// Places, raises and maps the window in the server. Qt does not know until `show` is called.
     void reveal(const X11PixelRect& frame);
-    /// Unmaps the window in the server. Qt does not know until `hide` is called.
+    /// Unmaps the window in the server, also when another client maps it later. Qt does not know until `hide` is
+    /// called.
     void conceal();
     void raiseToTop();
     /// Moves and resizes the window while it is shown. The server shows a complete picture before and after, however
@@ -80,6 +81,7 @@ public:
 protected:
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    bool nativeEvent(const QByteArray& type, void* message, qintptr* result) override;
 
 private:
     void describe();
@@ -93,6 +95,8 @@ private:
     xcb_window_t window_ = XCB_WINDOW_NONE;
     std::optional<X11SentEventFilter> sentEventFilter_;
     X11PixelRect frame_;
+    /// Between `reveal` and `conceal`.
+    bool isRevealed_ = false;
     std::optional<X11PanelPixmap> pixmap_;
     /// The background colour of the panel. It fills what a growing window uncovers until Qt has drawn it.
     std::uint32_t pixel_ = 0;

@@ -102,6 +102,24 @@ TEST(PanelTest, ShowsAgainInTheSameTurnOfTheLoop) {
     EXPECT_EQ(rig.desktop.pixels(place), rig.expectedPixels(640, 300, 1));
 }
 
+TEST(PanelTest, StaysHiddenWhenAManagerMapsItLate) {
+    PanelRig rig;
+    rig.show(frame);
+    ASSERT_TRUE(PanelRig::runUntil([&] { return rig.desktop.visiblePanel().has_value(); }));
+    const auto window = *rig.desktop.visiblePanel();
+    rig.panel->orderOut();
+    rig.settle();
+    ASSERT_FALSE(rig.desktop.visiblePanel().has_value());
+    // As metacity does when it handles the panel's appearance after the panel has gone.
+    xcb_map_window(rig.desktop.connection(), window);
+    ASSERT_TRUE(rig.desktop.waitForPanel(true)) << "the test's own request";
+    EXPECT_TRUE(PanelRig::runUntil([&] { return !rig.desktop.visiblePanel().has_value(); }));
+    rig.show(frame);
+    EXPECT_TRUE(PanelRig::runUntil([&] { return rig.desktop.visiblePanel().has_value(); }));
+    rig.settle();
+    EXPECT_TRUE(rig.desktop.visiblePanel().has_value()) << "its next appearance is its own";
+}
+
 TEST(PanelTest, ChangesItsExtentDownwardWhileItIsShown) {
     PanelRig rig;
     rig.show(frame);
