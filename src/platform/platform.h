@@ -48,6 +48,7 @@ struct Platform {
 /// Parts that replace those of a platform, such as a real log on a simulated desktop. Null keeps the platform's part.
 /// The caller owns the parts.
 struct PlatformReplacement {
+    BackgroundWork* backgroundWork = nullptr;
     Log* log = nullptr;
     WindowInventory* windowInventory = nullptr;
     KeyboardTaps* keyboardTaps = nullptr;
@@ -62,7 +63,7 @@ struct PlatformReplacement {
     };
     return {
         .mainLoop = platform.mainLoop,
-        .backgroundWork = platform.backgroundWork,
+        .backgroundWork = orOwn(replacement.backgroundWork, platform.backgroundWork),
         .log = orOwn(replacement.log, platform.log),
         .userDefaults = platform.userDefaults,
         .application = platform.application,

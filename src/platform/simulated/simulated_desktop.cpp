@@ -70,6 +70,18 @@ void SimulatedDesktop::settle() {
     implementation_->mainLoop.settle();
 }
 
+bool SimulatedDesktop::runOneTask() {
+    return implementation_->mainLoop.runOne();
+}
+
+void SimulatedDesktop::stall(Seconds duration) {
+    implementation_->mainLoop.stall(duration);
+}
+
+std::size_t SimulatedDesktop::postedTaskCount() const {
+    return implementation_->mainLoop.postedTaskCount();
+}
+
 TimePoint SimulatedDesktop::now() const {
     return implementation_->mainLoop.now();
 }
@@ -88,6 +100,10 @@ std::size_t SimulatedDesktop::pendingTimerCount() const {
 
 void SimulatedDesktop::holdBackgroundWork(bool isHeld) {
     implementation_->backgroundWork.hold(isHeld);
+}
+
+void SimulatedDesktop::dropBackgroundWork() {
+    implementation_->backgroundWork.dropWaiting();
 }
 
 std::size_t SimulatedDesktop::heldBackgroundWorkCount() const {
@@ -216,6 +232,12 @@ void SimulatedDesktop::notifyLate(Pid pid, AccessibilityNotification notificatio
 
 std::size_t SimulatedDesktop::liveObserverCount() const {
     return implementation_->observers.liveCount();
+}
+
+bool SimulatedDesktop::isObserved() const {
+    const auto& desktop = *implementation_;
+    return desktop.workspace.isObserved() || desktop.screens.isObserved() || desktop.pointer.isObserved() ||
+           desktop.trust.isObserved() || desktop.icons.isObserved() || desktop.application.isObserved();
 }
 
 void SimulatedDesktop::setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name) {
@@ -393,6 +415,14 @@ std::vector<std::string> SimulatedDesktop::takeIconLoads() {
 
 UserDefaults& SimulatedDesktop::userDefaults() {
     return implementation_->userDefaults;
+}
+
+void SimulatedDesktop::setStoreWritesFail(bool fail) {
+    implementation_->userDefaults.setWritesFail(fail);
+}
+
+void SimulatedDesktop::forgetUnwrittenValues() {
+    implementation_->userDefaults.forgetUnwritten();
 }
 
 const std::vector<std::pair<std::string, DefaultsValue>>& SimulatedDesktop::storedValues() const {

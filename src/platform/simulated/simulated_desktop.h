@@ -45,6 +45,11 @@ public:
     void advance(Seconds duration);
     /// Runs what is due now (posted tasks, finished background work) without letting time pass.
     void settle();
+    /// Runs one thing that is due now, so that something can happen between two tasks. False when nothing is due.
+    bool runOneTask();
+    /// Lets time pass in which the main thread runs nothing.
+    void stall(Seconds duration);
+    [[nodiscard]] std::size_t postedTaskCount() const;
     [[nodiscard]] TimePoint now() const;
     [[nodiscard]] WallTime wallTime() const;
     /// Sets the calendar's clock; it is 2026-01-01 00:00 UTC at first.
@@ -56,6 +61,8 @@ public:
     /// While held, background work waits. After the release it runs when the loop next settles. Not held at first.
     void holdBackgroundWork(bool isHeld);
     [[nodiscard]] std::size_t heldBackgroundWorkCount() const;
+    /// Work that has not begun when the program ends is dropped.
+    void dropBackgroundWork();
 
     // --- applications and windows -----------------------------------------------------------------------------------
     using AppSpec = SimulatedAppState;
@@ -101,6 +108,8 @@ public:
     /// Delivers a notification once to each observer that is detached or destroyed, as if it had been queued before.
     void notifyLate(Pid pid, AccessibilityNotification notification);
     [[nodiscard]] std::size_t liveObserverCount() const;
+    /// Whether anybody follows the workspace, the screens, the pointer, trust, the icons or the program's activation.
+    [[nodiscard]] bool isObserved() const;
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
 
     /// Every request of `WindowControl` and `Workspace::open`, in order, as "activate 100", "open <url>", "raise 7",
@@ -170,6 +179,10 @@ public:
     /// The loads since the last call: "file <path>", "process <pid>", "generic <name>".
     std::vector<std::string> takeIconLoads();
     [[nodiscard]] UserDefaults& userDefaults();
+    /// While they fail, values are kept in memory only.
+    void setStoreWritesFail(bool fail);
+    /// The store forgets what was never written, as when the program ends.
+    void forgetUnwrittenValues();
     /// Every value written to the store, in order, with its key.
     [[nodiscard]] const std::vector<std::pair<std::string, DefaultsValue>>& storedValues() const;
 

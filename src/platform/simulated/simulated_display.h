@@ -29,6 +29,7 @@ public:
         return changes_.subscribe([handler = std::move(handler)](const bool&) { handler(); });
     }
 
+    [[nodiscard]] bool isObserved() const { return changes_.hasSubscribers(); }
     void set(std::vector<Screen> screens, std::optional<std::size_t> mainIndex) {
         screens_ = std::move(screens);
         mainIndex_ = mainIndex;
@@ -49,6 +50,7 @@ public:
         return clicks_.subscribe([handler = std::move(handler)](const Click&) { handler(); });
     }
 
+    [[nodiscard]] bool isObserved() const { return clicks_.hasSubscribers(); }
     void move(Point location) { location_ = place_ = location; }
     /// Moves the pointer without an event.
     void moveUnnoticed(Point location) { place_ = location; }

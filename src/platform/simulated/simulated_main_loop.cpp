@@ -73,9 +73,31 @@ void SimulatedMainLoop::settle() {
     assert(isMainThread());
     assert(!isRunning_ && "a task must not run the loop that runs it");
     isRunning_ = true;
-    while (runOnePosted() || runOneTimer(now_) || (idleWork_ && idleWork_())) {
+    while (runNext()) {
     }
     isRunning_ = false;
+}
+
+bool SimulatedMainLoop::runOne() {
+    assert(isMainThread());
+    assert(!isRunning_ && "a task must not run the loop that runs it");
+    isRunning_ = true;
+    const bool hasRun = runNext();
+    isRunning_ = false;
+    return hasRun;
+}
+
+bool SimulatedMainLoop::runNext() {
+    return runOnePosted() || runOneTimer(now_) || (idleWork_ && idleWork_());
+}
+
+void SimulatedMainLoop::stall(Seconds duration) {
+    now_ += std::max<Nanoseconds>(nanoseconds(duration), 0);
+}
+
+std::size_t SimulatedMainLoop::postedTaskCount() {
+    const std::scoped_lock lock(postedLock_);
+    return posted_.size();
 }
 
 std::size_t SimulatedMainLoop::pendingTimerCount() const {

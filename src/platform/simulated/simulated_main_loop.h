@@ -34,6 +34,11 @@ public:
     void advance(Seconds duration);
     /// Runs what is due now.
     void settle();
+    /// Runs one task or timer that is due now, or else the idle work. False when there is nothing to run.
+    bool runOne();
+    /// Lets time pass in which nothing runs, as when the main thread waits for something.
+    void stall(Seconds duration);
+    [[nodiscard]] std::size_t postedTaskCount();
     [[nodiscard]] std::size_t pendingTimerCount() const;
 
     /// Sets the work to run when nothing else is due. It returns whether it did anything.
@@ -54,6 +59,7 @@ private:
     };
 
     [[nodiscard]] Subscription schedule(Nanoseconds delay, Nanoseconds interval, Task task);
+    bool runNext();
     bool runOnePosted();
     bool runOneTimer(Nanoseconds limit);
 
@@ -80,6 +86,7 @@ public:
 
     void hold(bool isHeld) { isHeld_ = isHeld; }
     [[nodiscard]] std::size_t waitingCount() const { return waiting_.size(); }
+    void dropWaiting() { waiting_.clear(); }
 
 private:
     bool runOne();

@@ -33,6 +33,9 @@ std::optional<DefaultsValue> SimulatedUserDefaults::value(std::string_view key) 
 void SimulatedUserDefaults::set(std::string_view key, DefaultsValue value) {
     writes_.emplace_back(key, value);
     stored_.insert_or_assign(std::string(key), std::move(value));
+    if (!writesFail_) {
+        written_ = stored_;
+    }
 }
 
 namespace {

@@ -49,9 +49,16 @@ public:
 
     [[nodiscard]] const std::vector<std::pair<std::string, DefaultsValue>>& writes() const { return writes_; }
 
+    /// While writing fails, values are kept in memory only. The next write that succeeds writes them all.
+    void setWritesFail(bool fail) { writesFail_ = fail; }
+    /// Goes back to what was written.
+    void forgetUnwritten() { stored_ = written_; }
+
 private:
     std::map<std::string, DefaultsValue, std::less<>> registered_;
     std::map<std::string, DefaultsValue, std::less<>> stored_;
+    std::map<std::string, DefaultsValue, std::less<>> written_;
+    bool writesFail_ = false;
     std::vector<std::pair<std::string, DefaultsValue>> writes_;
 };
 
@@ -97,6 +104,7 @@ public:
         return processChanges_.subscribe([handler = std::move(handler)](const Pid& pid) { handler(pid); });
     }
 
+    [[nodiscard]] bool isObserved() const { return processChanges_.hasSubscribers(); }
     void setFileHasIcon(std::string path, bool hasIcon) { files_.insert_or_assign(std::move(path), hasIcon); }
     void setProcessHasIcon(Pid pid, bool hasIcon) {
         processes_.insert_or_assign(pid, hasIcon);
@@ -160,6 +168,7 @@ public:
     void announceChange() { changes_.send({}); }
     void loseTrigger() { lostTriggers_.send({}); }
     [[nodiscard]] int promptCount() const { return promptCount_; }
+    [[nodiscard]] bool isObserved() const { return changes_.hasSubscribers() || lostTriggers_.hasSubscribers(); }
 
 private:
     struct Hint {};
@@ -191,6 +200,7 @@ public:
     void revealInFileManager() override { ++revealCount; }
 
     void becomeActive() { activations_.send({}); }
+    [[nodiscard]] bool isObserved() const { return activations_.hasSubscribers(); }
 
     /// A test may change these before the program reads them.
     BundleInfo bundle{.name = "Ferrowyn",

@@ -30,6 +30,7 @@ public:
     bool openSettings(SettingsPage page) override;
 
     void announce(const WorkspaceEvent& event) { events_.send(event); }
+    [[nodiscard]] bool isObserved() const { return events_.hasSubscribers(); }
     void setInstalledApplicationName(std::string bundleIdentifier, std::optional<std::string> name);
 
 private:
