@@ -204,6 +204,31 @@ TEST_F(SimulatedDesktopTest, DefaultsAnswerWithWhatIsStoredElseRegistered) {
     EXPECT_EQ(desktop.storedValues().size(), 1U);
 }
 
+TEST_F(SimulatedDesktopTest, AStoreThatCannotBeWrittenRemembersUntilTheProgramEnds) {
+    auto& store = platform.userDefaults;
+    store.set("rows", std::int64_t{4});
+    desktop.setStoreWritesFail(true);
+    store.set("rows", std::int64_t{5});
+    EXPECT_EQ(store.integer("rows"), 5);
+    desktop.forgetUnwrittenValues();
+    EXPECT_EQ(store.integer("rows"), 4);
+    store.set("rows", std::int64_t{6});
+    desktop.setStoreWritesFail(false);
+    store.set("hints", true);
+    desktop.forgetUnwrittenValues();
+    EXPECT_EQ(store.integer("rows"), 6) << "the next write writes everything";
+}
+
+TEST_F(SimulatedDesktopTest, WhoFollowsTheDesktopIsSeen) {
+    EXPECT_FALSE(desktop.isObserved());
+    auto following = platform.workspace.observe([](const WorkspaceEvent&) {});
+    EXPECT_TRUE(desktop.isObserved());
+    following.reset();
+    EXPECT_FALSE(desktop.isObserved());
+    const auto clicks = platform.pointer.observeClicksElsewhere([] {});
+    EXPECT_TRUE(desktop.isObserved());
+}
+
 TEST_F(SimulatedDesktopTest, IconsAreThereUntilATestTakesThemAway) {
     desktop.setFileHasIcon("/a", false);
     desktop.setProcessHasIcon(1, false);

@@ -53,6 +53,29 @@ TEST_F(SimulatedMainLoopTest, RunsTimersInTheOrderOfTheirMoments) {
     EXPECT_THAT(events, ElementsAre("first", "second", "also second"));
 }
 
+TEST_F(SimulatedMainLoopTest, OneThingAtATimeRunsWhenThatIsAskedFor) {
+    loop.post(event("first"));
+    loop.post(event("second"));
+    const auto timer = loop.after(1s, event("not due"));
+    EXPECT_EQ(loop.postedTaskCount(), 2U);
+    EXPECT_TRUE(loop.runOne());
+    EXPECT_THAT(events, ElementsAre("first"));
+    EXPECT_TRUE(loop.runOne());
+    EXPECT_FALSE(loop.runOne());
+    EXPECT_THAT(events, ElementsAre("first", "second"));
+    EXPECT_EQ(loop.postedTaskCount(), 0U);
+}
+
+TEST_F(SimulatedMainLoopTest, WhatFallsDueWhileTheLoopIsStalledRunsAfterwards) {
+    const auto beginning = loop.now();
+    const auto timer = loop.after(1s, event("timer"));
+    loop.stall(5s);
+    EXPECT_THAT(events, IsEmpty());
+    EXPECT_EQ(loop.now() - beginning, Seconds(5));
+    loop.settle();
+    EXPECT_THAT(events, ElementsAre("timer"));
+}
+
 TEST_F(SimulatedMainLoopTest, EachTimerRunsAtItsOwnMoment) {
     std::vector<TimePoint> moments;
     const auto timer = loop.every(3s, [&] { moments.push_back(loop.now()); });
