@@ -119,8 +119,9 @@ void WindowActivator::verify() {
         log_.write(LogLevel::standard, category,
                    fmt::format("Could not confirm activation of window {} in {}", activation_->window.id,
                                activation_->applicationName));
-        // A window that is gone by now, or whose application does not answer, says nothing about the desktop.
-        if (state != ActivationState::unreadable) {
+        // A window that is gone by now or has had the keyboard, or whose application does not answer, says nothing
+        // against the desktop.
+        if (state == ActivationState::notActive) {
             reportVerification(false);
         }
         finish();

@@ -1,5 +1,6 @@
 #include "input/window_activator.h"
 
+#include <cmath>
 #include <optional>
 
 #include "platform/simulated/simulated_desktop.h"
@@ -308,6 +309,19 @@ TEST_F(WindowActivatorTest, AWindowThatCouldNotBeLookedAtBeforeIsConfirmedAllThe
     desktop.setHung(editor, false);
     desktop.advance(2s);
     EXPECT_THAT(told, ElementsAre(true));
+}
+
+TEST_F(WindowActivatorTest, AWindowThatLosesTheKeyboardToNobodyEachTimeIsNeitherConfirmedNorUnconfirmed) {
+    std::vector<bool> told;
+    activator->onVerified = [&](bool isConfirmed, Pid) { told.push_back(isConfirmed); };
+    activate(window(7, editor));
+    for (int check = 0; check < WindowActivator::maximumAttempts; ++check) {
+        desktop.setFrontmost(std::nullopt);
+        desktop.advance(initialDelay * std::pow(1.8, check));
+    }
+    EXPECT_THAT(desktop.takeLog(),
+                ElementsAre(testing::Field(&LogLine::message, testing::HasSubstr("Could not confirm"))));
+    EXPECT_THAT(told, IsEmpty()) << "it came to the front";
 }
 
 TEST_F(WindowActivatorTest, AWindowThatCannotBeLookedAtIsNeitherConfirmedNorUnconfirmed) {

@@ -491,6 +491,9 @@ int ControlStyle::styleHint(StyleHint hint, const QStyleOption* option, const QW
     if (hint == SH_ScrollBar_ContextMenu) {
         return 0;
     }
+    if (hint == SH_SpinBox_StepModifier) {
+        return Qt::NoModifier;  // ten steps at once would nearly always end at a limit
+    }
     return QProxyStyle::styleHint(hint, option, widget, result);
 }
 

@@ -23,7 +23,7 @@ namespace ferrowyn {
 [[nodiscard]] QPushButton* makeSymbolButton(const QString& name, std::string_view symbol);
 /// One of several choices side by side, with its symbol above its title. The arrow keys choose the neighbours.
 [[nodiscard]] QRadioButton* makeSegment(std::string_view symbol, const Phrase& title);
-/// A number between two buttons that decrease and increase it by one.
+/// A number between two buttons that decrease and increase it by one, and go on while they are held.
 [[nodiscard]] QSpinBox* makeStepper(int minimum, int maximum);
 
 /// One row of a group: a text and, at the right edge, a switch. The whole row can be clicked. The toolkit's own check

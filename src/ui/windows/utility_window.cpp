@@ -95,6 +95,13 @@ bool UtilityWindow::event(QEvent* event) {
         wasExposed_ = false;
         windowHandle()->removeEventFilter(this);
         windowHandle()->installEventFilter(this);
+    } else if (event->type() == QEvent::ApplicationFontChange) {
+        // The toolkit tells only windows; a control that sets its font hears of a new one in no other way.
+        for (auto* const control : findChildren<QWidget*>()) {
+            if (!control->isWindow()) {
+                QCoreApplication::sendEvent(control, event);
+            }
+        }
     }
     return QWidget::event(event);
 }

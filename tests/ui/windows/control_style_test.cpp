@@ -11,6 +11,7 @@
 
 #include "ui/windows/controls.h"
 #include "ui/windows/labels.h"
+#include "ui/windows/utility_window.h"
 
 namespace ferrowyn {
 namespace {
@@ -27,15 +28,16 @@ void send(QWidget& widget, QEvent::Type type, double x, double y) {
 TEST(ControlStyleTest, ControlsFollowTheDesktopsFontInTheirOwnSizes) {
     const QFont before = QApplication::font();
     const Phrase text{"Check Now", {}};
-    const std::array<std::unique_ptr<QWidget>, 7> controls{
-        std::unique_ptr<QWidget>(makeButton(text)),
-        std::unique_ptr<QWidget>(makeLink(text)),
-        std::unique_ptr<QWidget>(makeSegment("list.bullet", text)),
-        std::unique_ptr<QWidget>(makeStepper(4, 16)),
-        std::unique_ptr<QWidget>(new SwitchRow(text)),
-        std::unique_ptr<QWidget>(new ChoiceBox),
-        std::unique_ptr<QWidget>(TextLabel::keyCap()),
-    };
+    const std::array<QWidget*, 7> controls{makeButton(text),   makeLink(text),      makeSegment("list.bullet", text),
+                                           makeStepper(4, 16), new SwitchRow(text), new ChoiceBox,
+                                           TextLabel::keyCap()};
+    // In a window, where the toolkit tells the controls nothing.
+    auto content = std::make_unique<QWidget>();
+    for (auto* const control : controls) {
+        control->setParent(content.get());
+    }
+    UtilityWindow window(std::move(content), true);
+    window.show();
     std::array<double, 7> sizes{};
     for (std::size_t index = 0; index < controls.size(); ++index) {
         sizes.at(index) = controls.at(index)->font().pointSizeF();
@@ -49,6 +51,19 @@ TEST(ControlStyleTest, ControlsFollowTheDesktopsFontInTheirOwnSizes) {
     }
     QApplication::setFont(before);
     QCoreApplication::processEvents();
+}
+
+TEST(ControlStyleTest, AClickOnAStepperIsOneStepAlsoWithControl) {
+    const std::unique_ptr<QSpinBox> stepper(makeStepper(4, 16));
+    stepper->setValue(8);
+    stepper->resize(stepper->sizeHint());
+    const QPointF position(stepper->width() - 6, stepper->height() / 2.0);
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, position, stepper->mapToGlobal(position), Qt::LeftButton,
+                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::ControlModifier);
+        QApplication::sendEvent(stepper.get(), &event);
+    }
+    EXPECT_EQ(stepper->value(), 9);
 }
 
 class ScrollBarTest : public testing::Test {
