@@ -32,6 +32,12 @@ private:
     pthread_attr_t usual_{};
 };
 
+/// The thread sanitizer starts a thread for itself together with the first one. It must not come between two counts.
+inline const bool hadAThread = [] {
+    std::thread([] {}).join();
+    return true;
+}();
+
 /// The threads of this process.
 inline std::ptrdiff_t threadCount() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
