@@ -250,9 +250,7 @@ X11ManagerCheck::Requests X11DesktopMonitor::requestManagerCheck(const X11RootFa
 }
 
 void X11DesktopMonitor::takeSnapshot(std::function<void(X11DesktopSnapshot)> handler) {
-    const auto asked = requestPassingFacts(true);
-    events_.whenAnswered([this, asked, handler = std::move(handler)]() mutable {
-        collect(asked);
+    askPassingFacts(requestPassingFacts(true), [this, handler = std::move(handler)]() mutable {
         // All events from before the call have been handled by now. The present reading may have begun before one of
         // them; then the next one covers it.
         const int readings = (isReading_ ? 1 : 0) + (isAnythingChanged() ? 1 : 0);
@@ -287,15 +285,24 @@ void X11DesktopMonitor::finish(PendingSnapshot snapshot) {
         copy.roundTrips = finished.roundTrips;
         finished.handler(std::move(copy));
     };
-    const auto asked = requestPassingFacts(false);
-    if (asked.empty()) {
+    auto asked = requestPassingFacts(false);
+    // Another snapshot may have asked for what had changed before this one, and have no answer yet.
+    if (asked.empty() && passingAnswersToCome_ == 0) {
         hand(snapshot);
         return;
     }
     ++snapshot.roundTrips;
-    events_.whenAnswered([this, asked, hand, snapshot = std::move(snapshot)] {
-        collect(asked);
-        hand(snapshot);
+    askPassingFacts(std::move(asked), [hand, snapshot = std::move(snapshot)] { hand(snapshot); });
+}
+
+void X11DesktopMonitor::askPassingFacts(std::vector<X11PassingRequests> requests, std::function<void()> then) {
+    ++passingAnswersToCome_;
+    events_.whenAnswered([this, requests = std::move(requests), then = std::move(then)] {
+        --passingAnswersToCome_;
+        for (const auto& request : requests) {
+            model_.refresh(request.window(), request.collect(events_.get(), atoms_));
+        }
+        then();
     });
 }
 
@@ -321,12 +328,6 @@ std::vector<X11PassingRequests> X11DesktopMonitor::requestPassingFacts(bool asks
         }
     }
     return requests;
-}
-
-void X11DesktopMonitor::collect(const std::vector<X11PassingRequests>& requests) {
-    for (const auto& request : requests) {
-        model_.refresh(request.window(), request.collect(events_.get(), atoms_));
-    }
 }
 
 void X11DesktopMonitor::expectActive(xcb_window_t window, X11DesktopModel::Path path) {

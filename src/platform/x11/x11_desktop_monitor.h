@@ -124,7 +124,8 @@ private:
     void applyReading(X11RootFacts root, const X11ManagerCheck::Requests& check, std::vector<X11WindowFacts> windows);
     /// Asks for the marked facts, and for all positions too where `asksPositions`.
     [[nodiscard]] std::vector<X11PassingRequests> requestPassingFacts(bool asksPositions);
-    void collect(const std::vector<X11PassingRequests>& requests);
+    /// Calls `then` when the model has the answers.
+    void askPassingFacts(std::vector<X11PassingRequests> requests, std::function<void()> then);
     void finishPendingSnapshots();
     void finish(PendingSnapshot snapshot);
 
@@ -150,6 +151,8 @@ private:
     X11ReadingLimit limit_;
     Subscription limitEnd_;
     std::vector<PendingSnapshot> pendingSnapshots_;
+    /// How many calls of `askPassingFacts` have no answer yet.
+    int passingAnswersToCome_ = 0;
     Subscription expectation_;
     X11TitleChanges titleChanges_;
     Subject<xcb_window_t> iconChanges_;

@@ -435,6 +435,21 @@ TEST_F(InventorySnapshotTest, AsksOnceMoreForATitleWhoseEventComesWithTheAnswer)
     EXPECT_EQ(taken->roundTrips, 2);
 }
 
+TEST_F(InventorySnapshotTest, GivesTwoSnapshotsAtOnceTheSameTitle) {
+    const auto window = onlyWindow();
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    settle();
+    setTitle(window, "_NET_WM_NAME", "UTF8_STRING", "New");
+    std::vector<std::string> titles;
+    const auto noteTitle = [&](const X11DesktopSnapshot& snapshot) {
+        titles.push_back(snapshot.windows.empty() ? "(no window)" : snapshot.windows.front().title);
+    };
+    parts.monitor.takeSnapshot(noteTitle);
+    parts.monitor.takeSnapshot(noteTitle);
+    ASSERT_TRUE(parts.runUntil([&] { return titles.size() == 2; }));
+    EXPECT_THAT(titles, ElementsAre("New", "New")) << "the second must not go before the title that the first asks for";
+}
+
 TEST_F(InventorySnapshotTest, IsNotHeldUpByAWindowThatNeverRests) {
     const auto window = onlyWindow();
     ASSERT_TRUE(parts.runUntilKnown(window));
