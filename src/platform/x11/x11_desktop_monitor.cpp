@@ -35,7 +35,7 @@ void X11TitleChanges::reportAll() {
 Seconds X11ReadingLimit::begin() {
     const auto now = mainLoop_.now();
     while (left_ < burst && now - refilled_ >= interval) {
-        refilled_ += std::chrono::duration_cast<TimePoint::duration>(interval);
+        refilled_ += interval;
         ++left_;
     }
     if (left_ == burst) {
@@ -46,6 +46,12 @@ Seconds X11ReadingLimit::begin() {
     }
     --left_;
     return Seconds::zero();
+}
+
+void X11ReadingLimit::noteUnlimited() {
+    if (begin() > Seconds::zero()) {
+        refilled_ = mainLoop_.now();
+    }
 }
 
 namespace {
@@ -185,16 +191,29 @@ void X11DesktopMonitor::readAgain() {
     if (isReading_ || !isAnythingChanged()) {
         return;
     }
-    if (!isRootChanged_ && pendingSnapshots_.empty()) {
-        if (const auto rest = limit_.begin(); rest > Seconds::zero()) {
-            limitEnd_ = mainLoop_.after(rest, [this] { readAgain(); });
-            return;
-        }
+    if (!pendingSnapshots_.empty()) {
+        limit_.noteUnlimited();
+    } else if (!isRootChanged_ && !mayReadNow()) {
+        return;
     }
     isReading_ = true;
     isRootChanged_ = false;
     const X11RootRequests requests(events_.get(), events_.root(), atoms_);
     events_.whenAnswered([this, requests] { readWindows(requests.collect(events_.get(), atoms_)); });
+}
+
+bool X11DesktopMonitor::mayReadNow() {
+    if (limitEnd_) {
+        return false;
+    }
+    const auto rest = limit_.begin();
+    if (rest > Seconds::zero()) {
+        limitEnd_ = mainLoop_.after(rest, [this] {
+            limitEnd_.reset();
+            readAgain();
+        });
+    }
+    return rest <= Seconds::zero();
 }
 
 void X11DesktopMonitor::readWindows(const X11RootFacts& root) {
@@ -209,8 +228,11 @@ void X11DesktopMonitor::readWindows(const X11RootFacts& root) {
         // A new window may have the XID of a destroyed one and be listed but not known.
         isRootChanged_ = isRootChanged_ || !destroyed.empty();
         applyReading(root, check, std::move(windows));
+        auto ready = takeReadySnapshots();
         readAgain();
-        finishPendingSnapshots();
+        for (auto& snapshot : ready) {
+            finish(std::move(snapshot));
+        }
     });
 }
 
@@ -264,19 +286,16 @@ void X11DesktopMonitor::takeSnapshot(std::function<void(X11DesktopSnapshot)> han
     });
 }
 
-/// Called when a reading has ended, after the next one has begun if there is one.
-void X11DesktopMonitor::finishPendingSnapshots() {
+std::vector<X11DesktopMonitor::PendingSnapshot> X11DesktopMonitor::takeReadySnapshots() {
     std::vector<PendingSnapshot> ready;
     for (auto& snapshot : std::exchange(pendingSnapshots_, {})) {
         --snapshot.readingsLeft;
         snapshot.roundTrips += roundTripsOfReading;
         // The reading that has ended may have covered what the next one was to read.
-        const bool isReady = snapshot.readingsLeft == 0 || !isReading_;
+        const bool isReady = snapshot.readingsLeft == 0 || !isAnythingChanged();
         (isReady ? ready : pendingSnapshots_).push_back(std::move(snapshot));
     }
-    for (auto& snapshot : ready) {
-        finish(std::move(snapshot));
-    }
+    return ready;
 }
 
 void X11DesktopMonitor::finish(PendingSnapshot snapshot) {

@@ -43,9 +43,11 @@ private:
     Subscription timer_;
 };
 
-/// Allows a burst of readings, and after that only a few a second. Each reading may announce a change, and a refresh of
-/// the window list waits until changes pause: a window that changes its properties all the time would otherwise delay
-/// the listing of new windows. Main thread; owned by `X11DesktopMonitor`.
+/// Allows a burst of readings of changed windows, and after that only a few a second. Each reading may announce a
+/// change, and a refresh of the window list waits until changes pause: a window that changes its properties all the
+/// time would otherwise delay the listing of new windows. Readings for a snapshot do not wait, because the snapshot
+/// must be current. So such a window is read, and the list refreshed, as often as pauses between the announcements
+/// allow: up to eight times a second. Main thread; owned by `X11DesktopMonitor`.
 class X11ReadingLimit {
 public:
     /// More than a window manager needs when it changes many windows one after the other.
@@ -58,6 +60,9 @@ public:
 
     /// How long the next reading has to wait. When it need not, the reading counts as begun.
     [[nodiscard]] Seconds begin();
+    /// A reading that does not wait has begun. It uses up the limit too, but never delays the next one by more than the
+    /// interval.
+    void noteUnlimited();
 
 private:
     const MainLoop& mainLoop_;
@@ -118,6 +123,8 @@ private:
     void handleDestroyed(xcb_window_t window);
     [[nodiscard]] bool isAnythingChanged() const { return isRootChanged_ || !changedWindows_.empty(); }
     void readAgain();
+    /// Whether the limit allows a reading now, which then counts as begun. Otherwise `readAgain` is called later.
+    [[nodiscard]] bool mayReadNow();
     void readWindows(const X11RootFacts& root);
     [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
     [[nodiscard]] X11ManagerCheck::Requests requestManagerCheck(const X11RootFacts& root);
@@ -126,7 +133,8 @@ private:
     [[nodiscard]] std::vector<X11PassingRequests> requestPassingFacts(bool asksPositions);
     /// Calls `then` when the model has the answers.
     void askPassingFacts(std::vector<X11PassingRequests> requests, std::function<void()> then);
-    void finishPendingSnapshots();
+    /// Counts the reading that has just ended, and takes out the snapshots that have waited for it.
+    [[nodiscard]] std::vector<PendingSnapshot> takeReadySnapshots();
     void finish(PendingSnapshot snapshot);
 
     MainLoop& mainLoop_;

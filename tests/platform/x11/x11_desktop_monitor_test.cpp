@@ -111,5 +111,19 @@ TEST(X11ReadingLimitTest, ABurstIsReadAtOnceAndAStreamFourTimesASecond) {
     EXPECT_EQ(readings, X11ReadingLimit::burst) << "as many as at first after a long rest, and no more";
 }
 
+TEST(X11ReadingLimitTest, AReadingThatDoesNotWaitUsesUpTheLimitToo) {
+    SimulatedMainLoop loop;
+    X11ReadingLimit limit(loop);
+    for (int reading = 0; reading < X11ReadingLimit::burst; ++reading) {
+        limit.noteUnlimited();
+    }
+    EXPECT_EQ(limit.begin(), X11ReadingLimit::interval);
+    loop.advance(X11ReadingLimit::interval / 2);
+    limit.noteUnlimited();
+    EXPECT_EQ(limit.begin(), X11ReadingLimit::interval) << "counted from the latest reading";
+    loop.advance(X11ReadingLimit::interval);
+    EXPECT_EQ(limit.begin(), Seconds::zero()) << "a stream of such readings leaves no debt";
+}
+
 }  // namespace
 }  // namespace ferrowyn

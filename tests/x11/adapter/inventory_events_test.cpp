@@ -449,6 +449,32 @@ TEST_F(InventoryEventsTest, AWindowThatNeverRestsLeavesPausesForARefresh) {
         << "a snapshot has the latest change in any case";
 }
 
+TEST_F(InventoryEventsTest, AWindowThatNeverRestsIsReadOnceForEachRefresh) {
+    const auto window = manager.createWindow();
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntilKnown(window));
+    int snapshots = 0;
+    int readingsOfSnapshots = 0;
+    int announcements = 0;
+    Subscription refresh;
+    // As the window index does: a refresh when the announcements have paused.
+    const auto refreshing = parts.workspace.observe([&](const WorkspaceEvent&) {
+        ++announcements;
+        refresh = parts.mainLoop.after(Seconds(0.12), [&] {
+            parts.monitor.takeSnapshot([&](const X11DesktopSnapshot& snapshot) {
+                ++snapshots;
+                // Two round trips for a reading, beside one at the beginning and perhaps one at the end.
+                readingsOfSnapshots += (snapshot.roundTrips - 1) / 2;
+            });
+        });
+    });
+    const auto begin = parts.mainLoop.now();
+    const RestlessWindow restless(server.display(), window);
+    ASSERT_TRUE(parts.runUntil([&] { return snapshots >= 20; }, 3 * patience));
+    const auto otherReadings = X11ReadingLimit::burst + (parts.mainLoop.now() - begin) / X11ReadingLimit::interval;
+    EXPECT_LE(announcements, readingsOfSnapshots + otherReadings + 1);
+}
+
 TEST_F(InventoryEventsTest, AListMayNameTheRootAndAWindowTwice) {
     const auto window = manager.createWindow();
     const auto other = manager.createWindow();

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
-#include <thread>
 
 #include "platform/x11/xcb_reply.h"
 
@@ -57,19 +56,17 @@ bool AdapterParts::runUntilKnown(xcb_window_t window) {
 
 std::unique_ptr<X11InventoryReading> AdapterParts::read() {
     std::unique_ptr<InventoryReading> reading;
-    bool isDone = false;
-    std::thread worker([&] {
+    // Shared, because the task that sets it may run after a wait that has failed.
+    const auto isDone = std::make_shared<bool>(false);
+    std::jthread worker([&] {
         reading = inventory.beginReading();
-        mainLoop.post([&isDone] { isDone = true; });
+        mainLoop.post([isDone] { *isDone = true; });
     });
-    const bool isInTime = runUntil([&] { return isDone; });
-    if (!isInTime) {
+    if (!runUntil([&] { return *isDone; })) {
         snapshots.close();  // or the worker would wait for ever
-    }
-    worker.join();
-    if (!isInTime) {
         throw std::runtime_error("waited for a snapshot of the desktop");
     }
+    worker.join();
     return std::unique_ptr<X11InventoryReading>(dynamic_cast<X11InventoryReading*>(reading.release()));
 }
 
@@ -255,5 +252,23 @@ void ScriptedManager::synchronize() const {
     const XcbReply<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
 }
+
+RestlessWindow::RestlessWindow(const std::string& display, xcb_window_t window)
+    : client_([display, window](const std::stop_token& stop) {
+          const auto client = X11Connection::open(display.c_str());
+          if (!client) {
+              return;
+          }
+          const X11Atoms atoms(*client);
+          for (std::uint32_t turn = 0; !stop.stop_requested(); ++turn) {
+              xcb_change_property(client->get(), XCB_PROP_MODE_REPLACE, window, atoms.netWmWindowOpacity,
+                                  XCB_ATOM_CARDINAL, 32, 1, &turn);
+              xcb_change_property(client->get(), XCB_PROP_MODE_REPLACE, window, atoms.netWmName, atoms.utf8String, 8, 4,
+                                  &turn);
+              // In step with the server, which would otherwise have more and more to catch up with.
+              const XcbReply<xcb_get_input_focus_reply_t> served(
+                  xcb_get_input_focus_reply(client->get(), xcb_get_input_focus(client->get()), nullptr));
+          }
+      }) {}
 
 }  // namespace ferrowyn::x11test

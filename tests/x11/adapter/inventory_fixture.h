@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/qt/qt_main_loop.h"
@@ -110,6 +111,16 @@ private:
     xcb_connection_t* connection_;
     xcb_window_t root_;
     xcb_window_t checkWindow_;
+};
+
+/// A client that changes the opacity and the title of a window as fast as the server serves it, until this is
+/// destroyed.
+class RestlessWindow {
+public:
+    RestlessWindow(const std::string& display, xcb_window_t window);
+
+private:
+    std::jthread client_;
 };
 
 }  // namespace ferrowyn::x11test
