@@ -5,6 +5,7 @@
 #include <xcb/xfixes.h>
 
 #include <QAbstractEventDispatcher>
+#include <limits>
 #include <utility>
 
 #include "platform/x11/xcb_reply.h"
@@ -13,6 +14,10 @@ namespace ferrowyn {
 namespace {
 
 constexpr std::uint32_t watchMask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+
+/// How many events are delivered before the loop gets to its other work. A millisecond's worth, and more than xcb reads
+/// at once, so that its queue does not grow.
+constexpr int eventsPerTurn = 1024;
 
 }  // namespace
 
@@ -95,16 +100,18 @@ void X11EventConnection::drain() {
         return;
     }
     isDraining_ = true;
+    int delivered = 0;
     bool hasProgress = true;
-    bool hasDelivered = false;
-    while (hasProgress) {
-        hasProgress = deliverEvents(xcb_poll_for_event);
-        hasProgress = deliverAnswered() || hasProgress;
-        hasDelivered = hasDelivered || hasProgress;
+    while (hasProgress && delivered < eventsPerTurn) {
+        const int events = deliverEvents(xcb_poll_for_event, eventsPerTurn - delivered);
+        const int answers = deliverAnswered();
+        hasProgress = events + answers > 0;
+        delivered += events + answers;
     }
     isDraining_ = false;
-    if (hasDelivered) {
-        // The loop may have decided how long to wait before the handlers ran. They may have started timers since.
+    if (delivered > 0) {
+        // The loop may have decided how long to wait before the handlers ran. They may have started timers since. And
+        // there may be more events.
         QAbstractEventDispatcher::instance()->wakeUp();
     }
     if (!connection_->isAlive()) {
@@ -112,19 +119,22 @@ void X11EventConnection::drain() {
     }
 }
 
-bool X11EventConnection::deliverEvents(xcb_generic_event_t* (*next)(xcb_connection_t*)) {
-    bool hasDelivered = false;
-    while (const XcbReply<xcb_generic_event_t> event{next(get())}) {
-        hasDelivered = true;
+int X11EventConnection::deliverEvents(xcb_generic_event_t* (*next)(xcb_connection_t*), int most) {
+    int delivered = 0;
+    for (; delivered < most; ++delivered) {
+        const XcbReply<xcb_generic_event_t> event{next(get())};
+        if (!event) {
+            break;
+        }
         if (!isSentByClient(*event) || typeOf(*event) == XCB_CLIENT_MESSAGE) {
             received_.send(*event);
         }
     }
-    return hasDelivered;
+    return delivered;
 }
 
-bool X11EventConnection::deliverAnswered() {
-    bool hasDelivered = false;
+int X11EventConnection::deliverAnswered() {
+    int delivered = 0;
     while (!fences_.empty()) {
         void* reply = nullptr;
         xcb_generic_error_t* error = nullptr;
@@ -139,12 +149,11 @@ bool X11EventConnection::deliverAnswered() {
         }
         const auto callback = std::move(fences_.front().callback);
         fences_.pop_front();
-        hasDelivered = true;
         // Looking for the reply may have read events from before it.
-        deliverEvents(xcb_poll_for_queued_event);
+        delivered += 1 + deliverEvents(xcb_poll_for_queued_event, std::numeric_limits<int>::max());
         callback();
     }
-    return hasDelivered;
+    return delivered;
 }
 
 void X11EventConnection::noticeLoss() {

@@ -62,9 +62,12 @@ private:
         std::function<void()> callback;
     };
 
+    /// Delivers what has arrived, but leaves a part for the loop's next turn when there is very much.
     void drain();
-    bool deliverEvents(xcb_generic_event_t* (*next)(xcb_connection_t*));
-    bool deliverAnswered();
+    /// Returns how many events were delivered.
+    int deliverEvents(xcb_generic_event_t* (*next)(xcb_connection_t*), int most);
+    /// Returns how many callbacks were called and events delivered.
+    int deliverAnswered();
     void noticeLoss();
     void selectOnRoot(bool selectsStacking);
 

@@ -475,6 +475,36 @@ TEST_F(InventoryEventsTest, AWindowThatNeverRestsIsReadOnceForEachRefresh) {
     EXPECT_LE(announcements, readingsOfSnapshots + otherReadings + 1);
 }
 
+TEST_F(InventoryEventsTest, AClientThatIsFasterThanTheEventsAreHandledDoesNotHoldUpTheLoop) {
+    const auto window = manager.createWindow();
+    parts.events.watch(window);
+    constexpr int far = 20'000;
+    int changes = 0;
+    bool isServed = false;
+    const auto change = [&] {
+        ++changes;
+        xcb_change_property(manager.connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_COMMAND, XCB_ATOM_STRING,
+                            8, 0, nullptr);
+        for (auto* const connection : {manager.connection(), parts.events.get()}) {
+            const XcbReply<xcb_get_input_focus_reply_t> served(
+                xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+        }
+    };
+    // While an event is handled, the next one arrives.
+    const auto answering = parts.events.observe([&](const xcb_generic_event_t& event) {
+        if (typeOf(event) != XCB_PROPERTY_NOTIFY || isServed || changes >= far) {
+            return;
+        }
+        if (changes == 1) {
+            parts.mainLoop.post([&] { isServed = true; });
+        }
+        change();
+    });
+    change();
+    ASSERT_TRUE(parts.runUntil([&] { return isServed; }, 6 * patience));
+    EXPECT_LT(changes, far) << "the task waited until the client paused";
+}
+
 TEST_F(InventoryEventsTest, AListMayNameTheRootAndAWindowTwice) {
     const auto window = manager.createWindow();
     const auto other = manager.createWindow();
