@@ -272,11 +272,16 @@ X11ManagerCheck::Requests X11DesktopMonitor::requestManagerCheck(const X11RootFa
 }
 
 void X11DesktopMonitor::takeSnapshot(std::function<void(X11DesktopSnapshot)> handler) {
-    askPassingFacts(requestPassingFacts(true), [this, handler = std::move(handler)]() mutable {
+    auto asked = requestPassingFacts({});
+    std::unordered_set<xcb_window_t> placed;
+    for (const auto& request : asked) {
+        placed.insert(request.window());
+    }
+    askPassingFacts(std::move(asked), [this, handler = std::move(handler), placed = std::move(placed)]() mutable {
         // All events from before the call have been handled by now. The present reading may have begun before one of
         // them; then the next one covers it.
         const int readings = (isReading_ ? 1 : 0) + (isAnythingChanged() ? 1 : 0);
-        PendingSnapshot snapshot{std::move(handler), readings, 1};
+        PendingSnapshot snapshot{std::move(handler), std::move(placed), readings, 1};
         if (readings == 0) {
             finish(std::move(snapshot));
         } else {
@@ -304,7 +309,7 @@ void X11DesktopMonitor::finish(PendingSnapshot snapshot) {
         copy.roundTrips = finished.roundTrips;
         finished.handler(std::move(copy));
     };
-    auto asked = requestPassingFacts(false);
+    auto asked = requestPassingFacts(snapshot.placed);
     // Another snapshot may have asked for what had changed before this one, and have no answer yet.
     if (asked.empty() && passingAnswersToCome_ == 0) {
         hand(snapshot);
@@ -325,11 +330,11 @@ void X11DesktopMonitor::askPassingFacts(std::vector<X11PassingRequests> requests
     });
 }
 
-std::vector<X11PassingRequests> X11DesktopMonitor::requestPassingFacts(bool asksPositions) {
+std::vector<X11PassingRequests> X11DesktopMonitor::requestPassingFacts(const std::unordered_set<xcb_window_t>& placed) {
     const auto changed = std::exchange(changedParts_, {});
     std::vector<X11PassingRequests> requests;
     const auto request = [&](xcb_window_t window, std::uint8_t parts) {
-        requests.emplace_back(events_.get(), window, events_.root(), atoms_, parts, asksPositions);
+        requests.emplace_back(events_.get(), window, events_.root(), atoms_, parts, !placed.contains(window));
     };
     for (const auto& [window, parts] : changed) {
         if (model_.find(window) != nullptr) {
@@ -339,11 +344,9 @@ std::vector<X11PassingRequests> X11DesktopMonitor::requestPassingFacts(bool asks
             changedParts_.emplace(window, parts);
         }
     }
-    if (asksPositions) {
-        for (const auto window : model_.order()) {
-            if (!changed.contains(window)) {
-                request(window, 0);
-            }
+    for (const auto window : model_.order()) {
+        if (!placed.contains(window) && !changed.contains(window)) {
+            request(window, 0);
         }
     }
     return requests;

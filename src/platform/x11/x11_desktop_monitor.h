@@ -112,6 +112,9 @@ private:
     /// A snapshot that waits for readings of the changes from before it.
     struct PendingSnapshot {
         std::function<void(X11DesktopSnapshot)> handler;
+        /// The windows whose positions were asked for when the snapshot was. Others have been listed since, and may
+        /// have been read before that.
+        std::unordered_set<xcb_window_t> placed;
         int readingsLeft = 0;
         int roundTrips = 0;
     };
@@ -129,8 +132,8 @@ private:
     [[nodiscard]] std::vector<xcb_window_t> windowsToRead(const X11RootFacts& root);
     [[nodiscard]] X11ManagerCheck::Requests requestManagerCheck(const X11RootFacts& root);
     void applyReading(X11RootFacts root, const X11ManagerCheck::Requests& check, std::vector<X11WindowFacts> windows);
-    /// Asks for the marked facts, and for all positions too where `asksPositions`.
-    [[nodiscard]] std::vector<X11PassingRequests> requestPassingFacts(bool asksPositions);
+    /// Asks for the marked facts, and for the positions of all windows but those in `placed`.
+    [[nodiscard]] std::vector<X11PassingRequests> requestPassingFacts(const std::unordered_set<xcb_window_t>& placed);
     /// Calls `then` when the model has the answers.
     void askPassingFacts(std::vector<X11PassingRequests> requests, std::function<void()> then);
     /// Counts the reading that has just ended, and takes out the snapshots that have waited for it.

@@ -450,6 +450,32 @@ TEST_F(InventorySnapshotTest, GivesTwoSnapshotsAtOnceTheSameTitle) {
     EXPECT_THAT(titles, ElementsAre("New", "New")) << "the second must not go before the title that the first asks for";
 }
 
+TEST_F(InventorySnapshotTest, HasThePositionOfAWindowThatIsMovedWhileItIsReadForTheFirstTime) {
+    const auto frame = manager.createWindow(100, 50, 320, 240);
+    const auto window = manager.createWindow();
+    manager.reparentWindow(window, frame, 5, 20);
+    ASSERT_THAT(idsOf(*parts.read()), IsEmpty()) << "and so no reading is under way";
+    std::optional<X11DesktopSnapshot> taken;
+    const auto moveAndTake = [&] {
+        // The window has been asked for; after this round trip its old position is on its way.
+        const XcbReply<xcb_get_input_focus_reply_t> served(
+            xcb_get_input_focus_reply(parts.events.get(), xcb_get_input_focus(parts.events.get()), nullptr));
+        manager.moveAndResize(frame, {200, 60, 320, 240});
+        parts.monitor.takeSnapshot([&](X11DesktopSnapshot snapshot) { taken = std::move(snapshot); });
+    };
+    const auto listed = parts.events.observe([&](const xcb_generic_event_t& event) {
+        if (typeOf(event) == XCB_PROPERTY_NOTIFY) {
+            // The monitor has begun its reading. When the first answer is there, it asks for the window, and then this.
+            parts.events.whenAnswered(moveAndTake);
+        }
+    });
+    manager.publishStacking({window});
+    ASSERT_TRUE(parts.runUntil([&] { return taken.has_value(); }));
+    ASSERT_EQ(taken->windows.size(), 1U);
+    EXPECT_EQ(taken->windows.front().frame.value().x, 205);
+    EXPECT_EQ(taken->windows.front().frame.value().y, 80);
+}
+
 TEST_F(InventorySnapshotTest, IsNotHeldUpByAWindowThatNeverRests) {
     const auto window = onlyWindow();
     ASSERT_TRUE(parts.runUntilKnown(window));
