@@ -110,7 +110,7 @@ X11Platform::Parts::Parts(std::unique_ptr<X11Connection> connection, const X11Pl
       entries(mainLoop, folders, DesktopEntries::currentLocale()),
       events(std::move(connection),
              [this, onLost = options.onConnectionLost] {
-                 snapshots.close();
+                 snapshots.close(X11DesktopSnapshots::End::connectionLost);
                  onLost ? onLost() : endProgram(log);
              }),
       atoms(events.connection()),
@@ -188,7 +188,7 @@ X11Platform::Parts::Parts(std::unique_ptr<X11Connection> connection, const X11Pl
 
 /// A worker may be waiting for a snapshot, and the workers are joined when their pool is destroyed.
 X11Platform::Parts::~Parts() {
-    snapshots.close();
+    snapshots.close(X11DesktopSnapshots::End::programEnds);
 }
 
 std::unique_ptr<X11Platform> X11Platform::create(const X11PlatformOptions& options) {

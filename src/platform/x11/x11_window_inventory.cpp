@@ -16,13 +16,16 @@ X11DesktopSnapshot X11DesktopSnapshots::take() {
         }));
     }));
     std::unique_lock lock(mutex_);
-    answered_.wait(lock, [&] { return isClosed_ || request->answer; });
-    return isClosed_ ? X11DesktopSnapshot{} : std::move(*request->answer);
+    answered_.wait(lock, [&] { return end_ || request->answer; });
+    if (end_) {
+        return X11DesktopSnapshot{.isValid = *end_ == End::programEnds};
+    }
+    return std::move(*request->answer);
 }
 
-void X11DesktopSnapshots::close() {
+void X11DesktopSnapshots::close(End end) {
     const std::scoped_lock lock(mutex_);
-    isClosed_ = true;
+    end_ = end_.value_or(end);
     answered_.notify_all();
 }
 

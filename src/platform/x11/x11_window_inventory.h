@@ -28,9 +28,11 @@ public:
     /// The desktop as it is now. Any thread but the main one: waits for the main loop, which asks the server.
     [[nodiscard]] X11DesktopSnapshot take();
 
-    /// Ends every wait of `take`, now and later, with an invalid snapshot: the connection is lost, or the main loop has
-    /// ended. Main thread. Call it before the threads that may wait are joined.
-    void close();
+    enum class End { connectionLost, programEnds };
+    /// Ends every wait of `take`, now and later. The snapshot is invalid when the connection was lost, and valid and
+    /// empty when the program ends, which is no fault to report. Only the first call counts. Main thread. Call it
+    /// before the threads that may wait are joined.
+    void close(End end);
 
 private:
     /// What one caller waits for. Shared by that caller and the main loop's task, which may come too late.
@@ -40,10 +42,10 @@ private:
 
     MainLoop& mainLoop_;
     X11DesktopMonitor& monitor_;
-    /// Guards `isClosed_` and the answers.
+    /// Guards `end_` and the answers.
     std::mutex mutex_;
     std::condition_variable answered_;
-    bool isClosed_ = false;
+    std::optional<End> end_;
     LifeToken life_;
 };
 

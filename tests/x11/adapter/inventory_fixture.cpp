@@ -25,7 +25,7 @@ AdapterParts::AdapterParts(const std::string& display)
       directory(nullptr),
       events(X11Connection::open(display.c_str()),
              [this] {
-                 snapshots.close();
+                 snapshots.close(X11DesktopSnapshots::End::connectionLost);
                  isConnectionLost = true;
              }),
       atoms(events.connection()),
@@ -63,7 +63,7 @@ std::unique_ptr<X11InventoryReading> AdapterParts::read() {
         mainLoop.post([isDone] { *isDone = true; });
     });
     if (!runUntil([&] { return *isDone; })) {
-        snapshots.close();  // or the worker would wait for ever
+        snapshots.close(X11DesktopSnapshots::End::programEnds);  // or the worker would wait for ever
         throw std::runtime_error("waited for a snapshot of the desktop");
     }
     worker.join();

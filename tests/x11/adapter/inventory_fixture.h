@@ -31,7 +31,7 @@ namespace ferrowyn::x11test {
 class AdapterParts {
 public:
     explicit AdapterParts(const std::string& display);
-    ~AdapterParts() { snapshots.close(); }
+    ~AdapterParts() { snapshots.close(X11DesktopSnapshots::End::programEnds); }
     AdapterParts(const AdapterParts&) = delete;
     AdapterParts& operator=(const AdapterParts&) = delete;
 
