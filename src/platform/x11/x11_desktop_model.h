@@ -56,7 +56,7 @@ using X11FocusHistory = std::unordered_map<Pid, xcb_window_t>;
 
 /// A copy of the whole desktop at one moment, for any thread.
 struct X11DesktopSnapshot {
-    /// False when the connection was lost.
+    /// False when the connection was lost. True for the empty snapshot of a program that ends.
     bool isValid = false;
     xcb_window_t root = XCB_WINDOW_NONE;
     std::optional<std::uint32_t> currentDesktop;

@@ -88,9 +88,9 @@ public:
     [[nodiscard]] X11EventConnection& connection() { return events_; }
 
     /// Calls the handler with a copy of the model that has every change that the server had made when this was called.
-    /// It asks for the windows' positions and for what has changed, usually in one round trip, and never for more than
-    /// is known to have changed when the first answer is there: a window that changes all the time delays nothing. Not
-    /// called when the connection is lost first.
+    /// It asks for the windows' positions and for what has changed. That takes one round trip, and a few more where
+    /// events that came with the answer have told of further changes. It does not wait for later changes, so a window
+    /// that changes all the time does not delay it. Not called when the connection is lost first.
     void takeSnapshot(std::function<void(X11DesktopSnapshot)> handler);
 
     /// See `X11DesktopModel::expectActive`. The expectation ends by itself after a short time.

@@ -47,7 +47,7 @@ X11EventConnection::~X11EventConnection() {
 
 void X11EventConnection::watch(xcb_window_t window) {
     const auto* const setup = xcb_get_setup(get());
-    // Any client can name any window in a property, also one of ours, which has a mask of its own.
+    // Any client can name any window in a property, also one of ours, whose mask must stay.
     const bool isOurs = (window & ~setup->resource_id_mask) == setup->resource_id_base;
     if (!isOurs && window != root() && window != XCB_WINDOW_NONE) {
         xcb_change_window_attributes(get(), window, XCB_CW_EVENT_MASK, &watchMask);

@@ -13,12 +13,12 @@
 namespace ferrowyn {
 
 /// The main thread's connection, which all parts of the adapter on this thread share. Delivers its events on the main
-/// loop. It never waits for the server: a caller sends requests and gets a callback when the replies have arrived.
-/// Events sent by other clients are dropped, except client messages. Main thread.
+/// loop. It waits for the server only at the first use of an extension: a caller sends requests and gets a callback
+/// when the replies have arrived. Events sent by other clients are dropped, except client messages. Main thread.
 ///
 /// A client has one event mask for each window, so no part selects events by itself: `watch` selects the same events on
-/// every window, and whoever gets an event looks at the window that it is about. Only the windows that this program has
-/// made on this connection have masks of their own.
+/// every window, and a handler looks at the window that an event is about. Only the windows that this program has made
+/// on this connection have other masks.
 class X11EventConnection {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
@@ -46,7 +46,7 @@ public:
     /// Whether the event says that the arrangement of the screens has changed.
     [[nodiscard]] bool isScreenChange(const xcb_generic_event_t& event) const;
     /// Selects events for changes of the selection's owner. Returns the first event number of the XFIXES extension;
-    /// nullopt when the server lacks it. Does not wait.
+    /// nullopt when the server lacks it.
     [[nodiscard]] std::optional<std::uint8_t> listenToSelection(xcb_atom_t selection);
 
     /// Flushes, and calls `callback` when the replies to all requests sent so far have arrived: collecting them does

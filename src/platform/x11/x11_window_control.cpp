@@ -90,7 +90,8 @@ void X11WindowControl::raiseAndFocus(const RaiseRequest& request) {
     }
     raised_ = top;
     if (top == XCB_WINDOW_NONE) {
-        // Closed meanwhile. Once, because nobody would notice that the user has chosen something else since.
+        // The window was closed meanwhile. Only the first try activates its application: a later one would not notice
+        // that the user has chosen something else since.
         if (!request.isRetry) {
             activateApplication(request.pid);
         }

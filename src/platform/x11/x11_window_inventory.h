@@ -49,7 +49,7 @@ private:
     LifeToken life_;
 };
 
-/// Answers the questions of one inventory snapshot from one reading of the desktop. Any thread; sends no requests.
+/// Answers the questions of one inventory snapshot from one copy of the model. Any thread; sends no requests.
 class X11InventoryReading final : public InventoryReading {
 public:
     /// `scale` is in device pixels per point. The directory outlives this.
@@ -61,7 +61,7 @@ public:
     [[nodiscard]] std::optional<AccessibleApplication> windowsOf(Pid pid, Seconds messagingTimeout) const override;
     [[nodiscard]] bool hasWindowNumberLookup() const override { return true; }
 
-    /// How many round trips the reading took.
+    /// How many round trips the snapshot took.
     [[nodiscard]] int roundTrips() const { return snapshot_.roundTrips; }
 
 private:

@@ -149,7 +149,7 @@ private:
 };
 
 /// Facts that may change many times a second and that nothing but a snapshot needs. An absent one has not been asked
-/// for, or the window was destroyed.
+/// for, or the window was destroyed; the title of a destroyed window is empty instead.
 struct X11PassingFacts {
     std::optional<std::string> title;
     std::optional<bool> isMapped;
