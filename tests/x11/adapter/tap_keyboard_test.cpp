@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
@@ -409,6 +411,24 @@ TEST_F(MadeTapTest, AThreadThatIsSlowToServeIsWaitedForOneSecondAndServesTheTapA
         input.chord({key::leftAlt, key::tab});
         return testing::Value(takeTold(), Contains(TapEvent::Type::keyDown));
     }));
+}
+
+TEST_F(MadeTapTest, AStartWithoutADescriptorToWakeTheThreadIsRefusedInWords) {
+    rlimit usual{};
+    getrlimit(RLIMIT_NOFILE, &usual);
+    onEngine = [&](const X11Connection&) {
+        // All below the lowest free one are in use.
+        const int lowest = dup(STDERR_FILENO);
+        close(lowest);
+        const rlimit none{static_cast<rlim_t>(lowest), usual.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    };
+    const auto refused = create();
+    setrlimit(RLIMIT_NOFILE, &usual);
+    EXPECT_EQ(refused.tap, nullptr);
+    EXPECT_EQ(refused.refusal, "No event descriptor for the keyboard's thread");
+    EXPECT_FALSE(isTabGrabbed(XCB_INPUT_DEVICE_ALL, XCB_MOD_MASK_1));
+    EXPECT_NE(start(), nullptr);
 }
 
 TEST_F(TapKeyboardTest, TheThreadHasTheEndOfItsName) {

@@ -10,7 +10,9 @@ namespace ferrowyn {
 X11CommandQueue::X11CommandQueue() : eventDescriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 X11CommandQueue::~X11CommandQueue() {
-    close(eventDescriptor_);
+    if (eventDescriptor_ >= 0) {
+        close(eventDescriptor_);
+    }
 }
 
 void X11CommandQueue::post(Command command) {

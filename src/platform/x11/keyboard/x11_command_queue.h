@@ -16,7 +16,8 @@ public:
     X11CommandQueue(const X11CommandQueue&) = delete;
     X11CommandQueue& operator=(const X11CommandQueue&) = delete;
 
-    /// Readable while a command waits.
+    /// Readable while a command waits. Negative when the process can have no more descriptors; then nothing wakes the
+    /// tap thread, and the queue must not be used.
     [[nodiscard]] int fileDescriptor() const { return eventDescriptor_; }
     void post(Command command);
     /// Runs the commands that wait. Tap thread.

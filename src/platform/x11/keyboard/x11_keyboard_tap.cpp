@@ -58,6 +58,9 @@ X11KeyboardTap::Creation X11KeyboardTap::start(MakeEngine makeEngine, SwitcherMo
     }
     std::unique_ptr<X11KeyboardTap> tap(
         new X11KeyboardTap(std::move(created.engine), std::move(makeEngine), trigger, log));
+    if (tap->commands_.fileDescriptor() < 0) {
+        return {nullptr, "No event descriptor for the keyboard's thread"};
+    }
     if (!tap->startThread()) {
         return {nullptr, std::string(KeyboardTaps::threadRefusal)};
     }
