@@ -6,6 +6,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <mutex>
 #include <string>
 
@@ -429,6 +430,31 @@ TEST_F(MadeTapTest, AStartWithoutADescriptorToWakeTheThreadIsRefusedInWords) {
     EXPECT_EQ(refused.refusal, "No event descriptor for the keyboard's thread");
     EXPECT_FALSE(isTabGrabbed(XCB_INPUT_DEVICE_ALL, XCB_MOD_MASK_1));
     EXPECT_NE(start(), nullptr);
+}
+
+TEST_F(MadeTapTest, ARequestThatIsClosedWhileTheTapGivesItUpIsForgotten) {
+    const TapSession session{7};
+    decide = [&](const TapEvent& event) {
+        TapVerdict verdict;
+        if (event.type() == TapEvent::Type::keyDown) {
+            verdict = {.isSwallowed = true, .requestedSession = session};
+        }
+        return verdict;
+    };
+    std::promise<bool> forgotten;
+    auto answer = forgotten.get_future();
+    const auto tap = start();
+    ASSERT_NE(tap, nullptr);
+    tap->post([&](X11TapEngine&) {
+        log.awaited = "No answer to the trigger; the keyboard is given back";
+        log.onMessage = [&] {
+            tap->closeSession(session);
+            tap->post([&](X11TapEngine&) { forgotten.set_value(!tap->hasGivenUp(session)); });
+        };
+    });
+    toggle();
+    ASSERT_EQ(answer.wait_for(patience), std::future_status::ready) << "waited for the tap to give the request up";
+    EXPECT_TRUE(answer.get());
 }
 
 TEST_F(TapKeyboardTest, TheThreadHasTheEndOfItsName) {

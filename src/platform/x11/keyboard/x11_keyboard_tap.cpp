@@ -119,11 +119,14 @@ void X11KeyboardTap::openSession(TapSession session) {
 }
 
 void X11KeyboardTap::closeSession(TapSession session) {
-    {
+    commands_.post([this, session] {
+        if (isConnected_.load()) {
+            engine_->closeSession(session);
+        }
+        // Here because this thread may give the request up before it hears of the end.
         const std::scoped_lock guard(givenUpLock_);
         givenUp_.erase(session);
-    }
-    post([session](X11TapEngine& engine) { engine.closeSession(session); });
+    });
 }
 
 bool X11KeyboardTap::hasGivenUp(TapSession session) const {
