@@ -9,6 +9,7 @@
 #include <future>
 #include <mutex>
 #include <string>
+#include <thread>
 
 #include "tests/x11/adapter/tap_keyboard_fixture.h"
 
@@ -414,6 +415,30 @@ TEST_F(MadeTapTest, AThreadThatIsSlowToServeIsWaitedForOneSecondAndServesTheTapA
     }));
 }
 
+TEST_F(MadeTapTest, ATapThatIsDestroyedBeforeItsThreadServesLeavesNothing) {
+    auto* const other = desktop.connection();
+    onEngine = [&](const X11Connection&) {
+        xcb_grab_server(other);
+        const XcbReply<xcb_get_input_focus_reply_t> sync(
+            xcb_get_input_focus_reply(other, xcb_get_input_focus(other), nullptr));
+    };
+    auto tap = start();
+    ASSERT_NE(tap, nullptr);
+    std::promise<void> removal;
+    tap->onRemoval = [&] { removal.set_value(); };
+    std::thread release([&, hasBegun = removal.get_future()] {
+        hasBegun.wait();
+        xcb_ungrab_server(other);
+        xcb_flush(other);
+    });
+    tap.reset();
+    release.join();
+    EXPECT_FALSE(isTabGrabbed(XCB_INPUT_DEVICE_ALL, XCB_MOD_MASK_1));
+    toggle();
+    expectNothingLeft();
+    EXPECT_THAT(takeTold(), testing::IsEmpty());
+}
+
 TEST_F(MadeTapTest, AStartWithoutADescriptorToWakeTheThreadIsRefusedInWords) {
     rlimit usual{};
     getrlimit(RLIMIT_NOFILE, &usual);
@@ -455,6 +480,51 @@ TEST_F(MadeTapTest, ARequestThatIsClosedWhileTheTapGivesItUpIsForgotten) {
     toggle();
     ASSERT_EQ(answer.wait_for(patience), std::future_status::ready) << "waited for the tap to give the request up";
     EXPECT_TRUE(answer.get());
+}
+
+/// Taps of one `X11KeyboardTaps`.
+class SeveralTapsTest : public TapKeyboardTest {
+protected:
+    [[nodiscard]] std::unique_ptr<KeyboardTap> start(std::promise<void>& disabled) {
+        auto started = taps.start(SwitcherModifier::option, [&disabled](const TapEvent& event) {
+            if (event.type() == TapEvent::Type::disabledByUserInput) {
+                disabled.set_value();
+            }
+            return TapVerdict{};
+        });
+        EXPECT_EQ(started.refusal, "");
+        return std::move(started.tap);
+    }
+    void expectDisabled(std::promise<void>& disabled) {
+        EXPECT_EQ(disabled.get_future().wait_for(patience), std::future_status::ready) << "waited for the tap's report";
+    }
+
+    SilentLog log;
+    X11InputContext context;
+    X11KeyboardTaps taps{context, log, server.display()};
+    std::promise<void> firstDisabled;
+    std::promise<void> secondDisabled;
+};
+
+TEST_F(SeveralTapsTest, TheTapStartedLastIsToldWhenTheOneBeforeItIsDestroyed) {
+    auto first = start(firstDisabled);
+    const auto second = start(secondDisabled);
+    ASSERT_NE(second, nullptr);
+    first.reset();
+    taps.notifyKeyboardUnavailable();
+    expectDisabled(secondDisabled);
+    EXPECT_FALSE(second->isEnabled());
+}
+
+TEST_F(SeveralTapsTest, NoTapIsToldAfterTheLastOneWasDestroyed) {
+    start(firstDisabled).reset();
+    taps.notifyKeyboardUnavailable();
+    context.requestKeyboardProbe();
+    EXPECT_EQ(firstDisabled.get_future().wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+    const auto second = start(secondDisabled);
+    ASSERT_NE(second, nullptr);
+    taps.notifyKeyboardUnavailable();
+    expectDisabled(secondDisabled);
 }
 
 TEST_F(TapKeyboardTest, TheThreadHasTheEndOfItsName) {
