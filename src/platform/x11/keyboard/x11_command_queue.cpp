@@ -28,19 +28,14 @@ void X11CommandQueue::run() {
     // Before the commands are taken, so that the wake-up of one that comes meanwhile is not lost.
     eventfd_t count = 0;
     [[maybe_unused]] const int result = eventfd_read(eventDescriptor_, &count);
-    while (const auto command = take()) {
+    std::deque<Command> waiting;
+    {
+        const std::scoped_lock guard(lock_);
+        waiting.swap(commands_);
+    }
+    for (const auto& command : waiting) {
         command();
     }
-}
-
-X11CommandQueue::Command X11CommandQueue::take() {
-    const std::scoped_lock guard(lock_);
-    if (commands_.empty()) {
-        return nullptr;
-    }
-    auto command = std::move(commands_.front());
-    commands_.pop_front();
-    return command;
 }
 
 }  // namespace ferrowyn

@@ -20,12 +20,10 @@ public:
     /// tap thread, and the queue must not be used.
     [[nodiscard]] int fileDescriptor() const { return eventDescriptor_; }
     void post(Command command);
-    /// Runs the commands that wait. Tap thread.
+    /// Runs the commands that wait now; one that is posted meanwhile waits for the next call. Tap thread.
     void run();
 
 private:
-    [[nodiscard]] Command take();
-
     int eventDescriptor_;
     std::mutex lock_;
     std::deque<Command> commands_;
