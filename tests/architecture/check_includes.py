@@ -109,7 +109,7 @@ def self_test():
         ("ui/a.cpp", "#ifdef __linux__"),
         ("input/a.cpp", "#if defined(__APPLE__)"),
         ("core/a.cpp", "#include <ui/switcher_view.h>"),
-        ("ui/panel/a.cpp", '#include "ui/windows/window_theme.h"'),
+        ("ui/panel/a.cpp", '#include "ui/windows/utility_theme.h"'),
         ("ui/common/a.h", '#include "ui/panel/panel_scene.h"'),
         ("input/a.cpp", "#include <sched.h>"),
         ("ui/a.mm", '#import "platform/macos/mac_panel.h"'),

@@ -124,7 +124,7 @@ TEST_F(MacWindowControlTest, AHungApplicationIsWaitedForHalfASecondAMessage) {
     EXPECT_NEAR(accessibility.secondsWaited(), 3.5, 1e-6);
 }
 
-TEST_F(MacWindowControlTest, AnApplicationThatTheSystemGivesNoHandleOfIsOnlyActivated) {
+TEST_F(MacWindowControlTest, WithoutAHandleOfTheApplicationItsWindowIsRaisedAndItIsActivated) {
     accessibility.refusesHandles = true;
     control.raiseAndFocus({.pid = notes, .window = handle});
     EXPECT_THAT(applications.takeSteps(),

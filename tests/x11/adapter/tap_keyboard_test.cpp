@@ -482,6 +482,23 @@ TEST_F(MadeTapTest, ARequestThatIsClosedWhileTheTapGivesItUpIsForgotten) {
     EXPECT_TRUE(answer.get());
 }
 
+TEST_F(MadeTapTest, IsEnabledSaysTheLastRequestWhileEarlierOnesAreCarriedOut) {
+    for (const bool last : {true, false}) {
+        std::promise<void> requested;
+        std::promise<bool> between;
+        auto isRequested = requested.get_future();
+        auto isEnabledBetween = between.get_future();
+        const auto tap = start();
+        ASSERT_NE(tap, nullptr);
+        tap->post([&](X11TapEngine&) { isRequested.wait(); });
+        tap->setEnabled(!last);
+        tap->post([&](X11TapEngine&) { between.set_value(tap->isEnabled()); });
+        tap->setEnabled(last);
+        requested.set_value();
+        EXPECT_EQ(isEnabledBetween.get(), last);
+    }
+}
+
 /// Taps of one `X11KeyboardTaps`.
 class SeveralTapsTest : public TapKeyboardTest {
 protected:

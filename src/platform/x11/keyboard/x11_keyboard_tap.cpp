@@ -93,14 +93,12 @@ bool X11KeyboardTap::startThread() {
 }
 
 void X11KeyboardTap::setEnabled(bool enabled) {
-    isEnabled_.store(enabled && isConnected_.load());
+    isRequested_.store(enabled);
     if (enabled) {
+        isLost_.store(!isConnected_.load());
         commands_.post([this] { enable(); });
     } else {
-        post([this](X11TapEngine& engine) {
-            isEnabled_.store(false);
-            engine.setEnabled(false);
-        });
+        post([](X11TapEngine& engine) { engine.setEnabled(false); });
     }
 }
 
@@ -145,7 +143,7 @@ void X11KeyboardTap::post(std::function<void(X11TapEngine&)> command) {
 void X11KeyboardTap::run() {
     nameThread(KeyboardTaps::threadName);
     raisePriority();
-    if (isEnabled_.load()) {
+    if (isEnabled()) {
         engine_->setEnabled(true);
     }
     served_.set_value();
@@ -182,7 +180,7 @@ void X11KeyboardTap::enable() {
         connectAgain();
     }
     // The caller of `setEnabled` has noted this already, but the tap may have been disabled or disconnected since.
-    isEnabled_.store(isConnected_.load());
+    isLost_.store(!isConnected_.load());
     if (isConnected_.load()) {
         engine_->setEnabled(true);
     }
@@ -190,7 +188,7 @@ void X11KeyboardTap::enable() {
 
 void X11KeyboardTap::adopt(std::unique_ptr<X11TapEngine> engine) {
     engine_ = std::move(engine);
-    engine_->onLoss = [this] { isEnabled_.store(false); };
+    engine_->onLoss = [this] { isLost_.store(true); };
     engine_->onRequestGivenUp = [this](TapSession session) {
         const std::scoped_lock guard(givenUpLock_);
         givenUp_.insert(session);
@@ -201,7 +199,7 @@ void X11KeyboardTap::adopt(std::unique_ptr<X11TapEngine> engine) {
 /// one, the server is gone or serves as many clients as it can: the next request to enable the tap tries again.
 void X11KeyboardTap::replaceEngine() {
     isConnected_.store(false);
-    isEnabled_.store(false);
+    isLost_.store(true);
     engine_->giveRequestUp();
     connectAgain();
     if (isConnected_.load()) {

@@ -37,7 +37,7 @@ public:
     X11KeyboardTap& operator=(const X11KeyboardTap&) = delete;
 
     void setEnabled(bool enabled) override;
-    [[nodiscard]] bool isEnabled() const override { return isEnabled_.load(); }
+    [[nodiscard]] bool isEnabled() const override { return isRequested_.load() && !isLost_.load(); }
     void setTrigger(SwitcherModifier modifier) override;
     void openSession(TapSession session) override;
     void closeSession(TapSession session) override;
@@ -63,7 +63,10 @@ private:
 
     Log& log_;
     X11CommandQueue commands_;
-    std::atomic<bool> isEnabled_{true};
+    /// The last value given to `setEnabled`.
+    std::atomic<bool> isRequested_{true};
+    /// The tap disabled itself or lost its connection, and has not been enabled since.
+    std::atomic<bool> isLost_{false};
     /// False from the loss of the connection until there is a new one.
     std::atomic<bool> isConnected_{true};
     std::promise<void> served_;

@@ -78,9 +78,9 @@ public:
     void reportEnd();
     /// Handles all events that have arrived and all deadlines that have passed. False when the connection is lost.
     [[nodiscard]] bool serve();
-    /// Called when the tap disables itself, before the tap's callback. Set before the tap's thread starts.
+    /// Called when the tap disables itself, before the tap's callback. Set before the engine is used.
     std::function<void()> onLoss = [] {};
-    /// Called with a request that `giveRequestUp` gives up. Set before the tap's thread starts.
+    /// Called with a request that `giveRequestUp` gives up. Set before the engine is used.
     std::function<void(TapSession)> onRequestGivenUp = [](TapSession) {};
     /// The session that was asked for, if it awaits its answer, can have no keys any more.
     void giveRequestUp() const;
