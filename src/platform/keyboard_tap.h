@@ -100,7 +100,9 @@ public:
     virtual void closeSession(TapSession session) = 0;
     /// Whether the tap has given this request up, because the main thread did not answer in time or something else
     /// needed the keyboard. What the user has typed since went to the application, so the main thread opens no session
-    /// for it any more, and answers with `closeSession`. A tap that holds no events back gives nothing up.
+    /// for it any more, and answers with `closeSession`. When the main thread was just opening the session, the tap
+    /// answers `openSession` with `disabledByUserInput`, which ends it; it may stay enabled. A tap that holds no events
+    /// back gives nothing up.
     [[nodiscard]] virtual bool hasGivenUp(TapSession session) const = 0;
 };
 

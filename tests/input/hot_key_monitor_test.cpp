@@ -312,6 +312,25 @@ TEST_F(HotKeyMonitorTest, DropsTriggersThatTheTapHasGivenUpAndHandlesTheNextOne)
     EXPECT_THAT(desktop.takeLog(), ElementsAre(dropped, dropped));
 }
 
+TEST_F(HotKeyMonitorTest, EndsASessionWhoseRequestWasGivenUpWhileItOpened) {
+    start();
+    monitor->onCommand = [&](const SwitcherCommand& command) {
+        commands.push_back(command);
+        desktop.giveUpTapRequest();
+        monitor->state().openSession(true);
+    };
+    desktop.keyDown(optionTab);
+    desktop.settle();
+    EXPECT_EQ(disableCount, 1) << "the panel is to be closed";
+    EXPECT_FALSE(monitor->state().snapshot().isSwitcherVisible);
+    EXPECT_TRUE(desktop.tapIsEnabled());
+    monitor->onCommand = [&](const SwitcherCommand&) { monitor->state().openSession(true); };
+    desktop.keyDown(optionTab);
+    desktop.settle();
+    EXPECT_EQ(disableCount, 1) << "the next session stays open";
+    EXPECT_TRUE(monitor->state().snapshot().isSwitcherVisible);
+}
+
 TEST_F(HotKeyMonitorTest, ToleratesMissingCallbacks) {
     monitor->onCommand = nullptr;
     monitor->onTapDisabled = nullptr;

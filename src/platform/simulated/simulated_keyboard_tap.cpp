@@ -25,8 +25,18 @@ void SimulatedKeyboardTap::setTrigger(SwitcherModifier modifier) {
 }
 
 void SimulatedKeyboardTap::openSession(TapSession session) {
-    const std::scoped_lock lock(lock_);
-    session_ = session;
+    {
+        const std::scoped_lock lock(lock_);
+        if (!givenUp_.contains(session)) {
+            session_ = session;
+            if (request_ == session) {
+                request_.reset();
+            }
+            return;
+        }
+    }
+    // Without the lock, because the callback may call the tap.
+    static_cast<void>(callback_(SimulatedTapEvent(TapEvent::Type::disabledByUserInput, {})));
 }
 
 void SimulatedKeyboardTap::closeSession(TapSession session) {
@@ -34,6 +44,9 @@ void SimulatedKeyboardTap::closeSession(TapSession session) {
     givenUp_.erase(session);
     if (session_ == session) {
         session_.reset();
+    }
+    if (request_ == session) {
+        request_.reset();
     }
 }
 

@@ -60,7 +60,7 @@ public:
     [[nodiscard]] std::optional<TapVerdict> deliver(const TapEvent& event);
     /// Disables the tap first, then delivers the event for that, as the system does.
     void disableBySystem(TapEvent::Type reason);
-    /// Gives up the session that was requested last.
+    /// Gives up the session that was requested last, if it has no answer yet.
     void giveUpRequest();
 
 private:

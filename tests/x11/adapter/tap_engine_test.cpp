@@ -18,6 +18,7 @@
 #include "platform/log.h"
 #include "platform/x11/keyboard/x11_tap_engine.h"
 #include "platform/x11/xcb_reply.h"
+#include "tests/x11/adapter/tap_rig.h"
 #include "tests/x11/harness/child_process.h"
 #include "tests/x11/harness/desktop_processes.h"
 #include "tests/x11/harness/test_desktop.h"
@@ -29,21 +30,6 @@ namespace {
 
 constexpr std::uint16_t tabKey = 48;
 constexpr std::string_view guardIsGone = "The keyboard's guard is gone; keys are not held back any more";
-
-/// Does something as soon as a certain message is written.
-class HookedLog final : public Log {
-public:
-    void write(LogLevel /*level*/, std::string_view /*category*/, std::string_view message) override {
-        if (message == awaited) {
-            if (const auto hook = std::exchange(onMessage, nullptr)) {
-                hook();
-            }
-        }
-    }
-
-    std::string_view awaited;
-    std::function<void()> onMessage;
-};
 
 class TapEngineTest : public testing::Test {
 protected:

@@ -17,6 +17,7 @@ namespace ferrowyn::x11test {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::Not;
 
 TEST_F(TapKeyboardTest, ShiftReversesTheTriggerAndIsReportedAsAFlag) {
@@ -166,6 +167,7 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenTheMainThreadDoesNotAnswer) {
     const TapSession first{1};
     EXPECT_TRUE(rig.tap().hasGivenUp(first)) << "an answer that comes later must open nothing";
     rig.tap().closeSession(first);
+    ASSERT_TRUE(rig.settle());
     EXPECT_FALSE(rig.tap().hasGivenUp(first));
     toggle();
     ASSERT_TRUE(rig.waitUntil([&] { return rig.requests() == 2; }));
@@ -173,6 +175,30 @@ TEST_F(TapKeyboardTest, GivesTheKeyboardBackWhenTheMainThreadDoesNotAnswer) {
     rig.taps().notifyKeyboardUnavailable();
     ASSERT_TRUE(rig.settle());
     EXPECT_TRUE(rig.tap().hasGivenUp(TapSession{2}));
+    expectNothingLeft();
+}
+
+TEST_F(TapKeyboardTest, ASessionThatOpensForARequestThatWasGivenUpGetsNoKeysAndIsReported) {
+    TapRig rig(server.display(), {.answers = false});
+    toggle();
+    const TapSession session{1};
+    ASSERT_TRUE(rig.waitUntil([&] { return rig.requests() == 1; }));
+    expectNothingLeft();
+    ASSERT_TRUE(rig.tap().hasGivenUp(session));
+    rig.forgetSeen();
+    // The main thread has begun to open it in time, and was slow.
+    rig.tap().openSession(session);
+    ASSERT_TRUE(rig.settle());
+    EXPECT_TRUE(desktop.keyboardIsFree());
+    EXPECT_THAT(rig.seen(), ElementsAre(testing::Field(&TapRig::Seen::type, TapEvent::Type::disabledByUserInput)));
+    EXPECT_TRUE(rig.tap().isEnabled()) << "the next trigger is the tap's";
+    rig.tap().closeSession(session);
+    rig.openFromMenu();
+    ASSERT_TRUE(rig.waitForOpened(1));
+    ASSERT_TRUE(rig.settle());
+    EXPECT_FALSE(desktop.keyboardIsFree()) << "the next session has the keyboard";
+    rig.close();
+    ASSERT_TRUE(rig.waitForClosed(1));
     expectNothingLeft();
 }
 
@@ -321,13 +347,18 @@ class MadeTapTest : public TapKeyboardTest {
 protected:
     /// Called when the first engine has been made, with its connection.
     std::function<void(const X11Connection&)> onEngine;
+    /// Called on the tap thread with each event. Set before the start.
+    std::function<TapVerdict(const TapEvent&)> decide = [](const TapEvent&) { return TapVerdict{}; };
     std::atomic<bool> isRefused{false};
-    SilentLog log;
+    HookedLog log;
     X11InputContext context;
 
+    [[nodiscard]] X11KeyboardTap::Creation create() {
+        return X11KeyboardTap::start([this](SwitcherModifier trigger) { return makeEngine(trigger); },
+                                     SwitcherModifier::option, log);
+    }
     [[nodiscard]] std::unique_ptr<X11KeyboardTap> start() {
-        auto created = X11KeyboardTap::start([this](SwitcherModifier trigger) { return makeEngine(trigger); },
-                                             SwitcherModifier::option, log);
+        auto created = create();
         EXPECT_EQ(created.refusal, "");
         return std::move(created.tap);
     }
@@ -350,9 +381,11 @@ private:
         auto created = X11TapEngine::create(
             X11Connection::open(server.display().c_str()), nullptr, trigger,
             [this](const TapEvent& event) {
-                const std::scoped_lock guard(lock_);
-                told_.push_back(event.type());
-                return TapVerdict{};
+                {
+                    const std::scoped_lock guard(lock_);
+                    told_.push_back(event.type());
+                }
+                return decide(event);
             },
             context, log);
         if (const auto call = std::exchange(onEngine, nullptr)) {
@@ -386,7 +419,7 @@ TEST_F(MadeTapTest, ATapThatCannotBeginAnewSaysSoAndTriesAgainWhenItIsEnabled) {
     isRefused = false;
     tap->setEnabled(true);
     EXPECT_TRUE(desktop.waitUntil([&] { return tap->isEnabled(); }));
-    EXPECT_THAT(takeTold(), testing::ElementsAre(TapEvent::Type::disabledByUserInput));
+    EXPECT_THAT(takeTold(), ElementsAre(TapEvent::Type::disabledByUserInput));
     EXPECT_TRUE(desktop.waitUntil([&] {
         input.chord({key::leftControl, key::tab});
         return testing::Value(takeTold(), Contains(TapEvent::Type::keyDown));

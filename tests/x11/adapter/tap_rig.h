@@ -10,7 +10,9 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/keyboard_tap.h"
@@ -21,6 +23,21 @@
 #include "tests/x11/harness/child_process.h"
 
 namespace ferrowyn::x11test {
+
+/// Does something as soon as a certain message is written.
+class HookedLog final : public Log {
+public:
+    void write(LogLevel /*level*/, std::string_view /*category*/, std::string_view message) override {
+        if (message == awaited) {
+            if (const auto hook = std::exchange(onMessage, nullptr)) {
+                hook();
+            }
+        }
+    }
+
+    std::string_view awaited;
+    std::function<void()> onMessage;
+};
 
 /// A keyboard tap on its own thread, with a switcher reduced to what the tap sees of one: a callback that classifies,
 /// and a main thread that opens and closes sessions when it gets round to it.

@@ -113,7 +113,14 @@ void X11KeyboardTap::setTrigger(SwitcherModifier modifier) {
 }
 
 void X11KeyboardTap::openSession(TapSession session) {
-    post([session](X11TapEngine& engine) { engine.openSession(session); });
+    post([this, session](X11TapEngine& engine) {
+        // Checked here because this thread gives requests up: the main thread may have begun to open it in time.
+        if (hasGivenUp(session)) {
+            engine.reportLateSession();
+        } else {
+            engine.openSession(session);
+        }
+    });
 }
 
 void X11KeyboardTap::closeSession(TapSession session) {

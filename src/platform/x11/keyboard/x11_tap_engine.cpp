@@ -297,6 +297,11 @@ void X11TapEngine::reportEnd() {
     delivery_.disabled();
 }
 
+void X11TapEngine::reportLateSession() {
+    log_.write(LogLevel::standard, category, "The session was opened too late and gets no keys; it is ended");
+    delivery_.disabled();
+}
+
 void X11TapEngine::answerGuard() {
     if (guard_ == nullptr) {
         return;

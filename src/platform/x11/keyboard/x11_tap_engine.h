@@ -76,6 +76,9 @@ public:
     void reportLoss();
     /// This engine's connection is lost, and there is no new engine yet.
     void reportEnd();
+    /// A session has opened for a request that was given up. Reports the tap as disabled, so that the session ends; the
+    /// tap goes on.
+    void reportLateSession();
     /// Handles all events that have arrived and all deadlines that have passed. False when the connection is lost.
     [[nodiscard]] bool serve();
     /// Called when the tap disables itself, before the tap's callback. Set before the engine is used.
