@@ -76,14 +76,15 @@ TEST_P(OpeningWindowsTest, AWindowThatIsOpenedRightAfterASwitchStaysInFront) {
     openActive({.title = "Window 2"});
     ASSERT_TRUE(program->waitForList(2, window(2)));
     input.chord({key::leftAlt, key::tab});
+    ASSERT_TRUE(desktop.waitForActiveWindow(window(1)));
     EXPECT_EQ(ask({"--settings"}).status, 0);
-    ASSERT_TRUE(own.waitForActive(settings));
+    ASSERT_TRUE(own.waitForActive(settings)) << program->process().output();
     // The switch is checked a moment after it, and then the settings are the later choice.
     ASSERT_TRUE(program->process().waitUntilOutput([this] {
         const std::string said = program->process().output();
         return said.find("was chosen after window") != std::string::npos || said.find("check(s)") != std::string::npos;
     })) << "waited for the switch to be checked";
-    EXPECT_TRUE(own.waitForActive(settings));
+    EXPECT_TRUE(own.waitForActive(settings)) << program->process().output();
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, OpeningWindowsTest, testing::Values("openbox", "xfwm4"), managerName);
