@@ -1,4 +1,3 @@
-#include <sys/resource.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 
@@ -132,7 +131,7 @@ public:
     }
     std::vector<Refusal> refusals() override {
         return {{"No connection to the X server for the keyboard",
-                 [this](bool isRefused) { isRefused ? refuseDescriptors() : allowDescriptors(); }},
+                 [this](bool isRefused) { isRefused ? refuseConnections() : allowConnections(); }},
                 {"The event tap's thread cannot be started", [this](bool isRefused) {
                      isRefused ? static_cast<void>(refusedThreads_.emplace()) : refusedThreads_.reset();
                  }}};
@@ -143,19 +142,30 @@ public:
     }
 
 private:
-    /// The process opens no file and no socket any more.
-    void refuseDescriptors() {
-        getrlimit(RLIMIT_NOFILE, &descriptors_);
-        const rlimit none{0, descriptors_.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
+    using Connection = std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)>;
+
+    [[nodiscard]] Connection connect() const {
+        return {xcb_connect(server_.display().c_str(), nullptr), &xcb_disconnect};
     }
-    void allowDescriptors() const { setrlimit(RLIMIT_NOFILE, &descriptors_); }
+    [[nodiscard]] bool accepts() const { return xcb_connection_has_error(connect().get()) == 0; }
+    /// The server takes only so many clients.
+    void refuseConnections() {
+        for (auto next = connect(); xcb_connection_has_error(next.get()) == 0; next = connect()) {
+            others_.push_back(std::move(next));
+        }
+    }
+    void allowConnections() {
+        others_.clear();
+        if (!desktop_.waitUntil([this] { return accepts(); })) {
+            throw std::runtime_error("waited in vain for the server to take clients again");
+        }
+    }
 
     x11test::PrivateXServer server_;
     x11test::TestDesktop desktop_{server_.display()};
     x11test::TestInput input_{server_.display()};
     x11test::TestWindow window_{server_.display(), {}};
-    rlimit descriptors_{};
+    std::vector<Connection> others_;
     std::ptrdiff_t threadsBefore_ = threadCount();
     std::optional<RefusedThreads> refusedThreads_;
     RecordedLog log_;
