@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <csignal>
+#include <fstream>
+#include <thread>
 #include <utility>
 
 #include "platform/x11/xcb_reply.h"
@@ -39,9 +42,14 @@ class HungMainThread {
 public:
     explicit HungMainThread(pid_t program) : thread_(program) {
         isAllowed_ = ptrace(PTRACE_SEIZE, thread_, nullptr, nullptr) == 0;
-        if (isAllowed_) {
-            EXPECT_EQ(ptrace(PTRACE_INTERRUPT, thread_, nullptr, nullptr), 0);
-            EXPECT_EQ(waitpid(thread_, nullptr, __WALL), thread_) << "waited for the main thread to stop";
+        const Deadline deadline(patience);
+        while (isAllowed_ && !stopsWhileItWaits()) {
+            if (deadline.hasPassed()) {
+                ADD_FAILURE() << "waited for the main thread to be idle";
+                return;
+            }
+            EXPECT_EQ(ptrace(PTRACE_CONT, thread_, nullptr, nullptr), 0);
+            std::this_thread::yield();
         }
     }
     ~HungMainThread() { goOn(); }
@@ -57,6 +65,20 @@ public:
     }
 
 private:
+    /// Stopped anywhere else, it might hold a lock that other threads need, as the allocator's.
+    [[nodiscard]] bool stopsWhileItWaits() const {
+        EXPECT_EQ(ptrace(PTRACE_INTERRUPT, thread_, nullptr, nullptr), 0);
+        EXPECT_EQ(waitpid(thread_, nullptr, __WALL), thread_) << "waited for the main thread to stop";
+        long call = -1;
+        std::ifstream("/proc/" + std::to_string(thread_) + "/syscall") >> call;
+        // The last one goes on with a wait that was interrupted before.
+        return call == SYS_ppoll || call == SYS_restart_syscall
+#ifdef SYS_poll
+               || call == SYS_poll
+#endif
+            ;
+    }
+
     pid_t thread_;
     bool isAllowed_ = false;
 };
